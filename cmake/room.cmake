@@ -1,0 +1,35 @@
+# How each room of the house is built: one static library, warnings as errors, linking only the rooms it may include.
+
+find_program(KORVANE_CCACHE ccache)
+if(KORVANE_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${KORVANE_CCACHE})
+endif()
+
+add_library(korvane_options INTERFACE)
+target_compile_options(korvane_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -fno-plt)
+target_include_directories(korvane_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(KORVANE_SANITIZE)
+  target_compile_options(korvane_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(korvane_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# korvane_room(<name> [ROOMS <room>...] [LIBRARIES <library>...]): every *.cpp of the calling folder but main.cpp becomes korvane_<name>.
+function(korvane_room name)
+  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")  # belongs to the program, not to the room
+  if(NOT sources)  # a room of headers only
+    add_library(korvane_${name} INTERFACE)
+    target_link_libraries(korvane_${name} INTERFACE korvane_options)
+    foreach(room ${ROOM_ROOMS})
+      target_link_libraries(korvane_${name} INTERFACE korvane_${room})
+    endforeach()
+    return()
+  endif()
+  add_library(korvane_${name} STATIC ${sources})
+  target_link_libraries(korvane_${name} PUBLIC korvane_options PRIVATE ${ROOM_LIBRARIES})
+  foreach(room ${ROOM_ROOMS})
+    target_link_libraries(korvane_${name} PUBLIC korvane_${room})
+  endforeach()
+endfunction()

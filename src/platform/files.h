@@ -1,0 +1,51 @@
+// Port: files and folders. Small whole-file operations that either happen or report why not; nothing here blocks longer than the disk does.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace korvane {
+
+/// Tells one content of a file from another without reading it: device, inode, size and time of the last change.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = -1;
+    std::int64_t changedNanoseconds = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+class Files {
+public:
+    virtual ~Files() = default;
+
+    /// Nothing when there is no such file.
+    virtual std::optional<FileIdentity> Identity(const std::string& path) = 0;
+    bool Exists(const std::string& path) { return Identity(path).has_value(); }
+
+    /// The whole file. Throws Error when it exists but cannot be read, or is no file; nothing when there is none.
+    virtual std::optional<std::string> Read(const std::string& path) = 0;
+
+    /// Replaces the file in one step: whoever looks, also after a crash or a power cut, sees the old text or the new one. A new
+    /// file gets the mode 0600, an existing one keeps its own; a link stays a link. Throws Error and leaves the file as it was.
+    virtual void Replace(const std::string& path, std::string_view text) = 0;
+
+    /// Writes over bytes inside an existing file without changing its length. Throws Error.
+    virtual void Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) = 0;
+
+    /// Adds to the end of the file in one write, creating it with the mode 0640. Throws Error.
+    virtual void Append(const std::string& path, std::string_view text) = 0;
+
+    /// Copies in one step, as Replace does; the copy of a database gets the mode 0600 too. Throws Error.
+    virtual void Copy(const std::string& from, const std::string& to) = 0;
+
+    /// With the folders above it; an existing folder is no error. Throws Error.
+    virtual void CreateFolder(const std::string& path) = 0;
+
+    /// One process holds a folder at a time. Whether this process holds it now, until it ends.
+    virtual bool HoldFolder(const std::string& path) = 0;
+};
+
+}  // namespace korvane

@@ -1,0 +1,40 @@
+// Port: one ICMP echo over IPv4 (RFC 792).
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace korvane {
+
+/// An IPv4 address in network byte order, as inet_addr gives it.
+using Ipv4Address = std::uint32_t;
+
+struct EchoReply {
+    bool answered = false;  ///< something came back within the wait
+    int status = 0;         ///< 0: the echo itself came back; otherwise ICMP type and code of the error, as type * 256 + code
+    std::chrono::milliseconds roundTripTime{0};
+    Ipv4Address address = 0;  ///< who answered
+};
+
+class IcmpEcho {
+public:
+    virtual ~IcmpEcho() = default;
+
+    /// Reads a dotted address as inet_addr(3) does; nothing when it is none (255.255.255.255 included). Names are never looked up.
+    virtual std::optional<Ipv4Address> InetAddr(std::string_view text) const = 0;
+
+    /// Whether echoes can be sent. When the system refuses, the reason and what to allow are in `whyNot`.
+    virtual bool IcmpCreateFile(std::string& whyNot) = 0;
+
+    /// Sends one echo and blocks until the answer or for `wait`; no events are delivered meanwhile. An echo that cannot be sent
+    /// (no route) counts as not answered.
+    virtual EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive,
+                                   std::chrono::milliseconds wait) = 0;
+
+    virtual void IcmpCloseHandle() = 0;
+};
+
+}  // namespace korvane

@@ -1,0 +1,42 @@
+// Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output.
+// No call waits for the person but ShowMessage and AskYesNo.
+#pragma once
+
+#include <string>
+
+namespace korvane {
+
+enum class TrayPicture { Normal, Warning, Error, Off };
+
+class Operator {
+public:
+    virtual ~Operator() = default;
+
+    /// Whether somebody can see the main window now. Always false without a display.
+    virtual bool WindowVisible() const = 0;
+
+    /// Adds a line to the status log; line ends in the text are already gone. Without a display it is printed.
+    virtual void StatusLine(const std::string& time, const std::string& text) = 0;
+
+    virtual void SetClockText(const std::string& time) = 0;
+    /// The short message of the cycle ("Sleeping for 20 seconds.").
+    virtual void SetCycleText(const std::string& text) = 0;
+
+    virtual void ShowProgress(bool shown) = 0;
+    /// 0 <= value <= max.
+    virtual void SetProgress(int value, int max) = 0;
+    virtual void SetProgressTip(const std::string& text) = 0;
+
+    virtual void SetTray(TrayPicture picture, const std::string& tip) = 0;
+    virtual void SetTrayTip(const std::string& tip) = 0;
+
+    virtual void RefreshURLList() = 0;
+    virtual void SetWaitCursor(bool wait) = 0;
+
+    /// Shows the message and waits until it is closed; without a display it goes to standard error and is over at once.
+    virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
+    /// Without a display the answer is No.
+    virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
+};
+
+}  // namespace korvane

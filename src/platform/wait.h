@@ -1,0 +1,25 @@
+// The one way to wait: look, and let the event pump run until the next look, up to a limit.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+
+#include "platform/clock.h"
+#include "platform/events.h"
+
+namespace korvane {
+
+/// Whether `condition()` came true within `limit`. It is looked at first without waiting, then after each event; events are
+/// delivered meanwhile, and while nothing happens no CPU is used.
+template <class Condition>
+bool WaitFor(Events& events, const Clock& clock, std::chrono::milliseconds limit, Condition condition) {
+    const auto deadline = clock.GetTickCount() + limit;
+    while (!condition()) {
+        const auto left = deadline - clock.GetTickCount();
+        if (left <= std::chrono::milliseconds::zero()) return false;
+        events.WaitForEvent(left);
+    }
+    return true;
+}
+
+}  // namespace korvane
