@@ -37,7 +37,8 @@ enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime }
 
 /// The rows of one query with a cursor on one of them.
 ///
-/// Keyset: the rows are fixed at Open, their values are read when they are looked at. Static: a copy of the rows as they were
+/// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row reads that
+/// column of some rows ahead. Static: a copy of the rows as they were
 /// at Open. Rows of a query of the form "SELECT * from <one table> ..." can be changed in both.
 ///
 /// A changed field is pending: this Recordset reads the new value, everybody else the old one, until Update. Moving on
@@ -100,6 +101,9 @@ public:
     virtual ~Store() = default;
     virtual std::unique_ptr<Connection> NewConnection() = 0;
     virtual std::unique_ptr<Recordset> NewRecordset() = 0;
+
+    /// Lets go of everything that is kept ready between two pieces of work: until the next Connection nothing of the store is open in this process.
+    virtual void Rest() {}
 };
 
 }  // namespace korvane

@@ -1,0 +1,173 @@
+#include "platform/curl/curl_inet.h"
+
+#include <curl/curl.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "platform/curl/curl_body.h"
+#include "platform/curl/curl_pump.h"
+#include "platform/curl/url_text.h"
+
+namespace korvane {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr const char* kWebSchemes = "http,https";
+constexpr long kRedirects = 20;  // as browsers do
+
+// libcurl must be set up once in a process and knows no second owner; so this is the one static here. It waits for the first
+// transfer: a program without web checks should not carry libcurl's TLS library in its memory.
+void NeedCurl() {
+    static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (ready != CURLE_OK) throw Error(curl_easy_strerror(ready));
+}
+
+// libcurl's own sockets would be inherited by the commands that the program starts, which would keep the connection open.
+curl_socket_t OpenSocket(void* /*unused*/, curlsocktype /*purpose*/, curl_sockaddr* address) {
+    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+struct EasyCleanup {
+    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+
+// One request as libcurl wants it, and what came back.
+class Exchange {
+public:
+    Exchange(const Inet::Request& request, const CurlInet::Options& options) : easy_(curl_easy_init()) {
+        if (!easy_) throw std::bad_alloc();
+        SetTarget(request);
+        SetLimits(request);
+        SetPrivacy();
+        SetReceivers();
+        if (!options.userAgent.empty()) Set(CURLOPT_USERAGENT, options.userAgent.c_str());
+        if (!options.caBundle.empty()) {
+            Set(CURLOPT_CAINFO, options.caBundle.c_str());
+            Set(CURLOPT_CAPATH, nullptr);
+        }
+    }
+
+    CURL* Handle() const { return easy_.get(); }
+
+    std::string Text(CURLcode result) const {
+        if (body_.What() == CurlBody::Verdict::Binary) throw TypeMismatchError();
+        if (body_.What() == CurlBody::Verdict::TooLarge) throw Error("The answer is larger than 256 MB");
+        if (result != CURLE_OK) throw Error(words_[0] != '\0' ? words_.data() : curl_easy_strerror(result));
+        return ToUtf8(body_.Bytes());
+    }
+
+private:
+    template <class Value>
+    void Set(CURLoption option, Value value) {
+        const CURLcode result = curl_easy_setopt(easy_.get(), option, value);
+        if (result != CURLE_OK) throw Error(curl_easy_strerror(result));
+    }
+
+    void SetTarget(const Inet::Request& request) {
+        const bool named = request.AccessType == InetAccess::NamedProxy;
+        Set(CURLOPT_URL, EncodeUrl(request.URL).c_str());
+        Set(CURLOPT_PROXY, named ? request.Proxy.c_str() : "");
+        Set(CURLOPT_NOPROXY, "");  // else the environment would have a say
+        if (request.RemotePort > 0) Set(CURLOPT_PORT, static_cast<long>(request.RemotePort));
+        if (request.UserName.empty()) return;
+        Set(CURLOPT_HTTPAUTH, CURLAUTH_BASIC);
+        Set(CURLOPT_USERNAME, request.UserName.c_str());
+        Set(CURLOPT_PASSWORD, request.Password.c_str());
+    }
+
+    void SetLimits(const Inet::Request& request) {
+        const auto timeout =
+            std::min<milliseconds::rep>(milliseconds(request.RequestTimeout).count(), std::numeric_limits<int>::max());
+        Set(CURLOPT_TIMEOUT_MS, static_cast<long>(timeout));
+        Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeout));
+        Set(CURLOPT_DEFAULT_PROTOCOL, "http");
+        Set(CURLOPT_PROTOCOLS_STR, kWebSchemes);
+        Set(CURLOPT_REDIR_PROTOCOLS_STR, kWebSchemes);
+        Set(CURLOPT_FOLLOWLOCATION, 1L);
+        Set(CURLOPT_MAXREDIRS, kRedirects);
+        Set(CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+        Set(CURLOPT_NOSIGNAL, 1L);
+        Set(CURLOPT_QUICK_EXIT, 1L);  // a name server that never answers does not hold up the end of the transfer
+    }
+
+    // Nothing of one check may help or spoil the next.
+    void SetPrivacy() {
+        Set(CURLOPT_FRESH_CONNECT, 1L);
+        Set(CURLOPT_FORBID_REUSE, 1L);
+        Set(CURLOPT_DNS_CACHE_TIMEOUT, 0L);
+        Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
+        Set(CURLOPT_SSL_VERIFYPEER, 1L);
+        Set(CURLOPT_SSL_VERIFYHOST, 2L);
+        Set(CURLOPT_COOKIEFILE, "");  // cookies in memory: sites that set one and redirect would redirect for ever
+    }
+
+    void SetReceivers() {
+        Set(CURLOPT_ERRORBUFFER, words_.data());
+        Set(CURLOPT_WRITEFUNCTION, &Exchange::OnBody);
+        Set(CURLOPT_WRITEDATA, this);
+        Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
+    }
+
+    // No exception may pass through libcurl; anything but `count` ends the transfer.
+    static std::size_t OnBody(const char* bytes, std::size_t /*one*/, std::size_t count, void* self) noexcept {
+        Exchange& exchange = *static_cast<Exchange*>(self);
+        const char* type = nullptr;
+        curl_off_t size = -1;
+        curl_easy_getinfo(exchange.Handle(), CURLINFO_CONTENT_TYPE, &type);
+        curl_easy_getinfo(exchange.Handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+        try {
+            return exchange.body_.Take({bytes, count}, type != nullptr ? type : "", size) ? count : count + 1;
+        } catch (const std::bad_alloc&) {
+            return count + 1;
+        }
+    }
+
+    std::unique_ptr<CURL, EasyCleanup> easy_;
+    std::array<char, CURL_ERROR_SIZE> words_{};
+    CurlBody body_;
+};
+
+// Lets the slot know its transfer for as long as it is on the stack.
+class Executing {
+public:
+    Executing(CurlPump*& slot, CurlPump& pump) : slot_(slot) { slot_ = &pump; }
+    ~Executing() { slot_ = nullptr; }
+    Executing(const Executing&) = delete;
+    Executing& operator=(const Executing&) = delete;
+
+private:
+    CurlPump*& slot_;
+};
+
+}  // namespace
+
+CurlInet::CurlInet(Events& events, const Clock& clock, Options options)
+    : events_(events), clock_(clock), options_(std::move(options)) {}
+
+std::string CurlInet::OpenURL(const Request& request) {
+    if (transfer_ != nullptr) throw Error("Still executing last request");
+    if (request.RequestTimeout <= std::chrono::seconds::zero()) throw Error("Operation timed out after 0 milliseconds");
+    NeedCurl();
+    Exchange exchange(request, options_);
+    CurlPump pump(events_, clock_, exchange.Handle());
+    const Executing executing(transfer_, pump);
+    const std::optional<CURLcode> result = pump.Perform();
+    if (!result) throw Error("Request cancelled");
+    return exchange.Text(*result);
+}
+
+void CurlInet::Cancel() {
+    if (transfer_ != nullptr) transfer_->Stop();
+}
+
+}  // namespace korvane

@@ -1,0 +1,148 @@
+#include "platform/linux/file_replacement.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "base/error.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kLongestLinkChain = 40;
+
+std::string FolderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+std::string NameOf(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+}
+
+// A file that is removed again unless it was moved to its place.
+class Sibling {
+public:
+    explicit Sibling(const std::string& path) : path_(FolderOf(path) + "." + NameOf(path) + ".XXXXXX") {
+        file_ = Descriptor(::mkostemp(path_.data(), O_CLOEXEC));
+    }
+    ~Sibling() {
+        const int error = errno;  // for whoever is about to report it
+        if (file_ && !placed_) ::unlink(path_.c_str());
+        errno = error;
+    }
+    Sibling(const Sibling&) = delete;
+    Sibling& operator=(const Sibling&) = delete;
+
+    const Descriptor& File() const { return file_; }
+
+    bool TakeOwnerAndMode(const struct stat& of) const {
+        return ::fchown(file_.Number(), of.st_uid, of.st_gid) == 0 && ::fchmod(file_.Number(), of.st_mode & 07777) == 0;
+    }
+
+    bool MoveTo(const std::string& path) {
+        placed_ = ::rename(path_.c_str(), path.c_str()) == 0;
+        return placed_;
+    }
+
+private:
+    std::string path_;
+    Descriptor file_;
+    bool placed_ = false;
+};
+
+// Only for errors that have to do with the folder or with taking the place, never for a full or broken disk.
+bool MayBeWrittenInPlace(int error) {
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
+
+// Without it a power cut could bring the old file back. Some file systems cannot do it, and then need not.
+void FlushFolderOf(const std::string& path) {
+    const Descriptor folder(::open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) ::fsync(folder.Number());
+}
+
+// Whether a file is there. Throws Error when it is one that must not be replaced.
+bool StatExisting(const std::string& path, struct stat& existing) {
+    if (::stat(path.c_str(), &existing) != 0) {
+        if (errno == ENOENT) return false;
+        ThrowFileError("write", path);
+    }
+    if (!S_ISREG(existing.st_mode)) throw Error("Cannot write " + path + ": it is not a file");
+    if (::access(path.c_str(), W_OK) != 0) ThrowFileError("write", path);
+    return true;
+}
+
+}  // namespace
+
+void ThrowFileError(const char* action, const std::string& path) {
+    throw Error(std::string("Cannot ") + action + " " + path + ": " + std::strerror(errno));
+}
+
+void WriteAll(const Descriptor& file, std::string_view bytes, const std::string& path) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.Number(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) ThrowFileError("write", path);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+std::string FollowLinks(std::string path) {
+    for (int links = 0; links < kLongestLinkChain; ++links) {
+        std::array<char, PATH_MAX> target{};
+        const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
+        if (size < 0) return path;
+        const std::string to(target.data(), static_cast<std::size_t>(size));
+        path = to.starts_with('/') ? to : FolderOf(path) + to;
+    }
+    errno = ELOOP;
+    ThrowFileError("write", path);
+}
+
+bool ReplaceBySibling(const std::string& path, const std::function<void(const Descriptor&)>& write) {
+    struct stat existing {};
+    const bool exists = StatExisting(path, existing);
+    Sibling sibling(path);
+    if (!sibling.File()) {
+        if (exists && MayBeWrittenInPlace(errno)) return false;
+        ThrowFileError("write", path);
+    }
+    if (exists && !sibling.TakeOwnerAndMode(existing)) return false;
+    write(sibling.File());
+    if (::fsync(sibling.File().Number()) != 0) ThrowFileError("write", path);
+    if (!sibling.MoveTo(path)) {
+        if (exists && MayBeWrittenInPlace(errno)) return false;
+        ThrowFileError("write", path);
+    }
+    FlushFolderOf(path);
+    return true;
+}
+
+void ReplaceInPlace(const std::string& path, std::string_view text) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    struct stat before {};
+    if (!file || ::fstat(file.Number(), &before) != 0) ThrowFileError("write", path);
+    const auto size = static_cast<off_t>(text.size());
+    if (size > before.st_size) {
+        errno = ::posix_fallocate(file.Number(), 0, size);
+        if (errno != 0) {
+            const int error = errno;
+            [[maybe_unused]] const int restored = ::ftruncate(file.Number(), before.st_size);
+            errno = error;
+            ThrowFileError("write", path);
+        }
+    }
+    WriteAll(file, text, path);
+    if (::ftruncate(file.Number(), size) != 0 || ::fsync(file.Number()) != 0) ThrowFileError("write", path);
+}
+
+}  // namespace korvane

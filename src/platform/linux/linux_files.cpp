@@ -1,0 +1,143 @@
+#include "platform/linux/linux_files.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+#include "base/error.h"
+#include "platform/linux/file_replacement.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::size_t kPiece = 64 * 1024;
+
+bool NoSuchFile(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
+
+std::int64_t Nanoseconds(const timespec& moment) {
+    return std::int64_t{moment.tv_sec} * 1'000'000'000 + moment.tv_nsec;
+}
+
+// A descriptor without a file when there is none. Throws Error when it cannot be opened or is no file.
+Descriptor OpenToRead(const std::string& path) {
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a pipe without a writer would hold us up
+    if (!file) {
+        if (NoSuchFile(errno)) return file;
+        ThrowFileError("read", path);
+    }
+    struct stat status {};
+    if (::fstat(file.Number(), &status) != 0) ThrowFileError("read", path);
+    if (!S_ISREG(status.st_mode)) throw Error("Cannot read " + path + ": it is not a file");
+    return file;
+}
+
+// Calls `take` with each piece of the file up to its end.
+template <class Take>
+void ReadPieces(const Descriptor& file, const std::string& path, Take take) {
+    std::array<char, kPiece> piece;
+    for (;;) {
+        const ssize_t size = ::read(file.Number(), piece.data(), piece.size());
+        if (size == 0) return;
+        if (size > 0) {
+            take(std::string_view(piece.data(), static_cast<std::size_t>(size)));
+        } else if (errno != EINTR) {
+            ThrowFileError("read", path);
+        }
+    }
+}
+
+}  // namespace
+
+std::optional<FileIdentity> LinuxFiles::Identity(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        return FileIdentity{status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_ctim)};
+    }
+    if (NoSuchFile(errno)) return std::nullopt;
+    ThrowFileError("read", path);
+}
+
+std::optional<std::string> LinuxFiles::Read(const std::string& path) {
+    const Descriptor file = OpenToRead(path);
+    if (!file) return std::nullopt;
+    std::string text;
+    ReadPieces(file, path, [&](std::string_view piece) { text += piece; });
+    return text;
+}
+
+void LinuxFiles::Replace(const std::string& path, std::string_view text) {
+    const std::string target = FollowLinks(path);
+    const bool replaced = ReplaceBySibling(target, [&](const Descriptor& file) { WriteAll(file, text, path); });
+    if (!replaced) ReplaceInPlace(target, text);
+}
+
+void LinuxFiles::Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    struct stat status {};
+    if (!file || ::fstat(file.Number(), &status) != 0) ThrowFileError("write", path);
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    if (offset < 0 || size > status.st_size || offset > status.st_size - size) {
+        throw Error("Cannot write " + path + ": it is shorter than expected");
+    }
+    if (::lseek(file.Number(), offset, SEEK_SET) != offset) ThrowFileError("write", path);
+    WriteAll(file, bytes, path);
+}
+
+void LinuxFiles::Append(const std::string& path, std::string_view text) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0640));
+    struct stat before {};
+    if (!file || ::fstat(file.Number(), &before) != 0) ThrowFileError("write", path);
+    ssize_t written = 0;
+    do {
+        written = ::write(file.Number(), text.data(), text.size());
+    } while (written < 0 && errno == EINTR);
+    if (written == static_cast<ssize_t>(text.size())) return;
+    if (written >= 0) {  // the disk was full in the middle of the text: no half of it stays
+        errno = ::ftruncate(file.Number(), before.st_size) == 0 ? ENOSPC : errno;
+    }
+    ThrowFileError("write", path);
+}
+
+void LinuxFiles::Copy(const std::string& from, const std::string& to) {
+    const Descriptor source = OpenToRead(from);
+    if (!source) {
+        errno = ENOENT;
+        ThrowFileError("read", from);
+    }
+    const std::string target = FollowLinks(to);
+    const bool replaced = ReplaceBySibling(target, [&](const Descriptor& file) {
+        ReadPieces(source, from, [&](std::string_view piece) { WriteAll(file, piece, to); });
+    });
+    if (!replaced) ReplaceInPlace(target, *Read(from));
+}
+
+void LinuxFiles::CreateFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    if (error) throw Error("Cannot create folder " + path + ": " + error.message());
+}
+
+bool LinuxFiles::HoldFolder(const std::string& path) {
+    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat status {};
+    if (!folder || ::fstat(folder.Number(), &status) != 0) ThrowFileError("hold", path);
+    const auto held = [&](const Hold& hold) { return hold.device == status.st_dev && hold.inode == status.st_ino; };
+    if (std::any_of(holds_.begin(), holds_.end(), held)) return true;
+    if (::flock(folder.Number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) return false;
+        ThrowFileError("hold", path);
+    }
+    holds_.push_back({status.st_dev, status.st_ino, std::move(folder)});
+    return true;
+}
+
+}  // namespace korvane

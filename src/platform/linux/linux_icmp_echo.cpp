@@ -1,0 +1,196 @@
+#include "platform/linux/linux_icmp_echo.h"
+
+#include <arpa/inet.h>
+#include <errno.h>
+#include <linux/errqueue.h>
+#include <linux/icmp.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+
+#include "platform/linux/icmp_packet.h"
+
+namespace korvane {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+
+// Room for an IP header with options, and for the errors that routers send, which quote at most 576 bytes (RFC 1812, section 4.3.2.3).
+constexpr std::size_t kHeaders = 128;
+constexpr std::size_t kLargestError = 1024;
+
+sockaddr_in SocketAddress(Ipv4Address address) {
+    sockaddr_in result{};
+    result.sin_family = AF_INET;
+    result.sin_addr.s_addr = address;
+    return result;
+}
+
+void SetOption(const Descriptor& socket, int level, int option, int value) {
+    ::setsockopt(socket.Number(), level, option, &value, sizeof value);
+}
+
+Descriptor OpenIcmp(int type) {
+    return Descriptor(::socket(AF_INET, type | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_ICMP));
+}
+
+// A raw socket is given every ICMP packet of the machine; the kernel keeps back all but those that can answer an echo.
+void PassAnswersOnly(const Descriptor& socket) {
+    const icmp_filter filter{
+        ~(1U << ICMP_ECHOREPLY | 1U << ICMP_DEST_UNREACH | 1U << ICMP_TIME_EXCEEDED | 1U << ICMP_PARAMETERPROB)};
+    ::setsockopt(socket.Number(), SOL_RAW, ICMP_FILTER, &filter, sizeof filter);
+}
+
+// The kernel fills in the identifier of a datagram socket: its port.
+std::uint16_t IdentifierOf(const Descriptor& socket) {
+    sockaddr_in address = SocketAddress(INADDR_ANY);
+    socklen_t size = sizeof address;
+    ::bind(socket.Number(), reinterpret_cast<const sockaddr*>(&address), size);
+    ::getsockname(socket.Number(), reinterpret_cast<sockaddr*>(&address), &size);
+    return ntohs(address.sin_port);
+}
+
+std::string ProgramPath() {
+    std::array<char, 4096> path{};
+    const ssize_t size = ::readlink("/proc/self/exe", path.data(), path.size());
+    return size > 0 ? std::string(path.data(), static_cast<std::size_t>(size)) : "the program";
+}
+
+std::string WhyNot(int error) {
+    return std::string("The system does not let this user send ICMP echoes (") + std::strerror(error) +
+           "). To allow it for every user: sysctl -w net.ipv4.ping_group_range=\"0 2147483647\". To allow it for this program: "
+           "setcap "
+           "cap_net_raw+ep " +
+           ProgramPath() + ", or AmbientCapabilities=CAP_NET_RAW in the unit of its service.";
+}
+
+// An error that came too late for the echo before would fail the next one.
+void ForgetLateErrors(const Descriptor& socket) {
+    int error = 0;
+    socklen_t size = sizeof error;
+    ::getsockopt(socket.Number(), SOL_SOCKET, SO_ERROR, &error, &size);
+}
+
+// Whether the socket has something before the deadline.
+bool WaitReadable(const Descriptor& socket, steady_clock::time_point deadline) {
+    for (;;) {
+        const nanoseconds left = deadline - steady_clock::now();
+        if (left <= nanoseconds::zero()) return false;
+        const auto whole = std::chrono::duration_cast<std::chrono::seconds>(left);
+        const timespec limit{whole.count(), (left - whole).count()};
+        pollfd readable{socket.Number(), POLLIN, 0};
+        const int ready = ::ppoll(&readable, 1, &limit, nullptr);
+        if (ready > 0) return true;
+        if (ready < 0 && errno != EINTR) return false;
+    }
+}
+
+}  // namespace
+
+struct LinuxIcmpEcho::Echo {
+    std::string request;
+    Ipv4Address address;
+};
+
+std::optional<Ipv4Address> LinuxIcmpEcho::InetAddr(std::string_view text) const {
+    if (text.find('\0') != std::string_view::npos) return std::nullopt;
+    const in_addr_t address = ::inet_addr(std::string(text).c_str());
+    return address == INADDR_NONE ? std::nullopt : std::optional<Ipv4Address>(address);
+}
+
+bool LinuxIcmpEcho::IcmpCreateFile(std::string& whyNot) {
+    whyNot.clear();
+    raw_ = false;
+    if ((socket_ = OpenIcmp(SOCK_DGRAM))) {
+        SetOption(socket_, SOL_IP, IP_RECVERR, 1);
+        identifier_ = IdentifierOf(socket_);
+        return true;
+    }
+    raw_ = true;
+    if ((socket_ = OpenIcmp(SOCK_RAW))) {
+        PassAnswersOnly(socket_);
+        identifier_ = static_cast<std::uint16_t>(std::random_device()());
+        return true;
+    }
+    whyNot = WhyNot(errno);
+    return false;
+}
+
+EchoReply LinuxIcmpEcho::IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, milliseconds wait) {
+    const Echo echo{EchoRequest(identifier_, ++sequence_, data), address};
+    const auto start = steady_clock::now();
+    if (!Send(echo, timeToLive)) return {};
+    while (WaitReadable(socket_, start + wait)) {
+        EchoReply reply = Receive(echo);
+        if (!reply.answered) continue;
+        reply.roundTripTime = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+        return reply;
+    }
+    return {};
+}
+
+bool LinuxIcmpEcho::Send(const Echo& echo, int timeToLive) const {
+    ForgetLateErrors(socket_);
+    SetOption(socket_, SOL_IP, IP_TTL, timeToLive);
+    const sockaddr_in to = SocketAddress(echo.address);
+    for (;;) {
+        const ssize_t sent = ::sendto(socket_.Number(), echo.request.data(), echo.request.size(), 0,
+                                      reinterpret_cast<const sockaddr*>(&to), sizeof to);
+        if (sent >= 0) return true;
+        if (errno != EINTR) return false;
+    }
+}
+
+// One packet, which may well be about something else: then the result is not answered.
+EchoReply LinuxIcmpEcho::Receive(const Echo& echo) const {
+    std::string packet(std::max(kLargestError, kHeaders + echo.request.size()), '\0');
+    sockaddr_in from{};
+    socklen_t size = sizeof from;
+    const ssize_t received =
+        ::recvfrom(socket_.Number(), packet.data(), packet.size(), 0, reinterpret_cast<sockaddr*>(&from), &size);
+    if (received < 0) return raw_ ? EchoReply{} : ReceiveError(echo);
+    packet.resize(static_cast<std::size_t>(received));
+    const auto status = EchoStatus(raw_ ? IcmpMessageOf(packet) : packet, echo.request);
+    return status ? EchoReply{true, *status, milliseconds(0), from.sin_addr.s_addr} : EchoReply{};
+}
+
+// The kernel keeps ICMP errors from the readers of a datagram socket, and queues them with the request that they are about.
+EchoReply LinuxIcmpEcho::ReceiveError(const Echo& echo) const {
+    std::array<char, 64> about{};
+    alignas(cmsghdr) std::array<char, 512> control{};
+    iovec into{about.data(), about.size()};
+    msghdr message{};
+    message.msg_iov = &into;
+    message.msg_iovlen = 1;
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    const ssize_t received = ::recvmsg(socket_.Number(), &message, MSG_ERRQUEUE);
+    if (received < 0 || !SameEcho({about.data(), static_cast<std::size_t>(received)}, echo.request)) return {};
+    for (cmsghdr* each = CMSG_FIRSTHDR(&message); each != nullptr; each = CMSG_NXTHDR(&message, each)) {
+        if (each->cmsg_level != SOL_IP || each->cmsg_type != IP_RECVERR) continue;
+        struct {
+            sock_extended_err error;
+            sockaddr_in offender;
+        } told{};
+        std::memcpy(&told, CMSG_DATA(each), sizeof told);
+        if (told.error.ee_origin != SO_EE_ORIGIN_ICMP) continue;
+        return {true, told.error.ee_type * 256 + told.error.ee_code, milliseconds(0), told.offender.sin_addr.s_addr};
+    }
+    return {};
+}
+
+void LinuxIcmpEcho::IcmpCloseHandle() {
+    socket_ = Descriptor();
+}
+
+}  // namespace korvane

@@ -1,0 +1,37 @@
+// ICMP echoes through the kernel: a datagram ICMP socket where the system allows it to every user, else a raw socket.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/icmp_echo.h"
+#include "platform/linux/descriptor.h"
+
+namespace korvane {
+
+class LinuxIcmpEcho : public IcmpEcho {
+public:
+    std::optional<Ipv4Address> InetAddr(std::string_view text) const override;
+    bool IcmpCreateFile(std::string& whyNot) override;
+
+    /// Not answered, and without a wait, when no handle is open.
+    EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, std::chrono::milliseconds wait) override;
+    void IcmpCloseHandle() override;
+
+private:
+    struct Echo;
+
+    bool Send(const Echo& echo, int timeToLive) const;
+    EchoReply Receive(const Echo& echo) const;
+    EchoReply ReceiveError(const Echo& echo) const;
+
+    Descriptor socket_;
+    bool raw_ = false;
+    std::uint16_t identifier_ = 0;
+    std::uint16_t sequence_ = 0;
+};
+
+}  // namespace korvane

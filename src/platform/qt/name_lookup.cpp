@@ -1,0 +1,77 @@
+#include "platform/qt/name_lookup.h"
+
+#include <errno.h>
+#include <netdb.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "base/error.h"
+
+namespace korvane {
+namespace {
+
+QList<QHostAddress> AddressesOf(const std::string& name) {
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
+    wanted.ai_flags = AI_ADDRCONFIG | AI_IDN;
+    addrinfo* first = nullptr;
+    if (::getaddrinfo(name.c_str(), nullptr, &wanted, &first) != 0) return {};
+    QList<QHostAddress> addresses;
+    for (const addrinfo* each = first; each != nullptr; each = each->ai_next)
+        addresses.append(QHostAddress(each->ai_addr));
+    ::freeaddrinfo(first);
+    return addresses;
+}
+
+}  // namespace
+
+// What the thread leaves behind. The asker may be gone by then, and the program at its end. The answer is told by a descriptor and not by an
+// event from thread to thread: such an event is lost on a wait that begins in the same moment, a readable descriptor never is.
+struct NameLookup::Answer {
+    Answer() : ready(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+        if (ready < 0) throw Error(std::strerror(errno));
+    }
+    ~Answer() { ::close(ready); }
+    Answer(const Answer&) = delete;
+    Answer& operator=(const Answer&) = delete;
+
+    void Tell(QList<QHostAddress> found) {
+        const std::lock_guard lock(mutex);
+        addresses = std::move(found);
+        ::eventfd_write(ready, 1);
+    }
+
+    QList<QHostAddress> Take() {
+        const std::lock_guard lock(mutex);
+        return std::move(addresses);
+    }
+
+    const int ready;
+    std::mutex mutex;
+    QList<QHostAddress> addresses;
+};
+
+NameLookup::NameLookup(const std::string& name, Found found)
+    : answer_(std::make_shared<Answer>()), found_(std::move(found)), arrived_(answer_->ready, QSocketNotifier::Read) {
+    QObject::connect(&arrived_, &QSocketNotifier::activated, &arrived_, [this] { OnAnswer(); });
+    try {
+        std::thread([answer = answer_, name] { answer->Tell(AddressesOf(name)); }).detach();
+    } catch (const std::system_error& error) {
+        throw Error(error.what());
+    }
+}
+
+void NameLookup::OnAnswer() {
+    arrived_.setEnabled(false);
+    const Found found = std::move(found_);  // it may end this object
+    found(answer_->Take());
+}
+
+}  // namespace korvane

@@ -1,0 +1,238 @@
+#include "platform/qt/qt_tcp_socket.h"
+
+#include <QHostAddress>
+#include <QList>
+#include <QMetaObject>
+#include <QNetworkProxy>
+#include <QObject>
+#include <QTcpSocket>
+#include <optional>
+#include <utility>
+
+#include "base/error.h"
+#include "platform/qt/name_lookup.h"
+
+namespace korvane {
+namespace {
+
+constexpr qint64 kReadAhead = 64 * 1024;
+
+constexpr int kAlreadyOpen = 10056;
+constexpr int kNotConnected = 10057;
+constexpr int kHostNotFound = 11001;
+constexpr int kHostUnreachable = 10065;
+constexpr int kNetworkDown = 10050;
+
+struct ErrorNumber {
+    QAbstractSocket::SocketError qt;
+    int winsock;
+};
+constexpr ErrorNumber kErrorNumbers[] = {
+    {QAbstractSocket::ConnectionRefusedError, 10061},
+    {QAbstractSocket::SocketTimeoutError, 10060},
+    {QAbstractSocket::NetworkError, kHostUnreachable},
+    {QAbstractSocket::SocketAddressNotAvailableError, kSocketAddressNotAvailable},
+    {QAbstractSocket::AddressInUseError, 10048},
+    {QAbstractSocket::SocketAccessError, 10013},
+    {QAbstractSocket::SocketResourceError, 10055},
+    {QAbstractSocket::UnsupportedSocketOperationError, 10047},
+};
+
+int WinsockNumber(QAbstractSocket::SocketError error) {
+    for (const ErrorNumber& each : kErrorNumbers) {
+        if (each.qt == error) return each.winsock;
+    }
+    return kNetworkDown;
+}
+
+struct Failure {
+    int number;
+    std::string description;
+};
+
+}  // namespace
+
+// One socket through any number of connections. Every Close begins a new round; whatever was queued in an earlier one is dropped.
+class QtTcpSocket::Connection : public QObject {
+public:
+    explicit Connection(const QtTcpSocket& owner) : owner_(owner) {
+        socket_.setProxy(QNetworkProxy::NoProxy);
+        socket_.setReadBufferSize(kReadAhead);
+        connect(&socket_, &QTcpSocket::connected, this, [this] { state_ = SocketState::Connected; });
+        connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
+        connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
+        connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
+    }
+
+    SocketState State() const { return state_; }
+
+    void ConnectToAddress(const QHostAddress& address) {
+        state_ = SocketState::Connecting;
+        addresses_ = {address};
+        const std::optional<Failure> failure = TryAddresses();
+        if (!failure) return;
+        if (failure->number == kSocketAddressNotAvailable) {
+            Close();
+            throw Error(failure->description, failure->number);
+        }
+        InNextTurn([this, failure = *failure] { Fail(failure); });
+    }
+
+    void ConnectToName(const std::string& name) {
+        lookup_.emplace(name, [this](const QList<QHostAddress>& addresses) { OnFound(addresses); });
+        state_ = SocketState::ResolvingHost;
+    }
+
+    void Send(std::string_view bytes) { socket_.write(bytes.data(), static_cast<qint64>(bytes.size())); }
+
+    std::string TakeArrived() {
+        std::string arrived(static_cast<std::size_t>(socket_.bytesAvailable()), '\0');
+        if (!arrived.empty()) socket_.read(arrived.data(), static_cast<qint64>(arrived.size()));
+        return arrived;
+    }
+
+    void Close() {
+        ++round_;
+        lookup_.reset();
+        state_ = SocketState::Closed;
+        socket_.abort();
+    }
+
+private:
+    template <class Action>
+    void InNextTurn(Action action) {
+        const auto queued = [this, round = round_, action = std::move(action)] {
+            if (round == round_) action();
+        };
+        QMetaObject::invokeMethod(this, queued, Qt::QueuedConnection);
+    }
+
+    void OnFound(const QList<QHostAddress>& addresses) {
+        if (addresses.isEmpty()) return Fail({kHostNotFound, "Host not found"});
+        addresses_ = addresses;
+        state_ = SocketState::HostResolved;
+        InNextTurn([this] {
+            if (state_ == SocketState::HostResolved) state_ = SocketState::Connecting;
+        });
+        if (const auto failure = TryAddresses()) Fail(*failure);
+    }
+
+    // Goes through the addresses that are left until one of them does not fail at once. Gives the failure of the last one.
+    std::optional<Failure> TryAddresses() {
+        std::optional<Failure> failure;
+        while (!addresses_.isEmpty() && (failure = TryAddress(addresses_.takeFirst()))) {
+        }
+        return failure;
+    }
+
+    std::optional<Failure> TryAddress(const QHostAddress& address) {
+        failedAtOnce_ = false;
+        starting_ = true;
+        if (owner_.localPort_ != 0) socket_.bind(static_cast<quint16>(owner_.localPort_));
+        if (!failedAtOnce_) socket_.connectToHost(address, static_cast<quint16>(owner_.remotePort_));
+        starting_ = false;
+        if (!failedAtOnce_) return std::nullopt;
+        // The kernel says so before a packet has left only when it has no way to send one.
+        if (socket_.error() == QAbstractSocket::NetworkError) return Failure{kSocketAddressNotAvailable, LastError()};
+        return Failure{WinsockNumber(socket_.error()), LastError()};
+    }
+
+    bool Attempting() const { return state_ == SocketState::HostResolved || state_ == SocketState::Connecting; }
+
+    void OnError(QAbstractSocket::SocketError error) {
+        if (starting_) {
+            failedAtOnce_ = true;
+        } else if (Attempting()) {
+            const Failure failure{WinsockNumber(error), LastError()};
+            if (addresses_.isEmpty()) return Fail(failure);
+            if (const auto next = TryAddresses()) Fail(*next);
+        } else if (state_ == SocketState::Connected && error != QAbstractSocket::RemoteHostClosedError) {
+            Fail({WinsockNumber(error), LastError()});
+        }
+    }
+
+    void OnDisconnected() {
+        if (state_ != SocketState::Connected) return;
+        state_ = SocketState::Closing;
+        if (owner_.Events().close) owner_.Events().close();
+    }
+
+    void OnReadyRead() {
+        if (owner_.Events().dataArrival) owner_.Events().dataArrival();
+    }
+
+    void Fail(const Failure& failure) {
+        state_ = SocketState::Error;
+        if (owner_.Events().error) owner_.Events().error(failure.number, failure.description);
+    }
+
+    std::string LastError() const { return socket_.errorString().toStdString(); }
+
+    const QtTcpSocket& owner_;
+    QTcpSocket socket_;
+    std::optional<NameLookup> lookup_;
+    QList<QHostAddress> addresses_;  ///< of the name, not yet tried
+    SocketState state_ = SocketState::Closed;
+    unsigned round_ = 0;
+    bool starting_ = false;
+    bool failedAtOnce_ = false;
+};
+
+QtTcpSocket::QtTcpSocket() : connection_(std::make_unique<Connection>(*this)) {}
+
+QtTcpSocket::~QtTcpSocket() {
+    connection_->Close();
+}
+
+SocketState QtTcpSocket::State() const {
+    return connection_->State();
+}
+
+void QtTcpSocket::SetProtocol(SocketProtocol /*protocol*/) {}
+
+void QtTcpSocket::SetRemoteHost(std::string host) {
+    remoteHost_ = std::move(host);
+}
+
+std::string QtTcpSocket::RemoteHost() const {
+    return remoteHost_;
+}
+
+void QtTcpSocket::SetRemotePort(std::int32_t port) {
+    if (port < 1 || port > 65535) throw Error("Invalid port number: " + std::to_string(port));
+    remotePort_ = port;
+}
+
+std::int32_t QtTcpSocket::RemotePort() const {
+    return remotePort_;
+}
+
+void QtTcpSocket::SetLocalPort(std::int32_t port) {
+    if (port < 0 || port > 65535) throw Error("Invalid port number: " + std::to_string(port));
+    localPort_ = port;
+}
+
+void QtTcpSocket::Connect() {
+    if (State() != SocketState::Closed) throw Error("The socket is not closed", kAlreadyOpen);
+    QHostAddress address;
+    if (address.setAddress(QString::fromStdString(remoteHost_))) {
+        connection_->ConnectToAddress(address);
+    } else {
+        connection_->ConnectToName(remoteHost_);
+    }
+}
+
+void QtTcpSocket::SendData(std::string_view bytes) {
+    if (State() != SocketState::Connected) throw Error("The socket is not connected", kNotConnected);
+    connection_->Send(bytes);
+}
+
+std::string QtTcpSocket::GetData() {
+    return connection_->TakeArrived();
+}
+
+void QtTcpSocket::Close() {
+    connection_->Close();
+}
+
+}  // namespace korvane

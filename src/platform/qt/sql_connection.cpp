@@ -1,0 +1,38 @@
+#include "platform/qt/sql_connection.h"
+
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "platform/qt/sql_text.h"
+
+namespace korvane {
+
+void QtSqlConnection::Open() {
+    if (session_) throw Error("The connection is already open.");
+    const std::string path = DatabaseFileOf(ConnectionString());
+    session_ = TakeKept(path);
+    if (!session_) session_ = std::make_shared<SqlSession>(path, state_->busyTimeout, state_->kindOf);
+}
+
+// To open a file and to learn its tables costs more than most of what is done with it then.
+std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
+    const auto kept = std::exchange(state_->kept, nullptr);
+    if (!kept || kept->Path() != path || !kept->IsAsLeft()) return nullptr;
+    return kept;
+}
+
+// Recordsets that still use the session must not get at the file any more, so only one that nobody uses is kept, and only one that works.
+void QtSqlConnection::Close() {
+    if (!session_) return;
+    if (session_.use_count() == 1 && session_->IsSound()) {
+        IgnoreErrors([&] {
+            session_->Leave();
+            state_->kept = session_;
+        });
+    } else {
+        session_->Close();
+    }
+    session_.reset();
+}
+
+}  // namespace korvane

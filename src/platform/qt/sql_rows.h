@@ -1,0 +1,64 @@
+// The rows of one query, from front to back: a keyset, whose values are read when they are looked at, and a static copy.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/qt/sql_table.h"
+#include "platform/qt/sql_text.h"
+#include "platform/qt/sql_values.h"
+
+namespace korvane {
+
+class SqlRows {
+public:
+    virtual ~SqlRows() = default;
+
+    virtual int Count() const = 0;
+
+    /// Goes to the next row, at first to the first one; `false` behind the last.
+    virtual bool Next() = 0;
+
+    /// Of the current row. Throw Error.
+    virtual std::int64_t Key() const = 0;
+    virtual Value Read(std::size_t column) = 0;
+};
+
+class KeysetRows : public SqlRows {
+public:
+    /// Reads the keys. Throws Error.
+    KeysetRows(SqlSession& session, const SelectText& select, SqlTable& table);
+
+    int Count() const override { return static_cast<int>(keys_.size()); }
+    bool Next() override { return at_ < keys_.size() && ++at_ > 0; }
+    std::int64_t Key() const override { return keys_[at_ - 1]; }
+    Value Read(std::size_t column) override { return table_.Read(std::span(keys_).subspan(at_ - 1), column); }
+
+private:
+    SqlTable& table_;
+    std::vector<std::int64_t> keys_;
+    std::size_t at_ = 0;  // behind the current one
+};
+
+class StaticRows : public SqlRows {
+public:
+    /// Copies the rows. Throws Error.
+    StaticRows(SqlSession& session, const SelectText& select);
+
+    const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
+
+    int Count() const override { return static_cast<int>(rows_.size()); }
+    bool Next() override { return at_ < rows_.size() && ++at_ > 0; }
+    std::int64_t Key() const override;
+    Value Read(std::size_t column) override { return FromStored(rows_[at_ - 1][column], (*columns_)[column].kind); }
+
+private:
+    std::shared_ptr<const SqlColumns> columns_;
+    std::vector<std::vector<QVariant>> rows_;
+    std::size_t at_ = 0;  // behind the current one
+};
+
+}  // namespace korvane

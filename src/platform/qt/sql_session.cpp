@@ -1,0 +1,171 @@
+#include "platform/qt/sql_session.h"
+
+#include <sys/stat.h>
+
+#include <QtCore/QUrl>
+#include <QtSql/QSqlError>
+#include <QtSql/QSqlRecord>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "platform/qt/sql_text.h"
+
+namespace korvane {
+namespace {
+
+// Pages that SQLite keeps in memory, in KiB: an index of thousands of rows is walked with a few of them.
+const std::string kCacheSize = "PRAGMA cache_size=-256";
+// The journal is emptied and synced after each transaction, so that a commit outlives a power cut at once, and the file stands alone.
+// It costs less than to make and remove a journal each time.
+const std::string kJournal = "PRAGMA journal_mode=TRUNCATE";
+const std::string kSynchronous = "PRAGMA synchronous=FULL";
+
+// Enough for the program's own; a caller that makes up ever new ones must not fill the memory.
+constexpr std::size_t kMostStatements = 40;
+
+constexpr std::string_view kMagic("SQLite format 3\0", 16);
+
+// https://sqlite.org/rescode.html, the primary codes.
+enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, NoDatabase = 26 };
+
+Error NoDatabaseError(const std::string& path) {
+    return Error("The file '" + path + "' is not an SQLite 3 database. It was left untouched.");
+}
+
+Error CannotReadError(const std::string& path, int problem) {
+    return Error("The database '" + path + "' cannot be read: " + std::strerror(problem));
+}
+
+// SQLite would take an empty file for a new database, and would roll an old journal back into whatever has taken the place of its file.
+// Closing the file here drops SQLite's locks of this process on it: no statement may be under way, and in one thread none is.
+void CheckMagic(const std::string& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
+    if (!file) throw CannotReadError(path, errno);
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    char magic[kMagic.size()];
+    if (std::string_view(magic, std::fread(magic, 1, sizeof magic, file.get())) != kMagic) throw NoDatabaseError(path);
+}
+
+// The URI form is the one way to say through Qt that the file must exist.
+QString UriOf(const std::string& path) {
+    const QByteArray encoded = QUrl::toPercentEncoding(QString::fromStdString(path), "/");
+    return QString::fromUtf8((path.starts_with('/') ? "file://" : "file:") + encoded + "?mode=rw");
+}
+
+}  // namespace
+
+SqlSession::SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf)
+    : path_(std::move(path)), kindOf_(std::move(kindOf)), left_(Look()) {
+    CheckMagic(path_);
+    database_.setDatabaseName(UriOf(path_));
+    database_.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=") + QString::number(busyTimeout.count()));
+    if (!database_.open()) Fail(database_.lastError());
+    open_ = true;
+    Select(kCacheSize);  // reads the tables, so a file that is locked or damaged shows here
+}
+
+void SqlSession::Close() {
+    open_ = false;
+    statements_.clear();
+    database_.close();
+}
+
+SqlSession::FileLook SqlSession::Look() const {
+    struct stat status {};
+    if (stat(path_.c_str(), &status) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) throw Error("Could not find file '" + path_ + "'.");
+        throw CannotReadError(path_, errno);
+    }
+    if (!S_ISREG(status.st_mode)) throw NoDatabaseError(path_);
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+QSqlQuery SqlSession::Select(const std::string& sql) {
+    RequireOpen();
+    QSqlQuery query(database_);
+    query.setForwardOnly(true);
+    if (!query.exec(QString::fromStdString(sql))) Fail(query.lastError());
+    return query;
+}
+
+QSqlQuery& SqlSession::SelectPrepared(const std::string& sql, const QVariantList& values) {
+    QSqlQuery& query = Prepare(sql, values);
+    if (!query.exec()) Fail(query.lastError());
+    return query;
+}
+
+QSqlQuery& SqlSession::Prepare(const std::string& sql, const QVariantList& values) {
+    RequireOpen();
+    auto found = statements_.find(sql);
+    if (found == statements_.end()) {
+        if (statements_.size() >= kMostStatements) statements_.clear();
+        QSqlQuery query(database_);
+        query.setForwardOnly(true);
+        if (!query.prepare(QString::fromStdString(sql))) Fail(query.lastError());
+        found = statements_.emplace(sql, std::move(query)).first;
+    }
+    for (qsizetype i = 0; i < values.size(); ++i)
+        found->second.bindValue(static_cast<int>(i), values[i]);
+    return found->second;
+}
+
+bool SqlSession::Next(QSqlQuery& query) {
+    if (query.next()) return true;
+    if (query.lastError().isValid()) Fail(query.lastError());
+    return false;
+}
+
+SqlSession::Changed SqlSession::Change(const std::string& sql, const QVariantList& values) {
+    PrepareForChanges();
+    QSqlQuery& query = SelectPrepared(sql, values);
+    const Changed changed{query.numRowsAffected(), query.lastInsertId().toLongLong()};
+    query.finish();
+    return changed;
+}
+
+std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table) {
+    auto& columns = columns_[table];
+    if (!columns)
+        columns =
+            std::make_shared<SqlColumns>(Select("SELECT * FROM " + QuotedName(table) + " LIMIT 0").record(), table, kindOf_);
+    return columns;
+}
+
+void SqlSession::RequireOpen() const {
+    if (!open_) throw Error("The connection to '" + path_ + "' is closed.");
+}
+
+// What only reads need not pay for it.
+void SqlSession::PrepareForChanges() {
+    if (readyForChanges_) return;
+    Select(kSynchronous);
+    Select(kJournal);
+    readyForChanges_ = true;
+}
+
+void SqlSession::Fail(const QSqlError& error) {
+    Distrust();
+    const std::string text = error.databaseText().toStdString();
+    const std::string database = "The database '" + path_ + "' ";
+    switch (error.nativeErrorCode().toInt() & 0xFF) {
+        case Busy:
+        case Locked:
+            throw Error(database + "is locked by another program.");
+        case ReadOnly:
+            throw Error(database + "cannot be written: " + text);
+        case InputOutput:
+            throw Error(database + "cannot be read or written: " + text);
+        case Corrupt:
+            throw Error(database + "is damaged: " + text);
+        case Full:
+            throw Error(database + "was not changed: the disk is full.");
+        case NoDatabase:
+            throw NoDatabaseError(path_);
+        default:
+            throw Error(text.empty() ? error.text().toStdString() : text);
+    }
+}
+
+}  // namespace korvane

@@ -1,0 +1,90 @@
+// One open database file, with the statements that were prepared on it.
+#pragma once
+
+#include <QtCore/QVariant>
+#include <QtSql/QSqlDatabase>
+#include <QtSql/QSqlQuery>
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "platform/qt/sql_columns.h"
+
+namespace korvane {
+
+class SqlSession {
+public:
+    /// Opens the file. Throws Error as Connection::Open tells.
+    SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf);
+    SqlSession(const SqlSession&) = delete;
+    SqlSession& operator=(const SqlSession&) = delete;
+
+    /// The uses that remain throw from then on.
+    void Close();
+
+    const std::string& Path() const { return path_; }
+
+    /// Notes how the file looks while nobody uses it.
+    void Leave() { left_ = Look(); }
+
+    /// Whether the path still names the file that is open here, and nobody has touched it since Leave: a copy laid over it must not be mixed with what
+    /// is remembered of the old one. Throws Error when there is no such file any more.
+    bool IsAsLeft() const { return Look() == left_; }
+
+    /// False after any failure: whoever comes next had better open the file anew, which finds the words for what is wrong with it.
+    bool IsSound() const { return sound_; }
+    void Distrust() { sound_ = false; }
+
+    /// Runs a query. It holds the file for reading until Next has given `false` or it is destroyed, which should be soon. Throws Error.
+    QSqlQuery Select(const std::string& sql);
+
+    /// The same with values for each "?" in it, prepared once for many uses; the reference is good until the next call. Finish it after use.
+    QSqlQuery& SelectPrepared(const std::string& sql, const QVariantList& values);
+
+    /// Whether there is another row. Throws as Select does.
+    bool Next(QSqlQuery& query);
+
+    struct Changed {
+        int rows;
+        std::int64_t insertedId;
+    };
+
+    /// Runs a statement that changes rows, with a value for each "?" in it, as one durable transaction. Throws Error.
+    Changed Change(const std::string& sql, const QVariantList& values);
+
+    /// The columns of a table. Throws Error when there is no such table.
+    std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
+
+    const ColumnKindOf& KindOf() const { return kindOf_; }
+
+private:
+    // QSqlDatabase hands out its connections by name to the whole program; one that is made so belongs to its owner alone.
+    struct OwnDatabase : QSqlDatabase {
+        OwnDatabase() : QSqlDatabase(QStringLiteral("QSQLITE")) {}
+    };
+    /// Device, inode, size, and time of the last change in seconds and nanoseconds.
+    using FileLook = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
+
+    FileLook Look() const;
+    QSqlQuery& Prepare(const std::string& sql, const QVariantList& values);
+    void RequireOpen() const;
+    void PrepareForChanges();
+    [[noreturn]] void Fail(const QSqlError& error);
+
+    std::string path_;
+    ColumnKindOf kindOf_;
+    FileLook left_;
+    OwnDatabase database_;
+    std::map<std::string, QSqlQuery> statements_;
+    std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns_;
+    bool open_ = false;
+    bool sound_ = true;
+    bool readyForChanges_ = false;
+};
+
+}  // namespace korvane

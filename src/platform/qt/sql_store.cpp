@@ -1,0 +1,24 @@
+#include "platform/qt/sql_store.h"
+
+#include "platform/qt/sql_recordset.h"
+
+namespace korvane {
+
+QtSqlStore::QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout) : state_(std::make_shared<SqlStoreState>()) {
+    state_->kindOf = std::move(kindOf);
+    state_->busyTimeout = busyTimeout;
+}
+
+std::unique_ptr<Connection> QtSqlStore::NewConnection() {
+    return std::make_unique<QtSqlConnection>(state_);
+}
+
+std::unique_ptr<Recordset> QtSqlStore::NewRecordset() {
+    return std::make_unique<QtSqlRecordset>(state_);
+}
+
+void QtSqlStore::Rest() {
+    state_->kept.reset();
+}
+
+}  // namespace korvane

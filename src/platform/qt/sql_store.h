@@ -1,0 +1,35 @@
+// The store in an SQLite file, over Qt Sql.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "platform/connection.h"
+
+namespace korvane {
+
+struct SqlStoreState;
+
+/// The kind of a column, with both names in any case; nothing for a column it does not know, which then gets its kind from its
+/// declared type, or else from each value.
+using ColumnKindOf = std::function<std::optional<ColumnKind>(std::string_view table, std::string_view column)>;
+
+/// Makes connections and recordsets for one thread. They may outlive the store. The database file may be replaced whenever no
+/// Connection is open: each one looks whether it is still the file that was kept open.
+class QtSqlStore : public Store {
+public:
+    /// Each operation waits up to `busyTimeout` for another process that holds the file, and then throws.
+    explicit QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout = std::chrono::seconds(1));
+
+    std::unique_ptr<Connection> NewConnection() override;
+    std::unique_ptr<Recordset> NewRecordset() override;
+    void Rest() override;
+
+private:
+    std::shared_ptr<SqlStoreState> state_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,70 @@
+// One table of an open file: its columns, its rows by their ID, and the statements that change a row.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/qt/sql_session.h"
+
+namespace korvane {
+
+/// A value that was written to a column of the current row, already in the form of the column.
+struct SqlChange {
+    std::string column;
+    Value value;
+    bool pending = true;
+};
+
+class SqlTable {
+public:
+    /// Throws Error when there is no such table.
+    SqlTable(std::shared_ptr<SqlSession> session, std::string name);
+
+    const std::string& Name() const { return name_; }
+    const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
+
+    /// A column of the first of these rows, as it is when it is first looked at. A row of which one column is looked at is seldom looked at
+    /// further: walks over many rows want one column of each. So a row of which a second one is wanted is fetched whole, and the first row of
+    /// a walk at once, but a walk along one column fetches that column of some rows ahead. Throws Error when the row is gone.
+    Value Read(std::span<const std::int64_t> keys, std::size_t column);
+
+    /// The next Read looks at the file again.
+    void Forget();
+
+    /// What the column has in a row that is added without it.
+    Value Default(std::size_t column);
+
+    /// Write the pending changes, or remove the row. Throw Error, Update and Delete also when the row is gone.
+    std::int64_t Insert(const std::vector<SqlChange>& changes);
+    void Update(std::int64_t key, const std::vector<SqlChange>& changes);
+    void Delete(std::int64_t key);
+
+private:
+    using Cells = std::vector<QVariant>;
+
+    void ReadRow(std::int64_t key);
+    const QVariant& ReadColumn(std::span<const std::int64_t> keys, std::size_t column);
+    void FetchColumn(std::span<const std::int64_t> keys, std::size_t column);
+    void ReadDefaults();
+
+    std::shared_ptr<SqlSession> session_;
+    std::string name_;
+    std::string quotedName_;
+    std::shared_ptr<const SqlColumns> columns_;
+
+    std::optional<std::int64_t> rowKey_;  // of the row that is held whole
+    Cells row_;
+    bool walks_ = false;  // a row was held before
+    std::optional<std::size_t> walkedColumn_;
+    std::unordered_map<std::int64_t, QVariant> walked_;  // of that column, by key
+    std::optional<std::int64_t> walkedKey_;              // the row that was looked at last in it
+    Cells defaults_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,177 @@
+#include "platform/qt/sql_text.h"
+
+#include <optional>
+
+#include "base/datetime.h"
+#include "base/error.h"
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+
+// The character that ends what `open` begins; 0 when it begins no quotation.
+char ClosingOf(char open) {
+    switch (open) {
+        case '\'':
+        case '"':
+        case '`':
+            return open;
+        case '[':
+            return ']';
+        default:
+            return 0;
+    }
+}
+
+// Takes one value off the front of a connection string, with the ";" that ends it.
+std::string TakeValue(std::string_view& rest) {
+    const auto start = rest.find_first_not_of(' ');
+    rest.remove_prefix(start == std::string_view::npos ? rest.size() : start);
+    std::string value;
+    const char quote = rest.starts_with('"') ? '"' : rest.starts_with('{') ? '}' : '\0';
+    if (quote != '\0') {
+        rest.remove_prefix(1);
+        const auto end = rest.find(quote);
+        value = rest.substr(0, end);
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    const auto end = rest.find(';');
+    if (quote == '\0') value = Trim(rest.substr(0, end));
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    return value;
+}
+
+// Reads the words of a query from its front.
+class Words {
+public:
+    explicit Words(std::string_view text) : rest_(text) { SkipBlanks(); }
+
+    std::string_view Rest() const { return rest_; }
+
+    bool Take(std::string_view symbol) {
+        if (!rest_.starts_with(symbol)) return false;
+        rest_.remove_prefix(symbol.size());
+        SkipBlanks();
+        return true;
+    }
+
+    bool TakeKeyword(std::string_view keyword) {
+        if (!EqualsNoCase(Word(), keyword)) return false;
+        return Take(Word());
+    }
+
+    bool AtKeyword(std::string_view keyword) const { return EqualsNoCase(Word(), keyword); }
+
+    /// A name, plain or between brackets or quotes; empty when there is none.
+    std::string TakeName() {
+        const char closing = rest_.empty() ? '\0' : ClosingOf(rest_.front());
+        std::string name;
+        if (closing != '\0' && closing != '\'') {
+            const auto end = rest_.find(closing, 1);
+            if (end == std::string_view::npos) return {};
+            name = rest_.substr(1, end - 1);
+            rest_.remove_prefix(end + 1);
+        } else {
+            name = Word();
+            rest_.remove_prefix(name.size());
+        }
+        SkipBlanks();
+        return name;
+    }
+
+private:
+    std::string_view Word() const { return rest_.substr(0, rest_.find_first_not_of(kNameCharacters)); }
+
+    void SkipBlanks() {
+        const auto start = rest_.find_first_not_of(kBlanks);
+        rest_.remove_prefix(start == std::string_view::npos ? rest_.size() : start);
+    }
+
+    std::string_view rest_;
+};
+
+// "*", or names of columns with ID among them.
+bool TakeRowList(Words& words) {
+    if (words.Take("*")) return true;
+    bool hasId = false;
+    do {
+        const std::string name = words.TakeName();
+        if (name.empty()) return false;
+        hasId = hasId || EqualsNoCase(name, "ID");
+    } while (words.Take(","));
+    return hasId;
+}
+
+}  // namespace
+
+std::string DatabaseFileOf(std::string_view connectionString) {
+    std::string_view rest = connectionString;
+    while (!rest.empty()) {
+        const auto end = rest.find_first_of("=;");
+        if (end == std::string_view::npos) break;
+        const std::string key = Trim(rest.substr(0, end));
+        const bool hasValue = rest[end] == '=';
+        rest.remove_prefix(end + 1);
+        if (!hasValue) continue;
+        std::string value = TakeValue(rest);
+        const bool namesFile = EqualsNoCase(key, "DBQ") || EqualsNoCase(key, "Data Source");
+        if (namesFile && !value.empty()) return value;
+    }
+    throw Error("The connection string names no database file.");
+}
+
+std::string WithStoredDates(std::string_view query) {
+    std::string result;
+    result.reserve(query.size());
+    while (!query.empty()) {
+        const auto special = query.find_first_of("#'\"`[");
+        result += query.substr(0, special);
+        if (special == std::string_view::npos) break;
+        query.remove_prefix(special);
+        const bool isDate = query.front() == '#';
+        const auto end = query.find(isDate ? '#' : ClosingOf(query.front()), 1);
+        if (!isDate) {
+            const auto length = end == std::string_view::npos ? query.size() : end + 1;
+            result += query.substr(0, length);
+            query.remove_prefix(length);
+            continue;
+        }
+        if (end == std::string_view::npos) throw Error("The query holds a date without its closing #: " + std::string(query));
+        try {
+            result += '\'' + ParseDateTime(query.substr(1, end - 1)).Stored() + '\'';
+        } catch (const Error&) {
+            throw Error("The query holds a date that cannot be read: " + std::string(query.substr(0, end + 1)));
+        }
+        query.remove_prefix(end + 1);
+    }
+    return result;
+}
+
+std::string QuotedName(std::string_view name) {
+    return '`' + ReplaceAll(name, "`", "``") + '`';
+}
+
+std::string SelectText::Selecting(std::string_view list) const {
+    std::string text = "SELECT ";
+    text += list;
+    if (IsOneTable()) return text + " FROM " + QuotedName(table) + ' ' + rest;
+    return text + " FROM (" + query + ')';
+}
+
+SelectText ParseSelect(std::string_view query) {
+    SelectText select;
+    select.query = query.substr(0, query.find_last_not_of(" \t\r\n;") + 1);
+    Words words(select.query);
+    if (!words.TakeKeyword("SELECT") || !TakeRowList(words) || !words.TakeKeyword("FROM")) return select;
+    std::string table = words.TakeName();
+    const bool ends = words.Rest().empty() || words.AtKeyword("WHERE") || words.AtKeyword("ORDER") || words.AtKeyword("LIMIT");
+    if (!ends) return select;
+    select.rest = words.Rest();
+    select.table = std::move(table);
+    return select;
+}
+
+}  // namespace korvane

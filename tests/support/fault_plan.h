@@ -1,0 +1,67 @@
+// When a fake breaks: a list of faults, each for one kind of operation, at its nth time, on what the test names.
+//
+//     store.faults.Add({.operation = StoreOperation::Update, .nth = 2, .description = "disk I/O error"});
+//     files.faults.Add({.forever = true, .about = "kvmonlog", .description = "No space left on device"});
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace korvane {
+
+template <class Operation>
+class FaultPlan {
+public:
+    struct Fault {
+        std::optional<Operation> operation = std::nullopt;  ///< nothing: any operation
+        int nth = 1;             ///< which one fails, counted from Add among those that match; 1 is the next
+        bool forever = false;    ///< whether all after it fail too
+        std::string about = "";  ///< what must be found, in any case, in the path, query, column or table; blank: whatever it is
+        std::string description = "disk I/O error";
+        int number = 0;
+    };
+
+    void Add(Fault fault) { faults_.push_back(std::move(fault)); }
+
+    /// Everything works again.
+    void Heal() { faults_.clear(); }
+
+    /// Operations that were asked for so far, failed ones included.
+    std::uint64_t Calls() const { return calls_; }
+    /// Operations that failed so far.
+    std::uint64_t Failures() const { return failures_; }
+
+    /// For the fake, before each operation: throws Error when a fault says so.
+    void Pass(Operation operation, std::string_view about) {
+        ++calls_;
+        for (auto fault = faults_.begin(); fault != faults_.end(); ++fault) {
+            if (!Matches(*fault, operation, about) || --fault->nth > 0) continue;
+            const Error error(fault->description, fault->number);
+            ++failures_;
+            if (fault->forever) {
+                fault->nth = 1;
+            } else {
+                faults_.erase(fault);
+            }
+            throw error;
+        }
+    }
+
+private:
+    static bool Matches(const Fault& fault, Operation operation, std::string_view about) {
+        if (fault.operation && *fault.operation != operation) return false;
+        return fault.about.empty() || Holds(ToLower(about), ToLower(fault.about));
+    }
+
+    std::vector<Fault> faults_;
+    std::uint64_t calls_ = 0;
+    std::uint64_t failures_ = 0;
+};
+
+}  // namespace korvane

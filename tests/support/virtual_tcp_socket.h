@@ -1,0 +1,67 @@
+// A TCP socket in the virtual world, talking to the scripted servers of a VirtualNet. An address goes straight to state 6; a name is
+// looked up first (4), and shows 5 for 1 ms when it is found.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/tcp_socket.h"
+#include "support/virtual_net.h"
+
+namespace korvane {
+
+class VirtualTcpSocket : public TcpSocket {
+public:
+    explicit VirtualTcpSocket(VirtualNet& net) : net_(net) {}
+    ~VirtualTcpSocket() override;
+    VirtualTcpSocket(const VirtualTcpSocket&) = delete;
+    VirtualTcpSocket& operator=(const VirtualTcpSocket&) = delete;
+
+    SocketState State() const override { return state_; }
+    void SetProtocol(SocketProtocol) override {}
+    void SetRemoteHost(std::string host) override { host_ = std::move(host); }
+    std::string RemoteHost() const override { return host_; }
+    void SetRemotePort(std::int32_t port) override;
+    std::int32_t RemotePort() const override { return port_; }
+    void SetLocalPort(std::int32_t) override {}
+    void Connect() override;
+    void SendData(std::string_view bytes) override;
+    std::string GetData() override;
+    void Close() override;
+
+private:
+    using Stage = void (VirtualTcpSocket::*)();
+
+    /// Goes on with `stage` after the delay.
+    void Next(std::chrono::milliseconds delay, Stage stage);
+    void LookUp();
+    void NotFound();
+    void Found();
+    void Knock();
+    void Refused();
+    void Accepted();
+    void BeginStep();
+    void EndStep();
+    bool TakeLines(const ServerStep& step);
+    std::optional<std::string> TakeLine();
+    void Fail(int number, const std::string& description);
+
+    VirtualNet& net_;
+    SocketState state_ = SocketState::Closed;
+    std::string host_;
+    std::int32_t port_ = 0;
+    std::string arrived_;  ///< from the server, not yet read
+    std::string sent_;     ///< to the server, not yet taken by its script
+
+    // The other side.
+    VirtualHost* remote_ = nullptr;
+    VirtualServer* server_ = nullptr;
+    std::shared_ptr<const VirtualServer::Script> script_;
+    std::size_t step_ = 0;
+    EventId pending_;
+};
+
+}  // namespace korvane
