@@ -1,0 +1,93 @@
+-- The blank database: kvempty.mdb is made from this at build time.
+--
+-- Ids are INTEGER, texts are TEXT COLLATE NOCASE (queries compare without regard to case), whole numbers and yes/no (1 or 0)
+-- are INTEGER, fractions are REAL, moments are TEXT "YYYY-MM-DD HH:MM:SS" in local time. Blank is NULL.
+
+PRAGMA page_size = 4096;
+PRAGMA encoding = 'UTF-8';
+
+-- One row per monitored entry: configuration and live counters together.
+CREATE TABLE Servers (
+    ID               INTEGER PRIMARY KEY,
+    idCustomer       INTEGER DEFAULT 0,
+    strGroup         TEXT COLLATE NOCASE DEFAULT 'Group1',
+    strDesc          TEXT COLLATE NOCASE,
+    strAddress_IP    TEXT COLLATE NOCASE,
+    strType          TEXT COLLATE NOCASE DEFAULT 'HTTP',
+    strPort          TEXT COLLATE NOCASE DEFAULT '80',
+    nTimeout         INTEGER DEFAULT 15,
+    nTries           INTEGER DEFAULT 3,
+    nTriesCur        INTEGER DEFAULT 0,
+    nListFrequency   INTEGER DEFAULT 0,
+    nIntervalSeconds INTEGER DEFAULT 60,
+    strExpectedText  TEXT COLLATE NOCASE DEFAULT '',
+    strRequestText   TEXT COLLATE NOCASE DEFAULT '',
+    strUserName      TEXT COLLATE NOCASE DEFAULT '',
+    strPassword      TEXT COLLATE NOCASE DEFAULT '',
+    bIsMonitoring    INTEGER DEFAULT 1,
+    bSendUpNotify    INTEGER DEFAULT 1,
+    bNotSendBody     INTEGER DEFAULT 0,
+    strDownTime1     TEXT COLLATE NOCASE,
+    strDownTime2     TEXT COLLATE NOCASE,
+    nDownDuration1   INTEGER DEFAULT 0,
+    nDownDuration2   INTEGER DEFAULT 0,
+    strCMD           TEXT COLLATE NOCASE DEFAULT '',
+    strCMDUP         TEXT COLLATE NOCASE DEFAULT '',
+    strEmailList1    TEXT COLLATE NOCASE DEFAULT '',
+    strEmailList2    TEXT COLLATE NOCASE DEFAULT '',
+    strEmailFrom     TEXT COLLATE NOCASE DEFAULT '',
+    strEmailText     TEXT COLLATE NOCASE DEFAULT '',
+    strEmailBody     TEXT COLLATE NOCASE DEFAULT '',
+    nFailScanText    INTEGER DEFAULT 0,
+    strCurStatus     TEXT COLLATE NOCASE DEFAULT 'UP',
+    strLastResponse  TEXT COLLATE NOCASE,
+    nAveResponse     REAL DEFAULT 0,
+    nAveSession      REAL DEFAULT 0,
+    nTotalSession    INTEGER DEFAULT 0,
+    nSuccess         INTEGER DEFAULT 0,
+    nFail            INTEGER DEFAULT 0,
+    nPercentUp       REAL DEFAULT 100,
+    dtNextCheck      TEXT,
+    datelastcheck    TEXT,
+    datelastfail     TEXT,
+    datelastreset    TEXT
+);
+CREATE INDEX ServersByNextCheck ON Servers (dtNextCheck);
+
+-- One row per failed check.
+CREATE TABLE Failures (
+    ID            INTEGER PRIMARY KEY,
+    IDParent      INTEGER,
+    strGroup      TEXT COLLATE NOCASE,
+    strDesc       TEXT COLLATE NOCASE,
+    strAddress_IP TEXT COLLATE NOCASE,
+    strType       TEXT COLLATE NOCASE,
+    strPort       TEXT COLLATE NOCASE,
+    nTimeout      INTEGER,
+    nFailCount    INTEGER,
+    nFailMax      INTEGER,
+    strAction     TEXT COLLATE NOCASE,
+    strReason     TEXT COLLATE NOCASE,
+    dateFail      TEXT
+);
+CREATE INDEX FailuresByParentAndDate ON Failures (IDParent, dateFail);
+
+-- Hourly and daily averages.
+CREATE TABLE Response (
+    id           INTEGER PRIMARY KEY,
+    idParent     INTEGER,
+    txtType      TEXT COLLATE NOCASE,
+    dtCur        TEXT,
+    nAveResponse REAL,
+    nAveSession  REAL
+);
+CREATE INDEX ResponseByParentAndDate ON Response (idParent, txtType, dtCur);
+
+-- Texts that mean failure when an answer holds them.
+CREATE TABLE ResponseFailText (
+    id             INTEGER PRIMARY KEY,
+    idParent       INTEGER,
+    strFailText    TEXT COLLATE NOCASE,
+    strFailCommand TEXT COLLATE NOCASE
+);
+CREATE INDEX ResponseFailTextByParent ON ResponseFailText (idParent);

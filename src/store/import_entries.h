@@ -1,0 +1,28 @@
+// The one-time move of an older installation's entries from the settings file into the database, at the first start with a database.
+#pragma once
+
+#include "platform/events.h"
+#include "platform/operator.h"
+#include "store/log.h"
+#include "store/server_entries.h"
+#include "store/settings.h"
+#include "store/settings_collection.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+struct ImportPorts {
+    Events& events;
+    Operator& person;
+    Log& log;
+    StatusLog& status;
+    SettingsCollection& collection;
+    ServerEntries& entries;
+    Settings& settings;
+};
+
+/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the settings file. Entries that
+/// could not be stored are in the log; their sections stay in the settings file. Raises nothing.
+void ImportEntriesOnce(const ImportPorts& ports);
+
+}  // namespace korvane

@@ -1,0 +1,142 @@
+#include "store/ini_file.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+// Many times the size of a settings file with all entries that it can have.
+constexpr std::int64_t kLargestFile = 64 << 20;
+
+// One line of text that reads back: a line end would end the value, a NUL would make the file unreadable.
+std::string OneLine(std::string_view value) {
+    std::string line = ReplaceAll(value, "\r\n", " ");
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    return line;
+}
+
+}  // namespace
+
+std::string IniFile::Read(std::string_view section, std::string_view key, std::string_view defaultValue) {
+    LookAgain();
+    const auto found = document_.Find(section, key);
+    const std::string value = found ? Trim(Left(ToUtf8(*found), kIniValueLimit)) : std::string();
+    return value.empty() ? std::string(defaultValue) : value;
+}
+
+void IniFile::Write(std::string_view section, std::string_view key, std::string_view value) {
+    if (path_.empty()) return;
+    LookAgain();
+    pending_.push_back({std::string(section), std::string(key), OneLine(value)});
+    ChangeInMemory(pending_.back());
+    if (openBatches_ == 0) Commit();
+}
+
+std::string IniFile::Problem() {
+    LookAgain();
+    return problem_;
+}
+
+std::vector<std::string> IniFile::SectionNames() {
+    LookAgain();
+    return document_.SectionNames();
+}
+
+void IniFile::LookAgain() {
+    if (path_.empty() || openBatches_ > 0) return;  // a batch looked at its beginning and looks again at its end
+    if (!loaded_ || ChangedOnDisk()) Load();
+}
+
+bool IniFile::ChangedOnDisk() {
+    try {
+        return files_.Identity(path_) != identity_;
+    } catch (const Error&) {
+        return true;
+    }
+}
+
+void IniFile::Load() {
+    document_ = IniDocument();
+    problem_.clear();
+    loaded_ = true;
+    try {
+        identity_ = files_.Identity(path_);
+        if (!identity_) return;
+        if (identity_->size > kLargestFile) {
+            problem_ = path_ + " is too large to be a settings file.";
+            return;
+        }
+        const std::string text = files_.Read(path_).value_or("");
+        if (text.find('\0') != std::string::npos) {
+            problem_ = path_ + " is no text file.";
+            return;
+        }
+        document_ = IniDocument(text);
+    } catch (const Error& error) {
+        problem_ = error.what();
+        loaded_ = false;  // the next access tries again
+    }
+}
+
+void IniFile::ChangeInMemory(const PendingWrite& write) {
+    if (!problem_.empty()) return;
+    const IniDocument::Result result = document_.Set(write.section, write.key, write.value);
+    if (result.change == IniDocument::Change::None) return;
+    const bool only = unsaved_.change == IniDocument::Change::None;
+    unsaved_ = only ? result : IniDocument::Result{IniDocument::Change::Moved};
+    unsavedValue_ = write.value;
+}
+
+// What somebody else wrote since the document was read is kept: the writes are then made once more on the new text.
+void IniFile::Commit() {
+    const std::vector<PendingWrite> writes = std::exchange(pending_, {});
+    if (writes.empty()) return;
+    if (!loaded_ || ChangedOnDisk()) {
+        unsaved_ = {};
+        Load();
+        for (const PendingWrite& write : writes)
+            ChangeInMemory(write);
+    }
+    if (!problem_.empty()) {
+        lastWriteError_ = problem_;
+        return;
+    }
+    try {
+        SaveDocument();
+    } catch (const Error& error) {
+        lastWriteError_ = error.what();
+        loaded_ = false;  // the document is ahead of the disk
+    }
+    unsaved_ = {};
+}
+
+// A value of the same length, such as the id counter, costs a few bytes on the disk, everything else the whole file.
+void IniFile::SaveDocument() {
+    switch (unsaved_.change) {
+        case IniDocument::Change::None:
+            return;
+        case IniDocument::Change::SameLength:
+            files_.Overwrite(path_, static_cast<std::int64_t>(unsaved_.offset), unsavedValue_);
+            break;
+        case IniDocument::Change::Moved:
+            files_.Replace(path_, document_.Text());
+            break;
+    }
+    identity_ = files_.Identity(path_);
+}
+
+IniFile::Batch::Batch(IniFile& file) : file_(file) {
+    if (file_.openBatches_ == 0) file_.LookAgain();
+    ++file_.openBatches_;
+}
+
+IniFile::Batch::~Batch() {
+    if (--file_.openBatches_ == 0) file_.Commit();
+}
+
+}  // namespace korvane

@@ -1,0 +1,57 @@
+#include "store/log.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "base/ignore_errors.h"
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kDetailLevel = 5;
+constexpr std::string_view kFurtherLine = "\t\t\t\t";
+constexpr std::string_view kLineWithoutHeader = "\t\t\t";
+
+std::string FileName(DateTime today) {
+    char name[32];
+    std::snprintf(name, sizeof name, "kvmonlog %04d %02d-%02d.txt", today.Year(), today.Month(), today.Day());
+    return name;
+}
+
+// Tabs at the beginning have a meaning, so only blanks go.
+std::string_view TrimBlanks(std::string_view text) {
+    const auto first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::string Record(std::string_view header, std::string_view message) {
+    std::string record;
+    for (const std::string& line : Split(ReplaceAll(message, "\r\n", "\n"), '\n')) {
+        if (!record.empty()) {
+            record += kFurtherLine;
+        } else {
+            record += line.starts_with('\t') ? kLineWithoutHeader : header;
+        }
+        record += line + "\n";
+    }
+    return record;
+}
+
+}  // namespace
+
+Log::Log(Files& files, const Clock& clock, std::string dir, std::string version)
+    : files_(files), clock_(clock), dir_(std::move(dir)), version_(std::move(version)) {}
+
+void Log::WriteLog(int level, std::string_view messageClass, std::string_view message) {
+    if (level > kDetailLevel || TrimAll(message).empty()) return;
+    const DateTime now = clock_.Now();
+    const std::string header = now.DateText() + " " + now.TimeText() + " " + version_ + " " + std::string(messageClass) + "\t";
+    const std::string folder = dir_ + "/Logs";
+    // Whether the folder is there shows when the record is appended.
+    IgnoreErrors([&] { files_.CreateFolder(folder); });
+    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimBlanks(message))); });
+}
+
+}  // namespace korvane

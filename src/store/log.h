@@ -1,0 +1,38 @@
+// The dated log on disk: one text file a day, opened, written and closed for each message, so that it is whole up to the last message
+// whatever happens to the program. Monitoring never stops because of the log: whatever goes wrong here is swallowed.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+
+namespace korvane {
+
+/// Ordinary messages, and messages of errors that end the program.
+constexpr int kLogOrdinary = 0;
+constexpr int kLogFatal = 4;
+
+constexpr std::string_view kLogInformation = "i";
+constexpr std::string_view kLogError = "#";
+
+class Log {
+public:
+    /// Writes below `<dir>/Logs`. `version` is "major.minor.revision" of the program.
+    Log(Files& files, const Clock& clock, std::string dir, std::string version);
+
+    /// Adds one record to today's file. Levels above the detail level and blank messages are not written.
+    void WriteLog(int level, std::string_view messageClass, std::string_view message);
+
+    /// An ordinary piece of information, the most frequent kind.
+    void Info(std::string_view message) { WriteLog(kLogOrdinary, kLogInformation, message); }
+
+private:
+    Files& files_;
+    const Clock& clock_;
+    std::string dir_;
+    std::string version_;
+};
+
+}  // namespace korvane

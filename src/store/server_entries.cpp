@@ -1,0 +1,92 @@
+#include "store/server_entries.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "base/error.h"
+#include "store/database_files.h"
+
+namespace korvane {
+
+void ServerEntries::readURLData(int count) {
+    // A hole in the numbering becomes a sample entry, but a damaged count must not make hundreds of them behind the last real one.
+    const int last = count > kMaxOldEntries ? std::min(HighestEntryNumber(ports_.file), kMaxOldEntries) : count;
+    const IniFile::Batch batch(ports_.file);
+    entries_.clear();
+    for (int n = 1; n <= last; ++n) {
+        entries_.push_back(ReadServerEntry(ports_.file, n, [this] { return ports_.ids.NewServerID(); }));
+    }
+}
+
+void ServerEntries::ReadInCommands(int n) {
+    entries_.at(static_cast<std::size_t>(n - 1)).rules = ReadScanRules(ports_.file, n);
+}
+
+void ServerEntries::WriteOutCommands(int n) {
+    WriteScanRules(ports_.file, n, Entry(n).rules);
+}
+
+const ServerEntry& ServerEntries::Entry(int n) const {
+    return entries_.at(static_cast<std::size_t>(n - 1));
+}
+
+// Numbers without an entry in memory are passed over: once everything is in the database nothing is read from the sections any more, and
+// blank entries must not overwrite the only copy from which a lost database can be rebuilt.
+std::vector<int> ServerEntries::ChangedNumbers(int count) const {
+    std::vector<int> numbers;
+    const int last = std::min(count, static_cast<int>(entries_.size()));
+    for (int n = 1; n <= last; ++n) {
+        if (changedIndex_ == kNoServerEntry) continue;
+        if (changedIndex_ < 0 || changedIndex_ == n) numbers.push_back(n);
+    }
+    return numbers;
+}
+
+void ServerEntries::SaveChangedEntries(int count, bool allInDB) {
+    const std::vector<int> numbers = ChangedNumbers(count);
+    const bool withRules = rulesChanged_;
+    // Cleared first: what is marked while events run below belongs to the next Save.
+    changedIndex_ = kNoServerEntry;
+    rulesChanged_ = false;
+    WriteSections(numbers, withRules);
+    if (!allInDB) WriteTables(numbers, withRules);
+}
+
+void ServerEntries::WriteSections(const std::vector<int>& numbers, bool withRules) {
+    const IniFile::Batch batch(ports_.file);
+    for (const int n : numbers) {
+        WriteServerEntry(ports_.file, n, Entry(n));
+        if (withRules) WriteOutCommands(n);
+    }
+}
+
+void ServerEntries::WriteTables(const std::vector<int>& numbers, bool withRules) {
+    if (numbers.empty()) return;
+    const auto connection = ports_.store.NewConnection();
+    try {
+        connection->SetConnectionString(OleDbConnectionText(dir_));
+        connection->Open();
+    } catch (const Error& error) {
+        SayFailure("Save: the old entries were not stored: ", error.what());
+        return;
+    }
+    for (const int n : numbers) {
+        ports_.events.DoEvents();
+        try {
+            SaveDBServerDATA(n, *connection);
+            if (withRules) SaveDBServerDATAFailCommands(n, *connection);
+        } catch (const Error& error) {
+            SayFailure("Save: entry " + std::to_string(n) + " (" + Entry(n).strDesc + ", " + Entry(n).strAddress_IP +
+                           ") was not stored: ",
+                       error.what());
+        }
+    }
+    connection->Close();
+}
+
+void ServerEntries::SayFailure(const std::string& what, const std::string& description) {
+    ports_.log.WriteLog(kLogOrdinary, kLogError, what + description);
+    ports_.status.setStatusMSG(what + description);
+}
+
+}  // namespace korvane

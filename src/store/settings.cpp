@@ -1,0 +1,196 @@
+#include "store/settings.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "store/server_id.h"
+
+namespace korvane {
+
+/// One key in the order of reading, and what is done right after it. The sample name is one that is reserved for examples (RFC 2606).
+struct Settings::ReadStep {
+    std::string_view key;
+    std::string_view defaultValue = "";
+    void (Settings::*then)() = nullptr;
+};
+
+const Settings::ReadStep Settings::kReadSteps[] = {
+    {"Server", "mail.example.com"},
+    {"SMTPUser1"},
+    {"SMTPUser2"},
+    {"SMTPPass1"},
+    {"SMTPPass2"},
+    {"SMTPPopHost1"},
+    {"SMTPPopHost2"},
+    {"ReportPath", "/Reports", &Settings::CreateReportFolder},  // below <dir>
+    {"ServiceName", "Korvane", &Settings::StartService},        // behind the old file's uniqueid
+    {"ServerBackup"},
+    {"Begin", "2"},
+    {"SuccessLT", "20"},
+    {"Zone"},
+    {"width"},
+    {"height", "", &Settings::RestoreWindowSize},
+    {"bMinimized", "False"},
+    {"bYellowAlert", "True"},
+    {"bRedAlert", "True"},
+    {"YellowAlertWav"},
+    {"RedAlertWav"},
+    {"bAllInDB", "False"},
+    {"Reboot", "False"},
+    {"RebootAny", "True"},
+    {"MultiNotify", "True"},
+    {"Service", "False"},
+    {"ProxyName"},
+    {"ProxyPort", "", &Settings::ReadNumURLs},
+    {"GlobalRetryDuration", "60"},
+};
+
+namespace {
+
+constexpr std::string_view kNumURLs = "NumURLs";
+constexpr std::string_view kUniqueid = "uniqueid";
+constexpr int kTwipsBesideWindow = 600;
+
+// In the order of saving. Files bear the spelling "bALLInDB"; keys compare without regard to case, so it is read as "bAllInDB".
+constexpr std::string_view kSaveOrder[] = {
+    "Server",     "SMTPUser1",           "SMTPPass1",   "SMTPPopHost1", "SMTPUser2",   "SMTPPass2",   "SMTPPopHost2",
+    "ReportPath", "ServerBackup",        "Begin",       "SuccessLT",    "Zone",        "ServiceName", "ProxyName",
+    "ProxyPort",  "GlobalRetryDuration", "Reboot",      "RebootAny",    "MultiNotify", "Service",     "bYellowAlert",
+    "bRedAlert",  "YellowAlertWav",      "RedAlertWav", kNumURLs,       "bMinimized",  "bALLInDB",    "width",
+    "height",
+};
+
+class WaitCursor {
+public:
+    explicit WaitCursor(Operator& person) : person_(person) { person_.SetWaitCursor(true); }
+    ~WaitCursor() { person_.SetWaitCursor(false); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    Operator& person_;
+};
+
+}  // namespace
+
+std::string SettingsFilePath(const std::string& dir) {
+    return dir + "/kvurlwatchn.ini";
+}
+
+void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
+                    IniFile& file) {
+    collection.setKvSettingsColValue(key, file.Read(section, key, defaultValue));
+}
+
+std::string GetSettingCol(const SettingsCollection& collection, std::string_view key) {
+    return collection.getKvSettingsColVal(key);
+}
+
+void SetSettingCol(SettingsCollection& collection, std::string_view key, std::string value) {
+    collection.setKvSettingsColValue(key, std::move(value));
+}
+
+Settings::Settings(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {
+    IgnoreErrors([&] { fileExistedAtStart_ = ports_.files.Exists(GetSettingsFile()); });
+}
+
+void Settings::EnsureUniqueid() {
+    IniFile oldFile(ports_.files, std::string(kOldSettingsFile));
+    oldUniqueid_ = oldFile.Read(kSettingsSection, kUniqueid, "");
+    if (oldUniqueid_.empty()) setUniqueid(NewTimeStampID(ports_.clock));
+}
+
+void Settings::setUniqueid(const std::string& id) {
+    ports_.file.Write(kSettingsSection, kUniqueid, id);
+}
+
+void Settings::ReadInGlobalSettings() {
+    problemOfFile_ = ports_.file.Problem();
+    for (const ReadStep& step : kReadSteps) {
+        ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
+        if (step.then != nullptr) (this->*step.then)();
+    }
+}
+
+std::string Settings::DefaultOf(const ReadStep& step) const {
+    std::string before;
+    if (step.key == "ReportPath") before = dir_;
+    if (step.key == "ServiceName") before = oldUniqueid_;
+    return before + std::string(step.defaultValue);
+}
+
+void Settings::CreateReportFolder() {
+    IgnoreErrors([&] { ports_.files.CreateFolder(GetSettingCol(ports_.collection, "ReportPath")); });
+}
+
+void Settings::StartService() {
+    IgnoreErrors([&] { ports_.host.StartService(GetSettingCol(ports_.collection, "ServiceName")); });
+    ports_.events.DoEvents();
+}
+
+void Settings::RestoreWindowSize() {
+    SettingsHost& host = ports_.host;
+    if (!host.HasWindow()) return;
+    const std::string width = GetSettingCol(ports_.collection, "width");
+    const std::string height = GetSettingCol(ports_.collection, "height");
+    if (width.empty()) {
+        host.SetWidth(host.ScreenWidth() - kTwipsBesideWindow);
+        return;
+    }
+    IgnoreErrors([&] { host.SetWidth(CheckedInt32(ParseWhole(width))); });
+    IgnoreErrors([&] { host.SetHeight(CheckedInt32(ParseWhole(height))); });
+}
+
+// A count that is none would leave the old entries behind: the sections themselves tell how many there are.
+void Settings::ReadNumURLs() {
+    int count = -1;
+    IgnoreErrors([&] { count = CheckedInt32(ParseWhole(ports_.file.Read(kSettingsSection, kNumURLs, "0"))); });
+    totalURLs_ = count >= 0 ? count : std::min(HighestEntryNumber(ports_.file), kMaxOldEntries);
+}
+
+bool Settings::AllInDB() const {
+    const std::string* word = ports_.collection.Find("bAllInDB");
+    return word != nullptr && EqualsNoCase(*word, "True");
+}
+
+void Settings::cmdSave() {
+    ports_.entries.setServerEntryChangedIndex(kEveryServerEntry);
+    Save();
+}
+
+void Settings::Save() {
+    // A file that could not be read at start-up may be readable again by now: the defaults that stood in for it must not replace it.
+    if (!problemOfFile_.empty()) {
+        ports_.status.setStatusMSG("Settings not saved: " + problemOfFile_);
+        return;
+    }
+    const WaitCursor waiting(ports_.person);
+    SaveGlobalKeys();
+    totalURLs_ = std::min(totalURLs_, kMaxOldEntries);
+    ports_.entries.SaveChangedEntries(totalURLs_, AllInDB());
+    ports_.status.setStatusMSG("Settings Saved");
+}
+
+void Settings::SaveGlobalKeys() {
+    const IniFile::Batch batch(ports_.file);
+    for (const std::string_view key : kSaveOrder)
+        SaveKey(key);
+}
+
+void Settings::SaveKey(std::string_view key) {
+    const SettingsHost& host = ports_.host;
+    if (key == kNumURLs) {
+        ports_.file.Write(kSettingsSection, key, std::to_string(totalURLs_));
+    } else if (key == "width" && host.HasWindow()) {
+        ports_.file.Write(kSettingsSection, key, std::to_string(host.Width()));
+    } else if (key == "height" && host.HasWindow()) {
+        ports_.file.Write(kSettingsSection, key, std::to_string(host.Height()));
+    } else if (const std::string* value = ports_.collection.Find(key)) {
+        ports_.file.Write(kSettingsSection, key, *value);
+    }
+}
+
+}  // namespace korvane

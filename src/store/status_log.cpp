@@ -1,0 +1,18 @@
+#include "store/status_log.h"
+
+#include "base/text.h"
+
+namespace korvane {
+
+void StatusLog::setStatusMSG(std::string_view text) {
+    std::string line = ReplaceAll(text, "\r\n", " : ");
+    // Texts of this system's own libraries have bare line feeds.
+    line = ReplaceAll(ReplaceAll(line, "\n", " : "), "\r", " : ");
+
+    // At exactly midnight the text is the date alone: without a blank nothing is cut.
+    std::string time = clock_.Now().Text();
+    time.erase(0, time.find(' ') + 1);
+    person_.StatusLine(time, line);
+}
+
+}  // namespace korvane
