@@ -1,0 +1,50 @@
+// The wait before monitoring begins: counts the `Begin` setting down, does the once-only work of a start, compacts the database
+// meanwhile, and hands over to the cycle.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "engine/cycle_state.h"
+#include "engine/cycle_timers.h"
+#include "platform/clock.h"
+#include "platform/operator.h"
+#include "store/settings_collection.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+class BeginWait {
+public:
+    struct Ports {
+        const Clock& clock;
+        Operator& person;
+        StatusLog& status;
+        const SettingsCollection& settings;
+        CycleTimers timers;
+        CycleState& state;
+        /// Run once, at the first tick: first-run setup and the start-up notice.
+        std::function<void()> beginOperations;
+        /// Compacts the database; blank in a program that cannot, and then nothing is said of it.
+        std::function<void()> compactAndRepair;
+    };
+
+    explicit BeginWait(Ports ports) : ports_(std::move(ports)), state_(ports_.state) {}
+
+    /// One tick, each second. Errors are dropped step by step.
+    void Timer2_Timer();
+
+private:
+    void BeginOperationsOnce();
+    double WaitSeconds() const;
+    void ShowWaiting(double wait);
+    void CompactWhileWaiting();
+
+    Ports ports_;
+    CycleState& state_;
+    bool operationsBegun_ = false;
+    bool saidWaiting_ = false;
+    double percent_ = 0;
+};
+
+}  // namespace korvane

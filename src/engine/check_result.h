@@ -1,0 +1,18 @@
+// What a checker hands back.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace korvane {
+
+struct CheckResult {
+    std::string response;   ///< what the server said; blank when there is nothing to show
+    std::string strReason;  ///< why the check failed; blank means success
+};
+
+struct TimedCheckResult : CheckResult {
+    std::chrono::milliseconds nResponseMs{0};
+};
+
+}  // namespace korvane

@@ -1,0 +1,23 @@
+// What the cycle remembers from tick to tick, and what its steps share.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace korvane {
+
+struct CycleState {
+    std::int16_t nSleepLeft = 0;      ///< seconds left in the current sleep; nothing is checked while it is above 0
+    std::int16_t nSleepTotal = 0;     ///< length of the current sleep
+    std::int32_t nReportTicks = 0;    ///< ticks since reports were last published
+    std::int32_t nCycleCount = 0;     ///< ticks that reached the database
+    double nLastAverage = 0;          ///< average response time in milliseconds of the entry being checked
+    std::int32_t nProgressTicks = 0;  ///< of `TimerProgress` in the request that runs
+    std::int16_t nWaitedSeconds = 0;  ///< spent in the wait before monitoring begins
+    bool bMonitoring = true;          ///< monitoring is on, or will be after the wait
+    bool bReportsOK = false;          ///< whether reports may be published
+    std::string strReportsProblem;    ///< why not
+    std::string strLastStep;          ///< the step in progress, for the error message of the tick
+};
+
+}  // namespace korvane

@@ -1,0 +1,67 @@
+// Fetches one URL for a check: a pool of six transfer slots, the retry of hiccups, and the reason in words. No failure
+// leaves it as an error.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "engine/check_result.h"
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/inet.h"
+#include "platform/operator.h"
+#include "platform/timer.h"
+#include "store/settings_collection.h"
+
+namespace korvane {
+
+class HttpRequester {
+public:
+    static constexpr int kSlots = 6;
+
+    struct Ports {
+        const SettingsCollection& settings;
+        Events& events;
+        const Clock& clock;
+        Operator& person;
+        Timer& TimerProgress;  ///< runs during a request that the operator can watch
+    };
+
+    struct Request {
+        std::string strURL;  ///< with its scheme
+        std::string strUser = {};
+        std::string strPassword = {};
+        std::chrono::seconds nTimeout{15};
+        std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
+    };
+
+    explicit HttpRequester(const Ports& ports) : ports_(ports) {}
+
+    /// Creates the six slots. Before that getURLData2 fails with a reason.
+    void LoadInets(const std::function<std::unique_ptr<Inet>()>& newInet);
+
+    /// Cancels whatever runs on any slot.
+    void CloseInets();
+
+    /// A slot that is not busy; busy ones met on the way are cancelled. 0 when all were.
+    int getOpenInetIndex();
+
+    /// Fetches the page; a blank answer that came within half a second is asked for again, up to 11 times in all.
+    /// Waits through the event pump. `nResponseMs` is the time of the last attempt.
+    TimedCheckResult getURLData2(const Request& request);
+
+private:
+    struct Attempts;
+    Inet::Request TransferOf(const Request& request) const;
+    void LetEarlierRequestSettle(const Inet& slot);
+    Attempts Fetch(Inet& slot, const Inet::Request& transfer);
+
+    Ports ports_;
+    std::array<std::unique_ptr<Inet>, kSlots> inets_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,428 @@
+#include "engine/monitor_cycle.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "base/error.h"
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "engine/server_table.h"
+#include "engine/text_rules.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::seconds;
+
+constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
+constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
+constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched is looked at every six hours
+constexpr auto kDefaultTimeout = 15s;
+constexpr std::int32_t kMostReportTicks = 1001;
+constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
+constexpr std::int32_t kReportTicksAtMost = 1000;  // then the sleep branch is forced
+constexpr std::int32_t kMostCycleCount = 32000;
+constexpr int kRefreshWhileSleeping = 10;  // seconds
+constexpr int kSummaryEveryCycles = 5;
+constexpr std::size_t kMostStoredCharacters = 249;
+constexpr std::string_view kDefaultPingLimit = "1000";
+constexpr std::string_view kDashes = "------------------------------------";
+
+bool IsOn(Recordset& rs, std::string_view column) {
+    return rs.Fields(column).Value().Bool();
+}
+
+std::string TextOf(Recordset& rs, std::string_view column) {
+    return rs.Fields(column).Value().Text();
+}
+
+// A row that never got a timeout is checked with that of a new row.
+seconds TimeoutOf(Recordset& rs) {
+    const Value timeout = rs.Fields("nTimeout").Value();
+    return timeout.IsBlank() ? kDefaultTimeout : seconds(timeout.Int16());
+}
+
+}  // namespace
+
+std::int64_t MinutesBetween(DateTime from, DateTime to) {
+    const auto minuteOf = [](DateTime when) { return (when.Seconds() - when.Second()) / 60; };
+    return minuteOf(to) - minuteOf(from);
+}
+
+void MonitorCycle::TimerMonitorDB_Timer() {
+    Tick tick;
+    try {
+        Step("Starting Monitor Timer");
+        if (state_.nReportTicks > kMostReportTicks) {
+            state_.nReportTicks = kMostReportTicks;
+            Step("Setting Reports time to 1001");
+        }
+        ++state_.nReportTicks;
+        ports_.person.SetClockText(ports_.clock.Now().TimeText());
+        Step("checking sleep time");
+        if (CountDownSleep()) return;
+        ports_.person.SetCycleText("Monitoring. Please Wait...");
+        ports_.person.ShowProgress(false);
+        Step("refresh url list");
+        ports_.person.RefreshURLList();
+        LookAtDatabase(tick);
+    } catch (const std::exception& error) {
+        Fail(tick, error.what());
+    }
+}
+
+bool MonitorCycle::CountDownSleep() {
+    if (state_.nSleepLeft <= 0) return false;
+    --state_.nSleepLeft;
+    if (!ports_.person.WindowVisible()) return true;
+    if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
+    if (state_.nSleepTotal > 0) {
+        const std::string left = std::to_string(state_.nSleepLeft);
+        ports_.person.SetProgress(state_.nSleepTotal - state_.nSleepLeft, state_.nSleepTotal);
+        ports_.person.SetProgressTip("Next Monitoring Event scheduled to occur in " + left + " seconds.");
+        ports_.person.SetCycleText("Sleeping for " + left + " seconds.");
+        ports_.person.ShowProgress(true);
+    }
+    return true;
+}
+
+void MonitorCycle::LookAtDatabase(Tick& tick) {
+    OpenDueRows(tick);
+    AfterCheck after = AfterCheck::UpdateRow;
+    if (tick.rs->RecordCount() < 1) {
+        SleepWithNothingDue(tick);
+    } else if (const seconds diff = SecondsUntilDue(tick); diff > 0s || state_.nReportTicks > kReportTicksAtMost) {
+        SleepUntilDue(diff);
+    } else {
+        after = HandleRow(tick);
+    }
+    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs);
+    IgnoreErrors([&] { tick.rs->Close(); });
+    IgnoreErrors([&] { tick.conn->Close(); });
+    if (state_.nSleepLeft > 0) ports_.store.Rest();
+}
+
+void MonitorCycle::OpenDueRows(Tick& tick) {
+    tick.conn = ports_.store.NewConnection();
+    tick.conn->SetConnectionString(ports_.connectionString);
+    Step("open db");
+    tick.conn->Open();
+    const std::string due = query::DueBy(ports_.clock.Now() + kLookAhead);
+    tick.rs = ports_.store.NewRecordset();
+    tick.rs->Open(due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+    if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
+    ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
+    ports_.person.SetProgress(0, 100);
+}
+
+seconds MonitorCycle::SecondsUntilDue(Tick& tick) {
+    Step("checking dtnextcheck");
+    if (tick.rs->Fields("dtNextCheck").Value().IsBlank()) tick.rs->Fields("dtNextCheck") = ports_.clock.Now();
+    Step("checking dtNextCheck difference");
+    return tick.rs->Fields("dtNextCheck").Value().When() - ports_.clock.Now();
+}
+
+void MonitorCycle::Sleep(seconds time) {
+    // A row overdue by more than nine hours would leave the 16 bits; it costs no sleep, like every overdue row.
+    constexpr seconds::rep kLongestOverdue = std::numeric_limits<std::int16_t>::min();
+    const std::int16_t length = CheckedInt16(std::max(time.count(), kLongestOverdue));
+    state_.nSleepLeft = length;
+    state_.nSleepTotal = length;
+}
+
+void MonitorCycle::SleepUntilDue(seconds diff) {
+    Sleep(diff);
+    if (state_.nReportTicks >= kReportTicksAtLeast) {
+        state_.nReportTicks = 0;
+        PublishReports();
+    }
+    Step("closeinets");
+    ports_.http.CloseInets();
+    ports_.status.setStatusMSG(kDashes);
+    ports_.status.setStatusMSG("WAITING " + std::to_string(state_.nSleepLeft) +
+                               " SECONDS before checking database for next scheduled monitor event.");
+    ports_.status.setStatusMSG(kDashes);
+    ports_.person.RefreshURLList();
+}
+
+void MonitorCycle::PublishReports() {
+    ports_.status.setStatusMSG(kDashes);
+    if (state_.bReportsOK) {
+        ports_.status.setStatusMSG("Publishing Up-Time Reports...");
+        ports_.events.DoEvents();
+        Step("PublishReports");
+        const std::string problem = ports_.reports.PublishReports();
+        if (problem.empty()) {
+            ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Reports Success.");
+        } else {
+            ports_.status.setStatusMSG("Reporting Error: " + problem);
+            ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Reports Failure: " + problem);
+        }
+    } else {
+        ports_.status.setStatusMSG("Can't Publish Up-Time Reports:  Please click the Reports Button for more info.");
+        ports_.status.setStatusMSG("--" + state_.strReportsProblem);
+        ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Failure: DBConnect Failed.");
+    }
+    ports_.status.setStatusMSG(kDashes);
+}
+
+void MonitorCycle::SleepWithNothingDue(Tick& tick) {
+    Sleep(kSleepWithNothingDue);
+    const std::string message = "No servers need monitoring at this time. Sleeping for 60 seconds...";
+    ports_.status.setStatusMSG(message);
+    ports_.log.Info("frmMonitor:TimerMonitorDB: " + message);
+    Step("open db 2nd time");
+    tick.rs->Close();
+    tick.rs->Open(query::kAllByNextCheck, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+    // The due query never meets a row without a time. Such a row stands first here, and becomes due.
+    if (tick.rs->Fields("dtNextCheck").Value().IsBlank()) {
+        tick.rs->Fields("dtNextCheck") = ports_.clock.Now();
+        tick.rs->Update();
+    }
+    const DateTime next = tick.rs->Fields("dtNextCheck").Value().When();
+    ports_.log.Info("frmMonitor:TimerMonitorDB: Next Scheduled DATABASE SERVER event at " + next.Text() + " which is in " +
+                    std::to_string(MinutesBetween(ports_.clock.Now(), next)) + " minutes.");
+}
+
+MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
+    Recordset& rs = *tick.rs;
+    ports_.status.setStatusMSG(">" + std::string(kDashes));
+    state_.nSleepLeft = 0;
+    state_.nSleepTotal = 0;
+    Step("check downtime");
+    const bool inDownTime = SuspendForDownTime(rs);
+    Step("set blank status");
+    if (rs.Fields("strCurStatus").Value().IsEmpty()) rs.Fields("strCurStatus") = status::kUp;
+    if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
+        SkipRow(rs, inDownTime);
+    } else if (CheckRow(tick) == AfterCheck::TickIsOver) {
+        return AfterCheck::TickIsOver;
+    }
+    UpdateRow(rs);
+    return AfterCheck::UpdateRow;
+}
+
+bool MonitorCycle::SuspendForDownTime(Recordset& rs) {
+    bool inDownTime = false;
+    bool holds[2] = {false, false};
+    for (const int window : {1, 2}) {
+        const std::string number = std::to_string(window);
+        const std::string start = TextOf(rs, "strDownTime" + number);
+        if (start.empty()) continue;
+        holds[window - 1] = IsDownTime(start, TextOf(rs, "nDownDuration" + number), ports_.clock.Now()).bIsDown;
+    }
+    for (const int window : {1, 2}) {
+        if (!holds[window - 1]) continue;
+        EnterDownTime(rs, window);
+        inDownTime = true;
+    }
+    return inDownTime;
+}
+
+void MonitorCycle::EnterDownTime(Recordset& rs, int window) {
+    const std::string number = std::to_string(window);
+    Step("is downtime " + number);
+    std::string start;
+    std::string duration;
+    DateTime resume;
+    IgnoreErrors([&] { start = TextOf(rs, "strDownTime" + number); });
+    IgnoreErrors([&] { duration = TextOf(rs, "nDownDuration" + number); });
+    IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kDownTime; });
+    ports_.status.setStatusMSG("Down time (" + start + ") for " + duration + " minutes. - monitoring stopped.");
+    IgnoreErrors([&] {
+        resume = DownTimeEnd(start, std::chrono::minutes(ParseWhole(duration)), ports_.clock.Now());
+        rs.Fields("dtNextCheck") = resume;
+    });
+    IgnoreErrors([&] { rs.Update(); });
+    ports_.status.setStatusMSG("DownTime " + number + " (Begins: " + start + "). Server Checks Begin Again at " + resume.Text() +
+                               " which is in " + std::to_string(MinutesBetween(ports_.clock.Now(), resume)) + " Minutes.");
+}
+
+void MonitorCycle::SkipRow(Recordset& rs, bool inDownTime) {
+    const std::string address = TextOf(rs, "strAddress_IP");
+    ports_.status.setStatusMSG("Skipping " + address);
+    const DateTime now = ports_.clock.Now();
+    if (inDownTime) {
+        const auto minutes = MinutesBetween(now, rs.Fields("dtNextCheck").Value().When());
+        ports_.log.Info("frmMonitor:TimerMonitorDB: Skipping " + address + " because of server down time (set to resume in " +
+                        std::to_string(minutes) + " minutes).");
+    }
+    if (!IsOn(rs, "bIsMonitoring")) {
+        rs.Fields("strCurStatus") = status::kInactive;
+        rs.Fields("dtNextCheck") = now + kInactiveInterval;
+    }
+}
+
+MonitorCycle::AfterCheck MonitorCycle::CheckRow(Tick& tick) {
+    Recordset& rs = *tick.rs;
+    ports_.events.DoEvents();
+    Step("set ave response");
+    if (rs.Fields("nAveResponse").Value().IsEmpty()) rs.Fields("nAveResponse") = 0.0;
+    state_.nLastAverage = rs.Fields("nAveResponse").Value().Double();
+
+    const CheckKind kind = CheckKindOf(TextOf(rs, "strType"));
+    const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
+    const TimedCheckResult result =
+        isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
+    tick.strReason = result.strReason;
+    rs.Fields("strLastResponse") = Left(result.response, kMostStoredCharacters);
+
+    if (!result.strReason.empty()) {
+        Step("call DoFailure");
+        ports_.log.Info("1 calling DoFailure. strReason=" + result.strReason);
+        ports_.accounting.DoFailure(rs, *tick.conn, result.response, result.strReason);
+        return AfterCheck::UpdateRow;
+    }
+    if (isUrl && !PassesTextRules(tick, result.response)) return AfterCheck::TickIsOver;
+    Step("dosuccess");
+    ports_.accounting.DoSuccess(rs, result.nResponseMs);
+    ports_.events.DoEvents();
+    return AfterCheck::UpdateRow;
+}
+
+TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& scheme) {
+    const std::string address = TextOf(rs, "strAddress_IP");
+    const std::string user = TextOf(rs, "strUserName");
+    const std::string proxy = ports_.settings.getKvSettingsColVal("ProxyName");
+    if (!proxy.empty()) ports_.status.setStatusMSG("Using Proxy Server: " + proxy);
+    if (!user.empty()) ports_.status.setStatusMSG("Basic Authentication UserName='" + user + "' Password=[not shown]");
+    ports_.status.setStatusMSG("Timeout [" + TextOf(rs, "nTimeout") + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
+                               address + "'. Please wait...");
+    ports_.person.SetProgress(0, 100);
+    state_.nProgressTicks = 0;
+    Step("get urldata2");
+    if (rs.Fields("strPort").Value().IsEmpty()) rs.Fields("strPort") = "80";
+    const TimedCheckResult result = ports_.http.getURLData2({
+        .strURL = scheme + "://" + address,
+        .strUser = user,
+        .strPassword = TextOf(rs, "strPassword"),
+        .nTimeout = TimeoutOf(rs),
+        .nPort = rs.Fields("strPort").Value().Int16(),
+    });
+    Step("done getting urldata2");
+    ports_.person.SetProgress(0, 100);
+    if (!result.strReason.empty()) {
+        const std::string failure = TextOf(rs, "strType") + " failure: " + result.strReason;
+        ports_.status.setStatusMSG(failure);
+        ports_.log.Info("frmMonitor:TimerMonitorDB: " + failure);
+    }
+    return result;
+}
+
+TimedCheckResult MonitorCycle::PingOrTalk(Recordset& rs, bool ping) {
+    ports_.person.ShowProgress(ports_.person.WindowVisible());
+    ports_.person.SetProgress(0, 100);
+    const auto start = ports_.clock.GetTickCount();
+    const CheckResult result = ping ? Ping(rs) : Talk(rs);
+    const auto took = ports_.clock.GetTickCount() - start;
+    ports_.person.ShowProgress(false);
+    return {result, took};
+}
+
+CheckResult MonitorCycle::Ping(Recordset& rs) {
+    if (rs.Fields("strExpectedText").Value().IsEmpty()) rs.Fields("strExpectedText") = kDefaultPingLimit;
+    const std::int16_t limit = rs.Fields("strExpectedText").Value().Int16();
+    const std::string address = TextOf(rs, "strAddress_IP");
+    Step("dopingrequest");
+    CheckResult result = ports_.ping.DoPingRequest(address, limit);
+    if (!result.response.empty()) {
+        ports_.status.setStatusMSG(result.response);
+    } else {
+        const std::string failure = "Ping failed " + address + " " + result.strReason;
+        ports_.status.setStatusMSG(failure);
+        ports_.log.Info(failure);
+    }
+    return result;
+}
+
+CheckResult MonitorCycle::Talk(Recordset& rs) {
+    Step("DoTCPRequest s=strexpectedtext");
+    const std::string expected = TextOf(rs, "strExpectedText");
+    CheckResult result = ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, TimeoutOf(rs), TextOf(rs, "strPort"));
+    if (!result.strReason.empty()) {
+        ports_.status.setStatusMSG("Failure: TCP Error: " + result.strReason);
+        ports_.log.Info("DoTCPRequest failure = " + result.strReason);
+    } else if (Holds(expected, ",")) {
+        ports_.status.setStatusMSG("Success: TCP Request/Response steps '" + expected + "' worked correctly.");
+    } else if (!expected.empty()) {
+        ports_.status.setStatusMSG("Success: TCP Server Responded with '" + result.response + "'.");
+    } else {
+        ports_.status.setStatusMSG("Success: TCP Server Connected.");
+    }
+    return result;
+}
+
+bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
+    Recordset& rs = *tick.rs;
+    const Value scanned = rs.Fields("nFailScanText").Value();
+    if (!scanned.IsBlank() && scanned.Int64() > 0) {
+        Step("check if failure text");
+        const UrlFailure failure = IsURLFailure(ports_.store, *tick.conn, response, TextOf(rs, "id"));
+        if (failure.bFailed) {
+            tick.strReason =
+                "Server Error: '" + failure.strFailText +
+                "' found in the response.  You have set this value in the 'URL Scan Text' tab (text that indicates url "
+                "failure) for this URL.";
+            ports_.status.setStatusMSG(tick.strReason);
+            Step("dofailure2");
+            ports_.log.Info("2 Calling DoFailure. Unexpected Text Returned. strReason=" + tick.strReason);
+            ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
+            return false;
+        }
+    }
+    const std::string expected = TextOf(rs, "strExpectedText");
+    if (expected.empty()) {
+        ports_.status.setStatusMSG("Success: Response returned.");
+        return true;
+    }
+    if (Holds(response, expected)) {
+        ports_.status.setStatusMSG("Success: Found '" + expected + "' in the response...");
+        return true;
+    }
+    // The reason stays blank: this message reaches the status line and the log, and neither the `Failures` row nor the mail.
+    const std::string message = "Failure: Didn't find '" + expected + "' in the response...";
+    ports_.status.setStatusMSG(message);
+    Step("dofailure3");
+    ports_.log.Info("3 calling DoFailure. " + message);
+    ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
+    return false;
+}
+
+void MonitorCycle::UpdateRow(Recordset& rs) {
+    Step("Update record");
+    try {
+        rs.Update();
+    } catch (const std::exception& error) {
+        ports_.log.Info("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
+    }
+}
+
+// Sees only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
+void MonitorCycle::SummariseInTray(Recordset& rs) {
+    const bool wanted = state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
+    if (!wanted || rs.RecordCount() < 1) return;
+    bool failing = false;
+    bool down = false;
+    for (; !rs.Eof() && !down; rs.MoveNext()) {
+        const std::string current = ToLower(TextOf(rs, "strCurStatus"));
+        failing = failing || current == "failing";
+        down = current == "down";
+    }
+    if (down) {
+        ports_.person.SetTray(TrayPicture::Error, "Korvane: One or more Server in Failure State! ");
+    } else if (failing) {
+        ports_.person.SetTray(TrayPicture::Warning, "Korvane: One or more server are failing. ");
+    } else {
+        ports_.person.SetTray(TrayPicture::Normal, "Korvane Monitoring: No Recent Failures");
+    }
+}
+
+void MonitorCycle::Fail(const Tick& tick, const std::string& description) {
+    const std::string where = description + " Last Step " + state_.strLastStep;
+    ports_.status.setStatusMSG("Monitor Timer Error: " + where);
+    ports_.log.Info("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
+}
+
+}  // namespace korvane

@@ -1,0 +1,90 @@
+// The heart of the monitor. Each tick of a one-second timer either counts down a sleep or checks exactly one entry, the one that is
+// due soonest, and writes the outcome back. There is no queue: the next tick looks again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "engine/collaborators.h"
+#include "engine/cycle_state.h"
+#include "engine/down_time.h"
+#include "engine/http_requester.h"
+#include "engine/outcome.h"
+#include "engine/ping_checker.h"
+#include "engine/tcp_checker.h"
+#include "platform/clock.h"
+#include "platform/connection.h"
+#include "platform/events.h"
+#include "platform/operator.h"
+#include "platform/timer.h"
+#include "store/log.h"
+#include "store/settings_collection.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+class MonitorCycle {
+public:
+    struct Ports {
+        Store& store;
+        const Clock& clock;
+        Events& events;
+        Operator& person;
+        StatusLog& status;
+        Log& log;
+        const SettingsCollection& settings;
+        HttpRequester& http;
+        TcpChecker& tcp;
+        PingChecker& ping;
+        OutcomeAccounting& accounting;
+        ReportPublisher& reports;
+        CycleState& state;
+        std::string connectionString;  ///< of the database
+    };
+
+    explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}
+
+    /// One tick. Waits through the event pump as long as the check takes; no error leaves it.
+    void TimerMonitorDB_Timer();
+
+private:
+    /// The open store and the entry in hand; both belong to one tick.
+    struct Tick {
+        std::unique_ptr<Connection> conn;
+        std::unique_ptr<Recordset> rs;
+        std::string strReason;
+    };
+    enum class AfterCheck { UpdateRow, TickIsOver };
+
+    void Step(std::string name) { state_.strLastStep = std::move(name); }
+    bool CountDownSleep();
+    void LookAtDatabase(Tick& tick);
+    void OpenDueRows(Tick& tick);
+    std::chrono::seconds SecondsUntilDue(Tick& tick);
+    void Sleep(std::chrono::seconds time);
+    void SleepUntilDue(std::chrono::seconds diff);
+    void PublishReports();
+    void SleepWithNothingDue(Tick& tick);
+    AfterCheck HandleRow(Tick& tick);
+    bool SuspendForDownTime(Recordset& rs);
+    void EnterDownTime(Recordset& rs, int window);
+    void SkipRow(Recordset& rs, bool inDownTime);
+    AfterCheck CheckRow(Tick& tick);
+    TimedCheckResult RequestUrl(Recordset& rs, const std::string& scheme);
+    TimedCheckResult PingOrTalk(Recordset& rs, bool ping);
+    CheckResult Ping(Recordset& rs);
+    CheckResult Talk(Recordset& rs);
+    bool PassesTextRules(Tick& tick, const std::string& response);
+    void UpdateRow(Recordset& rs);
+    void SummariseInTray(Recordset& rs);
+    void Fail(const Tick& tick, const std::string& description);
+
+    Ports ports_;
+    CycleState& state_;
+};
+
+/// The minutes from one moment to another as the clock face shows them: the seconds of both are cut off. Negative when `to` is earlier.
+std::int64_t MinutesBetween(DateTime from, DateTime to);
+
+}  // namespace korvane

@@ -1,0 +1,159 @@
+#include "engine/outcome.h"
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "engine/server_table.h"
+
+namespace korvane {
+namespace {
+
+using std::chrono::seconds;
+
+constexpr std::size_t kMostStoredCharacters = 249;  // of strLastResponse and strReason
+constexpr std::int64_t kIntervalWithoutOne = 15000;
+constexpr int kLongOutageTries = 50;
+constexpr int kLongOutageFactor = 5;
+
+// A counter that was never written stands at zero.
+std::int64_t CounterOf(Recordset& rs, std::string_view column) {
+    const Value value = rs.Fields(column).Value();
+    return value.IsBlank() ? 0 : value.Int64();
+}
+
+double AverageOf(Recordset& rs, std::string_view column) {
+    const Value value = rs.Fields(column).Value();
+    return value.IsBlank() ? 0.0 : value.Double();
+}
+
+std::int32_t AddOne(Recordset& rs, std::string_view column) {
+    const std::int32_t count = CheckedInt32(CounterOf(rs, column) + 1);
+    rs.Fields(column) = count;
+    return count;
+}
+
+double PercentUp(std::int64_t failed, double total) {
+    return 100.0 - static_cast<double>(failed) / total * 100.0;
+}
+
+// A running average with one more sample in it.
+double WithSample(double average, double count, double sample) {
+    return ((count - 1) * average + sample) / count;
+}
+
+}  // namespace
+
+void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
+    const DateTime now = ports_.clock.Now();
+    IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kUp; });
+    IgnoreErrors([&] { rs.Fields("datelastcheck") = now; });
+    DateTime base = now;
+    IgnoreErrors([&] { base = now - Stagger(rs.RecordCount()); });
+    IgnoreErrors([&] {
+        if (CounterOf(rs, "nIntervalSeconds") < 1) rs.Fields("nIntervalSeconds") = kIntervalWithoutOne;
+    });
+    IgnoreErrors([&] { rs.Fields("dtNextCheck") = base + seconds(rs.Fields("nIntervalSeconds").Value().Int64()); });
+    IgnoreErrors([&] {
+        if (CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64()) ports_.actions.DoUpAgainStuff(rs);
+    });
+    IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
+    CountSuccess(rs, nResponseMs);
+    IgnoreErrors([&] { rs.Update(); });
+}
+
+// How far into the past the interval starts: up to a second for each row that was due, so that entries that are checked one after the other spread out.
+seconds OutcomeAccounting::Stagger(int recordCount) {
+    const double fraction = std::uniform_real_distribution<double>(0.0, 1.0)(random_);
+    return seconds(RoundHalfEven(fraction * recordCount));
+}
+
+void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
+    const auto ms = static_cast<double>(nResponseMs.count());
+    std::int64_t failed = 0;
+    double total = 1;
+    double session = 1;
+    IgnoreErrors([&] { total = AddOne(rs, "nSuccess"); });
+    IgnoreErrors([&] {
+        failed = CounterOf(rs, "nFail");
+        total += static_cast<double>(failed);
+    });
+    IgnoreErrors([&] { session = AddOne(rs, "nTotalSession"); });
+    IgnoreErrors([&] { rs.Fields("nPercentUp") = PercentUp(failed, total); });
+    // Failures count in the divisor and add nothing to the sum: each one pulls the average down a little.
+    IgnoreErrors([&] { rs.Fields("nAveResponse") = WithSample(AverageOf(rs, "nAveResponse"), total, ms); });
+    IgnoreErrors([&] { rs.Fields("nAveSession") = WithSample(AverageOf(rs, "nAveSession"), session, ms); });
+}
+
+void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason) {
+    try {
+        rs.Fields("strLastResponse") = Left(strReason + " " + strResponse, kMostStoredCharacters);
+        const std::int32_t failed = AddOne(rs, "nFail");
+        const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
+        const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;
+        rs.Fields("nPercentUp") = PercentUp(failed, total);
+
+        const std::string strAction = EnterFailureState(rs, conn, tries, strReason);
+
+        const DateTime now = ports_.clock.Now();
+        rs.Fields("datelastfail") = now;
+        rs.Fields("datelastcheck") = now;
+        rs.Fields("dtNextCheck") = NextCheckAfterFailure(rs, tries);
+        rs.Update();
+        AddFailureRow(rs, conn, strAction, strReason);
+        ports_.events.DoEvents();
+    } catch (const std::exception& error) {
+        ports_.status.setStatusMSG("DoFailure: Error: " + std::string(error.what()));
+    }
+}
+
+std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries,
+                                                 const std::string& strReason) {
+    const std::int64_t nTries = CounterOf(rs, "nTries");
+    const std::string strDesc = rs.Fields("strDesc").Value().Text();
+    const bool down = tries >= nTries;
+    rs.Fields("strCurStatus") = down ? status::kDown : status::kFailing;
+    rs.Fields("nTriesCur") = tries;
+    if (!down) {
+        ports_.person.SetTray(TrayPicture::Warning, "Korvane: " + strDesc + " just began failing. ");
+        SoundAlert("bYellowAlert", "YellowAlertWav");
+        return "None.";
+    }
+    ports_.person.SetTray(TrayPicture::Error, "Korvane: " + strDesc + " in failure state! ");
+    SoundAlert("bRedAlert", "RedAlertWav");
+    // Once per outage, however long it lasts.
+    return tries == nTries ? ports_.actions.DoFailureStateStuff(conn, rs, strReason) : "None.";
+}
+
+void OutcomeAccounting::SoundAlert(const char* wantedKey, const char* fileKey) {
+    if (ports_.settings.IsTrue(wantedKey)) ports_.sound.PlaySound(ports_.settings.getKvSettingsColVal(fileKey));
+}
+
+DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const {
+    const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
+    const seconds interval(CounterOf(rs, "nIntervalSeconds"));
+    const DateTime now = ports_.clock.Now();
+    const bool workingTowardsDown = tries <= CounterOf(rs, "nTries");
+    if (workingTowardsDown && interval > retry) return now + retry;
+    return now + (tries > kLongOutageTries ? interval * kLongOutageFactor : interval);
+}
+
+void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const std::string& strAction,
+                                      const std::string& strReason) {
+    const auto failures = ports_.store.NewRecordset();
+    failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
+    failures->AddNew();
+    failures->Fields("ID") = ports_.ids.NewServerID();
+    failures->Fields("IDParent") = rs.Fields("ID").Value();
+    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"}) {
+        failures->Fields(column) = rs.Fields(column).Value();
+    }
+    failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
+    failures->Fields("nFailMax") = rs.Fields("nTries").Value();
+    failures->Fields("strAction") = strAction;
+    failures->Fields("strReason") = Left(strReason, kMostStoredCharacters);
+    failures->Fields("dateFail") = ports_.clock.Now();
+    failures->Update();
+    failures->Close();
+}
+
+}  // namespace korvane

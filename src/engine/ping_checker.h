@@ -1,0 +1,53 @@
+// One ICMP echo to a dotted address, measured against a limit.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "engine/check_result.h"
+#include "platform/clock.h"
+#include "platform/icmp_echo.h"
+#include "platform/operator.h"
+#include "store/log.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+/// What PingHost returns besides a round trip time.
+constexpr int kPingNoHandle = -1;
+constexpr int kPingTimeout = -2;
+constexpr int kPingBadReply = -3;
+constexpr int kPingNotAnAddress = -4;
+
+class PingChecker {
+public:
+    struct Ports {
+        IcmpEcho& echo;
+        const Clock& clock;
+        Operator& person;
+        StatusLog& status;
+        Log& log;
+    };
+
+    explicit PingChecker(const Ports& ports) : ports_(ports) {}
+
+    /// Passes when the echo came back within `nLimitMs` of wall-clock time around it. Blocks for up to 2 seconds; no
+    /// events are delivered meanwhile, and a longer limit does not lengthen the wait.
+    CheckResult DoPingRequest(const std::string& strServer, std::int16_t nLimitMs);
+
+    /// The round trip time in milliseconds, or one of the codes above. After a timeout the code may be 0 and the reason tells.
+    int PingHost(const std::string& strServer, std::string& strReason);
+
+private:
+    void TellWhatToAllow(const std::string& whyNot);
+
+    Ports ports_;
+    std::string toldWhyNot_;
+};
+
+/// Four numbers from 0 to 255 with "." between them.
+bool IsValidIPAddress(std::string_view text);
+
+}  // namespace korvane

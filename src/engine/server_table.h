@@ -1,0 +1,46 @@
+// The vocabulary of a server entry: status words, the table of server types, and the queries by which the engine walks the table `Servers`.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "base/datetime.h"
+
+namespace korvane {
+
+/// What `strCurStatus` holds, spelled exactly so.
+namespace status {
+inline constexpr std::string_view kUp = "UP";               ///< the last check passed
+inline constexpr std::string_view kFailing = "Failing";     ///< failed fewer than nTries times in a row
+inline constexpr std::string_view kDown = "DOWN";           ///< failed nTries times or more in a row
+inline constexpr std::string_view kDownTime = "Down-Time";  ///< inside a daily down-time window
+inline constexpr std::string_view kInactive = "Inactive";   ///< not watched
+}  // namespace status
+
+/// One kind of server: what the editor fills in when the type is picked, and what `strType` is compared with.
+struct ServerType {
+    std::string_view name;
+    std::string_view prefix;    ///< shown before the address
+    std::string_view port;      ///< default `strPort`; blank: as typed
+    std::string_view request;   ///< shown only: all TCP traffic comes from `strExpectedText`
+    std::string_view expected;  ///< default `strExpectedText`; blank leaves it as it is
+};
+
+/// All twenty, in the order in which they are offered.
+std::span<const ServerType> ServerTypeTable();
+
+/// How an entry is checked. Every type that is none of the first three, known or not, is a TCP conversation.
+enum class CheckKind { Http, Https, Ping, Tcp };
+CheckKind CheckKindOf(std::string_view strType);
+
+/// The queries that the engine issues, byte for byte.
+namespace query {
+std::string DueBy(DateTime when);
+std::string MonitoredAndDueBy(DateTime when);
+std::string FailTextsOf(std::string_view id);
+inline constexpr std::string_view kAllByNextCheck = "SELECT  * from servers order by dtNextCheck asc ";
+inline constexpr std::string_view kNoFailures = "SELECT * FROM Failures where id < 0";
+}  // namespace query
+
+}  // namespace korvane

@@ -1,0 +1,176 @@
+#include "engine/tcp_checker.h"
+
+#include "base/error.h"
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "platform/wait.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kWaitStep = 250ms;
+constexpr int kReplyLimitSeconds = 20;
+
+// The reply limit is kept on the clock of the day, which falls back to 0 at midnight: a wait across midnight never expires by it. This
+// second limit, on the clock that only goes forward, keeps a silent server from holding up the monitor for good.
+constexpr auto kReplyWaitEndsAnyway = 15min;
+
+}  // namespace
+
+TcpChecker::TcpChecker(const Ports& ports) : ports_(ports) {
+    ports_.socket.SetHandlers({
+        .dataArrival = [this] { IgnoreErrors([this] { strRecvBuffer_ = ToUtf8(ports_.socket.GetData()); }); },
+        .close = {},
+        .error = {},
+    });
+}
+
+CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::string& strExpected, std::chrono::seconds nTimeout,
+                                     const std::string& strPort) {
+    CheckResult result;
+    ports_.person.SetWaitCursor(true);
+    try {
+        if (ports_.socket.State() != SocketState::Closed) {
+            ports_.socket.Close();
+            ports_.person.SetWaitCursor(false);
+            return {.response = "", .strReason = "Socket wasn't closed "};
+        }
+        bTCPTimedOut_ = false;
+        strRecvBuffer_.clear();
+        ports_.socket.SetProtocol(SocketProtocol::Tcp);
+        // The reason for every way of failing that does not set its own.
+        result.strReason = "Could Not Connect to " + strServer + " Double check for typos. ";
+        const Connecting connecting = Connect(strServer, nTimeout, strPort);
+        TalkOrExplain(connecting, strExpected, result);
+        ports_.socket.Close();
+        if (bTCPTimedOut_) {
+            result.response.clear();
+            result.strReason += " " + strTCPTimeoutText_;
+        } else {
+            ports_.status.setStatusMSG("Done.");
+        }
+    } catch (const std::exception& error) {
+        const auto* described = dynamic_cast<const Error*>(&error);
+        const bool noNetwork = described != nullptr && described->Number() == kSocketAddressNotAvailable;
+        result = {.response = "", .strReason = noNetwork ? "Please connect to the internet first! " : error.what()};
+        IgnoreErrors([&] { ports_.socket.Close(); });
+    }
+    ports_.person.SetWaitCursor(false);
+    return result;
+}
+
+TcpChecker::Connecting TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTimeout,
+                                           const std::string& strPort) {
+    TcpSocket& socket = ports_.socket;
+    socket.SetRemoteHost(strServer);
+    socket.SetRemotePort(CheckedInt32(ParseWhole(strPort)));
+    socket.SetLocalPort(0);
+    socket.Connect();
+    ports_.status.setStatusMSG("Resolving.");
+
+    // Time is counted in steps: one that ends early because the state changed counts as a whole one.
+    const auto limit = std::chrono::milliseconds(nTimeout) / 2;
+    auto elapsed = 0ms;
+    while (elapsed < limit && socket.State() == SocketState::ResolvingHost) {
+        WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return socket.State() != SocketState::ResolvingHost; });
+        if (socket.State() == SocketState::HostResolved) ports_.status.setStatusMSG(" Resolved.");
+        elapsed += kWaitStep;
+    }
+    if (elapsed < limit) ports_.status.setStatusMSG("Connecting to " + strServer + " port [" + strPort + "]");
+    const auto underWay = [&] {
+        return socket.State() == SocketState::Connecting || socket.State() == SocketState::HostResolved;
+    };
+    while (elapsed < limit && underWay()) {
+        WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return !underWay(); });
+        elapsed += kWaitStep;
+    }
+    return elapsed < limit ? Connecting::Done : Connecting::OutOfTime;
+}
+
+void TcpChecker::TalkOrExplain(Connecting connecting, const std::string& strExpected, CheckResult& result) {
+    if (connecting == Connecting::OutOfTime) {
+        ports_.status.setStatusMSG("Connection Timed out.  Failure!");
+        result.strReason = "Connection Timeout Failure.  Failed to connect in a timely manner. ";
+        return;
+    }
+    switch (ports_.socket.State()) {
+        case SocketState::ResolvingHost:
+            result.strReason = "Could not resolve server name or IP.  Double check for typos. ";
+            break;
+        case SocketState::Connecting:
+            result.strReason = "Server Connection Timeout (didn't respond in a timely manner).  Double check for typos. ";
+            break;
+        case SocketState::Connected:
+            Converse(strExpected, result);
+            break;
+        case SocketState::Closing:
+            ports_.status.setStatusMSG("Closing.");
+            break;
+        case SocketState::Error:
+            ports_.status.setStatusMSG("Failed!");
+            ports_.status.setStatusMSG("Failed to connect.  The server Name or IP address may be incorrect.");
+            break;
+        case SocketState::Closed:
+        case SocketState::HostResolved:
+            break;
+    }
+}
+
+void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
+    result.strReason.clear();
+    if (strExpected.empty()) {
+        const bool silent = strRecvBuffer_.empty();
+        result.response = silent ? "Server Connected." : strRecvBuffer_;
+        ports_.conversation.setResponse(silent ? "Connected (no response)." : strRecvBuffer_);
+        return;
+    }
+    bool expects = true;  // elements take turns: one to wait for, one to send
+    for (const std::string& element : Split(strExpected, ',')) {
+        if (!expects) {
+            SendElement(element);
+        } else if (!ExpectElement(element, result)) {
+            return;
+        }
+        expects = !expects;
+    }
+}
+
+bool TcpChecker::ExpectElement(const std::string& element, CheckResult& result) {
+    ports_.status.setStatusMSG("Waiting for '" + element + "'");
+    if (WaitForTCPText(element)) {
+        ports_.conversation.setResponse(strRecvBuffer_);
+        result.response = strRecvBuffer_;
+        return true;
+    }
+    result.strReason = "Error: " + strRecvBuffer_ + " Expected " + element;
+    ports_.conversation.setResponse(result.strReason);
+    if (ports_.conversation.Visible()) result.response = result.strReason;
+    return false;
+}
+
+void TcpChecker::SendElement(const std::string& element) {
+    ports_.status.setStatusMSG("Requesting '" + element + "'");
+    ports_.conversation.setRequest(element);
+    strRecvBuffer_.clear();
+    ports_.socket.SendData(element + "\r\n");
+}
+
+bool TcpChecker::WaitForTCPText(const std::string& strExpected) {
+    const auto start = RoundHalfEven(ports_.clock.Timer());
+    const auto end = ports_.clock.GetTickCount() + kReplyWaitEndsAnyway;
+    while (strRecvBuffer_.empty()) {
+        const auto elapsed = RoundHalfEven(ports_.clock.Timer()) - start;
+        if (elapsed > kReplyLimitSeconds || ports_.clock.GetTickCount() >= end) {
+            bTCPTimedOut_ = true;
+            strTCPTimeoutText_ = "Server error, timed out while waiting for a response." + strExpected;
+            return false;
+        }
+        ports_.events.WaitForEvent(kWaitStep);
+    }
+    return Holds(strRecvBuffer_, strExpected);
+}
+
+}  // namespace korvane
