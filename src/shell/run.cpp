@@ -1,0 +1,79 @@
+#include "shell/run.h"
+
+#include <array>
+
+#include "base/ignore_errors.h"
+#include "store/database_files.h"
+
+namespace korvane {
+
+using namespace std::chrono_literals;
+
+Run::Run(const Ports& ports, Options options)
+    : ports_(ports),
+      options_(std::move(options)),
+      log_(ports.files, ports.clock, options_.dir, options_.version),
+      status_(ports.person, ports.clock),
+      settingsFile_(ports.files, SettingsFilePath(options_.dir)),
+      ids_(settingsFile_, ports.clock),
+      entries_({ports.store, ports.clock, ports.events, log_, status_, settingsFile_, ids_, collection_}, options_.dir),
+      settings_({ports.files, ports.clock, ports.events, ports.person, host_, status_, settingsFile_, collection_, entries_},
+                options_.dir),
+      legacyLog_(collection_, settings_.GetLogFile()),
+      Timer2_(NewTimer({"Timer2", 1000ms, [this] { wait_.Timer2_Timer(); }})),
+      TimerMonitorDB_(NewTimer({"TimerMonitorDB", 1000ms, [this] { cycle_.TimerMonitorDB_Timer(); }})),
+      TimerProgress_(NewTimer({"TimerProgress", 250ms, [this] { progress_.TimerProgress_Timer(); }})),
+      TimerLog_(NewTimer({"TimerLog", 60000ms, [this] { TimerLog_Timer(); }})),
+      actions_(log_),
+      http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
+      ping_({ports.echo, ports.clock, ports.person, status_, log_}),
+      accounting_({ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, collection_, ids_, actions_}),
+      cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
+              reports_, state_, OdbcConnectionText(options_.dir)}),
+      wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); }, {}}),
+      progress_({ports.events, ports.person, state_, *TimerProgress_}),
+      stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}) {}
+
+std::unique_ptr<Timer> Run::NewTimer(const NamedTimer& timer) {
+    auto made = ports_.timers.NewTimer(std::string(timer.name));
+    made->SetInterval(timer.period);
+    made->OnTick(timer.tick);
+    return made;
+}
+
+std::string Run::Title() const {
+    return "Korvane Network Monitoring & Server Monitor v" + options_.version + " by Brellix";
+}
+
+void Run::BeginOperations() {
+    ports_.person.SetTrayTip("Korvane Initialized. Beginning Operations: " + ports_.clock.Now().Text());
+    const bool toldToStayQuiet = options_.commandLine.find("restart") != std::string::npos;
+    if (collection_.IsTrue("Reboot") && !toldToStayQuiet) actions_.SendStartupNotice();
+}
+
+void Run::TimerLog_Timer() {
+    TimerLog_->SetEnabled(false);
+    legacyLog_.TimerLog();
+}
+
+void Run::mnuExit_Click() {
+    if (!noSaveOnExit_) settings_.Save();
+    Form_Unload();
+}
+
+void Run::LogWriteError() {
+    if (!settingsFile_.LastWriteError().empty()) log_.WriteLog(kLogFatal, kLogError, "Save: " + settingsFile_.LastWriteError());
+}
+
+void Run::Form_Unload() {
+    for (Timer* timer : std::array{Timer2_.get(), TimerMonitorDB_.get(), TimerProgress_.get(), TimerLog_.get()})
+        timer->SetEnabled(false);
+    IgnoreErrors([&] { http_.CloseInets(); });
+    if (!noSaveOnExit_) settings_.Save();
+    LogWriteError();
+    log_.Info("Korvane Closing: Form_Unload:----------------------");
+    log_.Info("Korvane Closing: Form_Terminate:----------------------");
+}
+
+}  // namespace korvane

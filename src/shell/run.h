@@ -1,0 +1,145 @@
+// Everything that lives as long as the program runs, with or without a window: settings, sockets, transfer slots, timers
+// and the state of the cycle. It makes the rooms, hands them their ports and starts the timers.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/begin_wait.h"
+#include "engine/collaborators.h"
+#include "engine/cycle_state.h"
+#include "engine/cycle_timers.h"
+#include "engine/http_requester.h"
+#include "engine/monitor_cycle.h"
+#include "engine/outcome.h"
+#include "engine/ping_checker.h"
+#include "engine/request_progress.h"
+#include "engine/stop_start.h"
+#include "engine/tcp_checker.h"
+#include "platform/clock.h"
+#include "platform/connection.h"
+#include "platform/events.h"
+#include "platform/files.h"
+#include "platform/icmp_echo.h"
+#include "platform/inet.h"
+#include "platform/operator.h"
+#include "platform/sound.h"
+#include "platform/tcp_socket.h"
+#include "platform/timer.h"
+#include "store/ini_file.h"
+#include "store/legacy_log.h"
+#include "store/log.h"
+#include "store/server_entries.h"
+#include "store/server_id.h"
+#include "store/settings.h"
+#include "store/settings_collection.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+class Run {
+public:
+    struct Ports {
+        Clock& clock;
+        Events& events;
+        Timers& timers;
+        Store& store;
+        Operator& person;
+        Files& files;
+        TcpSocket& tcpSocket;
+        IcmpEcho& echo;
+        Sound& sound;
+        std::function<std::unique_ptr<Inet>()> newInet;
+    };
+
+    struct Options {
+        std::string dir;      ///< where settings, database and log are, without a slash at the end
+        std::string dataDir;  ///< where the installation's templates and blank database are; may be the same
+        std::string commandLine;
+        std::string version;  ///< "major.minor.revision"
+    };
+
+    Run(const Ports& ports, Options options);
+
+    enum class Started { Running, SecondInstance, CannotGoOn };
+
+    /// The whole start in its fixed order, messages included. After Running the first timer is armed; after anything else the program must end
+    /// with status 1, and what there was to say has been said.
+    Started StartUp();
+
+    /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is under way is
+    /// abandoned, and its row stays as it was and due.
+    void mnuExit_Click();
+
+    void cmdStopStart() { stopStart_.cmdStopStart(); }
+
+    const CycleState& State() const { return state_; }
+    const SettingsCollection& GlobalSettings() const { return collection_; }
+
+    /// The title of the main window, with the version.
+    std::string Title() const;
+
+private:
+    struct NamedTimer {
+        std::string_view name;
+        std::chrono::milliseconds period;
+        std::function<void()> tick;
+    };
+
+    std::unique_ptr<Timer> NewTimer(const NamedTimer& timer);
+    CycleTimers Switches() { return {*Timer2_, *TimerMonitorDB_, *TimerLog_}; }
+
+    void BeginOperations();
+    void TimerLog_Timer();
+
+    void TellSecondInstance();
+    void ReadSettings();
+    bool HasDatabase();
+    bool HasTemplates();
+    bool DatabaseOpens();
+    void PrepareEntries();
+    void MendBlankTimes();
+    void BringInstallationData();
+    void Form_Unload();
+    void LogWriteError();
+
+    Ports ports_;
+    Options options_;
+    bool bFormLoading_ = false;
+    bool noSaveOnExit_ = false;
+
+    CycleState state_;
+    Log log_;
+    StatusLog status_;
+    IniFile settingsFile_;
+    ServerIds ids_;
+    SettingsCollection collection_;
+    SettingsHost host_;
+    ServerEntries entries_;
+    Settings settings_;
+    LegacyLog legacyLog_;
+
+    // The timers come before what switches them.
+    std::unique_ptr<Timer> Timer2_;
+    std::unique_ptr<Timer> TimerMonitorDB_;
+    std::unique_ptr<Timer> TimerProgress_;
+    std::unique_ptr<Timer> TimerLog_;
+
+    NoFailureActions actions_;
+    NoReports reports_;
+    NoConversationWindow conversation_;
+    HttpRequester http_;
+    TcpChecker tcp_;
+    PingChecker ping_;
+    OutcomeAccounting accounting_;
+    MonitorCycle cycle_;
+    BeginWait wait_;
+    RequestProgress progress_;
+    StopStart stopStart_;
+};
+
+}  // namespace korvane

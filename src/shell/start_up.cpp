@@ -1,0 +1,164 @@
+// The start of the program in its fixed order, with every branch and message. Nothing here needs a window.
+#include <string>
+
+#include "base/ignore_errors.h"
+#include "shell/run.h"
+#include "shell/web_addresses.h"
+#include "store/database_files.h"
+#include "store/import_entries.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::string_view kReinstall = " was missing.  Please reinstall Korvane (may have to choose the repair option).";
+
+std::string DatabaseFailureText(const std::string& error) {
+    const std::string page(kDatabaseHelpAddress);
+    return "Install Microsoft Jet4 components:\r\n\r\n"
+           "Korvane was unable to open the server records database. This is the error: " +
+           error +
+           "\r\n\r\n"
+           "This error is most likely caused when Microsoft Jet4 components are not installed.\r\n\r\n"
+           "You must install these components to use this version of Korvane. \r\n\r\n"
+           "Most people have these components already so they were not included with the Korvane install.\r\n\r\n"
+           "Clicking OK will open your browser to " +
+           page +
+           " where you can download and install these Jet4 components.  Make sure you have a connection to the internet. "
+           "Be sure to CLOSE ALL INSTANCES of Korvane before installing the Jet4 components (like the Korvane service)!";
+}
+
+std::string CloseKorvaneText() {
+    return "Click this button only after you've browsed to " + std::string(kDatabaseHelpAddress) +
+           ". To use Korvane, you must install the Jet4 components and reboot.\r\n\r\nClick OK to close Korvane";
+}
+
+}  // namespace
+
+Run::Started Run::StartUp() {
+    log_.Info("Korvane Starting *********************************");
+    bFormLoading_ = true;
+    ports_.person.SetWaitCursor(true);
+    ports_.person.SetProgress(0, 100);
+    ports_.events.DoEvents();
+    if (!ports_.files.HoldFolder(options_.dir)) {
+        TellSecondInstance();
+        return Started::SecondInstance;
+    }
+    log_.Info("frmMonitor:Form_Load: determined to be first Instance");
+    settings_.EnsureUniqueid();
+    ReadSettings();
+    ports_.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + ports_.clock.Now().Text());
+    BringInstallationData();
+    if (!HasDatabase() || !HasTemplates() || !DatabaseOpens()) {
+        Form_Unload();
+        return Started::CannotGoOn;
+    }
+    PrepareEntries();
+    log_.Info("frmMonitor:Form_Load: All data should be in database.");
+    http_.LoadInets(ports_.newInet);
+    log_.Info("frmMonitor:Form_Load: calling Form_Resize");
+    Timer2_->SetEnabled(true);
+    ports_.person.SetWaitCursor(false);
+    bFormLoading_ = false;
+    return Started::Running;
+}
+
+void Run::TellSecondInstance() {
+    ports_.events.DoEvents();
+    ports_.person.ShowMessage("Korvane Multiple Instance.", "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+}
+
+void Run::ReadSettings() {
+    log_.Info("frmMonitor:Form_Load: ReadInGlobalSettings.");
+    settings_.ReadInGlobalSettings();
+    if (const std::string problem = settingsFile_.Problem(); !problem.empty()) {
+        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
+        status_.setStatusMSG(problem);
+    }
+    legacyLog_.setLogTimer();
+}
+
+// What an installation keeps beside the program is brought to a home of its own when it is not there yet. A failure shows at the test of the
+// file itself.
+void Run::BringInstallationData() {
+    if (options_.dataDir == options_.dir) return;
+    const auto bring = [&](const std::string& name) {
+        const bool wanted = !ports_.files.Exists(options_.dir + name) && ports_.files.Exists(options_.dataDir + name);
+        if (wanted) IgnoreErrors([&] { ports_.files.Copy(options_.dataDir + name, options_.dir + name); });
+    };
+    bring("/" + std::string(kEmptyDatabaseFile));
+    for (const ReportTemplate& page : ReportTemplates())
+        bring("/" + std::string(page.file));
+}
+
+bool Run::HasDatabase() {
+    const std::string database = DatabasePath(options_.dir);
+    const std::string blank = EmptyDatabasePath(options_.dir);
+    if (ports_.files.Exists(database)) {
+        log_.Info("frmMonitor:Form_Load: Database Exists, do not read in ini files for first time init.");
+        return true;
+    }
+    if (ports_.files.Exists(blank)) {
+        log_.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
+        try {
+            ports_.files.Copy(blank, database);
+        } catch (const std::exception& error) {  // the test of the connection tells that there is no database
+            log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
+        }
+        collection_.setKvSettingsColValue("bAllInDB", "False");
+        return true;
+    }
+    ports_.person.ShowMessage("Korvane", "The necessary Template Databasee " + blank + std::string(kReinstall));
+    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the blank database was not there.  can't initialize database.");
+    return false;
+}
+
+bool Run::HasTemplates() {
+    for (const ReportTemplate& page : ReportTemplates()) {
+        const std::string file = "/" + std::string(page.file);
+        if (ports_.files.Exists(options_.dir + file)) continue;
+        ports_.person.ShowMessage("Korvane", "The necessary report template " + options_.dir + file + std::string(kReinstall));
+        log_.WriteLog(
+            kLogFatal, kLogError,
+            "frmMonitor:Form_Load: the " + std::string(page.word) + " template " + file + " was missing. can't continue.");
+        return false;
+    }
+    return true;
+}
+
+bool Run::DatabaseOpens() {
+    std::string error;
+    state_.bReportsOK = IsDBConnectOK(ports_.store, ports_.files, options_.dir, error);
+    if (state_.bReportsOK) return true;
+    state_.strReportsProblem = error;
+    ports_.person.ShowMessage("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
+    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
+    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
+    ports_.person.ShowMessage("Korvane", CloseKorvaneText());
+    return false;
+}
+
+void Run::PrepareEntries() {
+    for (const std::string& column : MissingColumns(ports_.store, options_.dir)) {
+        const std::string problem = "the database has no column " + column + ". Checks go on without it as far as they can.";
+        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
+        status_.setStatusMSG(problem);
+    }
+    ImportEntriesOnce({ports_.events, ports_.person, log_, status_, collection_, entries_, settings_});
+    IgnoreErrors([&] { MendBlankTimes(); });
+}
+
+// The cycle asks for the rows due by a time and never meets one without: such a row, left by another tool, becomes due now.
+void Run::MendBlankTimes() {
+    const auto conn = ports_.store.NewConnection();
+    conn->SetConnectionString(OleDbConnectionText(options_.dir));
+    conn->Open();
+    const auto rs = ports_.store.NewRecordset();
+    rs->Open("SELECT * FROM Servers where dtNextCheck is null", *conn, CursorType::Keyset, LockType::Optimistic);
+    for (; !rs->Eof(); rs->MoveNext()) {
+        rs->Fields("dtNextCheck") = ports_.clock.Now();
+        rs->Update();
+    }
+}
+
+}  // namespace korvane

@@ -1,0 +1,249 @@
+// The start of the whole program without a window, in every branch, and its end: on real files and a real database, in virtual time.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "base/text.h"
+#include "platform/linux/linux_files.h"
+#include "platform/qt/sql_store.h"
+#include "shell/run.h"
+#include "shell/terminal_operator.h"
+#include "store/schema.h"
+#include "support/recording_operator.h"
+#include "support/recording_sound.h"
+#include "support/virtual_icmp_echo.h"
+#include "support/virtual_inet.h"
+#include "support/virtual_net.h"
+#include "support/virtual_tcp_socket.h"
+#include "support/virtual_world.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+std::string ReadAll(const fs::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+/// A home folder and the program in it. Several may stand in one home, as a second start does.
+class Home {
+public:
+    Home() {
+        std::string pattern = (fs::temp_directory_path() / "korvane-home-XXXXXX").string();
+        path_ = mkdtemp(pattern.data());
+    }
+    ~Home() { fs::remove_all(path_); }
+    Home(const Home&) = delete;
+    Home& operator=(const Home&) = delete;
+
+    fs::path operator/(const std::string& name) const { return path_ / name; }
+    void Write(const std::string& name, const std::string& text) const { std::ofstream(path_ / name, std::ios::binary) << text; }
+    std::string Log() const { return ReadAll(path_ / "Logs/kvmonlog 2026 11-21.txt"); }
+    std::string Path() const { return path_.string(); }
+
+private:
+    fs::path path_;
+};
+
+struct Program {
+    explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR)
+        : run({world.clock, world.events, world.timers, store, person, files, socket, echo, sound,
+               [this] { return std::make_unique<VirtualInet>(net); }},
+              {.dir = home.Path(), .dataDir = std::move(dataDir), .commandLine = "", .version = "1.0.0"}) {}
+
+    std::vector<std::string> Column(const Home& home, const std::string& query) {
+        const auto conn = store.NewConnection();
+        conn->SetConnectionString("DBQ=" + (home / "kvdata2.mdb").string());
+        conn->Open();
+        const auto rs = store.NewRecordset();
+        std::vector<std::string> values;
+        for (rs->Open(query, *conn, CursorType::Static, LockType::Optimistic); !rs->Eof(); rs->MoveNext()) {
+            values.push_back(rs->Fields("v").Value().Text());
+        }
+        return values;
+    }
+
+    VirtualWorld world{DateTime::Of(2026, 11, 21, 15, 0, 0)};
+    VirtualNet net{world};
+    LinuxFiles files;
+    QtSqlStore store{KindOfColumn};
+    RecordingOperator person;
+    RecordingSound sound;
+    VirtualTcpSocket socket{net};
+    VirtualIcmpEcho echo{net};
+    Run run;
+};
+
+constexpr const char* kTwoEntries =
+    "[Settings]\nBegin=0\nNumURLs=2\n"
+    "[Settings1]\nURL=10.0.0.1\nPRETTY=ping\nType=PING\nServPort=ICMP\nMustHaveText=1000\nTries=3\nnListAttempts=5\n"
+    "[Settings2]\nURL=10.0.0.2\nPRETTY=mail\nType=SMTP\nServPort=25\nMustHaveText=220,QUIT,221\nTries=1\n";
+
+TEST(StartUp, AnEmptyHomeBecomesAWorkingOne) {
+    const Home home;
+    Program program(home);
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    EXPECT_TRUE(program.person.Said("New User. Initialize Database..."));
+    const std::string log = home.Log();
+    std::size_t at = 0;
+    for (const char* line :
+         {"11/21/2026 3:00:00 PM 1.0.0 i\tKorvane Starting *********************************\n",
+          "i\tfrmMonitor:Form_Load: determined to be first Instance\n", "i\tfrmMonitor:Form_Load: ReadInGlobalSettings.\n",
+          "i\tfrmMonitor:Form_Load: copy blank database template so we can initialize.\n",
+          "i\tfrmMonitor:Form_Load: read in ini files to convert first time database users.\n",
+          "i\tfrmMonitor:Form_Load: All data should be in database.\n", "i\tfrmMonitor:Form_Load: calling Form_Resize\n"}) {
+        at = log.find(line, at);
+        ASSERT_NE(at, std::string::npos) << line << "in\n" << log;
+    }
+    EXPECT_TRUE(Holds(ReadAll(home / "kvurlwatchn.ini"), "bALLInDB=True"));
+    EXPECT_TRUE(fs::is_directory(home / "Reports"));
+    for (const char* name : {"kvurlwatchn.ini", "kvdata2.mdb"}) {
+        EXPECT_EQ(fs::status(home / name).permissions(), fs::perms::owner_read | fs::perms::owner_write) << name;
+    }
+}
+
+TEST(StartUp, OldEntriesMoveIntoTheDatabaseAndAreChecked) {
+    const Home home;
+    home.Write("kvurlwatchn.ini", kTwoEntries);
+    Program program(home);
+    program.net.Host("10.0.0.1").Echo(3ms);
+    program.net.Host("10.0.0.2").Port(25).Refuse();
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    program.world.RunFor(6s);
+    EXPECT_EQ(program.Column(home, "SELECT strCurStatus AS v FROM Servers ORDER BY strDesc DESC"),
+              (std::vector<std::string>{"UP", "DOWN"}));
+    EXPECT_EQ(program.Column(home, "SELECT strReason AS v FROM Failures"),
+              (std::vector<std::string>{"Could Not Connect to 10.0.0.2 Double check for typos. "}));
+    EXPECT_TRUE(Holds(home.Log(), "mail went down. No notification, traceroute or command: this version has none."));
+}
+
+TEST(StartUp, ASecondInstanceSaysSoAndLeavesEverythingAlone) {
+    const Home home;
+    Program first(home);
+    ASSERT_EQ(first.run.StartUp(), Run::Started::Running);
+    const std::string settings = ReadAll(home / "kvurlwatchn.ini");
+    const std::string log = home.Log();
+    Program second(home);
+    EXPECT_EQ(second.run.StartUp(), Run::Started::SecondInstance);
+    ASSERT_EQ(second.person.messages.size(), 1u);
+    EXPECT_EQ(second.person.messages[0].title, "Korvane Multiple Instance.");
+    EXPECT_EQ(second.person.messages[0].text, "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+    EXPECT_EQ(ReadAll(home / "kvurlwatchn.ini"), settings);
+    EXPECT_EQ(home.Log(), log + "11/21/2026 3:00:00 PM 1.0.0 i\tKorvane Starting *********************************\n");
+}
+
+TEST(StartUp, StopsAtTheFirstThingThatIsMissing) {
+    struct Case {
+        const char* missing;
+        const char* message;
+        const char* log;
+    };
+    const Case cases[] = {
+        {"kvempty.mdb", "The necessary Template Databasee ",
+         "#\tfrmMonitor:Form_Load: the blank database was not there.  can't initialize database."},
+        {"grouptmp.htm", "The necessary report template ",
+         "#\tfrmMonitor:Form_Load: the group template /grouptmp.htm was missing. can't continue."},
+        {"dailyreporttmp.htm", "The necessary report template ",
+         "#\tfrmMonitor:Form_Load: the daily report template /dailyreporttmp.htm was missing. can't continue."},
+    };
+    for (const Case& c : cases) {
+        const Home home;
+        const Home installation;
+        for (const auto& file : fs::directory_iterator(KORVANE_DIST_DIR)) {
+            const std::string name = file.path().filename().string();
+            if (name != c.missing && (name.ends_with(".htm") || name == "kvempty.mdb")) fs::copy(file, installation / name);
+        }
+        Program program(home, installation.Path());
+        EXPECT_EQ(program.run.StartUp(), Run::Started::CannotGoOn) << c.missing;
+        ASSERT_EQ(program.person.messages.size(), 1u) << c.missing;
+        EXPECT_EQ(program.person.messages[0].text,
+                  c.message + (home / c.missing).string() +
+                      " was missing.  Please reinstall Korvane (may have to choose the repair option).");
+        EXPECT_TRUE(Holds(home.Log(), c.log)) << home.Log();
+        EXPECT_TRUE(Holds(home.Log(), "Korvane Closing: Form_Terminate:"));
+        EXPECT_FALSE(program.world.RunUntil([&] { return program.person.Said("Done Waiting."); }, 10min));
+    }
+}
+
+TEST(StartUp, ADatabaseOfAnotherKindEndsItAndStaysUntouched) {
+    for (const std::string& content : {std::string("dear diary"), std::string("\0\1\0\0Standard Jet DB\0", 20), std::string()}) {
+        const Home home;
+        home.Write("kvdata2.mdb", content);
+        Program program(home);
+        EXPECT_EQ(program.run.StartUp(), Run::Started::CannotGoOn);
+        ASSERT_EQ(program.person.messages.size(), 2u);
+        EXPECT_EQ(program.person.messages[0].title, "Required: Install Microsoft Jet4 components...");
+        EXPECT_TRUE(Holds(program.person.messages[0].text, "This is the error: "));
+        EXPECT_TRUE(Holds(home.Log(), "#\tfrmMonitor:Form_Load: the database didn't open properly. sending user jet4 info."));
+        EXPECT_EQ(ReadAll(home / "kvdata2.mdb"), content);
+    }
+}
+
+TEST(StartUp, AnUnreadableSettingsFileIsReportedAndKept) {
+    const Home home;
+    const std::string content("[Settings]\nServer=\0\0\0", 22);
+    home.Write("kvurlwatchn.ini", content);
+    Program program(home);
+    EXPECT_EQ(program.run.StartUp(), Run::Started::Running);
+    EXPECT_TRUE(Holds(home.Log(), "#\tfrmMonitor:Form_Load: ")) << home.Log();
+    program.run.mnuExit_Click();
+    EXPECT_EQ(ReadAll(home / "kvurlwatchn.ini"), content);
+}
+
+TEST(StartUp, NamesAColumnThatAnOlderDatabaseLacksAndGoesOn) {
+    const Home home;
+    home.Write("kvurlwatchn.ini", kTwoEntries);
+    {
+        Program first(home);
+        ASSERT_EQ(first.run.StartUp(), Run::Started::Running);
+        first.run.mnuExit_Click();
+    }
+    ASSERT_EQ(
+        std::system(("sqlite3 '" + (home / "kvdata2.mdb").string() + "' 'ALTER TABLE Servers DROP COLUMN nAveSession'").c_str()),
+        0);
+    Program program(home);
+    program.net.Host("10.0.0.1").Echo(3ms);
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    EXPECT_TRUE(Holds(home.Log(), "the database has no column Servers.nAveSession"));
+    program.world.RunFor(5s);
+    EXPECT_EQ(program.Column(home, "SELECT nSuccess AS v FROM Servers WHERE strDesc = 'ping'"), (std::vector<std::string>{"1"}));
+}
+
+TEST(Exit, InTheMiddleOfACheckLeavesTheRowAsItWas) {
+    const Home home;
+    home.Write("kvurlwatchn.ini", kTwoEntries);
+    Program program(home);
+    program.net.Host("10.0.0.1").Echo(3ms);
+    program.net.Host("10.0.0.2").Port(25).Accept(1ms);
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    bool inTheMiddle = false;
+    program.world.After(10s, [&] {
+        inTheMiddle = program.person.Said("Waiting for '220'") && !program.person.Said("Done.");
+        program.run.mnuExit_Click();
+        EXPECT_TRUE(Holds(home.Log(), "Korvane Closing: Form_Unload:----------------------\n"));
+        EXPECT_EQ(program.Column(home, "SELECT nSuccess + nFail AS v FROM Servers WHERE strDesc = 'mail'"),
+                  (std::vector<std::string>{"0"}));
+    });
+    program.world.RunFor(11s);
+    EXPECT_TRUE(inTheMiddle);
+}
+
+TEST(TerminalOperator, PrintsLinesThatCannotHarmTheTerminal) {
+    std::ostringstream lines, messages;
+    TerminalOperator person(lines, messages);
+    person.StatusLine("3:04:05 PM", "banner \x1B[2J\xC3\xBC");
+    EXPECT_EQ(lines.str(), "3:04:05 PM - banner  [2J\xC3\xBC\n");
+    EXPECT_FALSE(person.AskYesNo("Korvane", "Really?"));
+    EXPECT_TRUE(Holds(messages.str(), "Korvane: Really?"));
+}
+
+}  // namespace
+}  // namespace korvane
