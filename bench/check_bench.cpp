@@ -83,9 +83,13 @@ struct Machine {
         cycleState.nReportTicks = 0;
     }
 
+    /// A benchmark of ticks that did not check, or of checks that failed, must not give a figure.
     void ExpectAllPassed(benchmark::State& state) {
-        const int failed = database.Count("Failures");
-        if (failed > 0) state.SkipWithError((std::to_string(failed) + " checks failed").c_str());
+        std::int64_t passed = 0;
+        for (const Row& row : database.Rows("Servers"))
+            passed += row.at("nSuccess").Int64();
+        if (passed != checked)
+            state.SkipWithError((std::to_string(passed) + " of " + std::to_string(checked) + " checks passed").c_str());
     }
 
     SystemClock clock;
@@ -110,17 +114,18 @@ struct Machine {
     HttpRequester http{{settings, events, clock, person, *TimerProgress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, settings, ids, actions}};
+    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
     MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, reports,
                         cycleState, database.DriverString()}};
     int count = 0;
     int checked = 0;
 };
 
+// The port stands in the address: as a port of the entry it would have to fit 16 bits with a sign.
 Entry HttpEntry(const std::string& port) {
-    return {.strAddress_IP = "127.0.0.1/",
+    return {.strAddress_IP = "127.0.0.1:" + port + "/",
             .strType = "HTTP",
-            .strPort = port,
+            .strPort = "80",
             .nIntervalSeconds = 3600,
             .strExpectedText = "Welcome",
             .dtNextCheck = DateTime::Of(2026, 1, 1, 0, 0, 1)};
@@ -132,7 +137,7 @@ std::size_t CountBytes(char*, std::size_t size, std::size_t count, void* total) 
 }
 
 void HttpBareTransfer(benchmark::State& state) {
-    test::LoopbackServer server(test::AnswerHttp(test::HttpAnswer(kPage)));
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
     const std::string url = server.Http() + "/";
     for (auto _ : state) {
         std::size_t bytes = 0;
@@ -149,7 +154,7 @@ void HttpBareTransfer(benchmark::State& state) {
 BENCHMARK(HttpBareTransfer);
 
 void HttpTransferSlot(benchmark::State& state) {
-    test::LoopbackServer server(test::AnswerHttp(test::HttpAnswer(kPage)));
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
     SystemClock clock;
     QtEvents events;
     CurlInet inet(events, clock, {});
@@ -161,7 +166,7 @@ void HttpTransferSlot(benchmark::State& state) {
 BENCHMARK(HttpTransferSlot);
 
 void HttpCheck(benchmark::State& state) {
-    test::LoopbackServer server(test::AnswerHttp(test::HttpAnswer(kPage)));
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
     Machine machine(100, HttpEntry(std::to_string(server.Port())));
     for (auto _ : state)
         machine.Check(state);
@@ -176,7 +181,7 @@ void HttpCheckProcess(benchmark::State& state) {
         state.SkipWithError("check_http of monitoring-plugins is not installed");
         return;
     }
-    test::LoopbackServer server(test::AnswerHttp(test::HttpAnswer(kPage)));
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
     const std::string port = std::to_string(server.Port());
     const auto childSeconds = [] {
         rusage usage{};
@@ -230,14 +235,14 @@ void LogRecord(benchmark::State& state) {
 }
 BENCHMARK(LogRecord);
 
-void ServeMailBanner(test::LoopbackServer::Peer& peer) {
+void ServeMailBanner(LoopbackServer::Peer& peer) {
     peer.Send("220 ready\r\n");
     peer.ReadUntil("\r\n");
     peer.Send("221 bye\r\n");
 }
 
 void TcpBareSocket(benchmark::State& state) {
-    test::LoopbackServer server(ServeMailBanner);
+    LoopbackServer server(ServeMailBanner);
     for (auto _ : state) {
         const int fd = socket(AF_INET, SOCK_STREAM, 0);
         sockaddr_in address{};
@@ -255,7 +260,7 @@ void TcpBareSocket(benchmark::State& state) {
 BENCHMARK(TcpBareSocket);
 
 void TcpCheck(benchmark::State& state) {
-    test::LoopbackServer server(ServeMailBanner);
+    LoopbackServer server(ServeMailBanner);
     Machine machine(100, {.strAddress_IP = "127.0.0.1",
                           .strType = "SMTP",
                           .strPort = std::to_string(server.Port()),
@@ -298,7 +303,7 @@ BENCHMARK(PingCheck);
 void FailedCheckBesideOldFailures(benchmark::State& state) {
     Machine machine(100, {.strAddress_IP = "127.0.0.1",
                           .strType = "SMTP",
-                          .strPort = std::to_string(test::RefusingPort()),
+                          .strPort = std::to_string(RefusingPort()),
                           .nIntervalSeconds = 3600,
                           .strExpectedText = "220",
                           .dtNextCheck = DateTime::Of(2026, 1, 1, 0, 0, 1)});

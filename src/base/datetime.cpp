@@ -92,6 +92,19 @@ DateTime DateTime::Of(int year, int month, int day, int hour, int minute, int se
     return DateTime(days * kSecondsPerDay + hour * 3600 + minute * 60 + second);
 }
 
+DateTime DateTime::Last() {
+    return Of(9999, 12, 31, 23, 59, 59);
+}
+
+DateTime DateTime::MovedBy(std::int64_t seconds) const {
+    constexpr std::int64_t kFarthest =
+        std::int64_t{10000} * 366 * kSecondsPerDay;  // from one end to the other, and no overflow below
+    if (seconds < -kFarthest || seconds > kFarthest) throw OverflowError();
+    const DateTime moved(seconds_ + seconds);
+    if (moved < Of(100, 1, 1) || moved > Last()) throw OverflowError();
+    return moved;
+}
+
 std::optional<DateTime> DateTime::FromStored(std::string_view text) {
     try {
         const auto blank = text.find(' ');

@@ -46,16 +46,22 @@ public:
     /// The form on disk, "2026-11-21 15:04:05".
     std::string Stored() const;
 
+    /// 31 December 9999, 23:59:59.
+    static DateTime Last();
+
     auto operator<=>(const DateTime&) const = default;
 
-    friend constexpr DateTime operator+(DateTime when, std::chrono::seconds by) { return DateTime(when.seconds_ + by.count()); }
-    friend constexpr DateTime operator-(DateTime when, std::chrono::seconds by) { return DateTime(when.seconds_ - by.count()); }
+    /// Throw OverflowError outside the years 100 to 9999.
+    friend DateTime operator+(DateTime when, std::chrono::seconds by) { return when.MovedBy(by.count()); }
+    friend DateTime operator-(DateTime when, std::chrono::seconds by) { return when.MovedBy(-by.count()); }
     friend constexpr std::chrono::seconds operator-(DateTime a, DateTime b) {
         return std::chrono::seconds(a.seconds_ - b.seconds_);
     }
 
 private:
     constexpr explicit DateTime(std::int64_t seconds) : seconds_(seconds) {}
+
+    DateTime MovedBy(std::int64_t seconds) const;
 
     std::int64_t seconds_ = 0;
 };

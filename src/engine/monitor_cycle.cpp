@@ -52,6 +52,11 @@ std::int64_t MinutesBetween(DateTime from, DateTime to) {
 }
 
 void MonitorCycle::TimerMonitorDB_Timer() {
+    DoTick();
+    if (state_.nSleepLeft > 0) ports_.store.Rest();
+}
+
+void MonitorCycle::DoTick() {
     Tick tick;
     try {
         Step("Starting Monitor Timer");
@@ -101,7 +106,6 @@ void MonitorCycle::LookAtDatabase(Tick& tick) {
     if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
-    if (state_.nSleepLeft > 0) ports_.store.Rest();
 }
 
 void MonitorCycle::OpenDueRows(Tick& tick) {
@@ -113,7 +117,7 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.rs = ports_.store.NewRecordset();
     tick.rs->Open(due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
-    ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
+    ports_.accounting.BeginEntry(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
 }
 
@@ -200,8 +204,7 @@ MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
     } else if (CheckRow(tick) == AfterCheck::TickIsOver) {
         return AfterCheck::TickIsOver;
     }
-    UpdateRow(rs);
-    return AfterCheck::UpdateRow;
+    return UpdateRow(tick) ? AfterCheck::UpdateRow : AfterCheck::TickIsOver;
 }
 
 bool MonitorCycle::SuspendForDownTime(Recordset& rs) {
@@ -390,12 +393,16 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
     return false;
 }
 
-void MonitorCycle::UpdateRow(Recordset& rs) {
+// After a failure the row keeps its pending changes, and to move on in the result would try to write them again: the tick is over then.
+bool MonitorCycle::UpdateRow(Tick& tick) {
     Step("Update record");
     try {
-        rs.Update();
+        tick.rs->Update();
+        ports_.accounting.AddOwedFailureRow(*tick.rs, *tick.conn);
+        return true;
     } catch (const std::exception& error) {
         ports_.log.Info("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
+        return false;
     }
 }
 

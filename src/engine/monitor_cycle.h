@@ -58,6 +58,7 @@ private:
     enum class AfterCheck { UpdateRow, TickIsOver };
 
     void Step(std::string name) { state_.strLastStep = std::move(name); }
+    void DoTick();
     bool CountDownSleep();
     void LookAtDatabase(Tick& tick);
     void OpenDueRows(Tick& tick);
@@ -76,7 +77,7 @@ private:
     CheckResult Ping(Recordset& rs);
     CheckResult Talk(Recordset& rs);
     bool PassesTextRules(Tick& tick, const std::string& response);
-    void UpdateRow(Recordset& rs);
+    bool UpdateRow(Tick& tick);
     void SummariseInTray(Recordset& rs);
     void Fail(const Tick& tick, const std::string& description);
 

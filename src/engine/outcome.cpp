@@ -1,5 +1,8 @@
 #include "engine/outcome.h"
 
+#include <algorithm>
+
+#include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -14,6 +17,7 @@ constexpr std::size_t kMostStoredCharacters = 249;  // of strLastResponse and st
 constexpr std::int64_t kIntervalWithoutOne = 15000;
 constexpr int kLongOutageTries = 50;
 constexpr int kLongOutageFactor = 5;
+constexpr seconds kLongestInterval = std::chrono::years(9999);
 
 // A counter that was never written stands at zero.
 std::int64_t CounterOf(Recordset& rs, std::string_view column) {
@@ -36,6 +40,15 @@ double PercentUp(std::int64_t failed, double total) {
     return 100.0 - static_cast<double>(failed) / total * 100.0;
 }
 
+// The interval has no upper limit, dates have one: an interval beyond it means never again.
+DateTime NextCheck(DateTime from, seconds interval) {
+    try {
+        return from + interval;
+    } catch (const OverflowError&) {
+        return DateTime::Last();
+    }
+}
+
 // A running average with one more sample in it.
 double WithSample(double average, double count, double sample) {
     return ((count - 1) * average + sample) / count;
@@ -52,7 +65,7 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
     IgnoreErrors([&] {
         if (CounterOf(rs, "nIntervalSeconds") < 1) rs.Fields("nIntervalSeconds") = kIntervalWithoutOne;
     });
-    IgnoreErrors([&] { rs.Fields("dtNextCheck") = base + seconds(rs.Fields("nIntervalSeconds").Value().Int64()); });
+    IgnoreErrors([&] { rs.Fields("dtNextCheck") = NextCheck(base, seconds(rs.Fields("nIntervalSeconds").Value().Int64())); });
     IgnoreErrors([&] {
         if (CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64()) ports_.actions.DoUpAgainStuff(rs);
     });
@@ -85,9 +98,11 @@ void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nR
 }
 
 void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason) {
+    owed_.reset();
     try {
         rs.Fields("strLastResponse") = Left(strReason + " " + strResponse, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
+        owed_ = {.ID = "", .strAction = "None.", .strReason = strReason};
         const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
         const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;
         rs.Fields("nPercentUp") = PercentUp(failed, total);
@@ -98,12 +113,35 @@ void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::st
         rs.Fields("datelastfail") = now;
         rs.Fields("datelastcheck") = now;
         rs.Fields("dtNextCheck") = NextCheckAfterFailure(rs, tries);
-        rs.Update();
-        AddFailureRow(rs, conn, strAction, strReason);
+        Record(rs, conn, {ports_.ids.NewServerID(), strAction, strReason});
         ports_.events.DoEvents();
     } catch (const std::exception& error) {
-        ports_.status.setStatusMSG("DoFailure: Error: " + std::string(error.what()));
+        const std::string message = "DoFailure: Error: " + std::string(error.what());
+        ports_.status.setStatusMSG(message);
+        ports_.log.WriteLog(kLogOrdinary, kLogError, message);
     }
+}
+
+// The counters and their row stand or fall together: a program that is killed between the two must not leave one without the other.
+void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNote& note) {
+    owed_ = note;
+    conn.BeginTrans();
+    try {
+        rs.Update();
+        AddFailureRow(rs, conn, note);
+    } catch (const std::exception&) {
+        IgnoreErrors([&] { conn.CommitTrans(); });
+        throw;
+    }
+    owed_.reset();  // if this fails, neither has happened, and the entry is still due
+    conn.CommitTrans();
+}
+
+void OutcomeAccounting::AddOwedFailureRow(Recordset& rs, Connection& conn) {
+    if (!owed_) return;
+    if (owed_->ID.empty()) owed_->ID = ports_.ids.NewServerID();
+    AddFailureRow(rs, conn, *owed_);
+    owed_.reset();
 }
 
 std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries,
@@ -133,24 +171,23 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
     const seconds interval(CounterOf(rs, "nIntervalSeconds"));
     const DateTime now = ports_.clock.Now();
     const bool workingTowardsDown = tries <= CounterOf(rs, "nTries");
-    if (workingTowardsDown && interval > retry) return now + retry;
-    return now + (tries > kLongOutageTries ? interval * kLongOutageFactor : interval);
+    if (workingTowardsDown && interval > retry) return NextCheck(now, retry);
+    return NextCheck(now, tries > kLongOutageTries ? std::min(interval, kLongestInterval) * kLongOutageFactor : interval);
 }
 
-void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const std::string& strAction,
-                                      const std::string& strReason) {
+void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const FailureNote& note) {
     const auto failures = ports_.store.NewRecordset();
     failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
     failures->AddNew();
-    failures->Fields("ID") = ports_.ids.NewServerID();
+    failures->Fields("ID") = note.ID;
     failures->Fields("IDParent") = rs.Fields("ID").Value();
     for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"}) {
         failures->Fields(column) = rs.Fields(column).Value();
     }
     failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
     failures->Fields("nFailMax") = rs.Fields("nTries").Value();
-    failures->Fields("strAction") = strAction;
-    failures->Fields("strReason") = Left(strReason, kMostStoredCharacters);
+    failures->Fields("strAction") = note.strAction;
+    failures->Fields("strReason") = Left(note.strReason, kMostStoredCharacters);
     failures->Fields("dateFail") = ports_.clock.Now();
     failures->Update();
     failures->Close();

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -14,6 +15,7 @@
 #include "platform/events.h"
 #include "platform/operator.h"
 #include "platform/sound.h"
+#include "store/log.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -29,6 +31,7 @@ public:
         Operator& person;
         Sound& sound;
         StatusLog& status;
+        Log& log;
         const SettingsCollection& settings;
         ServerIds& ids;
         FailureActions& actions;
@@ -40,22 +43,39 @@ public:
     /// step of DoSuccess leaves the other steps in force.
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
-    /// Adds a row to `Failures` too. An error ends it with a status line; what was written so far stays pending in `rs`.
+    /// Adds a row to `Failures` too, in one transaction with the entry's row. An error ends it with a status line; what was written so far stays
+    /// pending in `rs`, and if it reaches the store all the same, AddOwedFailureRow is to follow.
     void DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
-    /// The stagger of the next checks is random; the cycle reseeds it from the clock.
-    void Reseed(std::uint32_t seed) { random_.seed(seed); }
+    /// The `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing when none is owed. Store
+    /// errors are the caller's.
+    void AddOwedFailureRow(Recordset& rs, Connection& conn);
+
+    /// Before each entry: the stagger of the next checks is random and reseeded from the clock, and what an earlier entry was owed is over.
+    void BeginEntry(std::uint32_t seed) {
+        random_.seed(seed);
+        owed_.reset();
+    }
 
 private:
+    /// What a `Failures` row holds beside the copy of the entry.
+    struct FailureNote {
+        std::string ID;
+        std::string strAction;
+        std::string strReason;
+    };
+
     std::chrono::seconds Stagger(int recordCount);
     void CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
-    void AddFailureRow(Recordset& rs, Connection& conn, const std::string& strAction, const std::string& strReason);
+    void Record(Recordset& rs, Connection& conn, const FailureNote& note);
+    void AddFailureRow(Recordset& rs, Connection& conn, const FailureNote& note);
 
     Ports ports_;
     std::minstd_rand random_;
+    std::optional<FailureNote> owed_;  ///< counted by nobody yet, or counted without its row
 };
 
 }  // namespace korvane

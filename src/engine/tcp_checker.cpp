@@ -18,6 +18,18 @@ constexpr int kReplyLimitSeconds = 20;
 // second limit, on the clock that only goes forward, keeps a silent server from holding up the monitor for good.
 constexpr auto kReplyWaitEndsAnyway = 15min;
 
+// One conversation at a time, even when the socket of the one on the stack has been closed under it.
+class Talking {
+public:
+    explicit Talking(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Talking() { flag_ = false; }
+    Talking(const Talking&) = delete;
+    Talking& operator=(const Talking&) = delete;
+
+private:
+    bool& flag_;
+};
+
 }  // namespace
 
 TcpChecker::TcpChecker(const Ports& ports) : ports_(ports) {
@@ -33,11 +45,12 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
     CheckResult result;
     ports_.person.SetWaitCursor(true);
     try {
-        if (ports_.socket.State() != SocketState::Closed) {
+        if (talking_ || ports_.socket.State() != SocketState::Closed) {
             ports_.socket.Close();
             ports_.person.SetWaitCursor(false);
             return {.response = "", .strReason = "Socket wasn't closed "};
         }
+        const Talking talking(talking_);
         bTCPTimedOut_ = false;
         strRecvBuffer_.clear();
         ports_.socket.SetProtocol(SocketProtocol::Tcp);
@@ -76,7 +89,11 @@ TcpChecker::Connecting TcpChecker::Connect(const std::string& strServer, std::ch
     auto elapsed = 0ms;
     while (elapsed < limit && socket.State() == SocketState::ResolvingHost) {
         WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return socket.State() != SocketState::ResolvingHost; });
-        if (socket.State() == SocketState::HostResolved) ports_.status.setStatusMSG(" Resolved.");
+        // A wait may take the socket through more than one state.
+        const SocketState state = socket.State();
+        const bool resolved =
+            state == SocketState::HostResolved || state == SocketState::Connecting || state == SocketState::Connected;
+        if (resolved) ports_.status.setStatusMSG(" Resolved.");
         elapsed += kWaitStep;
     }
     if (elapsed < limit) ports_.status.setStatusMSG("Connecting to " + strServer + " port [" + strPort + "]");

@@ -49,6 +49,7 @@ private:
 
     Ports ports_;
     std::string strRecvBuffer_;  ///< the most recent arrival, not the sum of all
+    bool talking_ = false;
     bool bTCPTimedOut_ = false;
     std::string strTCPTimeoutText_;
 };

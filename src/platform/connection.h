@@ -25,6 +25,11 @@ public:
     /// Closing a closed connection does nothing.
     virtual void Close() = 0;
 
+    /// What is changed from here to CommitTrans becomes durable together; a crash in between leaves none of it. Not nested, and never held across a wait
+    /// for anything but the disk. Closing the connection drops it.
+    virtual void BeginTrans() = 0;
+    virtual void CommitTrans() = 0;
+
 private:
     std::string connectionString_;
 };

@@ -46,12 +46,22 @@ protected:
     /// For adapters: one period is over.
     void Fire() {
         if (ticking_ || !enabled_ || !tick_) return;
-        ticking_ = true;
+        const Guard guard(ticking_);
         tick_();
-        ticking_ = false;
     }
 
 private:
+    class Guard {
+    public:
+        explicit Guard(bool& ticking) : ticking_(ticking) { ticking_ = true; }
+        ~Guard() { ticking_ = false; }
+        Guard(const Guard&) = delete;
+        Guard& operator=(const Guard&) = delete;
+
+    private:
+        bool& ticking_;
+    };
+
     std::function<void()> tick_;
     std::chrono::milliseconds interval_{1000};
     bool enabled_ = false;

@@ -79,12 +79,16 @@ int Main(int argc, char** argv) {
              [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); }},
             options);
 
-    const TerminationSignals termination(events, [&] {
+    const auto exit = [&] {
         run.mnuExit_Click();
         EndProcess(EXIT_SUCCESS);
+    };
+    const TerminationSignals termination(events, [&] {
+        if (run.MayExit()) exit();
     });
     files.CreateFolder(options.dir);
     if (run.StartUp() != Run::Started::Running) EndProcess(kCannotGoOn);
+    if (run.ExitAsked()) exit();
     return QCoreApplication::exec();
 }
 

@@ -28,7 +28,8 @@ Run::Run(const Ports& ports, Options options)
       http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
-      accounting_({ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, collection_, ids_, actions_}),
+      accounting_(
+          {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
       cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
               reports_, state_, OdbcConnectionText(options_.dir)}),
       wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); }, {}}),
@@ -38,7 +39,8 @@ Run::Run(const Ports& ports, Options options)
 std::unique_ptr<Timer> Run::NewTimer(const NamedTimer& timer) {
     auto made = ports_.timers.NewTimer(std::string(timer.name));
     made->SetInterval(timer.period);
-    made->OnTick(timer.tick);
+    // Each tick handles its own errors; nothing may reach the event loop, which knows no exceptions.
+    made->OnTick([tick = timer.tick] { IgnoreErrors(tick); });
     return made;
 }
 
@@ -55,6 +57,11 @@ void Run::BeginOperations() {
 void Run::TimerLog_Timer() {
     TimerLog_->SetEnabled(false);
     legacyLog_.TimerLog();
+}
+
+bool Run::MayExit() {
+    exitAsked_ = true;
+    return !bFormLoading_;
 }
 
 void Run::mnuExit_Click() {

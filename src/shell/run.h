@@ -71,6 +71,11 @@ public:
     /// with status 1, and what there was to say has been said.
     Started StartUp();
 
+    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is kept, and the caller looks
+    /// at ExitAsked when StartUp has returned.
+    bool MayExit();
+    bool ExitAsked() const { return exitAsked_; }
+
     /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is under way is
     /// abandoned, and its row stays as it was and due.
     void mnuExit_Click();
@@ -98,10 +103,12 @@ private:
 
     void TellSecondInstance();
     void ReadSettings();
+    bool HasAllItNeeds();
     bool HasDatabase();
     bool HasTemplates();
     bool DatabaseOpens();
     void PrepareEntries();
+    void NameMissingColumns();
     void MendBlankTimes();
     void BringInstallationData();
     void Form_Unload();
@@ -111,6 +118,7 @@ private:
     Options options_;
     bool bFormLoading_ = false;
     bool noSaveOnExit_ = false;
+    bool exitAsked_ = false;
 
     CycleState state_;
     Log log_;

@@ -49,11 +49,12 @@ Run::Started Run::StartUp() {
     ReadSettings();
     ports_.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + ports_.clock.Now().Text());
     BringInstallationData();
-    if (!HasDatabase() || !HasTemplates() || !DatabaseOpens()) {
+    if (!HasAllItNeeds()) {
         Form_Unload();
         return Started::CannotGoOn;
     }
     PrepareEntries();
+    ports_.store.Rest();
     log_.Info("frmMonitor:Form_Load: All data should be in database.");
     http_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
@@ -100,6 +101,8 @@ bool Run::HasDatabase() {
     }
     if (ports_.files.Exists(blank)) {
         log_.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
+        // In the file first: a program killed behind the copy would take the new database for the old one at its next start.
+        if (settings_.AllInDB()) settingsFile_.Write(kSettingsSection, "bALLInDB", "False");
         try {
             ports_.files.Copy(blank, database);
         } catch (const std::exception& error) {  // the test of the connection tells that there is no database
@@ -138,12 +141,26 @@ bool Run::DatabaseOpens() {
     return false;
 }
 
-void Run::PrepareEntries() {
-    for (const std::string& column : MissingColumns(ports_.store, options_.dir)) {
-        const std::string problem = "the database has no column " + column + ". Checks go on without it as far as they can.";
+bool Run::HasAllItNeeds() {
+    try {
+        return HasDatabase() && HasTemplates() && DatabaseOpens();
+    } catch (const std::exception& error) {  // a folder that cannot even be looked at
+        ports_.person.ShowMessage("Korvane", error.what());
+        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
+        return false;
+    }
+}
+
+void Run::NameMissingColumns() {
+    for (const std::string& missing : MissingColumns(ports_.store, options_.dir)) {
+        const std::string problem = "the database lacks " + missing + ". Checks go on without it as far as they can.";
         log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
         status_.setStatusMSG(problem);
     }
+}
+
+void Run::PrepareEntries() {
+    IgnoreErrors([&] { NameMissingColumns(); });
     ImportEntriesOnce({ports_.events, ports_.person, log_, status_, collection_, entries_, settings_});
     IgnoreErrors([&] { MendBlankTimes(); });
 }

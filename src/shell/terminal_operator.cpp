@@ -12,6 +12,10 @@ namespace {
 std::string Printable(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    for (std::size_t at = text.find('\xC2'); at != std::string::npos; at = text.find('\xC2', at + 1)) {
+        const bool control = at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;  // U+0080 to U+009F
+        if (control) text.replace(at, 2, "  ");
+    }
     return text;
 }
 

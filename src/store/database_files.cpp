@@ -76,7 +76,11 @@ bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::stri
             errorText = "The database file (" + DatabasePath(dir) + ")does not exist.";
             return false;
         }
-        OpenDatabase(store, dir)->Close();
+        const auto connection = OpenDatabase(store, dir);
+        const auto none = store.NewRecordset();  // a database of something else opens too
+        none->Open("SELECT * from servers where id < 0", *connection, CursorType::Keyset, LockType::Optimistic);
+        none->Close();
+        connection->Close();
         return true;
     } catch (const Error& error) {
         errorText = std::to_string(error.Number()) + " Desc: " + error.what();

@@ -3,9 +3,10 @@
 namespace korvane {
 namespace {
 
-// The first save carries the entries into the tables, the second the mark into the file.
+// The first save carries the entries into the tables, the second the mark into the file. Without the mark the next start tries again.
 void SaveAndMarkImported(const ImportPorts& ports) {
     ports.settings.cmdSave();
+    if (ports.entries.StoreRefused()) return;
     ports.collection.setKvSettingsColValue("bAllInDB", "True");
     ports.settings.cmdSave();
     ports.person.RefreshURLList();

@@ -21,8 +21,8 @@ struct ImportPorts {
     Settings& settings;
 };
 
-/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the settings file. Entries that
-/// could not be stored are in the log; their sections stay in the settings file. Raises nothing.
+/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the settings file, unless the
+/// database refused to store something: then the next start tries again. Entries that could not be stored are in the log; their sections stay in the settings file. Raises nothing.
 void ImportEntriesOnce(const ImportPorts& ports);
 
 }  // namespace korvane

@@ -2,8 +2,6 @@
 
 #include "base/text.h"
 
-#include "base/text.h"
-
 namespace korvane {
 namespace {
 

@@ -48,6 +48,7 @@ void ServerEntries::SaveChangedEntries(int count, bool allInDB) {
     // Cleared first: what is marked while events run below belongs to the next Save.
     changedIndex_ = kNoServerEntry;
     rulesChanged_ = false;
+    storeRefused_ = false;
     WriteSections(numbers, withRules);
     if (!allInDB) WriteTables(numbers, withRules);
 }
@@ -67,6 +68,7 @@ void ServerEntries::WriteTables(const std::vector<int>& numbers, bool withRules)
         connection->SetConnectionString(OleDbConnectionText(dir_));
         connection->Open();
     } catch (const Error& error) {
+        storeRefused_ = true;
         SayFailure("Save: the old entries were not stored: ", error.what());
         return;
     }
@@ -76,6 +78,9 @@ void ServerEntries::WriteTables(const std::vector<int>& numbers, bool withRules)
             SaveDBServerDATA(n, *connection);
             if (withRules) SaveDBServerDATAFailCommands(n, *connection);
         } catch (const Error& error) {
+            const bool entryIsBad = dynamic_cast<const TypeMismatchError*>(&error) != nullptr ||
+                                    dynamic_cast<const OverflowError*>(&error) != nullptr;
+            storeRefused_ = storeRefused_ || !entryIsBad;
             SayFailure("Save: entry " + std::to_string(n) + " (" + Entry(n).strDesc + ", " + Entry(n).strAddress_IP +
                            ") was not stored: ",
                        error.what());

@@ -66,6 +66,10 @@ public:
     /// and the next one follows. Clears the marks. Raises nothing.
     void SaveChangedEntries(int count, bool allInDB);
 
+    /// Whether the database refused something in the latest SaveChangedEntries that it may take another time: it was locked, or its disk
+    /// full. An entry that makes no sense in itself does not count.
+    bool StoreRefused() const { return storeRefused_; }
+
     /// The entries in memory; number n stands at n - 1.
     const std::vector<ServerEntry>& Entries() const { return entries_; }
 
@@ -81,6 +85,7 @@ private:
     std::vector<ServerEntry> entries_;
     int changedIndex_ = kNoServerEntry;
     bool rulesChanged_ = false;
+    bool storeRefused_ = false;
 };
 
 }  // namespace korvane

@@ -40,6 +40,9 @@ TEST(DateTimeText, MonthEndsAndLeapDaysFollowTheCalendar) {
     EXPECT_EQ((DateTime::Of(2026, 2, 28, 23, 59, 59) + std::chrono::seconds(1)).DateText(), "3/1/2026");
     EXPECT_EQ((DateTime::Of(2027, 1, 1) - std::chrono::seconds(1)).Text(), "12/31/2026 11:59:59 PM");
     EXPECT_THROW(DateTime::Of(2026, 2, 29), Error);
+    EXPECT_THROW(DateTime::Last() + std::chrono::seconds(1), OverflowError);
+    EXPECT_THROW(DateTime() + std::chrono::seconds::max(), OverflowError);
+    EXPECT_THROW(DateTime() - std::chrono::seconds::max(), OverflowError);
 }
 
 TEST(ParseDateTime, ReadsWhatPeopleTypeAndRefusesTheRest) {

@@ -246,6 +246,8 @@ TEST(Cycle, GoesOnAfterStoreErrorsAtEveryOperation) {
                 engine.RunFor(15min);
                 const Row row = engine.database.Server(id);
                 const auto checks = row.at("nSuccess").Int64() + row.at("nFail").Int64();
+                EXPECT_EQ(row.at("nFail"), Value(engine.database.Count("Failures")))
+                    << static_cast<int>(operation) << " nth " << nth;
                 EXPECT_GE(checks, 2) << static_cast<int>(operation) << " nth " << nth << " answers " << answers;
             }
         }

@@ -102,7 +102,7 @@ struct EngineWorld {
     HttpRequester http{{settings, world.events, world.clock, person, *TimerProgress}};
     TcpChecker tcp{{socket, world.events, world.clock, person, status, conversation}};
     PingChecker ping{{echo, world.clock, person, status, log}};
-    OutcomeAccounting accounting{{store, world.clock, world.events, person, sound, status, settings, ids, actions}};
+    OutcomeAccounting accounting{{store, world.clock, world.events, person, sound, status, log, settings, ids, actions}};
     MonitorCycle cycle{{store, world.clock, world.events, person, status, log, settings, http, tcp, ping, accounting, reports,
                         state, database.DriverString()}};
 };

@@ -115,6 +115,10 @@ TEST(Accounting, ChoosesTheNextCheck) {
         EXPECT_GE(account.UntilNext(), seconds(c.earliest));
         EXPECT_LE(account.UntilNext(), seconds(c.latest));
     }
+    Account never;
+    never.engine.database.Change("Servers", never.id, {{"nIntervalSeconds", std::int64_t{300000000000}}});
+    never.Check(true);
+    EXPECT_EQ(never.row.at("dtNextCheck"), Value(DateTime::Last()));
     Account clamped({.nIntervalSeconds = 0});
     clamped.Check(true);
     EXPECT_EQ(clamped.row.at("nIntervalSeconds"), Value(15000));
@@ -181,6 +185,7 @@ TEST(Accounting, FailureEndsAtTheStepThatCannotBeDone) {
     account.engine.store.faults.Add({.operation = StoreOperation::Update, .about = "Failures", .description = "disk full"});
     account.Check(false);
     EXPECT_TRUE(account.engine.person.Said("DoFailure: Error: disk full"));
+    EXPECT_TRUE(account.engine.Logged("DoFailure: Error: disk full"));
     EXPECT_EQ(account.Status(), "Failing");
 }
 

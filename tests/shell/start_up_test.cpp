@@ -187,6 +187,28 @@ TEST(StartUp, ADatabaseOfAnotherKindEndsItAndStaysUntouched) {
     }
 }
 
+TEST(StartUp, AnSqliteDatabaseOfSomethingElseIsRefused) {
+    const Home home;
+    ASSERT_EQ(std::system(("sqlite3 '" + (home / "kvdata2.mdb").string() + "' 'CREATE TABLE diary (entry)'").c_str()), 0);
+    Program program(home);
+    EXPECT_EQ(program.run.StartUp(), Run::Started::CannotGoOn);
+    EXPECT_TRUE(Holds(home.Log(), "no such table: servers")) << home.Log();
+}
+
+TEST(StartUp, AWishToEndItWaitsUntilNothingIsHalfRead) {
+    const Home home;
+    home.Write("kvurlwatchn.ini", kTwoEntries);
+    Program program(home);
+    bool atOnce = true;
+    program.world.After(0ms, [&] { atOnce = program.run.MayExit(); });
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    EXPECT_FALSE(atOnce);
+    EXPECT_TRUE(program.run.ExitAsked());
+    program.run.mnuExit_Click();
+    EXPECT_TRUE(Holds(ReadAll(home / "kvurlwatchn.ini"), "NumURLs=2"));
+    EXPECT_TRUE(program.run.MayExit());
+}
+
 TEST(StartUp, AnUnreadableSettingsFileIsReportedAndKept) {
     const Home home;
     const std::string content("[Settings]\nServer=\0\0\0", 22);
@@ -212,7 +234,7 @@ TEST(StartUp, NamesAColumnThatAnOlderDatabaseLacksAndGoesOn) {
     Program program(home);
     program.net.Host("10.0.0.1").Echo(3ms);
     ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
-    EXPECT_TRUE(Holds(home.Log(), "the database has no column Servers.nAveSession"));
+    EXPECT_TRUE(Holds(home.Log(), "the database lacks Servers.nAveSession"));
     program.world.RunFor(5s);
     EXPECT_EQ(program.Column(home, "SELECT nSuccess AS v FROM Servers WHERE strDesc = 'ping'"), (std::vector<std::string>{"1"}));
 }
@@ -239,8 +261,8 @@ TEST(Exit, InTheMiddleOfACheckLeavesTheRowAsItWas) {
 TEST(TerminalOperator, PrintsLinesThatCannotHarmTheTerminal) {
     std::ostringstream lines, messages;
     TerminalOperator person(lines, messages);
-    person.StatusLine("3:04:05 PM", "banner \x1B[2J\xC3\xBC");
-    EXPECT_EQ(lines.str(), "3:04:05 PM - banner  [2J\xC3\xBC\n");
+    person.StatusLine("3:04:05 PM", "banner \x1B[2J\xC3\xBC\xC2\x9B");
+    EXPECT_EQ(lines.str(), "3:04:05 PM - banner  [2J\xC3\xBC  \n");
     EXPECT_FALSE(person.AskYesNo("Korvane", "Really?"));
     EXPECT_TRUE(Holds(messages.str(), "Korvane: Really?"));
 }

@@ -177,14 +177,20 @@ TEST_F(ServerEntriesTest, NewUserGetsAFileAndNoEntries) {
     EXPECT_EQ(database.Count("Servers"), 0);
 }
 
-TEST_F(ServerEntriesTest, StoreFailuresInTheImportAreSaidAndPassedOver) {
+TEST_F(ServerEntriesTest, AnImportThatTheStoreRefusesIsTriedAgainAtTheNextStart) {
     PutSettings("NumURLs=2\n[Settings1]\nURL=a.example\nID=1\nTries=3\n[Settings2]\nURL=b.example\nID=2\nTries=3\n");
-    store.faults.Add({.operation = StoreOperation::Update, .description = "database or disk is full"});
+    store.faults.Add({.operation = StoreOperation::Update, .nth = 2, .forever = true, .description = "database or disk is full"});
     LoadedRun run(*this);
     run.Import();
-    EXPECT_EQ(database.Count("Servers"), 1) << "the first entry failed whole, the second is there";
-    EXPECT_EQ(database.Server(2).at("strAddress_IP"), Value("b.example"));
+    EXPECT_EQ(database.Count("Servers"), 1) << "the first entry is there, the second failed whole";
+    EXPECT_EQ(run.file.Read("Settings", "bALLInDB", ""), "False");
     EXPECT_NE(LogText().find("database or disk is full"), std::string::npos);
+    store.faults.Heal();
+    LoadedRun next(*this);
+    next.Import();
+    EXPECT_EQ(database.Count("Servers"), 2);
+    EXPECT_EQ(database.Server(2).at("strAddress_IP"), Value("b.example"));
+    EXPECT_EQ(next.file.Read("Settings", "bALLInDB", ""), "True");
 }
 
 TEST_F(ServerEntriesTest, SaveWritesOnlyMarkedEntries) {

@@ -21,6 +21,8 @@ public:
         connection_->Open();
     }
     void Close() override { connection_->Close(); }
+    void BeginTrans() override { connection_->BeginTrans(); }
+    void CommitTrans() override { connection_->CommitTrans(); }
 
 private:
     std::unique_ptr<Connection> connection_;

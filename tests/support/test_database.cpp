@@ -19,13 +19,6 @@ std::span<const ColumnSchema> ColumnsOf(std::string_view table) {
     return {};
 }
 
-std::optional<ColumnKind> KindBySchema(std::string_view table, std::string_view column) {
-    for (const ColumnSchema& schema : ColumnsOf(table)) {
-        if (EqualsNoCase(schema.name, column)) return schema.kind;
-    }
-    return std::nullopt;
-}
-
 std::string TableOf(const std::string& query) {
     const auto from = ToLower(query).find(" from ");
     if (from == std::string::npos) return "";
@@ -86,7 +79,7 @@ std::vector<std::string> ColumnsIn(Recordset& rs, const std::string& table) {
 TestDatabase::TestDatabase() {
     NeedQtApplication();
     std::filesystem::copy_file(KORVANE_DIST_DIR "/kvempty.mdb", Path());
-    store_ = std::make_unique<QtSqlStore>(KindBySchema, std::chrono::milliseconds(1000));
+    store_ = std::make_unique<QtSqlStore>(KindOfColumn);
 }
 
 std::string TestDatabase::DriverString() const {

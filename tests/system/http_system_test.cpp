@@ -34,7 +34,7 @@ protected:
     }
 
     std::string Address(int port, const std::string& path, const std::string& scheme = "http") const {
-        return scheme + "://localhost:" + std::to_string(port) + path;
+        return scheme + "://127.0.0.1:" + std::to_string(port) + path;
     }
     TimedCheckResult Get(const std::string& url) { return http_.getURLData2({.strURL = url, .nTimeout = 5s}); }
 
@@ -56,7 +56,7 @@ TEST_F(HttpSystem, PagesAndTheirReasons) {
     struct Case {
         std::string url, response, reason;  ///< parts of what comes back; blank means that nothing does
     };
-    const std::string gone = "http://localhost:" + std::to_string(FreePorts(1)[0]) + "/";
+    const std::string gone = "http://127.0.0.1:" + std::to_string(FreePorts(1)[0]) + "/";
     const std::vector<Case> cases = {
         {Address(web_->http, "/page"), "Welcome to Korvane\n", ""},
         {Address(web_->httpAbove, "/page"), "Welcome to Korvane\n", ""},
@@ -123,7 +123,7 @@ TEST_F(HttpSystem, ThroughAProxy) {
     EXPECT_EQ(Get(Address(web_->https, "/page", "https")).response, "Welcome to Korvane\n");
     EXPECT_NE(Get(Address(web_->httpsExpired, "/page", "https")).strReason.find("certificate"), std::string::npos);
     EXPECT_NE(proxy.Log().find("GET " + Address(web_->http, "/page")), std::string::npos) << proxy.Log();
-    EXPECT_NE(proxy.Log().find("CONNECT localhost:" + std::to_string(web_->https)), std::string::npos);
+    EXPECT_NE(proxy.Log().find("CONNECT 127.0.0.1:" + std::to_string(web_->https)), std::string::npos);
 }
 
 }  // namespace

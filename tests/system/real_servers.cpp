@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <sstream>
 #include <stdexcept>
 
@@ -168,6 +169,13 @@ int WebServer::Answers(std::string_view path) const {
 
 ProxyServer::ProxyServer() : server_(Prepare(), folder_, {port}) {}
 
+// It shares memory under its name with nobody, and leaves it behind when it is killed.
+ProxyServer::~ProxyServer() {
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
+        if (entry.path().filename().string().starts_with(name_ + "-")) std::filesystem::remove(entry.path());
+    }
+}
+
 std::vector<std::string> ProxyServer::Prepare() const {
     folder_.Write("squid.conf", "http_port 127.0.0.1:" + std::to_string(port) + R"(
 http_access allow all
@@ -181,7 +189,7 @@ access_log stdio:)" + folder_.Path("access.log") +
 cache_log )" + folder_.Path("output") +
                                     R"(
 coredump_dir )" + folder_.Path() + "\n");
-    return {"squid", "-N", "-f", folder_.Path("squid.conf")};
+    return {"squid", "-N", "-n", name_, "-f", folder_.Path("squid.conf")};
 }
 
 MailServer::MailServer() : server_(Prepare(), folder_, ports) {}

@@ -55,12 +55,14 @@ private:
 class ProxyServer {
 public:
     ProxyServer();
+    ~ProxyServer();
     const int port = FreePorts(1)[0];
     /// One line for each request that went through.
     std::string Log() const { return folder_.Read("access.log"); }
 
 private:
     std::vector<std::string> Prepare() const;
+    const std::string name_ = "korvane" + std::to_string(port);
     PrivateFolder folder_;
     Server server_;
 };

@@ -24,13 +24,11 @@ bool IsBinaryType(std::string_view contentType) {
 }
 
 bool CurlBody::Take(std::string_view piece, std::string_view contentType, std::int64_t expectedSize) {
-    if (bytes_.empty()) {
-        if (IsBinaryType(contentType)) verdict_ = Verdict::Binary;
-        if (expectedSize > 0) bytes_.reserve(std::min(kLargestBody, static_cast<std::size_t>(expectedSize)));
-    }
-    if (piece.find('\0') != std::string_view::npos) verdict_ = Verdict::Binary;
-    if (piece.size() > kLargestBody - bytes_.size()) verdict_ = Verdict::TooLarge;
+    const auto expected = static_cast<std::size_t>(std::max<std::int64_t>(expectedSize, 0));
+    if (expected > kLargestBody || piece.size() > kLargestBody - bytes_.size()) verdict_ = Verdict::TooLarge;
+    if (piece.find('\0') != std::string_view::npos || (bytes_.empty() && IsBinaryType(contentType))) verdict_ = Verdict::Binary;
     if (verdict_ != Verdict::Text) return false;
+    if (bytes_.empty()) bytes_.reserve(expected);
     bytes_ += piece;
     return true;
 }

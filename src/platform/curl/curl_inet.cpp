@@ -15,6 +15,7 @@
 #include "base/text.h"
 #include "platform/curl/curl_body.h"
 #include "platform/curl/curl_pump.h"
+#include "platform/curl/trust_folder.h"
 #include "platform/curl/url_text.h"
 
 namespace korvane {
@@ -44,17 +45,15 @@ struct EasyCleanup {
 // One request as libcurl wants it, and what came back.
 class Exchange {
 public:
-    Exchange(const Inet::Request& request, const CurlInet::Options& options) : easy_(curl_easy_init()) {
+    Exchange(const Inet::Request& request, const CurlInet::Options& options, const std::string& trustFolder)
+        : easy_(curl_easy_init()) {
         if (!easy_) throw std::bad_alloc();
         SetTarget(request);
         SetLimits(request);
         SetPrivacy();
         SetReceivers();
         if (!options.userAgent.empty()) Set(CURLOPT_USERAGENT, options.userAgent.c_str());
-        if (!options.caBundle.empty()) {
-            Set(CURLOPT_CAINFO, options.caBundle.c_str());
-            Set(CURLOPT_CAPATH, nullptr);
-        }
+        SetTrust(options.caBundle, trustFolder);
     }
 
     CURL* Handle() const { return easy_.get(); }
@@ -74,6 +73,8 @@ private:
     }
 
     void SetTarget(const Inet::Request& request) {
+        if (request.RemotePort < 0 || request.RemotePort > 65535)
+            throw Error("Invalid port number: " + std::to_string(request.RemotePort));
         const bool named = request.AccessType == InetAccess::NamedProxy;
         Set(CURLOPT_URL, EncodeUrl(request.URL).c_str());
         Set(CURLOPT_PROXY, named ? request.Proxy.c_str() : "");
@@ -95,7 +96,7 @@ private:
         Set(CURLOPT_REDIR_PROTOCOLS_STR, kWebSchemes);
         Set(CURLOPT_FOLLOWLOCATION, 1L);
         Set(CURLOPT_MAXREDIRS, kRedirects);
-        Set(CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+        Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
         Set(CURLOPT_NOSIGNAL, 1L);
         Set(CURLOPT_QUICK_EXIT, 1L);  // a name server that never answers does not hold up the end of the transfer
     }
@@ -106,9 +107,16 @@ private:
         Set(CURLOPT_FORBID_REUSE, 1L);
         Set(CURLOPT_DNS_CACHE_TIMEOUT, 0L);
         Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
+        Set(CURLOPT_COOKIEFILE, "");  // cookies in memory: sites that set one and redirect would redirect for ever
+    }
+
+    // libcurl's own choice is left alone only where the system has no folder.
+    void SetTrust(const std::string& bundle, const std::string& folder) {
         Set(CURLOPT_SSL_VERIFYPEER, 1L);
         Set(CURLOPT_SSL_VERIFYHOST, 2L);
-        Set(CURLOPT_COOKIEFILE, "");  // cookies in memory: sites that set one and redirect would redirect for ever
+        if (bundle.empty() && folder.empty()) return;
+        Set(CURLOPT_CAINFO, bundle.empty() ? nullptr : bundle.c_str());
+        Set(CURLOPT_CAPATH, bundle.empty() ? folder.c_str() : nullptr);
     }
 
     void SetReceivers() {
@@ -152,13 +160,13 @@ private:
 }  // namespace
 
 CurlInet::CurlInet(Events& events, const Clock& clock, Options options)
-    : events_(events), clock_(clock), options_(std::move(options)) {}
+    : events_(events), clock_(clock), options_(std::move(options)), trustFolder_(SystemTrustFolder()) {}
 
 std::string CurlInet::OpenURL(const Request& request) {
     if (transfer_ != nullptr) throw Error("Still executing last request");
     if (request.RequestTimeout <= std::chrono::seconds::zero()) throw Error("Operation timed out after 0 milliseconds");
     NeedCurl();
-    Exchange exchange(request, options_);
+    Exchange exchange(request, options_, trustFolder_);
     CurlPump pump(events_, clock_, exchange.Handle());
     const Executing executing(transfer_, pump);
     const std::optional<CURLcode> result = pump.Perform();

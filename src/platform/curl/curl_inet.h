@@ -15,8 +15,9 @@ namespace korvane {
 class CurlInet : public Inet {
 public:
     struct Options {
-        std::string caBundle;   ///< file of the certificate authorities to trust instead of the system's; blank for the system's
-        std::string userAgent;  ///< not sent when blank
+        std::string caBundle =
+            {};  ///< file of the certificate authorities to trust instead of the system's; blank for the system's
+        std::string userAgent = {};  ///< not sent when blank
     };
 
     /// `events` and `clock` must outlive this.
@@ -32,6 +33,7 @@ private:
     Events& events_;
     const Clock& clock_;
     const Options options_;
+    const std::string trustFolder_;
     class CurlPump* transfer_ = nullptr;  ///< of the OpenURL on the stack
 };
 

@@ -31,8 +31,10 @@ std::string NameOf(const std::string& path) {
 // A file that is removed again unless it was moved to its place.
 class Sibling {
 public:
-    explicit Sibling(const std::string& path) : path_(FolderOf(path) + "." + NameOf(path) + ".XXXXXX") {
-        file_ = Descriptor(::mkostemp(path_.data(), O_CLOEXEC));
+    // Always the same name: what a program that was killed left behind is taken over by the next write, and passwords do not pile up.
+    explicit Sibling(const std::string& path) : path_(FolderOf(path) + "." + NameOf(path) + ".new") {
+        ::unlink(path_.c_str());
+        file_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     }
     ~Sibling() {
         const int error = errno;  // for whoever is about to report it
@@ -102,7 +104,7 @@ std::string FollowLinks(std::string path) {
         const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
         if (size < 0) return path;
         const std::string to(target.data(), static_cast<std::size_t>(size));
-        path = to.starts_with('/') ? to : FolderOf(path) + to;
+        path = to.starts_with('/') ? to : FolderOf(path).append(to);
     }
     errno = ELOOP;
     ThrowFileError("write", path);

@@ -49,7 +49,7 @@ std::string EchoRequest(std::uint16_t identifier, std::uint16_t sequence, std::s
 
 std::string_view IcmpMessageOf(std::string_view packet) {
     if (packet.size() < kIpHeader || ByteAt(packet, 0) >> 4 != 4 || ByteAt(packet, kIpProtocolAt) != kIpProtocolIcmp) return {};
-    const std::size_t header = (ByteAt(packet, 0) & 0x0FU) * 4;
+    const std::size_t header = std::size_t{4} * (ByteAt(packet, 0) & 0x0FU);
     return header < kIpHeader || header > packet.size() ? std::string_view() : packet.substr(header);
 }
 

@@ -17,7 +17,7 @@
 namespace korvane {
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65536;
 
 bool NoSuchFile(int error) {
     return error == ENOENT || error == ENOTDIR;

@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <random>
 
 #include "platform/linux/icmp_packet.h"
 
@@ -55,9 +54,9 @@ void PassAnswersOnly(const Descriptor& socket) {
 std::uint16_t IdentifierOf(const Descriptor& socket) {
     sockaddr_in address = SocketAddress(INADDR_ANY);
     socklen_t size = sizeof address;
-    ::bind(socket.Number(), reinterpret_cast<const sockaddr*>(&address), size);
-    ::getsockname(socket.Number(), reinterpret_cast<sockaddr*>(&address), &size);
-    return ntohs(address.sin_port);
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    const bool known = ::bind(socket.Number(), generic, size) == 0 && ::getsockname(socket.Number(), generic, &size) == 0;
+    return known ? ntohs(address.sin_port) : 0;
 }
 
 std::string ProgramPath() {
@@ -67,6 +66,8 @@ std::string ProgramPath() {
 }
 
 std::string WhyNot(int error) {
+    const bool forbidden = error == EPERM || error == EACCES || error == EPROTONOSUPPORT;
+    if (!forbidden) return std::string("No ICMP echo can be sent: ") + std::strerror(error) + ".";
     return std::string("The system does not let this user send ICMP echoes (") + std::strerror(error) +
            "). To allow it for every user: sysctl -w net.ipv4.ping_group_range=\"0 2147483647\". To allow it for this program: "
            "setcap "
@@ -119,7 +120,7 @@ bool LinuxIcmpEcho::IcmpCreateFile(std::string& whyNot) {
     raw_ = true;
     if ((socket_ = OpenIcmp(SOCK_RAW))) {
         PassAnswersOnly(socket_);
-        identifier_ = static_cast<std::uint16_t>(std::random_device()());
+        identifier_ = static_cast<std::uint16_t>(::getpid());  // the sequence number tells the echoes of one process apart
         return true;
     }
     whyNot = WhyNot(errno);

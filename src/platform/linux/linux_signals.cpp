@@ -25,12 +25,16 @@ extern "C" void OnSignal(int) {
     errno = saved;
 }
 
+// A signal that whoever started the program made it ignore (nohup, a shell's background) stays ignored.
 void SetHandler(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : kSignals)
-        sigaction(signal, &action, nullptr);
+    for (const int signal : kSignals) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+    }
 }
 
 }  // namespace

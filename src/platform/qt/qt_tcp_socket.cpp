@@ -15,7 +15,7 @@
 namespace korvane {
 namespace {
 
-constexpr qint64 kReadAhead = 64 * 1024;
+constexpr qint64 kReadAhead = 65536;
 
 constexpr int kAlreadyOpen = 10056;
 constexpr int kNotConnected = 10057;

@@ -14,6 +14,16 @@ void QtSqlConnection::Open() {
     if (!session_) session_ = std::make_shared<SqlSession>(path, state_->busyTimeout, state_->kindOf);
 }
 
+void QtSqlConnection::BeginTrans() {
+    if (!session_) throw Error("The connection is not open.");
+    session_->Begin();
+}
+
+void QtSqlConnection::CommitTrans() {
+    if (!session_) throw Error("The connection is not open.");
+    session_->Commit();
+}
+
 // To open a file and to learn its tables costs more than most of what is done with it then.
 std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     const auto kept = std::exchange(state_->kept, nullptr);
@@ -24,7 +34,7 @@ std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
 // Recordsets that still use the session must not get at the file any more, so only one that nobody uses is kept, and only one that works.
 void QtSqlConnection::Close() {
     if (!session_) return;
-    if (session_.use_count() == 1 && session_->IsSound()) {
+    if (session_.use_count() == 1 && session_->IsSound() && !session_->InTransaction()) {
         IgnoreErrors([&] {
             session_->Leave();
             state_->kept = session_;

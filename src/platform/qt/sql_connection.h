@@ -15,6 +15,8 @@ public:
 
     void Open() override;
     void Close() override;
+    void BeginTrans() override;
+    void CommitTrans() override;
 
     /// Nothing while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }

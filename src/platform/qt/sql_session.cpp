@@ -125,6 +125,22 @@ SqlSession::Changed SqlSession::Change(const std::string& sql, const QVariantLis
     return changed;
 }
 
+void SqlSession::Begin() {
+    PrepareForChanges();
+    SelectPrepared("BEGIN IMMEDIATE", {}).finish();
+    inTransaction_ = true;
+}
+
+void SqlSession::Commit() {
+    inTransaction_ = false;
+    try {
+        SelectPrepared("COMMIT", {}).finish();
+    } catch (const Error&) {
+        QSqlQuery(database_).exec(QStringLiteral("ROLLBACK"));
+        throw;
+    }
+}
+
 std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table) {
     auto& columns = columns_[table];
     if (!columns)

@@ -57,6 +57,11 @@ public:
     /// Runs a statement that changes rows, with a value for each "?" in it, as one durable transaction. Throws Error.
     Changed Change(const std::string& sql, const QVariantList& values);
 
+    /// A transaction around several changes; it takes the file for writing at once. Throws Error.
+    void Begin();
+    void Commit();
+    bool InTransaction() const { return inTransaction_; }
+
     /// The columns of a table. Throws Error when there is no such table.
     std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
 
@@ -84,6 +89,7 @@ private:
     std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns_;
     bool open_ = false;
     bool sound_ = true;
+    bool inTransaction_ = false;
     bool readyForChanges_ = false;
 };
 

@@ -101,7 +101,6 @@ TYPED_TEST(TcpSocketContract, ARefusedConnectionIsAnErrorEvent) {
 }
 
 TYPED_TEST(TcpSocketContract, AfterTheRemoteCloseUnreadDataCanStillBeRead) {
-    std::string leftUnread;
     this->socket->SetHandlers({[] {}, [this] { ++this->closes; }, [](int, const std::string&) {}});
     this->Connect(this->bench.Serve({{Kind::Speak, "last words"}, {Kind::Close, ""}}));
     EXPECT_TRUE(this->Reaches(SocketState::Closing));
