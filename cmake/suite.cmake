@@ -6,5 +6,5 @@ function(korvane_suite name)
   target_compile_definitions(test_${name} PRIVATE
     KORVANE_SOURCE_DIR="${CMAKE_SOURCE_DIR}" KORVANE_DIST_DIR="${KORVANE_DIST}")
   add_dependencies(test_${name} korvane_data)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
 endfunction()
