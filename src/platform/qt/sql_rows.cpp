@@ -6,10 +6,35 @@
 
 namespace korvane {
 
+namespace {
+
+// Moments in the stored form become "?", so that a query that differs from the last one in its moment alone is not parsed again.
+QVariantList TakeMoments(std::string& sql) {
+    constexpr std::size_t kQuotedLength = sizeof "'2026-11-21 15:04:05'" - 1;
+    QVariantList moments;
+    for (std::size_t at = sql.find('\''); at != std::string::npos;) {
+        const std::size_t end = sql.find('\'', at + 1);
+        if (end == std::string::npos) break;
+        const std::string text = sql.substr(at + 1, end - at - 1);
+        const bool isMoment = end - at + 1 == kQuotedLength && DateTime::FromStored(text).has_value();
+        if (isMoment) {
+            moments.append(QString::fromStdString(text));
+            sql.replace(at, kQuotedLength, "?");
+        }
+        at = sql.find('\'', isMoment ? at + 1 : end + 1);
+    }
+    return moments;
+}
+
+}  // namespace
+
 KeysetRows::KeysetRows(SqlSession& session, const SelectText& select, SqlTable& table) : table_(table) {
-    QSqlQuery query = session.Select(select.Selecting("`ID`"));
+    std::string sql = select.Selecting("`ID`");
+    const QVariantList moments = sql.find('?') == std::string::npos ? TakeMoments(sql) : QVariantList();
+    QSqlQuery& query = session.SelectPrepared(sql, moments);
     while (session.Next(query))
         keys_.push_back(query.value(0).toLongLong());
+    query.finish();
 }
 
 StaticRows::StaticRows(SqlSession& session, const SelectText& select) {
