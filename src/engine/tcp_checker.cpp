@@ -4,6 +4,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "platform/reply_limit.h"
 #include "platform/wait.h"
 
 namespace korvane {
@@ -12,11 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kWaitStep = 250ms;
-constexpr int kReplyLimitSeconds = 20;
-
-// The reply limit is kept on the clock of the day, which falls back to 0 at midnight: a wait across midnight never expires by it. This
-// second limit, on the clock that only goes forward, keeps a silent server from holding up the monitor for good.
-constexpr auto kReplyWaitEndsAnyway = 15min;
+constexpr auto kReplyLimit = 21s;
 
 // One conversation at a time, even when the socket of the one on the stack has been closed under it.
 class Talking {
@@ -176,11 +173,9 @@ void TcpChecker::SendElement(const std::string& element) {
 }
 
 bool TcpChecker::WaitForTCPText(const std::string& strExpected) {
-    const auto start = RoundHalfEven(ports_.clock.Timer());
-    const auto end = ports_.clock.GetTickCount() + kReplyWaitEndsAnyway;
+    const ReplyLimit limit(ports_.clock, kReplyLimit);
     while (strRecvBuffer_.empty()) {
-        const auto elapsed = RoundHalfEven(ports_.clock.Timer()) - start;
-        if (elapsed > kReplyLimitSeconds || ports_.clock.GetTickCount() >= end) {
+        if (limit.Over()) {
             bTCPTimedOut_ = true;
             strTCPTimeoutText_ = "Server error, timed out while waiting for a response." + strExpected;
             return false;

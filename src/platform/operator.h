@@ -35,6 +35,8 @@ public:
 
     /// Shows the message and waits until it is closed; without a display it goes to standard error and is over at once.
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
+    /// The same for something that went wrong.
+    virtual void ShowError(const std::string& title, const std::string& text) { ShowMessage(title, text); }
     /// Without a display the answer is No.
     virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
 };

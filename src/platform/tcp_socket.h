@@ -2,10 +2,12 @@
 // which the event pump delivers.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace korvane {
 
@@ -31,7 +33,13 @@ public:
         std::function<void()> close;        ///< the other side closed the connection
         /// A connection attempt or a connection failed. `number` is Winsock's: 10060 timed out, 10061 refused, 11001 host not found.
         std::function<void(int number, const std::string& description)> error;
+        std::function<void()> connect = {};  ///< the connection stands; comes before its first dataArrival
+        /// The system took `sent` bytes of what SendData queued; `remaining` are still to go. Never from within SendData.
+        std::function<void(std::size_t sent, std::size_t remaining)> sendProgress = {};
+        std::function<void()> sendComplete = {};  ///< nothing remains; follows the last sendProgress
     };
+
+    static constexpr std::size_t kAll = static_cast<std::size_t>(-1);
 
     virtual ~TcpSocket() = default;
 
@@ -51,15 +59,30 @@ public:
     /// Starts resolving and connecting; names are looked up beside the program, never in its way. Throws Error with
     /// kSocketAddressNotAvailable when there is no network, and when the socket is not closed.
     virtual void Connect() = 0;
+    /// The same after SetRemoteHost and SetRemotePort.
+    void Connect(std::string host, std::int32_t port) {
+        SetRemoteHost(std::move(host));
+        SetRemotePort(port);
+        Connect();
+    }
 
     /// Queues the bytes; throws Error when the socket is not connected.
     virtual void SendData(std::string_view bytes) = 0;
 
-    /// All that has arrived since the last call.
-    virtual std::string GetData() = 0;
+    /// The first `maxLength` bytes of what has arrived and was not taken yet; they stay. What has arrived is bounded (64 KiB or so): the rest waits with the
+    /// other side until some of it is taken.
+    virtual std::string PeekData(std::size_t maxLength = kAll) const = 0;
+
+    /// The same, and takes them.
+    virtual std::string GetData(std::size_t maxLength = kAll) = 0;
 
     /// Drops the connection or the attempt at once. The state is Closed afterwards; no event follows.
     virtual void Close() = 0;
+
+    /// The address of this end of the connection; without one the address that others reach this machine by, as far as it knows, else the loopback's.
+    virtual std::string LocalIP() const = 0;
+    /// The name that this machine has given itself.
+    virtual std::string LocalHostName() const = 0;
 
     void SetHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
 

@@ -69,6 +69,17 @@ VirtualServer& VirtualServer::Greet(ServerGreeting greeting, milliseconds after)
     return *this;
 }
 
+VirtualServer& VirtualServer::Take(milliseconds delay, std::size_t bytes) {
+    Changeable().takeAfter = delay;
+    Changeable().takeAtOnce = bytes;
+    return *this;
+}
+
+VirtualServer& VirtualServer::TakeNothing() {
+    Changeable().takeAfter.reset();
+    return *this;
+}
+
 VirtualServer& VirtualServer::Add(ServerStep step) {
     Changeable().steps.push_back(std::move(step));
     return *this;

@@ -7,7 +7,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,11 @@ public:
     /// The connection breaks.
     VirtualServer& Reset(std::chrono::milliseconds after = std::chrono::milliseconds(0));
 
+    /// How the client's system gets rid of what the client sends: up to `bytes` after each `delay`. Without it, all of it in the next event.
+    VirtualServer& Take(std::chrono::milliseconds delay, std::size_t bytes);
+    /// Never: the window stays shut, though what is sent still reaches the script.
+    VirtualServer& TakeNothing();
+
     /// A step as data.
     VirtualServer& Add(ServerStep step);
 
@@ -62,6 +69,8 @@ public:
     struct Script {
         ServerGreeting greeting = ServerGreeting::Accept;
         std::chrono::milliseconds greetAfter{1};
+        std::optional<std::chrono::milliseconds> takeAfter{std::chrono::milliseconds(0)};
+        std::size_t takeAtOnce = static_cast<std::size_t>(-1);
         std::vector<ServerStep> steps;
     };
     std::shared_ptr<const Script> BeginConnection();

@@ -1,5 +1,6 @@
 #include "support/virtual_tcp_socket.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/error.h"
@@ -24,6 +25,7 @@ bool Expects(const ServerStep& step) {
 
 VirtualTcpSocket::~VirtualTcpSocket() {
     net_.World().Cancel(pending_);
+    net_.World().Cancel(sending_);
 }
 
 void VirtualTcpSocket::SetRemotePort(std::int32_t port) {
@@ -86,7 +88,9 @@ void VirtualTcpSocket::Refused() {
 void VirtualTcpSocket::Accepted() {
     if (remote_->IsDown()) return;
     state_ = SocketState::Connected;
-    BeginStep();
+    const std::shared_ptr<const VirtualServer::Script> script = script_;
+    if (Events().connect) Events().connect();
+    if (script_ == script && state_ == SocketState::Connected) BeginStep();
 }
 
 void VirtualTcpSocket::BeginStep() {
@@ -145,17 +149,36 @@ void VirtualTcpSocket::Fail(int number, const std::string& description) {
 
 void VirtualTcpSocket::SendData(std::string_view bytes) {
     if (state_ != SocketState::Connected) throw Error("The socket is not connected", kNotConnected);
+    if (refusals_ > 0 && refusals_-- > 0) throw Error("The connection was broken", kBroken);
+    queued_ += bytes.size();
+    if (script_->takeAfter) {
+        net_.World().Cancel(sending_);
+        sending_ = net_.World().After(*script_->takeAfter, [this] { TakenBySystem(); });
+    }
     sent_ += bytes;
     const bool speaking = step_ < script_->steps.size() && !Expects(script_->steps[step_]);
     if (!speaking && !remote_->IsDown()) BeginStep();
 }
 
-std::string VirtualTcpSocket::GetData() {
-    return std::exchange(arrived_, {});
+void VirtualTcpSocket::TakenBySystem() {
+    if (state_ != SocketState::Connected || queued_ == 0) return;
+    const std::size_t sent = std::min(queued_, script_->takeAtOnce);
+    queued_ -= sent;
+    if (queued_ > 0) sending_ = net_.World().After(*script_->takeAfter, [this] { TakenBySystem(); });
+    if (Events().sendProgress) Events().sendProgress(sent, queued_);
+    if (queued_ == 0 && state_ == SocketState::Connected && Events().sendComplete) Events().sendComplete();
+}
+
+std::string VirtualTcpSocket::GetData(std::size_t maxLength) {
+    std::string taken = arrived_.substr(0, maxLength);
+    arrived_.erase(0, taken.size());
+    return taken;
 }
 
 void VirtualTcpSocket::Close() {
     net_.World().Cancel(pending_);
+    net_.World().Cancel(sending_);
+    queued_ = 0;
     state_ = SocketState::Closed;
     arrived_.clear();
     sent_.clear();

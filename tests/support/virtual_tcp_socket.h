@@ -27,10 +27,17 @@ public:
     void SetRemotePort(std::int32_t port) override;
     std::int32_t RemotePort() const override { return port_; }
     void SetLocalPort(std::int32_t) override {}
+    using TcpSocket::Connect;
     void Connect() override;
     void SendData(std::string_view bytes) override;
-    std::string GetData() override;
+    std::string PeekData(std::size_t maxLength = kAll) const override { return arrived_.substr(0, maxLength); }
+    std::string GetData(std::size_t maxLength = kAll) override;
     void Close() override;
+    std::string LocalIP() const override { return "10.0.0.100"; }
+    std::string LocalHostName() const override { return "monitor"; }
+
+    /// The next `count` calls of SendData throw.
+    void RefuseToSend(int count) { refusals_ = count; }
 
 private:
     using Stage = void (VirtualTcpSocket::*)();
@@ -43,6 +50,7 @@ private:
     void Knock();
     void Refused();
     void Accepted();
+    void TakenBySystem();
     void BeginStep();
     void EndStep();
     bool TakeLines(const ServerStep& step);
@@ -53,8 +61,10 @@ private:
     SocketState state_ = SocketState::Closed;
     std::string host_;
     std::int32_t port_ = 0;
-    std::string arrived_;  ///< from the server, not yet read
-    std::string sent_;     ///< to the server, not yet taken by its script
+    std::string arrived_;     ///< from the server, not yet read
+    std::string sent_;        ///< to the server, not yet taken by its script
+    std::size_t queued_ = 0;  ///< of what was sent, not yet reported as sent
+    int refusals_ = 0;
 
     // The other side.
     VirtualHost* remote_ = nullptr;
@@ -62,6 +72,7 @@ private:
     std::shared_ptr<const VirtualServer::Script> script_;
     std::size_t step_ = 0;
     EventId pending_;
+    EventId sending_;
 };
 
 }  // namespace korvane

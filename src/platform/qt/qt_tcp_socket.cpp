@@ -1,11 +1,14 @@
 #include "platform/qt/qt_tcp_socket.h"
 
 #include <QHostAddress>
+#include <QHostInfo>
 #include <QList>
 #include <QMetaObject>
+#include <QNetworkInterface>
 #include <QNetworkProxy>
 #include <QObject>
 #include <QTcpSocket>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -45,6 +48,13 @@ int WinsockNumber(QAbstractSocket::SocketError error) {
     return kNetworkDown;
 }
 
+// An IPv4 address as such, also where the system shows it in its IPv6 form.
+std::string PlainAddress(const QHostAddress& address) {
+    bool isV4 = false;
+    const quint32 v4 = address.toIPv4Address(&isV4);
+    return (isV4 ? QHostAddress(v4) : address).toString().toStdString();
+}
+
 struct Failure {
     int number;
     std::string description;
@@ -58,7 +68,8 @@ public:
     explicit Connection(const QtTcpSocket& owner) : owner_(owner) {
         socket_.setProxy(QNetworkProxy::NoProxy);
         socket_.setReadBufferSize(kReadAhead);
-        connect(&socket_, &QTcpSocket::connected, this, [this] { state_ = SocketState::Connected; });
+        connect(&socket_, &QTcpSocket::connected, this, &Connection::OnConnected);
+        connect(&socket_, &QTcpSocket::bytesWritten, this, &Connection::OnBytesWritten);
         connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
         connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
         connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
@@ -85,11 +96,19 @@ public:
 
     void Send(std::string_view bytes) { socket_.write(bytes.data(), static_cast<qint64>(bytes.size())); }
 
-    std::string TakeArrived() {
-        std::string arrived(static_cast<std::size_t>(socket_.bytesAvailable()), '\0');
+    std::string Peek(std::size_t maxLength) {
+        std::string arrived = RoomForArrived(maxLength);
+        if (!arrived.empty()) socket_.peek(arrived.data(), static_cast<qint64>(arrived.size()));
+        return arrived;
+    }
+
+    std::string Take(std::size_t maxLength) {
+        std::string arrived = RoomForArrived(maxLength);
         if (!arrived.empty()) socket_.read(arrived.data(), static_cast<qint64>(arrived.size()));
         return arrived;
     }
+
+    QHostAddress LocalAddress() const { return socket_.localAddress(); }
 
     void Close() {
         ++round_;
@@ -99,6 +118,10 @@ public:
     }
 
 private:
+    std::string RoomForArrived(std::size_t maxLength) const {
+        return std::string(std::min(maxLength, static_cast<std::size_t>(socket_.bytesAvailable())), '\0');
+    }
+
     template <class Action>
     void InNextTurn(Action action) {
         const auto queued = [this, round = round_, action = std::move(action)] {
@@ -149,6 +172,18 @@ private:
         } else if (state_ == SocketState::Connected && error != QAbstractSocket::RemoteHostClosedError) {
             Fail({WinsockNumber(error), LastError()});
         }
+    }
+
+    void OnConnected() {
+        state_ = SocketState::Connected;
+        if (owner_.Events().connect) owner_.Events().connect();
+    }
+
+    void OnBytesWritten(qint64 sent) {
+        const auto round = round_;
+        const auto remaining = static_cast<std::size_t>(socket_.bytesToWrite());
+        if (owner_.Events().sendProgress) owner_.Events().sendProgress(static_cast<std::size_t>(sent), remaining);
+        if (remaining == 0 && round == round_ && owner_.Events().sendComplete) owner_.Events().sendComplete();
     }
 
     void OnDisconnected() {
@@ -227,8 +262,24 @@ void QtTcpSocket::SendData(std::string_view bytes) {
     connection_->Send(bytes);
 }
 
-std::string QtTcpSocket::GetData() {
-    return connection_->TakeArrived();
+std::string QtTcpSocket::PeekData(std::size_t maxLength) const {
+    return connection_->Peek(maxLength);
+}
+
+std::string QtTcpSocket::GetData(std::size_t maxLength) {
+    return connection_->Take(maxLength);
+}
+
+std::string QtTcpSocket::LocalIP() const {
+    if (State() == SocketState::Connected) return PlainAddress(connection_->LocalAddress());
+    for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
+        if (!address.isLoopback() && !address.isLinkLocal()) return PlainAddress(address);
+    }
+    return "127.0.0.1";
+}
+
+std::string QtTcpSocket::LocalHostName() const {
+    return QHostInfo::localHostName().toStdString();
 }
 
 void QtTcpSocket::Close() {

@@ -25,10 +25,14 @@ public:
     void SetRemotePort(std::int32_t port) override;
     std::int32_t RemotePort() const override;
     void SetLocalPort(std::int32_t port) override;
+    using TcpSocket::Connect;
     void Connect() override;
     void SendData(std::string_view bytes) override;
-    std::string GetData() override;
+    std::string PeekData(std::size_t maxLength = kAll) const override;
+    std::string GetData(std::size_t maxLength = kAll) override;
     void Close() override;
+    std::string LocalIP() const override;
+    std::string LocalHostName() const override;
 
 private:
     class Connection;

@@ -1,0 +1,169 @@
+// The conversation of clsEsmtp from its first step to its report. How it logs in is in esmtp_login.cpp, how it sends and waits in
+// esmtp_wire.cpp.
+#include "notify/esmtp.h"
+
+#include <utility>
+
+#include "base/text.h"
+#include "notify/recipients.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kServiceReady = 220;
+constexpr int kDone = 250;
+constexpr int kWillForward = 251;
+constexpr int kStartMailInput = 354;
+
+constexpr std::string_view kNotPositive = "SMTP server did not reply positively to client's command";
+constexpr std::string_view kRefusedMessage = "SMTP server refused to accept/relay email message";
+
+// A server that does not know EHLO says so with one of these.
+bool WantsHelo(int code) {
+    return code == 500 || code == 502 || code == 554;
+}
+
+}  // namespace
+
+clsEsmtp::clsEsmtp(const Ports& ports, TcpSocket& socket)
+    : ports_(ports), sckInternet(socket), message_({ports.files, ports.clock, ports.events, ports.guids}, *this) {
+    ListenToSocket();
+}
+
+clsEsmtp::~clsEsmtp() {
+    sckInternet.SetHandlers({});
+}
+
+void clsEsmtp::Reset() {
+    static_cast<MailProperties&>(*this) = MailProperties();
+    recipients_.clear();
+    strLastData_.clear();
+    popUser_.clear();
+    popPassword_.clear();
+}
+
+bool clsEsmtp::SendMail() {
+    Prepare();
+    if (!Trim(POPhost).empty()) LoginToPop();
+    delivered_ = Connect() && SayHello() && Authenticate() && NameSender() && NameRecipients() && BeginData() && SendMessage() &&
+                 EndData();
+    if (delivered_) Quit();
+    Hangup();
+    if (!delivered_) Report();
+    return delivered_;
+}
+
+void clsEsmtp::Prepare() {
+    ErrorLog.clear();
+    note_.clear();
+    message_.Prepare(handlers_.ReadFileError);
+    if (sckInternet.State() != SocketState::Closed) sckInternet.Close();
+}
+
+bool clsEsmtp::Connect() {
+    phase_ = Phase::Smtp;
+    OpenConnection(SmtpHost, smtpport);
+    Raise(kConnecting);
+    if (GetSmtpReply(kSmtpTries, true) != kServiceReady) {
+        Complain(
+            sckInternet.State() == SocketState::Connected
+                ? "Connected to " + SmtpHost + " but didn't receive the expected 220 response. Received '" + strLastData_ + "'"
+                : "Couldn't connect to " + SmtpHost + ". Are you sure this is the correct name for your server?  Try to ping it");
+        return false;
+    }
+    Raise(kConnected);
+    return true;
+}
+
+bool clsEsmtp::SayHello() {
+    if (!SendLine("EHLO " + sckInternet.LocalIP())) return End("Couldn't send EHLO ");
+    const int code = GetSmtpReply(kSmtpTries, true);
+    if (code == kDone) return true;
+    if (WantsHelo(code)) return SayPlainHello();
+    Complain(kNotPositive);
+    return End("Expected 250. Didn't receive it.");
+}
+
+bool clsEsmtp::SayPlainHello() {
+    if (!SendLine("HELO " + sckInternet.LocalIP())) return End("Couldn't send fallback HELO");
+    if (GetSmtpReply(kSmtpTries, true) == kDone) return true;
+    Complain(kNotPositive);
+    return End("Got 500,502, or 554 and expected 250. Didn't receive it.");
+}
+
+bool clsEsmtp::NameSender() {
+    emailFromAddress = Trim(emailFromAddress);
+    if (emailFromAddress.starts_with('<')) emailFromAddress.erase(0, 1);
+    // Two characters are looked at, so only an address of ">" alone loses it; mail rules of our users know the addresses in this form.
+    if (emailFromAddress == ">") emailFromAddress.clear();
+    emailFromName = Trim(ReplaceAll(emailFromName, "\"", ""));
+    if (emailFromName.empty()) emailFromName = emailFromAddress;
+
+    if (Ask("MAIL FROM:<" + emailFromAddress + ">") == kDone) return true;
+    Complain(kNotPositive);
+    return End("Sent MAIL FROM... Expected 250. Didn't receive it.");
+}
+
+bool clsEsmtp::NameRecipients() {
+    emailTo = ParseRecipients(emailTo, recipients_);
+    for (const std::string& recipient : recipients_) {
+        const int code = Ask("RCPT TO:" + recipient);
+        if (code == kDone || code == kWillForward) continue;
+        Complain(kNotPositive);
+        return End("TO User: Send RCPT TO:... Expected 250 or 251. Didn't receive it.");
+    }
+    return true;
+}
+
+bool clsEsmtp::BeginData() {
+    const int code = Ask("DATA");
+    if (code != kStartMailInput && code != kDone) {
+        Complain(kRefusedMessage);
+        return false;
+    }
+    Raise(kSendingMail);
+    return true;
+}
+
+bool clsEsmtp::SendMessage() {
+    return message_.Send(sckInternet.LocalHostName(), [this](const std::string& piece) { return SendCommand(piece, kSilence); });
+}
+
+bool clsEsmtp::EndData() {
+    if (Ask(".") == kDone) return true;
+    Complain("EOM: " + std::string(kRefusedMessage));
+    return false;
+}
+
+void clsEsmtp::Quit() {
+    Raise(kMailSent);
+    Ask("QUIT");
+}
+
+void clsEsmtp::Hangup() {
+    Raise(kDisconnecting);
+    sckInternet.Close();
+}
+
+void clsEsmtp::Report() {
+    if (!lastReply_.empty()) {
+        if (!lastCommand_.empty()) ErrorLog += "\r\nClient sent: " + lastCommand_ + "\r\n";
+        ErrorLog += "Server replied: " + lastReply_;
+    }
+    ErrorLog += " " + note_;
+}
+
+bool clsEsmtp::End(std::string note) {
+    note_ = std::move(note);
+    return false;
+}
+
+void clsEsmtp::Complain(std::string_view problem) {
+    ErrorLog.append(problem).append("\r\n");
+}
+
+void clsEsmtp::Raise(State state) {
+    if (handlers_.StateChange) handlers_.StateChange(state);
+}
+
+}  // namespace korvane

@@ -1,0 +1,163 @@
+// One mail to one server over one connection: an optional POP login first, then SMTP (RFC 5321) with a login (RFC 4954) where the server offers one.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "notify/mail_message.h"
+#include "notify/smtp_reply.h"
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/files.h"
+#include "platform/guid_source.h"
+#include "platform/tcp_socket.h"
+
+namespace korvane {
+
+/// Meant for one SendMail: made, filled, asked once, dropped. Nothing is queued or tried again.
+class clsEsmtp : public MailProperties {
+public:
+    struct Ports {
+        Files& files;
+        const Clock& clock;
+        Events& events;
+        GuidSource& guids;
+    };
+
+    /// Numbers of StateChange.
+    enum State {
+        kConnecting = 0,
+        kConnected = 1,
+        kAuthorizing = 2,  ///< once for each mechanism tried
+        kSendingMail = 3,
+        kMailSent = 4,
+        kDisconnecting = 5,
+        kDisconnected = 6,  ///< never raised
+        kPopConnecting = 7,
+        kPopConnected = 8,
+        kPopAuthorizing = 9,
+        kPopDisconnecting = 10,
+        kPopDisconnected = 11,
+    };
+
+    /// What the owner may hear of. Each may be empty. They come from inside SendMail.
+    struct Handlers {
+        MailMessage::ReadFileError ReadFileError = {};
+        std::function<void(int State)> StateChange = {};
+        /// The server refused the login. Cancel is true; a handler that has better texts clears it, and the login starts again.
+        std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestPOPLogin = {};
+        std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestESMTPLogin = {};
+        std::function<void(int number, const std::string& Description)> WinsockError = {};
+    };
+
+    /// `sckInternet` is the caller's, and nobody else may use it while this object lives: its events come here.
+    clsEsmtp(const Ports& ports, TcpSocket& sckInternet);
+    ~clsEsmtp();
+    clsEsmtp(const clsEsmtp&) = delete;
+    clsEsmtp& operator=(const clsEsmtp&) = delete;
+
+    void SetHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
+
+    /// Empties every text, sets the ports to 25 and 110. What servers offered so far stays known.
+    void Reset();
+
+    /// True only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may still tell of a login that failed on the
+    /// way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each POP reply, and 60 for each piece that the socket does not
+    /// get rid of. Throws nothing.
+    bool SendMail();
+
+    /// The first four characters of the reply that arrived last.
+    const std::string& strLastData() const { return strLastData_; }
+
+private:
+    enum class Phase { Closed = 0, Smtp = 1, Pop = 2 };
+    static constexpr std::chrono::seconds kSilence{60};  ///< of the socket while it sends
+    static constexpr int kSmtpTries = 30;                ///< of a second each
+    static constexpr int kPopTries = 60;
+
+    enum SendFlag { kSendPending = 0, kSendComplete = 1, kSendProgress = 3, kSendError = -1 };
+    enum ReplyFlag { kNoReply = 0, kSmtpReply = 16, kPopReply = 17, kReplyError = -1 };
+
+    // The conversation, step by step. A step returns whether the next one may follow.
+    void Prepare();
+    void LoginToPop();
+    bool Connect();
+    bool SayHello();
+    bool SayPlainHello();
+    bool Authenticate();
+    bool NameSender();
+    bool NameRecipients();
+    bool BeginData();
+    bool SendMessage();
+    bool EndData();
+    void Quit();
+    void Hangup();
+    void Report();
+
+    // The POP login's own steps.
+    bool ConnectToPop();
+    void AuthorizePop();
+    bool SendPopUser();
+    bool SendPopPassword();
+    bool HasBetterPopLogin();
+    void LeavePop();
+
+    /// How a try to log in ended: what the loop over the mechanisms does next.
+    enum class Attempt { NextMechanism, StartAgain, Over, CannotSend };
+    Attempt TryMechanisms();
+    Attempt TryCramMD5();
+    Attempt TryLogin();
+    Attempt TryPlain();
+    bool HasBetterLogin(std::string_view problem);
+
+    // The wire.
+    void ListenToSocket();
+    void OpenConnection(const std::string& host, std::int32_t port);
+    bool SendCommand(std::string_view text, std::chrono::seconds timeout);
+    bool SendLine(const std::string& line);
+    void WaitUntilSent(std::chrono::seconds timeout);
+    int Ask(const std::string& line);
+    bool AskPop(const std::string& line);
+    int GetSmtpReply(int tries, bool sent);
+    bool GetPopReply(int tries, bool sent);
+    struct Waited {
+        int flag = kNoReply;
+        bool expected = false;
+    };
+    Waited WaitForReply(ReplyFlag expected, std::chrono::seconds limit);
+    bool TakeReply();
+    std::optional<int> ReadSmtpReply(bool& multiLine, int& code);
+    void DataArrival();
+
+    void Raise(State state);
+    void Complain(std::string_view problem);
+    /// Ends the conversation with a note for the report.
+    bool End(std::string note);
+
+    Ports ports_;
+    TcpSocket& sckInternet;
+    Handlers handlers_;
+    MailMessage message_;
+    std::vector<std::string> recipients_;  ///< each in angle brackets
+    AuthMechanisms mechanisms_;
+    Phase phase_ = Phase::Closed;
+    int sendFlag_ = kSendPending;
+    int replyFlag_ = kNoReply;
+    bool delivered_ = false;
+    std::string strLastData_;
+    std::string taken_;        ///< the last reply with its line ends
+    std::string lastReply_;    ///< without the last
+    std::string lastCommand_;  ///< its first line
+    std::string challenge_;    ///< of the last 334
+    std::string note_;         ///< why the conversation ended, for the report
+    std::string popUser_;
+    std::string popPassword_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,210 @@
+#include "notify/mail_message.h"
+
+#include <cstdio>
+#include <optional>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "notify/base64.h"
+#include "notify/recipients.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::string_view kGuidFailed = "00000000";
+constexpr std::string_view kBoundaryMark = "----=_";
+constexpr std::string_view kMixed = "mixed";
+constexpr std::string_view kAlternative = "alternative";
+
+constexpr const char* kDayNames[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+constexpr const char* kMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+constexpr int kFileNotFound = 53;
+constexpr int kFileAccessError = 75;
+
+/// An attachment is encoded in lines of a few bytes each. To look for events after every one of them would cost far more than the encoding.
+constexpr auto kPumpPeriod = 5ms;
+
+std::string Quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string LeftTrimmed(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(' ');
+    return begin == std::string_view::npos ? "" : std::string(text.substr(begin));
+}
+
+/// What stands behind the last dot, with the dot; without any dot the whole path.
+std::string ExtensionOf(const std::string& path) {
+    const std::string extension = LeftTrimmed(path.substr(path.rfind('.') + 1));
+    return extension.empty() ? "" : "." + extension;
+}
+
+std::string BaseNameOf(const std::string& path) {
+    const std::string name = path.substr(path.find_last_of("\\/:") + 1);
+    return name.substr(0, name.rfind('.'));
+}
+
+std::string PartHead(std::string_view type) {
+    return "Content-Type: " + std::string(type) +
+           ";\r\n"
+           "\tcharset=\"us-ascii\"\r\n"
+           "Content-Transfer-Encoding: 7bit\r\n\r\n";
+}
+
+std::string Delimiter(const std::string& boundary) {
+    return "--" + boundary + "\r\n";
+}
+
+std::string MultipartType(std::string_view kind, const std::string& boundary) {
+    return "Content-Type: multipart/" + std::string(kind) + ";\r\n\tboundary=" + Quoted(boundary) + "\r\n";
+}
+
+// No empty line stands before the sentence; readers take it for a broken header and go on.
+std::string MultipartHead(std::string_view kind, const std::string& boundary) {
+    return "MIME-Version: 1.0\r\n" + MultipartType(kind, boundary) + "This is a multi-part Message in MIME format.\r\n\r\n" +
+           Delimiter(boundary);
+}
+
+}  // namespace
+
+std::string NewGuidText(GuidSource& guids) {
+    const std::optional<Guid> guid = guids.CoCreateGuid();
+    if (!guid) return std::string(kGuidFailed);
+    char text[33];
+    const auto& tail = guid->data4;
+    std::snprintf(text, sizeof text, "%08X%04X%04X%02X%02X%02X%02X%02X%02X%02X%02X", guid->data1, guid->data2, guid->data3,
+                  tail[0], tail[1], tail[2], tail[3], tail[4], tail[5], tail[6], tail[7]);
+    return text;
+}
+
+std::string MailDate(DateTime local, DateTime utc, std::string_view zone) {
+    const DateTime when = zone.empty() ? utc : local;
+    const std::chrono::weekday day(
+        std::chrono::sys_days(std::chrono::floor<std::chrono::days>(std::chrono::seconds(when.Seconds()))));
+    char text[40];
+    std::snprintf(text, sizeof text, "%s, %02d %s %04d %02d:%02d:%02d ", kDayNames[day.c_encoding()], when.Day(),
+                  kMonthNames[when.Month() - 1], when.Year(), when.Hour(), when.Minute(), when.Second());
+    return text + std::string(zone.empty() ? "-0000" : zone);
+}
+
+std::string WithoutLineEnds(std::string_view text) {
+    return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\n", " "), "\r", " ");
+}
+
+std::string StuffDots(std::string_view text) {
+    const std::string stuffed = ReplaceAll(text, "\r\n.", "\r\n..");
+    return stuffed.starts_with('.') ? "." + stuffed : stuffed;
+}
+
+int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description) {
+    contents.clear();
+    try {
+        std::optional<std::string> read = files.Read(path);
+        if (!read) throw Error("File not found", kFileNotFound);
+        contents = std::move(*read);
+        return 0;
+    } catch (const Error& error) {
+        description = error.what();
+        return error.Number() != 0 ? error.Number() : kFileAccessError;
+    }
+}
+
+void MailMessage::Prepare(const ReadFileError& failed) {
+    EncodeAttachments(failed);
+    ChooseBoundaries();
+    mail_.plainMessage = StuffDots(mail_.plainMessage);
+    mail_.htmlMessage = StuffDots(mail_.htmlMessage);
+}
+
+void MailMessage::EncodeAttachments(const ReadFileError& failed) {
+    std::erase_if(mail_.AttachFiles, [](const std::string& path) { return LeftTrimmed(path).empty(); });
+    attachments_.clear();
+    auto pumped = ports_.clock.GetTickCount();
+    const auto pump = [&] {
+        if (ports_.clock.GetTickCount() - pumped < kPumpPeriod) return;
+        ports_.events.DoEvents();
+        pumped = ports_.clock.GetTickCount();
+    };
+    const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the list is the owner's
+    for (const std::string& path : paths) {
+        std::string contents;
+        std::string description;
+        const int number = ReadFileBytes(ports_.files, path, contents, description);
+        if (number != 0 && failed) failed(number, description, LeftTrimmed(path));
+        attachments_.push_back({ExtensionOf(path), Base64EncodeLines(contents, pump)});
+    }
+}
+
+void MailMessage::ChooseBoundaries() {
+    const std::string bodies = ToLower(mail_.plainMessage) + "\n" + ToLower(mail_.htmlMessage);
+    do {
+        boundaryOne_ = std::string(kBoundaryMark) + NewGuidText(ports_.guids);
+        boundaryTwo_ = std::string(kBoundaryMark) + NewGuidText(ports_.guids) + "_2";
+    } while (Holds(bodies, ToLower(boundaryOne_)) || Holds(bodies, ToLower(boundaryTwo_)));
+}
+
+bool MailMessage::Send(const std::string& localHostName, const SendPiece& send) const {
+    return SendHeaders(localHostName, send) && SendBody(send);
+}
+
+bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece& send) const {
+    const std::string date = MailDate(ports_.clock.Now(), ports_.clock.UtcNow(), mail_.emailTimeZoneAdjust);
+    const auto line = [&](const std::string& text) { return send(text + "\r\n"); };
+    const auto optional = [&](const char* name, const std::string& value) { return value.empty() || line(name + value); };
+    std::vector<std::string> unused;
+    const std::string replyTo = ParseRecipients(mail_.emailReplyTo, unused);
+
+    return line("From: " + Quoted(mail_.emailFromName) + " <" + mail_.emailFromAddress + ">\r\nTo:" + mail_.emailTo) &&
+           (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                   //
+           optional("Cc: ", mail_.emailCC) &&                                                //
+           line("Subject: " + mail_.subject) &&                                              //
+           line("Date: " + date) &&                                                          //
+           line("Message-ID: <" + NewGuidText(ports_.guids) + "@" + localHostName + ">") &&  //
+           optional("X-Priority: ", mail_.emailXPriority) &&                                 //
+           optional("X-Sender: ", mail_.emailXSender) &&                                     //
+           optional("X-Mailer: ", mail_.emailXMailer);
+}
+
+bool MailMessage::SendBody(const SendPiece& send) const {
+    const bool attached = !mail_.AttachFiles.empty();
+    const bool html = !mail_.htmlMessage.empty();
+    if (!attached && !html) return send("\r\n" + mail_.plainMessage + "\r\n");
+
+    if (!send(attached ? MultipartHead(kMixed, boundaryOne_) : MultipartHead(kAlternative, boundaryTwo_))) return false;
+    if (attached && html && !send(MultipartType(kAlternative, boundaryTwo_) + "\r\n" + Delimiter(boundaryTwo_))) return false;
+    if (!send(TextPiece())) return false;
+    if (html && !send(HtmlPiece())) return false;
+    for (std::size_t i = 0; i < attachments_.size(); ++i) {
+        if (!send(AttachmentPiece(i))) return false;
+    }
+    return true;
+}
+
+// All text is labelled us-ascii, whatever it holds.
+std::string MailMessage::TextPiece() const {
+    const std::string text = PartHead("text/plain") + mail_.plainMessage + "\r\n\r\n";
+    return mail_.htmlMessage.empty() ? text : text + Delimiter(boundaryTwo_);
+}
+
+std::string MailMessage::HtmlPiece() const {
+    return PartHead("text/html") + mail_.htmlMessage + "\r\n\r\n" + Delimiter(boundaryTwo_) + "\r\n";
+}
+
+std::string MailMessage::AttachmentPiece(std::size_t index) const {
+    const Attachment& attachment = attachments_[index];
+    const std::string name = Quoted(BaseNameOf(mail_.AttachFiles[index]) + attachment.extension);
+    return Delimiter(boundaryOne_) +
+           "Content-Type: application/octet-stream;\r\n"
+           "\tname=" +
+           name +
+           "\r\n"
+           "Content-Transfer-Encoding: base64\r\n"
+           "Content-Disposition: attachment;\r\n"
+           "\tfilename=" +
+           name + "\r\n\r\n" + attachment.base64 + "\r\n\r\n";
+}
+
+}  // namespace korvane

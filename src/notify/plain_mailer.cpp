@@ -1,0 +1,182 @@
+#include "notify/plain_mailer.h"
+
+#include <exception>
+#include <utility>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "notify/mail_message.h"
+#include "platform/reply_limit.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kWaitStep = 250ms;
+constexpr auto kReplyLimit = 21s;
+constexpr auto kSilence = 61s;  ///< of the socket while it sends
+
+constexpr const char* kReplyTimedOut = "SMTP service error, timed out while waiting for Email Server Response.";
+constexpr const char* kSendTimedOut = "SMTP service error, timed out while sending the message.";
+
+std::string Mailbox(const std::string& name, const std::string& address) {
+    return "\"" + name + "\" <" + address + ">";
+}
+
+}  // namespace
+
+struct PlainMailer::Mail {
+    std::string server;
+    std::string from;
+    std::string to;
+    std::string headers;  ///< with their line ends
+    std::string body;
+};
+
+PlainMailer::PlainMailer(const Ports& ports, std::int32_t port) : ports_(ports), port_(port) {
+    ports_.socket.SetHandlers({
+        .dataArrival = [this] { reply_ = ToUtf8(ports_.socket.GetData()); },
+        .close = {},
+        .error = {},
+        .sendProgress = [this](std::size_t sent, std::size_t) { sentCount_ += sent; },
+        .sendComplete = [this] { sendComplete_ = true; },
+    });
+}
+
+PlainMailer::~PlainMailer() {
+    ports_.socket.SetHandlers({});
+}
+
+bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::string& strToName, const std::string& strFromName,
+                                const std::string& strFromAddress, const std::string& strSubject, const std::string& strBody,
+                                const std::string& strServer, const std::string& strZone, std::string& strError,
+                                const std::string& /*strExtra*/, const std::string& strBoundary) {
+    strError.clear();
+    error_.clear();
+    ports_.person.SetWaitCursor(true);
+    const std::string from = WithoutLineEnds(strFromAddress);
+    const std::string to = WithoutLineEnds(strToAddress);
+    std::string headers = "From: " + Mailbox(WithoutLineEnds(strFromName), from) + "\r\n" +
+                          "Date: " + MailDate(ports_.clock.Now(), ports_.clock.UtcNow(), strZone) + "\r\n" + "X-Priority: 1\r\n" +
+                          "X-Sender: " + from + "\r\n" + "X-Mailer: Brellix Automated Mailer\r\n" +
+                          "To: " + Mailbox(WithoutLineEnds(strToName), to) + "\r\n" + "Subject: " + WithoutLineEnds(strSubject) +
+                          "\r\n";
+    std::string body = strBody;
+    if (!strBoundary.empty()) {
+        headers += "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"" + strBoundary + "\"\r\n";
+        body += "This is a multi-part message in MIME format.";
+    }
+    const bool sent = Converse({strServer, from, to, headers, StuffDots(body)});
+    if (!sent) GiveUp(strError);
+    ports_.person.SetWaitCursor(false);
+    return sent;
+}
+
+bool PlainMailer::Converse(const Mail& mail) {
+    try {
+        return Connect(mail) &&                                            //
+               Command("HELO " + ports_.socket.LocalHostName(), "250") &&  //
+               NameSender(mail) &&                                         //
+               Command("rcpt to:<" + Trim(mail.to) + ">", "250") &&        //
+               Command("data", "354") &&                                   //
+               SendMessage(mail) &&                                        //
+               Command(".", "250") &&                                      //
+               Quit();
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
+}
+
+bool PlainMailer::Connect(const Mail& mail) {
+    if (ports_.socket.State() != SocketState::Closed) return Fail("The connection of another message is still open.");
+    reply_.clear();
+    ports_.socket.SetLocalPort(0);
+    ports_.socket.SetRemoteHost(mail.server);
+    ports_.socket.SetRemotePort(port_);
+    ports_.socket.SetProtocol(SocketProtocol::Tcp);
+    ports_.status.setStatusMSG("Connect to " + mail.server);
+    ports_.socket.Connect();
+    return WaitForReply("220");
+}
+
+bool PlainMailer::NameSender(const Mail& mail) {
+    ports_.status.setStatusMSG("Connected...");
+    ports_.socket.SendData("mail from:<" + Trim(mail.from) + ">\r\n");
+    ports_.status.setStatusMSG("Sending from " + mail.from + " to " + mail.to);
+    return WaitForReply("250");
+}
+
+bool PlainMailer::Command(const std::string& line, std::string_view expectedCode) {
+    ports_.socket.SendData(line + "\r\n");
+    return WaitForReply(expectedCode);
+}
+
+bool PlainMailer::SendMessage(const Mail& mail) {
+    ports_.socket.SendData(mail.headers + "\r\n");
+    sendComplete_ = false;
+    sentCount_ = 0;
+    ports_.socket.SendData(mail.body + "\r\n");
+    return WaitForSend();
+}
+
+// A mail is sent only when the server has said goodbye.
+bool PlainMailer::Quit() {
+    ports_.socket.SendData("quit\r\n");
+    ports_.status.setStatusMSG("Disconnecting...");
+    if (!WaitForReply("221")) return false;
+    ports_.socket.Close();
+    ports_.status.setStatusMSG("Email send complete...");
+    return true;
+}
+
+// The first three characters of what arrived last count: the first line of several passes, and its other lines stand as the reply
+// to the next command.
+bool PlainMailer::WaitForReply(std::string_view expectedCode) {
+    const ReplyLimit limit(ports_.clock, kReplyLimit);
+    while (reply_.empty()) {
+        if (limit.Over()) {
+            ports_.status.setStatusMSG("Connection...");
+            return Fail(kReplyTimedOut);
+        }
+        ports_.events.WaitForEvent(kWaitStep);
+    }
+    const std::string reply = std::exchange(reply_, {});
+    if (reply.size() <= 2 || reply.starts_with(expectedCode)) return true;
+    Fail("Expected: " + std::string(expectedCode) + " Recieved: " + reply);
+    ports_.status.setStatusMSG(error_);
+    return false;
+}
+
+bool PlainMailer::WaitForSend() {
+    ReplyLimit limit(ports_.clock, kSilence);
+    std::size_t noted = sentCount_;
+    while (!sendComplete_) {
+        if (sentCount_ > noted) {
+            noted = sentCount_;
+            limit.Restart();
+        }
+        if (limit.Over()) {
+            ports_.status.setStatusMSG(kSendTimedOut);
+            reply_.clear();
+            return Fail(kSendTimedOut);
+        }
+        ports_.events.WaitForEvent(kWaitStep);
+    }
+    reply_.clear();
+    return true;
+}
+
+bool PlainMailer::Fail(const std::string& error) {
+    error_ = error;
+    return false;
+}
+
+void PlainMailer::GiveUp(std::string& strError) {
+    ports_.socket.Close();
+    ports_.log.WriteLog(kLogOrdinary, kLogError, "SendPlainMail: " + error_);
+    ports_.status.setStatusMSG(error_);
+    strError = error_;
+}
+
+}  // namespace korvane

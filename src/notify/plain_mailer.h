@@ -1,0 +1,68 @@
+// The older way to send a mail: SMTP (RFC 5321) without a login, one reply for each command. It serves every server that has no login name,
+// which is the ordinary case. Its order of headers, the case of its commands and its limits are its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/operator.h"
+#include "platform/tcp_socket.h"
+#include "store/log.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+class PlainMailer {
+public:
+    struct Ports {
+        TcpSocket& socket;  ///< of this mailer alone; it takes the socket's events
+        const Clock& clock;
+        Events& events;
+        Operator& person;
+        StatusLog& status;
+        Log& log;
+    };
+
+    /// `port` is 25 but for tests.
+    explicit PlainMailer(const Ports& ports, std::int32_t port = 25);
+    ~PlainMailer();
+    PlainMailer(const PlainMailer&) = delete;
+    PlainMailer& operator=(const PlainMailer&) = delete;
+
+    /// Whether the server took the mail; if not, `strError` tells why. Line ends in addresses, names and subject become blanks. With `strBoundary` not blank the
+    /// headers of a multipart are added and its sentence put behind the body. Waits through the event pump, up to 21 seconds
+    /// for each reply and 61 for each piece of the body. One mail at a time.
+    bool SendPlainMail(const std::string& strToAddress, const std::string& strToName, const std::string& strFromName,
+                       const std::string& strFromAddress, const std::string& strSubject, const std::string& strBody,
+                       const std::string& strServer, const std::string& strZone, std::string& strError,
+                       const std::string& strExtra, const std::string& strBoundary);
+
+private:
+    struct Mail;
+
+    // The conversation, step by step. A step returns whether the next one may follow.
+    bool Converse(const Mail& mail);
+    bool Connect(const Mail& mail);
+    bool NameSender(const Mail& mail);
+    bool SendMessage(const Mail& mail);
+    bool Quit();
+
+    bool Command(const std::string& line, std::string_view expectedCode);
+    bool WaitForReply(std::string_view expectedCode);
+    bool WaitForSend();
+    bool Fail(const std::string& error);
+    void GiveUp(std::string& strError);
+
+    Ports ports_;
+    std::int32_t port_;
+    std::string reply_;
+    std::string error_;
+    bool sendComplete_ = false;
+    std::size_t sentCount_ = 0;
+};
+
+}  // namespace korvane

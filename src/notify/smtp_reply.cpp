@@ -1,0 +1,73 @@
+#include "notify/smtp_reply.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+// As they stand at the head of a reply. A code is known by its three digits alone, with a blank behind, and with a CR in front.
+constexpr std::array<std::string_view, 27> kSmtpCodes = {"220", "221", "235", "250", "251", "334", "354", "421", "432",
+                                                         "450", "451", "452", "454", "500", "501", "502", "503", "504",
+                                                         "530", "534", "535", "538", "550", "551", "552", "553", "554"};
+constexpr std::array<std::string_view, 4> kPopWords = {"+OK", "+OK ", "\r+OK", "-ERR"};
+
+constexpr char kLineMark = '\xFF';
+
+template <class Words>
+bool IsOneOf(const Words& words, std::string_view text) {
+    return std::find(words.begin(), words.end(), text) != words.end();
+}
+
+bool IsSmtpWord(std::string_view text) {
+    if (text == "220-" || text == "250-") return true;
+    if (text.size() == 4 && text.ends_with(' ')) text.remove_suffix(1);
+    if (text.size() == 4 && text.starts_with('\r')) text.remove_prefix(1);
+    return IsOneOf(kSmtpCodes, text);
+}
+
+bool IsWord(std::string_view word, std::string_view lowerCase) {
+    return ToLower(word) == lowerCase;
+}
+
+}  // namespace
+
+ReplyKind KindOfReply(std::string_view firstFour) {
+    if (IsSmtpWord(firstFour)) return ReplyKind::Smtp;
+    return IsOneOf(kPopWords, firstFour) ? ReplyKind::Pop : ReplyKind::Unknown;
+}
+
+int ReplyCode(std::string_view firstFour) {
+    const std::size_t begin = firstFour.find_first_not_of(" \t\r\n");
+    int code = 0;
+    for (const char digit : firstFour.substr(std::min(begin, firstFour.size()))) {
+        if (digit < '0' || digit > '9') break;
+        code = code * 10 + (digit - '0');
+    }
+    return code;
+}
+
+void ParseAuthMechanisms(std::string_view text, AuthMechanisms& mechanisms) {
+    for (const std::string& line : Split(ReplaceAll(text, "\r\n", std::string(1, kLineMark)), kLineMark)) {
+        if (line.size() < 9 || !IsWord(std::string_view(line).substr(4, 5), "auth ")) continue;
+        for (const std::string& word : Split(line.substr(5), ' ')) {
+            mechanisms.cramMD5 |= IsWord(word, "cram-md5");
+            mechanisms.login |= IsWord(word, "login");
+            mechanisms.plain |= IsWord(word, "plain");
+        }
+    }
+}
+
+WholeReply FindReply(std::string_view arrived) {
+    const std::size_t end = arrived.rfind("\r\n");
+    if (end == std::string_view::npos) return {};
+    return {.length = end + 2, .text = std::string(arrived.substr(0, end))};
+}
+
+bool HoldsLastLine(std::string_view text, std::string_view code) {
+    return Holds(text, "\r\n" + std::string(code) + " ");
+}
+
+}  // namespace korvane

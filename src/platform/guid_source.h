@@ -1,0 +1,26 @@
+// Port: identifiers that no other machine and no other moment has.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace korvane {
+
+/// The fields of a GUID (RFC 9562, section 5).
+struct Guid {
+    std::uint32_t data1 = 0;
+    std::uint16_t data2 = 0;
+    std::uint16_t data3 = 0;
+    std::array<std::uint8_t, 8> data4{};
+};
+
+class GuidSource {
+public:
+    virtual ~GuidSource() = default;
+
+    /// A new random one (version 4). Nothing when the system gives no random bytes.
+    virtual std::optional<Guid> CoCreateGuid() = 0;
+};
+
+}  // namespace korvane
