@@ -89,7 +89,9 @@ bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string
 
 bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
                             std::string& strError) {
-    const std::vector<std::string> recipients = Split(everybody, ';');
+    std::vector<std::string> recipients = Split(everybody, ';');
+    std::erase_if(recipients, [](const std::string& recipient) { return Trim(recipient).empty(); });
+    if (recipients.empty()) strError = "There is no recipient.";
     SetProgress(0);
     for (std::size_t i = 0; i < recipients.size(); ++i) {
         const std::string recipient = Trim(recipients[i]);
@@ -101,7 +103,7 @@ bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everyb
         if (recipient != options_.contactAddress) ports_.status.setStatusMSG(strTo1 + " sent successfully.");
         SetProgress(static_cast<int>((i + 1) * kProgressMax / recipients.size()));
     }
-    return true;
+    return !recipients.empty();
 }
 
 // A login exists only in clsEsmtp; a server without one always goes through the plain mailer.

@@ -12,6 +12,9 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
+/// Midnight is no event: a wait looks for it this often.
+constexpr milliseconds kLookAgain{1000};
+
 // Until `moment` on the clock of the day, and never nothing, so that a wait comes to its end.
 milliseconds Until(double moment, double now) {
     return std::max(milliseconds(1), milliseconds(static_cast<std::int64_t>(std::ceil((moment - now) * 1000))));
@@ -83,7 +86,7 @@ void clsEsmtp::WaitUntilSent(seconds timeout) {
         if (sendFlag_ == kSendProgress || now < start) start = now;  // it goes on; or midnight has passed
         if (sendFlag_ == kSendProgress) sendFlag_ = kSendPending;
         if (now - start > limit) return;
-        ports_.events.WaitForEvent(Until(start + limit, now));
+        ports_.events.WaitForEvent(std::min(Until(start + limit, now), kLookAgain));
     }
 }
 

@@ -8,11 +8,12 @@
 namespace korvane {
 namespace {
 
-// As they stand at the head of a reply. A code is known by its three digits alone, with a blank behind, and with a CR in front.
+// As they stand at the head of a reply. A code is known by its three digits alone (its line may end there), with a blank behind, and with a CR
+// in front.
 constexpr std::array<std::string_view, 27> kSmtpCodes = {"220", "221", "235", "250", "251", "334", "354", "421", "432",
                                                          "450", "451", "452", "454", "500", "501", "502", "503", "504",
                                                          "530", "534", "535", "538", "550", "551", "552", "553", "554"};
-constexpr std::array<std::string_view, 4> kPopWords = {"+OK", "+OK ", "\r+OK", "-ERR"};
+constexpr std::array<std::string_view, 5> kPopWords = {"+OK", "+OK ", "+OK\r", "\r+OK", "-ERR"};
 
 constexpr char kLineMark = '\xFF';
 
@@ -23,7 +24,7 @@ bool IsOneOf(const Words& words, std::string_view text) {
 
 bool IsSmtpWord(std::string_view text) {
     if (text == "220-" || text == "250-") return true;
-    if (text.size() == 4 && text.ends_with(' ')) text.remove_suffix(1);
+    if (text.size() == 4 && (text.ends_with(' ') || text.ends_with('\r'))) text.remove_suffix(1);
     if (text.size() == 4 && text.starts_with('\r')) text.remove_prefix(1);
     return IsOneOf(kSmtpCodes, text);
 }

@@ -39,6 +39,10 @@ VirtualServer& VirtualServer::OnLine(std::string line, std::string answer, milli
     return Expect(std::move(line)).Speak(std::move(answer), after);
 }
 
+VirtualServer& VirtualServer::Answer(std::function<std::string(const std::string&)> answer) {
+    return Add({Kind::Answer, "", milliseconds(1), std::move(answer)});
+}
+
 VirtualServer& VirtualServer::Close(milliseconds after) {
     return Add({Kind::Close, "", after});
 }

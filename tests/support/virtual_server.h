@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,10 +18,11 @@ namespace korvane {
 
 /// One step of a conversation. `after` counts from the end of the step before.
 struct ServerStep {
-    enum class Kind { Speak, Expect, ExpectUpTo, ExpectAny, Close, Reset };
+    enum class Kind { Speak, Expect, ExpectUpTo, ExpectAny, Answer, Close, Reset };
     Kind kind;
     std::string text = {};
     std::chrono::milliseconds after{0};
+    std::function<std::string(const std::string& line)> answer = {};  ///< of Answer
 };
 
 enum class ServerGreeting { Accept, Refuse, Silent };
@@ -42,6 +44,8 @@ public:
     VirtualServer& ExpectUpTo(std::string line);
     /// Expect, then Speak.
     VirtualServer& OnLine(std::string line, std::string answer, std::chrono::milliseconds after = std::chrono::milliseconds(1));
+    /// From here on each line is answered, 1 ms later, with what the function makes of it; blank is no answer.
+    VirtualServer& Answer(std::function<std::string(const std::string& line)> answer);
     /// Orderly end by the server; what was sent before can still be read.
     VirtualServer& Close(std::chrono::milliseconds after = std::chrono::milliseconds(0));
     /// The connection breaks.

@@ -18,7 +18,8 @@ constexpr int kRefused = 10061;
 constexpr int kHostNotFound = 11001;
 
 bool Expects(const ServerStep& step) {
-    return step.kind == Kind::Expect || step.kind == Kind::ExpectUpTo || step.kind == Kind::ExpectAny;
+    return step.kind == Kind::Expect || step.kind == Kind::ExpectUpTo || step.kind == Kind::ExpectAny ||
+           step.kind == Kind::Answer;
 }
 
 }  // namespace
@@ -96,12 +97,28 @@ void VirtualTcpSocket::Accepted() {
 void VirtualTcpSocket::BeginStep() {
     while (step_ < script_->steps.size()) {
         const ServerStep& step = script_->steps[step_];
+        if (step.kind == Kind::Answer) return AnswerLines(step);
         if (!Expects(step)) return Next(step.after, &VirtualTcpSocket::EndStep);
         if (!TakeLines(step)) return;
         ++step_;
     }
     while (const auto line = TakeLine())
         server_->NoteLine(*line);
+}
+
+void VirtualTcpSocket::AnswerLines(const ServerStep& step) {
+    const bool speaking = !answers_.empty();
+    while (const auto line = TakeLine()) {
+        server_->NoteLine(*line);
+        answers_ += step.answer(*line);
+    }
+    if (!speaking && !answers_.empty()) Next(step.after, &VirtualTcpSocket::SpeakAnswers);
+}
+
+void VirtualTcpSocket::SpeakAnswers() {
+    if (remote_->IsDown()) return;
+    arrived_ += std::exchange(answers_, {});
+    if (Events().dataArrival) Events().dataArrival();
 }
 
 // One step that the server does on its own. The handler comes last: it may close the socket and connect it again.
@@ -179,6 +196,7 @@ void VirtualTcpSocket::Close() {
     net_.World().Cancel(pending_);
     net_.World().Cancel(sending_);
     queued_ = 0;
+    answers_.clear();
     state_ = SocketState::Closed;
     arrived_.clear();
     sent_.clear();

@@ -53,6 +53,8 @@ private:
     void TakenBySystem();
     void BeginStep();
     void EndStep();
+    void AnswerLines(const ServerStep& step);
+    void SpeakAnswers();
     bool TakeLines(const ServerStep& step);
     std::optional<std::string> TakeLine();
     void Fail(int number, const std::string& description);
@@ -64,6 +66,7 @@ private:
     std::string arrived_;     ///< from the server, not yet read
     std::string sent_;        ///< to the server, not yet taken by its script
     std::size_t queued_ = 0;  ///< of what was sent, not yet reported as sent
+    std::string answers_;     ///< of the server, on their way
     int refusals_ = 0;
 
     // The other side.
