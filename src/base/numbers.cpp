@@ -62,7 +62,9 @@ std::string FormatFixed(double number, int decimals) {
     constexpr double kHalfTolerance = 1e-14;
     const double scale = std::pow(10.0, decimals);
     const double scaled = number * scale;
-    const double rounded = std::round(scaled + scaled * kHalfTolerance) / scale;
+    const double nudged = scaled + scaled * kHalfTolerance;
+    const bool tooLarge = !std::isfinite(nudged);  // and then far beyond any decimals
+    const double rounded = tooLarge ? number : std::round(nudged) / scale;
     char buffer[400];
     const auto end =
         std::to_chars(buffer, buffer + sizeof buffer, rounded == 0 ? 0.0 : rounded, std::chars_format::fixed, decimals);

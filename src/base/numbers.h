@@ -16,7 +16,7 @@ std::int16_t CheckedInt16(std::int64_t number);
 std::int32_t CheckedInt32(std::int64_t number);
 
 /// Text as a number: optional blanks around, sign, decimals with ".", exponent. Throws TypeMismatchError for anything else, the
-/// empty text included.
+/// empty text included, and OverflowError for a number beyond what a double holds.
 double ParseNumber(std::string_view text);
 
 /// As ParseNumber, rounded half to even; whole decimal texts are exact over all 64 bits.

@@ -36,7 +36,7 @@ struct PlainMailer::Mail {
 
 PlainMailer::PlainMailer(const Ports& ports, std::int32_t port) : ports_(ports), port_(port) {
     ports_.socket.SetHandlers({
-        .dataArrival = [this] { reply_ = ToUtf8(ports_.socket.GetData()); },
+        .dataArrival = [this] { reply_ += ToUtf8(ports_.socket.GetData()); },
         .close = {},
         .error = {},
         .sendProgress = [this](std::size_t sent, std::size_t) { sentCount_ += sent; },
@@ -130,8 +130,8 @@ bool PlainMailer::Quit() {
     return true;
 }
 
-// The first three characters of what arrived last count: the first line of several passes, and its other lines stand as the reply
-// to the next command.
+// The first three characters of what has arrived since the last look count: the first line of several passes, and the lines that come later
+// stand as the reply to the next command.
 bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     const ReplyLimit limit(ports_.clock, kReplyLimit);
     while (reply_.empty()) {

@@ -7,10 +7,13 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+// A CR is one whose LF has been cut off with the end of the file.
+constexpr std::string_view kBlanks = " \t\r";
+
 std::string_view TrimView(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t");
+    const auto first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::size_t LineEndBytes(std::string_view line) {

@@ -1,6 +1,8 @@
 // What the conversations rely on in every TCP socket: the states in their order, arrivals, both ends of closing, and what is refused.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "base/error.h"
 #include "platform/contract/benches.h"
 #include "platform/wait.h"
@@ -157,6 +159,47 @@ TYPED_TEST(TcpSocketContract, ABrokenConnectionIsNoLongerConnected) {
     EXPECT_THROW(this->socket->SendData("x"), Error);
     this->socket->Close();
     EXPECT_EQ(this->socket->State(), SocketState::Closed);
+}
+
+TYPED_TEST(TcpSocketContract, AReaderMayLookBeforeItTakes) {
+    this->socket->SetHandlers({[this] { ++this->arrivals; }, {}, {}});
+    this->Connect(this->bench.Serve({{Kind::Speak, "220 ready\r\n"}}));
+    EXPECT_TRUE(WaitFor(this->bench.events, this->bench.clock, kAmple, [this] { return this->socket->PeekData().size() == 11; }));
+    EXPECT_EQ(this->socket->PeekData(4), "220 ");
+    EXPECT_EQ(this->socket->PeekData(100), "220 ready\r\n");
+    EXPECT_EQ(this->socket->GetData(4), "220 ");
+    EXPECT_EQ(this->socket->GetData(), "ready\r\n");
+    EXPECT_EQ(this->socket->PeekData(), "");
+    EXPECT_EQ(this->arrivals, 1);
+}
+
+TYPED_TEST(TcpSocketContract, WhatIsSentIsReportedUntilNothingRemains) {
+    std::vector<std::string> events;
+    std::size_t sent = 0;
+    std::size_t remaining = 1;
+    this->socket->SetHandlers({.dataArrival = [&] { events.push_back("arrival"); },
+                               .close = {},
+                               .error = {},
+                               .connect = [&] { events.push_back("connect"); },
+                               .sendProgress =
+                                   [&](std::size_t bytes, std::size_t left) {
+                                       sent += bytes;
+                                       remaining = left;
+                                   },
+                               .sendComplete = [&] { events.push_back("complete"); }});
+    const std::string much(3'000'000, 'x');
+    this->Connect(this->bench.Serve({{Kind::Speak, "go"}, {Kind::Expect, much}, {Kind::Speak, "thanks"}}));
+    EXPECT_TRUE(WaitFor(this->bench.events, this->bench.clock, kAmple, [&] { return events.size() == 2; }));
+    EXPECT_NE(this->socket->LocalIP(), "");
+    EXPECT_NE(this->socket->LocalHostName(), "");
+    this->socket->SendData(much);
+    this->socket->SendData("\r\n");
+    EXPECT_EQ(sent, 0u);
+    EXPECT_TRUE(WaitFor(this->bench.events, this->bench.clock, kAmple, [&] { return events.size() == 4; }));
+    EXPECT_EQ(sent, much.size() + 2);
+    EXPECT_EQ(remaining, 0u);
+    std::sort(events.begin() + 2, events.end());  // the answer and the end of the sending may meet
+    EXPECT_EQ(events, (std::vector<std::string>{"connect", "arrival", "arrival", "complete"}));
 }
 
 TYPED_TEST(TcpSocketContract, MisuseIsRefused) {
