@@ -1,11 +1,10 @@
-// What the engine calls and other rooms provide. Each has a stand-in below that does nothing and says so, for a program
-// that is built without the room.
+// What the cycle and the accounts call and do not know. Reports and the conversation window have stand-ins below that do nothing and say so, for a
+// program that is built without them.
 #pragma once
 
 #include <string>
 
 #include "platform/connection.h"
-#include "store/log.h"
 
 namespace korvane {
 
@@ -41,18 +40,6 @@ public:
     virtual bool Visible() const = 0;
     virtual void setRequest(const std::string& text) = 0;
     virtual void setResponse(const std::string& text) = 0;
-};
-
-/// Mail, traceroute and commands are not part of the program: the log says that they were due.
-class NoFailureActions : public FailureActions {
-public:
-    explicit NoFailureActions(Log& log) : log_(log) {}
-    std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) override;
-    void DoUpAgainStuff(Recordset& rs) override;
-    void SendStartupNotice() override {}
-
-private:
-    Log& log_;
 };
 
 /// Reports are not part of the program: asking for them is answered with that.

@@ -79,7 +79,8 @@ bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string
     strTo1 = NormaliseRecipients(strTo1);
     strTo2 = NormaliseRecipients(strTo2);
     const Account account{strServer, strUser, strPass, strPopHost};
-    Message message{strFrom.empty() ? kOwnName : strFrom, strFrom, strSubject.empty() ? kOwnSubject : strSubject, strBody};
+    Message message{strFrom.empty() ? kOwnName : strFrom, strFrom, strSubject.empty() ? kOwnSubject : strSubject,
+                    WithMailLineEnds(strBody)};
     const bool sent = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message, account, strError);
     strFrom = message.strFrom;
     strSubject = message.strSubject;

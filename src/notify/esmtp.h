@@ -134,6 +134,7 @@ private:
     bool TakeReply();
     std::optional<int> ReadSmtpReply(bool& multiLine, int& code);
     void DataArrival();
+    void SocketClosed();
 
     void Raise(State state);
     void Complain(std::string_view problem);

@@ -25,12 +25,7 @@ milliseconds Until(double moment, double now) {
 void clsEsmtp::ListenToSocket() {
     sckInternet.SetHandlers({
         .dataArrival = [this] { DataArrival(); },
-        .close =
-            [this] {
-                phase_ = Phase::Closed;
-                sendFlag_ = kSendPending;
-                replyFlag_ = kNoReply;
-            },
+        .close = [this] { SocketClosed(); },
         .error =
             [this](int number, const std::string& description) {
                 sendFlag_ = kSendError;
@@ -175,15 +170,24 @@ std::optional<int> clsEsmtp::ReadSmtpReply(bool& multiLine, int& code) {
     return ReplyCode(first);
 }
 
+// What was sent or said before the server closed counts all the same: a server says why it wants no mail, or goodbye, and closes in one breath.
+void clsEsmtp::SocketClosed() {
+    phase_ = Phase::Closed;
+    if (sendFlag_ != kSendComplete) sendFlag_ = kSendPending;
+    if (replyFlag_ == kReplyError) replyFlag_ = kNoReply;
+}
+
+// The rest of a reply is mostly there already, and sometimes the end of the connection behind it; so the phase is the one before.
 void clsEsmtp::DataArrival() {
+    const Phase phase = phase_;
     ports_.events.DoEvents();
     strLastData_ = ToUtf8(sckInternet.PeekData(4));
     switch (KindOfReply(strLastData_)) {
         case ReplyKind::Smtp:
-            replyFlag_ = phase_ == Phase::Smtp ? kSmtpReply : kReplyError;
+            replyFlag_ = phase == Phase::Smtp ? kSmtpReply : kReplyError;
             break;
         case ReplyKind::Pop:
-            replyFlag_ = phase_ == Phase::Pop ? kPopReply : kReplyError;
+            replyFlag_ = phase == Phase::Pop ? kPopReply : kReplyError;
             break;
         case ReplyKind::Unknown:
             replyFlag_ = kReplyError;

@@ -94,6 +94,10 @@ std::string WithoutLineEnds(std::string_view text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\n", " "), "\r", " ");
 }
 
+std::string WithMailLineEnds(std::string_view text) {
+    return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
+}
+
 std::string StuffDots(std::string_view text) {
     const std::string stuffed = ReplaceAll(text, "\r\n.", "\r\n..");
     return stuffed.starts_with('.') ? "." + stuffed : stuffed;

@@ -49,6 +49,9 @@ std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
 /// CR LF, LF and CR become a blank each, so that no text can add a line to the headers or to the conversation.
 std::string WithoutLineEnds(std::string_view text);
 
+/// Every line end becomes CR LF, the only one that mail knows (RFC 5321, section 2.3.8): what servers say and people write has others too.
+std::string WithMailLineEnds(std::string_view text);
+
 /// A "." at the beginning of a line is doubled (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
 

@@ -11,8 +11,10 @@
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/linux/linux_memory.h"
+#include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_signals.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
@@ -73,11 +75,15 @@ int Main(int argc, char** argv) {
     QtTimers timers;
     QtSqlStore store(KindOfColumn);
     QtTcpSocket tcpSocket;
+    QtTcpSocket sckesmtp;
+    QtTcpSocket plainSocket;
     LinuxIcmpEcho echo;
     NoSound sound;
+    LinuxProcesses processes(events);
+    LinuxGuidSource guids;
     TerminalOperator person(std::cout, std::cerr);
     const CurlInet::Options inetOptions{.caBundle = FromEnvironment("SSL_CERT_FILE"), .userAgent = "Korvane/" + options.version};
-    Run run({clock, events, timers, store, person, files, tcpSocket, echo, sound,
+    Run run({clock, events, timers, store, person, files, tcpSocket, sckesmtp, plainSocket, echo, sound, processes, guids,
              [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); }},
             options);
 

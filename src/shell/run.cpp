@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/ignore_errors.h"
+#include "shell/web_addresses.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -24,7 +25,12 @@ Run::Run(const Ports& ports, Options options)
       TimerMonitorDB_(NewTimer({"TimerMonitorDB", 1000ms, [this] { cycle_.TimerMonitorDB_Timer(); }})),
       TimerProgress_(NewTimer({"TimerProgress", 250ms, [this] { progress_.TimerProgress_Timer(); }})),
       TimerLog_(NewTimer({"TimerLog", 60000ms, [this] { TimerLog_Timer(); }})),
-      actions_(log_),
+      mail_({ports.sckesmtp, ports.plainSocket, ports.clock, ports.events, ports.person, ports.files, ports.guids, status_, log_,
+             collection_, [this] { StopMonitor(); }},
+            {.contactAddress = std::string(kContactAddress)}),
+      trace_({ports.files, ports.processes, status_, log_}, options_.dir),
+      commands_({ports.processes, status_, log_}),
+      actions_({ports.store, ports.clock, status_, log_, collection_, entries_, mail_, trace_, commands_}),
       http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
@@ -52,6 +58,10 @@ void Run::BeginOperations() {
     ports_.person.SetTrayTip("Korvane Initialized. Beginning Operations: " + ports_.clock.Now().Text());
     const bool toldToStayQuiet = options_.commandLine.find("restart") != std::string::npos;
     if (collection_.IsTrue("Reboot") && !toldToStayQuiet) actions_.SendStartupNotice();
+}
+
+void Run::StopMonitor() {
+    if (state_.bMonitoring) stopStart_.cmdStopStart();
 }
 
 void Run::TimerLog_Timer() {

@@ -13,20 +13,26 @@
 #include "engine/collaborators.h"
 #include "engine/cycle_state.h"
 #include "engine/cycle_timers.h"
+#include "engine/failure_actions.h"
 #include "engine/http_requester.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
 #include "engine/request_progress.h"
+#include "engine/run_command.h"
 #include "engine/stop_start.h"
 #include "engine/tcp_checker.h"
+#include "engine/trace_route.h"
+#include "notify/dispatcher.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
 #include "platform/files.h"
+#include "platform/guid_source.h"
 #include "platform/icmp_echo.h"
 #include "platform/inet.h"
 #include "platform/operator.h"
+#include "platform/processes.h"
 #include "platform/sound.h"
 #include "platform/tcp_socket.h"
 #include "platform/timer.h"
@@ -50,9 +56,13 @@ public:
         Store& store;
         Operator& person;
         Files& files;
-        TcpSocket& tcpSocket;
+        TcpSocket& tcpSocket;    ///< of the conversations with servers
+        TcpSocket& sckesmtp;     ///< of mail with a login
+        TcpSocket& plainSocket;  ///< of mail without one
         IcmpEcho& echo;
         Sound& sound;
+        Processes& processes;
+        GuidSource& guids;
         std::function<std::unique_ptr<Inet>()> newInet;
     };
 
@@ -99,6 +109,7 @@ private:
     CycleTimers Switches() { return {*Timer2_, *TimerMonitorDB_, *TimerLog_}; }
 
     void BeginOperations();
+    void StopMonitor();
     void TimerLog_Timer();
 
     void TellSecondInstance();
@@ -137,7 +148,10 @@ private:
     std::unique_ptr<Timer> TimerProgress_;
     std::unique_ptr<Timer> TimerLog_;
 
-    NoFailureActions actions_;
+    Dispatcher mail_;
+    TraceRoute trace_;
+    CommandRunner commands_;
+    ServerActions actions_;
     NoReports reports_;
     NoConversationWindow conversation_;
     HttpRequester http_;

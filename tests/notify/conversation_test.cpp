@@ -230,6 +230,19 @@ const Transcript kTranscripts[] = {
          EndOfMail(s);
      },
      "you@example.com", true, "", 1s},
+    {"refused and closed in one breath", [](VirtualServer& s) { s.Speak("554 go away\r\n").Close(); }, "you@example.com", false,
+     std::string(kUnreachable) + "Server replied: 554 go away ", 0s},
+    {"goodbye and closed in one breath",
+     [](VirtualServer& s) {
+         s.Speak("220 ok\r\n").OnLine("EHLO 10.0.0.100", "250 OK\r\n").OnLine("MAIL FROM:<me@example.com>", "250 ok\r\n");
+         s.ExpectUpTo("DATA")
+             .Speak("354 go on\r\n")
+             .ExpectUpTo(".")
+             .Speak("250 queued\r\n")
+             .OnLine("QUIT", "221 bye\r\n", 0ms)
+             .Close();
+     },
+     "nobody", true, "", 0s},
     {"the second recipient refused ends it without QUIT",
      [](VirtualServer& s) {
          s.Speak("220 ok\r\n").OnLine("EHLO 10.0.0.100", "250 OK\r\n").OnLine("MAIL FROM:<me@example.com>", "250 ok\r\n");

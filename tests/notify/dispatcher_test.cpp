@@ -109,6 +109,16 @@ TEST(SendEmail, SenderNameAndSubjectHaveDefaults) {
     }
 }
 
+TEST(SendEmail, ABodyCannotEndTheMail) {
+    for (const char* user : {"", "tim"}) {
+        DispatcherWorld w;
+        w.Set("SMTPUser1", user);
+        ASSERT_TRUE(w.dispatcher.SendThrough(MailServer::Primary, {"a@x", "", "me@x", "Hi", "a\n.\nb\r.\r\n.\r\nquit"}).sent);
+        EXPECT_TRUE(w.primary.mails.at(0).text.ends_with("\r\n\r\na\r\n.\r\nb\r\n.\r\n.\r\nquit\r\n"))
+            << w.primary.mails.at(0).text;
+    }
+}
+
 TEST(SendEmail, ALoginNameChoosesTheMailerThatKnowsLogins) {
     DispatcherWorld w;
     w.Set("SMTPUser1", "tim");

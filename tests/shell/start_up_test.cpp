@@ -9,14 +9,17 @@
 
 #include "base/text.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
 #include "platform/qt/sql_store.h"
 #include "shell/run.h"
 #include "shell/terminal_operator.h"
 #include "store/schema.h"
 #include "support/recording_operator.h"
+#include "support/recording_processes.h"
 #include "support/recording_sound.h"
 #include "support/virtual_icmp_echo.h"
 #include "support/virtual_inet.h"
+#include "support/virtual_mail_server.h"
 #include "support/virtual_net.h"
 #include "support/virtual_tcp_socket.h"
 #include "support/virtual_world.h"
@@ -54,10 +57,10 @@ private:
 };
 
 struct Program {
-    explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR)
-        : run({world.clock, world.events, world.timers, store, person, files, socket, echo, sound,
-               [this] { return std::make_unique<VirtualInet>(net); }},
-              {.dir = home.Path(), .dataDir = std::move(dataDir), .commandLine = "", .version = "1.0.0"}) {}
+    explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "")
+        : run({world.clock, world.events, world.timers, store, person, files, socket, sckesmtp, plainSocket, echo, sound,
+               processes, guids, [this] { return std::make_unique<VirtualInet>(net); }},
+              {.dir = home.Path(), .dataDir = std::move(dataDir), .commandLine = std::move(commandLine), .version = "1.0.0"}) {}
 
     std::vector<std::string> Column(const Home& home, const std::string& query) {
         const auto conn = store.NewConnection();
@@ -78,7 +81,11 @@ struct Program {
     RecordingOperator person;
     RecordingSound sound;
     VirtualTcpSocket socket{net};
+    VirtualTcpSocket sckesmtp{net};
+    VirtualTcpSocket plainSocket{net};
     VirtualIcmpEcho echo{net};
+    RecordingProcesses processes;
+    LinuxGuidSource guids;
     Run run;
 };
 
@@ -122,7 +129,27 @@ TEST(StartUp, OldEntriesMoveIntoTheDatabaseAndAreChecked) {
               (std::vector<std::string>{"UP", "DOWN"}));
     EXPECT_EQ(program.Column(home, "SELECT strReason AS v FROM Failures"),
               (std::vector<std::string>{"Could Not Connect to 10.0.0.2 Double check for typos. "}));
-    EXPECT_TRUE(Holds(home.Log(), "mail went down. No notification, traceroute or command: this version has none."));
+    // No mail server is set: the log tells that nobody heard of it, and the trace is made all the same.
+    EXPECT_TRUE(
+        Holds(home.Log(), "#\tfrmMonitor:DoFailureStateStuff: Server DOWN Email Notification <font color=red>FAILED</font>"));
+    ASSERT_EQ(program.processes.started.size(), 1u);
+    EXPECT_TRUE(Holds(program.processes.started[0].command, "/bin/sh '" + home.Path() + "/kvlogs/KvTR"));
+}
+
+TEST(StartUp, TellsOfTheRestartSettingUnlessToldToStayQuiet) {
+    for (const auto& [commandLine, mails] : {std::pair{"", 1u}, {"-restart", 0u}}) {
+        const Home home;
+        home.Write("kvurlwatchn.ini",
+                   "[Settings]\nBegin=0\nNumURLs=1\nReboot=True\nServer=mail.example\n"
+                   "[Settings1]\nURL=10.0.0.1\nType=PING\nEmail=me@example.com\n");
+        Program program(home, KORVANE_DIST_DIR, commandLine);
+        VirtualMailServer mail(program.net.Host("mail.example").Port(25));
+        ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+        program.world.RunFor(2s);
+        ASSERT_EQ(mail.mails.size(), mails) << home.Log();
+        for (const auto& sent : mail.mails)
+            EXPECT_TRUE(Holds(sent.text, "Subject: Korvane Just Started. This server is up. "));
+    }
 }
 
 TEST(StartUp, ASecondInstanceSaysSoAndLeavesEverythingAlone) {

@@ -176,6 +176,8 @@ private:
 
     void OnConnected() {
         state_ = SocketState::Connected;
+        // Every text is a whole message to the other side; none is to wait for the next one to fill a packet.
+        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         if (owner_.Events().connect) owner_.Events().connect();
     }
 

@@ -1,0 +1,29 @@
+// The operator's own commands: started, told of, and left to themselves.
+#pragma once
+
+#include <string>
+
+#include "platform/processes.h"
+#include "store/log.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+class CommandRunner {
+public:
+    struct Ports {
+        Processes& processes;
+        StatusLog& status;
+        Log& log;
+    };
+
+    explicit CommandRunner(const Ports& ports) : ports_(ports) {}
+
+    /// Starts the command line and returns at once; whether it started stands on the status line and in the log. Never tries again. Throws nothing.
+    void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle);
+
+private:
+    Ports ports_;
+};
+
+}  // namespace korvane

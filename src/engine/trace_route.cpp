@@ -1,0 +1,83 @@
+#include "engine/trace_route.h"
+
+#include <exception>
+
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kHeading =
+    "\r\n\r\n"
+    "The traceroute (tracert.exe) was executed when the server failure occurred. \r\n"
+    "Because it takes to long, the failure tracert is sent to you with the server up notificaton. "
+    "The following is the tracert run right after the server failure:\r\n"
+    "-------------------------------\r\n";
+
+// The program of the system that is there, the first one in the end so that the file names what is missing. Both end by themselves unless the
+// names of the hops are looked up at a name server that is silent, too.
+constexpr const char* kTracer = "timeout 300 $(command -v traceroute || command -v tracepath || echo traceroute)";
+
+/// As one word of the shell, whatever is in it.
+std::string Quoted(const std::string& word) {
+    return "'" + ReplaceAll(word, "'", "'\\''") + "'";
+}
+
+std::string HostOf(const std::string& strAddress) {
+    const std::string beforeSlash = strAddress.substr(0, strAddress.find('/'));
+    std::string host = beforeSlash.substr(0, beforeSlash.find('\\'));
+    std::erase_if(host, [](char c) { return static_cast<unsigned char>(c) < ' '; });  // a line stays one line
+    return host;
+}
+
+}  // namespace
+
+void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
+    const std::string script = MakeTraceBatFile(strAddress, id);
+    if (script.empty()) return;
+    ports_.status.setStatusMSG("Running and Saving TraceRoute Information '" + script + "'");
+    try {
+        ports_.processes.Shell("/bin/sh " + Quoted(script), WindowStyle::Hidden);
+    } catch (const std::exception& error) {
+        const std::string message = "RunTraceRoute: Error: " + std::string(error.what());
+        TellFailure(message, "frmMonitor:" + message);
+    }
+}
+
+std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int64_t id) {
+    const std::string script = FileOf(id, ".bat");
+    const std::string output = Quoted(GetTracertFile(id));
+    // An earlier trace that still runs keeps the file that is removed, and writes into nobody else's. "--": what follows is a host and no option.
+    const std::string line = "rm -f " + output + "; " + kTracer + " -- " + Quoted(HostOf(strAddress)) + " > " + output + " 2>&1";
+    try {
+        ports_.files.CreateFolder(folder_);
+        ports_.files.Replace(script, "#!/bin/sh\n" + line + "\n");
+    } catch (const std::exception& error) {
+        const std::string message = "Creation of Tracert Bat file failed. couldn't create " + script;
+        TellFailure(message, "frmMonitor:MakeTraceBatFile: " + message + " because " + error.what());
+        return "";
+    }
+    ports_.status.setStatusMSG("Trace Command =  '" + line + "'");
+    return script;
+}
+
+std::string TraceRoute::GetTracertFile(std::int64_t id) const {
+    return FileOf(id, ".txt");
+}
+
+std::string TraceRoute::GetTraceRouteText(std::int64_t id) {
+    const auto trace = ports_.files.Read(GetTracertFile(id));
+    if (!trace) return "";
+    return kHeading + ReplaceAll(ReplaceAll(ToUtf8(*trace), "\r\n", "\n"), "\n", "\r\n");
+}
+
+std::string TraceRoute::FileOf(std::int64_t id, const char* ending) const {
+    return folder_ + "/KvTR" + std::to_string(id) + ending;
+}
+
+void TraceRoute::TellFailure(const std::string& statusText, const std::string& logText) {
+    ports_.status.setStatusMSG(statusText);
+    ports_.log.WriteLog(kLogFatal, kLogError, logText);
+}
+
+}  // namespace korvane

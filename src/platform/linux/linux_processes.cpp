@@ -1,0 +1,135 @@
+#include "platform/linux/linux_processes.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "base/error.h"
+#include "base/ignore_errors.h"
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::string_view kShellSigns = "|&;<>()$`\\\"'*?[]{}#~=%!\n\r";
+
+/// Each watched process costs a descriptor, and commands that hang for ever must not take those that the checks need.
+constexpr std::size_t kMostWatched = 100;
+
+using Words = std::vector<std::string>;
+
+Words ShellWords(const std::string& command) {
+    return {"/bin/sh", "-c", "--", command};
+}
+
+Words PlainWords(const std::string& command) {
+    Words words = Split(ReplaceAll(command, "\t", " "), ' ');
+    std::erase(words, "");
+    return words;
+}
+
+void Check(int error) {
+    if (error != 0) throw Error(std::strerror(error), error);
+}
+
+/// What the new process has of its own: a session, the default signals, and nothing open but /dev/null three times.
+class FreshStart {
+public:
+    FreshStart() {
+        sigset_t none;
+        sigset_t all;
+        ::sigemptyset(&none);
+        ::sigfillset(&all);
+        Check(::posix_spawnattr_init(&attributes_));
+        Check(::posix_spawnattr_setsigmask(&attributes_, &none));
+        Check(::posix_spawnattr_setsigdefault(&attributes_, &all));
+        Check(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
+        Check(::posix_spawn_file_actions_init(&files_));
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            Check(::posix_spawn_file_actions_addopen(&files_, standard, "/dev/null", O_RDWR, 0));
+        Check(::posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1));
+    }
+    ~FreshStart() {
+        ::posix_spawn_file_actions_destroy(&files_);
+        ::posix_spawnattr_destroy(&attributes_);
+    }
+    FreshStart(const FreshStart&) = delete;
+    FreshStart& operator=(const FreshStart&) = delete;
+
+    /// The number of the failure, 0 when the program of the first word runs in `pid`.
+    int Spawn(Words words, pid_t& pid) const {
+        std::vector<char*> arguments;
+        for (std::string& word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        return ::posix_spawnp(&pid, arguments[0], &files_, &attributes_, arguments.data(), environ);
+    }
+
+private:
+    posix_spawnattr_t attributes_{};
+    posix_spawn_file_actions_t files_{};
+};
+
+/// Whether there is nothing left of it.
+bool Reap(pid_t pid) {
+    const pid_t ended = ::waitpid(pid, nullptr, WNOHANG);
+    return ended == pid || (ended < 0 && errno == ECHILD);
+}
+
+// No descriptor where the kernel is older than 5.3 or forbids the call.
+Descriptor OpenProcess(pid_t pid) {
+    return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0U)));
+}
+
+}  // namespace
+
+int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
+    ReapUnwatched();
+    const std::string line = TrimAll(command);
+    if (line.empty()) throw Error("The command is blank");
+    if (line.find('\0') != std::string::npos) throw Error("The command holds a character that no command can have");
+    const bool plain = line.find_first_of(kShellSigns) == std::string::npos;
+
+    const FreshStart start;
+    pid_t pid = 0;
+    int error = start.Spawn(plain ? PlainWords(line) : ShellWords(line), pid);
+    if (error == ENOEXEC) error = start.Spawn(ShellWords(line), pid);  // a script that does not name its interpreter
+    Check(error);
+    ReapAtItsEnd(pid);
+    return pid;
+}
+
+void LinuxProcesses::ReapAtItsEnd(pid_t pid) {
+    Child child;
+    if (watched_.size() < kMostWatched) child.end = OpenProcess(pid);
+    const auto watch = [&] { child.watch = events_.WatchReadable(child.end.Number(), [this, pid] { Ended(pid); }); };
+    if (child.end && IgnoreErrors(watch)) {
+        watched_[pid] = std::move(child);
+    } else {
+        unwatched_.push_back(pid);
+    }
+}
+
+void LinuxProcesses::Ended(pid_t pid) {
+    ReapUnwatched();
+    if (!Reap(pid)) return;
+    watched_.erase(pid);
+    if (unwatched_.empty()) return;
+    const pid_t next = unwatched_.back();  // there is a descriptor for one more now
+    unwatched_.pop_back();
+    ReapAtItsEnd(next);
+}
+
+void LinuxProcesses::ReapUnwatched() {
+    std::erase_if(unwatched_, Reap);
+}
+
+}  // namespace korvane

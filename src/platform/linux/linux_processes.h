@@ -1,0 +1,41 @@
+// Commands of the operator as processes of their own: started with nothing of this program but its folder and environment, and taken out of the system's table
+// when they end, also where no init does that.
+#pragma once
+
+#include <sys/types.h>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/events.h"
+#include "platform/linux/descriptor.h"
+#include "platform/processes.h"
+
+namespace korvane {
+
+class LinuxProcesses : public Processes {
+public:
+    /// `events` must outlive this. A child that ends is reaped from its pump.
+    explicit LinuxProcesses(Events& events) : events_(events) {}
+
+    /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command too.
+    int Shell(const std::string& command, WindowStyle style) override;
+
+private:
+    struct Child {
+        Descriptor end;  ///< readable when the process has ended
+        std::unique_ptr<Events::Watch> watch;
+    };
+
+    void ReapAtItsEnd(pid_t pid);
+    void Ended(pid_t pid);
+    void ReapUnwatched();
+
+    Events& events_;
+    std::unordered_map<pid_t, Child> watched_;
+    std::vector<pid_t> unwatched_;  ///< for want of a descriptor; reaped when something else starts or ends
+};
+
+}  // namespace korvane

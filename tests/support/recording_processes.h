@@ -1,0 +1,33 @@
+// The system that starts nothing and writes down what it was asked to start.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "platform/processes.h"
+
+namespace korvane {
+
+class RecordingProcesses : public Processes {
+public:
+    struct Started {
+        std::string command;
+        WindowStyle style;
+        bool operator==(const Started&) const = default;
+    };
+
+    std::vector<Started> started;
+    int pid = 4711;       ///< of all of them; 0: the system gives none
+    std::string missing;  ///< a command that holds this is not there; blank: all are
+    bool keep = true;     ///< off for long runs
+
+    int Shell(const std::string& command, WindowStyle style) override {
+        if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
+        if (keep) started.push_back({command, style});
+        return pid;
+    }
+};
+
+}  // namespace korvane
