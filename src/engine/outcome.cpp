@@ -67,11 +67,25 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
     });
     IgnoreErrors([&] { rs.Fields("dtNextCheck") = NextCheck(base, seconds(rs.Fields("nIntervalSeconds").Value().Int64())); });
     IgnoreErrors([&] {
-        if (CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64()) ports_.actions.DoUpAgainStuff(rs);
+        if (HasComeBack(rs)) ActOnRecovery(rs);
     });
     IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
     CountSuccess(rs, nResponseMs);
-    IgnoreErrors([&] { rs.Update(); });
+    if (IgnoreErrors([&] { rs.Update(); })) ForgetActions(rs);
+}
+
+bool OutcomeAccounting::HasComeBack(Recordset& rs) const {
+    return CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
+}
+
+void OutcomeAccounting::ActOnRecovery(Recordset& rs) {
+    if (actedOnRecovery_.insert(CounterOf(rs, "ID")).second) ports_.actions.DoUpAgainStuff(rs);
+}
+
+void OutcomeAccounting::ForgetActions(Recordset& rs) {
+    const std::int64_t id = CounterOf(rs, "ID");
+    actedOnOutage_.erase(id);
+    actedOnRecovery_.erase(id);
 }
 
 // How far into the past the interval starts: up to a second for each row that was due, so that entries that are checked one after the other spread out.
@@ -108,6 +122,7 @@ void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::st
         rs.Fields("nPercentUp") = PercentUp(failed, total);
 
         const std::string strAction = EnterFailureState(rs, conn, tries, strReason);
+        owed_->strAction = strAction;
 
         const DateTime now = ports_.clock.Now();
         rs.Fields("datelastfail") = now;
@@ -135,6 +150,7 @@ void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNot
     }
     owed_.reset();  // if this fails, neither has happened, and the entry is still due
     conn.CommitTrans();
+    ForgetActions(rs);
 }
 
 void OutcomeAccounting::AddOwedFailureRow(Recordset& rs, Connection& conn) {
@@ -148,6 +164,7 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
                                                  const std::string& strReason) {
     const std::int64_t nTries = CounterOf(rs, "nTries");
     const std::string strDesc = rs.Fields("strDesc").Value().Text();
+    if (tries != nTries || actedOnRecovery_.contains(CounterOf(rs, "ID"))) ForgetActions(rs);  // another outage
     const bool down = tries >= nTries;
     rs.Fields("strCurStatus") = down ? status::kDown : status::kFailing;
     rs.Fields("nTriesCur") = tries;
@@ -159,7 +176,13 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
     ports_.person.SetTray(TrayPicture::Error, "Korvane: " + strDesc + " in failure state! ");
     SoundAlert("bRedAlert", "RedAlertWav");
     // Once per outage, however long it lasts.
-    return tries == nTries ? ports_.actions.DoFailureStateStuff(conn, rs, strReason) : "None.";
+    return tries == nTries ? ActOnOutage(rs, conn, strReason) : "None.";
+}
+
+std::string OutcomeAccounting::ActOnOutage(Recordset& rs, Connection& conn, const std::string& strReason) {
+    const std::int64_t id = CounterOf(rs, "ID");
+    if (const auto done = actedOnOutage_.find(id); done != actedOnOutage_.end()) return done->second;
+    return actedOnOutage_[id] = ports_.actions.DoFailureStateStuff(conn, rs, strReason);
 }
 
 void OutcomeAccounting::SoundAlert(const char* wantedKey, const char* fileKey) {

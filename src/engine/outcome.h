@@ -5,8 +5,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <random>
+#include <set>
 #include <string>
 
 #include "engine/collaborators.h"
@@ -67,6 +69,10 @@ private:
 
     std::chrono::seconds Stagger(int recordCount);
     void CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
+    bool HasComeBack(Recordset& rs) const;
+    void ActOnRecovery(Recordset& rs);
+    std::string ActOnOutage(Recordset& rs, Connection& conn, const std::string& strReason);
+    void ForgetActions(Recordset& rs);
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
@@ -76,6 +82,10 @@ private:
     Ports ports_;
     std::minstd_rand random_;
     std::optional<FailureNote> owed_;  ///< counted by nobody yet, or counted without its row
+
+    // What was done for an entry whose row could not be written since: the store does not know of it, and it must not be done again at each check. By `ID`.
+    std::map<std::int64_t, std::string> actedOnOutage_;  ///< strAction
+    std::set<std::int64_t> actedOnRecovery_;
 };
 
 }  // namespace korvane

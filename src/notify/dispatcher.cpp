@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <utility>
 
-#include "base/ignore_errors.h"
 #include "base/text.h"
 #include "notify/recipients.h"
 
@@ -20,6 +20,9 @@ constexpr const char* kHighPriority = "1";
 constexpr std::size_t kTooShortForBackup = 5;
 
 constexpr int kProgressMax = 100;
+
+/// Characters of the recipients on a status line, which comes once for each of them.
+constexpr std::size_t kMostOfAList = 2000;
 
 struct ServerKeys {
     const char* server;
@@ -98,10 +101,10 @@ bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everyb
         const std::string recipient = Trim(recipients[i]);
         if (!Holds(message.strFrom, "@")) message.strFrom = recipient;
         if (!SendToOne(recipient, message, account, strError)) {
-            ports_.status.setStatusMSG(strTo1 + " Email failed because " + strError);
+            ports_.status.setStatusMSG(Left(strTo1, kMostOfAList) + " Email failed because " + strError);
             return false;
         }
-        if (recipient != options_.contactAddress) ports_.status.setStatusMSG(strTo1 + " sent successfully.");
+        if (recipient != options_.contactAddress) ports_.status.setStatusMSG(Left(strTo1, kMostOfAList) + " sent successfully.");
         SetProgress(static_cast<int>((i + 1) * kProgressMax / recipients.size()));
     }
     return !recipients.empty();
@@ -109,12 +112,13 @@ bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everyb
 
 // A login exists only in clsEsmtp; a server without one always goes through the plain mailer.
 bool Dispatcher::SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError) {
-    bool sent = false;
-    const bool ran = IgnoreErrors([&] {
-        sent = account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
+    try {
+        return account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
                                        : SendThroughEsmtp(recipient, message, account, strError);
-    });
-    return ran && sent;
+    } catch (const std::exception& error) {
+        strError = error.what();
+        return false;
+    }
 }
 
 bool Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
@@ -149,7 +153,7 @@ bool Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& m
     return sent;
 }
 
-// The person at the desk is meant to see the login as it is used; it goes nowhere but to the status line.
+// The person at the desk is meant to see the login as it is used.
 void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
     const std::string texts[] = {
         "Connecting to ESMTP Server " + mycls.SmtpHost,

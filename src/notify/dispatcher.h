@@ -58,7 +58,7 @@ public:
 
     /// One message to everybody in `strTo1` and `strTo2`, one mail each. False with the reason in `strError` at the first recipient whose mail was refused; those after
     /// it get none. A login name in `strUser` chooses clsEsmtp, a blank one the plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are left as they
-    /// were used. A call from an event of a running one fails with a reason. Waits as the mailers do. Throws nothing.
+    /// were used. A call from an event of a running one fails with a reason, at every server: whoever notifies from a timer of its own keeps the message and tries again. Waits as the mailers do. Throws nothing.
     bool SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject, std::string& strBody,
                    const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
                    std::string& strPopHost, std::string& strError);

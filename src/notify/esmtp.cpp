@@ -76,7 +76,7 @@ bool clsEsmtp::Connect() {
 }
 
 bool clsEsmtp::SayHello() {
-    if (!SendLine("EHLO " + sckInternet.LocalIP())) return End("Couldn't send EHLO ");
+    if (!SendLine("EHLO " + OwnAddress())) return End("Couldn't send EHLO ");
     const int code = GetSmtpReply(kSmtpTries, true);
     if (code == kDone) return true;
     if (WantsHelo(code)) return SayPlainHello();
@@ -84,8 +84,14 @@ bool clsEsmtp::SayHello() {
     return End("Expected 250. Didn't receive it.");
 }
 
+// Servers take a bare IPv4 address; an IPv6 address only as a literal (RFC 5321, section 4.1.3), which has no zone.
+std::string clsEsmtp::OwnAddress() const {
+    const std::string address = sckInternet.LocalIP();
+    return Holds(address, ":") ? "[IPv6:" + address.substr(0, address.find('%')) + "]" : address;
+}
+
 bool clsEsmtp::SayPlainHello() {
-    if (!SendLine("HELO " + sckInternet.LocalIP())) return End("Couldn't send fallback HELO");
+    if (!SendLine("HELO " + OwnAddress())) return End("Couldn't send fallback HELO");
     if (GetSmtpReply(kSmtpTries, true) == kDone) return true;
     Complain(kNotPositive);
     return End("Got 500,502, or 554 and expected 250. Didn't receive it.");
@@ -148,7 +154,7 @@ void clsEsmtp::Hangup() {
 void clsEsmtp::Report() {
     if (!lastReply_.empty()) {
         if (!lastCommand_.empty()) ErrorLog += "\r\nClient sent: " + lastCommand_ + "\r\n";
-        ErrorLog += "Server replied: " + lastReply_;
+        ErrorLog += "Server replied: " + Left(lastReply_, kMostOfAReply);
     }
     ErrorLog += " " + note_;
 }

@@ -53,6 +53,7 @@ public:
         /// The server refused the login. Cancel is true; a handler that has better texts clears it, and the login starts again.
         std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestPOPLogin = {};
         std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestESMTPLogin = {};
+        /// The socket's own error, with all that our sockets tell of one.
         std::function<void(int number, const std::string& Description)> WinsockError = {};
     };
 
@@ -90,6 +91,7 @@ private:
     bool Connect();
     bool SayHello();
     bool SayPlainHello();
+    std::string OwnAddress() const;
     bool Authenticate();
     bool NameSender();
     bool NameRecipients();

@@ -14,6 +14,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view kGuidFailed = "00000000";
+/// Without random bytes all boundaries are the same, and one that stands in the text will be found there each time.
+constexpr int kBoundaryTries = 100;
 constexpr std::string_view kBoundaryMark = "----=_";
 constexpr std::string_view kMixed = "mixed";
 constexpr std::string_view kAlternative = "alternative";
@@ -138,16 +140,17 @@ void MailMessage::EncodeAttachments(const ReadFileError& failed) {
         std::string description;
         const int number = ReadFileBytes(ports_.files, path, contents, description);
         if (number != 0 && failed) failed(number, description, LeftTrimmed(path));
-        attachments_.push_back({ExtensionOf(path), Base64EncodeLines(contents, pump)});
+        attachments_.push_back({BaseNameOf(path) + ExtensionOf(path), Base64EncodeLines(contents, pump)});
     }
 }
 
 void MailMessage::ChooseBoundaries() {
     const std::string bodies = ToLower(mail_.plainMessage) + "\n" + ToLower(mail_.htmlMessage);
+    int tries = 0;
     do {
         boundaryOne_ = std::string(kBoundaryMark) + NewGuidText(ports_.guids);
         boundaryTwo_ = std::string(kBoundaryMark) + NewGuidText(ports_.guids) + "_2";
-    } while (Holds(bodies, ToLower(boundaryOne_)) || Holds(bodies, ToLower(boundaryTwo_)));
+    } while ((Holds(bodies, ToLower(boundaryOne_)) || Holds(bodies, ToLower(boundaryTwo_))) && ++tries < kBoundaryTries);
 }
 
 bool MailMessage::Send(const std::string& localHostName, const SendPiece& send) const {
@@ -173,7 +176,7 @@ bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece&
 }
 
 bool MailMessage::SendBody(const SendPiece& send) const {
-    const bool attached = !mail_.AttachFiles.empty();
+    const bool attached = !attachments_.empty();
     const bool html = !mail_.htmlMessage.empty();
     if (!attached && !html) return send("\r\n" + mail_.plainMessage + "\r\n");
 
@@ -181,8 +184,8 @@ bool MailMessage::SendBody(const SendPiece& send) const {
     if (attached && html && !send(MultipartType(kAlternative, boundaryTwo_) + "\r\n" + Delimiter(boundaryTwo_))) return false;
     if (!send(TextPiece())) return false;
     if (html && !send(HtmlPiece())) return false;
-    for (std::size_t i = 0; i < attachments_.size(); ++i) {
-        if (!send(AttachmentPiece(i))) return false;
+    for (const Attachment& attachment : attachments_) {
+        if (!send(AttachmentPiece(attachment, boundaryOne_))) return false;
     }
     return true;
 }
@@ -197,10 +200,9 @@ std::string MailMessage::HtmlPiece() const {
     return PartHead("text/html") + mail_.htmlMessage + "\r\n\r\n" + Delimiter(boundaryTwo_) + "\r\n";
 }
 
-std::string MailMessage::AttachmentPiece(std::size_t index) const {
-    const Attachment& attachment = attachments_[index];
-    const std::string name = Quoted(BaseNameOf(mail_.AttachFiles[index]) + attachment.extension);
-    return Delimiter(boundaryOne_) +
+std::string MailMessage::AttachmentPiece(const Attachment& attachment, const std::string& boundary) {
+    const std::string name = Quoted(attachment.name);
+    return Delimiter(boundary) +
            "Content-Type: application/octet-stream;\r\n"
            "\tname=" +
            name +

@@ -84,7 +84,7 @@ public:
 
 private:
     struct Attachment {
-        std::string extension;  ///< with its dot
+        std::string name;
         std::string base64;
     };
 
@@ -94,7 +94,7 @@ private:
     bool SendBody(const SendPiece& send) const;
     std::string TextPiece() const;
     std::string HtmlPiece() const;
-    std::string AttachmentPiece(std::size_t index) const;
+    static std::string AttachmentPiece(const Attachment& attachment, const std::string& boundary);
 
     Ports ports_;
     MailProperties& mail_;

@@ -6,6 +6,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "notify/mail_message.h"
+#include "notify/smtp_reply.h"
 #include "platform/reply_limit.h"
 
 namespace korvane {
@@ -14,6 +15,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kWaitStep = 250ms;
+
+/// Nobody looks at more of an arrival than this.
+constexpr std::size_t kMostKept = 65536;
+
 constexpr auto kReplyLimit = 21s;
 constexpr auto kSilence = 61s;  ///< of the socket while it sends
 
@@ -36,7 +41,11 @@ struct PlainMailer::Mail {
 
 PlainMailer::PlainMailer(const Ports& ports, std::int32_t port) : ports_(ports), port_(port) {
     ports_.socket.SetHandlers({
-        .dataArrival = [this] { reply_ += ToUtf8(ports_.socket.GetData()); },
+        .dataArrival =
+            [this] {
+                const std::string arrived = ports_.socket.GetData();
+                if (reply_.size() < kMostKept) reply_ += ToUtf8(arrived);
+            },
         .close = {},
         .error = {},
         .sendProgress = [this](std::size_t sent, std::size_t) { sentCount_ += sent; },
@@ -143,7 +152,7 @@ bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     }
     const std::string reply = std::exchange(reply_, {});
     if (reply.size() <= 2 || reply.starts_with(expectedCode)) return true;
-    Fail("Expected: " + std::string(expectedCode) + " Recieved: " + reply);
+    Fail("Expected: " + std::string(expectedCode) + " Recieved: " + Left(reply, kMostOfAReply));
     ports_.status.setStatusMSG(error_);
     return false;
 }

@@ -7,6 +7,9 @@
 
 namespace korvane {
 
+/// Characters of a reply that people are told; a server that floods the connection must not flood the log.
+constexpr std::size_t kMostOfAReply = 2000;
+
 enum class ReplyKind { Smtp, Pop, Unknown };
 
 /// Whose reply begins with these characters (at most four are given). A first line of several is known only for 220 and 250.

@@ -64,6 +64,8 @@ bool Dispatcher::TestThrough(MailServer server, const std::string& name, const N
     if (outcome.sent) {
         ports_.person.ShowMessage(kTitle, "Email Test SUCCEEDED! Sent to " + to + " using SMTP server " + name + ".");
     } else {
+        ports_.log.WriteLog(kLogFatal, kLogError,
+                            "TestEmail: Email Test Failed to " + to + " using " + name + ". " + outcome.strError);
         ports_.person.ShowError(kTitle, "Email Test Failed to " + to + " from " + test.strFrom + " using SMTP server " + name +
                                             ".\r\n\r\nError: " + outcome.strError);
     }

@@ -189,5 +189,44 @@ TEST(Accounting, FailureEndsAtTheStepThatCannotBeDone) {
     EXPECT_EQ(account.Status(), "Failing");
 }
 
+TEST(Accounting, ActionsAreNotRepeatedWhileTheRowCannotBeWritten) {
+    using Calls = std::vector<std::string>;
+    Account account({.nTries = 1});
+    const auto breakUpdates = [&] {
+        account.engine.store.faults.Add(
+            {.operation = StoreOperation::Update, .forever = true, .about = "Servers", .description = "disk full"});
+    };
+    breakUpdates();
+    for (int i = 0; i < 3; ++i)
+        account.Check(false);
+    EXPECT_EQ(account.engine.actions.calls, Calls{"down entry"});
+    account.engine.store.faults.Heal();
+    account.Check(false);
+    EXPECT_EQ(account.engine.actions.calls, Calls{"down entry"});
+    EXPECT_EQ(account.engine.database.Query("SELECT strAction FROM Failures ORDER BY dateFail DESC").at(0).at("strAction"),
+              Value(account.engine.actions.strAction));
+
+    breakUpdates();
+    for (int i = 0; i < 3; ++i)
+        account.Check(true);
+    account.engine.store.faults.Heal();
+    account.Check(true);
+    EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry"}));
+    account.Check(false);  // and the next outage is one of its own
+    EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry", "down entry"}));
+}
+
+TEST(Accounting, WhatWasDoneIsKeptWhenDoFailureEndsInAnError) {
+    EngineWorld engine;
+    engine.net.Host("10.0.0.1").EchoSilent();
+    engine.database.Add({.nTries = 1, .strExpectedText = "1000"});
+    engine.settings.setKvSettingsColValue("GlobalRetryDuration", "soon");
+    engine.RunFor(10s);
+    const auto rows = engine.database.Query("SELECT strAction FROM Failures WHERE nFailCount = 1");
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].at("strAction"), Value(engine.actions.strAction));
+    EXPECT_EQ(engine.actions.calls, std::vector<std::string>{"down entry"});
+}
+
 }  // namespace
 }  // namespace korvane

@@ -357,14 +357,29 @@ TEST(SendMail, TimersRunMeanwhile) {
 TEST(Reset, EmptiesEverythingButWhatServersOffer) {
     MailWorld w;
     const auto mail = w.NewMail();
-    mail->smtpport = 2525;
     mail->popPort = 1110;
     mail->AttachFiles = {"/a"};
+    mail->htmlMessage = mail->UserID = mail->Password = "x";
+    w.Smtp()
+        .Speak("220 ok\r\n")
+        .OnLine("EHLO 10.0.0.100", "250-mail\r\n250 AUTH PLAIN\r\n")
+        .OnLine("AUTH PLAIN", "421 no\r\n")
+        .Close();
+    mail->smtpport = 25;
+    EXPECT_FALSE(mail->SendMail());
+    mail->smtpport = 2525;
     mail->Reset();
     EXPECT_EQ(mail->smtpport, 25);
     EXPECT_EQ(mail->popPort, 110);
     EXPECT_TRUE(mail->AttachFiles.empty());
-    EXPECT_EQ(mail->SmtpHost + mail->emailTo + mail->plainMessage + mail->ErrorLog, "");
+    EXPECT_EQ(mail->SmtpHost + mail->emailTo + mail->plainMessage + mail->htmlMessage + mail->UserID + mail->Password +
+                  mail->ErrorLog + mail->strLastData(),
+              "");
+    w.Smtp().Anew().Speak("220 ok\r\n").OnLine("EHLO 10.0.0.100", "250 OK\r\n").OnLine("AUTH PLAIN", "421 no\r\n").Close();
+    mail->SmtpHost = "mail.example";
+    mail->smtpport = 25;
+    EXPECT_FALSE(mail->SendMail());
+    EXPECT_EQ(w.Smtp().Lines().at(1), "AUTH PLAIN");  // learnt from the first server
 }
 
 }  // namespace

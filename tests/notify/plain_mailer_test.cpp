@@ -151,6 +151,8 @@ TEST(SendPlainMail, WaitsAcrossMidnightEnd) {
     PlainWorld w(DateTime::Of(2026, 11, 21, 23, 59, 50));
     w.Smtp().Accept(1ms);
     EXPECT_FALSE(w.Send());
+    EXPECT_EQ(w.strError, kTimedOut);
+    EXPECT_GE(w.world.clock.GetTickCount(), 21s);
     EXPECT_LE(w.world.clock.GetTickCount(), 15min + 1s);
 }
 

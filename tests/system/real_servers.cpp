@@ -1,5 +1,6 @@
 #include "system/real_servers.h"
 
+#include <arpa/inet.h>
 #include <grp.h>
 #include <netinet/in.h>
 #include <pwd.h>
@@ -20,9 +21,10 @@ constexpr auto kStartLimit = 20s;
 
 class Loopback {
 public:
-    explicit Loopback(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    explicit Loopback(int port, const std::string& address = "127.0.0.1")
+        : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         address_.sin_family = AF_INET;
-        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address_.sin_addr.s_addr = inet_addr(address.c_str());
         address_.sin_port = htons(static_cast<std::uint16_t>(port));
     }
     ~Loopback() { close(socket_); }
@@ -43,16 +45,6 @@ void Run(const std::string& shellCommands, const PrivateFolder& folder) {
     if (!shell.Ended(kStartLimit) || shell.ExitStatus() != 0) throw std::runtime_error(folder.Read("output"));
 }
 
-// The user and group that a server finds itself as.
-std::string ServerUser() {
-    const passwd* user = geteuid() == 0 ? getpwnam("nobody") : getpwuid(geteuid());
-    return user == nullptr ? "" : user->pw_name;
-}
-std::string ServerGroup() {
-    const group* own = geteuid() == 0 ? getgrnam("nogroup") : getgrgid(getegid());
-    return own == nullptr ? "" : own->gr_name;
-}
-
 }  // namespace
 
 std::vector<int> FreePorts(std::size_t count, int low) {
@@ -64,11 +56,12 @@ std::vector<int> FreePorts(std::size_t count, int low) {
     return ports;
 }
 
-Server::Server(const std::vector<std::string>& command, const PrivateFolder& folder, const std::vector<int>& ports)
-    : process_(command, folder, Process::Rights::Nobody) {
+Server::Server(const std::vector<std::string>& command, const PrivateFolder& folder, const std::vector<int>& ports,
+               Process::Rights rights, const std::string& address)
+    : process_(command, folder, rights) {
     const auto deadline = std::chrono::steady_clock::now() + kStartLimit;
     for (const int port : ports) {
-        while (!Loopback(port).Connects()) {
+        while (!Loopback(port, address).Connects()) {
             if (process_.Ended(10ms) || std::chrono::steady_clock::now() > deadline) {
                 throw std::runtime_error(command[0] + " does not serve port " + std::to_string(port) + ": " +
                                          folder.Read("output"));
@@ -192,37 +185,47 @@ coredump_dir )" + folder_.Path() + "\n");
     return {"squid", "-N", "-n", name_, "-f", folder_.Path("squid.conf")};
 }
 
-MailServer::MailServer() : server_(Prepare(), folder_, ports) {}
+std::string ServerUser() {
+    const passwd* user = geteuid() == 0 ? getpwnam("nobody") : getpwuid(geteuid());
+    return user == nullptr ? "" : user->pw_name;
+}
+std::string ServerGroup() {
+    const group* own = geteuid() == 0 ? getgrnam("nogroup") : getgrgid(getegid());
+    return own == nullptr ? "" : own->gr_name;
+}
 
-std::vector<std::string> MailServer::Prepare() const {
+std::string DovecotBasics(const PrivateFolder& folder, const std::string& protocols) {
     std::string configuration = R"(
-protocols = pop3 imap submission
 listen = 127.0.0.1
 hostname = localhost
 submission_relay_host = 127.0.0.1
 ssl = no
 log_path = /dev/stderr
-passdb {
-  driver = static
-}
 service anvil {
   chroot =
 }
 )";
     auto set = [&](const std::string& key, const std::string& value) { configuration += key + " = " + value + "\n"; };
-    set("base_dir", folder_.Path("base"));
-    set("state_dir", folder_.Path("state"));
+    set("protocols", protocols);
+    set("base_dir", folder.Path("base"));
+    set("state_dir", folder.Path("state"));
     set("default_internal_user", ServerUser());
     set("default_internal_group", ServerGroup());
     set("default_login_user", ServerUser());
-    auto serve = [&](const std::string& protocol, int port) {
-        configuration += "service " + protocol + "-login {\n chroot =\n inet_listener " + protocol +
-                         " {\n  port = " + std::to_string(port) + "\n }\n}\n";
-    };
-    serve("pop3", pop3);
-    serve("imap", imap);
-    serve("submission", smtp);
-    folder_.Write("dovecot.conf", configuration);
+    return configuration;
+}
+
+std::string DovecotListener(const std::string& protocol, int port) {
+    return "service " + protocol + "-login {\n chroot =\n inet_listener " + protocol + " {\n  port = " + std::to_string(port) +
+           "\n }\n}\n";
+}
+
+MailServer::MailServer() : server_(Prepare(), folder_, ports) {}
+
+std::vector<std::string> MailServer::Prepare() const {
+    folder_.Write("dovecot.conf", DovecotBasics(folder_, "pop3 imap submission") + DovecotListener("pop3", pop3) +
+                                      DovecotListener("imap", imap) + DovecotListener("submission", smtp) +
+                                      "passdb {\n  driver = static\n}\n");
     return {"dovecot", "-F", "-c", folder_.Path("dovecot.conf")};
 }
 

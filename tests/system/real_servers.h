@@ -17,7 +17,10 @@ std::vector<int> FreePorts(std::size_t count, int low = 61000);
 /// A process that serves ports. Throws with the program's output when it does not accept connections within 20 seconds.
 class Server {
 public:
-    Server(const std::vector<std::string>& command, const PrivateFolder& folder, const std::vector<int>& ports);
+    Server(const std::vector<std::string>& command, const PrivateFolder& folder, const std::vector<int>& ports,
+           Process::Rights rights = Process::Rights::Nobody, const std::string& address = "127.0.0.1");
+
+    const Process& Running() const { return process_; }
 
 private:
     Process process_;
@@ -66,6 +69,14 @@ private:
     PrivateFolder folder_;
     Server server_;
 };
+
+/// The user and the group that a server finds itself as.
+std::string ServerUser();
+std::string ServerGroup();
+
+/// What every dovecot here is told: to touch nothing outside its folder, to speak these protocols and to say on its output what happens.
+std::string DovecotBasics(const PrivateFolder& folder, const std::string& protocols);
+std::string DovecotListener(const std::string& protocol, int port);
 
 /// dovecot: POP3, IMAP and SMTP for submission (RFC 6409).
 class MailServer {
