@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "base/ignore_errors.h"
 #include "base/text.h"
 
 namespace korvane {
@@ -33,6 +34,8 @@ std::string HostOf(const std::string& strAddress) {
 }  // namespace
 
 void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
+    // Whatever becomes of this trace, the one of an earlier outage must not be mailed in its place.
+    IgnoreErrors([&] { ports_.files.Remove(GetTracertFile(id)); });
     const std::string script = MakeTraceBatFile(strAddress, id);
     if (script.empty()) return;
     ports_.status.setStatusMSG("Running and Saving TraceRoute Information '" + script + "'");

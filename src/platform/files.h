@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace korvane {
 
@@ -40,6 +41,22 @@ public:
 
     /// Copies in one step, as Replace does; the copy of a database gets the mode 0600 too. Throws Error.
     virtual void Copy(const std::string& from, const std::string& to) = 0;
+
+    /// As Replace for a page that can be made again: whoever looks sees the old text or the new one, but after a power cut it may be gone. A new file can be
+    /// read by everybody (0644). Throws Error.
+    virtual void Publish(const std::string& path, std::string_view text) = 0;
+
+    /// No error when there is none. Throws Error.
+    virtual void Remove(const std::string& path) = 0;
+
+    /// `from` takes the place of `to` in one step, both on the same disk, and is on the disk when this returns. Throws Error and leaves both as they were.
+    virtual void Rename(const std::string& from, const std::string& to) = 0;
+
+    /// A second name for the same file, in place of what bore it; a copy where the file system knows no second names. Throws Error.
+    virtual void Link(const std::string& file, const std::string& name) = 0;
+
+    /// The names of what is in the folder and is no folder itself, in order. Throws Error.
+    virtual std::vector<std::string> FileNames(const std::string& folder) = 0;
 
     /// With the folders above it; an existing folder is no error. Throws Error.
     virtual void CreateFolder(const std::string& path) = 0;

@@ -1,6 +1,7 @@
 // The whole engine in the virtual world: the cycle with its checkers and accounts on a real database, driven by the cycle's own timer.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,13 +38,33 @@ class RecordingActions : public FailureActions {
 public:
     std::vector<std::string> calls;
     std::string strAction = "None.<ul><li>noted</ul>";
+    FailureActions* doer = nullptr;  ///< if there is one, it does what is asked for and gives the strAction
 
-    std::string DoFailureStateStuff(Connection&, Recordset& rs, const std::string&) override {
+    std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) override {
         calls.push_back("down " + rs.Fields("strDesc").Value().Text());
-        return strAction;
+        return doer == nullptr ? strAction : doer->DoFailureStateStuff(conn, rs, strReason);
     }
-    void DoUpAgainStuff(Recordset& rs) override { calls.push_back("up " + rs.Fields("strDesc").Value().Text()); }
-    void SendStartupNotice() override { calls.push_back("notice"); }
+    void DoUpAgainStuff(Recordset& rs) override {
+        calls.push_back("up " + rs.Fields("strDesc").Value().Text());
+        if (doer != nullptr) doer->DoUpAgainStuff(rs);
+    }
+    void SendStartupNotice() override {
+        calls.push_back("notice");
+        if (doer != nullptr) doer->SendStartupNotice();
+    }
+};
+
+/// Tells a listener of each echo, before the program hears of it.
+class OverheardEcho : public VirtualIcmpEcho {
+public:
+    using VirtualIcmpEcho::VirtualIcmpEcho;
+    std::function<void(Ipv4Address address, const EchoReply& reply)> listener;
+
+    EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, std::chrono::milliseconds wait) override {
+        const EchoReply reply = VirtualIcmpEcho::IcmpSendEcho(address, data, timeToLive, wait);
+        if (listener) listener(address, reply);
+        return reply;
+    }
 };
 
 class RecordingReports : public ReportPublisher {
@@ -93,7 +114,7 @@ struct EngineWorld {
     RecordingReports reports;
     RecordingConversation conversation;
     VirtualTcpSocket socket{net};
-    VirtualIcmpEcho echo{net};
+    OverheardEcho echo{net};
     std::unique_ptr<Timer> TimerProgress = world.timers.NewTimer("TimerProgress");
     std::unique_ptr<Timer> TimerMonitorDB = world.timers.NewTimer("TimerMonitorDB");
     std::unique_ptr<Timer> Timer2 = world.timers.NewTimer("Timer2");

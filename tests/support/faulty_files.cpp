@@ -4,7 +4,8 @@ namespace korvane {
 
 void FaultyFiles::FillDisk() {
     using Operation = FilesOperation;
-    for (const Operation operation : {Operation::Replace, Operation::Append, Operation::Copy, Operation::CreateFolder}) {
+    for (const Operation operation :
+         {Operation::Replace, Operation::Append, Operation::Copy, Operation::Publish, Operation::CreateFolder}) {
         faults.Add({.operation = operation, .forever = true, .description = "No space left on device"});
     }
 }
@@ -37,6 +38,31 @@ void FaultyFiles::Append(const std::string& path, std::string_view text) {
 void FaultyFiles::Copy(const std::string& from, const std::string& to) {
     faults.Pass(FilesOperation::Copy, to);
     files_.Copy(from, to);
+}
+
+void FaultyFiles::Publish(const std::string& path, std::string_view text) {
+    faults.Pass(FilesOperation::Publish, path);
+    files_.Publish(path, text);
+}
+
+void FaultyFiles::Remove(const std::string& path) {
+    faults.Pass(FilesOperation::Remove, path);
+    files_.Remove(path);
+}
+
+void FaultyFiles::Rename(const std::string& from, const std::string& to) {
+    faults.Pass(FilesOperation::Rename, to);
+    files_.Rename(from, to);
+}
+
+void FaultyFiles::Link(const std::string& file, const std::string& name) {
+    faults.Pass(FilesOperation::Link, name);
+    files_.Link(file, name);
+}
+
+std::vector<std::string> FaultyFiles::FileNames(const std::string& folder) {
+    faults.Pass(FilesOperation::FileNames, folder);
+    return files_.FileNames(folder);
 }
 
 void FaultyFiles::CreateFolder(const std::string& path) {

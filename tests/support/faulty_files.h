@@ -10,14 +10,27 @@
 
 namespace korvane {
 
-enum class FilesOperation { Identity, Read, Replace, Overwrite, Append, Copy, CreateFolder };
+enum class FilesOperation {
+    Identity,
+    Read,
+    Replace,
+    Overwrite,
+    Append,
+    Copy,
+    Publish,
+    Remove,
+    Rename,
+    Link,
+    FileNames,
+    CreateFolder
+};
 
 class FaultyFiles : public Files {
 public:
     /// `files` must outlive this.
     explicit FaultyFiles(Files& files) : files_(files) {}
 
-    /// A fault is about a path; for Copy about the one that is written.
+    /// A fault is about a path; for Copy, Rename and Link about the one that is written.
     FaultPlan<FilesOperation> faults;
 
     /// From now on nothing can be written ("No space left on device"), until faults.Heal().
@@ -29,6 +42,11 @@ public:
     void Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view text) override;
     void Copy(const std::string& from, const std::string& to) override;
+    void Publish(const std::string& path, std::string_view text) override;
+    void Remove(const std::string& path) override;
+    void Rename(const std::string& from, const std::string& to) override;
+    void Link(const std::string& file, const std::string& name) override;
+    std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
     bool HoldFolder(const std::string& path) override { return files_.HoldFolder(path); }
 

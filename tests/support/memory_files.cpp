@@ -53,6 +53,33 @@ void MemoryFiles::Copy(const std::string& from, const std::string& to) {
     Put(to, Existing(from).text);
 }
 
+void MemoryFiles::Publish(const std::string& path, std::string_view text) {
+    Put(path, std::string(text));
+}
+
+void MemoryFiles::Remove(const std::string& path) {
+    if (folders_.contains(path)) throw Error("Is a directory: " + path);
+    files_.erase(path);
+}
+
+void MemoryFiles::Rename(const std::string& from, const std::string& to) {
+    Put(to, Existing(from).text);
+    files_.erase(from);
+}
+
+void MemoryFiles::Link(const std::string& file, const std::string& name) {
+    Put(name, Existing(file).text);
+}
+
+std::vector<std::string> MemoryFiles::FileNames(const std::string& folder) {
+    if (!folders_.contains(folder)) throw Error("No such file or directory: " + folder);
+    std::vector<std::string> names;
+    for (const auto& [path, file] : files_) {
+        if (FolderOf(path) == folder) names.push_back(path.substr(path.rfind('/') + 1));
+    }
+    return names;
+}
+
 void MemoryFiles::CreateFolder(const std::string& path) {
     if (path.empty() || path == "/") return;
     if (files_.contains(path)) throw Error("Not a directory: " + path);

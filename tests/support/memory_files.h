@@ -21,6 +21,11 @@ public:
     void Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view text) override;
     void Copy(const std::string& from, const std::string& to) override;
+    void Publish(const std::string& path, std::string_view text) override;
+    void Remove(const std::string& path) override;
+    void Rename(const std::string& from, const std::string& to) override;
+    void Link(const std::string& file, const std::string& name) override;
+    std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
     bool HoldFolder(const std::string& path) override;
 
@@ -31,8 +36,6 @@ public:
     std::string Text(const std::string& path) const;
     /// The paths of all files, in order.
     std::vector<std::string> Paths() const;
-    /// As somebody else would do it: no error when there is none.
-    void Remove(const std::string& path) { files_.erase(path); }
 
 private:
     struct File {

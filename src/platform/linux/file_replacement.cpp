@@ -66,12 +66,6 @@ bool MayBeWrittenInPlace(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
-// Without it a power cut could bring the old file back. Some file systems cannot do it, and then need not.
-void FlushFolderOf(const std::string& path) {
-    const Descriptor folder(::open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder) ::fsync(folder.Number());
-}
-
 // Whether a file is there. Throws Error when it is one that must not be replaced.
 bool StatExisting(const std::string& path, struct stat& existing) {
     if (::stat(path.c_str(), &existing) != 0) {
@@ -84,6 +78,12 @@ bool StatExisting(const std::string& path, struct stat& existing) {
 }
 
 }  // namespace
+
+// Without it a power cut could bring the old file back. Some file systems cannot do it, and then need not.
+void FlushFolderOf(const std::string& path) {
+    const Descriptor folder(::open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) ::fsync(folder.Number());
+}
 
 void ThrowFileError(const char* action, const std::string& path) {
     throw Error(std::string("Cannot ") + action + " " + path + ": " + std::strerror(errno));
@@ -110,7 +110,7 @@ std::string FollowLinks(std::string path) {
     ThrowFileError("write", path);
 }
 
-bool ReplaceBySibling(const std::string& path, const std::function<void(const Descriptor&)>& write) {
+bool ReplaceBySibling(const std::string& path, const std::function<void(const Descriptor&)>& write, const Placing& placing) {
     struct stat existing {};
     const bool exists = StatExisting(path, existing);
     Sibling sibling(path);
@@ -119,13 +119,14 @@ bool ReplaceBySibling(const std::string& path, const std::function<void(const De
         ThrowFileError("write", path);
     }
     if (exists && !sibling.TakeOwnerAndMode(existing)) return false;
+    if (!exists && ::fchmod(sibling.File().Number(), placing.newMode) != 0) ThrowFileError("write", path);
     write(sibling.File());
-    if (::fsync(sibling.File().Number()) != 0) ThrowFileError("write", path);
+    if (placing.flush && ::fsync(sibling.File().Number()) != 0) ThrowFileError("write", path);
     if (!sibling.MoveTo(path)) {
         if (exists && MayBeWrittenInPlace(errno)) return false;
         ThrowFileError("write", path);
     }
-    FlushFolderOf(path);
+    if (placing.flush) FlushFolderOf(path);
     return true;
 }
 

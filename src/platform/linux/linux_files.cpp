@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -118,6 +119,42 @@ void LinuxFiles::Copy(const std::string& from, const std::string& to) {
         ReadPieces(source, from, [&](std::string_view piece) { WriteAll(file, piece, to); });
     });
     if (!replaced) ReplaceInPlace(target, *Read(from));
+}
+
+void LinuxFiles::Publish(const std::string& path, std::string_view text) {
+    const std::string target = FollowLinks(path);
+    const auto write = [&](const Descriptor& file) { WriteAll(file, text, path); };
+    if (!ReplaceBySibling(target, write, {.flush = false, .newMode = 0644})) ReplaceInPlace(target, text);
+}
+
+void LinuxFiles::Remove(const std::string& path) {
+    if (::unlink(path.c_str()) != 0 && !NoSuchFile(errno)) ThrowFileError("remove", path);
+}
+
+void LinuxFiles::Rename(const std::string& from, const std::string& to) {
+    {
+        const Descriptor file = OpenToRead(from);
+        if (file && ::fsync(file.Number()) != 0) ThrowFileError("write", from);
+    }
+    if (::rename(from.c_str(), to.c_str()) != 0) ThrowFileError("rename", from);
+    FlushFolderOf(to);
+}
+
+void LinuxFiles::Link(const std::string& file, const std::string& name) {
+    Remove(name);
+    if (::link(file.c_str(), name.c_str()) != 0) return Copy(file, name);
+    FlushFolderOf(name);
+}
+
+std::vector<std::string> LinuxFiles::FileNames(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+        if (!at->is_directory(error)) names.push_back(at->path().filename().string());
+    }
+    if (error) throw Error("Cannot read folder " + folder + ": " + error.message());
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 void LinuxFiles::CreateFolder(const std::string& path) {

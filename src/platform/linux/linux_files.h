@@ -24,6 +24,11 @@ public:
     void Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view text) override;
     void Copy(const std::string& from, const std::string& to) override;
+    void Publish(const std::string& path, std::string_view text) override;
+    void Remove(const std::string& path) override;
+    void Rename(const std::string& from, const std::string& to) override;
+    void Link(const std::string& file, const std::string& name) override;
+    std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
 
     /// The hold ends with this object or the process. Throws Error when the folder cannot be opened or its file system knows no locks.

@@ -46,6 +46,32 @@ TYPED_TEST(FilesContract, AppendAddsAtTheEndAndMakesTheFile) {
     EXPECT_NE(this->files.Identity(path), before);
 }
 
+TYPED_TEST(FilesContract, NamesComeAndGo) {
+    const std::string a = this->Path("a");
+    const std::string b = this->Path("b");
+    this->files.Publish(a, "old");
+    this->files.Publish(a, "page");
+    this->files.Link(a, b);
+    this->files.Link(a, b);  // again, in place of what bore the name
+    this->files.CreateFolder(this->Path("folder"));
+    EXPECT_EQ(this->files.Read(b), "page");
+    EXPECT_EQ(this->files.FileNames(this->bench.folder), (std::vector<std::string>{"a", "b"}));
+
+    this->files.Publish(this->Path("new"), "new");
+    this->files.Rename(this->Path("new"), a);
+    EXPECT_EQ(this->files.Read(a), "new");
+    EXPECT_EQ(this->files.Read(b), "page");
+    this->files.Remove(b);
+    this->files.Remove(b);
+    EXPECT_EQ(this->files.FileNames(this->bench.folder), std::vector<std::string>{"a"});
+
+    EXPECT_THROW(this->files.Rename(b, a), Error);
+    EXPECT_THROW(this->files.Remove(this->Path("folder")), Error);
+    EXPECT_THROW(this->files.FileNames(b), Error);
+    EXPECT_THROW(this->files.Publish(this->Path("no/where"), "x"), Error);
+    EXPECT_EQ(this->files.Read(a), "new");
+}
+
 TYPED_TEST(FilesContract, OverwriteKeepsTheLength) {
     const std::string path = this->Path("counter");
     EXPECT_THROW(this->files.Overwrite(path, 0, "x"), Error);
