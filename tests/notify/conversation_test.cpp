@@ -305,9 +305,9 @@ TEST(SendMail, ASocketThatDoesNotSend) {
     MailWorld refusing;
     GoOnFrom(refusing.Smtp(), 0);
     refusing.world.After(1ms, [&] { refusing.socket.RefuseToSend(1); });
-    auto mail = refusing.NewMail();
-    EXPECT_FALSE(mail->SendMail());
-    EXPECT_EQ(mail->ErrorLog, "Error sending data to remote host\r\nServer replied: 220 ready Couldn't send EHLO ");
+    const auto refused = refusing.NewMail();
+    EXPECT_FALSE(refused->SendMail());
+    EXPECT_EQ(refused->ErrorLog, "Error sending data to remote host\r\nServer replied: 220 ready Couldn't send EHLO ");
 
     MailWorld stuck;  // each of the eleven pieces is given up after a minute, and the server has it all the same
     GoOnFrom(stuck.Smtp().TakeNothing(), 0);
@@ -316,16 +316,16 @@ TEST(SendMail, ASocketThatDoesNotSend) {
 
     MailWorld slow;  // 50 bytes in 40 seconds: far too slow, but it goes on
     GoOnFrom(slow.Smtp().Take(40s, 50), 0);
-    mail = slow.NewMail();
-    mail->plainMessage = std::string(500, 'x');
-    EXPECT_TRUE(mail->SendMail());
+    const auto large = slow.NewMail();
+    large->plainMessage = std::string(500, 'x');
+    EXPECT_TRUE(large->SendMail());
     EXPECT_GE(slow.world.clock.GetTickCount(), 400s);
 
     MailWorld broken;  // the socket's error does not end the wait for the send; the wait for the reply finds it
     ServerUpTo(broken, 4).TakeNothing().Speak("354 go\r\n").Reset(1s);
-    mail = broken.NewMail();
-    EXPECT_FALSE(mail->SendMail());
-    EXPECT_EQ(mail->ErrorLog, std::string(kRefused) + "\r\nClient sent: DATA\r\nServer replied: 250 rcpt ");
+    const auto cut = broken.NewMail();
+    EXPECT_FALSE(cut->SendMail());
+    EXPECT_EQ(cut->ErrorLog, std::string(kRefused) + "\r\nClient sent: DATA\r\nServer replied: 250 rcpt ");
 }
 
 TEST(SendMail, MidnightEndsWaitsInsteadOfHangingThem) {
