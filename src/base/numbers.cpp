@@ -1,5 +1,6 @@
 #include "base/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -69,6 +70,14 @@ std::string FormatFixed(double number, int decimals) {
     const auto end =
         std::to_chars(buffer, buffer + sizeof buffer, rounded == 0 ? 0.0 : rounded, std::chars_format::fixed, decimals);
     return std::string(buffer, end.ptr);
+}
+
+std::string FormatGrouped(double number, int decimals) {
+    std::string text = FormatFixed(number, decimals);
+    const std::size_t first = text.starts_with('-') ? 1 : 0;
+    for (std::size_t at = std::min(text.find('.'), text.size()); at > first + 3;)
+        text.insert(at -= 3, ",");
+    return text;
 }
 
 std::string FormatGeneral(double number) {

@@ -25,6 +25,9 @@ std::int64_t ParseWhole(std::string_view text);
 /// `decimals` decimals (0 to 9), "." before them, rounding half away from zero, a leading zero, no grouping.
 std::string FormatFixed(double number, int decimals);
 
+/// The same with a "," between groups of three digits: "1,000.00".
+std::string FormatGrouped(double number, int decimals);
+
 /// The shortest decimal text that reads back as the same number: "3", "0.5", "1500000".
 std::string FormatGeneral(double number);
 

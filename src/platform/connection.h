@@ -3,6 +3,7 @@
 // All operations may block on the disk for milliseconds (up to a second when another process holds the file), and throw Error with a description.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -106,6 +107,15 @@ public:
     virtual ~Store() = default;
     virtual std::unique_ptr<Connection> NewConnection() = 0;
     virtual std::unique_ptr<Recordset> NewRecordset() = 0;
+
+    /// Looks through the database `file` for damage, writes a compact copy of it to `copy`, in place of what bore that name, calls
+    /// `copied` when that is on the disk, and then compacts `file` itself in one transaction. Nobody else gets at it meanwhile. Both
+    /// have the same rows. A crash in between leaves the file as it was or compacted, and everybody who has it open can go on.
+    /// Needs room for two more copies, and blocks for seconds with a large file.
+    ///
+    /// Throws Error as Connection::Open does, "... is damaged: ..." for a damaged file, for a full disk, for a file that somebody
+    /// else is using, and what `copied` throws. `file` is then as it was, and a copy that `copied` did not take away is gone.
+    virtual void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) = 0;
 
     /// Lets go of everything that is kept ready between two pieces of work: until the next Connection nothing of the store is open in this process.
     virtual void Rest() {}

@@ -52,9 +52,6 @@ public:
     /// `from` takes the place of `to` in one step, both on the same disk, and is on the disk when this returns. Throws Error and leaves both as they were.
     virtual void Rename(const std::string& from, const std::string& to) = 0;
 
-    /// A second name for the same file, in place of what bore it; a copy where the file system knows no second names. Throws Error.
-    virtual void Link(const std::string& file, const std::string& name) = 0;
-
     /// The names of what is in the folder and is no folder itself, in order. Throws Error.
     virtual std::vector<std::string> FileNames(const std::string& folder) = 0;
 

@@ -18,6 +18,9 @@ public:
     /// Adds a line to the status log; line ends in the text are already gone. Without a display it is printed.
     virtual void StatusLine(const std::string& time, const std::string& text) = 0;
 
+    /// Empties the status log, where there is one that stays.
+    virtual void ClearStatus() {}
+
     virtual void SetClockText(const std::string& time) = 0;
     /// The short message of the cycle ("Sleeping for 20 seconds.").
     virtual void SetCycleText(const std::string& text) = 0;
@@ -29,6 +32,9 @@ public:
 
     virtual void SetTray(TrayPicture picture, const std::string& tip) = 0;
     virtual void SetTrayTip(const std::string& tip) = 0;
+
+    /// "Number of distinct company names", shown once there is more than one.
+    virtual void SetCustomerCount(int /*count*/) {}
 
     virtual void RefreshURLList() = 0;
     virtual void SetWaitCursor(bool wait) = 0;

@@ -1,4 +1,4 @@
-// Port: programs of the system, started and left to themselves.
+// Port: programs of the system, started and left to themselves: commands, and the browser of the person at the desk.
 #pragma once
 
 #include <string>
@@ -16,6 +16,13 @@ public:
     /// other signs of the shell goes to the shell; a plain one is started directly, so that a program that is not there throws Error
     /// with the reason; words that only a shell knows (cd, exec) are not there. `style` matters only where a program has a window of its own.
     virtual int Shell(const std::string& command, WindowStyle style) = 0;
+
+    /// Whether the person at this desk has a program for files with this extension ("htm", without a dot).
+    virtual bool HasDefaultProgram(const std::string& extension) = 0;
+
+    /// Opens the page in the browser and returns at once. Throws Error with the reason when no browser could be started; that the one that was started shows the
+    /// page is not known.
+    virtual void OpenPage(const std::string& path) = 0;
 };
 
 }  // namespace korvane

@@ -1,7 +1,6 @@
 // The database file: what is no database, what changes between two uses, other programs, a full disk, sudden death.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QSqlDatabase>
@@ -10,7 +9,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <random>
 
 #include "base/error.h"
@@ -34,44 +32,6 @@ std::string ContentOf(const std::string& path) {
 void Write(const std::string& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
 }
-
-/// A process that runs `work` beside this one, until it is killed at the latest.
-class OtherProcess {
-public:
-    explicit OtherProcess(const std::function<void(const std::function<void()>& sayReady)>& work) {
-        int ends[2];
-        if (pipe(ends) != 0) throw std::runtime_error("pipe");
-        output_ = ends[0];
-        id_ = fork();
-        if (id_ != 0) {
-            close(ends[1]);
-            return;
-        }
-        const auto say = [&](const std::string& text) { return write(ends[1], text.data(), text.size()) > 0; };
-        try {
-            work([&] { say("ready"); });
-        } catch (const std::exception& error) {
-            say(error.what());
-        }
-        _exit(0);
-    }
-    ~OtherProcess() {
-        kill(id_, SIGKILL);
-        waitpid(id_, nullptr, 0);
-        close(output_);
-    }
-
-    /// Waits for it to say "ready" or its error; empty when it ended without.
-    std::string Said() {
-        char text[1000];
-        const auto length = read(output_, text, sizeof text);
-        return {text, static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
-    }
-
-private:
-    pid_t id_;
-    int output_;
-};
 
 class SqlStore : public testing::Test {
 protected:

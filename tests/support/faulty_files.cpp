@@ -55,11 +55,6 @@ void FaultyFiles::Rename(const std::string& from, const std::string& to) {
     files_.Rename(from, to);
 }
 
-void FaultyFiles::Link(const std::string& file, const std::string& name) {
-    faults.Pass(FilesOperation::Link, name);
-    files_.Link(file, name);
-}
-
 std::vector<std::string> FaultyFiles::FileNames(const std::string& folder) {
     faults.Pass(FilesOperation::FileNames, folder);
     return files_.FileNames(folder);

@@ -30,7 +30,7 @@ public:
     /// `files` must outlive this.
     explicit FaultyFiles(Files& files) : files_(files) {}
 
-    /// A fault is about a path; for Copy, Rename and Link about the one that is written.
+    /// A fault is about a path; for Copy and Rename about the one that is written.
     FaultPlan<FilesOperation> faults;
 
     /// From now on nothing can be written ("No space left on device"), until faults.Heal().
@@ -45,7 +45,6 @@ public:
     void Publish(const std::string& path, std::string_view text) override;
     void Remove(const std::string& path) override;
     void Rename(const std::string& from, const std::string& to) override;
-    void Link(const std::string& file, const std::string& name) override;
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
     bool HoldFolder(const std::string& path) override { return files_.HoldFolder(path); }

@@ -84,4 +84,9 @@ std::unique_ptr<Recordset> FaultyStore::NewRecordset() {
     return std::make_unique<FaultyRecordset>(store_.NewRecordset(), faults);
 }
 
+void FaultyStore::Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) {
+    faults.Pass(StoreOperation::Compact, file);
+    store_.Compact(file, copy, copied);
+}
+
 }  // namespace korvane

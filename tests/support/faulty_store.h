@@ -19,6 +19,7 @@ enum class StoreOperation {
     AddNew,    ///< [query]
     Update,    ///< [query]
     Delete,    ///< [query]
+    Compact,   ///< [file]
 };
 
 class FaultyStore : public Store {
@@ -30,6 +31,7 @@ public:
 
     std::unique_ptr<Connection> NewConnection() override;
     std::unique_ptr<Recordset> NewRecordset() override;
+    void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override;
     void Rest() override { store_.Rest(); }
 
 private:

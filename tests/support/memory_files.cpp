@@ -67,10 +67,6 @@ void MemoryFiles::Rename(const std::string& from, const std::string& to) {
     files_.erase(from);
 }
 
-void MemoryFiles::Link(const std::string& file, const std::string& name) {
-    Put(name, Existing(file).text);
-}
-
 std::vector<std::string> MemoryFiles::FileNames(const std::string& folder) {
     if (!folders_.contains(folder)) throw Error("No such file or directory: " + folder);
     std::vector<std::string> names;

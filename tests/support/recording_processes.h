@@ -23,10 +23,20 @@ public:
     std::string missing;  ///< a command that holds this is not there; blank: all are
     bool keep = true;     ///< off for long runs
 
+    bool hasBrowser = true;
+    bool browserStarts = true;
+    std::vector<std::string> opened;
+
     int Shell(const std::string& command, WindowStyle style) override {
         if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
         if (keep) started.push_back({command, style});
         return pid;
+    }
+
+    bool HasDefaultProgram(const std::string&) override { return hasBrowser; }
+    void OpenPage(const std::string& path) override {
+        if (!browserStarts) throw Error("No such file or directory", 2);
+        opened.push_back(path);
     }
 };
 

@@ -140,12 +140,6 @@ void LinuxFiles::Rename(const std::string& from, const std::string& to) {
     FlushFolderOf(to);
 }
 
-void LinuxFiles::Link(const std::string& file, const std::string& name) {
-    Remove(name);
-    if (::link(file.c_str(), name.c_str()) != 0) return Copy(file, name);
-    FlushFolderOf(name);
-}
-
 std::vector<std::string> LinuxFiles::FileNames(const std::string& folder) {
     std::vector<std::string> names;
     std::error_code error;

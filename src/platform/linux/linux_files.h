@@ -27,7 +27,6 @@ public:
     void Publish(const std::string& path, std::string_view text) override;
     void Remove(const std::string& path) override;
     void Rename(const std::string& from, const std::string& to) override;
-    void Link(const std::string& file, const std::string& name) override;
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
 

@@ -15,6 +15,7 @@
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "platform/linux/default_program.h"
 
 namespace korvane {
 namespace {
@@ -23,6 +24,8 @@ constexpr std::string_view kShellSigns = "|&;<>()$`\\\"'*?[]{}#~=%!\n\r";
 
 /// Each watched process costs a descriptor, and commands that hang for ever must not take those that the checks need.
 constexpr std::size_t kMostWatched = 100;
+
+constexpr std::string_view kPagePlace = "%s";
 
 using Words = std::vector<std::string>;
 
@@ -78,6 +81,21 @@ private:
     posix_spawn_file_actions_t files_{};
 };
 
+// The commands between the colons of BROWSER; the page stands in place of "%s", or behind a command without it.
+std::vector<Words> BrowserCommands(const std::string& page) {
+    std::vector<Words> commands;
+    for (const std::string& command : Split(EnvironmentVariable("BROWSER"), ':')) {
+        Words words = PlainWords(command);
+        if (words.empty()) continue;
+        const bool hasPlace = Holds(command, kPagePlace);
+        for (std::string& word : words)
+            word = ReplaceAll(word, kPagePlace, page);
+        if (!hasPlace) words.push_back(page);
+        commands.push_back(std::move(words));
+    }
+    return commands;
+}
+
 /// Whether there is nothing left of it.
 bool Reap(pid_t pid) {
     const pid_t ended = ::waitpid(pid, nullptr, WNOHANG);
@@ -105,6 +123,29 @@ int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
     Check(error);
     ReapAtItsEnd(pid);
     return pid;
+}
+
+int LinuxProcesses::Start(const Words& words) {
+    ReapUnwatched();
+    pid_t pid = 0;
+    Check(FreshStart().Spawn(words, pid));
+    ReapAtItsEnd(pid);
+    return pid;
+}
+
+bool LinuxProcesses::HasDefaultProgram(const std::string& extension) {
+    const std::string kind = KindOfFile(extension);
+    if (kind.empty()) return false;
+    return !DefaultDesktopEntry(kind, EnvironmentVariable).empty() || (kind == kPageKind && !BrowserCommands("").empty());
+}
+
+void LinuxProcesses::OpenPage(const std::string& path) {
+    std::vector<Words> ways = BrowserCommands(path);
+    ways.insert(ways.begin(), {"xdg-open", path});
+    for (std::size_t way = 0; way + 1 < ways.size(); ++way) {
+        if (IgnoreErrors([&] { Start(ways[way]); })) return;
+    }
+    Start(ways.back());
 }
 
 void LinuxProcesses::ReapAtItsEnd(pid_t pid) {

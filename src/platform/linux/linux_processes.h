@@ -23,12 +23,18 @@ public:
     /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command too.
     int Shell(const std::string& command, WindowStyle style) override;
 
+    /// By the desktop's choice for that kind of file, or for pages by the variable BROWSER.
+    bool HasDefaultProgram(const std::string& extension) override;
+    /// With xdg-open where it is installed, which asks the desktop; else with the commands of BROWSER, in their order.
+    void OpenPage(const std::string& path) override;
+
 private:
     struct Child {
         Descriptor end;  ///< readable when the process has ended
         std::unique_ptr<Events::Watch> watch;
     };
 
+    int Start(const std::vector<std::string>& words);
     void ReapAtItsEnd(pid_t pid);
     void Ended(pid_t pid);
     void ReapUnwatched();

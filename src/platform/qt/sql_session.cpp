@@ -141,6 +141,17 @@ void SqlSession::Commit() {
     }
 }
 
+void SqlSession::TakeForItself() {
+    PrepareForChanges();
+    Select("PRAGMA locking_mode=EXCLUSIVE");
+    SelectPrepared("BEGIN EXCLUSIVE", {}).finish();
+    SelectPrepared("COMMIT", {}).finish();  // in this mode the lock stays
+}
+
+void SqlSession::CopyInto(const std::string& path) {
+    SelectPrepared("VACUUM INTO ?", {UriOf(path)}).finish();
+}
+
 std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table) {
     auto& columns = columns_[table];
     if (!columns)

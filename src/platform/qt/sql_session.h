@@ -60,6 +60,13 @@ public:
     /// A transaction around several changes; it takes the file for writing at once. Throws Error.
     void Begin();
     void Commit();
+
+    /// Nobody else gets at the file from here to Close. Throws Error.
+    void TakeForItself();
+
+    /// Writes a compact copy of the database into the empty file `path`. Throws Error.
+    void CopyInto(const std::string& path);
+
     bool InTransaction() const { return inTransaction_; }
 
     /// The columns of a table. Throws Error when there is no such table.

@@ -1,5 +1,6 @@
 #include "platform/qt/sql_store.h"
 
+#include "platform/qt/sql_compaction.h"
 #include "platform/qt/sql_recordset.h"
 
 namespace korvane {
@@ -15,6 +16,11 @@ std::unique_ptr<Connection> QtSqlStore::NewConnection() {
 
 std::unique_ptr<Recordset> QtSqlStore::NewRecordset() {
     return std::make_unique<QtSqlRecordset>(state_);
+}
+
+void QtSqlStore::Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) {
+    SqlSession session(file, state_->busyTimeout, state_->kindOf);
+    CompactDatabase(session, copy, copied);
 }
 
 void QtSqlStore::Rest() {

@@ -26,6 +26,7 @@ public:
 
     std::unique_ptr<Connection> NewConnection() override;
     std::unique_ptr<Recordset> NewRecordset() override;
+    void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override;
     void Rest() override;
 
 private:

@@ -1,0 +1,123 @@
+#include "store/maintenance.h"
+
+#include "base/error.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+const std::string kAllIds = "-1";
+
+// An id becomes part of a query.
+void RequireId(const std::string& id) {
+    if (id.empty() || id.find_first_not_of("0123456789") != std::string::npos) throw Error("'" + id + "' is no ID.");
+}
+
+std::string Of(const std::string& query, std::string_view where, const std::string& id) {
+    if (id == kAllIds) return query;
+    RequireId(id);
+    return query + std::string(where) + id;
+}
+
+}  // namespace
+
+// The copy becomes the backup and the file is compacted where it is, so that at every moment it stands under its name, for a
+// start after a crash and for whoever else has it open.
+void Maintenance::CompactAndRepair(const std::string& file) {
+    const std::string copy = dir_ + "/COMPACT" + std::string(kDatabaseFile);
+    try {
+        ports_.status.setStatusMSG("Compact and repair " + file + " to " + copy);
+        ports_.store.Compact(file, copy, [&] { ports_.files.Rename(copy, file + ".BAK"); });
+        ports_.status.setStatusMSG("Done compacting and repairing database.");
+    } catch (const std::exception& error) {
+        Tell("CompactAndRepair", error.what());
+    }
+}
+
+void Maintenance::ResetAllEventsToNow() {
+    InTransaction("ResetAllEventsToNow", [&](Connection& connection) {
+        ForEachRow(connection, "SELECT * FROM Servers where bIsMonitoring ",
+                   [now = ports_.clock.Now()](Recordset& row) { row.Fields("dtNextCheck") = now; });
+    });
+}
+
+void Maintenance::DeleteServerData(const std::string& id) {
+    if (id.empty()) return ports_.log.WriteLog(kLogFatal, kLogError, "DeleteServerData: No ID Specified!");
+    InTransaction("DeleteServerData", [&](Connection& connection) {
+        RequireId(id);
+        DeleteRows(connection, "SELECT * FROM Servers where ID=" + id);
+        DeleteRows(connection, "SELECT * FROM Failures where IDParent=" + id);
+        DeleteRows(connection, "SELECT * FROM Response where IDParent=" + id);
+        DeleteRows(connection, "SELECT * FROM ResponseFailText where IDParent=" + id);
+    });
+}
+
+bool Maintenance::TryResetStatData(const std::string& id, bool deleteFailures) {
+    return InTransaction("ResetStatData", [&](Connection& connection) {
+        ForEachRow(connection, Of("SELECT * from servers", " where id=", id), [now = ports_.clock.Now()](Recordset& row) {
+            for (const std::string_view counter : {"nAveResponse", "nAveSession", "nSuccess", "nFail"})
+                row.Fields(counter) = 0;
+            row.Fields("nPercentUp") = 100;
+            row.Fields("datelastreset") = now;
+        });
+        if (deleteFailures) DeleteRows(connection, Of("SELECT * from failures", " where idparent=", id));
+    });
+}
+
+bool Maintenance::TryResetResponseData(const std::string& id) {
+    return InTransaction("ResetResponseData", [&](Connection& connection) {
+        DeleteRows(connection, Of("SELECT * from response", " where idparent = ", id));
+    });
+}
+
+void Maintenance::ResetStatDataALL(bool deleteFailures) {
+    if (TryResetStatData(kAllIds, deleteFailures)) FinishReset();
+}
+
+void Maintenance::ResetResponseDataALL() {
+    if (TryResetResponseData(kAllIds)) FinishReset();
+}
+
+void Maintenance::FinishReset() {
+    ports_.publish();
+    ports_.status.setStatusMSG("Reset Complete");
+}
+
+bool Maintenance::InTransaction(std::string_view routine, const std::function<void(Connection&)>& work) {
+    try {
+        const auto connection = ports_.store.NewConnection();
+        connection->SetConnectionString(OleDbConnectionText(dir_));
+        connection->Open();
+        connection->BeginTrans();
+        work(*connection);
+        connection->CommitTrans();
+        return true;
+    } catch (const std::exception& error) {
+        Tell(routine, error.what());
+        return false;
+    }
+}
+
+void Maintenance::ForEachRow(Connection& connection, const std::string& query, const std::function<void(Recordset&)>& change) {
+    const auto rows = ports_.store.NewRecordset();
+    for (rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic); !rows->Eof(); rows->MoveNext()) {
+        change(*rows);
+        rows->Update();
+    }
+    rows->Close();
+}
+
+void Maintenance::DeleteRows(Connection& connection, const std::string& query) {
+    const auto rows = ports_.store.NewRecordset();
+    for (rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic); !rows->Eof(); rows->MoveNext())
+        rows->Delete();
+    rows->Close();
+}
+
+void Maintenance::Tell(std::string_view routine, const std::string& description) {
+    const std::string text = std::string(routine) + ": " + description;
+    ports_.status.setStatusMSG(text);
+    ports_.log.WriteLog(kLogFatal, kLogError, text);
+}
+
+}  // namespace korvane
