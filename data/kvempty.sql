@@ -82,6 +82,8 @@ CREATE TABLE Response (
     nAveSession  REAL
 );
 CREATE INDEX ResponseByParentAndDate ON Response (idParent, txtType, dtCur);
+-- Each publish looks for hours of any entry that are over.
+CREATE INDEX ResponseByDate ON Response (txtType, dtCur);
 
 -- Texts that mean failure when an answer holds them.
 CREATE TABLE ResponseFailText (

@@ -1,5 +1,4 @@
-// What the cycle and the accounts call and do not know. Reports and the conversation window have stand-ins below that do nothing and say so, for a
-// program that is built without them.
+// What the cycle and the accounts call and do not know.
 #pragma once
 
 #include <string>
@@ -40,12 +39,6 @@ public:
     virtual bool Visible() const = 0;
     virtual void setRequest(const std::string& text) = 0;
     virtual void setResponse(const std::string& text) = 0;
-};
-
-/// Reports are not part of the program: asking for them is answered with that.
-class NoReports : public ReportPublisher {
-public:
-    std::string PublishReports() override;
 };
 
 /// Nobody looks on.

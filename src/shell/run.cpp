@@ -31,14 +31,18 @@ Run::Run(const Ports& ports, Options options)
       trace_({ports.files, ports.processes, status_, log_}, options_.dir),
       commands_({ports.processes, status_, log_}),
       actions_({ports.store, ports.clock, status_, log_, collection_, entries_, mail_, trace_, commands_}),
+      reports_({ports.store, ports.clock, ports.events, ports.person, ports.files, status_, collection_, ids_}, options_.dir),
+      publisher_(reports_),
+      maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { publisher_.PublishReports(); }}, options_.dir),
       http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
       accounting_(
           {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
       cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
-              reports_, state_, OdbcConnectionText(options_.dir)}),
-      wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); }, {}}),
+              publisher_, state_, OdbcConnectionText(options_.dir)}),
+      wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); },
+             [this] { maintenance_.CompactAndRepair(DatabasePath(options_.dir)); }}),
       progress_({ports.events, ports.person, state_, *TimerProgress_}),
       stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}) {}
 

@@ -36,9 +36,12 @@
 #include "platform/sound.h"
 #include "platform/tcp_socket.h"
 #include "platform/timer.h"
+#include "reports/pipeline.h"
+#include "shell/cycle_publisher.h"
 #include "store/ini_file.h"
 #include "store/legacy_log.h"
 #include "store/log.h"
+#include "store/maintenance.h"
 #include "store/server_entries.h"
 #include "store/server_id.h"
 #include "store/settings.h"
@@ -152,7 +155,9 @@ private:
     TraceRoute trace_;
     CommandRunner commands_;
     ServerActions actions_;
-    NoReports reports_;
+    Reports reports_;
+    CyclePublisher publisher_;
+    Maintenance maintenance_;
     NoConversationWindow conversation_;
     HttpRequester http_;
     TcpChecker tcp_;

@@ -1,5 +1,6 @@
 // The start of the program in its fixed order, with every branch and message. Nothing here needs a window.
 #include <string>
+#include <vector>
 
 #include "base/ignore_errors.h"
 #include "shell/run.h"
@@ -11,6 +12,9 @@ namespace korvane {
 namespace {
 
 constexpr std::string_view kReinstall = " was missing.  Please reinstall Korvane (may have to choose the repair option).";
+
+/// The folder of the pages' pictures.
+constexpr const char* kPictures = "/i";
 
 std::string DatabaseFailureText(const std::string& error) {
     const std::string page(kDatabaseHelpAddress);
@@ -90,6 +94,12 @@ void Run::BringInstallationData() {
     bring("/" + std::string(kEmptyDatabaseFile));
     for (const ReportTemplate& page : ReportTemplates())
         bring("/" + std::string(page.file));
+    IgnoreErrors([&] {
+        const std::vector<std::string> pictures = ports_.files.FileNames(options_.dataDir + kPictures);
+        ports_.files.CreateFolder(options_.dir + kPictures);
+        for (const std::string& picture : pictures)
+            bring(kPictures + ("/" + picture));
+    });
 }
 
 bool Run::HasDatabase() {

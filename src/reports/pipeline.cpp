@@ -1,0 +1,121 @@
+#include "reports/pipeline.h"
+
+#include <exception>
+
+#include "reports/columns.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::string_view kGroupsHead =
+    "<table width=90% border=0 cellpadding=2 cellspacing=1><tr><td bgcolor=#CCCCCC align=center><b>Group Names:  Click on a link "
+    "to "
+    "see reports for each server group (Company or Network)</b></td></tr>";
+
+class Publishing {
+public:
+    Publishing(bool& flag, Operator& person) : flag_(flag), person_(person) {
+        flag_ = true;
+        person_.SetWaitCursor(true);
+    }
+    ~Publishing() {
+        person_.SetWaitCursor(false);
+        flag_ = false;
+    }
+    Publishing(const Publishing&) = delete;
+    Publishing& operator=(const Publishing&) = delete;
+
+private:
+    bool& flag_;
+    Operator& person_;
+};
+
+std::string GroupRow(const std::string& strGroup) {
+    return "\r\n<tr><td><a href=" + strGroup + "/summary.htm>Summary Report for " + strGroup + "</a></td></tr>";
+}
+
+}  // namespace
+
+Reports::Reports(const Ports& ports, std::string dir)
+    : ports_(ports),
+      dir_(std::move(dir)),
+      folder_(ports.files, ports.clock, ports.settings, dir_),
+      graphs_({ports.store, ports.clock, ports.status, folder_}),
+      responseTimes_({ports.store, ports.clock, ports.status, ports.ids, graphs_}),
+      failures_(ports.store, folder_),
+      summary_({ports.store, ports.events, ports.status, folder_, graphs_, responseTimes_, failures_}) {}
+
+void Reports::PublishReports(bool bQuiet, std::string& strErr) {
+    strErr.clear();
+    if (publishing_) {
+        strErr = "The reports are being published already.";
+        return;
+    }
+    const Publishing guard(publishing_, ports_.person);
+    try {
+        PublishAll(bQuiet, strErr);
+        lastPublish_ = ports_.clock.Now();
+    } catch (const std::exception& error) {
+        strErr = " Err - PublishReports: " + std::string(error.what()) + strErr;
+        ports_.status.setStatusMSG("PublishReports Error: " + strErr);
+    }
+}
+
+void Reports::PublishAll(bool bQuiet, std::string& strErr) {
+    ports_.status.setStatusMSG("Connecting to Database...");
+    const auto connection = ports_.store.NewConnection();
+    connection->SetConnectionString(OleDbConnectionText(dir_));
+    connection->Open();
+    const auto rs = ports_.store.NewRecordset();
+    rs->Open("SELECT distinct idCustomer FROM Servers order by idCustomer", *connection, CursorType::Static,
+             LockType::BatchOptimistic);
+    ports_.status.setStatusMSG("-->" + std::to_string(rs->RecordCount()) + " distinct customers returned.");
+    if (rs->RecordCount() > 1) ports_.person.SetCustomerCount(rs->RecordCount());
+    for (; !rs->Eof(); rs->MoveNext()) {
+        ports_.events.DoEvents();
+        const std::string idCustomer = TextOf(*rs, "idCustomer");
+        ports_.status.setStatusMSG("   Reading Server Records " + idCustomer + "...");
+        PublishReportsPerCust(idCustomer, *connection, bQuiet, strErr);
+    }
+}
+
+void Reports::PublishReportsPerCust(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
+    try {
+        PublishGroups(idCustomer, connection, bQuiet, strErr);
+    } catch (const std::exception& error) {
+        strErr += " Err - PublishReportsPerCust: " + std::string(error.what());
+    }
+}
+
+void Reports::PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
+    const auto rs = ports_.store.NewRecordset();
+    rs->Open("SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup",
+             connection, CursorType::Static, LockType::BatchOptimistic);
+    const int groups = rs->RecordCount();
+    ports_.status.setStatusMSG(std::to_string(groups) + " distinct server groups returned.");
+    std::string table(kGroupsHead);
+    for (; !rs->Eof(); rs->MoveNext()) {
+        ports_.events.DoEvents();
+        const std::string strGroup = TextOf(*rs, "strGroup");
+        table += GroupRow(strGroup);
+        summary_.PublishSummaryReport(strGroup, connection, strErr, bQuiet, lastPublish_);
+    }
+    rs->Close();
+    table += "</table>";
+    const std::string page = folder_.Merge(kGroupTemplate, {table, groups, ""});
+    const std::string path = PageOf(idCustomer, "");
+    folder_.CreateFolder(folder_.CustomerFolder(idCustomer));
+    if (!bQuiet) {
+        ports_.events.DoEvents();
+        ports_.status.setStatusMSG("Publishing Group Report " + path);
+    }
+    folder_.Write(path, page);
+}
+
+std::string Reports::PageOf(const std::string& idCustomer, const std::string& strGroup) const {
+    if (strGroup.empty()) return folder_.CustomerFolder(idCustomer) + "/groups.htm";
+    return folder_.GroupFolder(idCustomer, strGroup) + "/summary.htm";
+}
+
+}  // namespace korvane

@@ -1,0 +1,69 @@
+// The folder tree of the published pages and the templates they are merged into.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "store/settings_collection.h"
+
+namespace korvane {
+
+constexpr std::string_view kGroupTemplate = "grouptmp.htm";
+constexpr std::string_view kSummaryTemplate = "summaryreporttmp.htm";
+constexpr std::string_view kFailureTemplate = "failurereporttmp.htm";
+constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
+
+/// The whole file, or the empty text when there is none or it can't be read.
+std::string ReadFileText(Files& files, const std::string& path);
+
+/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that worked.
+bool WriteFileText(Files& files, const std::string& path, std::string_view text);
+
+/// What stands in a page in place of [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]].
+struct PageContents {
+    std::string report;
+    int total = 0;
+    std::string group;
+};
+
+class ReportFolder {
+public:
+    /// All are borrowed and must outlive this. `dir` is where the templates and the pictures are.
+    ReportFolder(Files& files, const Clock& clock, const SettingsCollection& settings, std::string dir)
+        : files_(files), clock_(clock), settings_(settings), dir_(std::move(dir)) {}
+
+    /// "<ReportPath>/R<idCustomer>"; both setting and names as they stand.
+    std::string CustomerFolder(const std::string& idCustomer) const;
+    /// The group's folder inside it.
+    std::string GroupFolder(const std::string& idCustomer, const std::string& strGroup) const;
+
+    /// The store takes names that differ only in case for one group: until the next call its folder is spelt as here, whichever of its servers asks.
+    void EnterGroup(const std::string& strGroup) { group_ = strGroup; }
+
+    /// An existing folder, or one that can't be made, is no error here: the write that follows tells.
+    void CreateFolder(const std::string& path);
+
+    /// The template with its placeholders replaced in their order; text that came in for one is searched for the next. Empty without the template.
+    std::string Merge(std::string_view templateFile, const PageContents& contents);
+
+    /// Throws Error with the path when the page can't be written, or when a name in it would lead it away from its place below "ReportPath".
+    void Write(const std::string& path, const std::string& page);
+    /// False also where there can be no such file.
+    bool Exists(const std::string& path);
+
+    /// Brings the pictures along, all of them, unless the folder has its mark: citrix.gif.
+    void EnsurePictures();
+
+private:
+    bool IsInPlace(const std::string& path, std::size_t levels) const;
+
+    Files& files_;
+    const Clock& clock_;
+    const SettingsCollection& settings_;
+    std::string dir_;
+    std::string group_;
+};
+
+}  // namespace korvane
