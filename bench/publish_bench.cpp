@@ -1,0 +1,120 @@
+// A full publish: 20 groups, and for each entry 26 hourly rows, 400 daily rows and 40 failures, all of whose pages are written. Times are those of
+// the wall; the folder lies in memory (/dev/shm) unless KORVANE_BENCH_FOLDER names one on a disk.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "platform/linux/linux_files.h"
+#include "platform/qt/sql_store.h"
+#include "reports/reports_rig.h"
+#include "store/schema.h"
+#include "support/qt_application.h"
+
+namespace korvane {
+namespace {
+
+const DateTime kNow = DateTime::Of(2026, 11, 21, 15, 4, 5);
+
+/// Delivers nothing and keeps the longest time between two calls.
+class TimedEvents : public Events {
+public:
+    void DoEvents() override {
+        const auto now = std::chrono::steady_clock::now();
+        longest = std::max(longest, std::chrono::duration<double, std::milli>(now - last_).count());
+        last_ = now;
+    }
+    void WaitForEvent(std::chrono::milliseconds) override {}
+    void Sleep(std::chrono::milliseconds) override {}
+    std::unique_ptr<Watch> WatchReadable(int, std::function<void()>) override { return nullptr; }
+
+    void Begin() { last_ = std::chrono::steady_clock::now(); }
+    double longest = 0;
+
+private:
+    std::chrono::steady_clock::time_point last_;
+};
+
+/// A database in a folder of its own, with the installation's templates and pictures.
+class PublishFolder {
+public:
+    PublishFolder(int entries, bool hourBegins) {
+        const char* parent = std::getenv("KORVANE_BENCH_FOLDER");
+        path_ = (parent == nullptr ? "/dev/shm" : std::string(parent)) + "/korvane-bench-" + std::to_string(getpid());
+        std::filesystem::copy(KORVANE_DIST_DIR, path_, std::filesystem::copy_options::recursive);
+        std::filesystem::rename(path_ + "/kvempty.mdb", path_ + "/kvdata2.mdb");
+        Fill(entries, hourBegins);
+    }
+    ~PublishFolder() { std::filesystem::remove_all(path_); }
+    PublishFolder(const PublishFolder&) = delete;
+    PublishFolder& operator=(const PublishFolder&) = delete;
+
+    const std::string& Path() const { return path_; }
+    void Run(const std::string& sql) const {
+        const std::string command = "sqlite3 '" + path_ + "/kvdata2.mdb' \"" + sql + "\"";
+        if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+    }
+
+private:
+    void Fill(int entries, bool hourBegins) const {
+        const std::string first = hourBegins ? "1" : "0";  // without a row of this hour
+        Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(entries) +
+            ") INSERT INTO Servers (ID, strGroup, strDesc, strAddress_IP, strCurStatus, nAveResponse, nAveSession, nTotalSession,"
+            " nSuccess, nFail, nPercentUp, dtNextCheck, datelastcheck, datelastfail, datelastreset)"
+            " SELECT i, 'Group' || (i % 20), 'A web server', 'www.example.org/index.html', 'UP', 120.5 + i % 900, 90.25, 12,"
+            " 12345, 67, 99.46, '2026-11-21 15:05:00', '2026-11-21 15:04:00', '2026-11-21 14:04:00', '2026-01-01 00:00:00' FROM "
+            "n;");
+        Run("WITH RECURSIVE n(i) AS (SELECT " + first + " UNION ALL SELECT i + 1 FROM n WHERE i < 25 + " + first +
+            ") INSERT INTO Response (id, idParent, txtType, dtCur, nAveResponse) SELECT ID * 1000 + i, ID, 'hour',"
+            " datetime('2026-11-21 15:04:00', '-' || (i * 55) || ' minutes'), 80 + (i * 7) % 60 FROM Servers, n;");
+        Run("WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 399)"
+            " INSERT INTO Response (id, idParent, txtType, dtCur, nAveResponse) SELECT ID * 1000 + 500 + i, ID, 'day',"
+            " datetime('2026-11-21 14:04:00', '-' || i || ' days'), 80 + (i * 7) % 1500 / 3.0 FROM Servers, n;");
+        Run("WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 39)"
+            " INSERT INTO Failures SELECT ID * 1000 + i, ID, strGroup, strDesc, strAddress_IP, 'HTTP', '80', 15, 1 + i % 3, 3,"
+            " 'No action taken.', 'The server did not answer within 15 seconds.', datetime('2026-11-21 14:04:00', '-' || i || ' "
+            "hours')"
+            " FROM Servers, n;");
+    }
+
+    std::string path_;
+};
+
+void FullPublish(benchmark::State& state, bool hourBegins) {
+    NeedQtApplication();
+    const int entries = static_cast<int>(state.range(0));
+    const PublishFolder folder(entries, hourBegins);
+    QtSqlStore store(KindOfColumn);
+    LinuxFiles files;
+    TimedEvents events;
+    for (auto _ : state) {
+        state.PauseTiming();
+        if (hourBegins) {
+            folder.Run(
+                "DELETE FROM Response WHERE txtType = 'hour' AND dtCur > '2026-11-21 15:00:00';"
+                " UPDATE Servers SET nAveSession = 90.25;");
+        }
+        VirtualWorld world(kNow);
+        ReportsRig rig(files, store, events, world, folder.Path());  // a new run: all failure pages are written
+        rig.person.keepOnlyCounts = true;
+        events.Begin();
+        state.ResumeTiming();
+        const std::string strErr = rig.Publish();
+        if (!strErr.empty()) throw std::runtime_error(strErr);
+    }
+    state.counters["longest ms between pumps"] = events.longest;
+    state.counters["an entry"] = benchmark::Counter(static_cast<double>(entries) * static_cast<double>(state.iterations()),
+                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK_CAPTURE(FullPublish, WithinTheHour, false)->Arg(50)->Arg(500)->Arg(5000)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FullPublish, AsTheHourBegins, true)->Arg(500)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace korvane
+
+BENCHMARK_MAIN();
