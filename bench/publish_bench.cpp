@@ -43,12 +43,11 @@ private:
 /// A database in a folder of its own, with the installation's templates and pictures.
 class PublishFolder {
 public:
-    PublishFolder(int entries, bool hourBegins) {
+    PublishFolder() {
         const char* parent = std::getenv("KORVANE_BENCH_FOLDER");
         path_ = (parent == nullptr ? "/dev/shm" : std::string(parent)) + "/korvane-bench-" + std::to_string(getpid());
         std::filesystem::copy(KORVANE_DIST_DIR, path_, std::filesystem::copy_options::recursive);
         std::filesystem::rename(path_ + "/kvempty.mdb", path_ + "/kvdata2.mdb");
-        Fill(entries, hourBegins);
     }
     ~PublishFolder() { std::filesystem::remove_all(path_); }
     PublishFolder(const PublishFolder&) = delete;
@@ -60,15 +59,19 @@ public:
         if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
     }
 
-private:
-    void Fill(int entries, bool hourBegins) const {
-        const std::string first = hourBegins ? "1" : "0";  // without a row of this hour
+    std::string Database() const { return path_ + "/kvdata2.mdb"; }
+
+    void AddEntries(int entries) const {
         Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(entries) +
             ") INSERT INTO Servers (ID, strGroup, strDesc, strAddress_IP, strCurStatus, nAveResponse, nAveSession, nTotalSession,"
             " nSuccess, nFail, nPercentUp, dtNextCheck, datelastcheck, datelastfail, datelastreset)"
             " SELECT i, 'Group' || (i % 20), 'A web server', 'www.example.org/index.html', 'UP', 120.5 + i % 900, 90.25, 12,"
             " 12345, 67, 99.46, '2026-11-21 15:05:00', '2026-11-21 15:04:00', '2026-11-21 14:04:00', '2026-01-01 00:00:00' FROM "
             "n;");
+    }
+
+    void AddHistory(bool hourBegins) const {
+        const std::string first = hourBegins ? "1" : "0";  // without a row of this hour
         Run("WITH RECURSIVE n(i) AS (SELECT " + first + " UNION ALL SELECT i + 1 FROM n WHERE i < 25 + " + first +
             ") INSERT INTO Response (id, idParent, txtType, dtCur, nAveResponse) SELECT ID * 1000 + i, ID, 'hour',"
             " datetime('2026-11-21 15:04:00', '-' || (i * 55) || ' minutes'), 80 + (i * 7) % 60 FROM Servers, n;");
@@ -82,13 +85,16 @@ private:
             " FROM Servers, n;");
     }
 
+private:
     std::string path_;
 };
 
 void FullPublish(benchmark::State& state, bool hourBegins) {
     NeedQtApplication();
     const int entries = static_cast<int>(state.range(0));
-    const PublishFolder folder(entries, hourBegins);
+    const PublishFolder folder;
+    folder.AddEntries(entries);
+    folder.AddHistory(hourBegins);
     QtSqlStore store(KindOfColumn);
     LinuxFiles files;
     TimedEvents events;
@@ -113,6 +119,47 @@ void FullPublish(benchmark::State& state, bool hourBegins) {
 }
 BENCHMARK_CAPTURE(FullPublish, WithinTheHour, false)->Arg(50)->Arg(500)->Arg(5000)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FullPublish, AsTheHourBegins, true)->Arg(500)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// A year of 500 entries that begins with none of their rows: a publish each evening and, on the last day, each hour; a failure of each entry in nine days. What
+/// is timed is the compaction at its end.
+void CompactionAfterAYear(benchmark::State& state) {
+    NeedQtApplication();
+    const PublishFolder folder;
+    folder.AddEntries(500);
+    folder.Run("DELETE FROM Failures; UPDATE Servers SET datelastfail = NULL;");
+    QtSqlStore store(KindOfColumn);
+    LinuxFiles files;
+    TimedEvents events;
+    VirtualWorld world(kNow - std::chrono::days(365));
+    ReportsRig rig(files, store, events, world, folder.Path());
+    rig.person.keepOnlyCounts = true;
+    const auto publishAfter = [&](std::chrono::seconds time) {
+        world.RunFor(time);
+        const std::string now = world.clock.Now().Stored();
+        folder.Run("UPDATE Servers SET nAveSession = 50 + (ID * 37 + julianday('" + now + "') * 11) % 400;");
+        std::string strErr;
+        rig.reports.PublishReports(true, strErr);
+        if (!strErr.empty()) throw std::runtime_error(strErr);
+    };
+    for (int day = 0; day < 364; ++day) {
+        const std::string now = world.clock.Now().Stored();
+        const std::string failing = " WHERE ID % 9 = " + std::to_string(day % 9);
+        folder.Run(
+            "INSERT INTO Failures SELECT ID * 1000 + " + std::to_string(day) +
+            ", ID, strGroup, strDesc, strAddress_IP, 'HTTP', '80', 15, 1, 3, 'None.', 'The server did not answer within 15 "
+            "seconds.', '" +
+            now + "' FROM Servers" + failing + "; UPDATE Servers SET datelastfail = '" + now + "'" + failing + ";");
+        publishAfter(std::chrono::hours(24));
+    }
+    for (int hour = 0; hour < 24; ++hour)
+        publishAfter(std::chrono::hours(1));
+    store.Rest();
+    state.counters["MB before"] = static_cast<double>(std::filesystem::file_size(folder.Database())) / 1e6;
+    for (auto _ : state)
+        store.Compact(folder.Database(), folder.Path() + "/copy", [] {});
+    state.counters["MB after"] = static_cast<double>(std::filesystem::file_size(folder.Database())) / 1e6;
+}
+BENCHMARK(CompactionAfterAYear)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace korvane
