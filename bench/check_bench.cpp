@@ -15,6 +15,7 @@
 #include <memory>
 #include <string>
 
+#include "engine/engine_world.h"
 #include "engine/http_requester.h"
 #include "engine/monitor_cycle.h"
 #include "platform/curl/curl_inet.h"
@@ -104,7 +105,7 @@ struct Machine {
     SettingsCollection settings;
     CycleState cycleState;
     SilentActions actions;
-    NoReports reports;
+    RecordingReports reports;
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
