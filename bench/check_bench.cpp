@@ -15,7 +15,6 @@
 #include <memory>
 #include <string>
 
-#include "engine/engine_world.h"
 #include "engine/http_requester.h"
 #include "engine/monitor_cycle.h"
 #include "platform/curl/curl_inet.h"
@@ -41,6 +40,12 @@ public:
     std::string DoFailureStateStuff(Connection&, Recordset&, const std::string&) override { return "None."; }
     void DoUpAgainStuff(Recordset&) override {}
     void SendStartupNotice() override {}
+};
+
+/// Checks are what is measured, not pages.
+class NoReports : public ReportPublisher {
+public:
+    std::string PublishReports() override { return ""; }
 };
 
 /// The program's own rooms on the real adapters, with a database on the disk of the temporary folder, without the timer of the cycle.
@@ -105,7 +110,7 @@ struct Machine {
     SettingsCollection settings;
     CycleState cycleState;
     SilentActions actions;
-    RecordingReports reports;
+    NoReports reports;
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
