@@ -3,6 +3,7 @@
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
+#include "base/raised_flag.h"
 #include "base/text.h"
 #include "platform/reply_limit.h"
 #include "platform/wait.h"
@@ -14,18 +15,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kWaitStep = 250ms;
 constexpr auto kReplyLimit = 21s;
-
-// One conversation at a time, even when the socket of the one on the stack has been closed under it.
-class Talking {
-public:
-    explicit Talking(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Talking() { flag_ = false; }
-    Talking(const Talking&) = delete;
-    Talking& operator=(const Talking&) = delete;
-
-private:
-    bool& flag_;
-};
 
 }  // namespace
 
@@ -47,7 +36,7 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
             ports_.person.SetWaitCursor(false);
             return {.response = "", .strReason = "Socket wasn't closed "};
         }
-        const Talking talking(talking_);
+        const RaisedFlag talking(talking_);  // one conversation at a time, even when the socket of this one is closed under it
         bTCPTimedOut_ = false;
         strRecvBuffer_.clear();
         ports_.socket.SetProtocol(SocketProtocol::Tcp);

@@ -5,8 +5,10 @@
 #include <exception>
 #include <utility>
 
+#include "base/raised_flag.h"
 #include "base/text.h"
 #include "notify/recipients.h"
+#include "platform/wait_cursor.h"
 
 namespace korvane {
 namespace {
@@ -37,29 +39,6 @@ const ServerKeys& KeysOf(MailServer server) {
     return server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
 }
 
-/// Marks that a message is on its way, whatever ends it.
-class Sending {
-public:
-    explicit Sending(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Sending() { flag_ = false; }
-    Sending(const Sending&) = delete;
-    Sending& operator=(const Sending&) = delete;
-
-private:
-    bool& flag_;
-};
-
-class WaitCursor {
-public:
-    explicit WaitCursor(Operator& person) : person_(person) { person_.SetWaitCursor(true); }
-    ~WaitCursor() { person_.SetWaitCursor(false); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-
-private:
-    Operator& person_;
-};
-
 }  // namespace
 
 Dispatcher::Dispatcher(const Ports& ports, Options options)
@@ -75,7 +54,7 @@ bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string
         strError = "Another message is still being sent.";
         return false;
     }
-    const Sending guard(sending_);
+    const RaisedFlag guard(sending_);
     // A line end in one of these would add a line to the headers or a command to the conversation.
     for (std::string* text : std::array{&strTo1, &strTo2, &strFrom, &strSubject})
         *text = WithoutLineEnds(*text);

@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include "base/raised_flag.h"
+#include "platform/wait_cursor.h"
 #include "reports/columns.h"
 #include "store/database_files.h"
 
@@ -12,24 +14,6 @@ constexpr std::string_view kGroupsHead =
     "<table width=90% border=0 cellpadding=2 cellspacing=1><tr><td bgcolor=#CCCCCC align=center><b>Group Names:  Click on a link "
     "to "
     "see reports for each server group (Company or Network)</b></td></tr>";
-
-class Publishing {
-public:
-    Publishing(bool& flag, Operator& person) : flag_(flag), person_(person) {
-        flag_ = true;
-        person_.SetWaitCursor(true);
-    }
-    ~Publishing() {
-        person_.SetWaitCursor(false);
-        flag_ = false;
-    }
-    Publishing(const Publishing&) = delete;
-    Publishing& operator=(const Publishing&) = delete;
-
-private:
-    bool& flag_;
-    Operator& person_;
-};
 
 std::string GroupRow(const std::string& strGroup) {
     return "\r\n<tr><td><a href=" + strGroup + "/summary.htm>Summary Report for " + strGroup + "</a></td></tr>";
@@ -52,7 +36,8 @@ void Reports::PublishReports(bool bQuiet, std::string& strErr) {
         strErr = "The reports are being published already.";
         return;
     }
-    const Publishing guard(publishing_, ports_.person);
+    const RaisedFlag guard(publishing_);
+    const WaitCursor cursor(ports_.person);
     try {
         PublishAll(bQuiet, strErr);
         lastPublish_ = ports_.clock.Now();

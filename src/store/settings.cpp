@@ -6,6 +6,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "platform/wait_cursor.h"
 #include "store/server_id.h"
 
 namespace korvane {
@@ -61,17 +62,6 @@ constexpr std::string_view kSaveOrder[] = {
     "ProxyPort",  "GlobalRetryDuration", "Reboot",      "RebootAny",    "MultiNotify", "Service",     "bYellowAlert",
     "bRedAlert",  "YellowAlertWav",      "RedAlertWav", kNumURLs,       "bMinimized",  "bALLInDB",    "width",
     "height",
-};
-
-class WaitCursor {
-public:
-    explicit WaitCursor(Operator& person) : person_(person) { person_.SetWaitCursor(true); }
-    ~WaitCursor() { person_.SetWaitCursor(false); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-
-private:
-    Operator& person_;
 };
 
 }  // namespace

@@ -136,7 +136,9 @@ TEST(ReportPages, ShowInABrowserWithAllTheirPicturesAndLinks) {
     std::size_t looked = 0;
     for (const std::string& line : Split(output, '\n')) {
         const std::vector<std::string> words = Split(line, '|');
-        EXPECT_FALSE(words[0] == "no picture" || words[0] == "wider" || Holds(line, "CONSOLE")) << line;
+        const bool console =
+            Holds(line, "CONSOLE") && !Holds(line, "source: chrome://");  // the browser's own windows are slow at times
+        EXPECT_FALSE(words[0] == "no picture" || words[0] == "wider" || console) << line;
         if (words[0] == "link") links.insert(words.at(2));
         if (words[0] == "looked") ++looked;
     }
