@@ -15,6 +15,11 @@ namespace korvane {
 struct ReportsRig {
     /// Templates and pictures are looked for in `dir`, where the database is too; the pages go below `dir`/Reports.
     ReportsRig(Files& theFiles, Store& theStore, Events& events, VirtualWorld& theWorld, const std::string& dir)
+        : ReportsRig(theFiles, theStore, events, theWorld, dir, theWorld.clock) {}
+
+    /// With another clock for the reports than that of the world.
+    ReportsRig(Files& theFiles, Store& theStore, Events& events, VirtualWorld& theWorld, const std::string& dir,
+               const Clock& clock)
         : world(theWorld),
           files(theFiles),
           store(theStore),
@@ -22,7 +27,7 @@ struct ReportsRig {
           ini(iniFiles, "/ids.ini"),
           ids(ini, world.clock),
           status(person, world.clock),
-          reports({store, world.clock, events, person, files, status, settings, ids}, dir) {
+          reports({store, clock, events, person, files, status, settings, ids}, dir) {
         settings.setKvSettingsColValue("ReportPath", root);
     }
 
