@@ -128,6 +128,8 @@ private:
     bool AskPop(const std::string& line);
     int GetSmtpReply(int tries, bool sent);
     bool GetPopReply(int tries, bool sent);
+    enum class Look { Taken, NotYet, Vain };
+    Look LookForReply(ReplyFlag expected, bool sent);
     struct Waited {
         int flag = kNoReply;
         bool expected = false;

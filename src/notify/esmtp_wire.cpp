@@ -103,13 +103,9 @@ int clsEsmtp::GetSmtpReply(int tries, bool sent) {
     int code = 0;
     bool multiLine = false;
     for (int i = 0; i < tries; ++i) {
-        if (!sent && sckInternet.State() != SocketState::Connected) {
-            Complain("Remote host disconnected");
-            return code;
-        }
-        const Waited waited = WaitForReply(kSmtpReply, seconds(1));
-        if (!waited.expected && waited.flag != kNoReply) return code;
-        if (!waited.expected || !TakeReply()) continue;
+        const Look look = LookForReply(kSmtpReply, sent);
+        if (look == Look::Vain) return code;
+        if (look == Look::NotYet) continue;
         if (const auto final = ReadSmtpReply(multiLine, code)) return *final;
     }
     return code;
@@ -117,15 +113,21 @@ int clsEsmtp::GetSmtpReply(int tries, bool sent) {
 
 bool clsEsmtp::GetPopReply(int tries, bool sent) {
     for (int i = 0; i < tries; ++i) {
-        if (!sent && sckInternet.State() != SocketState::Connected) {
-            Complain("Remote host disconnected");
-            return false;
-        }
-        const Waited waited = WaitForReply(kPopReply, seconds(1));
-        if (!waited.expected && waited.flag != kNoReply) return false;
-        if (waited.expected && TakeReply()) return lastReply_.starts_with('+');
+        const Look look = LookForReply(kPopReply, sent);
+        if (look != Look::NotYet) return look == Look::Taken && lastReply_.starts_with('+');
     }
     return false;
+}
+
+// One try of a second.
+clsEsmtp::Look clsEsmtp::LookForReply(ReplyFlag expected, bool sent) {
+    if (!sent && sckInternet.State() != SocketState::Connected) {
+        Complain("Remote host disconnected");
+        return Look::Vain;
+    }
+    const Waited waited = WaitForReply(expected, seconds(1));
+    if (waited.expected) return TakeReply() ? Look::Taken : Look::NotYet;
+    return waited.flag == kNoReply ? Look::NotYet : Look::Vain;
 }
 
 clsEsmtp::Waited clsEsmtp::WaitForReply(ReplyFlag expected, seconds limit) {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "base/raised_flag.h"
+
 namespace korvane {
 
 class Timer {
@@ -46,22 +48,11 @@ protected:
     /// For adapters: one period is over.
     void Fire() {
         if (ticking_ || !enabled_ || !tick_) return;
-        const Guard guard(ticking_);
+        const RaisedFlag ticking(ticking_);
         tick_();
     }
 
 private:
-    class Guard {
-    public:
-        explicit Guard(bool& ticking) : ticking_(ticking) { ticking_ = true; }
-        ~Guard() { ticking_ = false; }
-        Guard(const Guard&) = delete;
-        Guard& operator=(const Guard&) = delete;
-
-    private:
-        bool& ticking_;
-    };
-
     std::function<void()> tick_;
     std::chrono::milliseconds interval_{1000};
     bool enabled_ = false;
