@@ -26,12 +26,6 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-std::string ReadAll(const fs::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 fs::path ProcessFolder(int pid) {
     return fs::path("/proc") / std::to_string(pid);
 }

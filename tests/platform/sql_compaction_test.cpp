@@ -16,6 +16,7 @@
 #include "platform/qt/sql_store.h"
 #include "platform/sql_other_program.h"
 #include "store/schema.h"
+#include "support/temporary_folder.h"
 #include "support/test_database.h"
 
 namespace korvane {
@@ -23,11 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
-
-std::string ContentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// A connection of another program that stays open.
 struct IdleProgram : QSqlDatabase {
@@ -54,14 +50,14 @@ protected:
 
     /// The error of a compaction after which everything is as it was.
     std::string Refusal() {
-        const std::string before = ContentOf(path);
+        const std::string before = ReadAll(path);
         std::string why = "(none)";
         try {
             Compact([] { ADD_FAILURE() << "there was a copy"; });
         } catch (const Error& error) {
             why = error.what();
         }
-        EXPECT_TRUE(ContentOf(path) == before) << why;
+        EXPECT_TRUE(ReadAll(path) == before) << why;
         EXPECT_FALSE(fs::exists(copy) || fs::exists(copy + "-journal")) << why;
         return why;
     }
@@ -76,12 +72,12 @@ TEST_F(SqlCompaction, FileAndCopyHoldTheSameInLessRoom) {
     const std::string kept = path + ".BAK";
     RunSql(path, "PRAGMA user_version=7");
     RunSql(path, "DELETE FROM Failures WHERE ID % 4 > 0");
-    const std::string before = ContentOf(path);
+    const std::string before = ReadAll(path);
     std::ofstream(copy) << "left by a program that was killed";
     std::ofstream(copy + "-journal") << "this too";
     chmod(path.c_str(), 0640);
     Compact([&] {
-        EXPECT_TRUE(ContentOf(path) == before);
+        EXPECT_TRUE(ReadAll(path) == before);
         fs::rename(copy, kept);
     });
     for (const std::string& file : {path, kept}) {
@@ -116,7 +112,7 @@ TEST_F(SqlCompaction, WhoeverHasTheFileOpenGoesOn) {
 }
 
 TEST_F(SqlCompaction, ADamagedFileIsToldAndLeftUntouched) {
-    const std::string whole = ContentOf(path);
+    const std::string whole = ReadAll(path);
     constexpr std::size_t kPage = 4096;
     for (std::size_t page = 1; page < whole.size() / kPage; page += 9) {
         std::string damaged = whole;
@@ -141,11 +137,11 @@ TEST_F(SqlCompaction, AFileThatIsLockedIsLeftUntouched) {
         ASSERT_EQ(other.Said(), "ready");
         EXPECT_EQ(Refusal(), locked);
     }
-    const std::string before = ContentOf(path);
+    const std::string before = ReadAll(path);
     OtherProcess reader(holding("BEGIN"));
     ASSERT_EQ(reader.Said(), "ready");
     EXPECT_THROW(Compact([] {}), Error);
-    EXPECT_TRUE(ContentOf(path) == before);
+    EXPECT_TRUE(ReadAll(path) == before);
     EXPECT_FALSE(fs::exists(copy));
 }
 
@@ -162,12 +158,12 @@ TEST_F(SqlCompaction, AFullDiskLeavesNothingBehind) {
 }
 
 TEST_F(SqlCompaction, NothingIsCompactedWhenTheCopyCannotBeKept) {
-    const std::string before = ContentOf(path);
+    const std::string before = ReadAll(path);
     EXPECT_THROW(Compact([] { throw Error("cannot rename"); }), Error);
     EXPECT_FALSE(fs::exists(copy));
     fs::create_directory(copy);
     EXPECT_THROW(Compact([] { ADD_FAILURE(); }), Error);
-    EXPECT_TRUE(ContentOf(path) == before);
+    EXPECT_TRUE(ReadAll(path) == before);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "platform/qt/sql_store.h"
 #include "platform/sql_other_program.h"
 #include "store/schema.h"
+#include "support/temporary_folder.h"
 #include "support/test_database.h"
 
 namespace korvane {
@@ -23,11 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
-
-std::string ContentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 void Write(const std::string& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
@@ -77,7 +73,7 @@ TEST_F(SqlStore, FilesThatAreNoDatabaseStayUntouched) {
         Write(path + "-journal", std::string("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8) + std::string(5000, 'j'));
         const std::string error = ErrorOf(store, path);
         EXPECT_TRUE(Holds(error, "'" + path + "'") && Holds(error, "left untouched")) << error;
-        EXPECT_EQ(ContentOf(path), content);
+        EXPECT_EQ(ReadAll(path), content);
     }
     fs::remove(path + "-journal");
     EXPECT_TRUE(Holds(ErrorOf(store, database.Folder()), "left untouched"));
@@ -123,7 +119,7 @@ TEST_F(SqlStore, TheFileMayBeReplacedBetweenTwoUses) {
 
 TEST_F(SqlStore, DamagedFilesAreTold) {
     AddFailures(200);
-    const std::string whole = ContentOf(path);
+    const std::string whole = ReadAll(path);
     std::mt19937 random(7);
     int told = 0;
     for (int round = 0; round < 60; ++round) {

@@ -1,18 +1,13 @@
 // Whole pages, byte for byte, from a small database in which each rule of a cell is met. The files hold LF where the pages have CRLF.
-#include <fstream>
-#include <sstream>
-
 #include "reports/format_seconds.h"
 #include "reports/reports_test_base.h"
+#include "support/temporary_folder.h"
 
 namespace korvane {
 namespace {
 
 std::string Golden(const std::string& name) {
-    std::ifstream file(KORVANE_SOURCE_DIR "/tests/reports/golden/" + name, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return ReplaceAll(text.str(), "\n", "\r\n");
+    return ReplaceAll(ReadAll(KORVANE_SOURCE_DIR "/tests/reports/golden/" + name), "\n", "\r\n");
 }
 
 TEST(FormatSeconds, WritesEachRangeInItsUnit) {

@@ -17,6 +17,7 @@
 #include "support/recording_operator.h"
 #include "support/recording_processes.h"
 #include "support/recording_sound.h"
+#include "support/temporary_folder.h"
 #include "support/virtual_icmp_echo.h"
 #include "support/virtual_inet.h"
 #include "support/virtual_mail_server.h"
@@ -29,12 +30,6 @@ namespace {
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
-
-std::string ReadAll(const fs::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 /// A home folder and the program in it. Several may stand in one home, as a second start does.
 class Home {

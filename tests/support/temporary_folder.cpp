@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 
 namespace korvane {
@@ -17,6 +19,11 @@ fs::path Parent() {
 }
 
 }  // namespace
+
+std::string ReadAll(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 TemporaryFolder::TemporaryFolder() : path_(Parent() / "korvane-test-XXXXXX") {
     if (mkdtemp(path_.data()) == nullptr) throw std::system_error(errno, std::generic_category(), path_);

@@ -5,6 +5,9 @@
 
 namespace korvane {
 
+/// The bytes of a file; empty when there is none.
+std::string ReadAll(const std::string& path);
+
 class TemporaryFolder {
 public:
     TemporaryFolder();

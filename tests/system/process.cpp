@@ -12,8 +12,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
+
+#include "support/temporary_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -60,9 +61,7 @@ void PrivateFolder::Write(std::string_view name, std::string_view text) const {
 }
 
 std::string PrivateFolder::Read(std::string_view name) const {
-    std::ostringstream text;
-    text << std::ifstream(Path(name)).rdbuf();
-    return text.str();
+    return ReadAll(Path(name));
 }
 
 Process::Process(const std::vector<std::string>& command, const PrivateFolder& folder, Rights rights) {
