@@ -1,6 +1,7 @@
 #include "reports/report_folder.h"
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <vector>
 
@@ -26,8 +27,14 @@ std::string ReadFileText(Files& files, const std::string& path) {
     return text.value_or("");
 }
 
-bool WriteFileText(Files& files, const std::string& path, std::string_view text) {
-    return IgnoreErrors([&] { files.Publish(path, std::string(text) + "\r\n"); });
+bool WriteFileText(Files& files, const std::string& path, std::string_view text, std::string& strReason) {
+    try {
+        files.Publish(path, std::string(text) + "\r\n");
+        return true;
+    } catch (const std::exception& error) {
+        strReason = error.what();
+        return false;
+    }
 }
 
 std::string ReportFolder::CustomerFolder(const std::string& idCustomer) const {
@@ -61,8 +68,9 @@ std::string ReportFolder::Merge(std::string_view templateFile, const PageContent
 }
 
 void ReportFolder::Write(const std::string& path, const std::string& page) {
-    const bool written = IsInPlace(path, kPageLevels) && WriteFileText(files_, path, page);
-    if (!written) throw Error("The page " + path + " can't be written");
+    std::string strReason = "it is not below the report folder";
+    const bool written = IsInPlace(path, kPageLevels) && WriteFileText(files_, path, page, strReason);
+    if (!written) throw Error("The page " + path + " can't be written: " + strReason);
 }
 
 bool ReportFolder::Exists(const std::string& path) {

@@ -18,8 +18,9 @@ constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
 /// The whole file, or the empty text when there is none or it can't be read.
 std::string ReadFileText(Files& files, const std::string& path);
 
-/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that worked.
-bool WriteFileText(Files& files, const std::string& path, std::string_view text);
+/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that worked; if
+/// not, `strReason` tells why.
+bool WriteFileText(Files& files, const std::string& path, std::string_view text, std::string& strReason);
 
 /// What stands in a page in place of [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]].
 struct PageContents {

@@ -145,7 +145,8 @@ TEST_F(PublishTest, PagesThatCannotBeWrittenKeepTheirOlderFormAndAreSaid) {
     const std::string older = Page("R0/Web/summary.htm");
     world.RunFor(std::chrono::hours(1));
     files.faults.Add({.forever = true, .about = "/Web/", .description = "No space left on device"});
-    EXPECT_EQ(rig.Publish(), " PublishSummaryReport: The page " + rig.root + "/R0/Web/summary.htm can't be written");
+    EXPECT_EQ(rig.Publish(),
+              " PublishSummaryReport: The page " + rig.root + "/R0/Web/summary.htm can't be written: No space left on device");
     EXPECT_EQ(Page("R0/Web/summary.htm"), older);
     EXPECT_TRUE(Holds(Page("R0/Zebra/summary.htm"), "|11/21/2026 4:04:05 PM|"));
     files.FillDisk();
