@@ -136,7 +136,8 @@ bool clsEsmtp::SendMessage() {
 }
 
 bool clsEsmtp::EndData() {
-    if (Ask(".") == kDone) return true;
+    const bool ended = SendLine(".");  // a reply that came before it, and a close behind, is no answer to it
+    if (GetSmtpReply(kSmtpTries, true) == kDone && ended) return true;
     Complain("EOM: " + std::string(kRefusedMessage));
     return false;
 }
