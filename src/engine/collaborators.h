@@ -37,6 +37,8 @@ class ConversationWindow {
 public:
     virtual ~ConversationWindow() = default;
     virtual bool Visible() const = 0;
+    /// The operator wants to see it; without a display nothing happens.
+    virtual void Show() {}
     virtual void setRequest(const std::string& text) = 0;
     virtual void setResponse(const std::string& text) = 0;
 };

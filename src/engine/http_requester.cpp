@@ -48,6 +48,7 @@ int HttpRequester::getOpenInetIndex() {
 
 TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
+    const RaisedFlag requesting(requesting_);
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
     const bool watched = ports_.person.WindowVisible();
     ports_.TimerProgress.SetEnabled(watched);

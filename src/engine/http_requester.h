@@ -54,6 +54,9 @@ public:
     /// Waits through the event pump. `nResponseMs` is the time of the last attempt.
     TimedCheckResult getURLData2(const Request& request);
 
+    /// Whether a getURLData2 is on the stack.
+    bool Requesting() const { return requesting_; }
+
 private:
     struct Attempts;
     Inet::Request TransferOf(const Request& request) const;
@@ -62,6 +65,7 @@ private:
 
     Ports ports_;
     std::array<std::unique_ptr<Inet>, kSlots> inets_;
+    bool requesting_ = false;
 };
 
 }  // namespace korvane

@@ -17,6 +17,7 @@ void StopStart::Stop() {
     ports_.timers.TimerMonitorDB.SetEnabled(false);
     ports_.timers.Timer2.SetEnabled(false);
     ports_.state.bMonitoring = false;
+    ports_.person.SetMonitoring(false);
     ports_.person.SetProgressTip("Monitoring Stopped. Click the Start Button to start monitoring.");
     ports_.person.SetProgress(0, 100);
     ports_.person.SetTray(TrayPicture::Off, " Korvane: URL Monitoring is Paused.  No Monitoring will occur. ");
@@ -32,6 +33,7 @@ void StopStart::Start() {
     ports_.timers.TimerMonitorDB.SetEnabled(true);
     ports_.timers.Timer2.SetEnabled(false);
     ports_.state.bMonitoring = true;
+    ports_.person.SetMonitoring(true);
     ports_.status.setStatusMSG("Monitoring Started");
     ports_.person.SetCycleText("Monitoring in progress...");
 }

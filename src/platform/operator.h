@@ -33,6 +33,9 @@ public:
     virtual void SetTray(TrayPicture picture, const std::string& tip) = 0;
     virtual void SetTrayTip(const std::string& tip) = 0;
 
+    /// Monitoring has been switched on or off, or begins with the program.
+    virtual void SetMonitoring(bool /*on*/) {}
+
     /// "Number of distinct company names", shown once there is more than one.
     virtual void SetCustomerCount(int /*count*/) {}
 

@@ -23,6 +23,9 @@ public:
     /// Opens the page in the browser and returns at once. Throws Error with the reason when no browser could be started; that the one that was started shows the
     /// page is not known.
     virtual void OpenPage(const std::string& path) = 0;
+
+    /// Opens the file in the text editor of the person at this desk and returns at once. Throws Error with the reason when there is none.
+    virtual void OpenText(const std::string& path) = 0;
 };
 
 }  // namespace korvane

@@ -77,13 +77,14 @@ int Main(int argc, char** argv) {
     QtTcpSocket tcpSocket;
     QtTcpSocket sckesmtp;
     QtTcpSocket plainSocket;
+    QtTcpSocket testSocket;
     LinuxIcmpEcho echo;
     NoSound sound;
     LinuxProcesses processes(events);
     LinuxGuidSource guids;
     TerminalOperator person(std::cout, std::cerr);
     const CurlInet::Options inetOptions{.caBundle = FromEnvironment("SSL_CERT_FILE"), .userAgent = "Korvane/" + options.version};
-    Run run({clock, events, timers, store, person, files, tcpSocket, sckesmtp, plainSocket, echo, sound, processes, guids,
+    Run run({clock, events, timers, store, person, files, tcpSocket, sckesmtp, plainSocket, testSocket, echo, sound, processes, guids,
              [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); }},
             options);
 

@@ -17,6 +17,7 @@ Run::Run(const Ports& ports, Options options)
       status_(ports.person, ports.clock),
       settingsFile_(ports.files, SettingsFilePath(options_.dir)),
       ids_(settingsFile_, ports.clock),
+      host_(ports.window == nullptr ? noWindow_ : *ports.window),
       entries_({ports.store, ports.clock, ports.events, log_, status_, settingsFile_, ids_, collection_}, options_.dir),
       settings_({ports.files, ports.clock, ports.events, ports.person, host_, status_, settingsFile_, collection_, entries_},
                 options_.dir),
@@ -33,10 +34,14 @@ Run::Run(const Ports& ports, Options options)
       actions_({ports.store, ports.clock, status_, log_, collection_, entries_, mail_, trace_, commands_}),
       reports_({ports.store, ports.clock, ports.events, ports.person, ports.files, status_, collection_, ids_}, options_.dir),
       publisher_(reports_),
+      reportCommands_({reports_, ports.store, ports.files, ports.person, ports.processes}, options_.dir),
       maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { publisher_.PublishReports(); }}, options_.dir),
+      conversation_(ports.conversation == nullptr ? noConversation_ : *ports.conversation),
       http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
+      testHttp_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      testTcp_({ports.testSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       accounting_(
           {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
       cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
@@ -58,10 +63,41 @@ std::string Run::Title() const {
     return "Korvane Network Monitoring & Server Monitor v" + options_.version + " by Brellix";
 }
 
+Desk Run::TheDesk() {
+    return {.dir = options_.dir,
+            .store = ports_.store,
+            .clock = ports_.clock,
+            .events = ports_.events,
+            .person = ports_.person,
+            .files = ports_.files,
+            .processes = ports_.processes,
+            .log = log_,
+            .status = status_,
+            .ids = ids_,
+            .collection = collection_,
+            .settings = settings_,
+            .entries = entries_,
+            .legacyLog = legacyLog_,
+            .mail = mail_,
+            .trace = trace_,
+            .commands = commands_,
+            .publisher = publisher_,
+            .reports = reportCommands_,
+            .maintenance = maintenance_,
+            .conversation = conversation_,
+            .http = testHttp_,
+            .tcp = testTcp_,
+            .ping = ping_};
+}
+
 void Run::BeginOperations() {
     ports_.person.SetTrayTip("Korvane Initialized. Beginning Operations: " + ports_.clock.Now().Text());
     const bool toldToStayQuiet = options_.commandLine.find("restart") != std::string::npos;
     if (collection_.IsTrue("Reboot") && !toldToStayQuiet) actions_.SendStartupNotice();
+}
+
+void Run::ResumeProgress() {
+    if (http_.Requesting()) TimerProgress_->SetEnabled(true);
 }
 
 void Run::StopMonitor() {

@@ -38,6 +38,8 @@
 #include "platform/timer.h"
 #include "reports/pipeline.h"
 #include "shell/cycle_publisher.h"
+#include "shell/desk.h"
+#include "shell/report_commands.h"
 #include "store/ini_file.h"
 #include "store/legacy_log.h"
 #include "store/log.h"
@@ -62,11 +64,14 @@ public:
         TcpSocket& tcpSocket;    ///< of the conversations with servers
         TcpSocket& sckesmtp;     ///< of mail with a login
         TcpSocket& plainSocket;  ///< of mail without one
+        TcpSocket& testSocket;   ///< of conversations that the operator tries out while the cycle holds its own
         IcmpEcho& echo;
         Sound& sound;
         Processes& processes;
         GuidSource& guids;
         std::function<std::unique_ptr<Inet>()> newInet;
+        SettingsHost* window = nullptr;                ///< null without a window
+        ConversationWindow* conversation = nullptr;  ///< null: nobody looks on
     };
 
     struct Options {
@@ -94,6 +99,18 @@ public:
     void mnuExit_Click();
 
     void cmdStopStart() { stopStart_.cmdStopStart(); }
+
+    /// What the windows work with.
+    Desk TheDesk();
+
+    /// While StartUp runs.
+    const bool& Loading() const { return bFormLoading_; }
+    /// Before monitoring begins: in the wait that the settings ask for.
+    bool WaitingToStart() const { return Timer2_->Enabled(); }
+    /// The cycle runs and is not asleep: the entry that is due first is being requested.
+    bool Requesting() const { return TimerMonitorDB_->Enabled() && state_.nSleepLeft <= 0; }
+    /// The operator looks at the window again in the middle of a request: its estimate goes on.
+    void ResumeProgress();
 
     const CycleState& State() const { return state_; }
     const SettingsCollection& GlobalSettings() const { return collection_; }
@@ -140,7 +157,8 @@ private:
     IniFile settingsFile_;
     ServerIds ids_;
     SettingsCollection collection_;
-    SettingsHost host_;
+    SettingsHost noWindow_;
+    SettingsHost& host_;
     ServerEntries entries_;
     Settings settings_;
     LegacyLog legacyLog_;
@@ -157,11 +175,15 @@ private:
     ServerActions actions_;
     Reports reports_;
     CyclePublisher publisher_;
+    ReportCommands reportCommands_;
     Maintenance maintenance_;
-    NoConversationWindow conversation_;
+    NoConversationWindow noConversation_;
+    ConversationWindow& conversation_;
     HttpRequester http_;
     TcpChecker tcp_;
     PingChecker ping_;
+    HttpRequester testHttp_;
+    TcpChecker testTcp_;
     OutcomeAccounting accounting_;
     MonitorCycle cycle_;
     BeginWait wait_;

@@ -61,6 +61,7 @@ Run::Started Run::StartUp() {
     ports_.store.Rest();
     log_.Info("frmMonitor:Form_Load: All data should be in database.");
     http_.LoadInets(ports_.newInet);
+    if (host_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
     Timer2_->SetEnabled(true);
     ports_.person.SetWaitCursor(false);

@@ -1,88 +1,18 @@
 // The start of the whole program without a window, in every branch, and its end: on real files and a real database, in virtual time.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <memory>
 #include <sstream>
 
 #include "base/text.h"
-#include "platform/linux/linux_files.h"
-#include "platform/linux/linux_guid_source.h"
-#include "platform/qt/sql_store.h"
-#include "shell/run.h"
+#include "shell/program.h"
 #include "shell/terminal_operator.h"
-#include "store/schema.h"
-#include "support/recording_operator.h"
-#include "support/recording_processes.h"
-#include "support/recording_sound.h"
-#include "support/temporary_folder.h"
-#include "support/virtual_icmp_echo.h"
-#include "support/virtual_inet.h"
-#include "support/virtual_mail_server.h"
-#include "support/virtual_net.h"
-#include "support/virtual_tcp_socket.h"
-#include "support/virtual_world.h"
 
 namespace korvane {
 namespace {
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
-
-/// A home folder and the program in it. Several may stand in one home, as a second start does.
-class Home {
-public:
-    Home() {
-        std::string pattern = (fs::temp_directory_path() / "korvane-home-XXXXXX").string();
-        path_ = mkdtemp(pattern.data());
-    }
-    ~Home() { fs::remove_all(path_); }
-    Home(const Home&) = delete;
-    Home& operator=(const Home&) = delete;
-
-    fs::path operator/(const std::string& name) const { return path_ / name; }
-    void Write(const std::string& name, const std::string& text) const { std::ofstream(path_ / name, std::ios::binary) << text; }
-    std::string Log() const { return ReadAll(path_ / "Logs/kvmonlog 2026 11-21.txt"); }
-    std::string Path() const { return path_.string(); }
-
-private:
-    fs::path path_;
-};
-
-struct Program {
-    explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "")
-        : run({world.clock, world.events, world.timers, store, person, files, socket, sckesmtp, plainSocket, echo, sound,
-               processes, guids, [this] { return std::make_unique<VirtualInet>(net); }},
-              {.dir = home.Path(), .dataDir = std::move(dataDir), .commandLine = std::move(commandLine), .version = "1.0.0"}) {}
-
-    std::vector<std::string> Column(const Home& home, const std::string& query) {
-        const auto conn = store.NewConnection();
-        conn->SetConnectionString("DBQ=" + (home / "kvdata2.mdb").string());
-        conn->Open();
-        const auto rs = store.NewRecordset();
-        std::vector<std::string> values;
-        for (rs->Open(query, *conn, CursorType::Static, LockType::Optimistic); !rs->Eof(); rs->MoveNext()) {
-            values.push_back(rs->Fields("v").Value().Text());
-        }
-        return values;
-    }
-
-    VirtualWorld world{DateTime::Of(2026, 11, 21, 15, 0, 0)};
-    VirtualNet net{world};
-    LinuxFiles files;
-    QtSqlStore store{KindOfColumn};
-    RecordingOperator person;
-    RecordingSound sound;
-    VirtualTcpSocket socket{net};
-    VirtualTcpSocket sckesmtp{net};
-    VirtualTcpSocket plainSocket{net};
-    VirtualIcmpEcho echo{net};
-    RecordingProcesses processes;
-    LinuxGuidSource guids;
-    Run run;
-};
 
 constexpr const char* kTwoEntries =
     "[Settings]\nBegin=0\nNumURLs=2\n"

@@ -25,7 +25,9 @@ public:
 
     bool hasBrowser = true;
     bool browserStarts = true;
-    std::vector<std::string> opened;
+    bool hasEditor = true;
+    std::vector<std::string> opened;       ///< pages
+    std::vector<std::string> openedTexts;  ///< files in the editor
 
     int Shell(const std::string& command, WindowStyle style) override {
         if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
@@ -37,6 +39,10 @@ public:
     void OpenPage(const std::string& path) override {
         if (!browserStarts) throw Error("No such file or directory", 2);
         opened.push_back(path);
+    }
+    void OpenText(const std::string& path) override {
+        if (!hasEditor) throw Error("No such file or directory", 2);
+        openedTexts.push_back(path);
     }
 };
 

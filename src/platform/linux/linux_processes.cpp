@@ -27,6 +27,9 @@ constexpr std::size_t kMostWatched = 100;
 
 constexpr std::string_view kPagePlace = "%s";
 
+/// For a desktop that has no xdg-open: editors with a window of their own.
+constexpr const char* kTextEditors[] = {"gnome-text-editor", "gedit", "kate", "kwrite", "mousepad", "xed", "pluma", "featherpad"};
+
 using Words = std::vector<std::string>;
 
 Words ShellWords(const std::string& command) {
@@ -142,6 +145,17 @@ bool LinuxProcesses::HasDefaultProgram(const std::string& extension) {
 void LinuxProcesses::OpenPage(const std::string& path) {
     std::vector<Words> ways = BrowserCommands(path);
     ways.insert(ways.begin(), {"xdg-open", path});
+    StartFirstThere(ways);
+}
+
+void LinuxProcesses::OpenText(const std::string& path) {
+    std::vector<Words> ways{{"xdg-open", path}};
+    for (const char* editor : kTextEditors)
+        ways.push_back({editor, path});
+    StartFirstThere(ways);
+}
+
+void LinuxProcesses::StartFirstThere(const std::vector<Words>& ways) {
     for (std::size_t way = 0; way + 1 < ways.size(); ++way) {
         if (IgnoreErrors([&] { Start(ways[way]); })) return;
     }

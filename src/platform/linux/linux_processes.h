@@ -27,6 +27,8 @@ public:
     bool HasDefaultProgram(const std::string& extension) override;
     /// With xdg-open where it is installed, which asks the desktop; else with the commands of BROWSER, in their order.
     void OpenPage(const std::string& path) override;
+    /// With xdg-open where it is installed, else with the first editor that is.
+    void OpenText(const std::string& path) override;
 
 private:
     struct Child {
@@ -35,6 +37,7 @@ private:
     };
 
     int Start(const std::vector<std::string>& words);
+    void StartFirstThere(const std::vector<std::vector<std::string>>& ways);
     void ReapAtItsEnd(pid_t pid);
     void Ended(pid_t pid);
     void ReapUnwatched();

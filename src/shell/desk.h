@@ -1,0 +1,60 @@
+// What the windows work with: the rooms of the run, and the ports that it was given. Everything is borrowed from the run, which outlives every window.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "engine/collaborators.h"
+#include "engine/http_requester.h"
+#include "engine/ping_checker.h"
+#include "engine/run_command.h"
+#include "engine/tcp_checker.h"
+#include "engine/trace_route.h"
+#include "notify/dispatcher.h"
+#include "platform/clock.h"
+#include "platform/connection.h"
+#include "platform/events.h"
+#include "platform/files.h"
+#include "platform/operator.h"
+#include "platform/processes.h"
+#include "shell/report_commands.h"
+#include "store/legacy_log.h"
+#include "store/log.h"
+#include "store/maintenance.h"
+#include "store/server_entries.h"
+#include "store/server_id.h"
+#include "store/settings.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+struct Desk {
+    std::string dir;  ///< the home: database, settings, logs
+    Store& store;
+    const Clock& clock;
+    Events& events;
+    Operator& person;
+    Files& files;
+    Processes& processes;
+    Log& log;
+    StatusLog& status;
+    ServerIds& ids;
+    SettingsCollection& collection;
+    Settings& settings;
+    ServerEntries& entries;
+    LegacyLog& legacyLog;
+    Dispatcher& mail;
+    TraceRoute& trace;
+    CommandRunner& commands;
+    ReportPublisher& publisher;
+    ReportCommands& reports;
+    Maintenance& maintenance;
+    ConversationWindow& conversation;
+
+    // The checkers for what the operator tries out. They share nothing with those of the cycle, whose check may be under way.
+    HttpRequester& http;
+    TcpChecker& tcp;
+    PingChecker& ping;
+};
+
+}  // namespace korvane

@@ -1,0 +1,56 @@
+// The base of the tests of windows: a Qt application without a screen, the whole program in virtual time with entries in its database, and what a test says of both.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+#include <memory>
+#include <string>
+
+#include "shell/program.h"
+#include "support/test_database.h"
+
+namespace korvane {
+
+/// Makes the one QApplication of this test program, on the platform without a screen. Call it before anything else of Qt.
+inline void NeedDesktop() {
+    if (QCoreApplication::instance() != nullptr) return;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_NO_GLIB", "1");
+    static int argumentCount = 1;
+    static char name[] = "korvane-test";
+    static char* arguments[] = {name, nullptr};
+    static const auto application = std::make_unique<QApplication>(argumentCount, arguments);
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+/// The program has started with an empty database; monitoring has not begun yet (virtual time stands still until a test or a wait lets it go on). What the windows
+/// ask and say goes to `Person()`, with the answers laid down there.
+class DesktopTest : public testing::Test {
+protected:
+    DesktopTest() {
+        NeedDesktop();
+        database_ = std::make_unique<TestDatabase>();
+        program_ = std::make_unique<Program>(database_->Folder(), KORVANE_DIST_DIR, "", &window_);
+        EXPECT_EQ(program_->run.StartUp(), Run::Started::Running);
+        program_->person.Forget();
+    }
+
+    TestDatabase& Database() { return *database_; }
+    Program& TheProgram() { return *program_; }
+    RecordingOperator& Person() { return program_->person; }
+    Desk TheDesk() { return program_->run.TheDesk(); }
+
+private:
+    /// The run has the checkers for the operator's own tests where there is a window.
+    struct Window : SettingsHost {
+        bool HasWindow() const override { return true; }
+    };
+
+    Window window_;
+    std::unique_ptr<TestDatabase> database_;
+    std::unique_ptr<Program> program_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,88 @@
+// The whole program on real files and a real database, in virtual time: a home folder, and the run with everything outside it played.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
+#include "platform/qt/sql_store.h"
+#include "shell/run.h"
+#include "store/schema.h"
+#include "support/recording_operator.h"
+#include "support/recording_processes.h"
+#include "support/recording_sound.h"
+#include "support/temporary_folder.h"
+#include "support/virtual_icmp_echo.h"
+#include "support/virtual_inet.h"
+#include "support/virtual_mail_server.h"
+#include "support/virtual_net.h"
+#include "support/virtual_tcp_socket.h"
+#include "support/virtual_world.h"
+
+namespace korvane {
+
+/// A home folder and the program in it. Several may stand in one home, as a second start does.
+class Home {
+public:
+    Home() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "korvane-home-XXXXXX").string();
+        path_ = mkdtemp(pattern.data());
+    }
+    ~Home() { std::filesystem::remove_all(path_); }
+    Home(const Home&) = delete;
+    Home& operator=(const Home&) = delete;
+
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    void Write(const std::string& name, const std::string& text) const { std::ofstream(path_ / name, std::ios::binary) << text; }
+    std::string Log() const { return ReadAll(path_ / "Logs/kvmonlog 2026 11-21.txt"); }
+    std::string Path() const { return path_.string(); }
+
+private:
+    std::filesystem::path path_;
+};
+
+struct Program {
+    explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "")
+        : Program(home.Path(), std::move(dataDir), std::move(commandLine)) {}
+
+    /// `window` is the one that the run has, if any.
+    explicit Program(const std::string& dir, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "",
+                     SettingsHost* window = nullptr)
+        : run({world.clock, world.events, world.timers, store, person, files, socket, sckesmtp, plainSocket, testSocket, echo, sound,
+               processes, guids, [this] { return std::make_unique<VirtualInet>(net); }, window},
+              {.dir = dir, .dataDir = std::move(dataDir), .commandLine = std::move(commandLine), .version = "1.0.0"}) {}
+
+    std::vector<std::string> Column(const Home& home, const std::string& query) {
+        const auto conn = store.NewConnection();
+        conn->SetConnectionString("DBQ=" + (home / "kvdata2.mdb").string());
+        conn->Open();
+        const auto rs = store.NewRecordset();
+        std::vector<std::string> values;
+        for (rs->Open(query, *conn, CursorType::Static, LockType::Optimistic); !rs->Eof(); rs->MoveNext()) {
+            values.push_back(rs->Fields("v").Value().Text());
+        }
+        return values;
+    }
+
+    VirtualWorld world{DateTime::Of(2026, 11, 21, 15, 0, 0)};
+    VirtualNet net{world};
+    LinuxFiles files;
+    QtSqlStore store{KindOfColumn};
+    RecordingOperator person;
+    RecordingSound sound;
+    VirtualTcpSocket socket{net};
+    VirtualTcpSocket sckesmtp{net};
+    VirtualTcpSocket plainSocket{net};
+    VirtualTcpSocket testSocket{net};
+    VirtualIcmpEcho echo{net};
+    RecordingProcesses processes;
+    LinuxGuidSource guids;
+    Run run;
+};
+
+}  // namespace korvane
