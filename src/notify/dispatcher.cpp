@@ -44,7 +44,8 @@ const ServerKeys& KeysOf(MailServer server) {
 Dispatcher::Dispatcher(const Ports& ports, Options options)
     : ports_(ports),
       options_(std::move(options)),
-      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log}, options_.smtpPort) {}
+      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
+                   options_.smtpPort) {}
 
 bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject,
                            std::string& strBody, const std::string& /*reserved*/, std::string strServer, std::string& strUser,
@@ -108,7 +109,7 @@ bool Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Mess
 
 bool Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account,
                                   std::string& strError) {
-    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids}, ports_.sckesmtp);
+    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, ports_.trace}, ports_.sckesmtp);
     mycls.SetHandlers({.StateChange = [&](int State) { mycls_StateChange(mycls, State); }});
     mycls.SmtpHost = account.strServer;
     mycls.smtpport = options_.smtpPort;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "notify/esmtp.h"
+#include "notify/mail_trace.h"
 #include "notify/plain_mailer.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
@@ -46,6 +47,7 @@ public:
         Log& log;
         const SettingsCollection& settings;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
+        MailTrace* trace = nullptr;         ///< of the conversations with mail servers; null: nobody looks on
     };
 
     struct Options {

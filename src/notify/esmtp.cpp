@@ -132,7 +132,10 @@ bool clsEsmtp::BeginData() {
 }
 
 bool clsEsmtp::SendMessage() {
-    return message_.Send(sckInternet.LocalHostName(), [this](const std::string& piece) { return SendCommand(piece, kSilence); });
+    messageBytes_ = 0;
+    const bool sent = message_.Send(sckInternet.LocalHostName(), [this](const std::string& piece) { return SendPiece(piece); });
+    TraceSent(BytesOfMessage(messageBytes_));
+    return sent;
 }
 
 bool clsEsmtp::EndData() {

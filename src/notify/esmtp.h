@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "notify/mail_message.h"
+#include "notify/mail_trace.h"
 #include "notify/smtp_reply.h"
 #include "platform/clock.h"
 #include "platform/events.h"
@@ -28,6 +30,7 @@ public:
         const Clock& clock;
         Events& events;
         GuidSource& guids;
+        MailTrace* trace = nullptr;  ///< null: nobody looks on
     };
 
     /// Numbers of StateChange.
@@ -121,11 +124,15 @@ private:
     // The wire.
     void ListenToSocket();
     void OpenConnection(const std::string& host, std::int32_t port);
-    bool SendCommand(std::string_view text, std::chrono::seconds timeout);
-    bool SendLine(const std::string& line);
+    enum class Shown { Whole, Not };  ///< how a line stands in the trace
+    bool SendPiece(const std::string& piece);
+    bool SendLine(const std::string& line, Shown shown = Shown::Whole);
+    bool SendCommand(std::string_view text, const std::string& shown);
     void WaitUntilSent(std::chrono::seconds timeout);
-    int Ask(const std::string& line);
-    bool AskPop(const std::string& line);
+    int Ask(const std::string& line, Shown shown = Shown::Whole);
+    bool AskPop(const std::string& line, Shown shown = Shown::Whole);
+    void TraceSent(const std::string& shown);
+    void TraceReceived(const std::string& reply);
     int GetSmtpReply(int tries, bool sent);
     bool GetPopReply(int tries, bool sent);
     enum class Look { Taken, NotYet, Vain };
@@ -155,6 +162,7 @@ private:
     int sendFlag_ = kSendPending;
     int replyFlag_ = kNoReply;
     bool delivered_ = false;
+    std::size_t messageBytes_ = 0;
     std::string strLastData_;
     std::string taken_;        ///< the last reply with its line ends
     std::string lastReply_;    ///< without the last

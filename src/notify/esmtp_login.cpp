@@ -56,7 +56,7 @@ bool clsEsmtp::SendPopUser() {
 }
 
 bool clsEsmtp::SendPopPassword() {
-    if (AskPop("PASS " + popPassword_)) {
+    if (AskPop("PASS " + popPassword_, Shown::Not)) {
         AskPop("STAT");
         return true;
     }
@@ -110,7 +110,7 @@ clsEsmtp::Attempt clsEsmtp::TryCramMD5() {
     int code = GetSmtpReply(kSmtpTries, true);
     if (code == kChallenge) {
         const std::string digest = HmacMd5Hex(Password, Base64Decode(challenge_));
-        if (!SendLine(Base64Encode(UserID + " " + digest))) return Attempt::CannotSend;
+        if (!SendLine(Base64Encode(UserID + " " + digest), Shown::Not)) return Attempt::CannotSend;
         code = GetSmtpReply(kSmtpTries, true);
     }
     if (code == kAuthenticated) return Attempt::Over;
@@ -123,9 +123,9 @@ clsEsmtp::Attempt clsEsmtp::TryLogin() {
     if (!SendLine("AUTH LOGIN")) return Attempt::CannotSend;
     int code = GetSmtpReply(kSmtpTries, true);
     if (code == kChallenge) {
-        if (challenge_ == kAsksUser) SendLine(Base64Encode(UserID));
+        if (challenge_ == kAsksUser) SendLine(Base64Encode(UserID), Shown::Not);
         code = GetSmtpReply(kSmtpTries, true);
-        if (code == kChallenge && challenge_ == kAsksPassword) code = Ask(Base64Encode(Password));
+        if (code == kChallenge && challenge_ == kAsksPassword) code = Ask(Base64Encode(Password), Shown::Not);
     }
     if (code == kAuthenticated) return Attempt::Over;
     if (code != kLoginRefused) return Attempt::NextMechanism;
@@ -139,7 +139,7 @@ clsEsmtp::Attempt clsEsmtp::TryPlain() {
     if (!SendLine("AUTH PLAIN")) return Attempt::CannotSend;
     if (GetSmtpReply(kSmtpTries, true) != kChallenge) return Attempt::Over;
     const std::string nul(1, '\0');
-    if (!SendLine(Base64Encode(nul + UserID + nul + Password))) return Attempt::CannotSend;
+    if (!SendLine(Base64Encode(nul + UserID + nul + Password), Shown::Not)) return Attempt::CannotSend;
     if (GetSmtpReply(kSmtpTries, true) != kLoginRefused) return Attempt::Over;
     return HasBetterLogin("Authenticating user on SMTP server failed") ? Attempt::StartAgain : Attempt::Over;
 }

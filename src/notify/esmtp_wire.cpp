@@ -56,7 +56,7 @@ void clsEsmtp::OpenConnection(const std::string& host, std::int32_t port) {
 }
 
 // True also when the socket has not got rid of the text in time or broke meanwhile: the wait for the reply is what finds the trouble.
-bool clsEsmtp::SendCommand(std::string_view text, seconds timeout) {
+bool clsEsmtp::SendCommand(std::string_view text, const std::string& shown) {
     sendFlag_ = kSendPending;
     if (sckInternet.State() != SocketState::Connected) {
         Complain("Remote host disconnected");
@@ -69,7 +69,8 @@ bool clsEsmtp::SendCommand(std::string_view text, seconds timeout) {
     const std::size_t lineEnd = text.find('\r');
     if (lineEnd == std::string_view::npos) lastReply_.clear();
     lastCommand_ = text.substr(0, lineEnd);
-    WaitUntilSent(timeout);
+    if (!shown.empty()) TraceSent(shown);
+    WaitUntilSent(kSilence);
     return true;
 }
 
@@ -85,17 +86,23 @@ void clsEsmtp::WaitUntilSent(seconds timeout) {
     }
 }
 
-bool clsEsmtp::SendLine(const std::string& line) {
-    return SendCommand(line + "\r\n", kSilence);
+// Of the message the trace shows its size alone, once it is through.
+bool clsEsmtp::SendPiece(const std::string& piece) {
+    messageBytes_ += piece.size();
+    return SendCommand(piece, "");
 }
 
-int clsEsmtp::Ask(const std::string& line) {
-    SendLine(line);
+bool clsEsmtp::SendLine(const std::string& line, Shown shown) {
+    return SendCommand(line + "\r\n", shown == Shown::Not ? std::string(kNotShown) : line);
+}
+
+int clsEsmtp::Ask(const std::string& line, Shown shown) {
+    SendLine(line, shown);
     return GetSmtpReply(kSmtpTries, true);
 }
 
-bool clsEsmtp::AskPop(const std::string& line) {
-    SendLine(line);
+bool clsEsmtp::AskPop(const std::string& line, Shown shown) {
+    SendLine(line, shown);
     return GetPopReply(kPopTries, true);
 }
 
@@ -127,7 +134,9 @@ clsEsmtp::Look clsEsmtp::LookForReply(ReplyFlag expected, bool sent) {
     }
     const Waited waited = WaitForReply(expected, seconds(1));
     if (waited.expected) return TakeReply() ? Look::Taken : Look::NotYet;
-    return waited.flag == kNoReply ? Look::NotYet : Look::Vain;
+    if (waited.flag == kNoReply) return Look::NotYet;
+    if (ports_.trace != nullptr) TraceReceived(ToUtf8(sckInternet.PeekData(kMostOfAReply)));  // what the server said in vain
+    return Look::Vain;
 }
 
 clsEsmtp::Waited clsEsmtp::WaitForReply(ReplyFlag expected, seconds limit) {
@@ -151,7 +160,16 @@ bool clsEsmtp::TakeReply() {
     if (reply.length == 0) return false;
     taken_ = sckInternet.GetData(reply.length);
     lastReply_ = ToUtf8(reply.text);
+    TraceReceived(lastReply_);
     return true;
+}
+
+void clsEsmtp::TraceSent(const std::string& shown) {
+    if (ports_.trace != nullptr) ports_.trace->setMsg(shown);
+}
+
+void clsEsmtp::TraceReceived(const std::string& reply) {
+    if (ports_.trace != nullptr && !reply.empty()) ports_.trace->setReceiveMsg(Left(reply, kMostOfAReply));
 }
 
 // The code when this reply is the answer; nothing when more of it is to come.

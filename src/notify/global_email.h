@@ -31,6 +31,8 @@ public:
     void setSubject(std::string_view text) { strSubject_ = text; }
 
 private:
+    void TakeItem(std::string_view item);
+
     Files& files_;
     std::string path_;
     std::string strToList1_;

@@ -111,14 +111,25 @@ bool PlainMailer::Connect(const Mail& mail) {
 
 bool PlainMailer::NameSender(const Mail& mail) {
     ports_.status.setStatusMSG("Connected...");
-    ports_.socket.SendData("mail from:<" + Trim(mail.from) + ">\r\n");
+    SendLine("mail from:<" + Trim(mail.from) + ">");
     ports_.status.setStatusMSG("Sending from " + mail.from + " to " + mail.to);
     return WaitForReply("250");
 }
 
 bool PlainMailer::Command(const std::string& line, std::string_view expectedCode) {
-    ports_.socket.SendData(line + "\r\n");
+    SendLine(line);
     return WaitForReply(expectedCode);
+}
+
+void PlainMailer::SendLine(const std::string& line) {
+    ports_.socket.SendData(line + "\r\n");
+    if (ports_.trace != nullptr) ports_.trace->setMsg(line);
+}
+
+std::string PlainMailer::TakeReply() {
+    const std::string reply = std::exchange(reply_, {});
+    if (ports_.trace != nullptr && !reply.empty()) ports_.trace->setReceiveMsg(Left(TrimAll(reply), kMostOfAReply));
+    return reply;
 }
 
 bool PlainMailer::SendMessage(const Mail& mail) {
@@ -126,12 +137,13 @@ bool PlainMailer::SendMessage(const Mail& mail) {
     sendComplete_ = false;
     sentCount_ = 0;
     ports_.socket.SendData(mail.body + "\r\n");
+    if (ports_.trace != nullptr) ports_.trace->setMsg(BytesOfMessage(mail.headers.size() + mail.body.size() + 4));
     return WaitForSend();
 }
 
 // A mail is sent only when the server has said goodbye.
 bool PlainMailer::Quit() {
-    ports_.socket.SendData("quit\r\n");
+    SendLine("quit");
     ports_.status.setStatusMSG("Disconnecting...");
     if (!WaitForReply("221")) return false;
     ports_.socket.Close();
@@ -150,7 +162,7 @@ bool PlainMailer::WaitForReply(std::string_view expectedCode) {
         }
         ports_.events.WaitForEvent(kWaitStep);
     }
-    const std::string reply = std::exchange(reply_, {});
+    const std::string reply = TakeReply();
     if (reply.size() <= 2 || reply.starts_with(expectedCode)) return true;
     Fail("Expected: " + std::string(expectedCode) + " Recieved: " + Left(reply, kMostOfAReply));
     ports_.status.setStatusMSG(error_);
@@ -172,7 +184,7 @@ bool PlainMailer::WaitForSend() {
         }
         ports_.events.WaitForEvent(kWaitStep);
     }
-    reply_.clear();
+    TakeReply();
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "notify/mail_trace.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/operator.h"
@@ -25,6 +26,7 @@ public:
         Operator& person;
         StatusLog& status;
         Log& log;
+        MailTrace* trace = nullptr;  ///< null: nobody looks on
     };
 
     /// `port` is 25 but for tests.
@@ -52,6 +54,8 @@ private:
     bool Quit();
 
     bool Command(const std::string& line, std::string_view expectedCode);
+    void SendLine(const std::string& line);
+    std::string TakeReply();
     bool WaitForReply(std::string_view expectedCode);
     bool WaitForSend();
     bool Fail(const std::string& error);

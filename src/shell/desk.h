@@ -40,6 +40,7 @@ struct Desk {
     StatusLog& status;
     ServerIds& ids;
     SettingsCollection& collection;
+    IniFile& settingsFile;  ///< for what windows remember; the global keys go through `settings`
     Settings& settings;
     ServerEntries& entries;
     LegacyLog& legacyLog;

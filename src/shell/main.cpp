@@ -1,104 +1,48 @@
-// Where the adapters are made and handed to the run. Everything here is about this process: its folders, its arguments, its signals and its end.
+// The one executable. Where there is a display it loads the windows, which are a part of their own beside it, so that a start without one needs no desktop
+// library and no memory for it.
+#include <dlfcn.h>
+
 #include <QCoreApplication>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <string>
 
-#include "base/text.h"
-#include "platform/curl/curl_inet.h"
-#include "platform/linux/linux_clock.h"
-#include "platform/linux/linux_files.h"
-#include "platform/linux/linux_guid_source.h"
-#include "platform/linux/linux_icmp_echo.h"
-#include "platform/linux/linux_memory.h"
-#include "platform/linux/linux_processes.h"
-#include "platform/linux/linux_signals.h"
-#include "platform/qt/qt_events.h"
-#include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
-#include "platform/qt/sql_store.h"
-#include "shell/no_sound.h"
-#include "shell/run.h"
-#include "shell/terminal_operator.h"
-#include "store/schema.h"
+#include "shell/process/process.h"
 
 namespace korvane {
 namespace {
 
-constexpr int kCannotGoOn = 1;
+constexpr int kCannotStart = 1;
+constexpr const char* kWindows = "korvanedesktop.so";
 
-std::string FromEnvironment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
+bool HasDisplay() {
+    const auto set = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    };
+    return set("DISPLAY") || set("WAYLAND_DISPLAY");
 }
 
-std::string CommandLine(int argc, char** argv) {
-    std::string line;
-    for (int i = 1; i < argc; ++i)
-        line += (i > 1 ? " " : "") + std::string(argv[i]);
-    return line;
-}
+using DesktopMain = int(int argc, char** argv);
 
-/// The folder of the executable, or the one that KORVANE_HOME names; it is made when it is not there.
-Run::Options OptionsOf(int argc, char** argv) {
-    const std::string program = QCoreApplication::applicationDirPath().toStdString();
-    const std::string home = FromEnvironment("KORVANE_HOME");
-    Run::Options options{.dir = program, .dataDir = program, .commandLine = CommandLine(argc, argv), .version = KORVANE_VERSION};
-    if (!home.empty()) options.dir = std::filesystem::absolute(home).lexically_normal().string();
-    while (options.dir.size() > 1 && options.dir.ends_with('/'))
-        options.dir.pop_back();
-    return options;
-}
-
-/// The process ends here and now: a name server that does not answer or a check that is under way must not hold it up, and there is nothing left
-/// to write.
-[[noreturn]] void EndProcess(int status) {
-    std::cout.flush();
-    std::cerr.flush();
-    std::_Exit(status);
+/// The windows' own main, or null when they are not installed or the libraries they need are not.
+DesktopMain* LoadWindows() {
+    const std::filesystem::path beside = std::filesystem::read_symlink("/proc/self/exe").parent_path() / kWindows;
+    void* library = dlopen(beside.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* found = library == nullptr ? nullptr : dlsym(library, "KorvaneDesktopMain");
+    if (found == nullptr) std::cerr << "Korvane goes on without a window: " << dlerror() << std::endl;
+    return reinterpret_cast<DesktopMain*>(found);
 }
 
 int Main(int argc, char** argv) {
-    ReturnLargeBlocks();  // an answer of 50 MB must not stay in the memory of a program that runs for a year
-    // The plain event loop wakes for our own timers and sockets only, and needs less memory.
-    setenv("QT_NO_GLIB", "1", 1);
-    QCoreApplication application(argc, argv);
-    IgnoreBrokenPipes();
-    const Run::Options options = OptionsOf(argc, argv);
-
-    SystemClock clock;
-    LinuxFiles files;
-    QtEvents events;
-    QtTimers timers;
-    QtSqlStore store(KindOfColumn);
-    QtTcpSocket tcpSocket;
-    QtTcpSocket sckesmtp;
-    QtTcpSocket plainSocket;
-    QtTcpSocket testSocket;
-    LinuxIcmpEcho echo;
-    NoSound sound;
-    LinuxProcesses processes(events);
-    LinuxGuidSource guids;
-    TerminalOperator person(std::cout, std::cerr);
-    const CurlInet::Options inetOptions{.caBundle = FromEnvironment("SSL_CERT_FILE"), .userAgent = "Korvane/" + options.version};
-    Run run({clock, events, timers, store, person, files, tcpSocket, sckesmtp, plainSocket, testSocket, echo, sound, processes, guids,
-             [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); }},
-            options);
-
-    const auto exit = [&] {
-        run.mnuExit_Click();
-        EndProcess(EXIT_SUCCESS);
-    };
-    const TerminationSignals termination(events, [&] {
-        if (run.MayExit()) exit();
-    });
-    files.CreateFolder(options.dir);
-    if (run.StartUp() != Run::Started::Running) EndProcess(kCannotGoOn);
-    if (run.ExitAsked()) exit();
-    return QCoreApplication::exec();
+    PrepareProcess();
+    if (HasDisplay()) {
+        if (DesktopMain* desktopMain = LoadWindows(); desktopMain != nullptr) return desktopMain(argc, argv);
+    }
+    const QCoreApplication application(argc, argv);
+    return RunInTerminal(argc, argv);
 }
 
 }  // namespace
@@ -109,6 +53,6 @@ int main(int argc, char** argv) {
         return korvane::Main(argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "Korvane can't start: " << error.what() << std::endl;
-        return korvane::kCannotGoOn;
+        return korvane::kCannotStart;
     }
 }

@@ -3,12 +3,22 @@
 #include <array>
 
 #include "base/ignore_errors.h"
+#include "engine/server_table.h"
 #include "shell/web_addresses.h"
 #include "store/database_files.h"
 
 namespace korvane {
 
 using namespace std::chrono_literals;
+
+namespace {
+
+/// Of the settings file: whether a start with a window, or with entries, has been there before.
+constexpr std::string_view kSetupSection = "Setup";
+constexpr std::string_view kSetupDone = "Done";
+constexpr std::string_view kYes = "True";
+
+}  // namespace
 
 Run::Run(const Ports& ports, Options options)
     : ports_(ports),
@@ -17,9 +27,9 @@ Run::Run(const Ports& ports, Options options)
       status_(ports.person, ports.clock),
       settingsFile_(ports.files, SettingsFilePath(options_.dir)),
       ids_(settingsFile_, ports.clock),
-      host_(ports.window == nullptr ? noWindow_ : *ports.window),
+      window_(ports.window == nullptr ? noWindow_ : *ports.window),
       entries_({ports.store, ports.clock, ports.events, log_, status_, settingsFile_, ids_, collection_}, options_.dir),
-      settings_({ports.files, ports.clock, ports.events, ports.person, host_, status_, settingsFile_, collection_, entries_},
+      settings_({ports.files, ports.clock, ports.events, ports.person, window_, status_, settingsFile_, collection_, entries_},
                 options_.dir),
       legacyLog_(collection_, settings_.GetLogFile()),
       Timer2_(NewTimer({"Timer2", 1000ms, [this] { wait_.Timer2_Timer(); }})),
@@ -27,7 +37,7 @@ Run::Run(const Ports& ports, Options options)
       TimerProgress_(NewTimer({"TimerProgress", 250ms, [this] { progress_.TimerProgress_Timer(); }})),
       TimerLog_(NewTimer({"TimerLog", 60000ms, [this] { TimerLog_Timer(); }})),
       mail_({ports.sckesmtp, ports.plainSocket, ports.clock, ports.events, ports.person, ports.files, ports.guids, status_, log_,
-             collection_, [this] { StopMonitor(); }},
+             collection_, [this] { StopMonitor(); }, ports.mailTrace},
             {.contactAddress = std::string(kContactAddress)}),
       trace_({ports.files, ports.processes, status_, log_}, options_.dir),
       commands_({ports.processes, status_, log_}),
@@ -75,6 +85,7 @@ Desk Run::TheDesk() {
             .status = status_,
             .ids = ids_,
             .collection = collection_,
+            .settingsFile = settingsFile_,
             .settings = settings_,
             .entries = entries_,
             .legacyLog = legacyLog_,
@@ -92,8 +103,23 @@ Desk Run::TheDesk() {
 
 void Run::BeginOperations() {
     ports_.person.SetTrayTip("Korvane Initialized. Beginning Operations: " + ports_.clock.Now().Text());
+    if (IsFirstRun()) IgnoreErrors([&] { SetUpForTheFirstTime(); });
     const bool toldToStayQuiet = options_.commandLine.find("restart") != std::string::npos;
     if (collection_.IsTrue("Reboot") && !toldToStayQuiet) actions_.SendStartupNotice();
+}
+
+bool Run::IsFirstRun() {
+    return settingsFile_.Read(kSetupSection, kSetupDone, "") != kYes;
+}
+
+// Without a window only a home with entries counts as set up: somebody who comes with a window later is to be asked for them.
+void Run::SetUpForTheFirstTime() {
+    const auto conn = ports_.store.NewConnection();
+    conn->SetConnectionString(OdbcConnectionText(options_.dir));
+    conn->Open();
+    const auto rs = ports_.store.NewRecordset();
+    rs->Open(query::kAllByNextCheck, *conn, CursorType::Static, LockType::Optimistic);
+    if (window_.HasWindow() || rs->RecordCount() > 0) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
 }
 
 void Run::ResumeProgress() {

@@ -39,6 +39,7 @@
 #include "reports/pipeline.h"
 #include "shell/cycle_publisher.h"
 #include "shell/desk.h"
+#include "shell/monitor_window.h"
 #include "shell/report_commands.h"
 #include "store/ini_file.h"
 #include "store/legacy_log.h"
@@ -70,8 +71,9 @@ public:
         Processes& processes;
         GuidSource& guids;
         std::function<std::unique_ptr<Inet>()> newInet;
-        SettingsHost* window = nullptr;                ///< null without a window
+        MonitorWindow* window = nullptr;             ///< null without a display
         ConversationWindow* conversation = nullptr;  ///< null: nobody looks on
+        MailTrace* mailTrace = nullptr;              ///< the same for mail
     };
 
     struct Options {
@@ -128,6 +130,8 @@ private:
     std::unique_ptr<Timer> NewTimer(const NamedTimer& timer);
     CycleTimers Switches() { return {*Timer2_, *TimerMonitorDB_, *TimerLog_}; }
 
+    bool IsFirstRun();
+    void SetUpForTheFirstTime();
     void BeginOperations();
     void StopMonitor();
     void TimerLog_Timer();
@@ -157,8 +161,8 @@ private:
     IniFile settingsFile_;
     ServerIds ids_;
     SettingsCollection collection_;
-    SettingsHost noWindow_;
-    SettingsHost& host_;
+    MonitorWindow noWindow_;
+    MonitorWindow& window_;
     ServerEntries entries_;
     Settings settings_;
     LegacyLog legacyLog_;

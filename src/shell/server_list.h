@@ -15,7 +15,22 @@ namespace korvane {
 enum class RowIcon { Good, Warn, Bad, Inactive, DownTime, Cur };
 
 namespace column {
-enum Column { Number, ServerID, Group, Status, NextTry, Interval, Average, Type, Port, ScanText, ShortName, FullName, LastResponse, Count };
+enum Column {
+    Number,
+    ServerID,
+    Group,
+    Status,
+    NextTry,
+    Interval,
+    Average,
+    Type,
+    Port,
+    ScanText,
+    ShortName,
+    FullName,
+    LastResponse,
+    Count
+};
 }
 
 /// The heads of the columns; the first has none.

@@ -49,8 +49,15 @@ Run::Started Run::StartUp() {
         return Started::SecondInstance;
     }
     log_.Info("frmMonitor:Form_Load: determined to be first Instance");
+    window_.SetCaptions({.title = Title(),
+                         .mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
+                         .mnufilekvsettings = "Open Korvane Settings File (" + settings_.GetSettingsFile() + ")"});
     settings_.EnsureUniqueid();
+    const bool firstRun = IsFirstRun();
+    if (!firstRun) window_.MinimizeToTray();
     ReadSettings();
+    if (collection_.IsTrue("bMinimized")) window_.MinimizeToTray();
+    window_.Place(firstRun);
     ports_.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + ports_.clock.Now().Text());
     BringInstallationData();
     if (!HasAllItNeeds()) {
@@ -60,9 +67,11 @@ Run::Started Run::StartUp() {
     PrepareEntries();
     ports_.store.Rest();
     log_.Info("frmMonitor:Form_Load: All data should be in database.");
+    ports_.person.SetMonitoring(state_.bMonitoring);
     http_.LoadInets(ports_.newInet);
-    if (host_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
+    if (window_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
+    window_.Form_Resize();
     Timer2_->SetEnabled(true);
     ports_.person.SetWaitCursor(false);
     bFormLoading_ = false;

@@ -21,9 +21,15 @@ inline void NeedDesktop() {
     static int argumentCount = 1;
     static char name[] = "korvane-test";
     static char* arguments[] = {name, nullptr};
-    static const auto application = std::make_unique<QApplication>(argumentCount, arguments);
+    [[maybe_unused]] static const auto* application =
+        new QApplication(argumentCount, arguments);  // at exit Qt's own statics go before it could
     QApplication::setQuitOnLastWindowClosed(false);
 }
+
+/// A member of this kind stands before all others that need Qt.
+struct QtDesktop {
+    QtDesktop() { NeedDesktop(); }
+};
 
 /// The program has started with an empty database; monitoring has not begun yet (virtual time stands still until a test or a wait lets it go on). What the windows
 /// ask and say goes to `Person()`, with the answers laid down there.
@@ -32,7 +38,8 @@ protected:
     DesktopTest() {
         NeedDesktop();
         database_ = std::make_unique<TestDatabase>();
-        program_ = std::make_unique<Program>(database_->Folder(), KORVANE_DIST_DIR, "", &window_);
+        program_ = std::make_unique<Program>(database_->Folder(), KORVANE_DIST_DIR, "",
+                                             [this](Timers&) { return DesktopOfProgram{.window = &window_}; });
         EXPECT_EQ(program_->run.StartUp(), Run::Started::Running);
         program_->person.Forget();
     }
@@ -44,7 +51,7 @@ protected:
 
 private:
     /// The run has the checkers for the operator's own tests where there is a window.
-    struct Window : SettingsHost {
+    struct Window : MonitorWindow {
         bool HasWindow() const override { return true; }
     };
 

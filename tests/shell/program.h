@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,15 +47,25 @@ private:
     std::filesystem::path path_;
 };
 
+/// Who is at the desk: as it stands, the recording person without a window.
+struct DesktopOfProgram {
+    Operator* person = nullptr;
+    MonitorWindow* window = nullptr;
+    ConversationWindow* conversation = nullptr;
+};
+using MakeDesktop = std::function<DesktopOfProgram(Timers& timers)>;
+
 struct Program {
     explicit Program(const Home& home, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "")
         : Program(home.Path(), std::move(dataDir), std::move(commandLine)) {}
 
-    /// `window` is the one that the run has, if any.
-    explicit Program(const std::string& dir, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "",
-                     SettingsHost* window = nullptr)
-        : run({world.clock, world.events, world.timers, store, person, files, socket, sckesmtp, plainSocket, testSocket, echo, sound,
-               processes, guids, [this] { return std::make_unique<VirtualInet>(net); }, window},
+    explicit Program(
+        const std::string& dir, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "",
+        const MakeDesktop& makeDesktop = [](Timers&) { return DesktopOfProgram{}; })
+        : desktop(makeDesktop(world.timers)),
+          run({world.clock, world.events, world.timers, store, desktop.person == nullptr ? person : *desktop.person, files,
+               socket, sckesmtp, plainSocket, testSocket, echo, sound, processes, guids,
+               [this] { return std::make_unique<VirtualInet>(net); }, desktop.window, desktop.conversation},
               {.dir = dir, .dataDir = std::move(dataDir), .commandLine = std::move(commandLine), .version = "1.0.0"}) {}
 
     std::vector<std::string> Column(const Home& home, const std::string& query) {
@@ -82,6 +93,7 @@ struct Program {
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;
+    DesktopOfProgram desktop;
     Run run;
 };
 

@@ -1,0 +1,405 @@
+#include "shell/desktop/frm_monitor.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QScreen>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "shell/desktop/frm_msg.h"
+#include "shell/desktop/frm_url_data.h"
+#include "shell/desktop/icons.h"
+#include "shell/desktop/qt_text.h"
+#include "shell/run.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kTwipsAPixel = 15;
+constexpr int kTwipsARow = 270;
+constexpr int kTwipsBesideRows = 700;
+constexpr int kTwipsBesideList = 3500;
+constexpr QPoint kPlace{100 / kTwipsAPixel + 1, 100 / kTwipsAPixel + 1};
+constexpr qsizetype kLongestStatus = 15000;
+constexpr auto kTimer3Interval = 9500ms;
+constexpr int kBlinkEvery = 5;
+constexpr int kBlinkTop = 15000;
+
+constexpr const char* kWelcomeBack = "These status messages are updated only if Korvane is visible. Welcome Back.";
+constexpr const char* kPausedTip = " Korvane: Server Monitoring Paused.  No Monitoring is occurring. ";
+
+constexpr std::string_view kWindowSection = "Window";
+constexpr std::string_view kColumnsKey = "ListColumns";
+
+int Twips(int pixels) {
+    return pixels * kTwipsAPixel;
+}
+
+}  // namespace
+
+frmMonitor::frmMonitor(Timers& timers) : Timer3_(timers.NewTimer("Timer3")), Timer4_(timers.NewTimer("Timer4")) {
+    BuildWidgets();
+    conversation_.SetParent(this);
+    mailTrace_.SetParent(this);
+    Timer3_->SetInterval(15000ms);
+    Timer3_->OnTick([this] { Timer3_Timer(); });
+    Timer4_->SetInterval(1000ms);
+    Timer4_->OnTick([this] { Timer4_Timer(); });
+}
+
+frmMonitor::~frmMonitor() = default;
+
+void frmMonitor::Attach(Run& run, std::function<void()> exit) {
+    run_ = &run;
+    exit_ = std::move(exit);
+    commands_ = std::make_unique<MonitorCommands>(run);
+    BuildMenus();
+    BuildTray();
+    Timer3_->SetEnabled(true);
+    Timer4_->SetEnabled(true);
+}
+
+void frmMonitor::BeforeExit() {
+    RememberColumns();
+    tray_->Remove();
+}
+
+// A window in the task bar is as far out of sight as one in the tray.
+bool frmMonitor::WindowVisible() const {
+    return isVisible() && !isMinimized();
+}
+
+void frmMonitor::StatusLine(const std::string& time, const std::string& text) {
+    const bool loading = run_ != nullptr && run_->Loading();
+    if (!WindowVisible() && !loading) return;
+    QScrollBar& bar = *txtStatus->verticalScrollBar();
+    const int reading = bar.value();  // somebody who has scrolled to older lines goes on reading them
+    const int before = txtStatus->blockCount();
+    QTextCursor cursor(txtStatus->document());
+    cursor.insertText(Q(time + " - " + text + "\n"));
+    if (const qsizetype length = txtStatus->document()->characterCount() - 1; length > kLongestStatus) {
+        cursor.setPosition(static_cast<int>(kLongestStatus));
+        cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+    }
+    if (reading > 0) bar.setValue(reading + std::max(0, txtStatus->blockCount() - before));
+}
+
+void frmMonitor::SetClockText(const std::string& time) {
+    lblTime->setText(Q(time));
+}
+
+void frmMonitor::SetCycleText(const std::string& text) {
+    lblCount->setText(Q(text));
+}
+
+void frmMonitor::ShowProgress(bool shown) {
+    ProgressBar1->setVisible(shown);
+}
+
+void frmMonitor::SetProgress(int value, int max) {
+    ProgressBar1->setRange(0, std::max(1, max));
+    ProgressBar1->setValue(std::clamp(value, 0, ProgressBar1->maximum()));
+}
+
+void frmMonitor::SetProgressTip(const std::string& text) {
+    ProgressBar1->setToolTip(Lines(text));
+    lblCo->setText(Q(text));
+}
+
+void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
+    tray_->SetPicture(picture);
+    tray_->SetTip(tip);
+    if (MonitorTray::Available()) tray_->Show();
+}
+
+void frmMonitor::SetMonitoring(bool on) {
+    monitoring_ = on;
+    cmdStopStart->setText(on ? "Stop" : "Start");
+    cmdStopStart->setAccessibleName(cmdStopStart->text());
+    cmdStopStart->setIcon(CommandIcon(on ? CommandPicture::Stop : CommandPicture::Start));
+    QAction& action = menus_->Action("cmdStopStart");
+    action.setText(on ? "S&top" : "S&tart");
+    action.setIcon(cmdStopStart->icon());
+    setWindowIcon(ProgramIcon(on));
+    tray_->SetMonitoring(on);
+    if (on) ShowStopStart(true);
+}
+
+void frmMonitor::SetCustomerCount(int count) {
+    lblCustomers->setText(QString("Number of distinct company names: %1").arg(count));
+    lblCustomers->setVisible(true);
+}
+
+void frmMonitor::RefreshURLList() {
+    if (!WindowVisible() && !run_->Loading()) return;
+    const Desk desk = run_->TheDesk();
+    std::vector<ServerRow> rows;
+    try {
+        rows = LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), run_->Requesting());
+    } catch (const std::exception& error) {  // what was shown stays until the store can be read again
+        desk.log.WriteLog(kLogFatal, kLogError, "RefreshURLList: " + std::string(error.what()));
+        desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
+        return;
+    }
+    lblServers->setText(QString::number(rows.size()));
+    desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
+    const int before = model_->rowCount();
+    model_->SetRows(std::move(rows));
+    if (model_->rowCount() != before) Form_Resize();
+    if (before == 0) SelectRow(0);  // the keys have something to begin with
+}
+
+// Over this window alone: dialogs stay as they are while a check runs behind them.
+void frmMonitor::SetWaitCursor(bool wait) {
+    if (wait) {
+        setCursor(Qt::BusyCursor);
+    } else {
+        unsetCursor();
+    }
+}
+
+QWidget* frmMonitor::MessageParent() {
+    if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
+    return isVisible() ? this : nullptr;
+}
+
+void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
+    frmMSG::Show(MessageParent(), frmMSG::Kind::Information, title, text);
+}
+
+void frmMonitor::ShowError(const std::string& title, const std::string& text) {
+    frmMSG::Show(MessageParent(), frmMSG::Kind::StopSign, title, text);
+}
+
+bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
+    return frmMSG::Ask(MessageParent(), title, text);
+}
+
+int frmMonitor::ScreenWidth() const {
+    return Twips(screen()->availableGeometry().width());
+}
+
+int frmMonitor::Width() const {
+    return Twips(width());
+}
+
+int frmMonitor::Height() const {
+    return Twips(height());
+}
+
+// Settings may come from a larger screen.
+void frmMonitor::SetWidth(int twips) {
+    resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width()), height());
+}
+
+void frmMonitor::SetHeight(int twips) {
+    resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height()));
+}
+
+void frmMonitor::SetCaptions(const Captions& captions) {
+    setWindowTitle(Q(captions.title));
+    menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal));
+    menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings));
+}
+
+void frmMonitor::Place(bool shown) {
+    move(kPlace);
+    RestoreColumns();
+    placed_ = true;
+    if (shown && !hiddenAtStart_) show();
+    if (hiddenAtStart_) HideOrIconify();
+}
+
+void frmMonitor::MinimizeToTray() {
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "True");
+    hiddenAtStart_ = !placed_;  // the start has not given it its size yet; nobody has seen it either
+    if (hiddenAtStart_) return;
+    RememberColumns();
+    HideOrIconify();
+}
+
+void frmMonitor::HideOrIconify() {
+    if (MonitorTray::Available()) {
+        tray_->Show();
+        tray_->Modify();
+        hide();
+    } else {
+        showMinimized();
+    }
+}
+
+void frmMonitor::mnuTraySettings_Click() {
+    if (run_->Loading()) return;
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    showNormal();
+    SetWindowToFrontForeground();
+    WelcomeBack();
+}
+
+void frmMonitor::SetWindowToFrontForeground() {
+    raise();
+    activateWindow();
+}
+
+void frmMonitor::WelcomeBack() {
+    RefreshURLList();
+    run_->ResumeProgress();
+    run_->TheDesk().status.setStatusMSG(kWelcomeBack);
+}
+
+void frmMonitor::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    if (run_ != nullptr) MinimizeToTray();
+}
+
+// The desktop itself has taken the window out of the task bar, or put it there.
+void frmMonitor::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
+    const bool onScreen = WindowVisible();
+    if (onScreen && !onScreen_ && isVisible()) {
+        run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+        WelcomeBack();
+    }
+    onScreen_ = onScreen;
+}
+
+void frmMonitor::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+// As many rows as there are entries and one more, as far as the window has room for them; the status log has the rest.
+void frmMonitor::Form_Resize() {
+    const int hint = ListView1->sizeHintForRow(0);
+    const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
+    const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
+    ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
+}
+
+void frmMonitor::cmdAddURL_Click() {
+    if (!commands_->BeginAdd()) return;
+    OpenEditor(true, "");
+}
+
+void frmMonitor::cmdEditURL_Click() {
+    const std::string id = SelectedId();
+    if (id.empty()) {
+        ShowMessage("Korvane", "Please click an entry in the list, then click edit.");
+        return;
+    }
+    commands_->BeginEdit();
+    OpenEditor(false, id);
+}
+
+// One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their way are not.
+void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
+    if (findChild<frmURLData*>() != nullptr) return;
+    SetIsAddUrl(isAddUrl);
+    const int row = ListView1->currentIndex().row();
+    const auto saved = [this, id, row] {
+        RefreshURLList();
+        Form_Resize();
+        if (!id.empty()) SelectEntry(id);
+        if (id.empty()) SelectRow(row);
+    };
+    auto* editor = new frmURLData(run_->TheDesk(), isAddUrl, id, saved, this);
+    conversation_.SetParent(editor);
+    connect(editor, &QDialog::finished, this, [this, isAddUrl] {
+        SetIsAddUrl(false);
+        conversation_.SetParent(this);
+        if (!isAddUrl) commands_->EndEdit();
+        RefreshURLList();
+        ListView1->setFocus();
+    });
+    editor->open();
+}
+
+void frmMonitor::cmdDeleteURL_Click() {
+    const int row = ListView1->currentIndex().row();
+    commands_->DeleteURL(SelectedId(), SelectedName());
+    SelectRow(row);
+    Form_Resize();
+}
+
+void frmMonitor::cmdCopyPaste_Click() {
+    const std::string copy = commands_->CopyURL(SelectedId());
+    if (!copy.empty()) SelectEntry(copy);
+}
+
+std::string frmMonitor::SelectedId() const {
+    const QModelIndexList selected = ListView1->selectionModel()->selectedRows();
+    return selected.isEmpty() ? "" : model_->Row(selected.first().row()).Id();
+}
+
+std::string frmMonitor::SelectedName() const {
+    const QModelIndexList selected = ListView1->selectionModel()->selectedRows();
+    return selected.isEmpty() ? "" : model_->Row(selected.first().row()).Name();
+}
+
+void frmMonitor::SelectRow(int row) {
+    const int last = model_->rowCount() - 1;
+    if (last < 0 || row < 0) return;
+    ListView1->setCurrentIndex(model_->index(std::min(row, last), 0));
+}
+
+void frmMonitor::SelectEntry(const std::string& id) {
+    SelectRow(model_->RowOf(id));
+}
+
+void frmMonitor::RestoreColumns() {
+    columnsAsStored_ = run_->TheDesk().settingsFile.Read(kWindowSection, kColumnsKey, "");
+    const std::vector<std::string> widths = Split(columnsAsStored_, ',');
+    if (widths.size() != column::Count) return;
+    for (int i = 0; i < column::Count; ++i) {
+        IgnoreErrors([&] {
+            const int width = CheckedInt32(ParseWhole(widths[static_cast<std::size_t>(i)]));
+            ListView1->setColumnWidth(i, std::clamp(width, ListView1->header()->minimumSectionSize(), 2000));
+        });
+    }
+}
+
+void frmMonitor::RememberColumns() {
+    std::string widths;
+    for (int i = 0; i < column::Count; ++i)
+        widths += (i > 0 ? "," : "") + std::to_string(ListView1->columnWidth(i));
+    if (widths == columnsAsStored_) return;
+    columnsAsStored_ = widths;
+    run_->TheDesk().settingsFile.Write(kWindowSection, kColumnsKey, widths);
+}
+
+// The desktop may lose the icon, or its notification area with all icons: then the window must be reachable in the task bar.
+void frmMonitor::Timer3_Timer() {
+    Timer3_->SetInterval(kTimer3Interval);
+    if (!monitoring_) SetTray(TrayPicture::Off, kPausedTip);
+    if (!MonitorTray::Available()) {
+        if (!isVisible() && !run_->Loading()) showMinimized();
+        return;
+    }
+    const bool evenSecond = run_->TheDesk().clock.Now().Second() % 2 == 0;
+    if (evenSecond) {
+        tray_->Modify();
+    } else {
+        tray_->Show();
+    }
+}
+
+void frmMonitor::Timer4_Timer() {
+    nBlink_ = nBlink_ < kBlinkTop ? nBlink_ + 1 : 1;
+    if (!WindowVisible()) return;
+    const std::string now = run_->TheDesk().clock.Now().Text();
+    SetClockText(now.substr(now.find(' ') + 1));
+    ShowStopStart(monitoring_ || nBlink_ % kBlinkEvery != 0);
+    cmdStopWaiting->setVisible(run_->WaitingToStart());
+}
+
+}  // namespace korvane

@@ -1,0 +1,211 @@
+// How the main window is put together; what it does is in frm_monitor.cpp.
+#include <QGraphicsOpacityEffect>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "shell/desktop/frm_monitor.h"
+#include "shell/desktop/icons.h"
+#include "shell/run.h"
+
+namespace korvane {
+namespace {
+
+/// What a new window has: room for some entries and the status log.
+constexpr QSize kFirstSize{980, 640};
+/// 3310 and 5030 twips.
+constexpr QSize kLeastSize{221, 336};
+
+/// The width of each column in characters, until somebody draws it to another.
+constexpr int kColumnCharacters[column::Count] = {8, 12, 12, 16, 16, 11, 12, 9, 7, 18, 18, 26, 40};
+
+template <class Widget>
+Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
+    widget->setObjectName(name);
+    widget->setAccessibleName(accessibleName);
+    return widget;
+}
+
+}  // namespace
+
+void frmMonitor::BuildWidgets() {
+    setObjectName("frmMonitor");
+    setWindowTitle("Korvane");
+    setWindowIcon(ProgramIcon(true));
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+    BuildList();
+    rows->addLayout(BuildButtons());
+    rows->addWidget(ListView1);
+    rows->addLayout(BuildProgress());
+    txtStatus = Named(new QPlainTextEdit, "txtStatus", "Status log");
+    txtStatus->setReadOnly(true);
+    txtStatus->setUndoRedoEnabled(false);
+    txtStatus->setTabChangesFocus(true);
+    txtStatus->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    rows->addWidget(txtStatus, 1);
+    setCentralWidget(middle);
+    BuildStatusBar();
+    setMinimumSize(kLeastSize.expandedTo(minimumSizeHint()));
+    resize(kFirstSize);
+    ListView1->setFocus();
+}
+
+void frmMonitor::BuildList() {
+    model_ = new ServerListModel(this);
+    ListView1 = Named(new QTreeView, "ListView1", "Servers");
+    ListView1->setModel(model_);
+    ListView1->setRootIsDecorated(false);
+    ListView1->setUniformRowHeights(true);
+    ListView1->setAllColumnsShowFocus(true);
+    ListView1->setAlternatingRowColors(true);
+    ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
+    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1->setContextMenuPolicy(Qt::CustomContextMenu);
+    ListView1->setTabKeyNavigation(false);
+    QHeaderView& header = *ListView1->header();
+    header.setSectionsClickable(true);
+    header.setStretchLastSection(true);
+    header.setSectionsMovable(false);
+    const int character = fontMetrics().averageCharWidth();
+    for (int i = 0; i < column::Count; ++i)
+        ListView1->setColumnWidth(i, kColumnCharacters[i] * character);
+    // No column is the key of the order until somebody clicks one: the entry that is due next stands on top.
+    header.setSortIndicator(-1, Qt::AscendingOrder);
+    ListView1->setSortingEnabled(true);
+    connect(ListView1, &QTreeView::activated, this, [this] { cmdEditURL_Click(); });
+    connect(ListView1, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
+}
+
+QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
+    auto* button = Named(new QPushButton(icon, caption), name, QString(caption).remove('&'));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [command = std::move(command)] { command(); });
+    return button;
+}
+
+QLayout* frmMonitor::BuildButtons() {
+    auto* row = new QHBoxLayout;
+    const auto add = [&](const char* name, const QString& caption, CommandPicture picture, std::function<void()> command) {
+        QPushButton* button = Button(name, caption, CommandIcon(picture), std::move(command));
+        row->addWidget(button);
+        return button;
+    };
+    cmdStopStart = add("cmdStopStart", "Stop", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
+    cmdStopStart->setToolTip("Stops or starts monitoring (F9)");
+    cmdStopWaiting = add("cmdStopWaiting", "Start Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
+    cmdStopWaiting->setToolTip("Begins without waiting, with every server due at once (F5)");
+    cmdStopWaiting->setVisible(false);
+    row->addSpacing(fontMetrics().averageCharWidth() * 2);
+    add("cmdAddURL", "&Add", CommandPicture::Add, [this] { cmdAddURL_Click(); });
+    add("cmdEditURL", "Ed&it", CommandPicture::Edit, [this] { cmdEditURL_Click(); });
+    add("cmdCopyPaste", "&Copy", CommandPicture::Copy, [this] { cmdCopyPaste_Click(); });
+    add("cmdDeleteURL", "&Delete", CommandPicture::Delete, [this] { cmdDeleteURL_Click(); });
+    row->addSpacing(fontMetrics().averageCharWidth() * 2);
+    add("cmdSave", "&Save", CommandPicture::Save, [this] { commands_->cmdSave(); });
+    add("cmdReports", "&Reports", CommandPicture::Reports, [this] { commands_->cmdReports(); });
+    row->addStretch(1);
+    return row;
+}
+
+// Both texts give way to the window's width: a long tip must not make it wider.
+QLayout* frmMonitor::BuildProgress() {
+    auto* row = new QHBoxLayout;
+    lblCount = Named(new QLabel, "lblCount", "State of the cycle");
+    lblCo = Named(new QLabel, "lblCo", "Running work");
+    lblCo->setForegroundRole(QPalette::PlaceholderText);
+    for (QLabel* label : {lblCount, lblCo})
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    ProgressBar1 = Named(new QProgressBar, "ProgressBar1", "Progress");
+    ProgressBar1->setTextVisible(false);
+    ProgressBar1->setMaximumHeight(fontMetrics().height());
+    QSizePolicy stays = ProgressBar1->sizePolicy();
+    stays.setRetainSizeWhenHidden(true);
+    ProgressBar1->setSizePolicy(stays);
+    row->addWidget(lblCount, 3);
+    row->addWidget(ProgressBar1, 3);
+    row->addWidget(lblCo, 5);
+    return row;
+}
+
+void frmMonitor::BuildStatusBar() {
+    lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
+    lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
+    lblCustomers->setVisible(false);
+    lblTime = Named(new QLabel, "lblTime", "Time");
+    statusBar()->addWidget(new QLabel("Servers:"));
+    statusBar()->addWidget(lblServers);
+    statusBar()->addWidget(lblCustomers);
+    statusBar()->addPermanentWidget(lblTime);
+}
+
+MonitorMenus::Handlers frmMonitor::Handlers() {
+    return {
+        {"mnuFileSave", [this] { commands_->cmdSave(); }},
+        {"mnuFileReports", [this] { commands_->cmdReports(); }},
+        {"mnuFileOpen", [this] { commands_->mnuFileOpen(); }},
+        {"mnuFileGlobal", [this] { commands_->mnuFileGlobal(); }},
+        {"mnufilekvsettings", [this] { commands_->mnufilekvsettings(); }},
+        {"mnuFileRepair", [this] { commands_->mnuFileRepair(); }},
+        {"mnuFileResetGraph", [this] { commands_->mnuFileResetGraph(); }},
+        {"mnuFileMin", [this] { MinimizeToTray(); }},
+        {"mnuExit", [this] { exit_(); }},
+        {"mnuEditAddURL", [this] { cmdAddURL_Click(); }},
+        {"mnuEditURL", [this] { cmdEditURL_Click(); }},
+        {"mnuEditCopyURL", [this] { cmdCopyPaste_Click(); }},
+        {"mnuEditPasteURL", [this] { cmdCopyPaste_Click(); }},
+        {"mnuEditDeleteURL", [this] { cmdDeleteURL_Click(); }},
+        {"mnuEditClearStatus", [this] { commands_->mnuEditClearStatus(); }},
+        {"cmdStopStart", [this] { run_->cmdStopStart(); }},
+        {"cmdStopWaiting", [this] { commands_->cmdStopWaiting(); }},
+        {"mnuViewConversation", [this] { conversation_.Show(); }},
+        {"mnuViewMail", [this] { mailTrace_.Show(); }},
+    };
+}
+
+void frmMonitor::BuildMenus() {
+    menus_ = std::make_unique<MonitorMenus>(*menuBar(), *ListView1, *this, Handlers());
+    const std::pair<const char*, CommandPicture> pictures[] = {
+        {"mnuFileSave", CommandPicture::Save},        {"mnuFileReports", CommandPicture::Reports},
+        {"mnuFileMin", CommandPicture::Hide},         {"mnuExit", CommandPicture::Exit},
+        {"mnuEditAddURL", CommandPicture::Add},       {"mnuEditURL", CommandPicture::Edit},
+        {"mnuEditCopyURL", CommandPicture::Copy},     {"mnuEditPasteURL", CommandPicture::Paste},
+        {"mnuEditDeleteURL", CommandPicture::Delete}, {"cmdStopWaiting", CommandPicture::StartNow},
+        {"cmdStopStart", CommandPicture::Stop},
+    };
+    for (const auto& [name, picture] : pictures)
+        menus_->Action(name).setIcon(CommandIcon(picture));
+}
+
+void frmMonitor::BuildTray() {
+    const auto tell = [this] { tray_->SetMonitoring(monitoring_); };  // a click has turned the mark, whatever came of it
+    tray_ = std::make_unique<MonitorTray>(MonitorTray::Commands{
+        .mnuTraySettings = [this] { mnuTraySettings_Click(); },
+        .mnuTrayOn =
+            [this, tell] {
+                commands_->mnuTrayOn();
+                tell();
+            },
+        .mnuTrayOff =
+            [this, tell] {
+                commands_->mnuTrayOff();
+                tell();
+            },
+        .mnuTrayReports = [this] { commands_->cmdReports(); },
+        .mnuTrayExit = [this] { menus_->Action("mnuExit").trigger(); },
+    });
+}
+
+// Hidden from the eye alone: the place, the focus and the key stay.
+void frmMonitor::ShowStopStart(bool shown) {
+    const bool isShown = cmdStopStart->graphicsEffect() == nullptr;
+    if (shown == isShown) return;
+    auto* effect = shown ? nullptr : new QGraphicsOpacityEffect(cmdStopStart);
+    if (effect != nullptr) effect->setOpacity(0);
+    cmdStopStart->setGraphicsEffect(effect);
+}
+
+}  // namespace korvane

@@ -1,0 +1,197 @@
+#include "shell/desktop/frm_url_data.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/raised_flag.h"
+#include "base/text.h"
+#include "shell/desktop/frm_url_data_pages.h"
+#include "shell/desktop/frm_url_data_server_page.h"
+#include "shell/desktop/qt_text.h"
+#include "shell/desktop/reading_text.h"
+#include "shell/entry_hints.h"
+#include "shell/entry_row.h"
+#include "shell/entry_save.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kTitle = "Korvane";
+constexpr int kStatusLines = 5;
+constexpr qsizetype kStatusCharacters = 15000;  // an answer may have megabytes
+
+}  // namespace
+
+frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent)
+    : QDialog(parent), desk_(desk), strID_(std::move(strID)), saved_(std::move(saved)) {
+    setObjectName("frmURLData");
+    setWindowTitle("Server Settings");
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::WindowModal);
+    setSizeGripEnabled(true);
+    askForFile = [this](const QString& title, const auto& chosen) { AskForFile(title, chosen); };
+
+    BuildPages();
+    auto* status = new ReadingText(this);
+    status->setObjectName("txtStatus");
+    status->setAccessibleName("Status");
+    status->SetLines(kStatusLines);
+    txtStatus_ = status;
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(tabPages_, 1);
+    layout->addWidget(txtStatus_);
+    layout->addLayout(Buttons());
+
+    ConnectTyping();
+    ConnectCommands();
+    WatchForHelp();
+    Form_Load(isAddUrl);
+    server_->txtAddress_IP->setFocus();
+}
+
+void frmURLData::BuildPages() {
+    tabPages_ = new QTabWidget(this);
+    tabPages_->setObjectName("tabPages");
+    tabPages_->setAccessibleName("Pages of settings");
+    server_ = new ServerPage(inputs_, this);
+    eMail_ = new EMailPage(inputs_, this);
+    authentication_ = new AuthenticationPage(inputs_, this);
+    auto* scanText = new ScanTextPage(this);
+    scanText_ = scanText;
+    cmdCommands_ = scanText->cmdCommands;
+    commands_ = new CommandsPage(inputs_, this);
+    tabPages_->addTab(server_, "Server");
+    tabPages_->addTab(eMail_, "E-Mail");
+    tabPages_->addTab(new DownTimesPage(inputs_, this), "Down Times");
+    tabPages_->addTab(authentication_, "Authentication");
+    tabPages_->addTab(scanText_, "Scan Text");
+    tabPages_->addTab(commands_, "Commands");
+}
+
+QLayout* frmURLData::Buttons() {
+    const auto named = [](QPushButton* button, const char* name) {
+        button->setObjectName(name);
+        button->setAccessibleName(button->text().remove('&'));
+        return button;
+    };
+    cmdTestURL_ = named(new QPushButton("&Test", this), "cmdTestURL");
+    auto* buttons = new QDialogButtonBox(this);
+    named(buttons->addButton("OK", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
+    named(buttons->addButton("Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] { cmdOk_Click(); });
+    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(cmdTestURL_);
+    row->addWidget(buttons, 1);
+    return row;
+}
+
+void frmURLData::Form_Load(bool isAddUrl) {
+    OpenedEntry entry = OpenEntry(desk_, isAddUrl, strID_);
+    strID_ = entry.strID;
+    if (entry.found) {
+        setWindowTitle(Q("Server Settings for " + entry.fields.strAddress_IP));
+        inputs_.Fill(entry.fields);
+        savedLastResponse_ = entry.strLastResponse;
+        savedExpectedText_ = entry.fields.strExpectedText;
+        InitServerTypes(entry.fields, true);
+    }
+    server_->cmdLastResponse->setEnabled(!Trim(savedLastResponse_).empty());
+    if (isAddUrl) SetStatus(kNewEntryHint);
+    loading_ = false;
+}
+
+void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
+    types_ = korvane::InitServerTypes(fields.strPort, fields.strRequestText, fields.strExpectedText, typeChanged_);
+    if (fillList) {
+        for (const EntryTypeTexts& type : types_)
+            server_->cmbType->addItem(Q(type.name));
+    }
+    const int index = IndexOfType(types_, fields.strType);
+    server_->cmbType->setCurrentIndex(index);
+    if (index < 0) return;
+    const EntryTypeTexts& type = types_[static_cast<std::size_t>(index)];
+    const EntryTypeScreen& screen = ScreenOfType(type.name);
+    server_->SetScreen(screen);
+    for (QWidget* page : {authentication_, scanText_})
+        tabPages_->setTabEnabled(tabPages_->indexOf(page), screen.webPages);
+    server_->lblPrefix->setText(Q(type.prefix));
+    server_->txtPort->setText(Q(type.port));
+    server_->txtRequestText->setText(Q(type.request));
+    server_->txtExpectedText->setText(Q(type.expected));
+}
+
+void frmURLData::SetStatus(std::string_view text) {
+    txtStatus_->setPlainText(Lines(text).left(kStatusCharacters));
+}
+
+EntryFields frmURLData::Read() const {
+    EntryFields fields = inputs_.Read();
+    fields.strType = S(server_->cmbType->currentText());
+    return fields;
+}
+
+std::string frmURLData::getURLText() const {
+    return S(server_->txtAddress_IP->text());
+}
+
+std::int16_t frmURLData::GetAttempts() const {
+    std::int16_t attempts = 0;
+    IgnoreErrors([&] { attempts = Value(S(server_->txtTries->text())).Int16(); });
+    return attempts;
+}
+
+std::string frmURLData::ExpectedText() const {
+    return S(server_->txtExpectedText->text());
+}
+
+void frmURLData::SetExpectedText(const std::string& text) {
+    server_->txtExpectedText->setText(Q(text));
+}
+
+void frmURLData::cmdOk_Click() {
+    const EntryFields fields = Read();
+    if (const auto refusal = CheckDownTimes(fields)) {
+        QLineEdit* const box = inputs_.Box(refusal->field);
+        ShowPageOf(box);
+        MarkRefused(*box, Lines(refusal->message));
+        desk_.person.ShowMessage(kTitle, refusal->message);
+        return;
+    }
+    const QPointer<frmURLData> self = this;
+    const bool isSaved = SaveEntry(desk_, strID_, fields, [self](const std::string& name) {
+        if (self != nullptr) self->server_->txtAddress_IP->setText(Q(name));
+    });
+    if (!isSaved || self == nullptr || closed_) return;
+    saved_();
+    if (self != nullptr) accept();
+}
+
+void frmURLData::ShowPageOf(const QWidget* input) {
+    for (int page = 0; page < tabPages_->count(); ++page) {
+        if (tabPages_->widget(page)->isAncestorOf(input)) tabPages_->setCurrentIndex(page);
+    }
+}
+
+// Showing a dialog focuses its first input, which is no reason to talk over what the status line begins with.
+void frmURLData::setVisible(bool visible) {
+    const RaisedFlag showing(showing_);
+    QDialog::setVisible(visible);
+}
+
+void frmURLData::done(int result) {
+    closed_ = true;
+    QDialog::done(result);
+}
+
+}  // namespace korvane

@@ -1,0 +1,30 @@
+// The commands of the main window as one table: name, caption, keys and place in the menus. Buttons, menus, context menu and tray all use the same actions.
+#pragma once
+
+#include <QAction>
+#include <QMenuBar>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace korvane {
+
+class MonitorMenus {
+public:
+    using Handlers = std::map<std::string, std::function<void()>>;
+
+    /// Fills the bar. `list` is the widget with the keys of entries, `owner` the one with those of the whole window. Each action bears its name as objectName.
+    MonitorMenus(QMenuBar& bar, QWidget& list, QWidget& owner, Handlers handlers);
+
+    /// By its name ("mnuFileSave"); every command of the table is there.
+    QAction& Action(const std::string& name) const { return *actions_.at(name); }
+
+    /// What the right button on the list offers.
+    QMenu& ContextMenu() const { return *context_; }
+
+private:
+    std::map<std::string, QAction*> actions_;
+    QMenu* context_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,54 @@
+// The icon in the notification area with its tip and its menu, kept alive where the desktop loses it.
+#pragma once
+
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <functional>
+#include <string>
+
+#include "platform/operator.h"
+
+namespace korvane {
+
+class MonitorTray {
+public:
+    struct Commands {
+        std::function<void()> mnuTraySettings;  ///< the window comes back
+        std::function<void()> mnuTrayOn;
+        std::function<void()> mnuTrayOff;
+        std::function<void()> mnuTrayReports;
+        std::function<void()> mnuTrayExit;
+    };
+
+    explicit MonitorTray(Commands commands);
+
+    /// Whether this desktop shows such icons right now.
+    static bool Available() { return QSystemTrayIcon::isSystemTrayAvailable(); }
+
+    void SetPicture(TrayPicture picture);
+    /// At most 64 characters are shown.
+    void SetTip(const std::string& tip);
+    /// The marks and captions of the two commands that resume and pause.
+    void SetMonitoring(bool on);
+
+    /// Adds the icon if the desktop does not have it, or takes it away.
+    void Show() { icon_.show(); }
+    void Remove() { icon_.hide(); }
+    /// Gives the desktop the picture and tip that it has already, in case that it has lost them.
+    void Modify();
+
+    const QSystemTrayIcon& Icon() const { return icon_; }
+    QMenu& mnuTray() { return menu_; }
+
+private:
+    void BuildMenu();
+
+    Commands commands_;
+    QMenu menu_;
+    QSystemTrayIcon icon_;
+    TrayPicture picture_ = TrayPicture::Normal;
+    QAction* mnuTrayOn_ = nullptr;
+    QAction* mnuTrayOff_ = nullptr;
+};
+
+}  // namespace korvane

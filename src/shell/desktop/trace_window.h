@@ -1,0 +1,40 @@
+// A window that text is added to as long as it is open: read only, with letters of one width, and a limit, so that it may stay open for a year.
+#pragma once
+
+#include <QDialog>
+#include <QPlainTextEdit>
+
+namespace korvane {
+
+/// Characters that are kept; the oldest lines go first.
+constexpr int kMostOfATrace = 1'000'000;
+
+/// Stays at the end when it is at the end, and on the same lines otherwise. A selection stays.
+class TraceBox : public QPlainTextEdit {
+public:
+    explicit TraceBox(QWidget* parent);
+
+    /// Line ends are "\n"; lines of more than 1000 characters are broken.
+    void Append(const QString& text);
+
+    QSize sizeHint() const override;
+
+private:
+    void DropOldest();
+};
+
+/// The box with a Copy and a Close command; modeless, deleted when it is closed.
+class TraceWindow : public QDialog {
+public:
+    TraceWindow(const QString& title, QWidget* parent);
+
+protected:
+    void Append(const QString& text) { txtTrace_->Append(text); }
+
+private:
+    void cmdCopy_Click();
+
+    TraceBox* txtTrace_;
+};
+
+}  // namespace korvane

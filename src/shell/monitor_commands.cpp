@@ -1,0 +1,192 @@
+#include "shell/monitor_commands.h"
+
+#include <string_view>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "engine/server_table.h"
+#include "platform/wait_cursor.h"
+#include "shell/run.h"
+#include "store/database_files.h"
+#include "store/schema.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kTitle = "Korvane";
+constexpr int kMostEntries = 499;
+
+constexpr const char* kNoRoomToAdd =
+    "Sorry, 500 is the maximum number of Server Entries supported for the production version.  Please remove or edit some "
+    "unused, "
+    "or less important URLs from the list.";
+constexpr const char* kNoRoomToCopy =
+    "Sorry, 500 is the maximum number of Servers supported for the production version.  Please remove or edit some unused, or "
+    "less important Servers from the list.";
+constexpr const char* kResetGraph = "This will delete the response time data for all servers (the hourly and daily graphs).";
+constexpr const char* kResetSummary =
+    "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  This "
+    "will Also delete all failure records. This will NOT delete the response time records (daily/hourly graphs). ";
+constexpr const char* kRepairing =
+    "During Compact and Repair, Korvane will freeze and refuse user input for up to 2 minutes.  Please wait...";
+
+/// What a copy does not take over.
+const std::pair<std::string_view, Value> kFreshValues[] = {
+    {"strCurStatus", std::string(status::kUp)},
+    {"strLastResponse", ""},
+    {"nAveResponse", 0},
+    {"nAveSession", 0},
+    {"nsuccess", 0},
+    {"nfail", 0},
+    {"nPercentUP", 100},
+    {"nTriesCur", 0},
+};
+
+void CopyFields(Recordset& from, Recordset& to) {
+    for (const TableSchema& table : DatabaseSchema()) {
+        if (table.name != "Servers") continue;
+        for (const ColumnSchema& column : table.columns)
+            IgnoreErrors([&] { to.Fields(column.name) = from.Fields(column.name).Value(); });
+    }
+}
+
+}  // namespace
+
+MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()) {}
+
+void MonitorCommands::cmdStopWaiting() {
+    if (!run_.State().bMonitoring) {
+        run_.cmdStopStart();
+        return;
+    }
+    run_.cmdStopStart();
+    run_.cmdStopStart();
+    desk_.maintenance.ResetAllEventsToNow();
+    desk_.person.RefreshURLList();
+}
+
+void MonitorCommands::mnuTrayOff() {
+    if (run_.State().bMonitoring) run_.cmdStopStart();
+}
+
+void MonitorCommands::mnuTrayOn() {
+    if (!run_.State().bMonitoring) run_.cmdStopStart();
+}
+
+bool MonitorCommands::HasRoom(const std::string& refusal) {
+    if (desk_.settings.GetTotalURLs() < kMostEntries) return true;
+    desk_.person.ShowMessage(kTitle, refusal);
+    return false;
+}
+
+bool MonitorCommands::BeginAdd() {
+    if (!HasRoom(kNoRoomToAdd)) return false;
+    desk_.entries.setServerEntryChangedIndex(kNoServerEntry);
+    return true;
+}
+
+void MonitorCommands::BeginEdit() {
+    desk_.log.Info("cmdEditURL_Click:  Enter routine");
+    desk_.entries.setServerEntryChangedIndex(kNoServerEntry);
+    desk_.log.Info("cmdEditURL_Click:  calling frmURLData.Show ");
+}
+
+void MonitorCommands::EndEdit() {
+    desk_.log.Info("cmdEditURL_Click:  back from frmURLData.Show ");
+}
+
+std::string MonitorCommands::CopyURL(const std::string& id) {
+    if (!HasRoom(kNoRoomToCopy)) return "";
+    std::string newId;
+    try {
+        newId = Copy(id);
+    } catch (const std::exception& error) {
+        desk_.log.WriteLog(kLogFatal, kLogError, "cmdCopyPaste_Click: " + std::string(error.what()));
+        desk_.person.ShowError(kTitle, error.what());
+    }
+    desk_.person.RefreshURLList();
+    return newId;
+}
+
+std::string MonitorCommands::Copy(const std::string& id) {
+    const std::string newId = desk_.ids.NewServerID();
+    const auto conn = desk_.store.NewConnection();
+    conn->SetConnectionString(OdbcConnectionText(desk_.dir));
+    conn->Open();
+    const auto source = desk_.store.NewRecordset();
+    if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
+    if (id.empty() || source->Eof()) {
+        desk_.person.ShowMessage(kTitle, "didn't find source record to copy.");
+        return "";
+    }
+    const auto copy = desk_.store.NewRecordset();
+    copy->Open("SELECT * from servers where id < 0", *conn, CursorType::Keyset, LockType::Optimistic);
+    copy->AddNew();
+    CopyFields(*source, *copy);
+    copy->Fields("id") = newId;
+    for (const auto& [name, value] : kFreshValues)
+        copy->Fields(name) = value;
+    copy->Update();
+    return newId;
+}
+
+void MonitorCommands::DeleteURL(const std::string& id, const std::string& name) {
+    if (id.empty()) {
+        desk_.person.ShowMessage(kTitle, "Please click an entry in the list, then click delete.");
+        return;
+    }
+    mnuTrayOff();
+    if (!desk_.person.AskYesNo(kTitle, "Are you sure you want to Permanently Delete the " + name +
+                                           " Server?\r\n\r\nChoosing Yes will Delete the entry.")) {
+        desk_.status.setStatusMSG("Not Deleted");
+        return;
+    }
+    const WaitCursor waiting(desk_.person);
+    desk_.maintenance.DeleteServerData(id);
+    desk_.person.RefreshURLList();
+    desk_.publisher.PublishReports();
+    desk_.status.setStatusMSG("Server Entry Deleted");
+}
+
+void MonitorCommands::OpenText(const std::string& path) {
+    bool exists = false;
+    IgnoreErrors([&] { exists = desk_.files.Exists(path); });
+    if (!exists) {
+        desk_.person.ShowMessage(kTitle, "There is no file " + path + " yet.");
+        return;
+    }
+    try {
+        desk_.processes.OpenText(path);
+    } catch (const std::exception& error) {
+        desk_.person.ShowError(kTitle, "The file " + path + " could not be opened in a text editor: " + error.what());
+    }
+}
+
+void MonitorCommands::mnuFileRepair() {
+    const WaitCursor waiting(desk_.person);
+    desk_.status.setStatusMSG(kRepairing);
+    desk_.events.DoEvents();
+    desk_.maintenance.CompactAndRepair(DatabasePath(desk_.dir));
+    desk_.person.RefreshURLList();
+}
+
+bool MonitorCommands::AskReset(const std::string& opening) {
+    return desk_.person.AskYesNo(kTitle, opening +
+                                             "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\n"
+                                             "Click YES to Reset and Continue, NO to cancel");
+}
+
+void MonitorCommands::mnuFileResetGraph() {
+    if (!AskReset(kResetGraph)) return;
+    const WaitCursor waiting(desk_.person);
+    desk_.maintenance.ResetResponseDataALL();
+}
+
+void MonitorCommands::mnuEditClearStatus() {
+    if (!AskReset(kResetSummary)) return;
+    const WaitCursor waiting(desk_.person);
+    desk_.maintenance.ResetStatDataALL(true);
+    desk_.person.RefreshURLList();
+}
+
+}  // namespace korvane

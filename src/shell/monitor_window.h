@@ -1,0 +1,29 @@
+// The main window as the run sees it: what start-up does to it. As it stands it is the window of a program without one.
+#pragma once
+
+#include <string>
+
+#include "store/settings.h"
+
+namespace korvane {
+
+class MonitorWindow : public SettingsHost {
+public:
+    /// The window's title and the two commands whose captions name files.
+    struct Captions {
+        std::string title;
+        std::string mnuFileGlobal;
+        std::string mnufilekvsettings;
+    };
+    virtual void SetCaptions(const Captions& /*captions*/) {}
+
+    /// At its place at the left upper corner of the screen. `shown`: on the screen too, so that a first start can be seen.
+    virtual void Place(bool /*shown*/) {}
+
+    /// Out of sight, with the tray icon as the way back; where there is none the window stays in the task bar. Marks the program as minimised.
+    virtual void MinimizeToTray() {}
+
+    virtual void Form_Resize() {}
+};
+
+}  // namespace korvane

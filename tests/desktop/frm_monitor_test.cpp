@@ -1,0 +1,344 @@
+// The main window on the whole program in virtual time, driven by its keys: what it shows, what its commands do, and what it says in boxes.
+#include "shell/desktop/frm_monitor.h"
+
+#include <QHeaderView>
+#include <QMenuBar>
+#include <QTimer>
+#include <map>
+
+#include "base/text.h"
+#include "desktop/desktop_test.h"
+#include "shell/desktop/frm_url_data.h"
+#include "shell/desktop/qt_text.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+class MonitorWindowTest : public testing::Test {
+protected:
+    /// Entries first, then this.
+    void Start() {
+        program_ = std::make_unique<Program>(database_.Folder(), KORVANE_DIST_DIR, "", [this](Timers& timers) {
+            window_ = std::make_unique<frmMonitor>(timers);
+            return DesktopOfProgram{.person = window_.get(), .window = window_.get(), .conversation = &window_->Conversation()};
+        });
+        window_->Attach(program_->run, [this] { ++exits_; });
+        ASSERT_EQ(program_->run.StartUp(), Run::Started::Running);
+        Settle();
+    }
+    ~MonitorWindowTest() override { window_.reset(); }
+
+    static void Settle() { QApplication::processEvents(); }
+    frmMonitor& Window() { return *window_; }
+    Program& TheProgram() { return *program_; }
+    VirtualWorld& World() { return program_->world; }
+
+    QString Cell(int row, int column) { return Window().ListView1->model()->index(row, column).data().toString(); }
+    std::vector<std::string> Cells(int column) {
+        std::vector<std::string> cells;
+        for (int row = 0; row < Window().ListView1->model()->rowCount(); ++row)
+            cells.push_back(S(Cell(row, column)));
+        return cells;
+    }
+    std::string Selected() { return S(Window().ListView1->currentIndex().siblingAtColumn(column::ShortName).data().toString()); }
+    std::string Status() { return S(Window().txtStatus->toPlainText()); }
+    void Press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        Window().activateWindow();  // a box that has closed leaves no window active on this platform
+        Settle();
+        QTest::keyClick(Window().ListView1, static_cast<Qt::Key>(key), modifiers);
+        Settle();
+    }
+    frmURLData* Editor() { return Window().findChild<frmURLData*>(); }
+
+    /// The next box is answered with this button; its text is kept.
+    void AnswerNext(const char* button) {
+        auto* looks = new QTimer(&Window());
+        QObject::connect(looks, &QTimer::timeout, &Window(), [this, looks, button] {
+            QWidget* box = QApplication::activeModalWidget();
+            if (box == nullptr) return;
+            looks->deleteLater();
+            looks->stop();
+            boxes_.push_back(S(box->windowTitle() + ": " + box->accessibleDescription()));
+            QTest::keyClick(box->findChild<QWidget*>(button), Qt::Key_Space);
+        });
+        looks->start(1);
+    }
+
+    const QtDesktop first_;
+    TestDatabase database_;
+    std::unique_ptr<frmMonitor> window_;
+    std::unique_ptr<Program> program_;
+    std::vector<std::string> boxes_;
+    int exits_ = 0;
+};
+
+TEST_F(MonitorWindowTest, ShowsAllEntriesFromTheFirstStartOn) {
+    database_.Add({.strDesc = "later", .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 1, 0)});
+    database_.Add({.strDesc = "sooner", .strCurStatus = "DOWN", .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 0, 30)});
+    Start();
+    EXPECT_TRUE(Window().WindowVisible());
+    EXPECT_EQ(S(Window().windowTitle()), "Korvane Network Monitoring & Server Monitor v1.0.0 by Brellix");
+    Window().RefreshURLList();
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"sooner", "later"}));
+    EXPECT_EQ(Window().lblServers->text(), "2");
+    EXPECT_EQ(Cells(column::Status), (std::vector<std::string>{"DOWN 0 of 3", "UP"}));
+    World().RunFor(2s);
+    EXPECT_EQ(Window().lblTime->text(), "3:00:02 PM");
+    EXPECT_TRUE(Holds(Status(), "3:00:01 PM - Waiting 2 minutes before monitoring begins."));
+    EXPECT_TRUE(Window().cmdStopWaiting->isVisible());
+}
+
+TEST_F(MonitorWindowTest, AnEmptyTableIsAnEmptyList) {
+    Start();
+    Window().RefreshURLList();
+    EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);
+    EXPECT_EQ(Window().lblServers->text(), "0");
+}
+
+TEST_F(MonitorWindowTest, ARefreshKeepsTheSelectionAndTheOrder) {
+    std::vector<std::int64_t> ids;
+    for (const char* name : {"b", "C", "a", "10", "9"})
+        ids.push_back(
+            database_.Add({.strDesc = name, .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 0, static_cast<int>(ids.size()))}));
+    Start();
+    Window().RefreshURLList();
+    ASSERT_EQ(Selected(), "b");
+    Press(Qt::Key_Down);
+    ASSERT_EQ(Selected(), "C");
+    // As clicks on the head of the column do.
+    Window().ListView1->sortByColumn(column::ShortName, Qt::AscendingOrder);
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"10", "9", "a", "b", "C"}));
+    Window().ListView1->sortByColumn(column::ShortName, Qt::DescendingOrder);
+    EXPECT_EQ(Selected(), "C");
+    database_.Remove("Servers", ids[0]);
+    database_.Add({.strDesc = "z"});
+    database_.Add({.strDesc = "0"});
+    Window().RefreshURLList();
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"z", "C", "a", "9", "10", "0"}));
+    EXPECT_EQ(Selected(), "C");
+    database_.Remove("Servers", ids[1]);
+    Window().RefreshURLList();
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"z", "a", "9", "10", "0"}));
+}
+
+TEST_F(MonitorWindowTest, TheStatusLogHasTheNewestOnTopAndAnEnd) {
+    Start();
+    Desk desk = TheProgram().run.TheDesk();
+    desk.status.setStatusMSG("first\r\nwith two lines");
+    desk.status.setStatusMSG("second");
+    EXPECT_TRUE(Status().starts_with("3:00:00 PM - second\n3:00:00 PM - first : with two lines\n")) << Status();
+    for (int i = 0; i < 400; ++i)
+        desk.status.setStatusMSG("a line of fifty characters and the number " + std::to_string(10000 + i));
+    EXPECT_EQ(Status().size(), 15000u);
+    EXPECT_TRUE(Status().starts_with("3:00:00 PM - a line of fifty characters and the number 10399\n"));
+    Window().MinimizeToTray();
+    Settle();
+    desk.status.setStatusMSG("nobody sees this");
+    EXPECT_FALSE(Holds(Status(), "nobody sees this"));
+    Window().mnuTraySettings_Click();
+    EXPECT_TRUE(Holds(Status(), "3:00:00 PM - These status messages are updated only if Korvane is visible. Welcome Back.\n"));
+    EXPECT_EQ(desk.collection.getKvSettingsColVal("bMinimized"), "False");
+}
+
+TEST_F(MonitorWindowTest, StopAndStartLeaveTheSameCaptionsFromEverywhere) {
+    Start();
+    const auto captions = [&] {
+        QMenu& tray = Window().Tray().mnuTray();
+        const auto mark = [&](const char* name) {
+            const QAction& action = *tray.findChild<QAction*>(name);
+            return S(action.text()) + (action.isChecked() ? "*" : "");
+        };
+        return S(Window().cmdStopStart->text()) + "|" + mark("mnuTrayOn") + "|" + mark("mnuTrayOff");
+    };
+    const std::string running = "Stop|&Monitoring ON*|&Pause Monitoring";
+    const std::string stopped = "Start|Resume &Monitoring|Monitoring &Paused*";
+    const auto trigger = [&](const char* name) { Window().Tray().mnuTray().findChild<QAction*>(name)->trigger(); };
+    EXPECT_EQ(captions(), running);
+    Press(Qt::Key_F9);
+    EXPECT_EQ(captions(), stopped);
+    EXPECT_TRUE(Status().starts_with(
+        "3:00:00 PM - Monitoring Stopped\n3:00:00 PM - Stopped.  Click the Start button to resume monitoring.\n"));
+    EXPECT_EQ(Window().lblCount->text(), "Monitoring Stopped");
+    trigger("mnuTrayOff");
+    EXPECT_EQ(captions(), stopped);
+    trigger("mnuTrayOn");
+    EXPECT_EQ(captions(), running);
+    trigger("mnuTrayOn");
+    EXPECT_EQ(captions(), running);
+    EXPECT_EQ(Window().Tray().Icon().toolTip(), " Korvane: URL Monitoring is ON ");
+    trigger("mnuTrayOff");
+    EXPECT_EQ(captions(), stopped);
+    EXPECT_EQ(Window().Tray().Icon().toolTip(),
+              QString(" Korvane: URL Monitoring is Paused.  No Monitoring will occur. ").left(64));
+}
+
+TEST_F(MonitorWindowTest, TheStartButtonBlinksWhileMonitoringIsStopped) {
+    Start();
+    const auto hiddenOfTen = [&] {
+        int hidden = 0;
+        for (int second = 0; second < 10; ++second) {
+            World().RunFor(1s);
+            hidden += Window().cmdStopStart->graphicsEffect() != nullptr;
+        }
+        return hidden;
+    };
+    EXPECT_EQ(hiddenOfTen(), 0);
+    Press(Qt::Key_F9);
+    EXPECT_EQ(hiddenOfTen(), 2);
+    Press(Qt::Key_F9);
+    EXPECT_EQ(hiddenOfTen(), 0);
+}
+
+TEST_F(MonitorWindowTest, DeletesBehindAQuestionAndSelectsTheRowAfterIt) {
+    for (const char* name : {"one", "two", "three"})
+        database_.Add({.strDesc = name});
+    Start();
+    Window().RefreshURLList();
+    Window().ListView1->selectionModel()->clearSelection();
+    AnswerNext("cmdOk");
+    Press(Qt::Key_Delete);
+    Press(Qt::Key_Down);
+    ASSERT_EQ(Selected(), "two");
+    AnswerNext("cmdNo");
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Window().ListView1->model()->rowCount(), 3);
+    EXPECT_EQ(Window().cmdStopStart->text(), "Start");
+    AnswerNext("cmdYes");
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"one", "three"}));
+    EXPECT_EQ(Selected(), "three");
+    const std::string question =
+        "Korvane: Are you sure you want to Permanently Delete the two Server?\n\nChoosing Yes will Delete the entry.";
+    EXPECT_EQ(boxes_,
+              (std::vector<std::string>{"Korvane: Please click an entry in the list, then click delete.", question, question}));
+}
+
+TEST_F(MonitorWindowTest, CopiesTheSelectedRowAndSelectsTheCopy) {
+    database_.Add({.strDesc = "one"});
+    Start();
+    Window().RefreshURLList();
+    for (const auto& [key, modifiers] : {std::pair{Qt::Key_C, Qt::ControlModifier},
+                                         {Qt::Key_V, Qt::ControlModifier},
+                                         {Qt::Key_Insert, Qt::ControlModifier},
+                                         {Qt::Key_Insert, Qt::ShiftModifier}})
+        Press(key, modifiers);
+    const std::vector<std::string> ids = Cells(column::ServerID);
+    EXPECT_EQ(ids.size(), 5u);
+    EXPECT_EQ(S(Window().ListView1->currentIndex().siblingAtColumn(column::ServerID).data().toString()),
+              std::to_string(database_.Rows("Servers").back().at("id").Int64()));
+}
+
+TEST_F(MonitorWindowTest, OpensTheEditorOverItselfAndChecksGoOnBehindIt) {
+    const auto id = database_.Add({.strDesc = "one", .strAddress_IP = "10.0.0.1"});
+    Start();
+    TheProgram().net.Host("10.0.0.1").Echo(3ms);
+    Window().RefreshURLList();
+    Press(Qt::Key_Return);
+    ASSERT_NE(Editor(), nullptr);
+    EXPECT_TRUE(Editor()->isVisible());
+    EXPECT_EQ(Editor()->parentWidget(), &Window());
+    EXPECT_TRUE(Editor()->isModal());
+    EXPECT_FALSE(Window().IsAddUrl());
+    Window().cmdAddURL_Click();  // the tray's way in while an editor is open
+    EXPECT_EQ(Window().findChildren<frmURLData*>().size(), 1);
+    World().RunFor(150s);
+    EXPECT_GE(database_.Server(id).at("nSuccess").Int32(), 1);
+    QTest::keyClick(Editor(), Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    Settle();
+    EXPECT_EQ(Editor(), nullptr);
+    Window().activateWindow();
+    Settle();
+    EXPECT_TRUE(Window().ListView1->hasFocus());
+    Press(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_NE(Editor(), nullptr);
+    EXPECT_TRUE(Window().IsAddUrl());
+    QTest::keyClick(Editor(), Qt::Key_Escape);
+    Settle();
+    EXPECT_FALSE(Window().IsAddUrl());
+    EXPECT_EQ(Cells(column::ShortName).size(), 2u);
+}
+
+// Stop, Delete and Exit while a check waits: the check runs on its own, nothing is torn down under it.
+TEST_F(MonitorWindowTest, CommandsInTheMiddleOfACheckAreSafe) {
+    database_.Add({.strDesc = "web", .strAddress_IP = "10.0.0.1", .strType = "HTTP", .strPort = "80"});
+    Start();
+    TheProgram().net.Page("http://10.0.0.1").Answer("slow", 8s);
+    Window().RefreshURLList();
+    Press(Qt::Key_F5);
+    World().After(2s, [&] {
+        EXPECT_EQ(Cell(0, column::Status), "Requesting...");
+        Press(Qt::Key_F9);
+    });
+    World().After(3s, [&] { Press(Qt::Key_Return); });
+    World().After(4s, [&] { QTest::keyClick(Editor(), Qt::Key_Escape); });
+    World().After(5s, [&] {
+        Press(Qt::Key_Q, Qt::ControlModifier);
+        AnswerNext("cmdYes");
+        Press(Qt::Key_Delete);
+    });
+    World().RunFor(20s);
+    EXPECT_EQ(exits_, 1);
+    EXPECT_EQ(database_.Count("Servers"), 0);
+    EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);
+}
+
+TEST_F(MonitorWindowTest, TheCloseBoxHidesAndMonitoringGoesOn) {
+    const auto id = database_.Add({.strAddress_IP = "10.0.0.1"});
+    Start();
+    TheProgram().net.Host("10.0.0.1").Echo(3ms);
+    Window().close();
+    Settle();
+    EXPECT_FALSE(Window().WindowVisible());
+    EXPECT_TRUE(Window().isVisible());  // no notification area here: it stays in the task bar
+    EXPECT_EQ(exits_, 0);
+    World().RunFor(130s);
+    EXPECT_EQ(database_.Server(id).at("nSuccess"), Value(1));
+    EXPECT_EQ(TheProgram().run.TheDesk().collection.getKvSettingsColVal("bMinimized"), "True");
+}
+
+TEST_F(MonitorWindowTest, LaterStartsBeginOutOfSight) {
+    database_.Add({.strDesc = "one"});
+    Start();
+    Window().SetWidth(15 * 700);
+    Window().SetHeight(15 * 500);
+    Window().ListView1->setColumnWidth(column::Group, 123);
+    World().RunFor(2s);
+    Window().BeforeExit();
+    program_->run.mnuExit_Click();
+    window_.reset();
+    program_.reset();
+    Start();
+    EXPECT_FALSE(Window().WindowVisible());
+    EXPECT_EQ(Window().ListView1->columnWidth(column::Group), 123);
+    EXPECT_EQ(Window().Width(), 15 * 700);
+    EXPECT_EQ(Window().Height(), 15 * 500);
+    EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);  // nobody looks, nothing is read
+    Window().mnuTraySettings_Click();
+    EXPECT_EQ(Window().ListView1->model()->rowCount(), 1);
+}
+
+// Each control can be told by a screen reader, and no two keys of a menu are the same.
+TEST_F(MonitorWindowTest, EveryControlHasANameAndEveryKeyOneMeaning) {
+    Start();
+    for (const QWidget* control : Window().findChildren<QWidget*>()) {
+        if (control->focusPolicy() == Qt::NoFocus || !control->isVisibleTo(&Window()) || control->objectName().startsWith("qt_"))
+            continue;
+        EXPECT_FALSE(control->accessibleName().isEmpty()) << S(control->objectName()) << control->metaObject()->className();
+    }
+    for (const QMenu* menu : Window().menuBar()->findChildren<QMenu*>()) {
+        std::map<std::string, std::string> keys;
+        for (const QAction* action : menu->actions()) {
+            if (action->isSeparator()) continue;
+            const auto at = action->text().indexOf('&');
+            if (at < 0) continue;
+            const std::string key = S(action->text().mid(at + 1, 1).toLower());
+            EXPECT_TRUE(keys.emplace(key, S(action->text())).second) << S(action->text()) << " and " << keys[key];
+        }
+    }
+}
+
+}  // namespace
+}  // namespace korvane
