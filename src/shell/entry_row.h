@@ -15,8 +15,8 @@ struct OpenedEntry {
     std::string strLastResponse;
 };
 
-/// Adds the row first if `isAddUrl`; it is in the store then, whatever the operator does next. `strID` names the row otherwise. Shows a message
-/// when there is no row. Throws nothing: what fails is passed over and logged.
+/// Adds the row first if `isAddUrl`; it is in the store then, whatever the operator does next. `strID` names the row
+/// otherwise. Shows a message when there is no row. Throws nothing: what fails is passed over and logged.
 OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID);
 
 /// The query by which the editor finds its row.

@@ -15,8 +15,9 @@ namespace korvane {
 /// "Doing HTTP request to www.example.com"
 std::string TestBegins(const EntryFields& fields);
 
-/// Runs the check by the operator's own checkers and shows the conversation. Nothing for a ping of something that is no IPv4 address, of which the
-/// operator has been told. Waits through the event pump: anything may have happened to the window when it returns. Throws nothing.
+/// Runs the check by the operator's own checkers and shows the conversation. Nothing for a ping of something that is no IPv4
+/// address, of which the operator has been told. Waits through the event pump: anything may have happened to the window when
+/// it returns. Throws nothing.
 std::optional<CheckResult> RunEntryTest(const Desk& desk, const EntryFields& fields);
 
 struct TestVerdict {

@@ -17,12 +17,13 @@ struct EntryTypeTexts {
     std::string expected;
 };
 
-/// The whole table in the order in which types are offered, for an entry with this port, request and expected text. `typeChanged`: the operator
-/// has just picked another type, so that HTTP and HTTPS begin with their own ports.
+/// The whole table in the order in which types are offered, for an entry with this port, request and expected text.
+/// `typeChanged`: the operator has just picked another type, so that HTTP and HTTPS begin with their own ports.
 std::vector<EntryTypeTexts> InitServerTypes(const std::string& port, const std::string& request, const std::string& expected,
                                             bool typeChanged);
 
-/// The place of the type's name in that table. Rows of old have names in any case; an exact one goes first. -1 for an unknown name.
+/// The place of the type's name in that table. Rows of old have names in any case; an exact one goes first. -1 for an unknown
+/// name.
 int IndexOfType(const std::vector<EntryTypeTexts>& table, std::string_view name);
 
 bool IsWebType(std::string_view type);   ///< "HTTP" or "HTTPS"

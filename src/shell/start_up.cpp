@@ -157,6 +157,7 @@ bool Run::DatabaseOpens() {
     ports_.person.ShowMessage("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
+    if (window_.HasWindow()) IgnoreErrors([&] { ports_.processes.OpenPage(std::string(kDatabaseHelpAddress)); });
     ports_.person.ShowMessage("Korvane", CloseKorvaneText());
     return false;
 }

@@ -1,4 +1,5 @@
-// The commands of the editor of a server entry: its test of each kind of server, also while it is closed, mail, programs, traces and reset.
+// The commands of the editor of a server entry: its test of each kind of server, also while it is closed, mail, programs,
+// traces and reset.
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QTabWidget>

@@ -1,4 +1,5 @@
-// The editor of a server entry, typed into and clicked over the virtual world: opening, reactions to typing, saving and cancelling.
+// The editor of a server entry, typed into and clicked over the virtual world: opening, reactions to typing, saving and
+// cancelling.
 #include "shell/desktop/frm_url_data.h"
 
 #include <QCheckBox>

@@ -48,8 +48,9 @@ DesktopSession::DesktopSession(Tray tray) {
         words.insert(words.end(), command.begin(), command.end());
         return std::make_unique<Process>(words, folder_);
     };
-    windowManager_ = start({"openbox", "--sm-disable"});
-    if (!Waited([&] { return Ask("xprop -root _NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; }))
+    // A window that comes while it is still looking around on the screen may go unseen, so it tells when it is through.
+    windowManager_ = start({"openbox", "--sm-disable", "--startup", "touch " + folder_.Path("ready")});
+    if (!Waited([&] { return fs::exists(folder_.Path("ready")); }))
         throw std::runtime_error("no window manager: " + folder_.Read("output"));
     if (tray == Tray::None) return;
     tray_ = start({"trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request", "--height",

@@ -188,12 +188,13 @@ int frmMonitor::ScreenWidth() const {
     return Twips(screen()->availableGeometry().width());
 }
 
+// What a maximised window goes back to; a size that fills this screen would be wrong on the next.
 int frmMonitor::Width() const {
-    return Twips(width());
+    return Twips(isMaximized() ? normalGeometry().width() : width());
 }
 
 int frmMonitor::Height() const {
-    return Twips(height());
+    return Twips(isMaximized() ? normalGeometry().height() : height());
 }
 
 // Settings may come from a larger screen.

@@ -1,4 +1,5 @@
-// The editor of one server entry: six pages of inputs, a status line that explains them, and commands that try out what they say.
+// The editor of one server entry: six pages of inputs, a status line that explains them, and commands that try out what they
+// say.
 #pragma once
 
 #include <QDialog>
@@ -21,15 +22,16 @@ class CommandsPage;
 class EMailPage;
 class ServerPage;
 
-/// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a test of its own waits: that test then ends without a word.
+/// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a test of its own
+/// waits: that test then ends without a word.
 class frmURLData : public QDialog {
 public:
-    /// Adds a row first if `isAddUrl`, and reads the row; `strID` names it otherwise. Shows a message when there is no such row.
-    /// `saved` is called after a save, before the dialog closes.
+    /// Adds a row first if `isAddUrl`, and reads the row; `strID` names it otherwise. Shows a message when there is no such
+    /// row. `saved` is called after a save, before the dialog closes.
     frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent);
 
-    /// Checks the server once with what is in the inputs and tells how it went. Does nothing while such a test is under way. Waits through the event
-    /// pump and shows messages: this dialog may be gone when it returns.
+    /// Checks the server once with what is in the inputs and tells how it went. Does nothing while such a test is under way.
+    /// Waits through the event pump and shows messages: this dialog may be gone when it returns.
     void cmdTestURL_Click();
 
     /// The server name as typed.
@@ -40,7 +42,8 @@ public:
     std::string ExpectedText() const;
     void SetExpectedText(const std::string& text);
 
-    /// Asks for a file and calls back with its path; never calls back when the operator thinks better of it. Tests put their own in.
+    /// Asks for a file and calls back with its path; never calls back when the operator thinks better of it. Tests put their
+    /// own in.
     std::function<void(const QString& title, std::function<void(const QString& path)> chosen)> askForFile;
 
     void setVisible(bool visible) override;

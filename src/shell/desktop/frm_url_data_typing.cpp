@@ -105,7 +105,8 @@ void frmURLData::WatchForHelp() {
         label->installEventFilter(this);
 }
 
-// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was about.
+// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was
+// about.
 bool frmURLData::IsNews(const QFocusEvent& event) const {
     return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
 }

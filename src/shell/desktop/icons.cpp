@@ -70,25 +70,38 @@ QPixmap Whole(int side, const std::function<void(QPainter& painter, int side)>& 
     return whole;
 }
 
-/// A seam around the picture, so that it stands off a selection of its own colour.
-void DrawSeam(QPainter& painter, QPixmap shape) {
-    QPainter inside(&shape);
-    inside.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    inside.fillRect(shape.rect(), QGuiApplication::palette().color(QPalette::Active, QPalette::HighlightedText));
-    inside.end();
-    const int width = std::max(1, shape.width() / 20);
-    for (const QPoint& to :
-         {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1), QPoint(1, 1), QPoint(-1, 1), QPoint(1, -1), QPoint(-1, -1)})
-        painter.drawPixmap(to * width, shape);
+QPixmap Tinted(QPixmap shape, const QColor& colour) {
+    QPainter painter(&shape);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(shape.rect(), colour);
+    return shape;
 }
 
-/// A coloured picture keeps its colours where it is disabled or selected.
-Draw Coloured(std::function<void(QPainter& painter, int side)> draw) {
-    return [draw = std::move(draw)](QPainter& painter, int side, QIcon::Mode mode) {
-        if (mode == QIcon::Selected) DrawSeam(painter, Whole(side, draw));
-        if (mode != QIcon::Disabled) return draw(painter, side);
-        painter.setOpacity(painter.opacity() * 0.4);
-        painter.drawPixmap(0, 0, Whole(side, draw));
+/// So that the picture stands off a selection of its own colour.
+void DrawSeam(QPainter& painter, const QPixmap& seam) {
+    const int width = std::max(1, seam.width() / 20);
+    for (const int x : {-width, 0, width})
+        for (const int y : {-width, 0, width})
+            painter.drawPixmap(x, y, seam);
+}
+
+enum class Kind { Filled, Lines };
+
+/// A coloured picture keeps its meaning where it is disabled, only paler. In a selection a filled one has a seam, and lines are in the colour of its text.
+Draw Coloured(std::function<void(QPainter& painter, int side)> draw, Kind kind = Kind::Filled) {
+    return [draw = std::move(draw), kind](QPainter& painter, int side, QIcon::Mode mode) {
+        if (mode == QIcon::Disabled) {
+            painter.setOpacity(painter.opacity() * 0.4);
+            painter.drawPixmap(0, 0, Whole(side, draw));
+            return;
+        }
+        if (mode == QIcon::Selected) {
+            const QPixmap plain =
+                Tinted(Whole(side, draw), QGuiApplication::palette().color(QPalette::Active, QPalette::HighlightedText));
+            if (kind == Kind::Lines) return painter.drawPixmap(0, 0, plain);
+            DrawSeam(painter, plain);
+        }
+        draw(painter, side);
     };
 }
 
@@ -107,7 +120,9 @@ QColor Ink(QIcon::Mode mode) {
 }  // namespace
 
 QIcon StateIcon(RowIcon icon) {
-    return Drawn(Coloured([icon](QPainter& painter, int side) { DrawState(painter, side, icon); }));
+    const bool lines = icon == RowIcon::Inactive || icon == RowIcon::Cur;
+    return Drawn(
+        Coloured([icon](QPainter& painter, int side) { DrawState(painter, side, icon); }, lines ? Kind::Lines : Kind::Filled));
 }
 
 QIcon TrayIcon(TrayPicture picture) {

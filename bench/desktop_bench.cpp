@@ -1,0 +1,105 @@
+// The main window with 500 entries: a refresh of its list, alone and with the painting that follows, beside what the store needs to give the rows. On the platform
+// without a screen, where painting goes to memory.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "desktop/qt_desktop.h"
+#include "shell/desktop/frm_monitor.h"
+#include "shell/program.h"
+#include "shell/server_list.h"
+#include "support/test_database.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kEntries = 500;
+
+std::vector<Entry> Entries() {
+    std::vector<Entry> entries;
+    for (int i = 0; i < kEntries; ++i)
+        entries.push_back({.strGroup = "Group" + std::to_string(i % 20),
+                           .strDesc = "Server number " + std::to_string(i),
+                           .strAddress_IP = "server" + std::to_string(i) + ".example.com/status",
+                           .strType = "HTTP",
+                           .strPort = "80",
+                           .strExpectedText = "Welcome",
+                           .nAveResponse = 12.5 * i,
+                           .dtNextCheck = DateTime::Of(2026, 11, 21, 15, i % 60, i % 59)});
+    return entries;
+}
+
+/// The whole program with its window, in virtual time.
+struct Desktop {
+    Desktop() {
+        database.AddMany(Entries());
+        window->Attach(program->run, [] {});
+        program->run.StartUp();
+        window->show();
+        QApplication::processEvents();
+    }
+    ~Desktop() { window.reset(); }  // its timers are the program's
+
+    const QtDesktop first;
+    TestDatabase database;
+    std::unique_ptr<frmMonitor> window;
+    std::unique_ptr<Program> program = std::make_unique<Program>(database.Folder(), KORVANE_DIST_DIR, "", [this](Timers& timers) {
+        window = std::make_unique<frmMonitor>(timers);
+        return DesktopOfProgram{.person = window.get(), .window = window.get()};
+    });
+};
+
+void Refresh(benchmark::State& state) {
+    Desktop desktop;
+    for (auto _ : state)
+        desktop.window->RefreshURLList();
+}
+
+void RefreshSortedAndPainted(benchmark::State& state) {
+    Desktop desktop;
+    desktop.window->ListView1->sortByColumn(column::ShortName, Qt::AscendingOrder);
+    for (auto _ : state) {
+        desktop.window->RefreshURLList();
+        QApplication::processEvents();
+    }
+}
+
+void RowsAlone(benchmark::State& state) {
+    TestDatabase database;
+    database.AddMany(Entries());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            LoadServerList(database.TheStore(), database.DriverString(), DateTime::Of(2026, 11, 21, 15, 0, 0), true));
+}
+
+void QueryAlone(benchmark::State& state) {
+    TestDatabase database;
+    database.AddMany(Entries());
+    for (auto _ : state) {
+        const auto conn = database.TheStore().NewConnection();
+        conn->SetConnectionString(database.DriverString());
+        conn->Open();
+        const auto rs = database.TheStore().NewRecordset();
+        rs->Open("SELECT * from servers order by dtNextCheck ", *conn, CursorType::Static, LockType::Optimistic);
+        benchmark::DoNotOptimize(rs->RecordCount());
+    }
+}
+
+void StatusLine(benchmark::State& state) {
+    Desktop desktop;
+    for (auto _ : state)
+        desktop.window->StatusLine("3:04:05 PM", "Success: Found 'Welcome' in the response of server number 17");
+}
+
+BENCHMARK(Refresh)->Unit(benchmark::kMillisecond);
+BENCHMARK(RefreshSortedAndPainted)->Unit(benchmark::kMillisecond);
+BENCHMARK(RowsAlone)->Unit(benchmark::kMillisecond);
+BENCHMARK(QueryAlone)->Unit(benchmark::kMillisecond);
+BENCHMARK(StatusLine)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace korvane
+
+BENCHMARK_MAIN();
