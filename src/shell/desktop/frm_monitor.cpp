@@ -304,7 +304,7 @@ void frmMonitor::cmdEditURL_Click() {
 
 // One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their way are not.
 void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
-    if (findChild<frmURLData*>() != nullptr) return;
+    if (editor_ != nullptr) return;
     SetIsAddUrl(isAddUrl);
     const int row = ListView1->currentIndex().row();
     const auto saved = [this, id, row] {
@@ -314,6 +314,7 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
         if (id.empty()) SelectRow(row);
     };
     auto* editor = new frmURLData(run_->TheDesk(), isAddUrl, id, saved, this);
+    editor_ = editor;
     conversation_.SetParent(editor);
     connect(editor, &QDialog::finished, this, [this, isAddUrl] {
         SetIsAddUrl(false);

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeView>
@@ -133,6 +134,7 @@ private:
     ServerListModel* model_;
     std::unique_ptr<MonitorMenus> menus_;
     std::unique_ptr<MonitorTray> tray_;
+    QPointer<QWidget> editor_;  ///< while one is open
     ConversationViewer conversation_;
     MailTraceViewer mailTrace_;
     std::unique_ptr<Timer> Timer3_;

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -19,7 +20,7 @@ constexpr QSize kFirstSize{980, 640};
 constexpr QSize kLeastSize{221, 336};
 
 /// The width of each column in characters, until somebody draws it to another.
-constexpr int kColumnCharacters[column::Count] = {8, 12, 12, 16, 16, 11, 12, 9, 7, 18, 18, 26, 40};
+constexpr int kColumnCharacters[column::Count] = {8, 13, 12, 16, 22, 12, 15, 9, 7, 16, 20, 26, 40};
 
 template <class Widget>
 Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
@@ -78,6 +79,11 @@ void frmMonitor::BuildList() {
     connect(ListView1, &QTreeView::activated, this, [this] { cmdEditURL_Click(); });
     connect(ListView1, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
+    const auto* menuKey = new QShortcut(Qt::SHIFT | Qt::Key_F10, ListView1, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(menuKey, &QShortcut::activated, this, [this] {
+        const QRect row = ListView1->visualRect(ListView1->currentIndex());
+        menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
+    });
 }
 
 QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
@@ -96,7 +102,7 @@ QLayout* frmMonitor::BuildButtons() {
     };
     cmdStopStart = add("cmdStopStart", "Stop", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
     cmdStopStart->setToolTip("Stops or starts monitoring (F9)");
-    cmdStopWaiting = add("cmdStopWaiting", "Start Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
+    cmdStopWaiting = add("cmdStopWaiting", "Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
     cmdStopWaiting->setToolTip("Begins without waiting, with every server due at once (F5)");
     cmdStopWaiting->setVisible(false);
     row->addSpacing(fontMetrics().averageCharWidth() * 2);

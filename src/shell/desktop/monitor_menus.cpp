@@ -46,6 +46,7 @@ constexpr Command kCommands[] = {
     {kEdit, ""},
     {kEdit, "mnuEditClearStatus", "Clear &Statistics..."},
     {kMonitor, "cmdStopStart", "S&top", "F9"},
+    {kMonitor, "", "", "", Keys::Window, true},
     {kMonitor, "cmdStopWaiting", "Check &All Now", "F5", Keys::Window, true},
     {kView, "mnuViewConversation", "&Server Conversation"},
     {kView, "mnuViewMail", "&Mail Conversation"},
