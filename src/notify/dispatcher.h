@@ -73,11 +73,11 @@ public:
     SendOutcome SendWithBackup(const Notification& notification,
                                const std::function<void(const std::string& strError)>& primaryFailed = {});
 
-    /// The operator's test, asked for and answered in boxes: through the primary server and, where one is set, through the backup too. True when every send that was
-    /// tried succeeded; false when the operator said no.
-    bool TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
+    /// The operator's test, asked for and answered in boxes: through the primary server and, where one is set, through the backup too. `done` gets true when every
+    /// send that was tried succeeded, false when one failed or the operator said no.
+    void TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
                    const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
-                   const std::string& strOverrideTo, const std::string& strFrom);
+                   const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done);
 
 private:
     /// The message on its way to one recipient after the other; its sender may become the first of them.
@@ -101,6 +101,7 @@ private:
                                 std::string& strError);
     bool SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account, std::string& strError);
     void mycls_StateChange(const clsEsmtp& mycls, int State);
+    bool RunTest(const Notification& test, const std::string& backup);
     bool TestThrough(MailServer server, const std::string& name, const Notification& test);
 
     std::string Setting(const char* key) const;

@@ -39,20 +39,25 @@ std::string SubjectOf(const std::string& strText, const std::string& strEmailDes
 
 }  // namespace
 
-bool Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
+void Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
                            const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
-                           const std::string& strOverrideTo, const std::string& strFrom) {
+                           const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done) {
     if (!strOverrideTo.empty()) {
         strTo1 = strOverrideTo;
         strTo2.clear();
     }
     const std::string backup = Setting("ServerBackup");
-    if (!ports_.person.AskYesNo(kTitle, Question(strTo1, strTo2, Setting("Server"), backup))) return false;
-    if (ports_.stopMonitor) ports_.stopMonitor();
-    ports_.status.setStatusMSG("Testing Email... Please wait.");
-    if (strTo1.empty()) return true;  // nothing was tried
     const Notification test{strTo1, strTo2, strFrom.empty() ? strFromDefault : strFrom, SubjectOf(strText, strEmailDesc),
                             BodyOf(bNoDefaultBody, strBody1, strText)};
+    ports_.person.Ask(
+        kTitle, Question(strTo1, strTo2, Setting("Server"), backup), [=, this] { done(RunTest(test, backup)); },
+        [=] { done(false); });
+}
+
+bool Dispatcher::RunTest(const Notification& test, const std::string& backup) {
+    if (ports_.stopMonitor) ports_.stopMonitor();
+    ports_.status.setStatusMSG("Testing Email... Please wait.");
+    if (test.strTo1.empty()) return true;  // nothing was tried
     const bool primarySent = TestThrough(MailServer::Primary, Setting("Server"), test);
     const bool backupSent = Trim(backup).empty() || TestThrough(MailServer::Backup, backup, test);
     return primarySent && backupSent;

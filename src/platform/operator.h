@@ -1,7 +1,9 @@
 // Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output.
-// No call waits for the person but ShowMessage and AskYesNo.
+// No call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home holds up the check or the mail
+// from whose events it was called.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace korvane {
@@ -42,12 +44,19 @@ public:
     virtual void RefreshURLList() = 0;
     virtual void SetWaitCursor(bool wait) = 0;
 
-    /// Shows the message and waits until it is closed; without a display it goes to standard error and is over at once.
+    /// Shows the message; several follow one another. While the program starts it waits until the message is closed, afterwards it goes on at once. Without
+    /// a display it goes to standard error.
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
     /// The same for something that went wrong.
     virtual void ShowError(const std::string& title, const std::string& text) { ShowMessage(title, text); }
-    /// Without a display the answer is No.
+    /// Waits for the answer. Without a display it is No.
     virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
+
+    /// Asks and goes on: `yes` is called when that is the answer. Nothing is called when the window over which the question stands goes before that.
+    virtual void Ask(
+        const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no = [] {}) {
+        AskYesNo(title, text) ? yes() : no();
+    }
 };
 
 }  // namespace korvane

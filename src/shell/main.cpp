@@ -42,7 +42,7 @@ int Main(int argc, char** argv) {
         if (DesktopMain* desktopMain = LoadWindows(); desktopMain != nullptr) return desktopMain(argc, argv);
     }
     const QCoreApplication application(argc, argv);
-    return RunInTerminal(argc, argv);
+    RunInTerminal(argc, argv);
 }
 
 }  // namespace

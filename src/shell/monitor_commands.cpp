@@ -55,12 +55,14 @@ void CopyFields(Recordset& from, Recordset& to) {
 MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()) {}
 
 void MonitorCommands::cmdStopWaiting() {
+    if (run_.Loading()) return;
     if (!run_.State().bMonitoring) {
         run_.cmdStopStart();
         return;
     }
     run_.cmdStopStart();
     run_.cmdStopStart();
+    run_.WakeUp();
     desk_.maintenance.ResetAllEventsToNow();
     desk_.person.RefreshURLList();
 }
@@ -130,21 +132,30 @@ std::string MonitorCommands::Copy(const std::string& id) {
     return newId;
 }
 
-void MonitorCommands::DeleteURL(const std::string& id, const std::string& name) {
+void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, const std::function<void()>& answered) {
     if (id.empty()) {
         desk_.person.ShowMessage(kTitle, "Please click an entry in the list, then click delete.");
         return;
     }
     mnuTrayOff();
-    if (!desk_.person.AskYesNo(kTitle, "Are you sure you want to Permanently Delete the " + name +
-                                           " Server?\r\n\r\nChoosing Yes will Delete the entry.")) {
-        desk_.status.setStatusMSG("Not Deleted");
-        return;
-    }
+    desk_.person.Ask(
+        kTitle, "Are you sure you want to Permanently Delete the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.",
+        [=, this] {
+            Delete(id);
+            answered();
+        },
+        [=, this] {
+            desk_.status.setStatusMSG("Not Deleted");
+            answered();
+        });
+}
+
+void MonitorCommands::Delete(const std::string& id) {
     const WaitCursor waiting(desk_.person);
     desk_.maintenance.DeleteServerData(id);
     desk_.person.RefreshURLList();
-    desk_.publisher.PublishReports();
+    const std::string problem = desk_.publisher.PublishReports();
+    if (!problem.empty()) desk_.status.setStatusMSG("Reporting Error: " + problem);
     desk_.status.setStatusMSG("Server Entry Deleted");
 }
 
@@ -170,23 +181,24 @@ void MonitorCommands::mnuFileRepair() {
     desk_.person.RefreshURLList();
 }
 
-bool MonitorCommands::AskReset(const std::string& opening) {
-    return desk_.person.AskYesNo(kTitle, opening +
-                                             "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\n"
-                                             "Click YES to Reset and Continue, NO to cancel");
+void MonitorCommands::AskReset(const std::string& opening, std::function<void()> reset) {
+    desk_.person.Ask(kTitle,
+                     opening +
+                         "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\n"
+                         "Click YES to Reset and Continue, NO to cancel",
+                     [this, reset = std::move(reset)] {
+                         const WaitCursor waiting(desk_.person);
+                         reset();
+                         desk_.person.RefreshURLList();
+                     });
 }
 
 void MonitorCommands::mnuFileResetGraph() {
-    if (!AskReset(kResetGraph)) return;
-    const WaitCursor waiting(desk_.person);
-    desk_.maintenance.ResetResponseDataALL();
+    AskReset(kResetGraph, [this] { desk_.maintenance.ResetResponseDataALL(); });
 }
 
 void MonitorCommands::mnuEditClearStatus() {
-    if (!AskReset(kResetSummary)) return;
-    const WaitCursor waiting(desk_.person);
-    desk_.maintenance.ResetStatDataALL(true);
-    desk_.person.RefreshURLList();
+    AskReset(kResetSummary, [this] { desk_.maintenance.ResetStatDataALL(true); });
 }
 
 }  // namespace korvane

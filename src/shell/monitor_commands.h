@@ -1,6 +1,7 @@
 // What the commands of the main window do, whatever pressed them: a button, a menu, a key, the tray. The window adds the selected row and shows the outcome.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "shell/desk.h"
@@ -28,8 +29,10 @@ public:
     /// A copy of the entry with its counters at their beginning, without its rules. Returns its id, blank when nothing was copied.
     std::string CopyURL(const std::string& id);
 
-    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected, and the operator is told.
-    void DeleteURL(const std::string& id, const std::string& name);
+    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected, and the operator is told. `answered` is
+    /// called behind what the answer led to.
+    void DeleteURL(
+        const std::string& id, const std::string& name, const std::function<void()>& answered = [] {});
 
     void cmdSave() { desk_.settings.cmdSave(); }
     void cmdReports() { desk_.reports.cmdReports_Click(); }
@@ -47,7 +50,8 @@ private:
     bool HasRoom(const std::string& refusal);
     std::string Copy(const std::string& id);
     void OpenText(const std::string& path);
-    bool AskReset(const std::string& opening);
+    void Delete(const std::string& id);
+    void AskReset(const std::string& opening, std::function<void()> reset);
 
     Run& run_;
     Desk desk_;

@@ -122,6 +122,11 @@ void Run::SetUpForTheFirstTime() {
     if (window_.HasWindow() || rs->RecordCount() > 0) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
 }
 
+void Run::WakeUp() {
+    state_.nSleepLeft = 0;
+    state_.nSleepTotal = 0;
+}
+
 void Run::ResumeProgress() {
     if (http_.Requesting()) TimerProgress_->SetEnabled(true);
 }

@@ -94,6 +94,8 @@ public:
     /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is kept, and the caller looks
     /// at ExitAsked when StartUp has returned.
     bool MayExit();
+    /// The start can't go on and tells so: there is nothing to save, and the process may end at any time, with status 1.
+    bool OnlyTelling() const { return onlyTelling_; }
     bool ExitAsked() const { return exitAsked_; }
 
     /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is under way is
@@ -109,8 +111,10 @@ public:
     const bool& Loading() const { return bFormLoading_; }
     /// Before monitoring begins: in the wait that the settings ask for.
     bool WaitingToStart() const { return Timer2_->Enabled(); }
-    /// The cycle runs and is not asleep: the entry that is due first is being requested.
+    /// The cycle runs and is not asleep: the entry that is due first is being requested. A sleep whose seconds have run out is none, although its length is still known.
     bool Requesting() const { return TimerMonitorDB_->Enabled() && state_.nSleepLeft <= 0; }
+    /// The sleep until the next check is over.
+    void WakeUp();
     /// The operator looks at the window again in the middle of a request: its estimate goes on.
     void ResumeProgress();
 
@@ -137,6 +141,7 @@ private:
     void TimerLog_Timer();
 
     void TellSecondInstance();
+    void TellTheEnd(const std::string& title, const std::string& text);
     void ReadSettings();
     bool HasAllItNeeds();
     bool HasDatabase();
@@ -154,6 +159,7 @@ private:
     bool bFormLoading_ = false;
     bool noSaveOnExit_ = false;
     bool exitAsked_ = false;
+    bool onlyTelling_ = false;
 
     CycleState state_;
     Log log_;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/ignore_errors.h"
+#include "base/raised_flag.h"
 #include "shell/run.h"
 #include "shell/web_addresses.h"
 #include "store/database_files.h"
@@ -80,7 +81,12 @@ Run::Started Run::StartUp() {
 
 void Run::TellSecondInstance() {
     ports_.events.DoEvents();
-    ports_.person.ShowMessage("Korvane Multiple Instance.", "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+    TellTheEnd("Korvane Multiple Instance.", "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+}
+
+void Run::TellTheEnd(const std::string& title, const std::string& text) {
+    const RaisedFlag telling(onlyTelling_);
+    ports_.person.ShowMessage(title, text);
 }
 
 void Run::ReadSettings() {
@@ -131,7 +137,7 @@ bool Run::HasDatabase() {
         collection_.setKvSettingsColValue("bAllInDB", "False");
         return true;
     }
-    ports_.person.ShowMessage("Korvane", "The necessary Template Databasee " + blank + std::string(kReinstall));
+    TellTheEnd("Korvane", "The necessary Template Databasee " + blank + std::string(kReinstall));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the blank database was not there.  can't initialize database.");
     return false;
 }
@@ -140,7 +146,7 @@ bool Run::HasTemplates() {
     for (const ReportTemplate& page : ReportTemplates()) {
         const std::string file = "/" + std::string(page.file);
         if (ports_.files.Exists(options_.dir + file)) continue;
-        ports_.person.ShowMessage("Korvane", "The necessary report template " + options_.dir + file + std::string(kReinstall));
+        TellTheEnd("Korvane", "The necessary report template " + options_.dir + file + std::string(kReinstall));
         log_.WriteLog(
             kLogFatal, kLogError,
             "frmMonitor:Form_Load: the " + std::string(page.word) + " template " + file + " was missing. can't continue.");
@@ -154,11 +160,11 @@ bool Run::DatabaseOpens() {
     state_.bReportsOK = IsDBConnectOK(ports_.store, ports_.files, options_.dir, error);
     if (state_.bReportsOK) return true;
     state_.strReportsProblem = error;
-    ports_.person.ShowMessage("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
+    TellTheEnd("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
     if (window_.HasWindow()) IgnoreErrors([&] { ports_.processes.OpenPage(std::string(kDatabaseHelpAddress)); });
-    ports_.person.ShowMessage("Korvane", CloseKorvaneText());
+    TellTheEnd("Korvane", CloseKorvaneText());
     return false;
 }
 
@@ -166,7 +172,7 @@ bool Run::HasAllItNeeds() {
     try {
         return HasDatabase() && HasTemplates() && DatabaseOpens();
     } catch (const std::exception& error) {  // a folder that cannot even be looked at
-        ports_.person.ShowMessage("Korvane", error.what());
+        TellTheEnd("Korvane", error.what());
         log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
         return false;
     }

@@ -3,7 +3,6 @@
 
 #include <QHeaderView>
 #include <QMenuBar>
-#include <QTimer>
 #include <map>
 
 #include "base/text.h"
@@ -51,18 +50,15 @@ protected:
     }
     QWidget* Editor() { return Window().findChild<QWidget*>("frmURLData"); }
 
-    /// The next box is answered with this button; its text is kept.
-    void AnswerNext(const char* button) {
-        auto* looks = new QTimer(&Window());
-        QObject::connect(looks, &QTimer::timeout, &Window(), [this, looks, button] {
-            QWidget* box = QApplication::activeModalWidget();
-            if (box == nullptr) return;
-            looks->deleteLater();
-            looks->stop();
-            boxes_.push_back(S(box->windowTitle() + ": " + box->accessibleDescription()));
-            QTest::keyClick(box->findChild<QWidget*>(button), Qt::Key_Space);
-        });
-        looks->start(1);
+    /// The box that comes is answered with this button; its text is kept.
+    void Answer(const char* button) {
+        ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }));
+        QWidget* box = QApplication::activeModalWidget();
+        boxes_.push_back(S(box->windowTitle() + ": " + box->accessibleDescription()));
+        QTest::keyClick(box->findChild<QWidget*>(button), Qt::Key_Space);
+        ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        Settle();
     }
 
     const QtDesktop first_;
@@ -196,16 +192,16 @@ TEST_F(MonitorWindowTest, DeletesBehindAQuestionAndSelectsTheRowAfterIt) {
     Start();
     Window().RefreshURLList();
     Window().ListView1->selectionModel()->clearSelection();
-    AnswerNext("cmdOk");
     Press(Qt::Key_Delete);
+    Answer("cmdOk");
     Press(Qt::Key_Down);
     ASSERT_EQ(Selected(), "two");
-    AnswerNext("cmdNo");
     Press(Qt::Key_Delete);
+    Answer("cmdNo");
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 3);
     EXPECT_EQ(Window().cmdStopStart->text(), "Start");
-    AnswerNext("cmdYes");
     Press(Qt::Key_Delete);
+    Answer("cmdYes");
     EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"one", "three"}));
     EXPECT_EQ(Selected(), "three");
     const std::string question =
@@ -276,8 +272,8 @@ TEST_F(MonitorWindowTest, CommandsInTheMiddleOfACheckAreSafe) {
     World().After(4s, [&] { QTest::keyClick(Editor(), Qt::Key_Escape); });
     World().After(5s, [&] {
         Press(Qt::Key_Q, Qt::ControlModifier);
-        AnswerNext("cmdYes");
         Press(Qt::Key_Delete);
+        Answer("cmdYes");
     });
     World().RunFor(20s);
     EXPECT_EQ(exits_, 1);
@@ -318,6 +314,51 @@ TEST_F(MonitorWindowTest, LaterStartsBeginOutOfSight) {
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);  // nobody looks, nothing is read
     Window().mnuTraySettings_Click();
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 1);
+}
+
+// Somebody opens a message or a question and goes home: the check that waits below it must not wait for them.
+TEST_F(MonitorWindowTest, MonitoringGoesOnBehindMessagesAndQuestions) {
+    const auto slow = database_.Add(
+        {.strDesc = "slow", .strAddress_IP = "10.0.0.1", .strType = "HTTP", .strPort = "80", .nIntervalSeconds = 1});
+    Start();
+    TheProgram().net.Page("http://10.0.0.1").Answer("here", 3s);
+    Window().RefreshURLList();
+    Press(Qt::Key_F5);
+    World().After(2s, [&] {
+        Window().ShowMessage("Korvane", "one");
+        Window().ShowMessage("Korvane", "two");
+        Window().Ask(
+            "Korvane", "three?", [] {}, [] {});
+        Settle();
+        EXPECT_NE(QApplication::activeModalWidget(), nullptr);
+    });
+    World().RunFor(20s);
+    EXPECT_GE(database_.Server(slow).at("nSuccess").Int32(), 4);
+    EXPECT_LT(database_.Server(slow).at("nAveResponse").Double(), 3100);
+    Answer("cmdOk");
+    Answer("cmdOk");
+    Answer("cmdYes");
+    EXPECT_EQ(boxes_, (std::vector<std::string>{"Korvane: one", "Korvane: two", "Korvane: three?"}));
+}
+
+TEST_F(MonitorWindowTest, TextsOfServersAreNoTags) {
+    const auto id = database_.Add({});
+    database_.Change("Servers", id, {{"strLastResponse", "<img src='/etc/x'>\r\n  two"}});
+    Start();
+    Window().RefreshURLList();
+    const QModelIndex cell = Window().ListView1->model()->index(0, column::LastResponse);
+    EXPECT_EQ(cell.data(Qt::ToolTipRole).toString(), "<p style='white-space:pre-wrap'>&lt;img src='/etc/x'&gt;\n  two</p>");
+}
+
+TEST_F(MonitorWindowTest, SenselessSizesStayOnTheScreen) {
+    Start();
+    for (const int twips : {-5, 0, 99999999}) {
+        Window().SetWidth(twips);
+        Window().SetHeight(twips);
+        EXPECT_LE(Window().frameGeometry().right(), Window().screen()->availableGeometry().right()) << twips;
+        EXPECT_LE(Window().frameGeometry().bottom(), Window().screen()->availableGeometry().bottom()) << twips;
+        EXPECT_GE(Window().width(), 221);
+    }
 }
 
 // Each control can be told by a screen reader, and no two keys of a menu are the same.

@@ -159,6 +159,19 @@ TEST_F(MonitorCommandsTest, StartNowMakesEveryEntryDue) {
     EXPECT_TRUE(program.run.State().bMonitoring);
 }
 
+TEST_F(MonitorCommandsTest, NowEndsTheSleepBetweenChecks) {
+    const auto id = database.Add({.dtNextCheck = program.world.clock.Now() + 90s});
+    program.net.Host("10.0.0.1").Echo(3ms);
+    commands.cmdStopWaiting();
+    program.world.RunFor(2s);
+    database.Change("Servers", id, {{"dtNextCheck", program.world.clock.Now() + 60s}});
+    program.world.RunFor(3s);
+    ASSERT_GT(program.run.State().nSleepLeft, 30);
+    commands.cmdStopWaiting();
+    program.world.RunFor(2s);
+    EXPECT_EQ(database.Server(id).at("nSuccess"), Value(2));
+}
+
 TEST_F(MonitorCommandsTest, OpensItsFilesInTheEditor) {
     commands.mnuFileOpen();
     EXPECT_EQ(person.messages.back().text, "There is no file " + database.Folder() + "/kvurlwatch0.txt yet.");

@@ -39,10 +39,10 @@ const std::vector<std::string>& DesktopSession::Programs() {
     return programs;
 }
 
-DesktopSession::DesktopSession(Tray tray) {
+DesktopSession::DesktopSession(Tray tray, const std::string& size) {
     fs::create_directories(folder_.Path("run"));
     fs::permissions(folder_.Path("run"), fs::perms::owner_all);
-    StartDisplay();
+    StartDisplay(size);
     const auto start = [&](const std::vector<std::string>& command) {
         std::vector<std::string> words = Environment();
         words.insert(words.end(), command.begin(), command.end());
@@ -67,13 +67,14 @@ DesktopSession::~DesktopSession() {
     display_->Ended(5s);
 }
 
-// The lock of a number is taken by one server only, whatever network it is in; so the next number is tried where that is gone already.
-void DesktopSession::StartDisplay() {
+// The lock of a number is taken by one server only, whatever network it is in; so the next number is tried where that is
+// gone already.
+void DesktopSession::StartDisplay(const std::string& size) {
     for (int i = 0; i < kDisplays; ++i) {
         number_ = kFirstDisplay + (getpid() + i) % kDisplays;
         if (fs::exists("/tmp/.X11-unix/X" + std::to_string(number_))) continue;
         display_ = std::make_unique<Process>(
-            std::vector<std::string>{"Xvfb", Display(), "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset"}, folder_);
+            std::vector<std::string>{"Xvfb", Display(), "-screen", "0", size + "x24", "-nolisten", "tcp", "-noreset"}, folder_);
         const auto answers = [&] { return !Ask("xdotool getdisplaygeometry").empty(); };
         bool ended = false;
         if (Waited([&] { return (ended = display_->Ended(0ms)) || answers(); }) && !ended) return;

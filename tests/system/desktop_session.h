@@ -1,4 +1,5 @@
-// A desktop of a test's own: an X server without a screen, a window manager and a notification area, and hands and eyes for it. Everything goes with this object.
+// A desktop of a test's own: an X server without a screen, a window manager and a notification area, and hands and eyes
+// for it. Everything goes with this object.
 #pragma once
 
 #include <chrono>
@@ -15,8 +16,8 @@ class DesktopSession {
 public:
     enum class Tray { Shown, None };
 
-    /// 1280 by 800 pixels. Throws when a part of it does not come up.
-    explicit DesktopSession(Tray tray = Tray::Shown);
+    /// `size`: of the screen, in pixels. Throws when a part of it does not come up.
+    explicit DesktopSession(Tray tray = Tray::Shown, const std::string& size = "1280x800");
     ~DesktopSession();
     DesktopSession(const DesktopSession&) = delete;
     DesktopSession& operator=(const DesktopSession&) = delete;
@@ -55,7 +56,7 @@ public:
     void Screenshot(const std::string& name) const;
 
 private:
-    void StartDisplay();
+    void StartDisplay(const std::string& size);
     std::string Ask(const std::string& command) const;
     std::vector<std::string> Titles(const std::vector<std::string>& windows) const;
     std::vector<std::string> Managed() const;

@@ -14,7 +14,8 @@ struct Place {
 };
 using Places = std::initializer_list<Place>;
 
-/// A sheet of 16 by 16 with a pen. A place is where the middle of a line goes: it is moved so that the edges of the line lie between pixels.
+/// A sheet of 16 by 16 with a pen. A place is where the middle of a line goes: it is moved so that the edges of the line
+/// lie between pixels.
 class Sheet {
 public:
     Sheet(QPainter& painter, int side, const QColor& ink)

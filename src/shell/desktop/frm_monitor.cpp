@@ -5,7 +5,6 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QScreen>
-#include <QScrollBar>
 #include <algorithm>
 
 #include "base/ignore_errors.h"
@@ -28,7 +27,6 @@ constexpr int kTwipsARow = 270;
 constexpr int kTwipsBesideRows = 700;
 constexpr int kTwipsBesideList = 3500;
 constexpr QPoint kPlace{100 / kTwipsAPixel + 1, 100 / kTwipsAPixel + 1};
-constexpr qsizetype kLongestStatus = 15000;
 constexpr auto kTimer3Interval = 9500ms;
 constexpr int kBlinkEvery = 5;
 constexpr int kBlinkTop = 15000;
@@ -79,18 +77,7 @@ bool frmMonitor::WindowVisible() const {
 
 void frmMonitor::StatusLine(const std::string& time, const std::string& text) {
     const bool loading = run_ != nullptr && run_->Loading();
-    if (!WindowVisible() && !loading) return;
-    QScrollBar& bar = *txtStatus->verticalScrollBar();
-    const int reading = bar.value();  // somebody who has scrolled to older lines goes on reading them
-    const int before = txtStatus->blockCount();
-    QTextCursor cursor(txtStatus->document());
-    cursor.insertText(Q(time + " - " + text + "\n"));
-    if (const qsizetype length = txtStatus->document()->characterCount() - 1; length > kLongestStatus) {
-        cursor.setPosition(static_cast<int>(kLongestStatus));
-        cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
-        cursor.removeSelectedText();
-    }
-    if (reading > 0) bar.setValue(reading + std::max(0, txtStatus->blockCount() - before));
+    if (WindowVisible() || loading) txtStatus->AddLine(Q(time + " - " + text));
 }
 
 void frmMonitor::SetClockText(const std::string& time) {
@@ -99,6 +86,7 @@ void frmMonitor::SetClockText(const std::string& time) {
 
 void frmMonitor::SetCycleText(const std::string& text) {
     lblCount->setText(Q(text));
+    lblCount->setToolTip(lblCount->text());
 }
 
 void frmMonitor::ShowProgress(bool shown) {
@@ -167,21 +155,35 @@ void frmMonitor::SetWaitCursor(bool wait) {
     }
 }
 
-QWidget* frmMonitor::MessageParent() {
+// A window that nobody sees would take its messages along.
+QWidget* frmMonitor::MessageParent() const {
     if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
-    return isVisible() ? this : nullptr;
+    return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
+}
+
+void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::string& text) {
+    if (!placed_ || run_->Loading()) {
+        frmMSG::Show(MessageParent(), kind, title, text);
+    } else {
+        messages_.Add({kind, title, text});
+    }
 }
 
 void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
-    frmMSG::Show(MessageParent(), frmMSG::Kind::Information, title, text);
+    Tell(frmMSG::Kind::Information, title, text);
 }
 
 void frmMonitor::ShowError(const std::string& title, const std::string& text) {
-    frmMSG::Show(MessageParent(), frmMSG::Kind::StopSign, title, text);
+    Tell(frmMSG::Kind::StopSign, title, text);
 }
 
 bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
     return frmMSG::Ask(MessageParent(), title, text);
+}
+
+void frmMonitor::Ask(const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no) {
+    messages_.Add({frmMSG::Kind::Question, title, text, frmMSG::Answers::YesNo,
+                   [yes = std::move(yes), no = std::move(no)](bool accepted) { accepted ? yes() : no(); }});
 }
 
 int frmMonitor::ScreenWidth() const {
@@ -197,23 +199,24 @@ int frmMonitor::Height() const {
     return Twips(isMaximized() ? normalGeometry().height() : height());
 }
 
-// Settings may come from a larger screen.
+// Settings may come from a larger screen, or from anywhere. The frame has to find room too.
 void frmMonitor::SetWidth(int twips) {
-    resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width()), height());
+    resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width() - 2 * kPlace.x()), height());
 }
 
 void frmMonitor::SetHeight(int twips) {
-    resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height()));
+    const int frame = 2 * fontMetrics().height() + kPlace.y();
+    resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height() - frame));
 }
 
 void frmMonitor::SetCaptions(const Captions& captions) {
     setWindowTitle(Q(captions.title));
-    menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal));
-    menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings));
+    menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
+    menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
 void frmMonitor::Place(bool shown) {
-    move(kPlace);
+    move(screen()->availableGeometry().topLeft() + kPlace);
     RestoreColumns();
     placed_ = true;
     if (shown && !hiddenAtStart_) show();
@@ -241,9 +244,10 @@ void frmMonitor::HideOrIconify() {
 void frmMonitor::mnuTraySettings_Click() {
     if (run_->Loading()) return;
     run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    welcomed_ = false;
     showNormal();
     SetWindowToFrontForeground();
-    WelcomeBack();
+    if (!welcomed_) WelcomeBack();  // out of the task bar it has been already
 }
 
 void frmMonitor::SetWindowToFrontForeground() {
@@ -252,6 +256,7 @@ void frmMonitor::SetWindowToFrontForeground() {
 }
 
 void frmMonitor::WelcomeBack() {
+    welcomed_ = true;
     RefreshURLList();
     run_->ResumeProgress();
     run_->TheDesk().status.setStatusMSG(kWelcomeBack);
@@ -262,16 +267,14 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
     if (run_ != nullptr) MinimizeToTray();
 }
 
-// The desktop itself has taken the window out of the task bar, or put it there.
+// Somebody has taken the window out of the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
-    const bool onScreen = WindowVisible();
-    if (onScreen && !onScreen_ && isVisible()) {
-        run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
-        WelcomeBack();
-    }
-    onScreen_ = onScreen;
+    const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
+    if (!wasMinimized || !WindowVisible()) return;
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    WelcomeBack();
 }
 
 void frmMonitor::resizeEvent(QResizeEvent* event) {
@@ -326,11 +329,15 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     editor->open();
 }
 
+// Stopping makes the list anew, perhaps in another order, so the entry is looked for again; when it has gone the row has another.
 void frmMonitor::cmdDeleteURL_Click() {
     const int row = ListView1->currentIndex().row();
-    commands_->DeleteURL(SelectedId(), SelectedName());
-    SelectRow(row);
-    Form_Resize();
+    const std::string id = SelectedId();
+    commands_->DeleteURL(id, SelectedName(), [this, row, id] {
+        const int same = model_->RowOf(id);
+        SelectRow(same < 0 ? row : same);
+        Form_Resize();
+    });
 }
 
 void frmMonitor::cmdCopyPaste_Click() {
@@ -381,10 +388,11 @@ void frmMonitor::RememberColumns() {
 
 // The desktop may lose the icon, or its notification area with all icons: then the window must be reachable in the task bar.
 void frmMonitor::Timer3_Timer() {
+    if (run_->Loading()) return;  // nothing is ours to show before the start is through
     Timer3_->SetInterval(kTimer3Interval);
     if (!monitoring_) SetTray(TrayPicture::Off, kPausedTip);
     if (!MonitorTray::Available()) {
-        if (!isVisible() && !run_->Loading()) showMinimized();
+        if (!isVisible()) showMinimized();
         return;
     }
     const bool evenSecond = run_->TheDesk().clock.Now().Second() % 2 == 0;

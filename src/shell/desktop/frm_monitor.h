@@ -4,7 +4,6 @@
 
 #include <QLabel>
 #include <QMainWindow>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
@@ -18,9 +17,11 @@
 #include "platform/timer.h"
 #include "shell/desktop/conversation_viewer.h"
 #include "shell/desktop/mail_trace_viewer.h"
+#include "shell/desktop/message_queue.h"
 #include "shell/desktop/monitor_menus.h"
 #include "shell/desktop/monitor_tray.h"
 #include "shell/desktop/server_list_model.h"
+#include "shell/desktop/status_box.h"
 #include "shell/monitor_commands.h"
 #include "shell/monitor_window.h"
 
@@ -62,6 +63,7 @@ public:
     void ShowMessage(const std::string& title, const std::string& text) override;
     void ShowError(const std::string& title, const std::string& text) override;
     bool AskYesNo(const std::string& title, const std::string& text) override;
+    void Ask(const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no) override;
 
     // The window of start-up and of the settings.
     bool HasWindow() const override { return true; }
@@ -86,7 +88,7 @@ public:
 
     // What the person sees.
     QTreeView* ListView1;
-    QPlainTextEdit* txtStatus;
+    StatusBox* txtStatus;
     QLabel* lblServers;
     QLabel* lblCustomers;
     QLabel* lblCount;
@@ -126,7 +128,8 @@ private:
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
-    QWidget* MessageParent();
+    void Tell(frmMSG::Kind kind, const std::string& title, const std::string& text);
+    QWidget* MessageParent() const;
 
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
@@ -134,6 +137,7 @@ private:
     ServerListModel* model_;
     std::unique_ptr<MonitorMenus> menus_;
     std::unique_ptr<MonitorTray> tray_;
+    MessageQueue messages_{[this] { return MessageParent(); }};
     QPointer<QWidget> editor_;  ///< while one is open
     ConversationViewer conversation_;
     MailTraceViewer mailTrace_;
@@ -144,8 +148,8 @@ private:
     bool monitoring_ = true;
     bool isAddUrl_ = false;
     bool placed_ = false;
+    bool welcomed_ = false;
     bool hiddenAtStart_ = false;
-    bool onScreen_ = false;  ///< as it was told last
 };
 
 }  // namespace korvane

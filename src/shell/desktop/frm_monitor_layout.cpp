@@ -20,7 +20,7 @@ constexpr QSize kFirstSize{980, 640};
 constexpr QSize kLeastSize{221, 336};
 
 /// The width of each column in characters, until somebody draws it to another.
-constexpr int kColumnCharacters[column::Count] = {8, 13, 12, 16, 22, 12, 15, 9, 7, 16, 20, 26, 40};
+constexpr int kColumnCharacters[column::Count] = {8, 13, 12, 16, 22, 12, 15, 13, 9, 16, 20, 26, 40};
 
 template <class Widget>
 Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
@@ -41,11 +41,7 @@ void frmMonitor::BuildWidgets() {
     rows->addLayout(BuildButtons());
     rows->addWidget(ListView1);
     rows->addLayout(BuildProgress());
-    txtStatus = Named(new QPlainTextEdit, "txtStatus", "Status log");
-    txtStatus->setReadOnly(true);
-    txtStatus->setUndoRedoEnabled(false);
-    txtStatus->setTabChangesFocus(true);
-    txtStatus->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    txtStatus = Named(new StatusBox, "txtStatus", "Status log");
     rows->addWidget(txtStatus, 1);
     setCentralWidget(middle);
     BuildStatusBar();
@@ -76,7 +72,7 @@ void frmMonitor::BuildList() {
     // No column is the key of the order until somebody clicks one: the entry that is due next stands on top.
     header.setSortIndicator(-1, Qt::AscendingOrder);
     ListView1->setSortingEnabled(true);
-    connect(ListView1, &QTreeView::activated, this, [this] { cmdEditURL_Click(); });
+    connect(ListView1, &QTreeView::doubleClicked, this, [this] { cmdEditURL_Click(); });
     connect(ListView1, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
     const auto* menuKey = new QShortcut(Qt::SHIFT | Qt::Key_F10, ListView1, nullptr, nullptr, Qt::WidgetShortcut);

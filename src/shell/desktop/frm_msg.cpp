@@ -56,7 +56,8 @@ frmMSG::frmMSG(Kind kind, const std::string& title, const std::string& text, Ans
     : QDialog(parent), text_(Lines(text)) {
     setObjectName("frmMSG");
     setWindowTitle(Q(title));
-    setWindowModality(Qt::WindowModal);
+    // Beside a window-modal dialog and what stands open next to it, a message of that kind would not get the keyboard.
+    setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(Message(kind, Lines(line1), Lines(line2)));
     layout->addWidget(Buttons(answers));
@@ -101,8 +102,8 @@ QWidget* frmMSG::Buttons(Answers answers) {
     };
     QPushButton* first = nullptr;
     if (answers == Answers::YesNo) {
-        first = add("cmdYes", "&Yes", QDialogButtonBox::AcceptRole);
-        add("cmdNo", "&No", QDialogButtonBox::RejectRole);
+        add("cmdYes", "&Yes", QDialogButtonBox::AcceptRole);
+        first = add("cmdNo", "&No", QDialogButtonBox::RejectRole);  // what is asked for most often can't be undone
     } else {
         first = add("cmdOk", "OK", QDialogButtonBox::AcceptRole);
     }

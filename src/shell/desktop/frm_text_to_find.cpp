@@ -51,7 +51,7 @@ void frmTextToFind::AddHeading(QVBoxLayout& layout) {
     auto* heading = new QLabel(this);
     heading->setObjectName("lblHeading");
     heading->setTextFormat(Qt::PlainText);
-    heading->setText(text);
+    heading->setText(QString(text).replace("&", "&&"));  // beside a buddy one alone would be a key
     heading->setWordWrap(true);
     heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // an address without a blank does not widen the dialog
     heading->setBuddy(txtExpected_);
@@ -95,10 +95,13 @@ void frmTextToFind::cmdOk_Click() {
 void frmTextToFind::cmdTest_Click() {
     const QPointer<frmTextToFind> self = this;
     const auto test = editor_.cmdTestURL_Click;
+    const bool hadFocus = cmdTest_->hasFocus();
     cmdTest_->setEnabled(false);
     WriteBack();
     test();
-    if (self != nullptr) cmdTest_->setEnabled(true);
+    if (self == nullptr) return;
+    cmdTest_->setEnabled(true);
+    if (hadFocus) cmdTest_->setFocus();  // it went away with the command
 }
 
 }  // namespace korvane

@@ -19,6 +19,7 @@
 #include "shell/desktop/frm_url_data_server_page.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reading_text.h"
+#include "shell/desktop/scrolled_page.h"
 #include "shell/entry_hints.h"
 #include "shell/entry_row.h"
 #include "shell/entry_save.h"
@@ -42,11 +43,10 @@ frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::
     askForFile = [this](const QString& title, const auto& chosen) { AskForFile(title, chosen); };
 
     BuildPages();
-    auto* status = new ReadingText(this);
-    status->setObjectName("txtStatus");
-    status->setAccessibleName("Status");
-    status->SetLines(kStatusLines);
-    txtStatus_ = status;
+    txtStatus_ = new ReadingText(this);
+    txtStatus_->setObjectName("txtStatus");
+    txtStatus_->setAccessibleName("Status");
+    txtStatus_->SetLines(kStatusLines);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabPages_, 1);
     layout->addWidget(txtStatus_);
@@ -70,12 +70,23 @@ void frmURLData::BuildPages() {
     scanText_ = scanText;
     cmdCommands_ = scanText->cmdCommands;
     commands_ = new CommandsPage(inputs_, this);
-    tabPages_->addTab(server_, "Server");
-    tabPages_->addTab(eMail_, "E-Mail");
-    tabPages_->addTab(new DownTimesPage(inputs_, this), "Down Times");
-    tabPages_->addTab(authentication_, "Authentication");
-    tabPages_->addTab(scanText_, "Scan Text");
-    tabPages_->addTab(commands_, "Commands");
+    AddPage(server_, "Server");
+    AddPage(eMail_, "E-Mail");
+    AddPage(new DownTimesPage(inputs_, this), "Down Times");
+    AddPage(authentication_, "Authentication");
+    AddPage(scanText_, "Scan Text");
+    AddPage(commands_, "Commands");
+}
+
+void frmURLData::AddPage(QWidget* page, const QString& title) {
+    tabPages_->addTab(new ScrolledPage(page), title);
+}
+
+int frmURLData::IndexOfPage(const QWidget* input) const {
+    for (int page = 0; page < tabPages_->count(); ++page) {
+        if (tabPages_->widget(page)->isAncestorOf(input)) return page;
+    }
+    return -1;
 }
 
 QLayout* frmURLData::Buttons() {
@@ -124,7 +135,7 @@ void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
     const EntryTypeScreen& screen = ScreenOfType(type.name);
     server_->SetScreen(screen);
     for (QWidget* page : {authentication_, scanText_})
-        tabPages_->setTabEnabled(tabPages_->indexOf(page), screen.webPages);
+        tabPages_->setTabEnabled(IndexOfPage(page), screen.webPages);
     server_->lblPrefix->setText(Q(type.prefix));
     server_->txtPort->setText(Q(type.port));
     server_->txtRequestText->setText(Q(type.request));
@@ -132,7 +143,7 @@ void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
 }
 
 void frmURLData::SetStatus(std::string_view text) {
-    txtStatus_->setPlainText(Lines(text).left(kStatusCharacters));
+    txtStatus_->SetText(Lines(text).left(kStatusCharacters));
 }
 
 EntryFields frmURLData::Read() const {
@@ -161,6 +172,7 @@ void frmURLData::SetExpectedText(const std::string& text) {
 
 void frmURLData::cmdOk_Click() {
     const EntryFields fields = Read();
+    inputs_.TakeMarksAway();
     if (const auto refusal = CheckDownTimes(fields)) {
         QLineEdit* const box = inputs_.Box(refusal->field);
         ShowPageOf(box);
@@ -169,7 +181,9 @@ void frmURLData::cmdOk_Click() {
         return;
     }
     const QPointer<frmURLData> self = this;
-    const bool isSaved = SaveEntry(desk_, strID_, fields, [self](const std::string& name) {
+    const Desk desk = desk_;
+    const std::string strID = strID_;
+    const bool isSaved = SaveEntry(desk, strID, fields, [self](const std::string& name) {
         if (self != nullptr) self->server_->txtAddress_IP->setText(Q(name));
     });
     if (!isSaved || self == nullptr || closed_) return;
@@ -178,9 +192,7 @@ void frmURLData::cmdOk_Click() {
 }
 
 void frmURLData::ShowPageOf(const QWidget* input) {
-    for (int page = 0; page < tabPages_->count(); ++page) {
-        if (tabPages_->widget(page)->isAncestorOf(input)) tabPages_->setCurrentIndex(page);
-    }
+    tabPages_->setCurrentIndex(IndexOfPage(input));
 }
 
 // Showing a dialog focuses its first input, which is no reason to talk over what the status line begins with.

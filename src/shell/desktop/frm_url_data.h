@@ -12,11 +12,12 @@
 #include "shell/entry_type.h"
 
 class QFocusEvent;
-class QPlainTextEdit;
 class QPushButton;
 class QTabWidget;
 
 namespace korvane {
+
+class ReadingText;
 
 class CommandsPage;
 class EMailPage;
@@ -61,6 +62,8 @@ private:
     void SetStatus(std::string_view text);
     EntryFields Read() const;
     void cmdOk_Click();
+    void AddPage(QWidget* page, const QString& title);
+    int IndexOfPage(const QWidget* input) const;
     void ShowPageOf(const QWidget* input);
 
     // frm_url_data_typing.cpp
@@ -77,6 +80,7 @@ private:
     void ConnectCommands();
     void SetBusy(bool busy);
     void cmdTestEmail_Click();
+    void MailTestEnds(bool sent);
     void TestCommand(const char* question, const QLineEdit& box);
     void ChooseCommand(const QString& title, QLineEdit& box);
     void AskForFile(const QString& title, const std::function<void(const QString& path)>& chosen);
@@ -95,6 +99,7 @@ private:
     bool closed_ = false;
     bool busyPointer_ = false;  ///< a test is under way; after one of no IPv4 address it stays
     bool mailing_ = false;      ///< a test mail is under way
+    bool resetting_ = false;    ///< the history is being taken away, or asked about
     std::string savedExpectedText_;
     std::string savedLastResponse_;
     QString savedCommand_;  ///< before the command to restart took its place
@@ -108,7 +113,7 @@ private:
     QWidget* scanText_ = nullptr;
     QPushButton* cmdCommands_ = nullptr;
     CommandsPage* commands_ = nullptr;
-    QPlainTextEdit* txtStatus_ = nullptr;
+    ReadingText* txtStatus_ = nullptr;
     QPushButton* cmdTestURL_ = nullptr;
 };
 

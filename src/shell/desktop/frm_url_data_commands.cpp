@@ -18,6 +18,7 @@
 #include "shell/desktop/frm_url_data_server_page.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/entry_commands.h"
+#include "shell/entry_save.h"
 #include "shell/entry_test.h"
 #include "store/database_files.h"
 
@@ -70,7 +71,12 @@ void frmURLData::cmdTestURL_Click() {
     SetBusy(true);
     const auto result = RunEntryTest(desk, fields);
     // Without a result the pointer stays busy: what is no address is mended first, and tested when the editor is opened again.
-    if (isGone() || !result) return;
+    if (isGone()) return;
+    if (!result) {
+        ShowPageOf(server_->txtAddress_IP);
+        MarkRefused(*server_->txtAddress_IP, Lines(NotAnAddressMessage(fields.strAddress_IP)));
+        return;
+    }
     SetBusy(false);
     if (hadFocus) cmdTestURL_->setFocus();  // it went away with the command
     const TestVerdict verdict =
@@ -90,6 +96,7 @@ void frmURLData::cmdTestURL_Click() {
 void frmURLData::cmdTestEmail_Click() {
     if (mailing_) return;
     EntryFields fields = Read();
+    inputs_.TakeMarksAway();
     if (Trim(fields.strEmailList1).empty() && Trim(fields.strEmailList2).empty()) {
         MarkRefused(*eMail_->txtEmailList1, Q(kNoRecipientMessage));
         return desk_.person.ShowMessage(kTitle, kNoRecipientMessage);
@@ -101,9 +108,13 @@ void frmURLData::cmdTestEmail_Click() {
     SetStatus("Please refer to the Korvane main window to see progress indications.");
     mailing_ = true;
     const QPointer<frmURLData> self = this;
-    const bool sent = desk_.mail.TestEmail(fields.strEmailList1, fields.strEmailList2, fields.bNotSendBody, fields.strEmailBody,
-                                           fields.strEmailText, fields.strDesc, fields.strEmailFrom, "", "");
-    if (self == nullptr) return;
+    desk_.mail.TestEmail(fields.strEmailList1, fields.strEmailList2, fields.bNotSendBody, fields.strEmailBody,
+                         fields.strEmailText, fields.strDesc, fields.strEmailFrom, "", "", [self](bool sent) {
+                             if (self != nullptr) self->MailTestEnds(sent);
+                         });
+}
+
+void frmURLData::MailTestEnds(bool sent) {
     mailing_ = false;
     if (closed_) return;
     SetStatus("Sending email.");
@@ -114,9 +125,11 @@ void frmURLData::cmdTestEmail_Click() {
 void frmURLData::TestCommand(const char* question, const QLineEdit& box) {
     const std::string command = S(box.text());
     const QPointer<frmURLData> self = this;
-    if (!desk_.person.AskYesNo(kTitle, TestCommandQuestion(question, command)) || self == nullptr) return;
-    SetStatus("Testing Command " + command + "\r\n\r\nPress Start to resume... ");
-    desk_.commands.RunCommand(command, 0, WindowStyle::Normal);
+    desk_.person.Ask(kTitle, TestCommandQuestion(question, command), [self, command] {
+        if (self == nullptr) return;
+        self->SetStatus("Testing Command " + command + "\r\n\r\nPress Start to resume... ");
+        self->desk_.commands.RunCommand(command, 0, WindowStyle::Normal);
+    });
 }
 
 void frmURLData::ChooseCommand(const QString& title, QLineEdit& box) {
@@ -156,15 +169,22 @@ void frmURLData::cmdLastResponse_Click() {
     desk_.conversation.setRequest("Server: " + getURLText() + "\r\n" + savedLastResponse_);
 }
 
+// Publishing lets events through: it is done once at a time.
 void frmURLData::cmdReset_Click() {
-    const Desk desk = desk_;
-    const std::string strID = strID_;
+    if (resetting_) return;
+    resetting_ = true;
     const QPointer<frmURLData> self = this;
-    if (!desk.person.AskYesNo(kTitle, ResetQuestion(getURLText()))) return;
-    desk.maintenance.ResetStatData(strID, true);
-    desk.maintenance.ResetResponseData(strID);
-    desk.publisher.PublishReports();
-    if (self != nullptr && !closed_) desk.person.ShowMessage(kTitle, "Data Reset");
+    const auto ends = [self] {
+        if (self != nullptr) self->resetting_ = false;
+    };
+    const auto reset = [desk = desk_, strID = strID_, self, ends] {
+        desk.maintenance.ResetStatData(strID, true);
+        desk.maintenance.ResetResponseData(strID);
+        desk.publisher.PublishReports();
+        ends();
+        if (self != nullptr && !self->closed_) desk.person.ShowMessage(kTitle, "Data Reset");
+    };
+    desk_.person.Ask(kTitle, ResetQuestion(getURLText()), reset, ends);
 }
 
 void frmURLData::cmdCommands_Click() {

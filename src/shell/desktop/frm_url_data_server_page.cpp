@@ -134,6 +134,7 @@ void ServerPage::SetScreen(const EntryTypeScreen& screen) {
     form_->setRowVisible(timeoutRow_, screen.timeoutShown);
     lblAddress->setText(Q(screen.addressLabel));
     lblExpected->setText(Q(screen.expectedLabel));
+    txtExpectedText->setAccessibleName(lblExpected->text().remove(':'));
 }
 
 }  // namespace korvane

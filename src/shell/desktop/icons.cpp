@@ -87,7 +87,8 @@ void DrawSeam(QPainter& painter, const QPixmap& seam) {
 
 enum class Kind { Filled, Lines };
 
-/// A coloured picture keeps its meaning where it is disabled, only paler. In a selection a filled one has a seam, and lines are in the colour of its text.
+/// A coloured picture keeps its meaning where it is disabled, only paler. In a selection a filled one has a seam, and
+/// lines are in the colour of its text.
 Draw Coloured(std::function<void(QPainter& painter, int side)> draw, Kind kind = Kind::Filled) {
     return [draw = std::move(draw), kind](QPainter& painter, int side, QIcon::Mode mode) {
         if (mode == QIcon::Disabled) {

@@ -1,4 +1,5 @@
-// The one family of pictures of the windows, drawn at the size that is asked for, on a screen of any resolution. They are cousins of the pictures in the reports.
+// The one family of pictures of the windows, drawn at the size that is asked for, on a screen of any resolution. They
+// are cousins of the pictures in the reports.
 #pragma once
 
 #include <QIcon>

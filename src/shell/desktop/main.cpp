@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "shell/desktop/frm_monitor.h"
+#include "shell/desktop/icons.h"
 #include "shell/desktop/theme.h"
 #include "shell/process/process.h"
 
@@ -16,12 +17,36 @@ namespace {
 constexpr const char* kPlatforms = "QT_QPA_PLATFORM";
 constexpr const char* kNoDisplay = "minimal";
 
-// A display that is named but not there ends a Qt program on the spot, unless there is one more platform to fall back on.
-void AllowForDeadDisplay() {
-    QByteArray platforms = qgetenv(kPlatforms);
-    if (platforms.isEmpty()) platforms = qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb" : "wayland;xcb";
-    qputenv(kPlatforms, platforms + ";" + kNoDisplay);
-}
+/// The application, on a platform that bears a dead display: one that is named but not there ends a Qt program on the spot, unless there is one more platform to
+/// fall back on. What we start inherits none of that.
+class Application : public QApplication {
+public:
+    static std::unique_ptr<Application> Make(int& argc, char** argv) {
+        const QByteArray asked = qgetenv(kPlatforms);
+        QByteArray platforms = asked;
+        if (platforms.isEmpty()) platforms = qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb" : "wayland;xcb";
+        qputenv(kPlatforms, platforms + ";" + kNoDisplay);
+        auto made = std::make_unique<Application>(argc, argv);
+        if (asked.isEmpty()) {
+            qunsetenv(kPlatforms);
+        } else {
+            qputenv(kPlatforms, asked);
+        }
+        return made;
+    }
+
+    using QApplication::QApplication;
+
+    /// Nothing that a command throws may end the monitor.
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& error) {
+            std::cerr << "Korvane: a command of the window failed: " << error.what() << std::endl;
+            return true;
+        }
+    }
+};
 
 // The session ends, perhaps with the power: everything is saved, and the program goes on until it is ended with the session.
 void SaveWithTheSession(Run& run) {
@@ -29,18 +54,18 @@ void SaveWithTheSession(Run& run) {
                      [&run](QSessionManager&) { run.TheDesk().settings.Save(); });
 }
 
-int DesktopMain(int argc, char** argv) {
-    AllowForDeadDisplay();
-    QApplication application(argc, argv);
+[[noreturn]] void DesktopMain(int argc, char** argv) {
+    const auto application = Application::Make(argc, argv);
     if (QGuiApplication::platformName() == kNoDisplay) {
         std::cerr << "Korvane goes on without a window: the display does not answer" << std::endl;
-        return RunInTerminal(argc, argv);
+        RunInTerminal(argc, argv);
     }
     QApplication::setApplicationName("korvane");
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(ProgramIcon(true));
     const DesktopTheme theme;
     std::unique_ptr<frmMonitor> window;
-    return RunProcess(argc, argv, [&](Timers& timers) {
+    RunProcess(argc, argv, [&](Timers& timers) {
         window = std::make_unique<frmMonitor>(timers);
         return Face{.person = *window,
                     .window = window.get(),
@@ -60,7 +85,7 @@ int DesktopMain(int argc, char** argv) {
 
 extern "C" __attribute__((visibility("default"))) int KorvaneDesktopMain(int argc, char** argv) {
     try {
-        return korvane::DesktopMain(argc, argv);
+        korvane::DesktopMain(argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "Korvane can't start: " << error.what() << std::endl;
         return 1;

@@ -1,6 +1,7 @@
 // One window of its kind that stands beside the others: made when it is asked for, gone when the operator closes it, and when the window goes over which it stands.
 #pragma once
 
+#include <QApplication>
 #include <QPointer>
 #include <QWidget>
 
@@ -18,10 +19,13 @@ public:
     /// The window over which the next Show makes it; null: none.
     void SetParent(QWidget* parent) { parent_ = parent; }
 
-    /// Brings it to the front, over the parent.
+    /// Brings it to the front, over the dialog that is open, or else over the parent. What it shows stays.
     void Show() {
-        if (form_ != nullptr && form_->parentWidget() != parent_) delete form_.data();
-        if (form_ == nullptr) form_ = new Form(parent_);
+        // A window beside a dialog that is open could not be reached; one over it can.
+        QWidget* dialog = QApplication::activeModalWidget();
+        QWidget* const parent = dialog != nullptr ? dialog : parent_.data();
+        if (form_ == nullptr) form_ = new Form(parent);
+        if (form_->parentWidget() != parent) form_->setParent(parent, form_->windowFlags());
         form_->show();
         form_->raise();
         form_->activateWindow();

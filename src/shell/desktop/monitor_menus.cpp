@@ -38,7 +38,7 @@ constexpr Command kCommands[] = {
     {kFile, "mnuFileMin", "&Minimize to Tray", "Ctrl+M"},
     {kFile, "mnuExit", "E&xit", "Ctrl+Q"},
     {kEdit, "mnuEditAddURL", "&Add Server...", "Ctrl+N", Keys::Window, true},
-    {kEdit, "mnuEditURL", "&Edit Server...", "Ctrl+E", Keys::List, true},
+    {kEdit, "mnuEditURL", "&Edit Server...", "Ctrl+E; Return; Enter", Keys::List, true},
     {kEdit, "", "", "", Keys::Window, true},
     {kEdit, "mnuEditCopyURL", "&Copy Server", "Ctrl+C; Ctrl+Ins", Keys::List, true},
     {kEdit, "mnuEditPasteURL", "&Paste Server", "Ctrl+V; Shift+Ins", Keys::List, true},

@@ -32,6 +32,12 @@ bool ComesBefore(const std::string& a, const std::string& b) {
     });
 }
 
+// What a server has sent is shown as it came: a tip would take tags for its own and load what they name.
+QVariant TipOf(const std::string& cell) {
+    if (cell.empty()) return {};
+    return "<p style='white-space:pre-wrap'>" + Lines(cell).toHtmlEscaped() + "</p>";
+}
+
 }  // namespace
 
 void ServerListModel::SetRows(std::vector<ServerRow> rows) {
@@ -109,7 +115,7 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return Q(cell).simplified();
         case Qt::ToolTipRole:
-            return index.column() == column::LastResponse || index.column() == column::ScanText ? Lines(cell) : QVariant();
+            return index.column() == column::LastResponse || index.column() == column::ScanText ? TipOf(cell) : QVariant();
         case Qt::DecorationRole:
             return index.column() == column::Number ? QVariant(StateIcon(row.icon)) : QVariant();
         case Qt::AccessibleTextRole:

@@ -1,4 +1,5 @@
-// Light or dark, as the desktop is: where Qt's own platform theme does not see to it, the desktop's settings portal is asked and listened to.
+// Light or dark, as the desktop is: where Qt's own platform theme does not see to it, the desktop's settings portal is
+// asked and listened to.
 #pragma once
 
 #include <QPalette>
@@ -10,8 +11,9 @@ namespace korvane {
 
 class DesktopTheme {
 public:
-    /// Of the application that there is. Does not wait: where the desktop answers, the palette of the application changes then, and again with each
-    /// change of the desktop's choice. Nothing happens where Qt already has a dark palette. A theme that GTK_THEME names is taken as it is.
+    /// Of the application that there is. Does not wait: where the desktop answers, the palette of the application changes
+    /// then, and again with each change of the desktop's choice. Nothing happens where Qt already has a dark palette.
+    /// A theme that GTK_THEME names is taken as it is.
     DesktopTheme();
     /// As above, on a bus of the caller's.
     explicit DesktopTheme(const QDBusConnection& bus);

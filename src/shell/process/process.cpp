@@ -27,6 +27,7 @@ namespace korvane {
 namespace {
 
 constexpr int kCannotGoOn = 1;
+constexpr const char* kNoGlib = "QT_NO_GLIB";
 
 std::string FromEnvironment(const char* name) {
     const char* value = std::getenv(name);
@@ -59,16 +60,28 @@ Run::Options OptionsOf(int argc, char** argv) {
     std::_Exit(status);
 }
 
+/// A start that can't go on ends the process, behind its message.
+void Start(Run& run, const Face& face, Files& files, const Run::Options& options) {
+    try {
+        files.CreateFolder(options.dir);
+        if (run.StartUp() == Run::Started::Running) return;
+    } catch (const std::exception& error) {
+        face.person.ShowMessage("Korvane", "Korvane can't start: " + std::string(error.what()));
+    }
+    EndProcess(kCannotGoOn);
+}
+
 }  // namespace
 
 void PrepareProcess() {
     ReturnLargeBlocks();  // an answer of 50 MB must not stay in the memory of a program that runs for a year
     // The plain event loop wakes for our own timers and sockets only, and needs less memory.
-    setenv("QT_NO_GLIB", "1", 1);
+    setenv(kNoGlib, "1", 1);
     IgnoreBrokenPipes();
 }
 
-int RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
+void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
+    unsetenv(kNoGlib);  // what we start is not to inherit it
     const Run::Options options = OptionsOf(argc, argv);
     SystemClock clock;
     LinuxFiles files;
@@ -96,19 +109,27 @@ int RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFa
         EndProcess(EXIT_SUCCESS);
     };
     const auto exitWhenLoaded = [&] {
+        if (run.OnlyTelling()) EndProcess(kCannotGoOn);
         if (run.MayExit()) exit();
     };
     face.attach(run, exitWhenLoaded);
     const TerminationSignals termination(events, exitWhenLoaded);
-    files.CreateFolder(options.dir);
-    if (run.StartUp() != Run::Started::Running) EndProcess(kCannotGoOn);
+    // When the display goes, with the session, its library ends the process by itself.
+    bool started = false;
+    const std::function<void()> atExit = [&] {
+        if (started) run.mnuExit_Click();
+    };
+    on_exit([](int, void* work) { (*static_cast<const std::function<void()>*>(work))(); },
+            const_cast<std::function<void()>*>(&atExit));
+    Start(run, face, files, options);
+    started = true;
     if (run.ExitAsked()) exit();
-    return QCoreApplication::exec();
+    EndProcess(QCoreApplication::exec());
 }
 
-int RunInTerminal(int argc, char** argv) {
+void RunInTerminal(int argc, char** argv) {
     TerminalOperator person(std::cout, std::cerr);
-    return RunProcess(argc, argv, [&](Timers&) { return Face{.person = person}; });
+    RunProcess(argc, argv, [&](Timers&) { return Face{.person = person}; });
 }
 
 }  // namespace korvane

@@ -27,11 +27,10 @@ struct Face {
 /// Before any Qt application object is made: what this process sets for itself and for the libraries it stands on.
 void PrepareProcess();
 
-/// Runs the program on the application object that is there. Returns the exit status if the event loop ends; the ordinary end is that of the
-/// process itself. `makeFace` gets the timers of the process.
-int RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace);
+/// Runs the program on the application object that is there, and ends the process. `makeFace` gets the timers of the process.
+[[noreturn]] void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace);
 
 /// The same without a window: status lines on standard output, messages on standard error.
-int RunInTerminal(int argc, char** argv);
+[[noreturn]] void RunInTerminal(int argc, char** argv);
 
 }  // namespace korvane

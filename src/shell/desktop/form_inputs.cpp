@@ -1,74 +1,48 @@
-#include "shell/desktop/frm_url_data_inputs.h"
+#include "shell/desktop/form_inputs.h"
 
-#include <QCheckBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QStyle>
-#include <algorithm>
-
-#include "shell/desktop/qt_text.h"
-#include "shell/entry_hints.h"
 
 namespace korvane {
 namespace {
 
 constexpr int kShortCharacters = 10;
+constexpr const char* kDescription = "unmarkedDescription";
 
 /// Red that stands out from this background.
 QColor MarkColour(const QPalette& palette) {
     return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
 }
 
-void TakeMarkAway(QLineEdit& box) {
-    box.setStyleSheet(QString());
-    box.setAccessibleDescription(Q(HelpOnInput(S(box.objectName()))));
-    box.setToolTip(QString());
-}
-
 }  // namespace
 
-QLineEdit* EntryInputs::AddBox(std::string EntryFields::*field, const char* name, const QString& accessibleName, QWidget* page) {
+QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page) {
     auto* box = new QLineEdit(page);
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
-    boxes_.emplace_back(field, box);
     return box;
 }
 
-QCheckBox* EntryInputs::AddMark(bool EntryFields::*field, const char* name, const QString& text, QWidget* page) {
+QCheckBox* NewMark(const char* name, const QString& text, QWidget* page) {
     auto* mark = new QCheckBox(text, page);
     mark->setObjectName(name);
     mark->setAccessibleName(QString(text).remove('&'));
-    marks_.emplace_back(field, mark);
     return mark;
 }
 
-QLineEdit* EntryInputs::Box(std::string EntryFields::*field) const {
-    const auto found = std::find_if(boxes_.begin(), boxes_.end(), [&](const auto& each) { return each.first == field; });
-    return found == boxes_.end() ? nullptr : found->second;
+void TakeMarkAway(QLineEdit& box) {
+    if (!box.property(kDescription).isValid()) return;
+    box.setStyleSheet(QString());
+    box.setAccessibleDescription(box.property(kDescription).toString());
+    box.setProperty(kDescription, QVariant());
+    box.setToolTip(QString());
 }
 
-void EntryInputs::Fill(const EntryFields& fields) const {
-    for (const auto& [field, box] : boxes_) {
-        box->setText(Q(fields.*field));
-        box->setCursorPosition(0);
-    }
-    for (const auto& [field, mark] : marks_)
-        mark->setChecked(fields.*field);
-}
-
-EntryFields EntryInputs::Read() const {
-    EntryFields fields;
-    for (const auto& [field, box] : boxes_)
-        fields.*field = S(box->text());
-    for (const auto& [field, mark] : marks_)
-        fields.*field = mark->isChecked();
-    return fields;
-}
-
+// A box that is marked already keeps the description from before its first mark.
 void MarkRefused(QLineEdit& box, const QString& why) {
+    if (!box.property(kDescription).isValid()) box.setProperty(kDescription, box.accessibleDescription());
     const QString colour = MarkColour(box.palette()).name();
     box.setStyleSheet("QLineEdit { border: 2px solid " + colour + "; border-radius: 3px; padding: 1px; }");
     box.setAccessibleDescription(why);
