@@ -100,7 +100,8 @@ bool clsEsmtp::SayPlainHello() {
 bool clsEsmtp::NameSender() {
     emailFromAddress = Trim(emailFromAddress);
     if (emailFromAddress.starts_with('<')) emailFromAddress.erase(0, 1);
-    // Two characters are looked at, so only an address of ">" alone loses it; mail rules of our users know the addresses in this form.
+    // Two characters are looked at, so only an address of ">" alone loses it; mail rules of our users know the addresses in
+    // this form.
     if (emailFromAddress == ">") emailFromAddress.clear();
     emailFromName = Trim(ReplaceAll(emailFromName, "\"", ""));
     if (emailFromName.empty()) emailFromName = emailFromAddress;

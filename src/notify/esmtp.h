@@ -1,4 +1,5 @@
-// One mail to one server over one connection: an optional POP login first, then SMTP (RFC 5321) with a login (RFC 4954) where the server offers one.
+// One mail to one server over one connection: an optional POP login first, then SMTP (RFC 5321) with a login (RFC 4954) where
+// the server offers one.
 #pragma once
 
 #include <chrono>
@@ -71,8 +72,10 @@ public:
     /// Empties every text, sets the ports to 25 and 110. What servers offered so far stays known.
     void Reset();
 
-    /// True only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may still tell of a login that failed on the
-    /// way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each POP reply, and 60 for each piece that the socket does not
+    /// True only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may still
+    /// tell of a login that failed on the
+    /// way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each POP reply, and 60 for each piece
+    /// that the socket does not
     /// get rid of. Throws nothing.
     bool SendMail();
 

@@ -55,7 +55,8 @@ void clsEsmtp::OpenConnection(const std::string& host, std::int32_t port) {
     if (!tried) replyFlag_ = kReplyError;
 }
 
-// True also when the socket has not got rid of the text in time or broke meanwhile: the wait for the reply is what finds the trouble.
+// True also when the socket has not got rid of the text in time or broke meanwhile: the wait for the reply is what finds the
+// trouble.
 bool clsEsmtp::SendCommand(std::string_view text, const std::string& shown) {
     sendFlag_ = kSendPending;
     if (sckInternet.State() != SocketState::Connected) {
@@ -190,7 +191,8 @@ std::optional<int> clsEsmtp::ReadSmtpReply(bool& multiLine, int& code) {
     return ReplyCode(first);
 }
 
-// What was sent or said before the server closed counts all the same: a server says why it wants no mail, or goodbye, and closes in one breath.
+// What was sent or said before the server closed counts all the same: a server says why it wants no mail, or goodbye, and
+// closes in one breath.
 void clsEsmtp::SocketClosed() {
     phase_ = Phase::Closed;
     if (sendFlag_ != kSendComplete) sendFlag_ = kSendPending;

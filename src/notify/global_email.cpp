@@ -14,7 +14,8 @@ constexpr std::string_view kToList2 = "TO_LIST2=";
 constexpr std::string_view kFrom = "FROM=";
 constexpr std::string_view kSubject = "SUBJECT=";
 
-/// Gives the items of a text one by one. A quoted item may hold commas and line ends; what follows its second quote is an item of its own, if it is anything.
+/// Gives the items of a text one by one. A quoted item may hold commas and line ends; what follows its second quote is an item
+/// of its own, if it is anything.
 class Items {
 public:
     explicit Items(std::string_view text) : rest_(text) {}

@@ -26,7 +26,8 @@ constexpr const char* kMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 constexpr int kFileNotFound = 53;
 constexpr int kFileAccessError = 75;
 
-/// An attachment is encoded in lines of a few bytes each. To look for events after every one of them would cost far more than the encoding.
+/// An attachment is encoded in lines of a few bytes each. To look for events after every one of them would cost far more than
+/// the encoding.
 constexpr auto kPumpPeriod = 5ms;
 
 std::string Quoted(std::string_view text) {

@@ -1,4 +1,5 @@
-// What a mail says and how it goes out after DATA: header lines in their order, text, HTML and attachments, one piece after the other.
+// What a mail says and how it goes out after DATA: header lines in their order, text, HTML and attachments, one piece after
+// the other.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,8 @@
 
 namespace korvane {
 
-/// Everything the caller fills before a mail is sent. Texts go out as they stand, so line ends in a header are the caller's to keep out.
+/// Everything the caller fills before a mail is sent. Texts go out as they stand, so line ends in a header are the caller's to
+/// keep out.
 struct MailProperties {
     std::string emailTo;           ///< recipients; rewritten in their normal form
     std::string emailFromAddress;  ///< of the envelope and the From header
@@ -49,13 +51,15 @@ std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
 /// CR LF, LF and CR become a blank each, so that no text can add a line to the headers or to the conversation.
 std::string WithoutLineEnds(std::string_view text);
 
-/// Every line end becomes CR LF, the only one that mail knows (RFC 5321, section 2.3.8): what servers say and people write has others too.
+/// Every line end becomes CR LF, the only one that mail knows (RFC 5321, section 2.3.8): what servers say and people write has
+/// others too.
 std::string WithMailLineEnds(std::string_view text);
 
 /// A "." at the beginning of a line is doubled (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
 
-/// A whole file of raw bytes into `contents`. Returns 0, or the number of the failure with its words in `description`. Blocks on the disk.
+/// A whole file of raw bytes into `contents`. Returns 0, or the number of the failure with its words in `description`. Blocks
+/// on the disk.
 int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description);
 
 class MailMessage {
@@ -74,7 +78,8 @@ public:
     /// Everything is borrowed and must outlive this.
     MailMessage(const Ports& ports, MailProperties& mail) : ports_(ports), mail_(mail) {}
 
-    /// Before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries and stuffs both bodies in place.
+    /// Before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries and
+    /// stuffs both bodies in place.
     /// An attachment that can't be read is told to `failed` and goes out empty; an entry without a name is removed from the list.
     void Prepare(const ReadFileError& failed);
 

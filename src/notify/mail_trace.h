@@ -1,4 +1,5 @@
-// Who looks on while a mail is sent: the conversation with the server, line by line, without passwords and without the message itself.
+// Who looks on while a mail is sent: the conversation with the server, line by line, without passwords and without the message
+// itself.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// The replies of mail servers (RFC 5321, section 4.2; RFC 1939, section 3), as the conversation reads them: by their first four characters.
+// The replies of mail servers (RFC 5321, section 4.2; RFC 1939, section 3), as the conversation reads them: by their first
+// four characters.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 // Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output.
-// No call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home holds up the check or the mail
+// No call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home
+// holds up the check or the mail
 // from whose events it was called.
 #pragma once
 
@@ -44,7 +45,8 @@ public:
     virtual void RefreshURLList() = 0;
     virtual void SetWaitCursor(bool wait) = 0;
 
-    /// Shows the message; several follow one another. While the program starts it waits until the message is closed, afterwards it goes on at once. Without
+    /// Shows the message; several follow one another. While the program starts it waits until the message is closed,
+    /// afterwards it goes on at once. Without
     /// a display it goes to standard error.
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
     /// The same for something that went wrong.
@@ -52,7 +54,8 @@ public:
     /// Waits for the answer. Without a display it is No.
     virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
 
-    /// Asks and goes on: `yes` is called when that is the answer. Nothing is called when the window over which the question stands goes before that.
+    /// Asks and goes on: `yes` is called when that is the answer. Nothing is called when the window over which the question
+    /// stands goes before that.
     virtual void Ask(
         const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no = [] {}) {
         AskYesNo(title, text) ? yes() : no();

@@ -1,4 +1,5 @@
-// What the windows work with: the rooms of the run, and the ports that it was given. Everything is borrowed from the run, which outlives every window.
+// What the windows work with: the rooms of the run, and the ports that it was given. Everything is borrowed from the run,
+// which outlives every window.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,5 @@
-// The texts of one entry's answers that mean failure, with a command for each: how the operator's ten rows are read from the table
+// The texts of one entry's answers that mean failure, with a command for each: how the operator's ten rows are read from the
+// table
 // `ResponseFailText` and saved to it, and what the window says about them.
 #pragma once
 
@@ -43,8 +44,10 @@ public:
     /// Stands still for 100 ms after each stored row. A failure ends the reading with what has been read and goes to the log.
     Opened Open();
 
-    /// Stored rows are used again in their stored order and keep their ids, so a blank row between two filled ones removes a stored row and those behind it
-    /// move up. Each row is durable by itself: a failure leaves what was written before it, goes to the log, and is returned; blank when all went well.
+    /// Stored rows are used again in their stored order and keep their ids, so a blank row between two filled ones removes a
+    /// stored row and those behind it
+    /// move up. Each row is durable by itself: a failure leaves what was written before it, goes to the log, and is returned;
+    /// blank when all went well.
     std::string Save(const FailTextRows& rows);
 
 private:

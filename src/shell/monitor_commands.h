@@ -1,4 +1,5 @@
-// What the commands of the main window do, whatever pressed them: a button, a menu, a key, the tray. The window adds the selected row and shows the outcome.
+// What the commands of the main window do, whatever pressed them: a button, a menu, a key, the tray. The window adds the
+// selected row and shows the outcome.
 #pragma once
 
 #include <functional>
@@ -26,10 +27,12 @@ public:
     void BeginEdit();
     void EndEdit();
 
-    /// A copy of the entry with its counters at their beginning, without its rules. Returns its id, blank when nothing was copied.
+    /// A copy of the entry with its counters at their beginning, without its rules. Returns its id, blank when nothing was
+    /// copied.
     std::string CopyURL(const std::string& id);
 
-    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected, and the operator is told. `answered` is
+    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected,
+    /// and the operator is told. `answered` is
     /// called behind what the answer led to.
     void DeleteURL(
         const std::string& id, const std::string& name, const std::function<void()>& answered = [] {});

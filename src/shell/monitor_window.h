@@ -20,7 +20,8 @@ public:
     /// At its place at the left upper corner of the screen. `shown`: on the screen too, so that a first start can be seen.
     virtual void Place(bool /*shown*/) {}
 
-    /// Out of sight, with the tray icon as the way back; where there is none the window stays in the task bar. Marks the program as minimised.
+    /// Out of sight, with the tray icon as the way back; where there is none the window stays in the task bar. Marks the
+    /// program as minimised.
     virtual void MinimizeToTray() {}
 
     virtual void Form_Resize() {}

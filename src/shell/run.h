@@ -87,18 +87,21 @@ public:
 
     enum class Started { Running, SecondInstance, CannotGoOn };
 
-    /// The whole start in its fixed order, messages included. After Running the first timer is armed; after anything else the program must end
+    /// The whole start in its fixed order, messages included. After Running the first timer is armed; after anything else the
+    /// program must end
     /// with status 1, and what there was to say has been said.
     Started StartUp();
 
-    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is kept, and the caller looks
+    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is
+    /// kept, and the caller looks
     /// at ExitAsked when StartUp has returned.
     bool MayExit();
     /// The start can't go on and tells so: there is nothing to save, and the process may end at any time, with status 1.
     bool OnlyTelling() const { return onlyTelling_; }
     bool ExitAsked() const { return exitAsked_; }
 
-    /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is under way is
+    /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is
+    /// under way is
     /// abandoned, and its row stays as it was and due.
     void mnuExit_Click();
 
@@ -111,7 +114,8 @@ public:
     const bool& Loading() const { return bFormLoading_; }
     /// Before monitoring begins: in the wait that the settings ask for.
     bool WaitingToStart() const { return Timer2_->Enabled(); }
-    /// The cycle runs and is not asleep: the entry that is due first is being requested. A sleep whose seconds have run out is none, although its length is still known.
+    /// The cycle runs and is not asleep: the entry that is due first is being requested. A sleep whose seconds have run out is
+    /// none, although its length is still known.
     bool Requesting() const { return TimerMonitorDB_->Enabled() && state_.nSleepLeft <= 0; }
     /// The sleep until the next check is over.
     void WakeUp();

@@ -1,4 +1,5 @@
-// The list of all entries as the main window shows it: a row of texts for each, and the picture of its state. Read anew from the table each time.
+// The list of all entries as the main window shows it: a row of texts for each, and the picture of its state. Read anew from
+// the table each time.
 #pragma once
 
 #include <array>

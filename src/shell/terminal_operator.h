@@ -9,7 +9,8 @@ namespace korvane {
 
 class TerminalOperator : public Operator {
 public:
-    /// The streams must outlive this. Status lines are written as "h:mm:ss AM - text" and flushed at once, so that a journal shows them live.
+    /// The streams must outlive this. Status lines are written as "h:mm:ss AM - text" and flushed at once, so that a journal
+    /// shows them live.
     TerminalOperator(std::ostream& statusLines, std::ostream& messages) : statusLines_(statusLines), messages_(messages) {}
 
     bool WindowVisible() const override { return false; }

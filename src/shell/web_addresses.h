@@ -1,9 +1,20 @@
-// Every address on the web, and of mail, that the program speaks of. The host is reserved for documentation until there is a real one.
+// Every address on the web, and of mail, that the program speaks of. The host is reserved for documentation until there is a
+// real one.
 #pragma once
 
 #include <string_view>
 
 namespace korvane {
+
+/// Where the pages of the product are, without a slash at the end.
+inline constexpr std::string_view kWebsite = "https://www.example.com";
+
+/// Asked for over plain HTTP, by its scheme.
+inline constexpr std::string_view kVersionFileAddress = "http://www.example.com/zshared/version.txt";
+inline constexpr std::string_view kDownloadPageAddress = "https://www.example.com/download.asp";
+inline constexpr std::string_view kInstallerAddress = "https://www.example.com/download/korvanecore.deb";
+inline constexpr std::string_view kFeedbackAddress = "https://www.example.com/zshared/feedback.asp";
+inline constexpr std::string_view kTellAFriendAddress = "https://www.example.com/zshared/tellafriend.asp";
 
 inline constexpr std::string_view kDatabaseHelpAddress = "https://www.example.com/korvane/database-help.htm";
 

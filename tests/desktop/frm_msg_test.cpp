@@ -37,7 +37,7 @@ TEST_F(FrmMsgTest, YesAndNo) {
         Qt::KeyboardModifiers modifiers;
         bool yes;
     };
-    const Case cases[] = {{"Return", Qt::Key_Return, {}, true},
+    const Case cases[] = {{"Return", Qt::Key_Return, {}, false},
                           {"Escape", Qt::Key_Escape, {}, false},
                           {"Alt+Y", Qt::Key_Y, Qt::AltModifier, true},
                           {"Alt+N", Qt::Key_N, Qt::AltModifier, false}};

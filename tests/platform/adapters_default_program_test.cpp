@@ -76,7 +76,7 @@ TEST_F(DefaultProgram, WithoutADesktopTheVariableNamesBrowsers) {
         fs::create_directory(folder.Path() + "/out");
         const std::string page = folder.Path() + "/it's a page.htm";
         std::ofstream(page) << "text";
-        if (!processes.HasDefaultProgram("HTM") || processes.HasDefaultProgram("gif")) return false;
+        if (processes.DefaultProgram("HTM") != "no-such-browser" || processes.HasDefaultProgram("gif")) return false;
         processes.OpenPage(page);
         for (int i = 0; i < 3000 && !fs::exists(folder.Path() + "/out/it's a page.htm"); ++i)
             events.WaitForEvent(std::chrono::milliseconds(10));

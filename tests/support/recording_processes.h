@@ -24,6 +24,7 @@ public:
     bool keep = true;     ///< off for long runs
 
     bool hasBrowser = true;
+    std::string browser = "firefox.desktop";
     bool browserStarts = true;
     bool hasEditor = true;
     std::vector<std::string> opened;       ///< pages
@@ -35,7 +36,7 @@ public:
         return pid;
     }
 
-    bool HasDefaultProgram(const std::string&) override { return hasBrowser; }
+    std::string DefaultProgram(const std::string&) override { return hasBrowser ? browser : ""; }
     void OpenPage(const std::string& path) override {
         if (!browserStarts) throw Error("No such file or directory", 2);
         opened.push_back(path);

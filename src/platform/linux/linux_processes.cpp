@@ -136,10 +136,13 @@ int LinuxProcesses::Start(const Words& words) {
     return pid;
 }
 
-bool LinuxProcesses::HasDefaultProgram(const std::string& extension) {
+std::string LinuxProcesses::DefaultProgram(const std::string& extension) {
     const std::string kind = KindOfFile(extension);
-    if (kind.empty()) return false;
-    return !DefaultDesktopEntry(kind, EnvironmentVariable).empty() || (kind == kPageKind && !BrowserCommands("").empty());
+    if (kind.empty()) return "";
+    std::string entry = DefaultDesktopEntry(kind, EnvironmentVariable);
+    if (!entry.empty() || kind != kPageKind) return entry;
+    const std::vector<Words> commands = BrowserCommands("");
+    return commands.empty() ? "" : commands.front().front();
 }
 
 void LinuxProcesses::OpenPage(const std::string& path) {

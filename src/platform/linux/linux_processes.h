@@ -23,8 +23,11 @@ public:
     /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command too.
     int Shell(const std::string& command, WindowStyle style) override;
 
+    /// As Shell, for a command that is in words already: the first names the program, and none of them is looked at by a shell.
+    int Start(const std::vector<std::string>& words);
+
     /// By the desktop's choice for that kind of file, or for pages by the variable BROWSER.
-    bool HasDefaultProgram(const std::string& extension) override;
+    std::string DefaultProgram(const std::string& extension) override;
     /// With xdg-open where it is installed, which asks the desktop; else with the commands of BROWSER, in their order.
     void OpenPage(const std::string& path) override;
     /// With xdg-open where it is installed, else with the first editor that is.
@@ -36,7 +39,6 @@ private:
         std::unique_ptr<Events::Watch> watch;
     };
 
-    int Start(const std::vector<std::string>& words);
     void StartFirstThere(const std::vector<std::vector<std::string>>& ways);
     void ReapAtItsEnd(pid_t pid);
     void Ended(pid_t pid);

@@ -181,9 +181,10 @@ bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
     return frmMSG::Ask(MessageParent(), title, text);
 }
 
-void frmMonitor::Ask(const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no) {
-    messages_.Add({frmMSG::Kind::Question, title, text, frmMSG::Answers::YesNo,
-                   [yes = std::move(yes), no = std::move(no)](bool accepted) { accepted ? yes() : no(); }});
+void frmMonitor::Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
+                     const std::function<void()>& no) {
+    messages_.Add(
+        {frmMSG::Kind::Question, title, text, frmMSG::Answers::YesNo, [yes, no](bool accepted) { accepted ? yes() : no(); }});
 }
 
 int frmMonitor::ScreenWidth() const {
@@ -305,7 +306,8 @@ void frmMonitor::cmdEditURL_Click() {
     OpenEditor(false, id);
 }
 
-// One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their way are not.
+// One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their
+// way are not.
 void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     if (editor_ != nullptr) return;
     SetIsAddUrl(isAddUrl);

@@ -1,4 +1,5 @@
-// The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray icon. It shows what the rooms below tell it
+// The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray
+// icon. It shows what the rooms below tell it
 // as their Operator, and hands them what the person at the desk wants; it decides nothing itself.
 #pragma once
 
@@ -35,7 +36,8 @@ public:
     explicit frmMonitor(Timers& timers);
     ~frmMonitor() override;
 
-    /// The run that this window shows and commands; `exit` ends the process. Before the run's StartUp. The run must outlive this window's events.
+    /// The run that this window shows and commands; `exit` ends the process. Before the run's StartUp. The run must outlive
+    /// this window's events.
     void Attach(Run& run, std::function<void()> exit);
 
     /// For the Ports of the run.
@@ -63,7 +65,8 @@ public:
     void ShowMessage(const std::string& title, const std::string& text) override;
     void ShowError(const std::string& title, const std::string& text) override;
     bool AskYesNo(const std::string& title, const std::string& text) override;
-    void Ask(const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no) override;
+    void Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
+             const std::function<void()>& no) override;
 
     // The window of start-up and of the settings.
     bool HasWindow() const override { return true; }

@@ -1,4 +1,5 @@
-// The dialog for the text that must appear in the answer of a server. It works on the editor's own box, and can run the editor's test.
+// The dialog for the text that must appear in the answer of a server. It works on the editor's own box, and can run the
+// editor's test.
 #pragma once
 
 #include <QDialog>

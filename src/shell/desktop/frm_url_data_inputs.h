@@ -1,4 +1,5 @@
-// The boxes and marks of the server entry editor as one set: filled from the texts of an entry and read into them. The type is no box.
+// The boxes and marks of the server entry editor as one set: filled from the texts of an entry and read into them. The type is
+// no box.
 #pragma once
 
 #include "shell/desktop/form_inputs.h"

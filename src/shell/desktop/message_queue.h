@@ -1,4 +1,5 @@
-// Messages and questions that wait for nobody: each is shown when the one before it is closed, and everything else goes on meanwhile.
+// Messages and questions that wait for nobody: each is shown when the one before it is closed, and everything else goes on
+// meanwhile.
 #pragma once
 
 #include <QObject>
@@ -24,7 +25,8 @@ public:
     /// `parent` gives the window over which a message is shown at that moment; null is allowed.
     explicit MessageQueue(std::function<QWidget*()> parent) : parent_(std::move(parent)) {}
 
-    /// Shows the message from the event loop, so that a window that is about to close is not its parent. When its parent goes before it is answered,
+    /// Shows the message from the event loop, so that a window that is about to close is not its parent. When its parent goes
+    /// before it is answered,
     /// `closed` is never called.
     void Add(Message message);
 

@@ -1,4 +1,5 @@
-// One window of its kind that stands beside the others: made when it is asked for, gone when the operator closes it, and when the window goes over which it stands.
+// One window of its kind that stands beside the others: made when it is asked for, gone when the operator closes it, and when
+// the window goes over which it stands.
 #pragma once
 
 #include <QApplication>

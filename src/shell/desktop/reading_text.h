@@ -1,4 +1,5 @@
-// Text to read in a dialog: it looks like a label, but it wraps anything, scrolls what is too long for it, and can be selected and copied.
+// Text to read in a dialog: it looks like a label, but it wraps anything, scrolls what is too long for it, and can be selected
+// and copied.
 #pragma once
 
 #include <QPlainTextEdit>

@@ -1,4 +1,5 @@
-// A window that text is added to as long as it is open: read only, with letters of one width, and a limit, so that it may stay open for a year.
+// A window that text is added to as long as it is open: read only, with letters of one width, and a limit, so that it may stay
+// open for a year.
 #pragma once
 
 #include <QDialog>

@@ -1,4 +1,5 @@
-// One life of the program as a process: its folders, arguments and signals, the adapters that are handed to the run, and its end. The same with and without a window.
+// One life of the program as a process: its folders, arguments and signals, the adapters that are handed to the run, and its
+// end. The same with and without a window.
 #pragma once
 
 #include <functional>

@@ -1,0 +1,35 @@
+#include "engine/machine_restart.h"
+
+#include <string>
+
+namespace korvane {
+namespace {
+
+constexpr const char* kTitle = "Korvane";
+
+}  // namespace
+
+void clsShutdown::Request(PowerAction action, std::string_view routine) {
+    try {
+        power_.Request(action);
+    } catch (const std::exception& error) {
+        log_.WriteLog(kLogOrdinary, kLogError, std::string(routine) + ": " + error.what());
+    }
+}
+
+void MachineRestart::RebootCommand() {
+    if (ports_.power.System() == PowerSystem::Unknown)
+        ports_.person.ShowMessage(kTitle, "Can't shutdown because this is an unknown system.");
+    clsShutdown(ports_.power, ports_.log).DoReboot();
+}
+
+void MachineRestart::TestShutDown() {
+    ports_.person.Ask(
+        kTitle, "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?", [this] {
+            if (ports_.state.bMonitoring) ports_.cmdStopStart();
+            ports_.status.setStatusMSG("Testing Shutdown command...");
+            RebootCommand();
+        });
+}
+
+}  // namespace korvane

@@ -1,0 +1,56 @@
+// The restart of this machine that the operator tries out. A failing server restarts it only through its entry's own command.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "engine/cycle_state.h"
+#include "platform/operator.h"
+#include "platform/power.h"
+#include "store/log.h"
+#include "store/status_log.h"
+
+namespace korvane {
+
+/// Each operation asks the system and goes on; a request that could not be made stands in the log.
+class clsShutdown {
+public:
+    clsShutdown(Power& power, Log& log) : power_(power), log_(log) {}
+
+    void DoLogOff() { Request(PowerAction::LogOff, "DoLogOff"); }
+    void DoForcedLogOff() { Request(PowerAction::ForcedLogOff, "DoForcedLogOff"); }
+    void DoShutdown() { Request(PowerAction::ShutDown, "DoShutdown"); }
+    void DoForceShutdown() { Request(PowerAction::ForcedShutDown, "DoForceShutdown"); }
+    void DoReboot() { Request(PowerAction::Reboot, "DoReboot"); }
+
+private:
+    void Request(PowerAction action, std::string_view routine);
+
+    Power& power_;
+    Log& log_;
+};
+
+class MachineRestart {
+public:
+    struct Ports {
+        Power& power;
+        Operator& person;
+        StatusLog& status;
+        Log& log;
+        const CycleState& state;
+        std::function<void()> cmdStopStart;  ///< the switch of monitoring
+    };
+
+    explicit MachineRestart(Ports ports) : ports_(std::move(ports)) {}
+
+    /// Reboots without a question. The operator is told when nothing on this machine can do it.
+    void RebootCommand();
+
+    /// Asks and goes on; a Yes stops monitoring and reboots. This must outlive the window over which the question stands.
+    void TestShutDown();
+
+private:
+    Ports ports_;
+};
+
+}  // namespace korvane
