@@ -57,7 +57,8 @@ public:
     /// Asks and goes on: `yes` is called when that is the answer. Nothing is called when the window over which the question
     /// stands goes before that.
     virtual void Ask(
-        const std::string& title, const std::string& text, std::function<void()> yes, std::function<void()> no = [] {}) {
+        const std::string& title, const std::string& text, const std::function<void()>& yes,
+        const std::function<void()>& no = [] {}) {
         AskYesNo(title, text) ? yes() : no();
     }
 };

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 
 #include "base/error.h"
@@ -13,48 +14,81 @@
 namespace korvane {
 namespace {
 
-constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
+using SignalPipe = int[2];
 
-// A signal handler gets no argument of ours, so the pipe it writes to has to be reachable from everywhere in this file.
-int signalPipe[2] = {-1, -1};
+// A signal handler gets no argument of ours, so the pipes it writes to have to be reachable from everywhere in this file.
+SignalPipe terminationPipe = {-1, -1};
+SignalPipe pausePipe = {-1, -1};
 
-extern "C" void OnSignal(int) {
+void Write(const SignalPipe& to, int signal) {
     const int saved = errno;
-    const char byte = 0;
-    [[maybe_unused]] const auto written = write(signalPipe[1], &byte, 1);
+    const char byte = static_cast<char>(signal);
+    [[maybe_unused]] const auto written = write(to[1], &byte, 1);
     errno = saved;
 }
 
+extern "C" void OnTermination(int signal) {
+    Write(terminationPipe, signal);
+}
+
+extern "C" void OnPause(int signal) {
+    Write(pausePipe, signal);
+}
+
 // A signal that whoever started the program made it ignore (nohup, a shell's background) stays ignored.
-void SetHandler(void (*handler)(int)) {
+void SetHandler(std::initializer_list<int> signals, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : kSignals) {
+    for (const int signal : signals) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);
         if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
     }
 }
 
+void Open(SignalPipe& pipe) {
+    if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) != 0) throw Error(std::strerror(errno), errno);
+}
+
+void Close(SignalPipe& pipe) {
+    close(pipe[0]);
+    close(pipe[1]);
+}
+
 }  // namespace
 
 TerminationSignals::TerminationSignals(Events& events, std::function<void()> asked) {
-    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) throw Error(std::strerror(errno), errno);
-    watch_ = events.WatchReadable(signalPipe[0], [asked = std::move(asked)] {
+    Open(terminationPipe);
+    watch_ = events.WatchReadable(terminationPipe[0], [asked = std::move(asked)] {
         char bytes[16];
-        while (read(signalPipe[0], bytes, sizeof bytes) > 0) {
+        while (read(terminationPipe[0], bytes, sizeof bytes) > 0) {
         }
         asked();
     });
-    SetHandler(OnSignal);
+    SetHandler({SIGTERM, SIGINT, SIGHUP}, OnTermination);
 }
 
 TerminationSignals::~TerminationSignals() {
-    SetHandler(SIG_DFL);
+    SetHandler({SIGTERM, SIGINT, SIGHUP}, SIG_DFL);
     watch_.reset();
-    close(signalPipe[0]);
-    close(signalPipe[1]);
+    Close(terminationPipe);
+}
+
+PauseSignals::PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn) {
+    Open(pausePipe);
+    watch_ = events.WatchReadable(pausePipe[0], [pause = std::move(pause), goOn = std::move(goOn)] {
+        char signal = 0;
+        while (read(pausePipe[0], &signal, 1) == 1)
+            signal == SIGUSR1 ? pause() : goOn();
+    });
+    SetHandler({SIGUSR1, SIGUSR2}, OnPause);
+}
+
+PauseSignals::~PauseSignals() {
+    SetHandler({SIGUSR1, SIGUSR2}, SIG_DFL);
+    watch_.reset();
+    Close(pausePipe);
 }
 
 void IgnoreBrokenPipes() {

@@ -1,4 +1,4 @@
-// SIGTERM, SIGINT and SIGHUP as one event of the pump: somebody wants the program to end.
+// Signals as events of the pump: somebody wants the program to end, or its work to pause and to go on.
 #pragma once
 
 #include <functional>
@@ -10,12 +10,24 @@ namespace korvane {
 
 class TerminationSignals {
 public:
-    /// Calls `asked` from the event pump at each of the signals. One object at a time in a process; the signals have their default effect again
+    /// Calls `asked` from the event pump at each SIGTERM, SIGINT and SIGHUP. One object at a time in a process; the signals have their default effect again
     /// after its end. Throws Error when the system gives no pipe.
     TerminationSignals(Events& events, std::function<void()> asked);
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
+
+private:
+    std::unique_ptr<Events::Watch> watch_;
+};
+
+class PauseSignals {
+public:
+    /// Calls `pause` from the event pump at each SIGUSR1, `goOn` at each SIGUSR2, in the order in which they came. The rest as above.
+    PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn);
+    ~PauseSignals();
+    PauseSignals(const PauseSignals&) = delete;
+    PauseSignals& operator=(const PauseSignals&) = delete;
 
 private:
     std::unique_ptr<Events::Watch> watch_;

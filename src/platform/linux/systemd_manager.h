@@ -1,0 +1,90 @@
+// The service manager that is systemd: its notifications to the process that it started, its unit files, and its own commands for everything else.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+#include "platform/linux/default_program.h"
+#include "platform/linux/notify_socket.h"
+#include "platform/linux/program_runner.h"
+#include "platform/linux/systemd_unit.h"
+#include "platform/service_manager.h"
+
+namespace korvane {
+
+/// Where systemd keeps its things, and whose services these are.
+struct SystemdPlace {
+    UnitScope scope = UnitScope::User;
+    std::string unitFolder;                   ///< units of this user's own making
+    std::vector<std::string> otherFolders;    ///< where else units are, whose names are taken
+    std::vector<std::string> signsOfManager;  ///< files that are there while the manager runs
+    std::string lingerFile;                   ///< is there when the user's services run without a session; blank: they do
+};
+
+/// root installs services of the system, everybody else services of their own.
+SystemdPlace SystemdPlaceOfThisUser(const Environment& environment);
+
+/// What the manager told this process at its start, by the variables of sd_notify(3) and sd_watchdog_enabled(3).
+class SystemdGreeting {
+public:
+    /// `pid` is this process. Variables that a parent has passed on, and that speak to that parent, count for nothing.
+    SystemdGreeting(const Environment& environment, int pid);
+
+    /// The address of its socket, blank when it did not start this process.
+    const std::string& NotifyAddress() const { return notifyAddress_; }
+    std::optional<std::chrono::milliseconds> AliveInterval() const { return aliveInterval_; }
+
+private:
+    std::string notifyAddress_;
+    std::optional<std::chrono::milliseconds> aliveInterval_;
+};
+
+/// Takes the greeting out of this process's environment, so that what it starts does not take it for its own. Before any thread is started.
+void KeepGreetingFromChildren();
+
+class SystemdManager : public ServiceManager {
+public:
+    struct Ports {
+        Files& files;
+        RunProgram run;
+    };
+
+    SystemdManager(Ports ports, SystemdPlace place, const SystemdGreeting& greeting);
+
+    bool IsPresent() const override;
+
+    bool StartedThis() const override { return !greeting_.NotifyAddress().empty(); }
+    void Ready() override { notify_.Send("READY=1"); }
+    std::optional<std::chrono::milliseconds> AliveInterval() const override { return greeting_.AliveInterval(); }
+    void Alive() override { notify_.Send("WATCHDOG=1"); }
+    void Stopping() override { notify_.Send("STOPPING=1"); }
+    void Status(const std::string& text) override;
+
+    bool IsShuttingDown() override;
+    bool IsInstalled(const std::string& name) override;
+    ManagerAnswer Install(const std::string& name, const ServiceProgram& program) override;
+    ManagerAnswer Update(const std::string& name, const ServiceProgram& program) override;
+    ManagerAnswer Uninstall(const std::string& name, const std::string& home) override;
+    ManagerAnswer Start(const std::string& name) override;
+
+private:
+    std::string PathOf(const std::string& unit) const { return place_.unitFolder + "/" + unit; }
+    std::string OwnUnitText(const std::string& unit);
+    bool IsEnabled(const std::string& unit);
+    void CheckNameIsFree(const std::string& unit, const std::string& home);
+    ProgramResult Ask(std::vector<std::string> words, std::chrono::milliseconds limit);
+    void Order(std::vector<std::string> words, std::chrono::milliseconds limit = std::chrono::seconds(10));
+    void TryOrder(std::vector<std::string> words);
+    void EnableNew(const std::string& unit, const std::string& text);
+    std::string Linger(const std::string& unit, const std::string& text);
+
+    Ports ports_;
+    SystemdPlace place_;
+    SystemdGreeting greeting_;
+    NotifySocket notify_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,10 @@
+// The text of data/korvane.service.in, which the build puts into the program; packages make their unit from the same file.
+#pragma once
+
+#include <string_view>
+
+namespace korvane {
+
+extern const std::string_view kUnitTemplate;
+
+}  // namespace korvane

@@ -1,0 +1,82 @@
+// What the settings dialog does as its inputs change or get the focus.
+#include <QEvent>
+#include <QFocusEvent>
+#include <QLabel>
+#include <QPointer>
+#include <QRadioButton>
+#include <QTabWidget>
+
+#include "shell/desktop/frm_options.h"
+#include "shell/entry_hints.h"
+#include "shell/options_hints.h"
+#include "shell/options_proxy.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kTitle = "Korvane";
+
+}  // namespace
+
+void frmOptions::ConnectTyping() {
+    connect(proxy_->txtProxyName, &QLineEdit::textChanged, this, [this] {
+        if (!loading_) ProxyNameChanged();
+    });
+    // The label belongs to the number as it is, also while it is being loaded.
+    connect(monitoring_->txtGlobalRetryDuration, &QLineEdit::textChanged, this,
+            [this](const QString& seconds) { monitoring_->lblInterval->setText(Q(IntervalInMinutes(S(seconds)))); });
+    connect(restart_->ckReboot, &QCheckBox::toggled, this, [this](bool reboot) {
+        if (!loading_) RebootToggled(reboot);
+    });
+    const auto explain = [this](QRadioButton* choice, std::string_view text) {
+        connect(choice, &QRadioButton::toggled, this, [this, text](bool chosen) {
+            if (!loading_ && chosen) SetStatus(text);
+        });
+    };
+    explain(restart_->optRebootAny, kRestartsForAny);
+    explain(restart_->optRebootAll, kRestartsForAll);
+    connect(tabPages_, &QTabWidget::currentChanged, this, [this](int page) {
+        if (!loading_) SetStatus(HelpOnOptionsPage(S(tabPages_->tabText(page))));
+    });
+}
+
+// The message may outlive the dialog.
+void frmOptions::ProxyNameChanged() {
+    const QPointer<frmOptions> self = this;
+    proxyChanged_ = true;
+    if (LacksProxyScheme(S(proxy_->txtProxyName->text()))) desk_.person.ShowMessage(kTitle, std::string(kProxySchemeMessage));
+    if (self != nullptr) SetStatus(kProxyChangedHint);
+}
+
+void frmOptions::ShowChoices(bool reboot) {
+    restart_->optRebootAny->setVisible(reboot);
+    restart_->optRebootAll->setVisible(reboot);
+}
+
+void frmOptions::RebootToggled(bool reboot) {
+    ShowChoices(reboot);
+    SetStatus(reboot ? kRestartsThisMachine : kDoesNotRestart);
+}
+
+void frmOptions::WatchForHelp() {
+    for (QWidget* input : findChildren<QWidget*>()) {
+        const std::string_view help = HelpOnOptionsInput(S(input->objectName()));
+        if (help.empty()) continue;
+        input->setAccessibleDescription(Q(help));
+        input->installEventFilter(this);
+    }
+}
+
+// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was
+// about.
+bool frmOptions::IsNews(const QFocusEvent& event) const {
+    return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
+}
+
+bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn && IsNews(*static_cast<QFocusEvent*>(event)))
+        SetStatus(HelpOnOptionsInput(S(watched->objectName())));
+    return QDialog::eventFilter(watched, event);
+}
+
+}  // namespace korvane
