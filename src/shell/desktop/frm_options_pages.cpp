@@ -137,7 +137,7 @@ OptionsReportsPage::OptionsReportsPage(OptionsInputs& inputs, QWidget* parent) :
         }
     };
     QCheckBox* ckYellowAlert =
-        inputs.AddMark(&OptionsFields::bYellowAlert, "ckYellowAlert", "Play a sound when a server &fails", this);
+        inputs.AddMark(&OptionsFields::bYellowAlert, "ckYellowAlert", "Play a sound when a server fail&s", this);
     txtYellowAlertWav = inputs.AddBox(&OptionsFields::YellowAlertWav, "txtYellowAlertWav", "Wave file of the yellow alert", this);
     cmdYellowAlertWav = NewButton("cmdYellowAlertWav", "B&rowse...", "Browse for the sound of the yellow alert", this);
     cmdTestYellowAlert = NewButton("cmdTestYellowAlert", "&Play", "Play the sound of the yellow alert", this);
