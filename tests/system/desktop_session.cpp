@@ -120,6 +120,14 @@ void DesktopSession::Key(const std::string& keys) const {
     Ask("xdotool key --delay 20 " + keys);
 }
 
+bool DesktopSession::KeyUntil(const std::string& keys, const std::function<bool()>& condition) const {
+    for (int tries = 0; tries < 5; ++tries) {
+        Key(keys);
+        if (Waited(condition, 2s)) return true;
+    }
+    return false;
+}
+
 void DesktopSession::ClickTrayIcon(int button) const {
     const std::string middle = std::to_string(kTrayHeight / 2);
     Ask(std::string(kTray) + " mousemove --window %1 " + middle + " " + middle + " click " + std::to_string(button));
@@ -182,7 +190,10 @@ std::vector<std::string> DesktopSession::TaskBar() const {
     return Titles(Managed());
 }
 
+// The window manager names a window active a moment before the keyboard is its own.
 std::string DesktopSession::ActiveTitle() const {
+    const std::string active = Ask("xdotool getactivewindow");
+    if (active != Ask("xdotool getwindowfocus")) return "";
     const std::string title = Ask("xdotool getactivewindow getwindowname");
     return title.substr(0, title.find('\n'));
 }

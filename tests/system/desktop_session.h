@@ -32,6 +32,8 @@ public:
     void Type(const std::string& text) const;
     /// Keys one after another, with a blank between them, as "alt+f Return".
     void Key(const std::string& keys) const;
+    /// The same, again after two seconds without success: the window manager may not yet know to whom its own keys go.
+    bool KeyUntil(const std::string& keys, const std::function<bool()>& condition) const;
     /// A click on the only icon in the notification area.
     void ClickTrayIcon(int button = 1) const;
     /// As the task bar of a desktop would.

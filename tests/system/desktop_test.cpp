@@ -165,8 +165,7 @@ TEST_F(DesktopSystem, AnOperatorWorksByKeyboard) {
 
     // Hidden it goes on, until somebody looks at it again.
     for (const char* hide : {"ctrl+m", "alt+F4"}) {
-        session.Key(hide);
-        EXPECT_TRUE(session.WaitForNoWindow(kMain)) << hide;
+        EXPECT_TRUE(session.KeyUntil(hide, [&] { return session.WindowTitles().empty(); })) << hide;
         for (const std::string& title : session.TaskBar())
             EXPECT_EQ(title.find(kMain), std::string::npos) << hide;
         EXPECT_TRUE(Monitors(web));
@@ -239,8 +238,7 @@ TEST_F(DesktopSystem, StaysInTheTaskBarWithoutANotificationArea) {
     EXPECT_TRUE(session.Waited(minimised)) << program.Output();
     session.Activate(kMain);
     ASSERT_TRUE(session.WaitForWindow(kMain));
-    session.Key("alt+F4");
-    EXPECT_TRUE(session.Waited(minimised));
+    EXPECT_TRUE(session.KeyUntil("alt+F4", minimised));
     EXPECT_TRUE(Monitors(web));
     session.Activate(kMain);
     ASSERT_TRUE(session.WaitForWindow(kMain));

@@ -57,6 +57,11 @@ frmCommands::frmCommands(const Desk& desk, std::string connectionText, int listP
     Explain(rows_[0].txtSuccess);
 }
 
+// The focus still moves while the controls go, one after the other, and nobody is left to explain it.
+frmCommands::~frmCommands() {
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 QWidget* frmCommands::RuleRows() {
     auto* page = new QWidget(this);
     auto* grid = new QGridLayout(page);

@@ -22,6 +22,7 @@ class frmCommands : public QDialog {
 public:
     /// `id` is the entry's. `listPosition` is kept for whoever asks. Reading the rules stands still for 100 ms for each of them.
     frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent);
+    ~frmCommands() override;
 
     int ListPosition() const { return listPosition_; }
 

@@ -73,6 +73,11 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidg
     inputs_.Box(&GlobalEmailFields::strToList1)->setFocus();
 }
 
+// The focus still moves while the controls go, one after the other, and nobody is left to explain it.
+frmGlobalEmail::~frmGlobalEmail() {
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 QWidget* frmGlobalEmail::GlobalValues() {
     auto* group = new QGroupBox("Global values", this);
     QFormLayout& form = *NewGroup(group);

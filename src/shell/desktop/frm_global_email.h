@@ -19,6 +19,7 @@ class frmGlobalEmail : public QDialog {
 public:
     /// `monitors` must outlive this.
     frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidget* parent);
+    ~frmGlobalEmail() override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

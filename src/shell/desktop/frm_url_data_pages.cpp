@@ -53,6 +53,7 @@ DownTimesPage::DownTimesPage(EntryInputs& inputs, QWidget* parent) : QWidget(par
     layout->addSpacing(fontMetrics().height() / 2);
     auto* form = NewForm(this);
     layout->addLayout(form);
+    // The boxes are made in the order in which the keyboard goes through them.
     const auto add = [&](const QString& label, const char* labelName, QLineEdit* time, QLineEdit* minutes) {
         KeepShort(*time);
         KeepShort(*minutes);
@@ -60,10 +61,12 @@ DownTimesPage::DownTimesPage(EntryInputs& inputs, QWidget* parent) : QWidget(par
         row->addStretch();
         AddRow(*form, label, labelName, time, row);
     };
-    add("Down time &1 at:", "lblDownTime1", inputs.AddBox(&EntryFields::strDownTime1, "txtDownTime1", "Down time 1", this),
-        inputs.AddBox(&EntryFields::nDownDuration1, "txtDownDuration1", "Minutes of down time 1", this));
-    add("Down time &2 at:", "lblDownTime2", inputs.AddBox(&EntryFields::strDownTime2, "txtDownTime2", "Down time 2", this),
-        inputs.AddBox(&EntryFields::nDownDuration2, "txtDownDuration2", "Minutes of down time 2", this));
+    auto* time1 = inputs.AddBox(&EntryFields::strDownTime1, "txtDownTime1", "Down time 1", this);
+    auto* minutes1 = inputs.AddBox(&EntryFields::nDownDuration1, "txtDownDuration1", "Minutes of down time 1", this);
+    auto* time2 = inputs.AddBox(&EntryFields::strDownTime2, "txtDownTime2", "Down time 2", this);
+    auto* minutes2 = inputs.AddBox(&EntryFields::nDownDuration2, "txtDownDuration2", "Minutes of down time 2", this);
+    add("Down time &1 at:", "lblDownTime1", time1, minutes1);
+    add("Down time &2 at:", "lblDownTime2", time2, minutes2);
     layout->addStretch();
 }
 
