@@ -1,5 +1,5 @@
-// The desktop's autostart folder: a desktop entry for each program that it starts with the session, as "Desktop Application Autostart Specification" 0.5 and
-// "Desktop Entry Specification" of freedesktop.org have them.
+// The desktop's autostart folder: a desktop entry for each program that it starts with the session, as "Desktop Application
+// Autostart" 0.5 and "Desktop Entry" 1.5 of freedesktop.org have them.
 #pragma once
 
 #include <string>
