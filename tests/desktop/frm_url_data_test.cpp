@@ -76,7 +76,7 @@ TEST_F(FrmURLData, ATypeBringsItsTextsAndItsScreen) {
     ASSERT_EQ(Person().messages.size(), 1U);
     Pick("PING");
     EXPECT_EQ(Box("txtPort").text(), "ICMP");
-    EXPECT_EQ(Get<QLabel>("lblExpected").text(), "PING timeout in milliseconds:");
+    EXPECT_EQ(Get<QLabel>("lblExpected").text(), "PING tim&eout in milliseconds:");
     EXPECT_TRUE(Box("txtTimeout").isHidden() && Get<QLabel>("lblTimeout").isHidden() && Get<QLabel>("lblTimeoutUnit").isHidden());
     Pick("Other Port");
     EXPECT_EQ(Box("txtExpectedText").text(), "Welcome");

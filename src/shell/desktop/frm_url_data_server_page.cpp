@@ -30,6 +30,19 @@ void KeepWidthOf(QLabel& label, const QString& widest) {
     label.setMinimumWidth(label.fontMetrics().horizontalAdvance(widest));
 }
 
+// Letters that no other control of this page has. The labels change with the type, and each has one of them.
+constexpr const char* kAddressKeys = "WN";
+constexpr const char* kExpectedKeys = "E";
+
+/// The first of the keys that is in the label becomes its key.
+QString WithKey(QString label, const char* keys) {
+    for (const char* key = keys; *key != '\0'; ++key) {
+        const auto at = label.indexOf(QLatin1Char(*key), 0, Qt::CaseInsensitive);
+        if (at >= 0) return label.insert(at, '&');
+    }
+    return label;
+}
+
 }  // namespace
 
 ServerPage::ServerPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
@@ -132,9 +145,9 @@ void ServerPage::SetScreen(const EntryTypeScreen& screen) {
     if (screen.expectedEnabled) txtExpectedText->setEnabled(*screen.expectedEnabled);
     cmdTextToFind->setEnabled(txtExpectedText->isEnabled());
     form_->setRowVisible(timeoutRow_, screen.timeoutShown);
-    lblAddress->setText(Q(screen.addressLabel));
-    lblExpected->setText(Q(screen.expectedLabel));
-    txtExpectedText->setAccessibleName(lblExpected->text().remove(':'));
+    lblAddress->setText(WithKey(Q(screen.addressLabel), kAddressKeys));
+    lblExpected->setText(WithKey(Q(screen.expectedLabel), kExpectedKeys));
+    txtExpectedText->setAccessibleName(Q(screen.expectedLabel).remove(':'));
 }
 
 }  // namespace korvane
