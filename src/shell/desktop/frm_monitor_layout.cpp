@@ -20,7 +20,7 @@ constexpr QSize kFirstSize{980, 640};
 constexpr QSize kLeastSize{221, 336};
 
 /// The width of each column in characters, until somebody draws it to another.
-constexpr int kColumnCharacters[column::Count] = {8, 13, 12, 16, 22, 12, 15, 13, 9, 16, 20, 26, 40};
+constexpr int kColumnCharacters[column::Count] = {8, 16, 12, 16, 22, 12, 15, 13, 9, 16, 24, 26, 40};
 
 template <class Widget>
 Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
