@@ -118,8 +118,8 @@ OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID) {
     last.Try([&] { row->Close(); });
     last.Try([&] { connection->Close(); });
     if (!entry.found) TellMissingRow(desk, entry.strID);
-    const std::string why = last.Text().empty() ? "" : " " + last.Text();
-    desk.log.Info("Leaving Form_Load of frmURLData. Cur Err = " + std::to_string(last.Number()) + why);
+    if (!last.Text().empty()) desk.log.WriteLog(kLogFatal, kLogError, "Form_Load of frmURLData: " + last.Text());
+    desk.log.Info("Leaving Form_Load of frmURLData. Cur Err = " + std::to_string(last.Number()));
     return entry;
 }
 
