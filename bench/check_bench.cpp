@@ -48,7 +48,8 @@ public:
     std::string PublishReports() override { return ""; }
 };
 
-/// The program's own rooms on the real adapters, with a database on the disk of the temporary folder, without the timer of the cycle.
+/// The program's own rooms on the real adapters, with a database on the disk of the temporary folder, without the timer of the
+/// cycle.
 struct Machine {
     explicit Machine(int entries, const Entry& like) {
         person.keepOnlyCounts = true;
@@ -213,7 +214,8 @@ void HttpCheckProcess(benchmark::State& state) {
 }
 BENCHMARK(HttpCheckProcess)->UseManualTime()->Iterations(300);
 
-/// What the store and the accounts cost without any transfer: open, the due query over so many rows, DoSuccess with its durable Update, close.
+/// What the store and the accounts cost without any transfer: open, the due query over so many rows, DoSuccess with its durable
+/// Update, close.
 void StoreAndAccounts(benchmark::State& state) {
     Machine machine(static_cast<int>(state.range(0)), HttpEntry("80"));
     for (auto _ : state) {

@@ -1,5 +1,5 @@
-// The main window with 500 entries: a refresh of its list, alone and with the painting that follows, beside what the store needs to give the rows. On the platform
-// without a screen, where painting goes to memory.
+// The main window with 500 entries: a refresh of its list, alone and with the painting that follows, beside what the store needs
+// to give the rows. On the platform without a screen, where painting goes to memory.
 #include <benchmark/benchmark.h>
 
 #include <memory>

@@ -1,5 +1,5 @@
-// A full publish: 20 groups, and for each entry 26 hourly rows, 400 daily rows and 40 failures, all of whose pages are written. Times are those of
-// the wall; the folder lies in memory (/dev/shm) unless KORVANE_BENCH_FOLDER names one on a disk.
+// A full publish: 20 groups, and for each entry 26 hourly rows, 400 daily rows and 40 failures, all of whose pages are written.
+// Times are those of the wall; the folder lies in memory (/dev/shm) unless KORVANE_BENCH_FOLDER names one on a disk.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -136,8 +136,8 @@ void FullPublish(benchmark::State& state, bool hourBegins) {
 BENCHMARK_CAPTURE(FullPublish, WithinTheHour, false)->Arg(50)->Arg(500)->Arg(5000)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FullPublish, AsTheHourBegins, true)->Arg(500)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-/// A year of 500 entries that begins with none of their rows: a publish each evening and, on the last day, each hour; a failure of each entry in nine days. What
-/// is timed is the compaction at its end.
+/// A year of 500 entries that begins with none of their rows: a publish each evening and, on the last day, each hour; a failure
+/// of each entry in nine days. What is timed is the compaction at its end.
 void CompactionAfterAYear(benchmark::State& state) {
     NeedQtApplication();
     const PublishFolder folder;

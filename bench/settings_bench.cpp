@@ -1,5 +1,6 @@
-// The cost of the settings file: a Save of all entries into a new file, over itself and over changed values, reading them back, and one id. Files
-// are in memory, so that no disk is in the figures, but for NewIdOnDisk, whose file is in /dev/shm; entries have all their 27 keys.
+// The cost of the settings file: a Save of all entries into a new file, over itself and over changed values, reading them back,
+// and one id. Files are in memory, so that no disk is in the figures, but for NewIdOnDisk, whose file is in /dev/shm; entries
+// have all their 27 keys.
 #include <benchmark/benchmark.h>
 
 #include "platform/linux/linux_files.h"

@@ -1,4 +1,5 @@
-// How fast a virtual day goes by: 500 entries at the pace that one check a second allows (ten minutes), on a real database in memory.
+// How fast a virtual day goes by: 500 entries at the pace that one check a second allows (ten minutes), on a real database in
+// memory.
 #include <benchmark/benchmark.h>
 
 #include "engine/engine_world.h"

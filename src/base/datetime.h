@@ -67,11 +67,13 @@ private:
 };
 
 /// A moment as a person or an old file writes it: "23:30", "9:05:30 pm", "9 AM", "11/21/2026", "11/21/2026 3:04:05 PM",
-/// "2026-11-21 15:04:05". A time alone belongs to 30 December 1899, the day zero of the files this format comes from. Throws TypeMismatchError for any other text.
+/// "2026-11-21 15:04:05". A time alone belongs to 30 December 1899, the day zero of the files this format comes from. Throws
+/// TypeMismatchError for any other text.
 DateTime ParseDateTime(std::string_view text);
 
 /// The moment between "#" marks in a query: "11/21/2026 3:04:05 PM". The text is cut together from the date and from what follows
-/// the first blank of Text(); at exactly midnight there is no blank and it throws Error, so that the tick that asked ends and the next one goes on.
+/// the first blank of Text(); at exactly midnight there is no blank and it throws Error, so that the tick that asked ends and the
+/// next one goes on.
 std::string QueryDate(DateTime when);
 
 }  // namespace korvane

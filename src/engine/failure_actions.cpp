@@ -17,7 +17,8 @@ constexpr seconds kLookAhead{360};
 
 constexpr int kUnused = 0;
 
-// The words of the mails and of the list in the `Failures` row, mistakes and double blanks included: people filter their mail by them.
+// The words of the mails and of the list in the `Failures` row, mistakes and double blanks included: people filter their mail by
+// them.
 constexpr const char* kLine = "\r\n";
 constexpr const char* kParagraph = "\r\n\r\n";
 

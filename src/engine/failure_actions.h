@@ -1,4 +1,5 @@
-// What follows from an outage and from its end, once each: the mail to the people of the entry, the trace of the road to the server, the entry's own command.
+// What follows from an outage and from its end, once each: the mail to the people of the entry, the trace of the road to the
+// server, the entry's own command.
 #pragma once
 
 #include <string>
@@ -32,8 +33,8 @@ public:
 
     explicit ServerActions(const Ports& ports) : ports_(ports) {}
 
-    /// In this order: mail, trace, command. A mail that nobody takes stops neither of the others. An error in the row or the store ends it with a status line
-    /// and a log line; what was done until then stays done and stands in the result.
+    /// In this order: mail, trace, command. A mail that nobody takes stops neither of the others. An error in the row or the
+    /// store ends it with a status line and a log line; what was done until then stays done and stands in the result.
     std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) override;
 
     /// The mail with the trace of the failure, then the up command. What cannot be read is blank, and the rest goes on.

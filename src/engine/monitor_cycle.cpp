@@ -393,7 +393,8 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
     return false;
 }
 
-// After a failure the row keeps its pending changes, and to move on in the result would try to write them again: the tick is over then.
+// After a failure the row keeps its pending changes, and to move on in the result would try to write them again: the tick is over
+// then.
 bool MonitorCycle::UpdateRow(Tick& tick) {
     Step("Update record");
     try {

@@ -1,5 +1,5 @@
-// The heart of the monitor. Each tick of a one-second timer either counts down a sleep or checks exactly one entry, the one that is
-// due soonest, and writes the outcome back. There is no queue: the next tick looks again.
+// The heart of the monitor. Each tick of a one-second timer either counts down a sleep or checks exactly one entry, the one that
+// is due soonest, and writes the outcome back. There is no queue: the next tick looks again.
 #pragma once
 
 #include <cstdint>
@@ -85,7 +85,8 @@ private:
     CycleState& state_;
 };
 
-/// The minutes from one moment to another as the clock face shows them: the seconds of both are cut off. Negative when `to` is earlier.
+/// The minutes from one moment to another as the clock face shows them: the seconds of both are cut off. Negative when `to` is
+/// earlier.
 std::int64_t MinutesBetween(DateTime from, DateTime to);
 
 }  // namespace korvane

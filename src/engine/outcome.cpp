@@ -88,7 +88,8 @@ void OutcomeAccounting::ForgetActions(Recordset& rs) {
     actedOnRecovery_.erase(id);
 }
 
-// How far into the past the interval starts: up to a second for each row that was due, so that entries that are checked one after the other spread out.
+// How far into the past the interval starts: up to a second for each row that was due, so that entries that are checked one after
+// the other spread out.
 seconds OutcomeAccounting::Stagger(int recordCount) {
     const double fraction = std::uniform_real_distribution<double>(0.0, 1.0)(random_);
     return seconds(RoundHalfEven(fraction * recordCount));
@@ -137,7 +138,8 @@ void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::st
     }
 }
 
-// The counters and their row stand or fall together: a program that is killed between the two must not leave one without the other.
+// The counters and their row stand or fall together: a program that is killed between the two must not leave one without the
+// other.
 void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNote& note) {
     owed_ = note;
     conn.BeginTrans();

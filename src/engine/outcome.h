@@ -1,6 +1,6 @@
-// The accounts of an entry: what one finished check does to its row. An entry is "UP" after any success, "Failing" for fewer than `nTries`
-// failures in a row, "DOWN" from the `nTries`-th on; that failure exactly fires the failure actions, the success after it the recovery
-// actions; and the time of the next check is chosen here.
+// The accounts of an entry: what one finished check does to its row. An entry is "UP" after any success, "Failing" for fewer than
+// `nTries` failures in a row, "DOWN" from the `nTries`-th on; that failure exactly fires the failure actions, the success after
+// it the recovery actions; and the time of the next check is chosen here.
 #pragma once
 
 #include <chrono>
@@ -45,15 +45,16 @@ public:
     /// step of DoSuccess leaves the other steps in force.
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
-    /// Adds a row to `Failures` too, in one transaction with the entry's row. An error ends it with a status line; what was written so far stays
-    /// pending in `rs`, and if it reaches the store all the same, AddOwedFailureRow is to follow.
+    /// Adds a row to `Failures` too, in one transaction with the entry's row. An error ends it with a status line; what was
+    /// written so far stays pending in `rs`, and if it reaches the store all the same, AddOwedFailureRow is to follow.
     void DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
-    /// The `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing when none is owed. Store
-    /// errors are the caller's.
+    /// The `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing when none is
+    /// owed. Store errors are the caller's.
     void AddOwedFailureRow(Recordset& rs, Connection& conn);
 
-    /// Before each entry: the stagger of the next checks is random and reseeded from the clock, and what an earlier entry was owed is over.
+    /// Before each entry: the stagger of the next checks is random and reseeded from the clock, and what an earlier entry was
+    /// owed is over.
     void BeginEntry(std::uint32_t seed) {
         random_.seed(seed);
         owed_.reset();
@@ -83,7 +84,8 @@ private:
     std::minstd_rand random_;
     std::optional<FailureNote> owed_;  ///< counted by nobody yet, or counted without its row
 
-    // What was done for an entry whose row could not be written since: the store does not know of it, and it must not be done again at each check. By `ID`.
+    // What was done for an entry whose row could not be written since: the store does not know of it, and it must not be done
+    // again at each check. By `ID`.
     std::map<std::int64_t, std::string> actedOnOutage_;  ///< strAction
     std::set<std::int64_t> actedOnRecovery_;
 };

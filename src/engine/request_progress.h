@@ -1,4 +1,5 @@
-// The estimate that the operator sees while a page is being fetched: the bar fills in a little more than the entry's average time.
+// The estimate that the operator sees while a page is being fetched: the bar fills in a little more than the entry's average
+// time.
 #pragma once
 
 #include "engine/cycle_state.h"

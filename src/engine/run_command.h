@@ -19,7 +19,8 @@ public:
 
     explicit CommandRunner(const Ports& ports) : ports_(ports) {}
 
-    /// Starts the command line and returns at once; whether it started stands on the status line and in the log. Never tries again. Throws nothing.
+    /// Starts the command line and returns at once; whether it started stands on the status line and in the log. Never tries
+    /// again. Throws nothing.
     void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle);
 
 private:

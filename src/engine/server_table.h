@@ -1,4 +1,5 @@
-// The vocabulary of a server entry: status words, the table of server types, and the queries by which the engine walks the table `Servers`.
+// The vocabulary of a server entry: status words, the table of server types, and the queries by which the engine walks the table
+// `Servers`.
 #pragma once
 
 #include <span>

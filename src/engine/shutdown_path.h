@@ -7,7 +7,8 @@
 
 namespace korvane {
 
-/// The first of the places where distributions keep it that exists; the usual one when none does. Looks at the disk, throws nothing.
+/// The first of the places where distributions keep it that exists; the usual one when none does. Looks at the disk, throws
+/// nothing.
 std::string getShudownEXEPath(Files& files);
 
 }  // namespace korvane

@@ -1,7 +1,8 @@
 // Connects to a host and port and plays a short scripted conversation: the check of every server type but HTTP, HTTPS and PING.
 //
-// The script is one text with elements between commas, no quoting. Elements at even places are texts to wait for, elements at odd places lines to
-// send: "220,QUIT,221" waits for "220", sends QUIT, waits for "221". A blank script is content with the connection.
+// The script is one text with elements between commas, no quoting. Elements at even places are texts to wait for, elements at odd
+// places lines to send: "220,QUIT,221" waits for "220", sends QUIT, waits for "221". A blank script is content with the
+// connection.
 #pragma once
 
 #include <chrono>
@@ -31,8 +32,8 @@ public:
 
     explicit TcpChecker(const Ports& ports);
 
-    /// Waits through the event pump: half of `nTimeout` to resolve and connect together, then just over 20 seconds for each reply. A
-    /// second conversation while one is running fails with a reason.
+    /// Waits through the event pump: half of `nTimeout` to resolve and connect together, then just over 20 seconds for each
+    /// reply. A second conversation while one is running fails with a reason.
     CheckResult DoTCPRequest(const std::string& strServer, const std::string& strExpected, std::chrono::seconds nTimeout,
                              const std::string& strPort);
 

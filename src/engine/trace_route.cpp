@@ -15,8 +15,8 @@ constexpr const char* kHeading =
     "The following is the tracert run right after the server failure:\r\n"
     "-------------------------------\r\n";
 
-// The program of the system that is there, the first one in the end so that the file names what is missing. Both end by themselves unless the
-// names of the hops are looked up at a name server that is silent, too.
+// The program of the system that is there, the first one in the end so that the file names what is missing. Both end by
+// themselves unless the names of the hops are looked up at a name server that is silent, too.
 constexpr const char* kTracer = "timeout 300 $(command -v traceroute || command -v tracepath || echo traceroute)";
 
 /// As one word of the shell, whatever is in it.
@@ -50,7 +50,8 @@ void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
 std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int64_t id) {
     const std::string script = FileOf(id, ".bat");
     const std::string output = Quoted(GetTracertFile(id));
-    // An earlier trace that still runs keeps the file that is removed, and writes into nobody else's. "--": what follows is a host and no option.
+    // An earlier trace that still runs keeps the file that is removed, and writes into nobody else's. "--": what follows is a
+    // host and no option.
     const std::string line = "rm -f " + output + "; " + kTracer + " -- " + Quoted(HostOf(strAddress)) + " > " + output + " 2>&1";
     try {
         ports_.files.CreateFolder(folder_);

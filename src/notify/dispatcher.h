@@ -60,11 +60,10 @@ public:
     Dispatcher(const Ports& ports, Options options);
 
     /// One message to everybody in `strTo1` and `strTo2`, one mail each. False with the reason in `strError` at the first
-    /// recipient whose mail was refused; those after
-    /// it get none. A login name in `strUser` chooses clsEsmtp, a blank one the plain mailer. `strTo1`, `strTo2`, `strFrom`
-    /// and `strSubject` are left as they
-    /// were used. A call from an event of a running one fails with a reason, at every server: whoever notifies from a timer of
-    /// its own keeps the message and tries again. Waits as the mailers do. Throws nothing.
+    /// recipient whose mail was refused; those after it get none. A login name in `strUser` chooses clsEsmtp, a blank one the
+    /// plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are left as they were used. A call from an event of a running
+    /// one fails with a reason, at every server: whoever notifies from a timer of its own keeps the message and tries again.
+    /// Waits as the mailers do. Throws nothing.
     bool SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject, std::string& strBody,
                    const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
                    std::string& strPopHost, std::string& strError);
@@ -78,9 +77,8 @@ public:
     SendOutcome SendWithBackup(const Notification& notification,
                                const std::function<void(const std::string& strError)>& primaryFailed = {});
 
-    /// The operator's test, asked for and answered in boxes: through the primary server and, where one is set, through the
-    /// backup too. `done` gets true when every
-    /// send that was tried succeeded, false when one failed or the operator said no.
+    /// The operator's test, asked for and answered in boxes: through the primary server and, where one is set, through the backup
+    /// too. `done` gets true when every send that was tried succeeded, false when one failed or the operator said no.
     void TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
                    const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
                    const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done);

@@ -73,10 +73,8 @@ public:
     void Reset();
 
     /// True only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may still
-    /// tell of a login that failed on the
-    /// way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each POP reply, and 60 for each piece
-    /// that the socket does not
-    /// get rid of. Throws nothing.
+    /// tell of a login that failed on the way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each
+    /// POP reply, and 60 for each piece that the socket does not get rid of. Throws nothing.
     bool SendMail();
 
     /// The first four characters of the reply that arrived last.

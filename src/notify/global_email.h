@@ -14,10 +14,8 @@ public:
     clsGlobalEmail(Files& files, const std::string& dir) : files_(files), path_(dir + "/GlobalEmail.dat") {}
 
     /// Reads the file into the four texts. An item ends at a comma or a line end, leading blanks are dropped and double quotes
-    /// delimit it, so a list joined by commas is
-    /// cut at the first of them. Items without a known key are passed over. Without a file, or with one that cannot be read,
-    /// the texts
-    /// stay as they are.
+    /// delimit it, so a list joined by commas is cut at the first of them. Items without a known key are passed over. Without a
+    /// file, or with one that cannot be read, the texts stay as they are.
     void OpenFile();
 
     /// Writes the four texts, a line each, replacing the file. What could not be written is reported by nothing.

@@ -151,9 +151,8 @@ bool PlainMailer::Quit() {
     return true;
 }
 
-// The first three characters of what has arrived since the last look count: the first line of several passes, and the lines
-// that come later
-// stand as the reply to the next command.
+// The first three characters of what has arrived since the last look count: the first line of several passes, and the lines that
+// come later stand as the reply to the next command.
 bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     const ReplyLimit limit(ports_.clock, kReplyLimit);
     while (reply_.empty()) {

@@ -1,6 +1,5 @@
-// The older way to send a mail: SMTP (RFC 5321) without a login, one reply for each command. It serves every server that has
-// no login name,
-// which is the ordinary case. Its order of headers, the case of its commands and its limits are its own.
+// The older way to send a mail: SMTP (RFC 5321) without a login, one reply for each command. It serves every server that has no
+// login name, which is the ordinary case. Its order of headers, the case of its commands and its limits are its own.
 #pragma once
 
 #include <cstddef>
@@ -36,10 +35,9 @@ public:
     PlainMailer(const PlainMailer&) = delete;
     PlainMailer& operator=(const PlainMailer&) = delete;
 
-    /// Whether the server took the mail; if not, `strError` tells why. Line ends in addresses, names and subject become
-    /// blanks. With `strBoundary` not blank the
-    /// headers of a multipart are added and its sentence put behind the body. Waits through the event pump, up to 21 seconds
-    /// for each reply and 61 for each piece of the body. One mail at a time.
+    /// Whether the server took the mail; if not, `strError` tells why. Line ends in addresses, names and subject become blanks.
+    /// With `strBoundary` not blank the headers of a multipart are added and its sentence put behind the body. Waits through the
+    /// event pump, up to 21 seconds for each reply and 61 for each piece of the body. One mail at a time.
     bool SendPlainMail(const std::string& strToAddress, const std::string& strToName, const std::string& strFromName,
                        const std::string& strFromAddress, const std::string& strSubject, const std::string& strBody,
                        const std::string& strServer, const std::string& strZone, std::string& strError,

@@ -1,6 +1,7 @@
-// Port: the store, by its two objects. A Connection and a Recordset are opened for one piece of work and closed at its
-// end. Nothing in the store stays locked while a Recordset is merely open: its keys or rows are read when it is opened.
-// All operations may block on the disk for milliseconds (up to a second when another process holds the file), and throw Error with a description.
+// Port: the store, by its two objects. A Connection and a Recordset are opened for one piece of work and closed at its end.
+// Nothing in the store stays locked while a Recordset is merely open: its keys or rows are read when it is opened. All operations
+// may block on the disk for milliseconds (up to a second when another process holds the file), and throw Error with a
+// description.
 #pragma once
 
 #include <functional>
@@ -26,8 +27,8 @@ public:
     /// Closing a closed connection does nothing.
     virtual void Close() = 0;
 
-    /// What is changed from here to CommitTrans becomes durable together; a crash in between leaves none of it. Not nested, and never held across a wait
-    /// for anything but the disk. Closing the connection drops it.
+    /// What is changed from here to CommitTrans becomes durable together; a crash in between leaves none of it. Not nested, and
+    /// never held across a wait for anything but the disk. Closing the connection drops it.
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
 
@@ -43,9 +44,9 @@ enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime }
 
 /// The rows of one query with a cursor on one of them.
 ///
-/// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row reads that
-/// column of some rows ahead. Static: a copy of the rows as they were
-/// at Open. Rows of a query of the form "SELECT * from <one table> ..." can be changed in both.
+/// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row
+/// reads that column of some rows ahead. Static: a copy of the rows as they were at Open. Rows of a query of the form "SELECT *
+/// from <one table> ..." can be changed in both.
 ///
 /// A changed field is pending: this Recordset reads the new value, everybody else the old one, until Update. Moving on
 /// with pending changes updates first; Close drops them.
@@ -71,9 +72,9 @@ public:
     /// `source` is an SQL text in which #month/day/year time# marks a moment. The connection must be open and outlive this.
     virtual void Open(std::string_view source, Connection& connection, CursorType cursor, LockType lock) = 0;
 
-    /// The name in any case. Throws when the column does not exist or there is no current row. Writing converts to the column's kind:
-    /// texts that are no number throw TypeMismatchError, numbers beyond a 16- or 32-bit column OverflowError;
-    /// blank is always accepted, and the empty text counts as blank for dates.
+    /// The name in any case. Throws when the column does not exist or there is no current row. Writing converts to the column's
+    /// kind: texts that are no number throw TypeMismatchError, numbers beyond a 16- or 32-bit column OverflowError; blank is
+    /// always accepted, and the empty text counts as blank for dates.
     Field Fields(std::string_view name) { return Field(*this, name); }
 
     /// The exact number of rows.
@@ -86,8 +87,8 @@ public:
     /// A new row becomes current; Update adds it to the store and to the result.
     virtual void AddNew() = 0;
 
-    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws when the row is gone; the changes
-    /// stay pending after an error. Without changes it does nothing.
+    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws when the row is gone; the
+    /// changes stay pending after an error. Without changes it does nothing.
     virtual void Update() = 0;
 
     /// Removes the current row from the store, durably. The cursor stays before the next row: MoveNext goes there.
@@ -108,16 +109,17 @@ public:
     virtual std::unique_ptr<Connection> NewConnection() = 0;
     virtual std::unique_ptr<Recordset> NewRecordset() = 0;
 
-    /// Looks through the database `file` for damage, writes a compact copy of it to `copy`, in place of what bore that name, calls
-    /// `copied` when that is on the disk, and then compacts `file` itself in one transaction. Nobody else gets at it meanwhile. Both
-    /// have the same rows. A crash in between leaves the file as it was or compacted, and everybody who has it open can go on.
-    /// Needs room for two more copies, and blocks for seconds with a large file.
+    /// Looks through the database `file` for damage, writes a compact copy of it to `copy`, in place of what bore that name,
+    /// calls `copied` when that is on the disk, and then compacts `file` itself in one transaction. Nobody else gets at it
+    /// meanwhile. Both have the same rows. A crash in between leaves the file as it was or compacted, and everybody who has it
+    /// open can go on. Needs room for two more copies, and blocks for seconds with a large file.
     ///
     /// Throws Error as Connection::Open does, "... is damaged: ..." for a damaged file, for a full disk, for a file that somebody
     /// else is using, and what `copied` throws. `file` is then as it was, and a copy that `copied` did not take away is gone.
     virtual void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) = 0;
 
-    /// Lets go of everything that is kept ready between two pieces of work: until the next Connection nothing of the store is open in this process.
+    /// Lets go of everything that is kept ready between two pieces of work: until the next Connection nothing of the store is
+    /// open in this process.
     virtual void Rest() {}
 };
 

@@ -1,5 +1,5 @@
-// Port: the event pump of the one thread. Timers, sockets, signals and window commands are delivered only inside its
-// calls, so a routine that waits through it keeps the rest of the program alive, and a routine that does not call it is never interrupted.
+// Port: the event pump of the one thread. Timers, sockets, signals and window commands are delivered only inside its calls, so a
+// routine that waits through it keeps the rest of the program alive, and a routine that does not call it is never interrupted.
 #pragma once
 
 #include <chrono>
@@ -28,8 +28,8 @@ public:
         virtual ~Watch() = default;
     };
 
-    /// Calls `readable` from the pump whenever the descriptor can be read (level-triggered). For adapters that bring descriptors of their own;
-    /// the descriptor must outlive the watch. The rooms do not use it.
+    /// Calls `readable` from the pump whenever the descriptor can be read (level-triggered). For adapters that bring descriptors
+    /// of their own; the descriptor must outlive the watch. The rooms do not use it.
     virtual std::unique_ptr<Watch> WatchReadable(int descriptor, std::function<void()> readable) = 0;
 };
 

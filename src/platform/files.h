@@ -1,4 +1,5 @@
-// Port: files and folders. Small whole-file operations that either happen or report why not; nothing here blocks longer than the disk does.
+// Port: files and folders. Small whole-file operations that either happen or report why not; nothing here blocks longer than the
+// disk does.
 #pragma once
 
 #include <cstdint>
@@ -42,14 +43,15 @@ public:
     /// Copies in one step, as Replace does; the copy of a database gets the mode 0600 too. Throws Error.
     virtual void Copy(const std::string& from, const std::string& to) = 0;
 
-    /// As Replace for a page that can be made again: whoever looks sees the old text or the new one, but after a power cut it may be gone. A new file can be
-    /// read by everybody (0644). Throws Error.
+    /// As Replace for a page that can be made again: whoever looks sees the old text or the new one, but after a power cut it may
+    /// be gone. A new file can be read by everybody (0644). Throws Error.
     virtual void Publish(const std::string& path, std::string_view text) = 0;
 
     /// No error when there is none. Throws Error.
     virtual void Remove(const std::string& path) = 0;
 
-    /// `from` takes the place of `to` in one step, both on the same disk, and is on the disk when this returns. Throws Error and leaves both as they were.
+    /// `from` takes the place of `to` in one step, both on the same disk, and is on the disk when this returns. Throws Error and
+    /// leaves both as they were.
     virtual void Rename(const std::string& from, const std::string& to) = 0;
 
     /// The names of what is in the folder and is no folder itself, in order. Throws Error.

@@ -23,7 +23,8 @@ class IcmpEcho {
 public:
     virtual ~IcmpEcho() = default;
 
-    /// Reads a dotted address as inet_addr(3) does; nothing when it is none (255.255.255.255 included). Names are never looked up.
+    /// Reads a dotted address as inet_addr(3) does; nothing when it is none (255.255.255.255 included). Names are never looked
+    /// up.
     virtual std::optional<Ipv4Address> InetAddr(std::string_view text) const = 0;
 
     /// Whether echoes can be sent. When the system refuses, the reason and what to allow are in `whyNot`.

@@ -25,11 +25,12 @@ public:
 
     virtual bool StillExecuting() const = 0;
 
-    /// Fetches the page and returns its whole text, in UTF-8, whatever the status code of the answer is. Blocks until the answer or
-    /// RequestTimeout while the event pump runs. Redirects are followed as a browser does; certificates are verified; no
+    /// Fetches the page and returns its whole text, in UTF-8, whatever the status code of the answer is. Blocks until the answer
+    /// or RequestTimeout while the event pump runs. Redirects are followed as a browser does; certificates are verified; no
     /// connection, name or session is kept from earlier transfers.
     ///
-    /// Throws TypeMismatchError when the answer is binary data, and Error with the reason in words for every failure; "Request cancelled" after Cancel.
+    /// Throws TypeMismatchError when the answer is binary data, and Error with the reason in words for every failure; "Request
+    /// cancelled" after Cancel.
     virtual std::string OpenURL(const Request& request) = 0;
 
     /// Ends the running transfer, if there is one: the OpenURL on the stack throws when control gets back to it.

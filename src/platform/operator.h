@@ -1,7 +1,6 @@
-// Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output.
-// No call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home
-// holds up the check or the mail
-// from whose events it was called.
+// Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output. No
+// call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home holds up
+// the check or the mail from whose events it was called.
 #pragma once
 
 #include <functional>
@@ -45,9 +44,8 @@ public:
     virtual void RefreshURLList() = 0;
     virtual void SetWaitCursor(bool wait) = 0;
 
-    /// Shows the message; several follow one another. While the program starts it waits until the message is closed,
-    /// afterwards it goes on at once. Without
-    /// a display it goes to standard error.
+    /// Shows the message; several follow one another. While the program starts it waits until the message is closed, afterwards
+    /// it goes on at once. Without a display it goes to standard error.
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
     /// The same for something that went wrong.
     virtual void ShowError(const std::string& title, const std::string& text) { ShowMessage(title, text); }

@@ -11,14 +11,11 @@ class Processes {
 public:
     virtual ~Processes() = default;
 
-    /// Starts a command line and returns at once with its process id, or 0 when the system gave none. The command reads
-    /// nothing, what it prints is dropped,
-    /// it outlives this program (unless a service manager ends it together with the service), and nothing of it is left behind
-    /// when it ends. A line with quotes, variables, pipes or
-    /// other signs of the shell goes to the shell; a plain one is started directly, so that a program that is not there throws
-    /// Error
-    /// with the reason; words that only a shell knows (cd, exec) are not there. `style` matters only where a program has a
-    /// window of its own.
+    /// Starts a command line and returns at once with its process id, or 0 when the system gave none. The command reads nothing,
+    /// what it prints is dropped, it outlives this program (unless a service manager ends it together with the service), and
+    /// nothing of it is left behind when it ends. A line with quotes, variables, pipes or other signs of the shell goes to the
+    /// shell; a plain one is started directly, so that a program that is not there throws Error with the reason; words that only
+    /// a shell knows (cd, exec) are not there. `style` matters only where a program has a window of its own.
     virtual int Shell(const std::string& command, WindowStyle style) = 0;
 
     /// What the person at this desk has for files with this extension ("htm", without a dot): the name of a desktop entry, or
@@ -26,9 +23,8 @@ public:
     virtual std::string DefaultProgram(const std::string& extension) = 0;
     bool HasDefaultProgram(const std::string& extension) { return !DefaultProgram(extension).empty(); }
 
-    /// Opens the page in the browser and returns at once. Throws Error with the reason when no browser could be started; that
-    /// the one that was started shows the
-    /// page is not known.
+    /// Opens the page in the browser and returns at once. Throws Error with the reason when no browser could be started; that the
+    /// one that was started shows the page is not known.
     virtual void OpenPage(const std::string& path) = 0;
 
     /// Opens the file in the text editor of the person at this desk and returns at once. Throws Error with the reason when

@@ -9,8 +9,8 @@
 
 namespace korvane {
 
-/// The clock of the day falls back to 0 at midnight, and a wait across midnight never ends by it. A second limit of 15 minutes, on the clock that
-/// only goes forward, keeps a silent server from holding up the program for good.
+/// The clock of the day falls back to 0 at midnight, and a wait across midnight never ends by it. A second limit of 15 minutes,
+/// on the clock that only goes forward, keeps a silent server from holding up the program for good.
 class ReplyLimit {
 public:
     ReplyLimit(const Clock& clock, std::chrono::seconds limit) : clock_(clock), limit_(limit.count()) { Restart(); }

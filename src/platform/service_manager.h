@@ -1,5 +1,5 @@
-// Port: the system's service manager. What it is told about this process when it was the one that started it, and how this program is made one of the services that
-// it keeps running.
+// Port: the system's service manager. What it is told about this process when it was the one that started it, and how this
+// program is made one of the services that it keeps running.
 #pragma once
 
 #include <chrono>
@@ -50,14 +50,16 @@ public:
     /// Whether a service of this program bears the name and starts by itself.
     virtual bool IsInstalled(const std::string& name) = 0;
 
-    /// From now on the service starts with the system, and again when it fails. It is not started now: this process holds the home that it needs. Refused
-    /// when it is installed already and when another service bears the name, which is left alone; after a refusal everything is as it was.
+    /// From now on the service starts with the system, and again when it fails. It is not started now: this process holds the
+    /// home that it needs. Refused when it is installed already and when another service bears the name, which is left alone;
+    /// after a refusal everything is as it was.
     virtual ManagerAnswer Install(const std::string& name, const ServiceProgram& program) = 0;
 
     /// An installed service of this home gets what `program` says now, from its next start on. Without one nothing happens.
     virtual ManagerAnswer Update(const std::string& name, const ServiceProgram& program) = 0;
 
-    /// Undoes Install, and ends the service when it runs and is not this process. Refused when there is no such service, or it is not that of this home.
+    /// Undoes Install, and ends the service when it runs and is not this process. Refused when there is no such service, or it is
+    /// not that of this home.
     virtual ManagerAnswer Uninstall(const std::string& name, const std::string& home) = 0;
 
     /// Starts an installed service without waiting for it. One that finds its home held tries again. Waits 3 s at most.

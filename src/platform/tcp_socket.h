@@ -1,5 +1,5 @@
-// Port: one TCP socket driven by events. Connect and SendData return at once; what becomes of them is seen in State and in the events,
-// which the event pump delivers.
+// Port: one TCP socket driven by events. Connect and SendData return at once; what becomes of them is seen in State and in the
+// events, which the event pump delivers.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +31,8 @@ public:
     struct Handlers {
         std::function<void()> dataArrival;  ///< GetData has something to give
         std::function<void()> close;        ///< the other side closed the connection
-        /// A connection attempt or a connection failed. `number` is Winsock's: 10060 timed out, 10061 refused, 11001 host not found.
+        /// A connection attempt or a connection failed. `number` is Winsock's: 10060 timed out, 10061 refused, 11001 host not
+        /// found.
         std::function<void(int number, const std::string& description)> error;
         std::function<void()> connect = {};  ///< the connection stands; comes before its first dataArrival
         /// The system took `sent` bytes of what SendData queued; `remaining` are still to go. Never from within SendData.
@@ -69,8 +70,8 @@ public:
     /// Queues the bytes; throws Error when the socket is not connected.
     virtual void SendData(std::string_view bytes) = 0;
 
-    /// The first `maxLength` bytes of what has arrived and was not taken yet; they stay. What has arrived is bounded (64 KiB or so): the rest waits with the
-    /// other side until some of it is taken.
+    /// The first `maxLength` bytes of what has arrived and was not taken yet; they stay. What has arrived is bounded (64 KiB or
+    /// so): the rest waits with the other side until some of it is taken.
     virtual std::string PeekData(std::size_t maxLength = kAll) const = 0;
 
     /// The same, and takes them.
@@ -79,7 +80,8 @@ public:
     /// Drops the connection or the attempt at once. The state is Closed afterwards; no event follows.
     virtual void Close() = 0;
 
-    /// The address of this end of the connection; without one the address that others reach this machine by, as far as it knows, else the loopback's.
+    /// The address of this end of the connection; without one the address that others reach this machine by, as far as it knows,
+    /// else the loopback's.
     virtual std::string LocalIP() const = 0;
     /// The name that this machine has given itself.
     virtual std::string LocalHostName() const = 0;

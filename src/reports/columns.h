@@ -1,5 +1,5 @@
-// Columns of a row as the pages show them: the columns hold what an operator typed or an old version left, so any may be blank, and one blank
-// must not cost a whole group its page.
+// Columns of a row as the pages show them: the columns hold what an operator typed or an old version left, so any may be blank,
+// and one blank must not cost a whole group its page.
 #pragma once
 
 #include <string>

@@ -12,8 +12,8 @@ class FailureReport {
 public:
     FailureReport(Store& store, ReportFolder& folder) : store_(store), folder_(folder) {}
 
-    /// Writes "failure<id>.htm". A server with more than 50 records keeps its 40 newest; the page of this run still shows all of them. A failure
-    /// ends the routine and is added to `strErr`.
+    /// Writes "failure<id>.htm". A server with more than 50 records keeps its 40 newest; the page of this run still shows all of
+    /// them. A failure ends the routine and is added to `strErr`.
     void PublishFailureReport(const std::string& id, const std::string& idCustomer, const std::string& strGroup,
                               Connection& connection, std::string& strErr);
 

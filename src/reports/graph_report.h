@@ -21,9 +21,9 @@ public:
 
     explicit GraphReports(const Ports& ports) : ports_(ports) {}
 
-    /// Write "hourly<id>.htm" (at most 26 rows) and "daily<id>.htm" (all rows, with "No Data" for days without one) for the server that `serverRecord` stands
-    /// on, newest first; the newest row is 200 pixels wide and the others relate to it. Raise nothing: a failure is said on the status line, and
-    /// the older page stays.
+    /// Write "hourly<id>.htm" (at most 26 rows) and "daily<id>.htm" (all rows, with "No Data" for days without one) for the
+    /// server that `serverRecord` stands on, newest first; the newest row is 200 pixels wide and the others relate to it. Raise
+    /// nothing: a failure is said on the status line, and the older page stays.
     void PublishHourlyResponseTimeReport(Connection& connection, Recordset& serverRecord);
     void PublishDailyResponseTimeReport(Connection& connection, Recordset& serverRecord);
 

@@ -1,5 +1,5 @@
-// The tables of the report pages, cell by cell. Other tools read these pages, so the mark-up stays as it has always been, in the order and with the
-// line ends of old, unclosed rows and attributes without quotes included.
+// The tables of the report pages, cell by cell. Other tools read these pages, so the mark-up stays as it has always been, in the
+// order and with the line ends of old, unclosed rows and attributes without quotes included.
 #pragma once
 
 #include <string>

@@ -36,9 +36,10 @@ public:
     /// `dir` is where templates, pictures and database are. Everything borrowed must outlive this.
     Reports(const Ports& ports, std::string dir);
 
-    /// Writes everything. `strErr` is blank when all went well, otherwise it tells what went wrong; a page that could not be written keeps its older
-    /// form, and the other groups are published all the same. `bQuiet` leaves the graph pages of an hour or day that goes on as they are. A call
-    /// from an event of a running publish does nothing and says so. Delivers events between groups and servers.
+    /// Writes everything. `strErr` is blank when all went well, otherwise it tells what went wrong; a page that could not be
+    /// written keeps its older form, and the other groups are published all the same. `bQuiet` leaves the graph pages of an hour
+    /// or day that goes on as they are. A call from an event of a running publish does nothing and says so. Delivers events
+    /// between groups and servers.
     void PublishReports(bool bQuiet, std::string& strErr);
 
     /// The page of all groups of a customer, or of one group.

@@ -18,8 +18,8 @@ constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
 /// The whole file, or the empty text when there is none or it can't be read.
 std::string ReadFileText(Files& files, const std::string& path);
 
-/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that worked; if
-/// not, `strReason` tells why.
+/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that
+/// worked; if not, `strReason` tells why.
 bool WriteFileText(Files& files, const std::string& path, std::string_view text, std::string& strReason);
 
 /// What stands in a page in place of [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]].
@@ -40,16 +40,19 @@ public:
     /// The group's folder inside it.
     std::string GroupFolder(const std::string& idCustomer, const std::string& strGroup) const;
 
-    /// The store takes names that differ only in case for one group: until the next call its folder is spelt as here, whichever of its servers asks.
+    /// The store takes names that differ only in case for one group: until the next call its folder is spelt as here, whichever
+    /// of its servers asks.
     void EnterGroup(const std::string& strGroup) { group_ = strGroup; }
 
     /// An existing folder, or one that can't be made, is no error here: the write that follows tells.
     void CreateFolder(const std::string& path);
 
-    /// The template with its placeholders replaced in their order; text that came in for one is searched for the next. Empty without the template.
+    /// The template with its placeholders replaced in their order; text that came in for one is searched for the next. Empty
+    /// without the template.
     std::string Merge(std::string_view templateFile, const PageContents& contents);
 
-    /// Throws Error with the path when the page can't be written, or when a name in it would lead it away from its place below "ReportPath".
+    /// Throws Error with the path when the page can't be written, or when a name in it would lead it away from its place below
+    /// "ReportPath".
     void Write(const std::string& path, const std::string& page);
     /// False also where there can be no such file.
     bool Exists(const std::string& path);

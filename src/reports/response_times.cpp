@@ -85,8 +85,8 @@ void ResponseTimes::SaveHour(Connection& connection, Recordset& serverRecord, do
     ports_.graphs.PublishHourlyResponseTimeReport(connection, serverRecord);
 }
 
-// Through a recordset of its own: what can't be written, because somebody has deleted the entry or has the store locked, must not stay pending in
-// the one that the caller moves on with.
+// Through a recordset of its own: what can't be written, because somebody has deleted the entry or has the store locked, must not
+// stay pending in the one that the caller moves on with.
 void ResponseTimes::BeginSession(Connection& connection, Recordset& serverRecord) {
     const auto rs = ports_.store.NewRecordset();
     rs->Open("SELECT * FROM Servers where ID = " + TextOf(serverRecord, "ID"), connection, CursorType::Keyset,
@@ -108,7 +108,8 @@ void ResponseTimes::DropOldHours(Connection& connection) {
     oldHoursGone_ = since;
 }
 
-// The stored value weighs as much as the hours that have gone, the new one as one hour, however often it is published within the hour.
+// The stored value weighs as much as the hours that have gone, the new one as one hour, however often it is published within the
+// hour.
 void ResponseTimes::SaveDay(Connection& connection, Recordset& serverRecord, double ave) {
     const DateTime now = ports_.clock.Now();
     const auto rows = ports_.store.NewRecordset();

@@ -144,8 +144,8 @@ void SummaryReport::Publish(const std::string& strGroup, Connection& connection,
     ports_.folder.EnsurePictures();
 }
 
-// Ahead of the rows and not with each of them, so that the disk is waited for a few times and not hundreds of times. Nothing else runs between the two
-// openings of the query, so their rows are the same.
+// Ahead of the rows and not with each of them, so that the disk is waited for a few times and not hundreds of times. Nothing else
+// runs between the two openings of the query, so their rows are the same.
 std::vector<bool> SummaryReport::SaveAverages(const std::string& query, Connection& connection) {
     const auto servers = ports_.store.NewRecordset();
     servers->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);

@@ -1,5 +1,5 @@
-// The page of a group: a row for each server, worst first, and the averages of those that are up. On the way each server's response times
-// are kept, and the failure page of one that failed lately is written anew.
+// The page of a group: a row for each server, worst first, and the averages of those that are up. On the way each server's
+// response times are kept, and the failure page of one that failed lately is written anew.
 #pragma once
 
 #include <string>
@@ -29,8 +29,9 @@ public:
 
     explicit SummaryReport(const Ports& ports) : ports_(ports) {}
 
-    /// Delivers events at least once for each server. A failure ends the page, whose older form stays, and is added to `strErr`. Servers that failed at `lastPublish` or
-    /// later get their failure page. `bQuiet`: graphs are written only when a new hour or day begins.
+    /// Delivers events at least once for each server. A failure ends the page, whose older form stays, and is added to `strErr`.
+    /// Servers that failed at `lastPublish` or later get their failure page. `bQuiet`: graphs are written only when a new hour or
+    /// day begins.
     void PublishSummaryReport(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet,
                               DateTime lastPublish);
 

@@ -1,4 +1,5 @@
-// The small text file in which a resource monitor keeps its settings: a line for each key, and the values as text, whatever they stand for.
+// The small text file in which a resource monitor keeps its settings: a line for each key, and the values as text, whatever they
+// stand for.
 #pragma once
 
 #include <cstddef>
@@ -17,8 +18,9 @@ class AlertSettings {
 public:
     virtual ~AlertSettings() = default;
 
-    /// Reads the file. A key may stand anywhere in its line, in its own upper and lower case; the value is what follows the first "=" of the line. Lines without a
-    /// key are passed over, and the last line of a key counts. What the file does not name stays as it is, and so does everything when it can't be read.
+    /// Reads the file. A key may stand anywhere in its line, in its own upper and lower case; the value is what follows the first
+    /// "=" of the line. Lines without a key are passed over, and the last line of a key counts. What the file does not name stays
+    /// as it is, and so does everything when it can't be read.
     virtual void OpenFile();
 
     /// Writes the file anew. What could not be written is reported by nothing.

@@ -21,7 +21,8 @@ public:
         AlertSettings::OpenFile();
     }
 
-    /// The names of the services as the system has them, never null. The list that is set is shared with the caller, not copied, and must not be null.
+    /// The names of the services as the system has them, never null. The list that is set is shared with the caller, not copied,
+    /// and must not be null.
     const SvcList& getSvcList() const { return services_; }
     void setSvcList(SvcList services) { services_ = std::move(services); }
 

@@ -1,6 +1,5 @@
 // The one executable. Where there is a display it loads the windows, which are a part of their own beside it, so that a start
-// without one needs no desktop
-// library and no memory for it.
+// without one needs no desktop library and no memory for it.
 #include <dlfcn.h>
 
 #include <QCoreApplication>

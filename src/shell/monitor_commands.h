@@ -31,9 +31,8 @@ public:
     /// copied.
     std::string CopyURL(const std::string& id);
 
-    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected,
-    /// and the operator is told. `answered` is
-    /// called behind what the answer led to.
+    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected, and
+    /// the operator is told. `answered` is called behind what the answer led to.
     void DeleteURL(
         const std::string& id, const std::string& name, const std::function<void()>& answered = [] {});
 

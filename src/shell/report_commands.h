@@ -24,9 +24,8 @@ public:
     /// `dir` is where the database is. Everything borrowed must outlive this.
     ReportCommands(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {}
 
-    /// Opens the page of a group, or of all groups of the customer when `strGroup` is blank; publishes first when it is not
-    /// there yet. A person
-    /// without a browser is told so.
+    /// Opens the page of a group, or of all groups of the customer when `strGroup` is blank; publishes first when it is not there
+    /// yet. A person without a browser is told so.
     void DisplayReport(const std::string& idCustomer, const std::string& strGroup);
 
     /// Publishes, quietly when the database can be opened, and shows the page of customer 0.

@@ -88,21 +88,18 @@ public:
     enum class Started { Running, SecondInstance, CannotGoOn };
 
     /// The whole start in its fixed order, messages included. After Running the first timer is armed; after anything else the
-    /// program must end
-    /// with status 1, and what there was to say has been said.
+    /// program must end with status 1, and what there was to say has been said.
     Started StartUp();
 
-    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is
-    /// kept, and the caller looks
-    /// at ExitAsked when StartUp has returned.
+    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is kept,
+    /// and the caller looks at ExitAsked when StartUp has returned.
     bool MayExit();
     /// The start can't go on and tells so: there is nothing to save, and the process may end at any time, with status 1.
     bool OnlyTelling() const { return onlyTelling_; }
     bool ExitAsked() const { return exitAsked_; }
 
     /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is
-    /// under way is
-    /// abandoned, and its row stays as it was and due.
+    /// under way is abandoned, and its row stays as it was and due.
     void mnuExit_Click();
 
     void cmdStopStart() { stopStart_.cmdStopStart(); }

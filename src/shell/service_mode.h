@@ -1,5 +1,5 @@
-// How the program comes back by itself: as a service of the system's manager, or from the desktop's startup group. What the manager asks of a running service, and
-// what the operator sets in the tray's menu and the settings dialog.
+// How the program comes back by itself: as a service of the system's manager, or from the desktop's startup group. What the
+// manager asks of a running service, and what the operator sets in the tray's menu and the settings dialog.
 #pragma once
 
 #include <functional>
@@ -48,13 +48,14 @@ public:
 
     // The life of this process.
 
-    /// Connects this process to the manager that started it and says how that went. The first success is the Start event. On a desktop it fails, and that is
-    /// the desktop case.
+    /// Connects this process to the manager that started it and says how that went. The first success is the Start event. On a
+    /// desktop it fails, and that is the desktop case.
     void StartService();
     bool RunningAsService() const { return runningAsService_; }
     /// Start-up is through: tells the manager, and does what it asked for meanwhile.
     void Loaded();
-    /// A program that ends starts the service that it has installed, which had to wait for the home. Last of all, when everything is saved; waits 3 s at most.
+    /// A program that ends starts the service that it has installed, which had to wait for the home. Last of all, when everything
+    /// is saved; waits 3 s at most.
     void HandOver();
 
     // The events of a running service, from the pump.

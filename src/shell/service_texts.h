@@ -1,4 +1,5 @@
-// Every text with which the program speaks of its service and of the startup group. Line ends are "\r\n"; "<name>", "<file>" and "<why>" stand for what is put in.
+// Every text with which the program speaks of its service and of the startup group. Line ends are "\r\n"; "<name>", "<file>" and
+// "<why>" stand for what is put in.
 #pragma once
 
 #include <string>

@@ -99,9 +99,8 @@ void Run::ReadSettings() {
     legacyLog_.setLogTimer();
 }
 
-// What an installation keeps beside the program is brought to a home of its own when it is not there yet. A failure shows at
-// the test of the
-// file itself.
+// What an installation keeps beside the program is brought to a home of its own when it is not there yet. A failure shows at the
+// test of the file itself.
 void Run::BringInstallationData() {
     if (options_.dataDir == options_.dir) return;
     const auto bring = [&](const std::string& name) {

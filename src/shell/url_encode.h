@@ -8,9 +8,8 @@
 
 namespace korvane {
 
-/// Each CR LF becomes the letters "DA", then "%", ",", blank, "/", "~", ":", "$" and "&" their hexadecimal form behind "%".
-/// Every other byte stays. Long texts let
-/// the pump run in between.
+/// Each CR LF becomes the letters "DA", then "%", ",", blank, "/", "~", ":", "$" and "&" their hexadecimal form behind "%". Every
+/// other byte stays. Long texts let the pump run in between.
 std::string URLEncodeText(std::string_view text, Events& events);
 
 }  // namespace korvane

@@ -1,4 +1,5 @@
-// What the operator writes to the website, as addresses that the browser opens: feedback to its makers, and word of the program to friends.
+// What the operator writes to the website, as addresses that the browser opens: feedback to its makers, and word of the program
+// to friends.
 #pragma once
 
 #include <array>

@@ -34,8 +34,8 @@ std::string OleDbConnectionText(const std::string& dir);
 /// Whether the database is there and opens; if not, `errorText` says why.
 bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::string& errorText);
 
-/// What the database lacks of DatabaseSchema(): "Servers.nAveSession" for a column, "Failures" for a whole table. Throws Error when it
-/// cannot be opened.
+/// What the database lacks of DatabaseSchema(): "Servers.nAveSession" for a column, "Failures" for a whole table. Throws Error
+/// when it cannot be opened.
 std::vector<std::string> MissingColumns(Store& store, const std::string& dir);
 
 }  // namespace korvane

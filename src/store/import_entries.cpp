@@ -3,7 +3,8 @@
 namespace korvane {
 namespace {
 
-// The first save carries the entries into the tables, the second the mark into the file. Without the mark the next start tries again.
+// The first save carries the entries into the tables, the second the mark into the file. Without the mark the next start tries
+// again.
 void SaveAndMarkImported(const ImportPorts& ports) {
     ports.settings.cmdSave();
     if (ports.entries.StoreRefused()) return;

@@ -1,4 +1,5 @@
-// The one-time move of an older installation's entries from the settings file into the database, at the first start with a database.
+// The one-time move of an older installation's entries from the settings file into the database, at the first start with a
+// database.
 #pragma once
 
 #include "platform/events.h"
@@ -21,8 +22,9 @@ struct ImportPorts {
     Settings& settings;
 };
 
-/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the settings file, unless the
-/// database refused to store something: then the next start tries again. Entries that could not be stored are in the log; their sections stay in the settings file. Raises nothing.
+/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the
+/// settings file, unless the database refused to store something: then the next start tries again. Entries that could not be
+/// stored are in the log; their sections stay in the settings file. Raises nothing.
 void ImportEntriesOnce(const ImportPorts& ports);
 
 }  // namespace korvane

@@ -101,7 +101,8 @@ IniDocument::Result IniDocument::Set(std::string_view section, std::string_view 
     return {Change::SameLength, OffsetOf(held, line) + line.valueAt};
 }
 
-// Behind the last key: the remarks and blank lines after it mostly belong to the next section. They hold no keys, so no index moves.
+// Behind the last key: the remarks and blank lines after it mostly belong to the next section. They hold no keys, so no index
+// moves.
 void IniDocument::AddKey(Section& section, std::string_view key, std::string_view value) {
     auto after = section.lines.end();
     const auto holdsNothing = [](const Line& line) { return TrimAll(line.text).empty(); };

@@ -18,8 +18,8 @@ public:
     IniDocument() = default;
     explicit IniDocument(std::string_view text);
 
-    /// The value as it stands in the text, without blanks around it. Of several sections of one name, or several keys of one name in
-    /// a section, the first counts. Good until the next Set.
+    /// The value as it stands in the text, without blanks around it. Of several sections of one name, or several keys of one name
+    /// in a section, the first counts. Good until the next Set.
     std::optional<std::string_view> Find(std::string_view section, std::string_view key) const;
 
     enum class Change { None, SameLength, Moved };
@@ -28,8 +28,8 @@ public:
         std::size_t offset = 0;  ///< with SameLength: where in the text the value begins
     };
 
-    /// Puts the value in the place of the old one, whose key keeps its spelling. A new key goes to the end of its section, a new section to
-    /// the end of the text. The value must be one line.
+    /// Puts the value in the place of the old one, whose key keeps its spelling. A new key goes to the end of its section, a new
+    /// section to the end of the text. The value must be one line.
     Result Set(std::string_view section, std::string_view key, std::string_view value);
 
     /// The names of all sections in their order, as they are spelled.

@@ -1,5 +1,5 @@
-// The settings file on disk. Each write is on the disk when it returns, everything else in the file stays byte for byte, and what an
-// operator changes meanwhile is seen at the next access. A file that is there but makes no sense is never written to.
+// The settings file on disk. Each write is on the disk when it returns, everything else in the file stays byte for byte, and what
+// an operator changes meanwhile is seen at the next access. A file that is there but makes no sense is never written to.
 #pragma once
 
 #include <cstddef>
@@ -19,18 +19,20 @@ constexpr std::size_t kIniValueLimit = 250;
 /// Nothing in here throws: what cannot be read has its default, what cannot be written is not written.
 class IniFile {
 public:
-    /// The file need not exist; its first write makes it. With a blank path there is no file: defaults are read, nothing is written.
+    /// The file need not exist; its first write makes it. With a blank path there is no file: defaults are read, nothing is
+    /// written.
     IniFile(Files& files, std::string path) : files_(files), path_(std::move(path)) {}
     IniFile(const IniFile&) = delete;
     IniFile& operator=(const IniFile&) = delete;
 
     const std::string& Path() const { return path_; }
 
-    /// The value, cut to kIniValueLimit characters and without blanks around it; the default when nothing is left. Names of sections and keys
-    /// in any case.
+    /// The value, cut to kIniValueLimit characters and without blanks around it; the default when nothing is left. Names of
+    /// sections and keys in any case.
     std::string Read(std::string_view section, std::string_view key, std::string_view defaultValue);
 
-    /// On the disk when it returns, unless a Batch is open. Line ends in the value become blanks. An existing key keeps its spelling.
+    /// On the disk when it returns, unless a Batch is open. Line ends in the value become blanks. An existing key keeps its
+    /// spelling.
     void Write(std::string_view section, std::string_view key, std::string_view value);
 
     /// Why the file can't be used, in words; blank when it can be (a missing file can).

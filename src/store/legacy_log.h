@@ -1,5 +1,5 @@
-// The numbered log files of older versions, of which only the index is left: it goes round once in the retry duration, in minutes, and
-// names the file that a menu command opens. Nothing is written to these files.
+// The numbered log files of older versions, of which only the index is left: it goes round once in the retry duration, in
+// minutes, and names the file that a menu command opens. Nothing is written to these files.
 #pragma once
 
 #include <string>
@@ -13,7 +13,8 @@ public:
     /// `base` is `<dir>/kvurlwatch`.
     LegacyLog(const SettingsCollection& settings, std::string base) : settings_(settings), base_(std::move(base)) {}
 
-    /// Sets the count of indexes from `GlobalRetryDuration`, in whole minutes and at least 1; a setting that is no number leaves it.
+    /// Sets the count of indexes from `GlobalRetryDuration`, in whole minutes and at least 1; a setting that is no number leaves
+    /// it.
     void setLogTimer();
 
     /// What a tick of `TimerLog` does to the index; the tick itself disables the timer first.

@@ -1,5 +1,5 @@
-// The dated log on disk: one text file a day, opened, written and closed for each message, so that it is whole up to the last message
-// whatever happens to the program. Monitoring never stops because of the log: whatever goes wrong here is swallowed.
+// The dated log on disk: one text file a day, opened, written and closed for each message, so that it is whole up to the last
+// message whatever happens to the program. Monitoring never stops because of the log: whatever goes wrong here is swallowed.
 #pragma once
 
 #include <string>

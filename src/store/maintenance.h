@@ -1,6 +1,7 @@
 // What keeps the database usable: compaction with one backup, all entries due now, removal of an entry with all that hangs on it,
 // and resets of what was gathered. Each routine changes all of its rows in one transaction or none, handles its own errors, in
-// the status log and in the dated log, and does not wait for anything but the disk: a large database blocks the program for seconds.
+// the status log and in the dated log, and does not wait for anything but the disk: a large database blocks the program for
+// seconds.
 #pragma once
 
 #include <functional>

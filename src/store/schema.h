@@ -1,5 +1,5 @@
-// The columns of the database, by table, with the kind of each: what the store adapter needs to give typed values, and what start-up
-// compares a database with. data/kvempty.sql creates the same tables; a test holds the two together.
+// The columns of the database, by table, with the kind of each: what the store adapter needs to give typed values, and what
+// start-up compares a database with. data/kvempty.sql creates the same tables; a test holds the two together.
 #pragma once
 
 #include <optional>

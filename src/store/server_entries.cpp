@@ -9,7 +9,8 @@
 namespace korvane {
 
 void ServerEntries::readURLData(int count) {
-    // A hole in the numbering becomes a sample entry, but a damaged count must not make hundreds of them behind the last real one.
+    // A hole in the numbering becomes a sample entry, but a damaged count must not make hundreds of them behind the last real
+    // one.
     const int last = count > kMaxOldEntries ? std::min(HighestEntryNumber(ports_.file), kMaxOldEntries) : count;
     const IniFile::Batch batch(ports_.file);
     entries_.clear();
@@ -30,8 +31,8 @@ const ServerEntry& ServerEntries::Entry(int n) const {
     return entries_.at(static_cast<std::size_t>(n - 1));
 }
 
-// Numbers without an entry in memory are passed over: once everything is in the database nothing is read from the sections any more, and
-// blank entries must not overwrite the only copy from which a lost database can be rebuilt.
+// Numbers without an entry in memory are passed over: once everything is in the database nothing is read from the sections any
+// more, and blank entries must not overwrite the only copy from which a lost database can be rebuilt.
 std::vector<int> ServerEntries::ChangedNumbers(int count) const {
     std::vector<int> numbers;
     const int last = std::min(count, static_cast<int>(entries_.size()));

@@ -1,5 +1,5 @@
-// The entries of an older settings file while they move into the database: held in memory, numbered from 1, written back to their sections by
-// Save and, as long as `bAllInDB` is not true, to the tables `Servers` and `ResponseFailText`.
+// The entries of an older settings file while they move into the database: held in memory, numbered from 1, written back to their
+// sections by Save and, as long as `bAllInDB` is not true, to the tables `Servers` and `ResponseFailText`.
 #pragma once
 
 #include <string>
@@ -47,11 +47,13 @@ public:
     void ReadInCommands(int n);
     void WriteOutCommands(int n);
 
-    /// Writes entry `n` to `Servers`; the counters and the next check of a row that is there already are kept. Throws TypeMismatchError for texts
-    /// that are no number, OverflowError for numbers that are too large, and Error for the store's failures.
+    /// Writes entry `n` to `Servers`; the counters and the next check of a row that is there already are kept. Throws
+    /// TypeMismatchError for texts that are no number, OverflowError for numbers that are too large, and Error for the store's
+    /// failures.
     void SaveDBServerDATA(int n, Connection& connection);
 
-    /// Writes the rules of entry `n` to `ResponseFailText`, over the rows that are there, and removes rows left over. Throws Error.
+    /// Writes the rules of entry `n` to `ResponseFailText`, over the rows that are there, and removes rows left over. Throws
+    /// Error.
     void SaveDBServerDATAFailCommands(int n, Connection& connection);
 
     /// Which entries Save is to write: a negative number all, a positive one that entry, kNoServerEntry none (as at the start).
@@ -61,13 +63,13 @@ public:
     /// Save is to write the rules of the entries that it writes.
     void setFailCommandsOKDirty() { rulesChanged_ = true; }
 
-    /// Save's second half: writes the marked entries among the first `count`, to their sections in one step and then, unless `allInDB`, each to the
-    /// tables, delivering events between them. An entry that cannot be stored is logged with the reason, its section stays,
-    /// and the next one follows. Clears the marks. Raises nothing.
+    /// Save's second half: writes the marked entries among the first `count`, to their sections in one step and then, unless
+    /// `allInDB`, each to the tables, delivering events between them. An entry that cannot be stored is logged with the reason,
+    /// its section stays, and the next one follows. Clears the marks. Raises nothing.
     void SaveChangedEntries(int count, bool allInDB);
 
-    /// Whether the database refused something in the latest SaveChangedEntries that it may take another time: it was locked, or its disk
-    /// full. An entry that makes no sense in itself does not count.
+    /// Whether the database refused something in the latest SaveChangedEntries that it may take another time: it was locked, or
+    /// its disk full. An entry that makes no sense in itself does not count.
     bool StoreRefused() const { return storeRefused_; }
 
     /// The entries in memory; number n stands at n - 1.

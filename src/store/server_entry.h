@@ -1,5 +1,5 @@
-// One entry of an older settings file: the texts of a numbered section "Settings<n>" and the rules of "Commands<n>". The table of its keys with
-// their defaults and the columns of `Servers` that they become is in server_entry.cpp.
+// One entry of an older settings file: the texts of a numbered section "Settings<n>" and the rules of "Commands<n>". The table of
+// its keys with their defaults and the columns of `Servers` that they become is in server_entry.cpp.
 #pragma once
 
 #include <array>
@@ -66,7 +66,8 @@ struct ServerEntryKey {
 /// The keys in the order in which they are read, written, and put into their columns.
 std::span<const ServerEntryKey> ServerEntryKeys();
 
-/// Entry `number` (from 1) of the file. An entry without an address becomes a sample entry. `newID` is asked only when the entry has no id.
+/// Entry `number` (from 1) of the file. An entry without an address becomes a sample entry. `newID` is asked only when the entry
+/// has no id.
 ServerEntry ReadServerEntry(IniFile& file, int number, const std::function<std::string()>& newID);
 void WriteServerEntry(IniFile& file, int number, const ServerEntry& entry);
 

@@ -1,4 +1,5 @@
-// Ids of entries, failures and response rows: a time stamp with a counter behind it that never goes down. The counter is what keeps ids apart.
+// Ids of entries, failures and response rows: a time stamp with a counter behind it that never goes down. The counter is what
+// keeps ids apart.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +19,8 @@ class ServerIds {
 public:
     ServerIds(IniFile& settingsFile, const Clock& clock) : file_(settingsFile), clock_(clock) {}
 
-    /// A new id: all digits, above 0, within 64 bits. Counts `LASTID` of section `KEYGEN` in the settings file up, at once. Two ids
-    /// of one run never have the same number, even when the file cannot be written.
+    /// A new id: all digits, above 0, within 64 bits. Counts `LASTID` of section `KEYGEN` in the settings file up, at once. Two
+    /// ids of one run never have the same number, even when the file cannot be written.
     std::string NewServerID();
 
 private:

@@ -11,7 +11,8 @@
 
 namespace korvane {
 
-/// One key in the order of reading, and what is done right after it. The sample name is one that is reserved for examples (RFC 2606).
+/// One key in the order of reading, and what is done right after it. The sample name is one that is reserved for examples (RFC
+/// 2606).
 struct Settings::ReadStep {
     std::string_view key;
     std::string_view defaultValue = "";
@@ -152,7 +153,8 @@ void Settings::cmdSave() {
 }
 
 void Settings::Save() {
-    // A file that could not be read at start-up may be readable again by now: the defaults that stood in for it must not replace it.
+    // A file that could not be read at start-up may be readable again by now: the defaults that stood in for it must not replace
+    // it.
     if (!problemOfFile_.empty()) {
         ports_.status.setStatusMSG("Settings not saved: " + problemOfFile_);
         return;

@@ -20,8 +20,8 @@ namespace korvane {
 constexpr std::string_view kSettingsSection = "Settings";
 /// Looked at once a start for the key `uniqueid`, under exactly this name.
 constexpr std::string_view kOldSettingsFile = "/kvurlwatch.ini";
-/// The main window and the service as far as settings touch them. Sizes are in twips, fifteenths of a pixel. As it stands it is the
-/// host of a program without either.
+/// The main window and the service as far as settings touch them. Sizes are in twips, fifteenths of a pixel. As it stands it is
+/// the host of a program without either.
 class SettingsHost {
 public:
     virtual ~SettingsHost() = default;
@@ -65,9 +65,9 @@ public:
     /// the file. Delivers events once.
     void ReadInGlobalSettings();
 
-    /// Writes the global keys in one step, then the changed old entries, which delivers events between them. Shows the wait cursor
-    /// meanwhile and the status "Settings Saved" at the end. Raises nothing: what the file did not take is in IniFile::LastWriteError.
-    /// When the file could not be read at start-up nothing is saved, and the status says why.
+    /// Writes the global keys in one step, then the changed old entries, which delivers events between them. Shows the wait
+    /// cursor meanwhile and the status "Settings Saved" at the end. Raises nothing: what the file did not take is in
+    /// IniFile::LastWriteError. When the file could not be read at start-up nothing is saved, and the status says why.
     void Save();
 
     /// The save command: marks every entry, then Save.

@@ -1,4 +1,5 @@
-// The running commentary for the operator: short lines with the time, newest first in the window, one after the other on a terminal.
+// The running commentary for the operator: short lines with the time, newest first in the window, one after the other on a
+// terminal.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,5 @@
-// The base of the tests of windows: a Qt application without a screen, the whole program in virtual time with entries in its database, and what a test says of both.
+// The base of the tests of windows: a Qt application without a screen, the whole program in virtual time with entries in its
+// database, and what a test says of both.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,8 +14,8 @@
 
 namespace korvane {
 
-/// The program has started with an empty database; monitoring has not begun yet (virtual time stands still until a test or a wait lets it go on). What the windows
-/// ask and say goes to `Person()`, with the answers laid down there.
+/// The program has started with an empty database; monitoring has not begun yet (virtual time stands still until a test or a wait
+/// lets it go on). What the windows ask and say goes to `Person()`, with the answers laid down there.
 class DesktopTest : public testing::Test {
 protected:
     DesktopTest() {

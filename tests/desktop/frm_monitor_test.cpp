@@ -1,4 +1,5 @@
-// The main window on the whole program in virtual time, driven by its keys: what it shows, what its commands do, and what it says in boxes.
+// The main window on the whole program in virtual time, driven by its keys: what it shows, what its commands do, and what it says
+// in boxes.
 #include "shell/desktop/frm_monitor.h"
 
 #include <QHeaderView>

@@ -1,4 +1,5 @@
-// The whole engine in the virtual world: the cycle with its checkers and accounts on a real database, driven by the cycle's own timer.
+// The whole engine in the virtual world: the cycle with its checkers and accounts on a real database, driven by the cycle's own
+// timer.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,5 @@
-// What follows from an outage and its end: every word of the mails, what the `Failures` row tells, and that no trouble with one step costs the others.
+// What follows from an outage and its end: every word of the mails, what the `Failures` row tells, and that no trouble with one
+// step costs the others.
 #include "engine/failure_actions.h"
 
 #include <gtest/gtest.h>

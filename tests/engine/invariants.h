@@ -17,12 +17,12 @@ struct RunCounts {
     int outages = 0;  ///< that reached nTries
 };
 
-/// The accounts of all entries against their `Failures` rows and the calls of the actions: counters add up, one row a failed check, states follow
-/// the table. Adds test failures; returns what it counted.
+/// The accounts of all entries against their `Failures` rows and the calls of the actions: counters add up, one row a failed
+/// check, states follow the table. Adds test failures; returns what it counted.
 RunCounts ExpectWholeAccounts(EngineWorld& engine);
 
-/// Looks at all entries every ten virtual minutes: none is ever overdue by more than the backlog allows, none is put off further than
-/// its rules allow.
+/// Looks at all entries every ten virtual minutes: none is ever overdue by more than the backlog allows, none is put off further
+/// than its rules allow.
 class NobodyIsForgotten {
 public:
     /// `longestCheck` bounds one check, so that the backlog of all entries is known.

@@ -1,6 +1,6 @@
-// A month in which hosts and mail servers fail at random, with the program's own failure actions. What people, traces and commands should
-// have got is known from a ledger beside the engine: of what the hosts answered and what the mail servers saw, never of what the engine
-// says.
+// A month in which hosts and mail servers fail at random, with the program's own failure actions. What people, traces and
+// commands should have got is known from a ledger beside the engine: of what the hosts answered and what the mail servers saw,
+// never of what the engine says.
 #include <gtest/gtest.h>
 
 #include <algorithm>

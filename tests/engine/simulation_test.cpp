@@ -1,5 +1,5 @@
-// Long runs over servers that go silent, refuse, answer late and recover, while days, months and clocks change. The same seed gives the
-// same run.
+// Long runs over servers that go silent, refuse, answer late and recover, while days, months and clocks change. The same seed
+// gives the same run.
 #include <gtest/gtest.h>
 
 #include <functional>

@@ -1,4 +1,5 @@
-// A server that plays what a fuzzer thinks of, and the socket that talks to it in the virtual world. A script has one step a line:
+// A server that plays what a fuzzer thinks of, and the socket that talks to it in the virtual world. A script has one step a
+// line:
 //
 //     > 250-mail.test      say the line, with its CR LF
 //     - 250-SI             say this, without a line end: the next step goes on with the line

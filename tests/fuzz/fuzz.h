@@ -1,4 +1,5 @@
-// What every fuzz target stands on: the entry that libFuzzer calls, and a check that ends the run and keeps the input that broke it.
+// What every fuzz target stands on: the entry that libFuzzer calls, and a check that ends the run and keeps the input that broke
+// it.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// The floors of the house: which rooms and which outside headers each folder of src/ may include. A room sees only rooms below it; only
-// the adapters and the shell meet Qt, curl or the operating system.
+// The floors of the house: which rooms and which outside headers each folder of src/ may include. A room sees only rooms below
+// it; only the adapters and the shell meet Qt, curl or the operating system.
 #include <gtest/gtest.h>
 
 #include <cstddef>

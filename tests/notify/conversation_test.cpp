@@ -10,8 +10,8 @@ namespace {
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
-/// A step: what the client sends, what a server that is content replies, which codes let the conversation go on, and what the report says
-/// when it does not.
+/// A step: what the client sends, what a server that is content replies, which codes let the conversation go on, and what the
+/// report says when it does not.
 struct Step {
     const char* line;
     const char* reply;

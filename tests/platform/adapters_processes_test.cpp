@@ -1,4 +1,5 @@
-// Commands as real processes: what they are given, what becomes of them, and that nothing of them stays. And what the kernel is asked beside.
+// Commands as real processes: what they are given, what becomes of them, and that nothing of them stays. And what the kernel is
+// asked beside.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>

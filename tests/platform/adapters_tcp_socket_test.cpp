@@ -1,4 +1,5 @@
-// What QtTcpSocket promises beyond the port: bounded memory, names with several addresses, name servers that never answer, and no network.
+// What QtTcpSocket promises beyond the port: bounded memory, names with several addresses, name servers that never answer, and no
+// network.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <netdb.h>

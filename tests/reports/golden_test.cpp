@@ -1,4 +1,5 @@
-// Whole pages, byte for byte, from a small database in which each rule of a cell is met. The files hold LF where the pages have CRLF.
+// Whole pages, byte for byte, from a small database in which each rule of a cell is met. The files hold LF where the pages have
+// CRLF.
 #include "reports/format_seconds.h"
 #include "reports/reports_test_base.h"
 #include "support/temporary_folder.h"

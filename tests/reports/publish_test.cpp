@@ -1,4 +1,5 @@
-// The walk over customers and groups: what is written where, what stops and what goes on when something is wrong, and what happens when events come in.
+// The walk over customers and groups: what is written where, what stops and what goes on when something is wrong, and what
+// happens when events come in.
 #include <algorithm>
 #include <filesystem>
 

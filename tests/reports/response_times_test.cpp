@@ -37,7 +37,8 @@ TEST_F(ResponseTimesTest, ASessionBeginsWithTheHour) {
     EXPECT_EQ(database.Server(1).at("nAveSession"), Value(55.0));
     EXPECT_DOUBLE_EQ(Average("day"), (40.0 * 14 + 55) / 15);
 
-    // The seconds count: at 4:00:03 the row of 3:14:05 is of another hour, and so is what was written at 4:00:03 for one at 4:30:04.
+    // The seconds count: at 4:00:03 the row of 3:14:05 is of another hour, and so is what was written at 4:00:03 for one at
+    // 4:30:04.
     GoTo(DateTime::Of(2026, 11, 21, 16, 0, 3));
     rig.Publish();
     EXPECT_EQ(Rows("hour").size(), 2U);

@@ -1,4 +1,5 @@
-// The whole program on real files and a real database, in virtual time: a home folder, and the run with everything outside it played.
+// The whole program on real files and a real database, in virtual time: a home folder, and the run with everything outside it
+// played.
 #pragma once
 
 #include <cstdlib>

@@ -1,4 +1,5 @@
-// The start of the whole program without a window, in every branch, and its end: on real files and a real database, in virtual time.
+// The start of the whole program without a window, in every branch, and its end: on real files and a real database, in virtual
+// time.
 #include <gtest/gtest.h>
 
 #include <filesystem>

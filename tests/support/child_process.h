@@ -1,4 +1,5 @@
-// Runs a piece of a test in a child process: for what changes the whole process (its limits, its user, its network) and must not stay so.
+// Runs a piece of a test in a child process: for what changes the whole process (its limits, its user, its network) and must not
+// stay so.
 #pragma once
 
 #include <functional>
@@ -11,8 +12,8 @@ bool PassesInChild(const std::function<bool()>& body);
 /// Takes root's privileges from this process for the rest of its life, so that permissions count for it too.
 void GiveUpPrivileges();
 
-/// A network without anything but a loopback interface that is down, for the rest of this process, which may have one thread only. False where the system
-/// does not allow it.
+/// A network without anything but a loopback interface that is down, for the rest of this process, which may have one thread
+/// only. False where the system does not allow it.
 bool EnterEmptyNetwork();
 
 /// In an empty network.

@@ -1,5 +1,5 @@
-// The calendar of the virtual world: actions in order of their moment, and of their coming in where moments are equal. Only small fixed
-// entries move in the heap; the actions stay where they are in a table of slots.
+// The calendar of the virtual world: actions in order of their moment, and of their coming in where moments are equal. Only small
+// fixed entries move in the heap; the actions stay where they are in a table of slots.
 #pragma once
 
 #include <chrono>

@@ -1,5 +1,5 @@
-// Files that break on request: hands everything on to other files unless a fault of its plan says otherwise. An operation that fails has
-// not happened.
+// Files that break on request: hands everything on to other files unless a fault of its plan says otherwise. An operation that
+// fails has not happened.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// A store that breaks on request: its connections and recordsets hand everything on to those of another store unless a fault of the plan
-// says otherwise. An operation that fails has not happened.
+// A store that breaks on request: its connections and recordsets hand everything on to those of another store unless a fault of
+// the plan says otherwise. An operation that fails has not happened.
 #pragma once
 
 #include <memory>

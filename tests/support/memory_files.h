@@ -1,5 +1,5 @@
-// Files that live in memory: for runs in which the disk would be the slowest part. Paths are taken as they are written; a file needs its
-// folder, as on a disk, and "/" is there from the start.
+// Files that live in memory: for runs in which the disk would be the slowest part. Paths are taken as they are written; a file
+// needs its folder, as on a disk, and "/" is there from the start.
 #pragma once
 
 #include <cstdint>

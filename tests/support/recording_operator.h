@@ -1,4 +1,5 @@
-// The person at the desk who says nothing and forgets nothing: records what the program shows and gives the answers that were laid down before.
+// The person at the desk who says nothing and forgets nothing: records what the program shows and gives the answers that were
+// laid down before.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// A folder of a test's own, in memory where the system has a place for that. It goes with all that is in it when this object goes.
+// A folder of a test's own, in memory where the system has a place for that. It goes with all that is in it when this object
+// goes.
 #pragma once
 
 #include <string>

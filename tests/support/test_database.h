@@ -1,5 +1,5 @@
-// A database of a test's own: a temporary folder with a copy of the blank database, the real store on it, and short ways to put rows
-// in and to look at them.
+// A database of a test's own: a temporary folder with a copy of the blank database, the real store on it, and short ways to put
+// rows in and to look at them.
 //
 //     TestDatabase database;
 //     const std::int64_t id = database.Add({.strDesc = "mail", .strAddress_IP = "10.0.0.1", .strType = "SMTP", .strPort = "25"});

@@ -1,4 +1,5 @@
-// ICMP echoes in the virtual world: the hosts of a VirtualNet answer as they are scripted to. Time moves on during an echo and nothing is delivered.
+// ICMP echoes in the virtual world: the hosts of a VirtualNet answer as they are scripted to. Time moves on during an echo and
+// nothing is delivered.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// A transfer slot in the virtual world: gives what the pages of a VirtualNet are scripted to give, and waits for it as a real one does,
-// with the pump running.
+// A transfer slot in the virtual world: gives what the pages of a VirtualNet are scripted to give, and waits for it as a real one
+// does, with the pump running.
 #pragma once
 
 #include <string>

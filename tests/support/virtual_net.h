@@ -1,5 +1,6 @@
-// The network of the virtual world: hosts by name or address, their TCP servers, their echoes, and web pages by URL. VirtualTcpSocket,
-// VirtualInet and VirtualIcmpEcho talk to it. It can be changed at any time, so that a server fails and recovers by a scheduled action:
+// The network of the virtual world: hosts by name or address, their TCP servers, their echoes, and web pages by URL.
+// VirtualTcpSocket, VirtualInet and VirtualIcmpEcho talk to it. It can be changed at any time, so that a server fails and
+// recovers by a scheduled action:
 //
 //     VirtualNet net(world);
 //     net.Host("10.0.0.1").Echo(12ms).Port(25).Speak("220 ready\r\n", 30ms).OnLine("QUIT", "221 bye\r\n");
@@ -21,8 +22,8 @@
 
 namespace korvane {
 
-/// A machine. By default its name is found after 1 ms (an address is never looked up), echoes come back after 1 ms, and ports that nobody
-/// mentioned refuse after 1 ms.
+/// A machine. By default its name is found after 1 ms (an address is never looked up), echoes come back after 1 ms, and ports
+/// that nobody mentioned refuse after 1 ms.
 class VirtualHost {
 public:
     struct Lookup {

@@ -1,5 +1,5 @@
-// What a scripted server does with a connection: how it meets it, and the conversation, one step after the other. A script is built in
-// the order in which it reads:
+// What a scripted server does with a connection: how it meets it, and the conversation, one step after the other. A script is
+// built in the order in which it reads:
 //
 //     net.Host("10.0.0.1").Port(25).Speak("220 ready\r\n", 30ms).OnLine("QUIT", "221 bye\r\n").Close();
 //
@@ -37,7 +37,8 @@ public:
 
     /// Sends the text as one arrival. A step of its own for each piece gives an answer in pieces.
     VirtualServer& Speak(std::string text, std::chrono::milliseconds after = std::chrono::milliseconds(0));
-    /// Waits for exactly this line (which ends in CR LF on the wire). After any other line the server says nothing more and Mistake tells why.
+    /// Waits for exactly this line (which ends in CR LF on the wire). After any other line the server says nothing more and
+    /// Mistake tells why.
     VirtualServer& Expect(std::string line);
     VirtualServer& ExpectAnyLine();
     /// Waits for this line and takes all that come before it.
@@ -51,7 +52,8 @@ public:
     /// The connection breaks.
     VirtualServer& Reset(std::chrono::milliseconds after = std::chrono::milliseconds(0));
 
-    /// How the client's system gets rid of what the client sends: up to `bytes` after each `delay`. Without it, all of it in the next event.
+    /// How the client's system gets rid of what the client sends: up to `bytes` after each `delay`. Without it, all of it in the
+    /// next event.
     VirtualServer& Take(std::chrono::milliseconds delay, std::size_t bytes);
     /// Never: the window stays shut, though what is sent still reaches the script.
     VirtualServer& TakeNothing();

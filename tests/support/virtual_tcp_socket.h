@@ -1,5 +1,5 @@
-// A TCP socket in the virtual world, talking to the scripted servers of a VirtualNet. An address goes straight to state 6; a name is
-// looked up first (4), and shows 5 for 1 ms when it is found.
+// A TCP socket in the virtual world, talking to the scripted servers of a VirtualNet. An address goes straight to state 6; a name
+// is looked up first (4), and shows 5 for 1 ms when it is found.
 #pragma once
 
 #include <cstddef>

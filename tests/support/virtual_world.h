@@ -1,5 +1,5 @@
-// The virtual world of the tests: time that stands still until somebody waits, and then jumps to the next event. A simulated day costs as
-// much as its events, nothing depends on the machine, and the same script always gives the same run.
+// The virtual world of the tests: time that stands still until somebody waits, and then jumps to the next event. A simulated day
+// costs as much as its events, nothing depends on the machine, and the same script always gives the same run.
 //
 //     VirtualWorld world(DateTime::Of(2026, 11, 21, 15, 0, 0));
 //     world.After(30s, [&] { ... });                       // by the tick count
@@ -100,7 +100,8 @@ public:
     /// Local time jumps by `by`, UTC goes on: +1h where summer time begins, -1h where it ends.
     void MoveZone(std::chrono::seconds by);
 
-    /// The two changes of a year by the wall clock: at `begins` (2:00 of winter time) to 3:00, at `ends` (3:00 of summer time) back to 2:00.
+    /// The two changes of a year by the wall clock: at `begins` (2:00 of winter time) to 3:00, at `ends` (3:00 of summer time)
+    /// back to 2:00.
     void ScheduleSummerTime(DateTime begins, DateTime ends);
 
     /// The test's own pump: delivers everything due within `duration` and leaves time at its end, or later when an action that

@@ -1,4 +1,5 @@
-// HTTP and HTTPS checks with nothing replaced but the operator: the requester over libcurl against nginx, directly and through squid.
+// HTTP and HTTPS checks with nothing replaced but the operator: the requester over libcurl against nginx, directly and through
+// squid.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>

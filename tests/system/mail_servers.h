@@ -34,8 +34,8 @@ constexpr const char* kPassword = "open sesame";
 /// Nobody listens here.
 constexpr const char* kClosed = "127.0.0.10";
 
-/// dovecot: POP3 with an empty mailbox, logins for Postfix, and SMTP with all three mechanisms that hands mails on to `relayPort` of
-/// Aiosmtpd::kOpen.
+/// dovecot: POP3 with an empty mailbox, logins for Postfix, and SMTP with all three mechanisms that hands mails on to `relayPort`
+/// of Aiosmtpd::kOpen.
 class LoginServer {
 public:
     explicit LoginServer(int relayPort);

@@ -1,4 +1,5 @@
-// Mails with nothing replaced but the operator, through real servers: who is let in, what is refused in which words, what arrives.
+// Mails with nothing replaced but the operator, through real servers: who is let in, what is refused in which words, what
+// arrives.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

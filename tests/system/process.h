@@ -38,7 +38,8 @@ class Process {
 public:
     enum class Rights { Own, Nobody };  ///< Nobody: of user "nobody" when the test is root; the folder is then given to that user
 
-    /// Standard output and error go to the file "output" of the folder. The first word is looked up where programs and servers lie.
+    /// Standard output and error go to the file "output" of the folder. The first word is looked up where programs and servers
+    /// lie.
     Process(const std::vector<std::string>& command, const PrivateFolder& folder, Rights rights = Rights::Own);
     ~Process();
     Process(const Process&) = delete;

@@ -1,4 +1,5 @@
-// The whole program without a display against real servers: from a settings file to accounts in the database, and out again by a signal.
+// The whole program without a display against real servers: from a settings file to accounts in the database, and out again by a
+// signal.
 #include <gtest/gtest.h>
 
 #include <chrono>

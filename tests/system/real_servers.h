@@ -1,5 +1,6 @@
-// Real servers from Debian's packages on 127.0.0.1, each with a private folder, a configuration of its own and free ports, and without
-// any right of root. A server is there from its constructor, which returns when it accepts connections, to its destructor.
+// Real servers from Debian's packages on 127.0.0.1, each with a private folder, a configuration of its own and free ports, and
+// without any right of root. A server is there from its constructor, which returns when it accepts connections, to its
+// destructor.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +12,8 @@
 
 namespace korvane::test {
 
-/// Ports that nobody listens on at the moment, some way above `low` and outside the range from which the system takes ports of clients.
+/// Ports that nobody listens on at the moment, some way above `low` and outside the range from which the system takes ports of
+/// clients.
 std::vector<int> FreePorts(std::size_t count, int low = 61000);
 
 /// A process that serves ports. Throws with the program's output when it does not accept connections within 20 seconds.
@@ -74,7 +76,8 @@ private:
 std::string ServerUser();
 std::string ServerGroup();
 
-/// What every dovecot here is told: to touch nothing outside its folder, to speak these protocols and to say on its output what happens.
+/// What every dovecot here is told: to touch nothing outside its folder, to speak these protocols and to say on its output what
+/// happens.
 std::string DovecotBasics(const PrivateFolder& folder, const std::string& protocols);
 std::string DovecotListener(const std::string& protocol, int port);
 

@@ -1,4 +1,5 @@
-// The published pages with the installation's templates and pictures: in a real browser, and on a disk where the program is killed while it writes them.
+// The published pages with the installation's templates and pictures: in a real browser, and on a disk where the program is
+// killed while it writes them.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>

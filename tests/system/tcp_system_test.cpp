@@ -1,4 +1,5 @@
-// Scripted conversations and pings with nothing replaced but the operator, against real mail and FTP servers and the machine itself.
+// Scripted conversations and pings with nothing replaced but the operator, against real mail and FTP servers and the machine
+// itself.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>

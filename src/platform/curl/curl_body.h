@@ -15,7 +15,8 @@ class CurlBody {
 public:
     enum class Verdict { Text, Binary, TooLarge };
 
-    /// Takes the next piece; false when the rest need not come. `contentType` and `expectedSize` (-1: unknown) are those of the answer.
+    /// Takes the next piece; false when the rest need not come. `contentType` and `expectedSize` (-1: unknown) are those of the
+    /// answer.
     bool Take(std::string_view piece, std::string_view contentType, std::int64_t expectedSize);
 
     Verdict What() const { return verdict_; }

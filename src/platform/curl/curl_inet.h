@@ -9,9 +9,10 @@
 
 namespace korvane {
 
-/// Everything libcurl allocates for a transfer lives as long as the transfer. Only http and https are spoken, also after a redirect; there may be 20 of
-/// them, and credentials do not follow to another host or port. Cookies live for one transfer. A body that holds a NUL byte or says that it is
-/// a picture, sound, film or archive is binary; one of more than 256 MB is an error.
+/// Everything libcurl allocates for a transfer lives as long as the transfer. Only http and https are spoken, also after a
+/// redirect; there may be 20 of them, and credentials do not follow to another host or port. Cookies live for one transfer. A
+/// body that holds a NUL byte or says that it is a picture, sound, film or archive is binary; one of more than 256 MB is an
+/// error.
 class CurlInet : public Inet {
 public:
     struct Options {
@@ -25,7 +26,8 @@ public:
 
     bool StillExecuting() const override { return transfer_ != nullptr; }
 
-    /// Throws Error("Still executing last request") when called from an event of its own wait. The words of failures are libcurl's.
+    /// Throws Error("Still executing last request") when called from an event of its own wait. The words of failures are
+    /// libcurl's.
     std::string OpenURL(const Request& request) override;
     void Cancel() override;
 

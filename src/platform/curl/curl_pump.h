@@ -1,4 +1,5 @@
-// Runs one libcurl transfer from the event pump: libcurl says which sockets and which moment it waits for, the pump tells it when they come.
+// Runs one libcurl transfer from the event pump: libcurl says which sockets and which moment it waits for, the pump tells it when
+// they come.
 #pragma once
 
 #include <curl/curl.h>

@@ -31,7 +31,8 @@ std::string NameOf(const std::string& path) {
 // A file that is removed again unless it was moved to its place.
 class Sibling {
 public:
-    // Always the same name: what a program that was killed left behind is taken over by the next write, and passwords do not pile up.
+    // Always the same name: what a program that was killed left behind is taken over by the next write, and passwords do not pile
+    // up.
     explicit Sibling(const std::string& path) : path_(FolderOf(path) + "." + NameOf(path) + ".new") {
         ::unlink(path_.c_str());
         file_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));

@@ -14,7 +14,8 @@ public:
     DateTime UtcNow() const override;
     double Timer() const override;
 
-    /// Stands still while the machine is suspended, as the waits of the event pump do: a check that a suspend cut in two did not take hours.
+    /// Stands still while the machine is suspended, as the waits of the event pump do: a check that a suspend cut in two did not
+    /// take hours.
     std::chrono::milliseconds GetTickCount() const override;
 };
 

@@ -12,10 +12,11 @@
 
 namespace korvane {
 
-/// Append and Overwrite leave it to the system when the bytes get to the disk: they survive the end of the program, not always that of the machine.
+/// Append and Overwrite leave it to the system when the bytes get to the disk: they survive the end of the program, not always
+/// that of the machine.
 ///
-/// Replace and Copy need a folder that can be written for their one step. Where it cannot, or the owner of the file could not be kept, they
-/// write over the file in place, after its room on the disk was reserved.
+/// Replace and Copy need a folder that can be written for their one step. Where it cannot, or the owner of the file could not be
+/// kept, they write over the file in place, after its room on the disk was reserved.
 class LinuxFiles : public Files {
 public:
     std::optional<FileIdentity> Identity(const std::string& path) override;
@@ -30,7 +31,8 @@ public:
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
 
-    /// The hold ends with this object or the process. Throws Error when the folder cannot be opened or its file system knows no locks.
+    /// The hold ends with this object or the process. Throws Error when the folder cannot be opened or its file system knows no
+    /// locks.
     bool HoldFolder(const std::string& path) override;
 
 private:

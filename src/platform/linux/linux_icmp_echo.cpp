@@ -24,7 +24,8 @@ using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 
-// Room for an IP header with options, and for the errors that routers send, which quote at most 576 bytes (RFC 1812, section 4.3.2.3).
+// Room for an IP header with options, and for the errors that routers send, which quote at most 576 bytes (RFC 1812, section
+// 4.3.2.3).
 constexpr std::size_t kHeaders = 128;
 constexpr std::size_t kLargestError = 1024;
 

@@ -28,7 +28,8 @@ public:
     PowerSystem System() const override { return machine_.system; }
     void Request(PowerAction action) override;
 
-    /// What Request starts. Without a session of its own the program logs off all sessions of its user. Blank: nothing on this machine can do it.
+    /// What Request starts. Without a session of its own the program logs off all sessions of its user. Blank: nothing on this
+    /// machine can do it.
     std::vector<std::string> CommandFor(PowerAction action) const;
 
 private:

@@ -1,5 +1,5 @@
-// Commands of the operator as processes of their own: started with nothing of this program but its folder and environment, and taken out of the system's table
-// when they end, also where no init does that.
+// Commands of the operator as processes of their own: started with nothing of this program but its folder and environment, and
+// taken out of the system's table when they end, also where no init does that.
 #pragma once
 
 #include <sys/types.h>
@@ -20,7 +20,8 @@ public:
     /// `events` must outlive this. A child that ends is reaped from its pump.
     explicit LinuxProcesses(Events& events) : events_(events) {}
 
-    /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command too.
+    /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command
+    /// too.
     int Shell(const std::string& command, WindowStyle style) override;
 
     /// As Shell, for a command that is in words already: the first names the program, and none of them is looked at by a shell.

@@ -10,8 +10,8 @@ namespace korvane {
 
 class TerminationSignals {
 public:
-    /// Calls `asked` from the event pump at each SIGTERM, SIGINT and SIGHUP. One object at a time in a process; the signals have their default effect again
-    /// after its end. Throws Error when the system gives no pipe.
+    /// Calls `asked` from the event pump at each SIGTERM, SIGINT and SIGHUP. One object at a time in a process; the signals have
+    /// their default effect again after its end. Throws Error when the system gives no pipe.
     TerminationSignals(Events& events, std::function<void()> asked);
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
@@ -23,7 +23,8 @@ private:
 
 class PauseSignals {
 public:
-    /// Calls `pause` from the event pump at each SIGUSR1, `goOn` at each SIGUSR2, in the order in which they came. The rest as above.
+    /// Calls `pause` from the event pump at each SIGUSR1, `goOn` at each SIGUSR2, in the order in which they came. The rest as
+    /// above.
     PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn);
     ~PauseSignals();
     PauseSignals(const PauseSignals&) = delete;

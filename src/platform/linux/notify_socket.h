@@ -1,4 +1,5 @@
-// How a service tells the manager that started it what it is doing: datagrams to the socket that the manager named, as sd_notify(3) has them.
+// How a service tells the manager that started it what it is doing: datagrams to the socket that the manager named, as
+// sd_notify(3) has them.
 #pragma once
 
 #include <string>

@@ -195,7 +195,8 @@ void SystemdManager::EnableNew(const std::string& unit, const std::string& text)
     }
 }
 
-// A person's services end with the last session and start with the first one, unless the system lets them linger. Returns what there is to know when it does not.
+// A person's services end with the last session and start with the first one, unless the system lets them linger. Returns what
+// there is to know when it does not.
 std::string SystemdManager::Linger(const std::string& unit, const std::string& text) {
     if (place_.lingerFile.empty() || IsThere(place_.lingerFile)) return "";
     std::string why;

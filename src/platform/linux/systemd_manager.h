@@ -1,4 +1,5 @@
-// The service manager that is systemd: its notifications to the process that it started, its unit files, and its own commands for everything else.
+// The service manager that is systemd: its notifications to the process that it started, its unit files, and its own commands for
+// everything else.
 #pragma once
 
 #include <chrono>
@@ -42,7 +43,8 @@ private:
     std::optional<std::chrono::milliseconds> aliveInterval_;
 };
 
-/// Takes the greeting out of this process's environment, so that what it starts does not take it for its own. Before any thread is started.
+/// Takes the greeting out of this process's environment, so that what it starts does not take it for its own. Before any thread
+/// is started.
 void KeepGreetingFromChildren();
 
 class SystemdManager : public ServiceManager {

@@ -32,8 +32,9 @@ QList<QHostAddress> AddressesOf(const std::string& name) {
 
 }  // namespace
 
-// What the thread leaves behind. The asker may be gone by then, and the program at its end. The answer is told by a descriptor and not by an
-// event from thread to thread: such an event is lost on a wait that begins in the same moment, a readable descriptor never is.
+// What the thread leaves behind. The asker may be gone by then, and the program at its end. The answer is told by a descriptor
+// and not by an event from thread to thread: such an event is lost on a wait that begins in the same moment, a readable
+// descriptor never is.
 struct NameLookup::Answer {
     Answer() : ready(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
         if (ready < 0) throw Error(std::strerror(errno));

@@ -27,8 +27,8 @@ private:
 
 }  // namespace
 
-// Its one event ends a wait; there is nothing to do in it. One timer is enough for waits within waits: the outer wait ends with the event
-// in which the inner one ran, whatever became of its limit.
+// Its one event ends a wait; there is nothing to do in it. One timer is enough for waits within waits: the outer wait ends with
+// the event in which the inner one ran, whatever became of its limit.
 class QtEvents::LimitTimer : public QObject {
 public:
     void Start(milliseconds limit) { timer_.start(QtInterval(limit), Qt::PreciseTimer, this); }

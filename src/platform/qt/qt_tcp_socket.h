@@ -10,9 +10,9 @@
 
 namespace korvane {
 
-/// Belongs to the thread that made it. At most 64 KB are read ahead of GetData; a faster sender is held up. No proxy is used, whatever the
-/// desktop says. A name that has several addresses is tried at each of them in turn, each for at most 30 seconds. An address goes straight
-/// to Connecting. It may be closed and connected again inside its own events, but not destroyed there.
+/// Belongs to the thread that made it. At most 64 KB are read ahead of GetData; a faster sender is held up. No proxy is used,
+/// whatever the desktop says. A name that has several addresses is tried at each of them in turn, each for at most 30 seconds. An
+/// address goes straight to Connecting. It may be closed and connected again inside its own events, but not destroyed there.
 class QtTcpSocket : public TcpSocket {
 public:
     QtTcpSocket();

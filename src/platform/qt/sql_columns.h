@@ -31,7 +31,8 @@ public:
     const SqlColumn& operator[](std::size_t column) const { return columns_[column]; }
     std::size_t Size() const { return columns_.size(); }
 
-    /// All names as a select list. Names instead of "*": should a column vanish while the file is open, a query fails instead of shifting the others.
+    /// All names as a select list. Names instead of "*": should a column vanish while the file is open, a query fails instead of
+    /// shifting the others.
     const std::string& List() const { return list_; }
 
 private:

@@ -31,7 +31,8 @@ std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     return kept;
 }
 
-// Recordsets that still use the session must not get at the file any more, so only one that nobody uses is kept, and only one that works.
+// Recordsets that still use the session must not get at the file any more, so only one that nobody uses is kept, and only one
+// that works.
 void QtSqlConnection::Close() {
     if (!session_) return;
     if (session_.use_count() == 1 && session_->IsSound() && !session_->InTransaction()) {

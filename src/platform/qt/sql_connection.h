@@ -1,4 +1,5 @@
-// The Connection: a piece of work with the database file. The file itself stays open from one piece of work to the next while the program is busy.
+// The Connection: a piece of work with the database file. The file itself stays open from one piece of work to the next while the
+// program is busy.
 #pragma once
 
 #include <memory>

@@ -17,8 +17,8 @@ namespace {
 
 // Pages that SQLite keeps in memory, in KiB: an index of thousands of rows is walked with a few of them.
 const std::string kCacheSize = "PRAGMA cache_size=-256";
-// The journal is emptied and synced after each transaction, so that a commit outlives a power cut at once, and the file stands alone.
-// It costs less than to make and remove a journal each time.
+// The journal is emptied and synced after each transaction, so that a commit outlives a power cut at once, and the file stands
+// alone. It costs less than to make and remove a journal each time.
 const std::string kJournal = "PRAGMA journal_mode=TRUNCATE";
 const std::string kSynchronous = "PRAGMA synchronous=FULL";
 
@@ -38,8 +38,9 @@ Error CannotReadError(const std::string& path, int problem) {
     return Error("The database '" + path + "' cannot be read: " + std::strerror(problem));
 }
 
-// SQLite would take an empty file for a new database, and would roll an old journal back into whatever has taken the place of its file.
-// Closing the file here drops SQLite's locks of this process on it: no statement may be under way, and in one thread none is.
+// SQLite would take an empty file for a new database, and would roll an old journal back into whatever has taken the place of its
+// file. Closing the file here drops SQLite's locks of this process on it: no statement may be under way, and in one thread none
+// is.
 void CheckMagic(const std::string& path) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
     if (!file) throw CannotReadError(path, errno);

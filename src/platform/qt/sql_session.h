@@ -32,18 +32,21 @@ public:
     /// Notes how the file looks while nobody uses it.
     void Leave() { left_ = Look(); }
 
-    /// Whether the path still names the file that is open here, and nobody has touched it since Leave: a copy laid over it must not be mixed with what
-    /// is remembered of the old one. Throws Error when there is no such file any more.
+    /// Whether the path still names the file that is open here, and nobody has touched it since Leave: a copy laid over it must
+    /// not be mixed with what is remembered of the old one. Throws Error when there is no such file any more.
     bool IsAsLeft() const { return Look() == left_; }
 
-    /// False after any failure: whoever comes next had better open the file anew, which finds the words for what is wrong with it.
+    /// False after any failure: whoever comes next had better open the file anew, which finds the words for what is wrong with
+    /// it.
     bool IsSound() const { return sound_; }
     void Distrust() { sound_ = false; }
 
-    /// Runs a query. It holds the file for reading until Next has given `false` or it is destroyed, which should be soon. Throws Error.
+    /// Runs a query. It holds the file for reading until Next has given `false` or it is destroyed, which should be soon. Throws
+    /// Error.
     QSqlQuery Select(const std::string& sql);
 
-    /// The same with values for each "?" in it, prepared once for many uses; the reference is good until the next call. Finish it after use.
+    /// The same with values for each "?" in it, prepared once for many uses; the reference is good until the next call. Finish it
+    /// after use.
     QSqlQuery& SelectPrepared(const std::string& sql, const QVariantList& values);
 
     /// Whether there is another row. Throws as Select does.

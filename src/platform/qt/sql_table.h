@@ -29,9 +29,10 @@ public:
     const std::string& Name() const { return name_; }
     const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
 
-    /// A column of the first of these rows, as it is when it is first looked at. A row of which one column is looked at is seldom looked at
-    /// further: walks over many rows want one column of each. So a row of which a second one is wanted is fetched whole, and the first row of
-    /// a walk at once, but a walk along one column fetches that column of some rows ahead. Throws Error when the row is gone.
+    /// A column of the first of these rows, as it is when it is first looked at. A row of which one column is looked at is seldom
+    /// looked at further: walks over many rows want one column of each. So a row of which a second one is wanted is fetched
+    /// whole, and the first row of a walk at once, but a walk along one column fetches that column of some rows ahead. Throws
+    /// Error when the row is gone.
     Value Read(std::span<const std::int64_t> keys, std::size_t column);
 
     /// The next Read looks at the file again.

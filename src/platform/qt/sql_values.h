@@ -15,8 +15,8 @@ Value ForColumn(const Value& value, std::optional<ColumnKind> kind);
 /// The value as the driver takes it.
 QVariant ToBind(const Value& value);
 
-/// What the file holds as its column has it. A stored value that does not fit the kind, which only another program can have left there, comes
-/// as its text, so that the conversion of whoever needs it raises.
+/// What the file holds as its column has it. A stored value that does not fit the kind, which only another program can have left
+/// there, comes as its text, so that the conversion of whoever needs it raises.
 Value FromStored(const QVariant& stored, std::optional<ColumnKind> kind);
 
 }  // namespace korvane

@@ -1,6 +1,6 @@
 // The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray
-// icon. It shows what the rooms below tell it
-// as their Operator, and hands them what the person at the desk wants; it decides nothing itself.
+// icon. It shows what the rooms below tell it as their Operator, and hands them what the person at the desk wants; it decides
+// nothing itself.
 #pragma once
 
 #include <QLabel>

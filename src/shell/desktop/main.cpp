@@ -18,8 +18,7 @@ constexpr const char* kPlatforms = "QT_QPA_PLATFORM";
 constexpr const char* kNoDisplay = "minimal";
 
 /// The application, on a platform that bears a dead display: one that is named but not there ends a Qt program on the spot,
-/// unless there is one more platform to
-/// fall back on. What we start inherits none of that.
+/// unless there is one more platform to fall back on. What we start inherits none of that.
 class Application : public QApplication {
 public:
     static std::unique_ptr<Application> Make(int& argc, char** argv) {

@@ -1,6 +1,5 @@
-// The list of all entries for a view: thirteen columns of text with the picture of the state, sorted by the text of one
-// column. A refresh keeps rows apart by their
-// id, so that what is selected stays selected wherever it moves to.
+// The list of all entries for a view: thirteen columns of text with the picture of the state, sorted by the text of one column. A
+// refresh keeps rows apart by their id, so that what is selected stays selected wherever it moves to.
 #pragma once
 
 #include <QAbstractTableModel>

@@ -52,9 +52,8 @@ Run::Options OptionsOf(int argc, char** argv) {
     return options;
 }
 
-/// The process ends here and now: a name server that does not answer or a check that is under way must not hold it up, and
-/// there is nothing left
-/// to write.
+/// The process ends here and now: a name server that does not answer or a check that is under way must not hold it up, and there
+/// is nothing left to write.
 [[noreturn]] void EndProcess(int status) {
     std::cout.flush();
     std::cerr.flush();

@@ -1,4 +1,5 @@
-// What the conversations rely on in every TCP socket: the states in their order, arrivals, both ends of closing, and what is refused.
+// What the conversations rely on in every TCP socket: the states in their order, arrivals, both ends of closing, and what is
+// refused.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -37,7 +37,8 @@ public:
         return std::make_unique<VirtualIcmpEcho>(net_);
     }
 
-    /// A server on 127.0.0.1 and localhost that plays these steps to each client; at their end it waits for the client. Gives its port.
+    /// A server on 127.0.0.1 and localhost that plays these steps to each client; at their end it waits for the client. Gives its
+    /// port.
     int Serve(const std::vector<ServerStep>& steps);
     int RefusingPort() {
         net_.Host("127.0.0.1");

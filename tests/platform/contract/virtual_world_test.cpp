@@ -1,4 +1,5 @@
-// What tests rely on in the virtual world beyond the contracts of the ports: order, the wall clock's jumps, servers that change, faults.
+// What tests rely on in the virtual world beyond the contracts of the ports: order, the wall clock's jumps, servers that change,
+// faults.
 #include "support/virtual_world.h"
 
 #include <gtest/gtest.h>
