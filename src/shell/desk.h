@@ -7,6 +7,7 @@
 
 #include "engine/collaborators.h"
 #include "engine/http_requester.h"
+#include "engine/machine_restart.h"
 #include "engine/ping_checker.h"
 #include "engine/run_command.h"
 #include "engine/tcp_checker.h"
@@ -18,7 +19,12 @@
 #include "platform/files.h"
 #include "platform/operator.h"
 #include "platform/processes.h"
+#include "platform/sound.h"
+#include "platform/system_info.h"
 #include "shell/report_commands.h"
+#include "shell/service_mode.h"
+#include "shell/version_check.h"
+#include "shell/web_pages.h"
 #include "store/legacy_log.h"
 #include "store/log.h"
 #include "store/maintenance.h"
@@ -30,13 +36,17 @@
 namespace korvane {
 
 struct Desk {
-    std::string dir;  ///< the home: database, settings, logs
+    std::string dir;      ///< the home: database, settings, logs
+    std::string version;  ///< "major.minor.revision" of this program
     Store& store;
     const Clock& clock;
     Events& events;
     Operator& person;
     Files& files;
     Processes& processes;
+    Sound& sound;
+    const SystemInfo& systemInfo;
+    std::function<std::string()> proxyServer;  ///< that this session goes through, as "host:port"; blank: none
     Log& log;
     StatusLog& status;
     ServerIds& ids;
@@ -51,6 +61,10 @@ struct Desk {
     ReportPublisher& publisher;
     ReportCommands& reports;
     Maintenance& maintenance;
+    MachineRestart& restart;
+    WebPages& pages;
+    VersionCheck& versionCheck;
+    ServiceMode& service;
     ConversationWindow& conversation;
 
     // The checkers for what the operator tries out. They share nothing with those of the cycle, whose check may be under way.

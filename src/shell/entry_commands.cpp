@@ -11,8 +11,8 @@ constexpr const char* kDefaultExtension = ".exe";
 }  // namespace
 
 const char* const kNoRecipientMessage =
-    "You must type in a valid email address in the Email Notify #1 or #2 field.  A valid email address looks like "
-    "'you@example.com'";
+    "You must type in a valid email address in the Email Notify #1 or #2 field.  "
+    "A valid email address looks like 'you@example.com'";
 
 const char* const kTestFailureCommand = "The program you wish to launch when the Server can not be reached is '";
 const char* const kTestUpCommand = "The program you wish to launch when the Server comes back up is '";
@@ -35,9 +35,8 @@ std::string NoTraceMessage(const std::string& name) {
            "No traceroute has yet been run for " +
            name +
            ".\r\n"
-           "Once a URL failure occurs, you will be able to see the last traceroute that was run.  This information will also be "
-           "sent to "
-           "you when the server comes back up. ";
+           "Once a URL failure occurs, you will be able to see the last traceroute that was run.  "
+           "This information will also be sent to you when the server comes back up. ";
 }
 
 std::string ResetQuestion(const std::string& name) {

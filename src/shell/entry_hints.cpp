@@ -91,16 +91,14 @@ constexpr std::string_view kNewEntryHint =
     "Please fill in all the appropriate settings and check each of the settings tabs before saving.";
 
 constexpr std::string_view kFixedPortMessage =
-    "The port of a pre-defined server type is fixed.\r\n\r\nChoose the server type \"Other Port\" if you want to use a port of "
-    "your own.";
+    "The port of a pre-defined server type is fixed.\r\n\r\n"
+    "Choose the server type \"Other Port\" if you want to use a port of your own.";
 constexpr std::string_view kFixedRequestMessage =
-    "The request of a pre-defined server type is fixed.\r\n\r\nChoose the server type \"Other Port\" if you want to use a "
-    "request of "
-    "your own.";
+    "The request of a pre-defined server type is fixed.\r\n\r\n"
+    "Choose the server type \"Other Port\" if you want to use a request of your own.";
 constexpr std::string_view kFixedExpectedTextMessage =
-    "The expected response of a pre-defined server type is fixed.\r\n\r\nChoose the server type \"Other Port\", \"HTTP\" or "
-    "\"HTTPS\" "
-    "if you want to expect a text of your own.";
+    "The expected response of a pre-defined server type is fixed.\r\n\r\n"
+    "Choose the server type \"Other Port\", \"HTTP\" or \"HTTPS\" if you want to expect a text of your own.";
 
 std::string_view HelpOnPage(std::string_view page) {
     return Find(kPages, page);

@@ -8,6 +8,7 @@
 #include "notify/global_email.h"
 #include "shell/entry_columns.h"
 #include "shell/entry_last_error.h"
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -83,11 +84,12 @@ void ReadRow(Recordset& row, OpenedEntry& entry, LastError& last) {
 
 void TellMissingRow(const Desk& desk, const std::string& strID) {
     desk.person.ShowMessage(
-        "Korvane",
+        kMessageTitle,
         "Error with Database. Current record ID='" + strID +
             "' Recordset has zero records. We expected 1 record. \r\n\r\n"
-            "To fix, manually open c:\\program files\\korvane\\kvdata2.mdb using Microsoft Access.  Edit the ID field (to "
-            "10 or 20 or something), or delete the record there and re-Add the record through Korvane \r\n\r\n"
+            "To fix, manually open c:\\program files\\korvane\\kvdata2.mdb using Microsoft Access.  "
+            "Edit the ID field (to 10 or 20 or something), or delete the record there and re-Add the record through Korvane "
+            "\r\n\r\n"
             "SQLSource=" +
             EntryQuery(strID));
 }

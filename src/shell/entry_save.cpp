@@ -9,19 +9,17 @@
 #include "shell/entry_last_error.h"
 #include "shell/entry_name.h"
 #include "shell/entry_row.h"
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
-
 constexpr const char* kSchemeMessage =
     "do not use http://, https://, or ftp:// etc on the server name field. \r\n\r\n"
     "Instead, choose the type of server you want to monitor from the dropdown.\r\n\r\n"
-    "URLs are acceptable for http and https but not for any other type of server.  Only the name or IP is valid for ftp, pop3, "
-    "smtp "
-    "etc.";
+    "URLs are acceptable for http and https but not for any other type of server.  "
+    "Only the name or IP is valid for ftp, pop3, smtp etc.";
 
 struct DownTime {
     std::string EntryFields::*time;
@@ -45,7 +43,7 @@ void Write(Recordset& row, const EntryColumn& each, const EntryFields& fields, L
 
 void CleanName(const Desk& desk, EntryFields& fields, const std::function<void(const std::string& name)>& nameCleaned) {
     if (!BeginsWithScheme(fields.strAddress_IP)) return;
-    desk.person.ShowMessage(kTitle, kSchemeMessage);
+    desk.person.ShowMessage(kMessageTitle, kSchemeMessage);
     fields.strAddress_IP = WithoutSchemes(fields.strAddress_IP);
     nameCleaned(fields.strAddress_IP);
 }
@@ -63,11 +61,10 @@ std::optional<EntryRefusal> CheckDownTimes(const EntryFields& fields) {
         }
         const std::string& duration = fields.*minutes;
         if (!IgnoreErrors([&] { (void)Value(duration).Int16(); })) {
-            return EntryRefusal{
-                minutes,
-                "We're sorry, but the downtime minutes number you entered was not a valid integer or was blank.  You "
-                "entered '" +
-                    duration + "' which is invalid.  Please try again. Values of 1-999 are valid"};
+            return EntryRefusal{minutes,
+                                "We're sorry, but the downtime minutes number you entered was not a valid integer or was blank.  "
+                                "You entered '" +
+                                    duration + "' which is invalid.  Please try again. Values of 1-999 are valid"};
         }
     }
     return std::nullopt;
@@ -88,7 +85,7 @@ std::string NotAnAddressMessage(const std::string& name) {
 bool SaveEntry(const Desk& desk, const std::string& strID, EntryFields fields,
                const std::function<void(const std::string& name)>& nameCleaned) {
     const bool warns = fields.strType == "PING" && !IsValidIPAddress(fields.strAddress_IP);
-    if (warns) desk.person.ShowMessage(kTitle, NotAnAddressMessage(fields.strAddress_IP));
+    if (warns) desk.person.ShowMessage(kMessageTitle, NotAnAddressMessage(fields.strAddress_IP));
 
     LastError last;
     const auto connection = desk.store.NewConnection();
@@ -107,7 +104,7 @@ bool SaveEntry(const Desk& desk, const std::string& strID, EntryFields fields,
             Write(*row, each, fields, last);
         last.Try([&] { row->Update(); });
     } else {
-        desk.person.ShowMessage(kTitle, "DB Error: Couldn't save " + last.Text() + " " + EntryQuery(strID));
+        desk.person.ShowMessage(kMessageTitle, "DB Error: Couldn't save " + last.Text() + " " + EntryQuery(strID));
     }
     last.Try([&] { row->Close(); });
     last.Try([&] { connection->Close(); });

@@ -8,12 +8,12 @@
 #include "base/text.h"
 #include "shell/entry_save.h"
 #include "shell/entry_type.h"
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr std::int16_t kWebPort = 80;  // of an entry without one
 
 std::int64_t WholeOrZero(const std::string& text) {
@@ -74,16 +74,14 @@ std::string WithTimeout(const EntryFields& fields) {
 
 std::string FoundThoughItMeansFailure(const std::string& expected, const std::string& found) {
     return "Server Error: Although success text '" + expected + "' was found in the response, '" + found +
-           "' was also found in the response (text to be considered a URL failure).  You have set this value in the 'Scan Text' "
-           "tab "
-           "(text that indicates server failure) for this server.";
+           "' was also found in the response (text to be considered a URL failure).  "
+           "You have set this value in the 'Scan Text' tab (text that indicates server failure) for this server.";
 }
 
 std::string MeansFailure(const std::string& found) {
     return "Server Error: '" + found +
-           "' was found in the response (text you want considered a failure).  You have set this value in the 'URL Scan Text' "
-           "tab "
-           "(text that indicates url failure) for this URL.";
+           "' was found in the response (text you want considered a failure).  "
+           "You have set this value in the 'URL Scan Text' tab (text that indicates url failure) for this URL.";
 }
 
 TestVerdict JudgeExpectedText(const EntryFields& fields, const std::string& response, const UrlFailure& failure) {
@@ -112,7 +110,7 @@ std::optional<CheckResult> RunEntryTest(const Desk& desk, const EntryFields& fie
     if (IsWebType(fields.strType)) return RequestPage(desk, fields);
     if (!IsPingType(fields.strType)) return Converse(desk, fields);
     if (IsValidIPAddress(fields.strAddress_IP)) return Ping(desk, fields);
-    desk.person.ShowMessage(kTitle, NotAnAddressMessage(fields.strAddress_IP));
+    desk.person.ShowMessage(kMessageTitle, NotAnAddressMessage(fields.strAddress_IP));
     return std::nullopt;
 }
 
@@ -142,14 +140,12 @@ UrlFailure FindUrlFailure(const Desk& desk, const std::string& response, const s
 
 std::string PortAdvice(const EntryFields& fields) {
     if (fields.strType == "HTTPS" && WholeOrZero(fields.strPort) == 80) {
-        return "Your command might be failing because you have specified port 80 for an https request.  Normally, the standard "
-               "port for "
-               "SSL (https) is port 443.\r\n\r\nWhy don't you try port 443.";
+        return "Your command might be failing because you have specified port 80 for an https request.  "
+               "Normally, the standard port for SSL (https) is port 443.\r\n\r\nWhy don't you try port 443.";
     }
     if (fields.strType == "HTTP" && WholeOrZero(fields.strPort) == 443) {
-        return "Your command might be failing because you have specified port 443 for an http request.  Normally, the standard "
-               "port for "
-               "standard http is port 80.\r\n\r\nWhy don't you try port 80?";
+        return "Your command might be failing because you have specified port 443 for an http request.  "
+               "Normally, the standard port for standard http is port 80.\r\n\r\nWhy don't you try port 80?";
     }
     return "";
 }

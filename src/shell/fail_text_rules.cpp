@@ -114,9 +114,9 @@ void FailTextRules::WriteError(const std::string& routine, const std::string& er
 
 std::string FailTextHelp() {
     return "Specify a substring that you expect may be returned which indicates a URL failure (such as a page returned from your "
-           "firewall which contains the text 'URL can't be reached'). STRINGS ARE CASE SENSITIVE.After you specify this search "
-           "text, specify the command that should be executed if this type of URL failure occurs (optional).  You will always "
-           "receive Email Notification if these failures occur.";
+           "firewall which contains the text 'URL can't be reached'). STRINGS ARE CASE SENSITIVE."
+           "After you specify this search text, specify the command that should be executed if this type of URL failure occurs "
+           "(optional).  You will always receive Email Notification if these failures occur.";
 }
 
 std::string FailCommandHelp(const FailTextRule& rule) {

@@ -53,8 +53,9 @@ WizardPage QuestionOnMailServer(const std::string& address) {
     return {.title = "Korvane Setup Question 3 of 3",
             .prompt =
                 "To get email sent to you, you need to specify the name of your mail server (SMTP).\r\n\r\n"
-                "Don't worry if you don't know it now.  You can configure it later.  You can look at your browser or "
-                "other email client to find the name of the SMTP server (do this now or later).\r\n\r\n"
+                "Don't worry if you don't know it now.  You can configure it later.  "
+                "You can look at your browser or other email client to find the name of the SMTP server (do this now or later)."
+                "\r\n\r\n"
                 "What is the name of your mail server (SMTP mail)?",
             .defaultText = at == std::string::npos ? std::string(kSampleMailHost) : "mail." + address.substr(at + 1),
             .blankAnswerText = "Please type your SMTP server name."};
@@ -63,9 +64,10 @@ WizardPage QuestionOnMailServer(const std::string& address) {
 WizardPage ServiceInstalled(const std::string& serviceName) {
     return {.title = "Korvane Setup Info 1 of 3",
             .prompt = "The '" + serviceName +
-                      "' automatic service was added to the Service manager so Korvane restarts as a service when Windows "
-                      "restarts. You can un-install the Korvane service by Right-Clicking on the Korvane Icon in your system "
-                      "tray and unchecking the 'Install as Service' Choice.",
+                      "' automatic service was added to the Service manager "
+                      "so Korvane restarts as a service when Windows restarts. "
+                      "You can un-install the Korvane service by Right-Clicking on the Korvane Icon in your system tray and "
+                      "unchecking the 'Install as Service' Choice.",
             .blankAnswerText = "Korvane configured as a Service.",
             .textboxVisible = false};
 }
@@ -80,9 +82,11 @@ WizardPage MonitoringBegins(const std::string& address) {
 WizardPage GettingStarted() {
     return {.title = "Korvane Setup Info 3 of 3",
             .prompt =
-                "To get started\r\n1) Resize Korvane to fit your screen \r\n2) Double-Click the entry in the list to edit "
-                "it \r\n3) Click the NOW button to start monitoring right away.\r\n4) Click the [X] in the upper right hand "
-                "corner to minimize Korvane.",
+                "To get started\r\n"
+                "1) Resize Korvane to fit your screen \r\n"
+                "2) Double-Click the entry in the list to edit it \r\n"
+                "3) Click the NOW button to start monitoring right away.\r\n"
+                "4) Click the [X] in the upper right hand corner to minimize Korvane.",
             .blankAnswerText = "Getting Started.",
             .textboxVisible = false};
 }

@@ -4,12 +4,12 @@
 #include <exception>
 #include <utility>
 
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr std::string_view kAllServers = "SELECT * from servers order by id";
 constexpr const char* kNoServer = "No server record is current";
 constexpr const char* kAssignToAll = "This will assign global values to the email settings of all the servers\r\nProceed?";
@@ -90,7 +90,7 @@ void GlobalEmailWalk::SaveGlobalValues(const GlobalEmailFields& fields) {
         monitors_.setEmail(each.monitor, fields.*each.email);
     monitors_.LoadData();
     email.UpdateData();
-    desk_.person.ShowMessage(kTitle, "Data updated");
+    desk_.person.ShowMessage(kMessageTitle, "Data updated");
 }
 
 void GlobalEmailWalk::MovePrevious() {
@@ -128,12 +128,12 @@ std::string GlobalEmailWalk::UpdateServer(const GlobalEmailFields& fields) {
             row.Fields(text.column) = fields.*text.server;
         row.Update();
     });
-    if (!hasServer_ && error.empty()) desk_.person.ShowMessage(kTitle, kNoServer);
+    if (!hasServer_ && error.empty()) desk_.person.ShowMessage(kMessageTitle, kNoServer);
     return error;
 }
 
 void GlobalEmailWalk::AskUpdateAll(std::function<void()> yes) const {
-    desk_.person.Ask(kTitle, kAssignToAll, std::move(yes));
+    desk_.person.Ask(kMessageTitle, kAssignToAll, std::move(yes));
 }
 
 std::string GlobalEmailWalk::UpdateAll(const GlobalEmailFields& fields,

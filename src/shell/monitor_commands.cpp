@@ -6,6 +6,7 @@
 #include "base/ignore_errors.h"
 #include "engine/server_table.h"
 #include "platform/wait_cursor.h"
+#include "shell/message_title.h"
 #include "shell/run.h"
 #include "store/database_files.h"
 #include "store/schema.h"
@@ -13,20 +14,18 @@
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr int kMostEntries = 499;
 
 constexpr const char* kNoRoomToAdd =
-    "Sorry, 500 is the maximum number of Server Entries supported for the production version.  Please remove or edit some "
-    "unused, "
-    "or less important URLs from the list.";
+    "Sorry, 500 is the maximum number of Server Entries supported for the production version.  "
+    "Please remove or edit some unused, or less important URLs from the list.";
 constexpr const char* kNoRoomToCopy =
-    "Sorry, 500 is the maximum number of Servers supported for the production version.  Please remove or edit some unused, or "
-    "less important Servers from the list.";
+    "Sorry, 500 is the maximum number of Servers supported for the production version.  "
+    "Please remove or edit some unused, or less important Servers from the list.";
 constexpr const char* kResetGraph = "This will delete the response time data for all servers (the hourly and daily graphs).";
 constexpr const char* kResetSummary =
-    "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  This "
-    "will Also delete all failure records. This will NOT delete the response time records (daily/hourly graphs). ";
+    "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  "
+    "This will Also delete all failure records. This will NOT delete the response time records (daily/hourly graphs). ";
 constexpr const char* kRepairing =
     "During Compact and Repair, Korvane will freeze and refuse user input for up to 2 minutes.  Please wait...";
 
@@ -77,7 +76,7 @@ void MonitorCommands::mnuTrayOn() {
 
 bool MonitorCommands::HasRoom(const std::string& refusal) {
     if (desk_.settings.GetTotalURLs() < kMostEntries) return true;
-    desk_.person.ShowMessage(kTitle, refusal);
+    desk_.person.ShowMessage(kMessageTitle, refusal);
     return false;
 }
 
@@ -104,7 +103,7 @@ std::string MonitorCommands::CopyURL(const std::string& id) {
         newId = Copy(id);
     } catch (const std::exception& error) {
         desk_.log.WriteLog(kLogFatal, kLogError, "cmdCopyPaste_Click: " + std::string(error.what()));
-        desk_.person.ShowError(kTitle, error.what());
+        desk_.person.ShowError(kMessageTitle, error.what());
     }
     desk_.person.RefreshURLList();
     return newId;
@@ -118,7 +117,7 @@ std::string MonitorCommands::Copy(const std::string& id) {
     const auto source = desk_.store.NewRecordset();
     if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
     if (id.empty() || source->Eof()) {
-        desk_.person.ShowMessage(kTitle, "didn't find source record to copy.");
+        desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
         return "";
     }
     const auto copy = desk_.store.NewRecordset();
@@ -134,12 +133,13 @@ std::string MonitorCommands::Copy(const std::string& id) {
 
 void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, const std::function<void()>& answered) {
     if (id.empty()) {
-        desk_.person.ShowMessage(kTitle, "Please click an entry in the list, then click delete.");
+        desk_.person.ShowMessage(kMessageTitle, "Please click an entry in the list, then click delete.");
         return;
     }
     mnuTrayOff();
     desk_.person.Ask(
-        kTitle, "Are you sure you want to Permanently Delete the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.",
+        kMessageTitle,
+        "Are you sure you want to Permanently Delete the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.",
         [=, this] {
             Delete(id);
             answered();
@@ -163,13 +163,13 @@ void MonitorCommands::OpenText(const std::string& path) {
     bool exists = false;
     IgnoreErrors([&] { exists = desk_.files.Exists(path); });
     if (!exists) {
-        desk_.person.ShowMessage(kTitle, "There is no file " + path + " yet.");
+        desk_.person.ShowMessage(kMessageTitle, "There is no file " + path + " yet.");
         return;
     }
     try {
         desk_.processes.OpenText(path);
     } catch (const std::exception& error) {
-        desk_.person.ShowError(kTitle, "The file " + path + " could not be opened in a text editor: " + error.what());
+        desk_.person.ShowError(kMessageTitle, "The file " + path + " could not be opened in a text editor: " + error.what());
     }
 }
 
@@ -182,7 +182,7 @@ void MonitorCommands::mnuFileRepair() {
 }
 
 void MonitorCommands::AskReset(const std::string& opening, std::function<void()> reset) {
-    desk_.person.Ask(kTitle,
+    desk_.person.Ask(kMessageTitle,
                      opening +
                          "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\n"
                          "Click YES to Reset and Continue, NO to cancel",

@@ -1,4 +1,5 @@
-// The main window as the run sees it: what start-up does to it. As it stands it is the window of a program without one.
+// The main window as the run sees it: what start-up and the service do to it. As it stands it is the window of a program without
+// one.
 #pragma once
 
 #include <string>
@@ -25,6 +26,13 @@ public:
     virtual void MinimizeToTray() {}
 
     virtual void Form_Resize() {}
+
+    /// The check marks of the tray's commands: installed as a service, in the startup group.
+    virtual void SetStartMarks(bool /*mnuTrayNTService*/, bool /*mnuTrayStartup*/) {}
+
+    /// Asks the person at the desk the questions of a first start and makes what the answers say. Waits through the event pump,
+    /// for days if need be.
+    virtual void SetUpForTheFirstTime() {}
 };
 
 }  // namespace korvane

@@ -1,11 +1,10 @@
 #include "shell/options_commands.h"
 
 #include "base/text.h"
+#include "shell/message_title.h"
 
 namespace korvane {
 namespace {
-
-constexpr const char* kTitle = "Korvane";
 
 constexpr const char* kTestTitle = "Testing SMTP Servers";
 constexpr const char* kAskTo =
@@ -44,35 +43,36 @@ std::string OpeningOf(OptionsReset reset) {
     switch (reset) {
         case OptionsReset::Summary:
             return "This will reset response time average, success count, fail count, and up-time percentage data for ALL server "
-                   "entries.  This will Also delete all failure records. This will NOT delete the response time records "
-                   "(daily/hourly graphs). ";
+                   "entries.  This will Also delete all failure records. "
+                   "This will NOT delete the response time records (daily/hourly graphs). ";
         case OptionsReset::ResponseData:
             return "This will delete the response time data for all servers (the hourly and daily graphs).";
         case OptionsReset::All:
             break;
     }
     return "This will reset response time average, success count, fail count, and up-time percentage data for ALL server "
-           "entries and it WILL ALSO delete all failure records. A Failure record is stored each time a server can't be "
-           "reached.  These are used to create the failure reports.";
+           "entries and it WILL ALSO delete all failure records. "
+           "A Failure record is stored each time a server can't be reached.  These are used to create the failure reports.";
 }
 
 }  // namespace
 
 constexpr std::string_view kRestartTested =
-    "IF YOU CLICKED YES, your computer should be shutting down. If not, the shutdown command failed.  Verify whether you have "
-    "the file 'shutdown.exe' on your computer.  If so, it should be located in the same directory where Korvane is installed "
-    "'korvanecore.exe'";
+    "IF YOU CLICKED YES, your computer should be shutting down. If not, the shutdown command failed.  "
+    "Verify whether you have the file 'shutdown.exe' on your computer.  "
+    "If so, it should be located in the same directory where Korvane is installed 'korvanecore.exe'";
 
 constexpr std::string_view kRestartsThisMachine =
-    "Select this option ONLY when you've installed Korvane on the web server (or important server) computer.  To shutdown a "
-    "remote computer, check out the help topics.";
+    "Select this option ONLY when you've installed Korvane on the web server (or important server) computer.  "
+    "To shutdown a remote computer, check out the help topics.";
 constexpr std::string_view kDoesNotRestart =
-    "Korvane will not reboot THIS machine (the one this program is running on), when a server failure occurs.  This is the "
-    "option to choose when Korvane is NOT installed on the web server (or important server) machine.";
+    "Korvane will not reboot THIS machine (the one this program is running on), when a server failure occurs.  "
+    "This is the option to choose when Korvane is NOT installed on the web server (or important server) machine.";
 constexpr std::string_view kRestartsForAny = "Korvane will restart this computer if ANY server failes (x times in a row).";
 constexpr std::string_view kRestartsForAll =
-    "Korvane will restart this computer when ALL servers are failing.  If a server fails x times in a row and all other server "
-    "entries are failing or have failed x times in a row, this computer will be restarted";
+    "Korvane will restart this computer when ALL servers are failing.  "
+    "If a server fails x times in a row and all other server entries are failing or have failed x times in a row, "
+    "this computer will be restarted";
 
 void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskText& ask,
                       const std::function<void(const std::string& text)>& setStatus, const std::function<void()>& done) {
@@ -87,7 +87,7 @@ void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskTe
 void ResetForAll(const Desk& desk, OptionsReset reset) {
     constexpr bool kWithFailures = true;
     Maintenance& maintenance = desk.maintenance;
-    desk.person.Ask(kTitle, OpeningOf(reset) + kNoUndo, [&maintenance, reset] {
+    desk.person.Ask(kMessageTitle, OpeningOf(reset) + kNoUndo, [&maintenance, reset] {
         if (reset != OptionsReset::ResponseData) maintenance.ResetStatDataALL(kWithFailures);
         if (reset != OptionsReset::Summary) maintenance.ResetResponseDataALL();
     });

@@ -48,8 +48,8 @@ constexpr const char* kShortestWait = "1";
 
 constexpr std::string_view kNoServiceHint =
     "You are Not running Windows NT/XP/2000/2003.  You can not install Korvane as a service for this reason, but you can add "
-    "Korvane to the StartUp group so it starts each time Windows Starts.  Do that by Clicking on the 'Add Korvane to the Startup "
-    "Group' Checkbox.";
+    "Korvane to the StartUp group so it starts each time Windows Starts.  "
+    "Do that by Clicking on the 'Add Korvane to the Startup Group' Checkbox.";
 
 OptionsFields OptionsFromSettings(const SettingsCollection& settings) {
     const auto setting = [&](std::string_view key) {
@@ -70,8 +70,9 @@ std::string NoMailServerHint() {
 }
 
 std::string NoMailServerMessage() {
-    return "You should set the SMTP server value.  If you want to get automatic email replies if a Server failure occurs, you "
-           "must specify this value.  It usually is something like '" +
+    return "You should set the SMTP server value.  "
+           "If you want to get automatic email replies if a Server failure occurs, you must specify this value.  "
+           "It usually is something like '" +
            std::string(kSampleMailHost) + "'";
 }
 

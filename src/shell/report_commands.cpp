@@ -1,16 +1,16 @@
 #include "shell/report_commands.h"
 
 #include "base/ignore_errors.h"
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 
 void ReportCommands::DisplayReport(const std::string& idCustomer, const std::string& strGroup) {
     if (!ports_.processes.HasDefaultProgram("htm")) {
-        ports_.person.ShowMessage(
-            "Korvane",
-            "We're sorry, but Korvane can't open up your browser to display the report because you have not "
-            "chosen a default browser.");
+        ports_.person.ShowMessage(kMessageTitle,
+                                  "We're sorry, but Korvane can't open up your browser to display the report "
+                                  "because you have not chosen a default browser.");
         return;
     }
     const std::string page = ports_.reports.PageOf(idCustomer, strGroup);

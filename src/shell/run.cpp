@@ -29,7 +29,8 @@ Run::Run(const Ports& ports, Options options)
       ids_(settingsFile_, ports.clock),
       window_(ports.window == nullptr ? noWindow_ : *ports.window),
       entries_({ports.store, ports.clock, ports.events, log_, status_, settingsFile_, ids_, collection_}, options_.dir),
-      settings_({ports.files, ports.clock, ports.events, ports.person, window_, status_, settingsFile_, collection_, entries_},
+      settings_({ports.files, ports.clock, ports.events, ports.person, window_, status_, settingsFile_, collection_, entries_,
+                 [this] { service_.StartService(); }},
                 options_.dir),
       legacyLog_(collection_, settings_.GetLogFile()),
       Timer2_(NewTimer({"Timer2", 1000ms, [this] { wait_.Timer2_Timer(); }})),
@@ -59,7 +60,26 @@ Run::Run(const Ports& ports, Options options)
       wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); },
              [this] { maintenance_.CompactAndRepair(DatabasePath(options_.dir)); }}),
       progress_({ports.events, ports.person, state_, *TimerProgress_}),
-      stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}) {}
+      stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}),
+      restart_({ports.power, ports.person, status_, log_, state_, [this] { cmdStopStart(); }}),
+      pages_({ports.processes, ports.person, settingsFile_}),
+      versionCheck_({testHttp_, ports.person, pages_}, options_.version),
+      service_({ports.services, ports.autostart, ports.person, ports.timers, status_, collection_}, CommandsOfService(),
+               {.path = options_.program, .home = options_.dir, .icon = options_.icon}) {}
+
+ServiceMode::Commands Run::CommandsOfService() {
+    return {.Save = [this] { settings_.Save(); },
+            .isMonitoring = [this] { return state_.bMonitoring; },
+            .cmdStopStart = [this] { cmdStopStart(); },
+            .keepSettingsOnExit = [this] { noSaveOnExit_ = true; },
+            .appendToTitle =
+                [this](const std::string& more) {
+                    moreTitle_ += more;
+                    SetCaptions();
+                },
+            .unload = ports_.exit,
+            .showMarks = [this] { window_.SetStartMarks(service_.mnuTrayNTService(), service_.mnuTrayStartup()); }};
+}
 
 std::unique_ptr<Timer> Run::NewTimer(const NamedTimer& timer) {
     auto made = ports_.timers.NewTimer(std::string(timer.name));
@@ -70,17 +90,27 @@ std::unique_ptr<Timer> Run::NewTimer(const NamedTimer& timer) {
 }
 
 std::string Run::Title() const {
-    return "Korvane Network Monitoring & Server Monitor v" + options_.version + " by Brellix";
+    return "Korvane Network Monitoring & Server Monitor v" + options_.version + " by Brellix" + moreTitle_;
+}
+
+void Run::SetCaptions() {
+    window_.SetCaptions({.title = Title(),
+                         .mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
+                         .mnufilekvsettings = "Open Korvane Settings File (" + settings_.GetSettingsFile() + ")"});
 }
 
 Desk Run::TheDesk() {
     return {.dir = options_.dir,
+            .version = options_.version,
             .store = ports_.store,
             .clock = ports_.clock,
             .events = ports_.events,
             .person = ports_.person,
             .files = ports_.files,
             .processes = ports_.processes,
+            .sound = ports_.sound,
+            .systemInfo = ports_.systemInfo,
+            .proxyServer = ports_.proxyServer,
             .log = log_,
             .status = status_,
             .ids = ids_,
@@ -95,6 +125,10 @@ Desk Run::TheDesk() {
             .publisher = publisher_,
             .reports = reportCommands_,
             .maintenance = maintenance_,
+            .restart = restart_,
+            .pages = pages_,
+            .versionCheck = versionCheck_,
+            .service = service_,
             .conversation = conversation_,
             .http = testHttp_,
             .tcp = testTcp_,
@@ -114,12 +148,17 @@ bool Run::IsFirstRun() {
 
 // Without a window only a home with entries counts as set up: somebody who comes with a window later is to be asked for them.
 void Run::SetUpForTheFirstTime() {
+    window_.SetUpForTheFirstTime();
+    if (window_.HasWindow() || HasEntries()) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+}
+
+bool Run::HasEntries() {
     const auto conn = ports_.store.NewConnection();
     conn->SetConnectionString(OdbcConnectionText(options_.dir));
     conn->Open();
     const auto rs = ports_.store.NewRecordset();
     rs->Open(query::kAllByNextCheck, *conn, CursorType::Static, LockType::Optimistic);
-    if (window_.HasWindow() || rs->RecordCount() > 0) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+    return rs->RecordCount() > 0;
 }
 
 void Run::WakeUp() {
@@ -146,8 +185,12 @@ bool Run::MayExit() {
 }
 
 void Run::mnuExit_Click() {
-    if (!noSaveOnExit_) settings_.Save();
+    SaveOnExit();
     Form_Unload();
+}
+
+void Run::SaveOnExit() {
+    if (!noSaveOnExit_) settings_.Save();
 }
 
 void Run::LogWriteError() {
@@ -158,7 +201,7 @@ void Run::Form_Unload() {
     for (Timer* timer : std::array{Timer2_.get(), TimerMonitorDB_.get(), TimerProgress_.get(), TimerLog_.get()})
         timer->SetEnabled(false);
     IgnoreErrors([&] { http_.CloseInets(); });
-    if (!noSaveOnExit_) settings_.Save();
+    SaveOnExit();
     LogWriteError();
     log_.Info("Korvane Closing: Form_Unload:----------------------");
     log_.Info("Korvane Closing: Form_Terminate:----------------------");

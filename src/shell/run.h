@@ -15,6 +15,7 @@
 #include "engine/cycle_timers.h"
 #include "engine/failure_actions.h"
 #include "engine/http_requester.h"
+#include "engine/machine_restart.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
@@ -24,6 +25,7 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
+#include "platform/autostart.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
@@ -32,8 +34,11 @@
 #include "platform/icmp_echo.h"
 #include "platform/inet.h"
 #include "platform/operator.h"
+#include "platform/power.h"
 #include "platform/processes.h"
+#include "platform/service_manager.h"
 #include "platform/sound.h"
+#include "platform/system_info.h"
 #include "platform/tcp_socket.h"
 #include "platform/timer.h"
 #include "reports/pipeline.h"
@@ -41,6 +46,9 @@
 #include "shell/desk.h"
 #include "shell/monitor_window.h"
 #include "shell/report_commands.h"
+#include "shell/service_mode.h"
+#include "shell/version_check.h"
+#include "shell/web_pages.h"
 #include "store/ini_file.h"
 #include "store/legacy_log.h"
 #include "store/log.h"
@@ -70,7 +78,13 @@ public:
         Sound& sound;
         Processes& processes;
         GuidSource& guids;
+        Power& power;
+        ServiceManager& services;
+        Autostart& autostart;
+        const SystemInfo& systemInfo;
         std::function<std::unique_ptr<Inet>()> newInet;
+        std::function<std::string()> proxyServer;    ///< that this session goes through, as "host:port"; blank: none
+        std::function<void()> exit;                  ///< mnuExit_Click and the end of the process
         MonitorWindow* window = nullptr;             ///< null without a display
         ConversationWindow* conversation = nullptr;  ///< null: nobody looks on
         MailTrace* mailTrace = nullptr;              ///< the same for mail
@@ -80,7 +94,9 @@ public:
         std::string dir;      ///< where settings, database and log are, without a slash at the end
         std::string dataDir;  ///< where the installation's templates and blank database are; may be the same
         std::string commandLine;
-        std::string version;  ///< "major.minor.revision"
+        std::string version;       ///< "major.minor.revision"
+        std::string program = {};  ///< the executable's path
+        std::string icon = {};     ///< of the program, by its name in the desktop's theme or its path
     };
 
     Run(const Ports& ports, Options options);
@@ -102,7 +118,12 @@ public:
     /// under way is abandoned, and its row stays as it was and due.
     void mnuExit_Click();
 
+    /// Saves the settings as an exit does: not at all in a service, whose changes last as long as its run.
+    void SaveOnExit();
+
     void cmdStopStart() { stopStart_.cmdStopStart(); }
+
+    ServiceMode& Service() { return service_; }
 
     /// What the windows work with.
     Desk TheDesk();
@@ -122,9 +143,6 @@ public:
     const CycleState& State() const { return state_; }
     const SettingsCollection& GlobalSettings() const { return collection_; }
 
-    /// The title of the main window, with the version.
-    std::string Title() const;
-
 private:
     struct NamedTimer {
         std::string_view name;
@@ -135,7 +153,12 @@ private:
     std::unique_ptr<Timer> NewTimer(const NamedTimer& timer);
     CycleTimers Switches() { return {*Timer2_, *TimerMonitorDB_, *TimerLog_}; }
 
+    /// The title of the main window, with the version.
+    std::string Title() const;
+    void SetCaptions();
+    ServiceMode::Commands CommandsOfService();
     bool IsFirstRun();
+    bool HasEntries();
     void SetUpForTheFirstTime();
     void BeginOperations();
     void StopMonitor();
@@ -159,6 +182,7 @@ private:
     Options options_;
     bool bFormLoading_ = false;
     bool noSaveOnExit_ = false;
+    std::string moreTitle_;  ///< behind that of every run
     bool exitAsked_ = false;
     bool onlyTelling_ = false;
 
@@ -200,6 +224,10 @@ private:
     BeginWait wait_;
     RequestProgress progress_;
     StopStart stopStart_;
+    MachineRestart restart_;
+    WebPages pages_;
+    VersionCheck versionCheck_;
+    ServiceMode service_;
 };
 
 }  // namespace korvane

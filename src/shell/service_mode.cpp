@@ -5,6 +5,7 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
+#include "shell/message_title.h"
 #include "shell/options_open.h"
 #include "shell/service_texts.h"
 
@@ -52,7 +53,7 @@ std::string ServiceMode::WithWords(const std::string& text) const {
 }
 
 void ServiceMode::Show(const std::string& text) {
-    ports_.person.ShowMessage(texts::kTitle, text);
+    ports_.person.ShowMessage(kMessageTitle, text);
 }
 
 void ServiceMode::Tell(const std::string& text) {
@@ -178,7 +179,7 @@ bool ServiceMode::AddOrRemoveGroupShortCut(bool add) {
         return true;
     } catch (const std::exception& error) {
         const std::string text = add ? texts::kShortcutFailed : texts::kShortcutStays;
-        ports_.person.ShowError(texts::kTitle,
+        ports_.person.ShowError(kMessageTitle,
                                 ReplaceAll(ReplaceAll(text, "<file>", getShortCutFileName(name).file), "<why>", error.what()));
         return false;
     }
@@ -186,7 +187,7 @@ bool ServiceMode::AddOrRemoveGroupShortCut(bool add) {
 
 void ServiceMode::WarnIfInStartupGroup() {
     if (!IsInStartupGroup()) return;
-    if (!ports_.person.AskYesNo(texts::kTitle, texts::kAskWhenInstalled)) return;
+    if (!ports_.person.AskYesNo(kMessageTitle, texts::kAskWhenInstalled)) return;
     if (!AddOrRemoveGroupShortCut(false)) return;
     Show(texts::kRemovedForService);
     mnuTrayStartup_ = false;
@@ -221,7 +222,7 @@ void ServiceMode::mnuTrayNTService_Click() {
 
 void ServiceMode::InstallFromTray() {
     if (!InstallService(ServiceName(), true)) {
-        ports_.person.ShowError(texts::kTitle, WithWords(texts::kInstallFailed));
+        ports_.person.ShowError(kMessageTitle, WithWords(texts::kInstallFailed));
         return;
     }
     Show(WithWords(Named(texts::kInstalled) + texts::kImportant));
@@ -233,7 +234,7 @@ void ServiceMode::InstallFromTray() {
 
 void ServiceMode::RemoveFromTray() {
     if (!InstallService(ServiceName(), false)) {
-        ports_.person.ShowError(texts::kTitle, WithWords(texts::kRemoveFailed));
+        ports_.person.ShowError(kMessageTitle, WithWords(texts::kRemoveFailed));
         return;
     }
     Show(Named(texts::kRemoved));
@@ -274,20 +275,20 @@ bool ServiceMode::chkService_Click(bool checked) {
 
 void ServiceMode::InstallFromDialog() {
     if (!InstallService(ServiceName(), true)) {
-        ports_.person.ShowError(texts::kTitle, WithWords(Named(texts::kDialogInstallFailed)));
+        ports_.person.ShowError(kMessageTitle, WithWords(Named(texts::kDialogInstallFailed)));
         return;
     }
     ports_.person.ShowMessage(texts::kReadThis, WithWords(Named(texts::kDialogInstalled) + texts::kImportant));
     SetService(true);
     StartService();
     mnuTrayStartup_ = IsInStartupGroup();
-    if (mnuTrayStartup_ && ports_.person.AskYesNo(texts::kTitle, texts::kDialogAsk)) ChangeStartup();
+    if (mnuTrayStartup_ && ports_.person.AskYesNo(kMessageTitle, texts::kDialogAsk)) ChangeStartup();
     commands_.Save();
 }
 
 void ServiceMode::RemoveFromDialog() {
     if (!InstallService(ServiceName(), false)) {
-        ports_.person.ShowError(texts::kTitle, WithWords(Named(texts::kDialogRemoveFailed)));
+        ports_.person.ShowError(kMessageTitle, WithWords(Named(texts::kDialogRemoveFailed)));
         return;
     }
     Show(Named(texts::kDialogRemoved));

@@ -6,8 +6,6 @@
 
 namespace korvane::service_text {
 
-constexpr const char* kTitle = "Korvane";
-
 // Status lines.
 constexpr const char* kConnected = "Korvane Service Started Successfully!";
 constexpr const char* kNotConnected = "Korvane Service Failed to Start.";
@@ -33,16 +31,17 @@ constexpr const char* kRemoved =
     "It will not start automatically (before or after you logon to NT).\r\n\r\n"
     "You will have to start Korvane manually by looking for the Brellix program group and running Korvane.";
 constexpr const char* kInstallFailed =
-    "Korvane failed to Install itself as an NT service.  It may have already been installed.  Try checking and unchecking this "
-    "option a few times.";
+    "Korvane failed to Install itself as an NT service.  It may have already been installed.  "
+    "Try checking and unchecking this option a few times.";
 constexpr const char* kRemoveFailed =
-    "Korvane failed to unintall itself as an NT service.  It may have already been removed.  Try checking and unchecking this "
-    "option a few times.";
+    "Korvane failed to unintall itself as an NT service.  It may have already been removed.  "
+    "Try checking and unchecking this option a few times.";
 
 // Both a service and in the startup group.
 constexpr const char* kAskWhenInstalled =
-    "You have also configured Korvane to start when a user logs onto Windows (the startup group).  Since you also have just "
-    "installed it as a service, two instances of the program will be running when you logon to Windows.\r\n\r\n"
+    "You have also configured Korvane to start when a user logs onto Windows (the startup group).  "
+    "Since you also have just installed it as a service, two instances of the program will be running when you logon to Windows."
+    "\r\n\r\n"
     "Would you like to REMOVE the shortcut to Korvane that exists in the startup group (recommended)? ";
 constexpr const char* kRemovedForService =
     "Korvane was removed from the Windows Startup Group. \r\n\r\n"
@@ -55,16 +54,16 @@ constexpr const char* kStartupAdded =
     "Korvane will automatically start after you logon to windows.";
 constexpr const char* kStartupRemoved =
     "Korvane was removed from the Windows Startup Group. \r\n\r\n"
-    "Korvane will no longer automatically start after you logon to windows. You will have to start it manually by looking for "
-    "the Brellix program group and running Korvane.";
+    "Korvane will no longer automatically start after you logon to windows. "
+    "You will have to start it manually by looking for the Brellix program group and running Korvane.";
 constexpr const char* kWarning =
-    "Warning: Korvane is also set to run as a service.  You just added  a shortcut to Korvane in the startup group.  This means "
-    "when someone  logs onto windows, another instance of Korvane will start (in addition  to the one running as a service). "
-    "\r\n\r\n We recommend that you choose one or the other, not both.";
+    "Warning: Korvane is also set to run as a service.  You just added  a shortcut to Korvane in the startup group.  "
+    "This means when someone  logs onto windows, another instance of Korvane will start (in addition  to the one running as a "
+    "service). \r\n\r\n We recommend that you choose one or the other, not both.";
 constexpr const char* kShortcutStays =
     "The shortcut <file> could not be deleted: <why>\r\n\r\n"
-    "Please open its folder in your file manager.  From there, you should be able to select and delete any shortcut you do not "
-    "want.";
+    "Please open its folder in your file manager.  "
+    "From there, you should be able to select and delete any shortcut you do not want.";
 constexpr const char* kShortcutFailed = "The shortcut <file> could not be created: <why>";
 
 /// Behind what is said about the service, where there is more to know.
@@ -73,8 +72,8 @@ constexpr const char* kManagerSays = "\r\n\r\nThe service manager says: ";
 // The settings dialog's two check boxes.
 constexpr const char* kReadThis = "PLEASE READ THIS";
 constexpr const char* kDialogInstalled =
-    "The NT Service named <name> installed successfully. Now Korvane will automatically start when NT/2000/XP starts (even "
-    "before anyone logs in). \r\n\r\n"
+    "The NT Service named <name> installed successfully. "
+    "Now Korvane will automatically start when NT/2000/XP starts (even before anyone logs in). \r\n\r\n"
     "Check 'Control Panel - Services' and look for '<name>'\r\n\r\n";
 constexpr const char* kDialogRemoved =
     "The NT Service named <name> uninstalled successfully.  Korvane will no longer start when NT is restarted. \r\n\r\n"
@@ -83,20 +82,21 @@ constexpr const char* kDialogInstallFailed = "The NT Service named <name> failed
 constexpr const char* kDialogRemoveFailed =
     "The NT Service named <name> failed to uninstall (it may have been uninstalled already).";
 constexpr const char* kDialogAsk =
-    "You also have Korvane installed in the windows startup group.  When you restart windows, Korvane will run as an NT service "
-    "but it will also start a new instance of the program when someone logs into NT. \r\n\r\n"
+    "You also have Korvane installed in the windows startup group.  "
+    "When you restart windows, Korvane will run as an NT service but it will also start a new instance of the program when "
+    "someone logs into NT. \r\n\r\n"
     "Do you wish to remove the shortcut to Korvane from the startup menu (recommended)?";
 constexpr const char* kDialogAdded =
-    "Korvane was just added to the startup group.  It's named  '<name>'.  Korvane will now start each time windows starts. "
-    "\r\n\r\n";
+    "Korvane was just added to the startup group.  It's named  '<name>'.  "
+    "Korvane will now start each time windows starts. \r\n\r\n";
 constexpr const char* kDialogAddedNote =
     "NOTE: You also have Korvane set to run as an NT Service. \r\n"
     "Korvane will start when NT starts (even before a user logs on to NT).\r\n\r\n";
 constexpr const char* kDialogAddedEnd = "UnCheck this option to remove Korvane from the startup group.";
 constexpr const char* kDialogWarning =
-    "Warning: Korvane is also set to run as a service.  You just added  a shortcut to Korvane in the startup group.  This means "
-    "when someone  logs onto windows, another instance of Korvane will start (in addition  to the one running as a service. "
-    "\r\n\r\n We recommend that you choose one or the other, not both.";
+    "Warning: Korvane is also set to run as a service.  You just added  a shortcut to Korvane in the startup group.  "
+    "This means when someone  logs onto windows, another instance of Korvane will start (in addition  to the one running as a "
+    "service. \r\n\r\n We recommend that you choose one or the other, not both.";
 constexpr const char* kDialogTakenOut = "Removing Korvane from the startup group (Shortcut named <name>). \r\n\r\n";
 constexpr const char* kDialogTakenOutNote =
     "NOTE: You have Korvane set to run as an NT Service. \r\n"

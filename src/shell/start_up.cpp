@@ -4,6 +4,7 @@
 
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
+#include "shell/message_title.h"
 #include "shell/run.h"
 #include "shell/web_addresses.h"
 #include "store/database_files.h"
@@ -50,9 +51,7 @@ Run::Started Run::StartUp() {
         return Started::SecondInstance;
     }
     log_.Info("frmMonitor:Form_Load: determined to be first Instance");
-    window_.SetCaptions({.title = Title(),
-                         .mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
-                         .mnufilekvsettings = "Open Korvane Settings File (" + settings_.GetSettingsFile() + ")"});
+    SetCaptions();
     settings_.EnsureUniqueid();
     const bool firstRun = IsFirstRun();
     if (!firstRun) window_.MinimizeToTray();
@@ -69,6 +68,7 @@ Run::Started Run::StartUp() {
     ports_.store.Rest();
     log_.Info("frmMonitor:Form_Load: All data should be in database.");
     ports_.person.SetMonitoring(state_.bMonitoring);
+    service_.LoadMarks();
     http_.LoadInets(ports_.newInet);
     if (window_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
@@ -76,6 +76,7 @@ Run::Started Run::StartUp() {
     Timer2_->SetEnabled(true);
     ports_.person.SetWaitCursor(false);
     bFormLoading_ = false;
+    service_.Loaded();
     return Started::Running;
 }
 
@@ -137,7 +138,7 @@ bool Run::HasDatabase() {
         collection_.setKvSettingsColValue("bAllInDB", "False");
         return true;
     }
-    TellTheEnd("Korvane", "The necessary Template Databasee " + blank + std::string(kReinstall));
+    TellTheEnd(kMessageTitle, "The necessary Template Databasee " + blank + std::string(kReinstall));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the blank database was not there.  can't initialize database.");
     return false;
 }
@@ -146,7 +147,7 @@ bool Run::HasTemplates() {
     for (const ReportTemplate& page : ReportTemplates()) {
         const std::string file = "/" + std::string(page.file);
         if (ports_.files.Exists(options_.dir + file)) continue;
-        TellTheEnd("Korvane", "The necessary report template " + options_.dir + file + std::string(kReinstall));
+        TellTheEnd(kMessageTitle, "The necessary report template " + options_.dir + file + std::string(kReinstall));
         log_.WriteLog(
             kLogFatal, kLogError,
             "frmMonitor:Form_Load: the " + std::string(page.word) + " template " + file + " was missing. can't continue.");
@@ -164,7 +165,7 @@ bool Run::DatabaseOpens() {
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
     if (window_.HasWindow()) IgnoreErrors([&] { ports_.processes.OpenPage(std::string(kDatabaseHelpAddress)); });
-    TellTheEnd("Korvane", CloseKorvaneText());
+    TellTheEnd(kMessageTitle, CloseKorvaneText());
     return false;
 }
 
@@ -172,7 +173,7 @@ bool Run::HasAllItNeeds() {
     try {
         return HasDatabase() && HasTemplates() && DatabaseOpens();
     } catch (const std::exception& error) {  // a folder that cannot even be looked at
-        TellTheEnd("Korvane", error.what());
+        TellTheEnd(kMessageTitle, error.what());
         log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
         return false;
     }

@@ -6,6 +6,7 @@
 
 #include "base/raised_flag.h"
 #include "base/text.h"
+#include "shell/message_title.h"
 #include "shell/web_addresses.h"
 
 namespace korvane {
@@ -13,7 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kTitle = "Korvane";
 constexpr auto kTimeout = 7s;
 
 // The version file, in characters.
@@ -57,12 +57,13 @@ void VersionCheck::CheckForVersion() {
     const RaisedFlag checking(checking_);
     const LatestVersion found = IsLatestVersion();
     if (found.isLatest) {
-        ports_.person.ShowMessage(kTitle, "You have the latest version (" + found.strCurrent +
-                                              ").  It has these features that the previous version did not:\r\n" +
-                                              Left(found.strFeatures, kMostShown));
+        ports_.person.ShowMessage(kMessageTitle, "You have the latest version (" + found.strCurrent +
+                                                     ").  It has these features that the previous version did not:\r\n" +
+                                                     Left(found.strFeatures, kMostShown));
     } else if (found.strLatest.empty()) {
         ports_.person.ShowMessage(
-            kTitle, "The Korvane Server could not be reached.  Please check your internet connection and try again later.");
+            kMessageTitle,
+            "The Korvane Server could not be reached.  Please check your internet connection and try again later.");
     } else {
         OfferDownload(found);
     }

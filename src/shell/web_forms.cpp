@@ -46,8 +46,8 @@ std::string RefusalOf(const TellAFriend& form) {
     for (const std::string& email : form.emails) {
         if (IsBlank(email) || IsValid(email)) continue;
         return "The email address you supplied '" + email +
-               "' does not appear to be valid. Please supply one or more valid email addresses, then click the 'Send' button  "
-               "Thank you.";
+               "' does not appear to be valid. "
+               "Please supply one or more valid email addresses, then click the 'Send' button  Thank you.";
     }
     return "";
 }

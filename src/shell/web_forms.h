@@ -12,8 +12,8 @@ namespace korvane {
 
 /// For a feedback window that finds no browser.
 inline constexpr std::string_view kFeedbackNeedsBrowser =
-    "We're sorry, but the Send Feedback function needs to open your browser to work properly.  However, your computer is not "
-    "configured for a default browser.";
+    "We're sorry, but the Send Feedback function needs to open your browser to work properly.  "
+    "However, your computer is not configured for a default browser.";
 inline constexpr std::string_view kFeedbackDisabled =
     "The Send Feedback function is disabled until you configure a default browser.";
 

@@ -5,13 +5,13 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "shell/message_title.h"
 #include "shell/web_addresses.h"
 #include "store/settings.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr const char* kPageExtension = "htm";
 
 struct PageOfCommand {
@@ -48,7 +48,7 @@ void WebPages::Show(const std::string& address) {
 
 bool WebPages::OpenHelpURL() {
     if (TheirBrowser()) return OpenAddress(GetHelpURL());
-    ports_.person.ShowMessage(kTitle, "Korvane can't open any URL until you configure a default browser.");
+    ports_.person.ShowMessage(kMessageTitle, "Korvane can't open any URL until you configure a default browser.");
     return false;
 }
 

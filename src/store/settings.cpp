@@ -118,7 +118,7 @@ void Settings::CreateReportFolder() {
 }
 
 void Settings::StartService() {
-    IgnoreErrors([&] { ports_.host.StartService(GetSettingCol(ports_.collection, "ServiceName")); });
+    IgnoreErrors([&] { ports_.startService(); });
     ports_.events.DoEvents();
 }
 

@@ -2,6 +2,7 @@
 // and written back by Save. The keys with their defaults and both orders are tables in settings.cpp.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -20,8 +21,8 @@ namespace korvane {
 constexpr std::string_view kSettingsSection = "Settings";
 /// Looked at once a start for the key `uniqueid`, under exactly this name.
 constexpr std::string_view kOldSettingsFile = "/kvurlwatch.ini";
-/// The main window and the service as far as settings touch them. Sizes are in twips, fifteenths of a pixel. As it stands it is
-/// the host of a program without either.
+/// The main window as far as settings touch it. Sizes are in twips, fifteenths of a pixel. As it stands it is that of a program
+/// without one.
 class SettingsHost {
 public:
     virtual ~SettingsHost() = default;
@@ -32,9 +33,6 @@ public:
     virtual int Height() const { return 0; }
     virtual void SetWidth(int) {}
     virtual void SetHeight(int) {}
-
-    /// Gives the service object its name and display name and starts it. May throw Error, which is passed over.
-    virtual void StartService(const std::string& /*name*/) {}
 };
 
 /// The common read: the value of the file replaces that of the collection. Never fails for a missing file or key.
@@ -56,6 +54,7 @@ public:
         IniFile& file;
         SettingsCollection& collection;
         ServerEntries& entries;
+        std::function<void()> startService;  ///< connects this process to its service manager; what it throws is passed over
     };
 
     /// Looks whether the settings file exists before anything of this start writes it.

@@ -25,6 +25,7 @@ protected:
         });
         window_->Attach(program_->run, [this] { ++exits_; });
         ASSERT_EQ(program_->run.StartUp(), Run::Started::Running);
+        program_->run.TheDesk().settingsFile.Write("Setup", "Done", "True");  // nobody is there to answer its questions
         Settle();
     }
     ~MonitorWindowTest() override { window_.reset(); }

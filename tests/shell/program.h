@@ -12,11 +12,14 @@
 
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
+#include "platform/linux/linux_system_info.h"
 #include "platform/qt/sql_store.h"
 #include "shell/run.h"
 #include "store/schema.h"
 #include "support/recording_operator.h"
+#include "support/recording_power.h"
 #include "support/recording_processes.h"
+#include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
 #include "support/temporary_folder.h"
 #include "support/virtual_icmp_echo.h"
@@ -64,10 +67,35 @@ struct Program {
         const std::string& dir, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "",
         const MakeDesktop& makeDesktop = [](Timers&) { return DesktopOfProgram{}; })
         : desktop(makeDesktop(world.timers)),
-          run({world.clock, world.events, world.timers, store, desktop.person == nullptr ? person : *desktop.person, files,
-               socket, sckesmtp, plainSocket, testSocket, echo, sound, processes, guids,
-               [this] { return std::make_unique<VirtualInet>(net); }, desktop.window, desktop.conversation},
-              {.dir = dir, .dataDir = std::move(dataDir), .commandLine = std::move(commandLine), .version = "1.0.0"}) {}
+          run({world.clock,
+               world.events,
+               world.timers,
+               store,
+               desktop.person == nullptr ? person : *desktop.person,
+               files,
+               socket,
+               sckesmtp,
+               plainSocket,
+               testSocket,
+               echo,
+               sound,
+               processes,
+               guids,
+               power,
+               services,
+               autostart,
+               systemInfo,
+               [this] { return std::make_unique<VirtualInet>(net); },
+               [this] { return proxyServer; },
+               [this] { exits += 1; },
+               desktop.window,
+               desktop.conversation},
+              {.dir = dir,
+               .dataDir = std::move(dataDir),
+               .commandLine = std::move(commandLine),
+               .version = "1.0.0",
+               .program = "/opt/korvane/korvanecore",
+               .icon = "korvane"}) {}
 
     std::vector<std::string> Column(const Home& home, const std::string& query) {
         const auto conn = store.NewConnection();
@@ -94,6 +122,12 @@ struct Program {
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;
+    RecordingPower power;
+    RecordingServiceManager services;
+    RecordingAutostart autostart;
+    LinuxSystemInfo systemInfo;
+    std::string proxyServer;
+    int exits = 0;  ///< how often the process was to end
     DesktopOfProgram desktop;
     Run run;
 };

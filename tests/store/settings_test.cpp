@@ -12,7 +12,7 @@ struct SettingsTest : testing::Test, StoreRig {};
 TEST_F(SettingsTest, DefaultsOrderAndSpelling) {
     PutSettings("");
     LoadedRun run(*this);
-    EXPECT_EQ(run.host.services, std::vector<std::string>{"Korvane"});
+    EXPECT_EQ(run.services, std::vector<std::string>{"Korvane"});
     EXPECT_NO_THROW(disk.Append(dir + "/Reports/index.htm", "")) << "the report folder was made";
     EXPECT_THROW(run.Setting("NoSuchKey"), Error);
     run.settings.Save();

@@ -17,17 +17,12 @@ namespace korvane {
 struct FakeHost : SettingsHost {
     bool hasWindow = false;
     int width = 0, height = 5500;
-    std::vector<std::string> services;
     bool HasWindow() const override { return hasWindow; }
     int ScreenWidth() const override { return 15360; }
     int Width() const override { return width; }
     int Height() const override { return height; }
     void SetWidth(int twips) override { width = twips; }
     void SetHeight(int twips) override { height = twips; }
-    void StartService(const std::string& name) override {
-        services.push_back(name);
-        throw Error("The service manager did not start this program.");
-    }
 };
 
 /// One run of the program on files and a database that outlive it.
@@ -40,8 +35,14 @@ struct StoreRun {
           log(files, world.clock, dir, "1.0.0"),
           status(person, world.clock),
           entries({store, world.clock, world.events, log, status, file, ids, collection}, dir),
-          settings({files, world.clock, world.events, person, host, status, file, collection, entries}, dir) {}
+          settings(
+              {files, world.clock, world.events, person, host, status, file, collection, entries, [this] { StartService(); }},
+              dir) {}
 
+    void StartService() {
+        services.push_back(Setting("ServiceName"));
+        throw Error("The service manager did not start this program.");
+    }
     void Import() { ImportEntriesOnce({world.events, person, log, status, collection, entries, settings}); }
     std::string Setting(std::string_view key) const { return collection.getKvSettingsColVal(key); }
 
@@ -49,6 +50,7 @@ struct StoreRun {
     std::string dir;
     RecordingOperator person;
     FakeHost host;
+    std::vector<std::string> services;  ///< the name of each that was started
     SettingsCollection collection;
     IniFile file;
     ServerIds ids;

@@ -118,6 +118,19 @@ void Draw(Sheet& sheet, CommandPicture picture) {
             sheet.Line({{9, 5}, {9, 13}});
             sheet.Line({{12, 7.5}, {12, 13}});
             break;
+        case CommandPicture::Settings:  // three slides
+            sheet.Line({{2.5, 4}, {13.5, 4}});
+            sheet.Line({{2.5, 8}, {13.5, 8}});
+            sheet.Line({{2.5, 12}, {13.5, 12}});
+            sheet.Solid({{5, 3}, {6, 3}, {6, 5}, {5, 5}});
+            sheet.Solid({{10, 7}, {11, 7}, {11, 9}, {10, 9}});
+            sheet.Solid({{7, 11}, {8, 11}, {8, 13}, {7, 13}});
+            break;
+        case CommandPicture::Help:
+            sheet.Circle({8, 8}, 6);
+            sheet.Line({{6, 6.5}, {6.5, 5}, {8, 4.5}, {9.5, 5}, {10, 6.5}, {8, 8}, {8, 9.5}});
+            sheet.Line({{8, 11.5}, {8, 11.6}});
+            break;
         case CommandPicture::Exit:
             sheet.Line({{8, 2.5}, {2.5, 2.5}, {2.5, 13.5}, {8, 13.5}});
             sheet.Line({{6.5, 8}, {13.5, 8}});

@@ -3,6 +3,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QStyle>
 
 namespace korvane {
@@ -14,6 +15,28 @@ constexpr const char* kDescription = "unmarkedDescription";
 /// Red that stands out from this background.
 QColor MarkColour(const QPalette& palette) {
     return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
+}
+
+void Unmark(QWidget& box) {
+    if (!box.property(kDescription).isValid()) return;
+    box.setStyleSheet(QString());
+    box.setAccessibleDescription(box.property(kDescription).toString());
+    box.setProperty(kDescription, QVariant());
+    box.setToolTip(QString());
+}
+
+// A box that is marked already keeps the description from before its first mark.
+template <class Box>
+void Mark(Box& box, const QString& kind, const QString& why) {
+    if (!box.property(kDescription).isValid()) box.setProperty(kDescription, box.accessibleDescription());
+    const QString colour = MarkColour(box.palette()).name();
+    box.setStyleSheet(kind + " { border: 2px solid " + colour + "; border-radius: 3px; padding: 1px; }");
+    box.setAccessibleDescription(why);
+    box.setToolTip(why);
+    box.setFocus();
+    box.selectAll();
+    QObject::connect(
+        &box, &Box::textChanged, &box, [&box] { Unmark(box); }, Qt::SingleShotConnection);
 }
 
 }  // namespace
@@ -32,25 +55,20 @@ QCheckBox* NewMark(const char* name, const QString& text, QWidget* page) {
     return mark;
 }
 
-void TakeMarkAway(QLineEdit& box) {
-    if (!box.property(kDescription).isValid()) return;
-    box.setStyleSheet(QString());
-    box.setAccessibleDescription(box.property(kDescription).toString());
-    box.setProperty(kDescription, QVariant());
-    box.setToolTip(QString());
+void MarkRefused(QLineEdit& box, const QString& why) {
+    Mark(box, "QLineEdit", why);
 }
 
-// A box that is marked already keeps the description from before its first mark.
-void MarkRefused(QLineEdit& box, const QString& why) {
-    if (!box.property(kDescription).isValid()) box.setProperty(kDescription, box.accessibleDescription());
-    const QString colour = MarkColour(box.palette()).name();
-    box.setStyleSheet("QLineEdit { border: 2px solid " + colour + "; border-radius: 3px; padding: 1px; }");
-    box.setAccessibleDescription(why);
-    box.setToolTip(why);
-    box.setFocus();
-    box.selectAll();
-    QObject::connect(
-        &box, &QLineEdit::textChanged, &box, [&box] { TakeMarkAway(box); }, Qt::SingleShotConnection);
+void MarkRefused(QPlainTextEdit& box, const QString& why) {
+    Mark(box, "QPlainTextEdit", why);
+}
+
+void TakeMarkAway(QLineEdit& box) {
+    Unmark(box);
+}
+
+void TakeMarkAway(QPlainTextEdit& box) {
+    Unmark(box);
 }
 
 QFormLayout* NewForm(const QWidget* page) {

@@ -16,6 +16,7 @@ class QFormLayout;
 class QHBoxLayout;
 class QLabel;
 class QLayout;
+class QPlainTextEdit;
 class QPushButton;
 class QWidget;
 
@@ -28,8 +29,10 @@ QCheckBox* NewMark(const char* name, const QString& text, QWidget* page);
 
 /// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, its text selected.
 void MarkRefused(QLineEdit& box, const QString& why);
+void MarkRefused(QPlainTextEdit& box, const QString& why);
 /// Nothing for a box without a mark.
 void TakeMarkAway(QLineEdit& box);
+void TakeMarkAway(QPlainTextEdit& box);
 
 /// The inputs of a dialog whose texts and marks are the members of Fields.
 template <class Fields>

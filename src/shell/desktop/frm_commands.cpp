@@ -15,11 +15,11 @@
 
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reading_text.h"
+#include "shell/message_title.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr int kCharacters = 100;  ///< across the window, where there is room
 constexpr int kFewest = 12;       ///< of a box
 constexpr int kHelpLines = 5;
@@ -135,8 +135,8 @@ void frmCommands::LoadRules() {
 void frmCommands::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(found_, true)) return;
-    QTimer::singleShot(0, this,
-                       [&person = person_, text = "can't find record with id " + id_] { person.ShowMessage(kTitle, text); });
+    QTimer::singleShot(
+        0, this, [&person = person_, text = "can't find record with id " + id_] { person.ShowMessage(kMessageTitle, text); });
 }
 
 FailTextRule frmCommands::Rule(std::size_t row) const {
@@ -169,7 +169,7 @@ void frmCommands::cmdOk_Click() {
 }
 
 void frmCommands::cmdHelp_Click() {
-    person_.ShowMessage(kTitle, FailTextRulesHelp());
+    person_.ShowMessage(kMessageTitle, FailTextRulesHelp());
 }
 
 }  // namespace korvane

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <utility>
 
+#include "shell/desktop/form_inputs.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reading_text.h"
 

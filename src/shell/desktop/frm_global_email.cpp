@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "shell/desktop/reading_text.h"
+#include "shell/desktop/scrolled_page.h"
 
 namespace korvane {
 namespace {
@@ -43,25 +44,16 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidg
     setWindowTitle("Global E-Mail Settings");
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
+    setSizeGripEnabled(true);
 
-    auto* upper = new QHBoxLayout;
-    upper->addWidget(GlobalValues());
-    upper->addWidget(Monitors());
-    cmdSaveGlobal_ = NewButton("cmdSaveGlobal", "&Save Global Values", &frmGlobalEmail::cmdSaveGlobal_Click);
-    auto* cmdUpdateAll = NewButton("cmdUpdateAll", "Update &All Servers...", &frmGlobalEmail::cmdUpdateAll_Click);
-    auto* globalRow = NewRow({cmdSaveGlobal_, cmdUpdateAll});
-    globalRow->addStretch();
+    auto* page = new ScrolledPage(Page());
     txtStatus_ = new ReadingText(this);
     txtStatus_->setObjectName("txtStatus");
     txtStatus_->setAccessibleName("Status");
     txtStatus_->setFocusPolicy(Qt::ClickFocus);
     txtStatus_->SetLines(kStatusLines);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(upper);
-    layout->addLayout(globalRow);
-    layout->addSpacing(fontMetrics().height() / 2);
-    layout->addWidget(Server());
-    layout->addStretch();
+    layout->addWidget(page, 1);
     layout->addWidget(txtStatus_);
     layout->addWidget(NewButton("cmdClose", "&Close", &frmGlobalEmail::cmdClose_Click), 0, Qt::AlignRight);
     WatchForHelp();
@@ -76,6 +68,25 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidg
 // The focus still moves while the controls go, one after the other, and nobody is left to explain it.
 frmGlobalEmail::~frmGlobalEmail() {
     disconnect(qApp, nullptr, this, nullptr);
+}
+
+QWidget* frmGlobalEmail::Page() {
+    auto* upper = new QHBoxLayout;
+    upper->addWidget(GlobalValues());
+    upper->addWidget(Monitors());
+    cmdSaveGlobal_ = NewButton("cmdSaveGlobal", "&Save Global Values", &frmGlobalEmail::cmdSaveGlobal_Click);
+    auto* cmdUpdateAll = NewButton("cmdUpdateAll", "Update &All Servers...", &frmGlobalEmail::cmdUpdateAll_Click);
+    auto* globalRow = NewRow({cmdSaveGlobal_, cmdUpdateAll});
+    globalRow->addStretch();
+    auto* page = new QWidget(this);
+    auto* content = new QVBoxLayout(page);
+    content->setContentsMargins(0, 0, 0, 0);
+    content->addLayout(upper);
+    content->addLayout(globalRow);
+    content->addSpacing(fontMetrics().height() / 2);
+    content->addWidget(Server());
+    content->addStretch();
+    return page;
 }
 
 QWidget* frmGlobalEmail::GlobalValues() {

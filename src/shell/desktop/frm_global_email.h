@@ -25,6 +25,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    QWidget* Page();
     QWidget* GlobalValues();
     QWidget* Monitors();
     QWidget* Server();

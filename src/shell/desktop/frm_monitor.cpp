@@ -1,6 +1,5 @@
 #include "shell/desktop/frm_monitor.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -10,12 +9,9 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "shell/desktop/frm_msg.h"
-#include "shell/desktop/frm_url_data.h"
 #include "shell/desktop/icons.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/run.h"
-#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -59,6 +55,7 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     run_ = &run;
     exit_ = std::move(exit);
     commands_ = std::make_unique<MonitorCommands>(run);
+    forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this);
     BuildMenus();
     BuildTray();
     Timer3_->SetEnabled(true);
@@ -68,123 +65,6 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
 void frmMonitor::BeforeExit() {
     RememberColumns();
     tray_->Remove();
-}
-
-// A window in the task bar is as far out of sight as one in the tray.
-bool frmMonitor::WindowVisible() const {
-    return isVisible() && !isMinimized();
-}
-
-void frmMonitor::StatusLine(const std::string& time, const std::string& text) {
-    const bool loading = run_ != nullptr && run_->Loading();
-    if (WindowVisible() || loading) txtStatus->AddLine(Q(time + " - " + text));
-}
-
-void frmMonitor::SetClockText(const std::string& time) {
-    lblTime->setText(Q(time));
-}
-
-void frmMonitor::SetCycleText(const std::string& text) {
-    lblCount->setText(Q(text));
-    lblCount->setToolTip(lblCount->text());
-}
-
-void frmMonitor::ShowProgress(bool shown) {
-    ProgressBar1->setVisible(shown);
-}
-
-void frmMonitor::SetProgress(int value, int max) {
-    ProgressBar1->setRange(0, std::max(1, max));
-    ProgressBar1->setValue(std::clamp(value, 0, ProgressBar1->maximum()));
-}
-
-void frmMonitor::SetProgressTip(const std::string& text) {
-    ProgressBar1->setToolTip(Lines(text));
-    lblCo->setText(Q(text));
-}
-
-void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
-    tray_->SetPicture(picture);
-    tray_->SetTip(tip);
-    if (MonitorTray::Available()) tray_->Show();
-}
-
-void frmMonitor::SetMonitoring(bool on) {
-    monitoring_ = on;
-    cmdStopStart->setText(on ? "Stop" : "Start");
-    cmdStopStart->setAccessibleName(cmdStopStart->text());
-    cmdStopStart->setIcon(CommandIcon(on ? CommandPicture::Stop : CommandPicture::Start));
-    QAction& action = menus_->Action("cmdStopStart");
-    action.setText(on ? "S&top" : "S&tart");
-    action.setIcon(cmdStopStart->icon());
-    setWindowIcon(ProgramIcon(on));
-    tray_->SetMonitoring(on);
-    if (on) ShowStopStart(true);
-}
-
-void frmMonitor::SetCustomerCount(int count) {
-    lblCustomers->setText(QString("Number of distinct company names: %1").arg(count));
-    lblCustomers->setVisible(true);
-}
-
-void frmMonitor::RefreshURLList() {
-    if (!WindowVisible() && !run_->Loading()) return;
-    const Desk desk = run_->TheDesk();
-    std::vector<ServerRow> rows;
-    try {
-        rows = LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), run_->Requesting());
-    } catch (const std::exception& error) {  // what was shown stays until the store can be read again
-        desk.log.WriteLog(kLogFatal, kLogError, "RefreshURLList: " + std::string(error.what()));
-        desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
-        return;
-    }
-    lblServers->setText(QString::number(rows.size()));
-    desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
-    const int before = model_->rowCount();
-    model_->SetRows(std::move(rows));
-    if (model_->rowCount() != before) Form_Resize();
-    if (before == 0) SelectRow(0);  // the keys have something to begin with
-}
-
-// Over this window alone: dialogs stay as they are while a check runs behind them.
-void frmMonitor::SetWaitCursor(bool wait) {
-    if (wait) {
-        setCursor(Qt::BusyCursor);
-    } else {
-        unsetCursor();
-    }
-}
-
-// A window that nobody sees would take its messages along.
-QWidget* frmMonitor::MessageParent() const {
-    if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
-    return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
-}
-
-void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::string& text) {
-    if (!placed_ || run_->Loading()) {
-        frmMSG::Show(MessageParent(), kind, title, text);
-    } else {
-        messages_.Add({kind, title, text});
-    }
-}
-
-void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::Information, title, text);
-}
-
-void frmMonitor::ShowError(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::StopSign, title, text);
-}
-
-bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
-    return frmMSG::Ask(MessageParent(), title, text);
-}
-
-void frmMonitor::Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
-                     const std::function<void()>& no) {
-    messages_.Add(
-        {frmMSG::Kind::Question, title, text, frmMSG::Answers::YesNo, [yes, no](bool accepted) { accepted ? yes() : no(); }});
 }
 
 int frmMonitor::ScreenWidth() const {
@@ -289,82 +169,6 @@ void frmMonitor::Form_Resize() {
     const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
     const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
     ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
-}
-
-void frmMonitor::cmdAddURL_Click() {
-    if (!commands_->BeginAdd()) return;
-    OpenEditor(true, "");
-}
-
-void frmMonitor::cmdEditURL_Click() {
-    const std::string id = SelectedId();
-    if (id.empty()) {
-        ShowMessage("Korvane", "Please click an entry in the list, then click edit.");
-        return;
-    }
-    commands_->BeginEdit();
-    OpenEditor(false, id);
-}
-
-// One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their
-// way are not.
-void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
-    if (editor_ != nullptr) return;
-    SetIsAddUrl(isAddUrl);
-    const int row = ListView1->currentIndex().row();
-    const auto saved = [this, id, row] {
-        RefreshURLList();
-        Form_Resize();
-        if (!id.empty()) SelectEntry(id);
-        if (id.empty()) SelectRow(row);
-    };
-    auto* editor = new frmURLData(run_->TheDesk(), isAddUrl, id, saved, this);
-    editor_ = editor;
-    conversation_.SetParent(editor);
-    connect(editor, &QDialog::finished, this, [this, isAddUrl] {
-        SetIsAddUrl(false);
-        conversation_.SetParent(this);
-        if (!isAddUrl) commands_->EndEdit();
-        RefreshURLList();
-        ListView1->setFocus();
-    });
-    editor->open();
-}
-
-// Stopping makes the list anew, perhaps in another order, so the entry is looked for again; when it has gone the row has another.
-void frmMonitor::cmdDeleteURL_Click() {
-    const int row = ListView1->currentIndex().row();
-    const std::string id = SelectedId();
-    commands_->DeleteURL(id, SelectedName(), [this, row, id] {
-        const int same = model_->RowOf(id);
-        SelectRow(same < 0 ? row : same);
-        Form_Resize();
-    });
-}
-
-void frmMonitor::cmdCopyPaste_Click() {
-    const std::string copy = commands_->CopyURL(SelectedId());
-    if (!copy.empty()) SelectEntry(copy);
-}
-
-std::string frmMonitor::SelectedId() const {
-    const QModelIndexList selected = ListView1->selectionModel()->selectedRows();
-    return selected.isEmpty() ? "" : model_->Row(selected.first().row()).Id();
-}
-
-std::string frmMonitor::SelectedName() const {
-    const QModelIndexList selected = ListView1->selectionModel()->selectedRows();
-    return selected.isEmpty() ? "" : model_->Row(selected.first().row()).Name();
-}
-
-void frmMonitor::SelectRow(int row) {
-    const int last = model_->rowCount() - 1;
-    if (last < 0 || row < 0) return;
-    ListView1->setCurrentIndex(model_->index(std::min(row, last), 0));
-}
-
-void frmMonitor::SelectEntry(const std::string& id) {
-    SelectRow(model_->RowOf(id));
 }
 
 void frmMonitor::RestoreColumns() {

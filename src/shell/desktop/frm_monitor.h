@@ -19,6 +19,7 @@
 #include "shell/desktop/conversation_viewer.h"
 #include "shell/desktop/mail_trace_viewer.h"
 #include "shell/desktop/message_queue.h"
+#include "shell/desktop/monitor_forms.h"
 #include "shell/desktop/monitor_menus.h"
 #include "shell/desktop/monitor_tray.h"
 #include "shell/desktop/server_list_model.h"
@@ -79,6 +80,8 @@ public:
     void Place(bool shown) override;
     void MinimizeToTray() override;
     void Form_Resize() override;
+    void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) override;
+    void SetUpForTheFirstTime() override { forms_->SetUpForTheFirstTime(); }
 
     // Commands that need the window.
     void cmdAddURL_Click();
@@ -101,6 +104,7 @@ public:
     QPushButton* cmdStopStart;
     QPushButton* cmdStopWaiting;
     MonitorTray& Tray() { return *tray_; }
+    MonitorForms& Forms() { return *forms_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -116,6 +120,7 @@ private:
     void BuildMenus();
     void BuildTray();
     MonitorMenus::Handlers Handlers();
+    MonitorMenus::Handlers HandlersOfHelp();
     QPushButton* Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command);
 
     void HideOrIconify();
@@ -136,6 +141,7 @@ private:
 
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
+    std::unique_ptr<MonitorForms> forms_;
     std::function<void()> exit_;
     ServerListModel* model_;
     std::unique_ptr<MonitorMenus> menus_;

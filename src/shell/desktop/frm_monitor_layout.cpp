@@ -9,6 +9,8 @@
 
 #include "shell/desktop/frm_monitor.h"
 #include "shell/desktop/icons.h"
+#include "shell/message_title.h"
+#include "shell/restart_help.h"
 #include "shell/run.h"
 
 namespace korvane {
@@ -85,6 +87,9 @@ void frmMonitor::BuildList() {
 QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
     auto* button = Named(new QPushButton(icon, caption), name, QString(caption).remove('&'));
     button->setAutoDefault(false);
+    // On a narrow screen the captions give way; the picture and the tip remain.
+    button->setMinimumWidth(2 * button->iconSize().width());
+    button->setToolTip(button->accessibleName());
     connect(button, &QPushButton::clicked, this, [command = std::move(command)] { command(); });
     return button;
 }
@@ -109,6 +114,8 @@ QLayout* frmMonitor::BuildButtons() {
     row->addSpacing(fontMetrics().averageCharWidth() * 2);
     add("cmdSave", "&Save", CommandPicture::Save, [this] { commands_->cmdSave(); });
     add("cmdReports", "&Reports", CommandPicture::Reports, [this] { commands_->cmdReports(); });
+    add("cmdSettings", "Se&ttings", CommandPicture::Settings, [this] { forms_->ShowOptions(); });
+    add("cmdHelp", "Help", CommandPicture::Help, [this] { run_->TheDesk().pages.Show(WebPage::mnuHelpWeb); });
     row->addStretch(1);
     return row;
 }
@@ -161,6 +168,8 @@ MonitorMenus::Handlers frmMonitor::Handlers() {
         {"mnuEditPasteURL", [this] { cmdCopyPaste_Click(); }},
         {"mnuEditDeleteURL", [this] { cmdDeleteURL_Click(); }},
         {"mnuEditClearStatus", [this] { commands_->mnuEditClearStatus(); }},
+        {"mnuEditSettings", [this] { forms_->ShowOptions(); }},
+        {"mnuOptions", [this] { forms_->ShowOptions(); }},
         {"cmdStopStart", [this] { run_->cmdStopStart(); }},
         {"cmdStopWaiting", [this] { commands_->cmdStopWaiting(); }},
         {"mnuViewConversation", [this] { conversation_.Show(); }},
@@ -168,15 +177,35 @@ MonitorMenus::Handlers frmMonitor::Handlers() {
     };
 }
 
+MonitorMenus::Handlers frmMonitor::HandlersOfHelp() {
+    const auto show = [this](WebPage page) { return [this, page] { run_->TheDesk().pages.Show(page); }; };
+    const auto tell = [this](const std::string& topic) { ShowMessage(kMessageTitle, topic); };
+    return {
+        {"mnuHelpWeb", show(WebPage::mnuHelpWeb)},
+        {"mnuHelpFeatures", show(WebPage::mnuHelpFeatures)},
+        {"mnuTerms", show(WebPage::mnuTerms)},
+        {"mnuShutdown", [this, tell] { tell(ShutdownHelp(run_->TheDesk().files)); }},
+        {"mnuRestart", [tell] { tell(RestartHelp()); }},
+        {"mnuShutdownRemote", [tell] { tell(ShutdownRemoteHelp()); }},
+        {"mnuHelpFeedback", [this] { forms_->ShowFeedback(); }},
+        {"mnuHelpTellFriend", [this] { forms_->ShowTellFriend(); }},
+        {"mnuHelpAbout", [this] { forms_->ShowAbout(); }},
+    };
+}
+
 void frmMonitor::BuildMenus() {
-    menus_ = std::make_unique<MonitorMenus>(*menuBar(), *ListView1, *this, Handlers());
+    MonitorMenus::Handlers handlers = Handlers();
+    handlers.merge(HandlersOfHelp());
+    menus_ = std::make_unique<MonitorMenus>(*menuBar(), *ListView1, *this, std::move(handlers));
     const std::pair<const char*, CommandPicture> pictures[] = {
         {"mnuFileSave", CommandPicture::Save},        {"mnuFileReports", CommandPicture::Reports},
         {"mnuFileMin", CommandPicture::Hide},         {"mnuExit", CommandPicture::Exit},
         {"mnuEditAddURL", CommandPicture::Add},       {"mnuEditURL", CommandPicture::Edit},
         {"mnuEditCopyURL", CommandPicture::Copy},     {"mnuEditPasteURL", CommandPicture::Paste},
         {"mnuEditDeleteURL", CommandPicture::Delete}, {"cmdStopWaiting", CommandPicture::StartNow},
-        {"cmdStopStart", CommandPicture::Stop},
+        {"cmdStopStart", CommandPicture::Stop},       {"mnuEditSettings", CommandPicture::Settings},
+        {"mnuOptions", CommandPicture::Settings},     {"mnuHelpWeb", CommandPicture::Help},
+        {"mnuHelpFeedback", CommandPicture::Mail},
     };
     for (const auto& [name, picture] : pictures)
         menus_->Action(name).setIcon(CommandIcon(picture));
@@ -197,6 +226,10 @@ void frmMonitor::BuildTray() {
                 tell();
             },
         .mnuTrayReports = [this] { commands_->cmdReports(); },
+        .mnuTrayNTService = [this] { run_->TheDesk().service.mnuTrayNTService_Click(); },
+        .mnuTrayStartup = [this] { run_->TheDesk().service.mnuTrayStartup_Click(); },
+        .mnuTrayTellFriend = [this] { forms_->ShowTellFriend(); },
+        .mnuTrayFeedback = [this] { forms_->ShowFeedback(); },
         .mnuTrayExit = [this] { menus_->Action("mnuExit").trigger(); },
     });
 }

@@ -1,64 +1,40 @@
 #include "shell/desktop/frm_options.h"
 
-#include <QDialogButtonBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabBar>
 #include <QTabWidget>
-#include <QVBoxLayout>
 #include <utility>
 
-#include "base/raised_flag.h"
 #include "base/text.h"
 #include "shell/desktop/frm_input.h"
-#include "shell/desktop/reading_text.h"
+#include "shell/message_title.h"
+#include "shell/options_hints.h"
 #include "shell/options_open.h"
 #include "shell/options_proxy.h"
 #include "shell/options_save.h"
 
 namespace korvane {
-namespace {
-
-constexpr const char* kTitle = "Korvane";
-constexpr int kStatusLines = 5;
-
-}  // namespace
 
 frmOptions::frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent)
-    : QDialog(parent), desk_(desk), commands_(std::move(commands)) {
-    setObjectName("frmOptions");
-    setWindowTitle("Settings");
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
-    setSizeGripEnabled(true);
+    : TabbedDialog("frmOptions", "Settings", parent), desk_(desk), commands_(std::move(commands)) {
     askText = [self = QPointer<frmOptions>(this)](const std::string& title, const std::string& prompt, const auto& answered) {
         if (self != nullptr) (new frmInput(title, prompt, answered, self))->open();
     };
     askForFile = [this](const FileQuestion& question, const auto& chosen) { AskForFile(question, chosen); };
 
     BuildPages();
-    txtStatus_ = new ReadingText(this);
-    txtStatus_->setObjectName("txtStatus");
-    txtStatus_->setAccessibleName("Status");
-    txtStatus_->SetLines(kStatusLines);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(tabPages_, 1);
-    layout->addWidget(txtStatus_);
-    layout->addLayout(Buttons());
+    cmdCheckVersion_ = AddStatusAndButtons("cmdCheckVersion", "Check for New &Version...", [this] { cmdOk_Click(); });
 
     ConnectTyping();
     ConnectCommands();
-    WatchForHelp();
+    WatchForHelp(HelpOnOptionsInput);
     Form_Load();
 }
 
 void frmOptions::BuildPages() {
-    tabPages_ = new QTabWidget(this);
-    tabPages_->setObjectName("tabPages");
-    tabPages_->setAccessibleName("Pages of settings");
     monitoring_ = new OptionsMonitoringPage(inputs_, this);
     mail_ = new OptionsMailPage(inputs_, this);
     reports_ = new OptionsReportsPage(inputs_, this);
@@ -66,32 +42,14 @@ void frmOptions::BuildPages() {
     proxy_ = new OptionsProxyPage(inputs_, this);
     service_ = new OptionsServicePage(inputs_, this);
     resets_ = new OptionsResetsPage(this);
-    tabPages_->addTab(monitoring_, "Monitoring");
-    tabPages_->addTab(mail_, "E-Mail");
-    tabPages_->addTab(reports_, "Reports and Sound");
-    tabPages_->addTab(restart_, "Restart");
-    tabPages_->addTab(proxy_, "Proxy");
-    tabPages_->addTab(service_, "Service");
-    tabPages_->addTab(resets_, "Resets");
+    AddPage(monitoring_, "Monitoring");
+    AddPage(mail_, "E-Mail");
+    AddPage(reports_, "Reports and Sound");
+    AddPage(restart_, "Restart");
+    AddPage(proxy_, "Proxy");
+    AddPage(service_, "Service");
+    AddPage(resets_, "Resets");
     tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // no page is behind a scroll button
-}
-
-QLayout* frmOptions::Buttons() {
-    const auto named = [](QPushButton* button, const char* name) {
-        button->setObjectName(name);
-        button->setAccessibleName(button->text().remove('&').remove("..."));
-        return button;
-    };
-    cmdCheckVersion_ = named(new QPushButton("Check for New &Version...", this), "cmdCheckVersion");
-    auto* buttons = new QDialogButtonBox(this);
-    named(buttons->addButton("OK", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
-    named(buttons->addButton("Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { cmdOk_Click(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
-    auto* row = new QHBoxLayout;
-    row->addWidget(cmdCheckVersion_);
-    row->addWidget(buttons, 1);
-    return row;
 }
 
 void frmOptions::Form_Load() {
@@ -118,12 +76,12 @@ void frmOptions::LoadService() {
 
 void frmOptions::LoadMailServer() {
     if (!Trim(S(mail_->txtServer->text())).empty()) return;
-    tabPages_->setCurrentWidget(mail_);
+    ShowPageOf(mail_->txtServer);
     mail_->txtServer->setText(Q(kSampleMailHost));
     mail_->txtServer->setFocus();
     mail_->txtServer->selectAll();
     SetStatus(NoMailServerHint());
-    desk_.person.ShowMessage(kTitle, NoMailServerMessage());
+    desk_.person.ShowMessage(kMessageTitle, NoMailServerMessage());
 }
 
 void frmOptions::LoadProxy() {
@@ -132,10 +90,6 @@ void frmOptions::LoadProxy() {
     proxy_->cmdSetProxy->setVisible(isDetected);
     proxy_->lblProxy->setVisible(isDetected);
     if (isDetected) proxy_->lblProxy->setText(Q(ProxyDetectedText(proxyServer_)));
-}
-
-void frmOptions::SetStatus(std::string_view text) {
-    txtStatus_->SetText(Lines(text));
 }
 
 OptionsFields frmOptions::Read() const {
@@ -153,31 +107,14 @@ void frmOptions::cmdOk_Click() {
     if (self == nullptr) return;
     saving_ = false;
     if (refusal) return Refuse(*inputs_.Box(refusal->field), refusal->message);
-    if (proxyChanged_) desk.person.ShowMessage(kTitle, std::string(kProxyChangedMessage));
-    if (self != nullptr && !closed_) accept();
+    if (proxyChanged_) desk.person.ShowMessage(kMessageTitle, std::string(kProxyChangedMessage));
+    if (self != nullptr && !IsClosed()) accept();
 }
 
 void frmOptions::Refuse(QLineEdit& box, const std::string& message) {
     ShowPageOf(&box);
     MarkRefused(box, Lines(message));
-    desk_.person.ShowMessage(kTitle, message);
-}
-
-void frmOptions::ShowPageOf(const QWidget* input) {
-    for (int page = 0; page < tabPages_->count(); ++page) {
-        if (tabPages_->widget(page)->isAncestorOf(input)) tabPages_->setCurrentIndex(page);
-    }
-}
-
-// Showing a dialog focuses its first input, which is no reason to talk over what the status line begins with.
-void frmOptions::setVisible(bool visible) {
-    const RaisedFlag showing(showing_);
-    QDialog::setVisible(visible);
-}
-
-void frmOptions::done(int result) {
-    closed_ = true;
-    QDialog::done(result);
+    desk_.person.ShowMessage(kMessageTitle, message);
 }
 
 }  // namespace korvane

@@ -2,22 +2,18 @@
 // or reset what was gathered.
 #pragma once
 
-#include <QDialog>
 #include <functional>
 #include <string>
 #include <string_view>
 
 #include "shell/desk.h"
 #include "shell/desktop/frm_options_pages.h"
+#include "shell/desktop/tabbed_dialog.h"
 #include "shell/options_commands.h"
 
-class QFocusEvent;
 class QPushButton;
-class QTabWidget;
 
 namespace korvane {
-
-class ReadingText;
 
 /// What the dialog commands and does not do itself. All of it must be set. Each may wait through the event pump and show
 /// messages, and may see the dialog gone when it returns.
@@ -46,7 +42,7 @@ struct FileQuestion {
 
 /// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a command of its own
 /// waits: that command then ends without a word.
-class frmOptions : public QDialog {
+class frmOptions : public TabbedDialog {
 public:
     frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent);
 
@@ -56,33 +52,22 @@ public:
     /// in.
     std::function<void(const FileQuestion& question, std::function<void(const QString& path)> chosen)> askForFile;
 
-    void setVisible(bool visible) override;
-    void done(int result) override;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     // frm_options.cpp
     void BuildPages();
-    QLayout* Buttons();
     void Form_Load();
     void LoadService();
     void LoadMailServer();
     void LoadProxy();
-    void SetStatus(std::string_view text);
     OptionsFields Read() const;
     void cmdOk_Click();
     void Refuse(QLineEdit& box, const std::string& message);
-    void ShowPageOf(const QWidget* input);
 
     // frm_options_typing.cpp
     void ConnectTyping();
     void ProxyNameChanged();
     void ShowChoices(bool reboot);
     void RebootToggled(bool reboot);
-    void WatchForHelp();
-    bool IsNews(const QFocusEvent& event) const;
 
     // frm_options_commands.cpp
     void ConnectCommands();
@@ -102,13 +87,10 @@ private:
     std::string serviceName_;
     bool loading_ = true;        ///< the reactions to changes do nothing
     bool proxyChanged_ = false;  ///< the name of the proxy, since loading
-    bool showing_ = false;
-    bool closed_ = false;
     bool saving_ = false;
     bool mailing_ = false;  ///< a test mail is under way
 
     OptionsInputs inputs_;
-    QTabWidget* tabPages_ = nullptr;
     OptionsMonitoringPage* monitoring_ = nullptr;
     OptionsMailPage* mail_ = nullptr;
     OptionsReportsPage* reports_ = nullptr;
@@ -116,7 +98,6 @@ private:
     OptionsProxyPage* proxy_ = nullptr;
     OptionsServicePage* service_ = nullptr;
     OptionsResetsPage* resets_ = nullptr;
-    ReadingText* txtStatus_ = nullptr;
     QPushButton* cmdCheckVersion_ = nullptr;
 };
 

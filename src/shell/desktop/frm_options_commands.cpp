@@ -42,7 +42,7 @@ void frmOptions::cmdTestEmail_Click() {
     if (std::exchange(mailing_, true)) return;
     const QPointer<frmOptions> self = this;
     const auto setStatus = [self](const std::string& text) {
-        if (self != nullptr && !self->closed_) self->SetStatus(text);
+        if (self != nullptr && !self->IsClosed()) self->SetStatus(text);
     };
     TestMailSettings(desk_, Read(), askText, setStatus, [self] {
         if (self != nullptr) self->mailing_ = false;
@@ -56,7 +56,7 @@ void frmOptions::cmdSetProxy_Click() {
     if (self != nullptr) proxy_->txtProxyPort->setText(Q(boxes.port));
 }
 
-// The manager takes its time: neither mark can be clicked meanwhile.
+// The manager takes its time: neither mark can be clicked meanwhile, and the focus comes back to the one that was.
 void frmOptions::chkService_Click(bool checked) {
     const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;
@@ -66,6 +66,7 @@ void frmOptions::chkService_Click(bool checked) {
     service_->setEnabled(true);
     service_->chkService->setChecked(isInstalled);
     service_->chkStartup->setChecked(commands.IsInStartupGroup());
+    if (!IsClosed()) service_->chkService->setFocus();
 }
 
 void frmOptions::chkStartup_Click(bool checked) {
@@ -79,7 +80,7 @@ void frmOptions::cmdTestShutDown_Click() {
     const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;
     commands.TestShutDown();
-    if (self != nullptr && !closed_) SetStatus(kRestartTested);
+    if (self != nullptr && !IsClosed()) SetStatus(kRestartTested);
 }
 
 void frmOptions::cmdCheckVersion_Click() {

@@ -1,6 +1,4 @@
 // What the settings dialog does as its inputs change or get the focus.
-#include <QEvent>
-#include <QFocusEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QRadioButton>
@@ -8,15 +6,11 @@
 
 #include "shell/desktop/frm_options.h"
 #include "shell/entry_hints.h"
+#include "shell/message_title.h"
 #include "shell/options_hints.h"
 #include "shell/options_proxy.h"
 
 namespace korvane {
-namespace {
-
-constexpr const char* kTitle = "Korvane";
-
-}  // namespace
 
 void frmOptions::ConnectTyping() {
     connect(proxy_->txtProxyName, &QLineEdit::textChanged, this, [this] {
@@ -44,7 +38,8 @@ void frmOptions::ConnectTyping() {
 void frmOptions::ProxyNameChanged() {
     const QPointer<frmOptions> self = this;
     proxyChanged_ = true;
-    if (LacksProxyScheme(S(proxy_->txtProxyName->text()))) desk_.person.ShowMessage(kTitle, std::string(kProxySchemeMessage));
+    if (LacksProxyScheme(S(proxy_->txtProxyName->text())))
+        desk_.person.ShowMessage(kMessageTitle, std::string(kProxySchemeMessage));
     if (self != nullptr) SetStatus(kProxyChangedHint);
 }
 
@@ -56,27 +51,6 @@ void frmOptions::ShowChoices(bool reboot) {
 void frmOptions::RebootToggled(bool reboot) {
     ShowChoices(reboot);
     SetStatus(reboot ? kRestartsThisMachine : kDoesNotRestart);
-}
-
-void frmOptions::WatchForHelp() {
-    for (QWidget* input : findChildren<QWidget*>()) {
-        const std::string_view help = HelpOnOptionsInput(S(input->objectName()));
-        if (help.empty()) continue;
-        input->setAccessibleDescription(Q(help));
-        input->installEventFilter(this);
-    }
-}
-
-// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was
-// about.
-bool frmOptions::IsNews(const QFocusEvent& event) const {
-    return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
-}
-
-bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn && IsNews(*static_cast<QFocusEvent*>(event)))
-        SetStatus(HelpOnOptionsInput(S(watched->objectName())));
-    return QDialog::eventFilter(watched, event);
 }
 
 }  // namespace korvane

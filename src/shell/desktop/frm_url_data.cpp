@@ -1,68 +1,42 @@
 #include "shell/desktop/frm_url_data.h"
 
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QToolButton>
-#include <QVBoxLayout>
 #include <utility>
 
 #include "base/ignore_errors.h"
-#include "base/raised_flag.h"
 #include "base/text.h"
 #include "shell/desktop/frm_url_data_pages.h"
 #include "shell/desktop/frm_url_data_server_page.h"
 #include "shell/desktop/qt_text.h"
-#include "shell/desktop/reading_text.h"
-#include "shell/desktop/scrolled_page.h"
 #include "shell/entry_hints.h"
 #include "shell/entry_row.h"
 #include "shell/entry_save.h"
+#include "shell/message_title.h"
 
 namespace korvane {
-namespace {
-
-constexpr const char* kTitle = "Korvane";
-constexpr int kStatusLines = 5;
-constexpr qsizetype kStatusCharacters = 15000;  // an answer may have megabytes
-
-}  // namespace
 
 frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent)
-    : QDialog(parent), desk_(desk), strID_(std::move(strID)), saved_(std::move(saved)) {
-    setObjectName("frmURLData");
-    setWindowTitle("Server Settings");
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
-    setSizeGripEnabled(true);
+    : TabbedDialog("frmURLData", "Server Settings", parent), desk_(desk), strID_(std::move(strID)), saved_(std::move(saved)) {
     askForFile = [this](const QString& title, const auto& chosen) { AskForFile(title, chosen); };
 
     BuildPages();
-    txtStatus_ = new ReadingText(this);
-    txtStatus_->setObjectName("txtStatus");
-    txtStatus_->setAccessibleName("Status");
-    txtStatus_->SetLines(kStatusLines);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(tabPages_, 1);
-    layout->addWidget(txtStatus_);
-    layout->addLayout(Buttons());
+    cmdTestURL_ = AddStatusAndButtons("cmdTestURL", "&Test", [this] { cmdOk_Click(); });
 
     ConnectTyping();
     ConnectCommands();
-    WatchForHelp();
+    WatchForHelp(HelpOnInput);
+    WatchFixedBoxes();
     Form_Load(isAddUrl);
     server_->txtAddress_IP->setFocus();
 }
 
 void frmURLData::BuildPages() {
-    tabPages_ = new QTabWidget(this);
-    tabPages_->setObjectName("tabPages");
-    tabPages_->setAccessibleName("Pages of settings");
     server_ = new ServerPage(inputs_, this);
     eMail_ = new EMailPage(inputs_, this);
     authentication_ = new AuthenticationPage(inputs_, this);
@@ -76,35 +50,6 @@ void frmURLData::BuildPages() {
     AddPage(authentication_, "Authentication");
     AddPage(scanText_, "Scan Text");
     AddPage(commands_, "Commands");
-}
-
-void frmURLData::AddPage(QWidget* page, const QString& title) {
-    tabPages_->addTab(new ScrolledPage(page), title);
-}
-
-int frmURLData::IndexOfPage(const QWidget* input) const {
-    for (int page = 0; page < tabPages_->count(); ++page) {
-        if (tabPages_->widget(page)->isAncestorOf(input)) return page;
-    }
-    return -1;
-}
-
-QLayout* frmURLData::Buttons() {
-    const auto named = [](QPushButton* button, const char* name) {
-        button->setObjectName(name);
-        button->setAccessibleName(button->text().remove('&'));
-        return button;
-    };
-    cmdTestURL_ = named(new QPushButton("&Test", this), "cmdTestURL");
-    auto* buttons = new QDialogButtonBox(this);
-    named(buttons->addButton("OK", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
-    named(buttons->addButton("Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { cmdOk_Click(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
-    auto* row = new QHBoxLayout;
-    row->addWidget(cmdTestURL_);
-    row->addWidget(buttons, 1);
-    return row;
 }
 
 void frmURLData::Form_Load(bool isAddUrl) {
@@ -142,10 +87,6 @@ void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
     server_->txtExpectedText->setText(Q(type.expected));
 }
 
-void frmURLData::SetStatus(std::string_view text) {
-    txtStatus_->SetText(Lines(text).left(kStatusCharacters));
-}
-
 EntryFields frmURLData::Read() const {
     EntryFields fields = inputs_.Read();
     fields.strType = S(server_->cmbType->currentText());
@@ -177,7 +118,7 @@ void frmURLData::cmdOk_Click() {
         QLineEdit* const box = inputs_.Box(refusal->field);
         ShowPageOf(box);
         MarkRefused(*box, Lines(refusal->message));
-        desk_.person.ShowMessage(kTitle, refusal->message);
+        desk_.person.ShowMessage(kMessageTitle, refusal->message);
         return;
     }
     const QPointer<frmURLData> self = this;
@@ -186,24 +127,9 @@ void frmURLData::cmdOk_Click() {
     const bool isSaved = SaveEntry(desk, strID, fields, [self](const std::string& name) {
         if (self != nullptr) self->server_->txtAddress_IP->setText(Q(name));
     });
-    if (!isSaved || self == nullptr || closed_) return;
+    if (!isSaved || self == nullptr || IsClosed()) return;
     saved_();
     if (self != nullptr) accept();
-}
-
-void frmURLData::ShowPageOf(const QWidget* input) {
-    tabPages_->setCurrentIndex(IndexOfPage(input));
-}
-
-// Showing a dialog focuses its first input, which is no reason to talk over what the status line begins with.
-void frmURLData::setVisible(bool visible) {
-    const RaisedFlag showing(showing_);
-    QDialog::setVisible(visible);
-}
-
-void frmURLData::done(int result) {
-    closed_ = true;
-    QDialog::done(result);
 }
 
 }  // namespace korvane

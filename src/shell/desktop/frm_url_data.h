@@ -2,22 +2,18 @@
 // say.
 #pragma once
 
-#include <QDialog>
 #include <cstdint>
 #include <functional>
 #include <string>
 
 #include "shell/desk.h"
 #include "shell/desktop/frm_url_data_inputs.h"
+#include "shell/desktop/tabbed_dialog.h"
 #include "shell/entry_type.h"
 
-class QFocusEvent;
 class QPushButton;
-class QTabWidget;
 
 namespace korvane {
-
-class ReadingText;
 
 class CommandsPage;
 class EMailPage;
@@ -25,7 +21,7 @@ class ServerPage;
 
 /// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a test of its own
 /// waits: that test then ends without a word.
-class frmURLData : public QDialog {
+class frmURLData : public TabbedDialog {
 public:
     /// Adds a row first if `isAddUrl`, and reads the row; `strID` names it otherwise. Shows a message when there is no such
     /// row. `saved` is called after a save, before the dialog closes.
@@ -47,24 +43,16 @@ public:
     /// own in.
     std::function<void(const QString& title, std::function<void(const QString& path)> chosen)> askForFile;
 
-    void setVisible(bool visible) override;
-    void done(int result) override;
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     // frm_url_data.cpp
     void BuildPages();
-    QLayout* Buttons();
     void Form_Load(bool isAddUrl);
     void InitServerTypes(const EntryFields& fields, bool fillList);
-    void SetStatus(std::string_view text);
     EntryFields Read() const;
     void cmdOk_Click();
-    void AddPage(QWidget* page, const QString& title);
-    int IndexOfPage(const QWidget* input) const;
-    void ShowPageOf(const QWidget* input);
 
     // frm_url_data_typing.cpp
     void ConnectTyping();
@@ -73,8 +61,7 @@ private:
     void TypeChanged();
     void RestartToggled(bool restart);
     bool ExplainFixedBox(const QObject* label);
-    void WatchForHelp();
-    bool IsNews(const QFocusEvent& event) const;
+    void WatchFixedBoxes();
 
     // frm_url_data_commands.cpp
     void ConnectCommands();
@@ -95,8 +82,6 @@ private:
     std::function<void()> saved_;
     bool loading_ = true;       ///< the reactions to changes do nothing
     bool typeChanged_ = false;  ///< in the refill that follows a change of type
-    bool showing_ = false;
-    bool closed_ = false;
     bool busyPointer_ = false;  ///< a test is under way; after one of no IPv4 address it stays
     bool mailing_ = false;      ///< a test mail is under way
     bool resetting_ = false;    ///< the history is being taken away, or asked about
@@ -106,14 +91,12 @@ private:
     std::vector<EntryTypeTexts> types_;
 
     EntryInputs inputs_;
-    QTabWidget* tabPages_ = nullptr;
     ServerPage* server_ = nullptr;
     EMailPage* eMail_ = nullptr;
     QWidget* authentication_ = nullptr;
     QWidget* scanText_ = nullptr;
     QPushButton* cmdCommands_ = nullptr;
     CommandsPage* commands_ = nullptr;
-    ReadingText* txtStatus_ = nullptr;
     QPushButton* cmdTestURL_ = nullptr;
 };
 

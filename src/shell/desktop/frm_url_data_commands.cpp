@@ -20,12 +20,12 @@
 #include "shell/entry_commands.h"
 #include "shell/entry_save.h"
 #include "shell/entry_test.h"
+#include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr int kNoListPosition = 0;
 
 }  // namespace
@@ -64,7 +64,7 @@ void frmURLData::cmdTestURL_Click() {
     const Desk desk = desk_;
     const EntryFields fields = Read();
     const QPointer<frmURLData> self = this;
-    const auto isGone = [&self] { return self == nullptr || self->closed_; };
+    const auto isGone = [&self] { return self == nullptr || self->IsClosed(); };
     const bool hadFocus = cmdTestURL_->hasFocus();
     SetStatus(TestBegins(fields));
     desk.conversation.Show();
@@ -82,11 +82,11 @@ void frmURLData::cmdTestURL_Click() {
     const TestVerdict verdict =
         JudgeEntryTest(fields, *result, [&, strID = strID_] { return FindUrlFailure(desk, result->response, strID); });
     SetStatus(verdict.text);
-    if (!verdict.failed) return desk.person.ShowMessage(kTitle, "The test was a success!");
-    desk.person.ShowError(kTitle, verdict.text);
+    if (!verdict.failed) return desk.person.ShowMessage(kMessageTitle, "The test was a success!");
+    desk.person.ShowError(kMessageTitle, verdict.text);
     const std::string advice = PortAdvice(fields);
     if (isGone() || advice.empty()) return;
-    desk.person.ShowMessage(kTitle, advice);
+    desk.person.ShowMessage(kMessageTitle, advice);
     if (isGone()) return;
     ShowPageOf(server_->txtPort);
     server_->txtPort->setFocus();
@@ -99,7 +99,7 @@ void frmURLData::cmdTestEmail_Click() {
     inputs_.TakeMarksAway();
     if (Trim(fields.strEmailList1).empty() && Trim(fields.strEmailList2).empty()) {
         MarkRefused(*eMail_->txtEmailList1, Q(kNoRecipientMessage));
-        return desk_.person.ShowMessage(kTitle, kNoRecipientMessage);
+        return desk_.person.ShowMessage(kMessageTitle, kNoRecipientMessage);
     }
     fields.strEmailList1 = NormaliseRecipients(fields.strEmailList1);
     fields.strEmailList2 = NormaliseRecipients(fields.strEmailList2);
@@ -116,7 +116,7 @@ void frmURLData::cmdTestEmail_Click() {
 
 void frmURLData::MailTestEnds(bool sent) {
     mailing_ = false;
-    if (closed_) return;
+    if (IsClosed()) return;
     SetStatus("Sending email.");
     SetStatus(sent ? "Email Test Concluded."
                    : "EMAIL SEND FAILED.  CLICK The 'VIEW LOG' BUTTON and scroll to the bottom to see the error.");
@@ -125,7 +125,7 @@ void frmURLData::MailTestEnds(bool sent) {
 void frmURLData::TestCommand(const char* question, const QLineEdit& box) {
     const std::string command = S(box.text());
     const QPointer<frmURLData> self = this;
-    desk_.person.Ask(kTitle, TestCommandQuestion(question, command), [self, command] {
+    desk_.person.Ask(kMessageTitle, TestCommandQuestion(question, command), [self, command] {
         if (self == nullptr) return;
         self->SetStatus("Testing Command " + command + "\r\n\r\nPress Start to resume... ");
         self->desk_.commands.RunCommand(command, 0, WindowStyle::Normal);
@@ -156,7 +156,7 @@ void frmURLData::cmdTraceRoute_Click() {
         file = desk_.trace.GetTracertFile(ParseWhole(strID_));
         isThere = desk_.files.Exists(file);
     });
-    if (!isThere) return desk_.person.ShowMessage(kTitle, NoTraceMessage(getURLText()));
+    if (!isThere) return desk_.person.ShowMessage(kMessageTitle, NoTraceMessage(getURLText()));
     try {
         desk_.processes.OpenText(file);
     } catch (const std::exception& error) {
@@ -182,9 +182,9 @@ void frmURLData::cmdReset_Click() {
         desk.maintenance.ResetResponseData(strID);
         desk.publisher.PublishReports();
         ends();
-        if (self != nullptr && !self->closed_) desk.person.ShowMessage(kTitle, "Data Reset");
+        if (self != nullptr && !self->IsClosed()) desk.person.ShowMessage(kMessageTitle, "Data Reset");
     };
-    desk_.person.Ask(kTitle, ResetQuestion(getURLText()), reset, ends);
+    desk_.person.Ask(kMessageTitle, ResetQuestion(getURLText()), reset, ends);
 }
 
 void frmURLData::cmdCommands_Click() {

@@ -91,9 +91,9 @@ AuthenticationPage::AuthenticationPage(EntryInputs& inputs, QWidget* parent) : Q
 ScanTextPage::ScanTextPage(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(
-        NewExplanation("A web server may answer although the page behind it has failed, with the error page of a "
-                       "firewall for example. List the texts by which such answers are known: a response that holds "
-                       "one of them counts as a failure, and each may have a command of its own.",
+        NewExplanation("A web server may answer although the page behind it has failed, "
+                       "with the error page of a firewall for example. List the texts by which such answers are known: "
+                       "a response that holds one of them counts as a failure, and each may have a command of its own.",
                        this));
     layout->addSpacing(fontMetrics().height() / 2);
     cmdCommands = NewButton("cmdCommands", "&Failure Texts and Commands...", "Failure Texts and Commands", this);

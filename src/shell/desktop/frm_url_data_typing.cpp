@@ -2,7 +2,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
-#include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -20,13 +19,9 @@
 #include "shell/desktop/qt_text.h"
 #include "shell/entry_hints.h"
 #include "shell/entry_name.h"
+#include "shell/message_title.h"
 
 namespace korvane {
-namespace {
-
-constexpr const char* kTitle = "Korvane";
-
-}  // namespace
 
 void frmURLData::ConnectTyping() {
     const auto onChange = [this](QLineEdit* box, auto react) {
@@ -89,26 +84,14 @@ void frmURLData::RestartToggled(bool restart) {
     savedCommand_ = box.text();
     const std::string command = getShudownEXEPath(desk_.files) + " -r -f";
     box.setText(Q(command));
-    desk_.person.ShowMessage(kTitle, "The command " + command +
-                                         " is the command that will shutdown and restart THIS computer.  This command only works "
-                                         "with Windows NT,XP,2000,2003");
+    desk_.person.ShowMessage(kMessageTitle, "The command " + command +
+                                                " is the command that will shutdown and restart THIS computer.  "
+                                                "This command only works with Windows NT,XP,2000,2003");
 }
 
-void frmURLData::WatchForHelp() {
-    for (QWidget* input : findChildren<QWidget*>()) {
-        const std::string_view help = HelpOnInput(S(input->objectName()));
-        if (help.empty()) continue;
-        input->setAccessibleDescription(Q(help));
-        input->installEventFilter(this);
-    }
+void frmURLData::WatchFixedBoxes() {
     for (QLabel* label : {server_->lblPort, server_->lblRequest, server_->lblExpected})
         label->installEventFilter(this);
-}
-
-// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was
-// about.
-bool frmURLData::IsNews(const QFocusEvent& event) const {
-    return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
 }
 
 bool frmURLData::ExplainFixedBox(const QObject* label) {
@@ -120,19 +103,17 @@ bool frmURLData::ExplainFixedBox(const QObject* label) {
                         {server_->lblExpected, kFixedExpectedTextMessage}};
     for (const auto& each : explanations) {
         if (each.label != label || each.label->buddy()->isEnabled()) continue;
-        desk_.person.ShowMessage(kTitle, std::string(each.message));
+        desk_.person.ShowMessage(kMessageTitle, std::string(each.message));
         return true;
     }
     return false;
 }
 
 bool frmURLData::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn && IsNews(*static_cast<QFocusEvent*>(event)))
-        SetStatus(HelpOnInput(S(watched->objectName())));
     if (event->type() == QEvent::MouseButtonRelease && ExplainFixedBox(watched)) return true;
     // The wheel is for scrolling past; a type changed by it goes unnoticed.
     if (event->type() == QEvent::Wheel && watched == server_->cmbType && !server_->cmbType->hasFocus()) return true;
-    return QDialog::eventFilter(watched, event);
+    return TabbedDialog::eventFilter(watched, event);
 }
 
 }  // namespace korvane

@@ -21,6 +21,8 @@ enum class CommandPicture {
     Delete,
     Save,
     Reports,
+    Settings,
+    Help,
     Exit,
     Test,
     Mail,

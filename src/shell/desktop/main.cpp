@@ -50,8 +50,7 @@ public:
 
 // The session ends, perhaps with the power: everything is saved, and the program goes on until it is ended with the session.
 void SaveWithTheSession(Run& run) {
-    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp,
-                     [&run](QSessionManager&) { run.TheDesk().settings.Save(); });
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, [&run](QSessionManager&) { run.SaveOnExit(); });
 }
 
 [[noreturn]] void DesktopMain(int argc, char** argv) {
@@ -61,6 +60,7 @@ void SaveWithTheSession(Run& run) {
         RunInTerminal(argc, argv);
     }
     QApplication::setApplicationName("korvane");
+    QGuiApplication::setDesktopFileName("korvane");
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(ProgramIcon(true));
     const DesktopTheme theme;

@@ -23,6 +23,8 @@ constexpr const char* kFile = "&File";
 constexpr const char* kEdit = "&Edit";
 constexpr const char* kMonitor = "&Monitor";
 constexpr const char* kView = "&View";
+constexpr const char* kSettings = "&Settings";
+constexpr const char* kHelp = "&Help";
 
 constexpr Command kCommands[] = {
     {kFile, "mnuFileSave", "&Save Settings", "Ctrl+S"},
@@ -45,11 +47,26 @@ constexpr Command kCommands[] = {
     {kEdit, "mnuEditDeleteURL", "&Delete Server...", "Del", Keys::List, true},
     {kEdit, ""},
     {kEdit, "mnuEditClearStatus", "Clear &Statistics..."},
+    {kEdit, ""},
+    {kEdit, "mnuEditSettings", "Se&ttings..."},
     {kMonitor, "cmdStopStart", "S&top", "F9"},
     {kMonitor, "", "", "", Keys::Window, true},
     {kMonitor, "cmdStopWaiting", "Check &All Now", "F5", Keys::Window, true},
     {kView, "mnuViewConversation", "&Server Conversation"},
     {kView, "mnuViewMail", "&Mail Conversation"},
+    {kSettings, "mnuOptions", "&Options...", "Ctrl+,"},
+    {kHelp, "mnuHelpWeb", "&Help on the Web", "F1"},
+    {kHelp, "mnuHelpFeatures", "Fea&tures"},
+    {kHelp, "mnuTerms", "T&erms of Use"},
+    {kHelp, ""},
+    {kHelp, "mnuShutdown", "&Restarting This Computer"},
+    {kHelp, "mnuRestart", "&Coming Back after a Restart"},
+    {kHelp, "mnuShutdownRemote", "Restarting Another C&omputer"},
+    {kHelp, ""},
+    {kHelp, "mnuHelpFeedback", "Send &Feedback..."},
+    {kHelp, "mnuHelpTellFriend", "Tell a Frie&nd..."},
+    {kHelp, ""},
+    {kHelp, "mnuHelpAbout", "&About Korvane"},
 };
 
 }  // namespace

@@ -34,8 +34,14 @@ void MonitorTray::BuildMenu() {
     menu_.addSeparator();
     add("mnuTrayReports", "&Reports", commands_.mnuTrayReports);
     menu_.addSeparator();
+    mnuTrayNTService_ = add("mnuTrayNTService", "&Install as Service", commands_.mnuTrayNTService);
+    mnuTrayStartup_ = add("mnuTrayStartup", "Start when I &Log On", commands_.mnuTrayStartup);
+    menu_.addSeparator();
+    add("mnuTrayTellFriend", "&Tell a Friend...", commands_.mnuTrayTellFriend);
+    add("mnuTrayFeedback", "Send &Feedback...", commands_.mnuTrayFeedback);
+    menu_.addSeparator();
     add("mnuTrayExit", "E&xit", commands_.mnuTrayExit);
-    for (QAction* mark : {mnuTrayOn_, mnuTrayOff_})
+    for (QAction* mark : {mnuTrayOn_, mnuTrayOff_, mnuTrayNTService_, mnuTrayStartup_})
         mark->setCheckable(true);
     SetMonitoring(true);
 }
@@ -55,6 +61,12 @@ void MonitorTray::SetMonitoring(bool on) {
     mnuTrayOn_->setText(on ? "&Monitoring ON" : "Resume &Monitoring");
     mnuTrayOff_->setChecked(!on);
     mnuTrayOff_->setText(on ? "&Pause Monitoring" : "Monitoring &Paused");
+}
+
+void MonitorTray::SetStartMarks(bool hasServices, bool mnuTrayNTService, bool mnuTrayStartup) {
+    mnuTrayNTService_->setVisible(hasServices);
+    mnuTrayNTService_->setChecked(mnuTrayNTService);
+    mnuTrayStartup_->setChecked(mnuTrayStartup);
 }
 
 void MonitorTray::Modify() {

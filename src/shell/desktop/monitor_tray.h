@@ -17,6 +17,10 @@ public:
         std::function<void()> mnuTrayOn;
         std::function<void()> mnuTrayOff;
         std::function<void()> mnuTrayReports;
+        std::function<void()> mnuTrayNTService;
+        std::function<void()> mnuTrayStartup;
+        std::function<void()> mnuTrayTellFriend;
+        std::function<void()> mnuTrayFeedback;
         std::function<void()> mnuTrayExit;
     };
 
@@ -30,6 +34,9 @@ public:
     void SetTip(const std::string& tip);
     /// The marks and captions of the two commands that resume and pause.
     void SetMonitoring(bool on);
+    /// Those of the two commands by which the program comes back by itself. `hasServices`: there is a service manager; without
+    /// one its command is not shown.
+    void SetStartMarks(bool hasServices, bool mnuTrayNTService, bool mnuTrayStartup);
 
     /// Adds the icon if the desktop does not have it, or takes it away.
     void Show() { icon_.show(); }
@@ -49,6 +56,8 @@ private:
     TrayPicture picture_ = TrayPicture::Normal;
     QAction* mnuTrayOn_ = nullptr;
     QAction* mnuTrayOff_ = nullptr;
+    QAction* mnuTrayNTService_ = nullptr;
+    QAction* mnuTrayStartup_ = nullptr;
 };
 
 }  // namespace korvane

@@ -11,26 +11,15 @@
 #include "shell/desktop/form_inputs.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reading_text.h"
+#include "shell/message_title.h"
 
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr int kCharacters = 52;
 constexpr int kFewestLines = 3;
 constexpr int kNoteCharacters = 70;
 constexpr int kNoteLines = 6;
-
-/// Red that stands out from this background.
-QColor MarkColour(const QPalette& palette) {
-    return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
-}
-
-void TakeMarkAway(QPlainTextEdit& box) {
-    box.setStyleSheet(QString());
-    box.setAccessibleDescription(QString());
-    box.setToolTip(QString());
-}
 
 /// A label as a name: without the sign of its key and its colon.
 QString WithoutSigns(QString label) {
@@ -119,19 +108,8 @@ void WebFormDialog::TakeMarksAway() {
 
 void WebFormDialog::Refuse(const std::string& refusal) {
     const QPointer<WebFormDialog> self = this;
-    ports_.person.ShowMessage(kTitle, refusal);
+    ports_.person.ShowMessage(kMessageTitle, refusal);
     if (self != nullptr) MarkInput(Lines(refusal));
-}
-
-void MarkRefused(QPlainTextEdit& box, const QString& why) {
-    box.setStyleSheet("QPlainTextEdit { border: 2px solid " + MarkColour(box.palette()).name() +
-                      "; border-radius: 3px; padding: 1px; }");
-    box.setAccessibleDescription(why);
-    box.setToolTip(why);
-    box.setFocus();
-    box.selectAll();
-    QObject::connect(
-        &box, &QPlainTextEdit::textChanged, &box, [&box] { TakeMarkAway(box); }, Qt::SingleShotConnection);
 }
 
 }  // namespace korvane

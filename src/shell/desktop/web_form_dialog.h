@@ -57,7 +57,4 @@ private:
     bool sending_ = false;
 };
 
-/// As for a box of one line: shows that the text was refused and why, until it is changed. The box gets the focus.
-void MarkRefused(QPlainTextEdit& box, const QString& why);
-
 }  // namespace korvane

@@ -1,5 +1,7 @@
 #include "shell/process/process.h"
 
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
@@ -7,19 +9,27 @@
 #include <iostream>
 #include <string>
 
+#include "engine/shutdown_path.h"
 #include "platform/curl/curl_inet.h"
+#include "platform/linux/autostart.h"
+#include "platform/linux/desktop_proxy.h"
+#include "platform/linux/desktop_sound.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/linux/linux_memory.h"
+#include "platform/linux/linux_power.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_signals.h"
+#include "platform/linux/linux_system_info.h"
+#include "platform/linux/program_runner.h"
+#include "platform/linux/systemd_manager.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/qt_timer.h"
 #include "platform/qt/sql_store.h"
-#include "shell/no_sound.h"
+#include "shell/message_title.h"
 #include "shell/terminal_operator.h"
 #include "store/schema.h"
 
@@ -28,11 +38,8 @@ namespace {
 
 constexpr int kCannotGoOn = 1;
 constexpr const char* kNoGlib = "QT_NO_GLIB";
-
-std::string FromEnvironment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
+/// Of the desktop's theme.
+constexpr const char* kIconName = "korvane";
 
 std::string CommandLine(int argc, char** argv) {
     std::string line;
@@ -43,9 +50,14 @@ std::string CommandLine(int argc, char** argv) {
 
 /// The folder of the executable, or the one that KORVANE_HOME names; it is made when it is not there.
 Run::Options OptionsOf(int argc, char** argv) {
-    const std::string program = QCoreApplication::applicationDirPath().toStdString();
-    const std::string home = FromEnvironment("KORVANE_HOME");
-    Run::Options options{.dir = program, .dataDir = program, .commandLine = CommandLine(argc, argv), .version = KORVANE_VERSION};
+    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
+    const std::string home = EnvironmentVariable("KORVANE_HOME");
+    Run::Options options{.dir = folder,
+                         .dataDir = folder,
+                         .commandLine = CommandLine(argc, argv),
+                         .version = KORVANE_VERSION,
+                         .program = QCoreApplication::applicationFilePath().toStdString(),
+                         .icon = kIconName};
     if (!home.empty()) options.dir = std::filesystem::absolute(home).lexically_normal().string();
     while (options.dir.size() > 1 && options.dir.ends_with('/'))
         options.dir.pop_back();
@@ -66,7 +78,7 @@ void Start(Run& run, const Face& face, Files& files, const Run::Options& options
         files.CreateFolder(options.dir);
         if (run.StartUp() == Run::Started::Running) return;
     } catch (const std::exception& error) {
-        face.person.ShowMessage("Korvane", "Korvane can't start: " + std::string(error.what()));
+        face.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
     }
     EndProcess(kCannotGoOn);
 }
@@ -82,6 +94,8 @@ void PrepareProcess() {
 
 void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
     unsetenv(kNoGlib);  // what we start is not to inherit it
+    const SystemdGreeting greeting(EnvironmentVariable, ::getpid());
+    KeepGreetingFromChildren();
     const Run::Options options = OptionsOf(argc, argv);
     SystemClock clock;
     LinuxFiles files;
@@ -93,27 +107,62 @@ void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeF
     QtTcpSocket plainSocket;
     QtTcpSocket testSocket;
     LinuxIcmpEcho echo;
-    NoSound sound;
     LinuxProcesses processes(events);
+    DesktopSound sound(processes);
     LinuxGuidSource guids;
+    LinuxPower power([&](const std::vector<std::string>& words) { processes.Start(words); },
+                     ThisMachine(getShudownEXEPath(files)));
+    SystemdManager services({files, ProgramRunner(events, clock)}, SystemdPlaceOfThisUser(EnvironmentVariable), greeting);
+    DesktopAutostart autostart(files, EnvironmentVariable);
+    LinuxSystemInfo systemInfo;
     const Face face = makeFace(timers);
-    const CurlInet::Options inetOptions{.caBundle = FromEnvironment("SSL_CERT_FILE"), .userAgent = "Korvane/" + options.version};
-    Run run({clock, events, timers, store, face.person, files, tcpSocket, sckesmtp, plainSocket, testSocket, echo, sound,
-             processes, guids, [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); }, face.window,
-             face.conversation, face.mailTrace},
+    const CurlInet::Options inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"),
+                                        .userAgent = "Korvane/" + options.version};
+    std::function<void()> exit;
+    Run run({clock,
+             events,
+             timers,
+             store,
+             face.person,
+             files,
+             tcpSocket,
+             sckesmtp,
+             plainSocket,
+             testSocket,
+             echo,
+             sound,
+             processes,
+             guids,
+             power,
+             services,
+             autostart,
+             systemInfo,
+             [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); },
+             [] { return DesktopProxyServer(EnvironmentVariable); },
+             [&] { exit(); },
+             face.window,
+             face.conversation,
+             face.mailTrace},
             options);
 
-    const auto exit = [&] {
+    exit = [&] {
         face.beforeExit();
         run.mnuExit_Click();
+        run.Service().HandOver();
         EndProcess(EXIT_SUCCESS);
     };
-    const auto exitWhenLoaded = [&] {
-        if (run.OnlyTelling()) EndProcess(kCannotGoOn);
-        if (run.MayExit()) exit();
+    const auto whenLoaded = [&run](const std::function<void()>& end) {
+        return [&run, end] {
+            if (run.OnlyTelling()) EndProcess(kCannotGoOn);
+            if (run.MayExit()) end();
+        };
     };
-    face.attach(run, exitWhenLoaded);
-    const TerminationSignals termination(events, exitWhenLoaded);
+    // The service manager stops its services by a signal.
+    const auto stop = [&] { run.Service().RunningAsService() ? run.Service().Stop() : exit(); };
+    face.attach(run, whenLoaded(exit));
+    const TerminationSignals termination(events, whenLoaded(stop));
+    const PauseSignals pauses(
+        events, [&] { run.Service().Pause(); }, [&] { run.Service().Continue(); });
     // When the display goes, with the session, its library ends the process by itself.
     bool started = false;
     const std::function<void()> atExit = [&] {
@@ -123,7 +172,7 @@ void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeF
             const_cast<std::function<void()>*>(&atExit));
     Start(run, face, files, options);
     started = true;
-    if (run.ExitAsked()) exit();
+    if (run.ExitAsked()) stop();
     EndProcess(QCoreApplication::exec());
 }
 

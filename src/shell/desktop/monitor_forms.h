@@ -1,0 +1,47 @@
+// The dialogs that the main window leads to beside the editor of an entry: the settings, the first-run setup, and what the help
+// menu offers. Of each there is one at a time.
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <map>
+#include <string>
+
+#include "shell/desk.h"
+#include "shell/desktop/frm_help.h"
+#include "shell/desktop/frm_options.h"
+#include "shell/first_run.h"
+#include "shell/resource_emails.h"
+
+namespace korvane {
+
+class MonitorForms {
+public:
+    /// `owner` is the main window; it must outlive this.
+    MonitorForms(Desk desk, QWidget& owner);
+
+    void ShowOptions();
+    void ShowAbout();
+    void ShowFeedback();
+    void ShowTellFriend();
+
+    /// The three questions and what becomes of the answers; waits through the event pump until it is through.
+    void SetUpForTheFirstTime();
+
+    /// How the pages of the setup are asked. Tests put their own in.
+    std::function<std::string(const WizardPage& page)> ask;
+
+private:
+    template <class MakeForm>
+    void Open(const std::string& name, MakeForm makeForm);
+    QWidget* Parent() const;
+    OptionsCommands CommandsOfOptions();
+
+    Desk desk_;
+    QWidget& owner_;
+    HelpViewer help_;
+    ResourceEmailFiles emails_;
+    std::map<std::string, QPointer<QDialog>> open_;
+};
+
+}  // namespace korvane
