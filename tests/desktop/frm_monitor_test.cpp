@@ -3,11 +3,14 @@
 #include "shell/desktop/frm_monitor.h"
 
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMenuBar>
+#include <QPushButton>
 #include <map>
 
 #include "base/text.h"
 #include "desktop/desktop_test.h"
+#include "resources/disk_settings.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -17,15 +20,18 @@ using namespace std::chrono_literals;
 
 class MonitorWindowTest : public testing::Test {
 protected:
-    /// Entries first, then this.
+    /// Entries first, then this. Setup counts as done: nobody is there to answer its questions.
     void Start() {
+        StartForTheFirstTime();
+        program_->run.TheDesk().settingsFile.Write("Setup", "Done", "True");
+    }
+    void StartForTheFirstTime() {
         program_ = std::make_unique<Program>(database_.Folder(), KORVANE_DIST_DIR, "", [this](Timers& timers) {
             window_ = std::make_unique<frmMonitor>(timers);
             return DesktopOfProgram{.person = window_.get(), .window = window_.get(), .conversation = &window_->Conversation()};
         });
         window_->Attach(program_->run, [this] { ++exits_; });
         ASSERT_EQ(program_->run.StartUp(), Run::Started::Running);
-        program_->run.TheDesk().settingsFile.Write("Setup", "Done", "True");  // nobody is there to answer its questions
         Settle();
     }
     ~MonitorWindowTest() override { window_.reset(); }
@@ -364,6 +370,77 @@ TEST_F(MonitorWindowTest, SenselessSizesStayOnTheScreen) {
 }
 
 // Each control can be told by a screen reader, and no two keys of a menu are the same.
+TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
+    std::vector<std::string> titles;
+    StartForTheFirstTime();
+    Window().Forms().ask = [&](const WizardPage& page) {
+        titles.push_back(page.title);
+        World().RunFor(10s);  // the wait for the start of monitoring stands still meanwhile
+        return titles.size() == 1 ? "my.example/page" : titles.size() == 2 ? "me@my.example" : "";
+    };
+    World().RunFor(1s);
+    EXPECT_EQ(titles, (std::vector<std::string>{"Korvane Setup Question 1 of 3", "Korvane Setup Question 2 of 3",
+                                                "Korvane Setup Question 3 of 3", "Korvane Setup Info 1 of 3",
+                                                "Korvane Setup Info 2 of 3", "Korvane Setup Info 3 of 3"}));
+    EXPECT_EQ(Cells(column::FullName), std::vector<std::string>{"my.example/page"});
+    EXPECT_EQ(Window().lblCount->text(), "Waiting 120 seconds to start.");
+    EXPECT_EQ(TheProgram().services.asked, std::vector<std::string>{"install Korvane"});
+    EXPECT_TRUE(Window().Tray().mnuTray().findChild<QAction*>("mnuTrayNTService")->isChecked());
+    clsDiskMon disks(TheProgram().files, TheProgram().run.TheDesk().dir);
+    disks.OpenFile();
+    EXPECT_EQ(disks.getEmail(), "me@my.example");
+    const std::size_t asked = titles.size();
+    TheProgram().run.cmdStopStart();
+    TheProgram().run.cmdStopStart();
+    World().RunFor(200s);
+    EXPECT_EQ(titles.size(), asked);
+    EXPECT_EQ(TheProgram().run.TheDesk().settingsFile.Read("Setup", "Done", ""), "True");
+}
+
+TEST_F(MonitorWindowTest, EachCommandOpensItsDialogOnce) {
+    Start();
+    const struct {
+        const char* command;
+        const char* form;
+    } cases[] = {{"mnuOptions", "frmOptions"},       {"mnuEditSettings", "frmOptions"},      {"mnuHelpAbout", "frmAbout"},
+                 {"mnuHelpFeedback", "frmFeedback"}, {"mnuHelpTellFriend", "frmTellFriend"}, {"mnuHelpWeb", "frmHelp"}};
+    for (const auto& [command, name] : cases) {
+        SCOPED_TRACE(command);
+        QAction* const action = Window().findChild<QAction*>(command);
+        action->trigger();
+        action->trigger();
+        const auto forms = Window().findChildren<QDialog*>(name);
+        ASSERT_EQ(forms.size(), 1);
+        forms.front()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(Window().findChild<QDialog*>(name), nullptr);
+        Settle();
+    }
+}
+
+TEST_F(MonitorWindowTest, SavedSettingsReachTheInstalledService) {
+    Start();
+    TheProgram().services.installed.insert("Korvane");
+    Window().Forms().ShowOptions();
+    auto* const form = Window().findChild<QDialog*>("frmOptions");
+    form->findChild<QLineEdit*>("txtReportPath")->setText("/srv/www/status");
+    QTest::keyClick(form->findChild<QPushButton*>("cmdOk"), Qt::Key_Space);
+    EXPECT_EQ(TheProgram().services.asked, std::vector<std::string>{"update Korvane"});
+    EXPECT_EQ(TheProgram().services.program.folders, std::vector<std::string>{"/srv/www/status"});
+}
+
+TEST_F(MonitorWindowTest, TheTrayOffersWhatTheSystemHas) {
+    Start();
+    TheProgram().services.present = false;
+    TheProgram().run.Service().LoadMarks();
+    QMenu& menu = Window().Tray().mnuTray();
+    EXPECT_FALSE(menu.findChild<QAction*>("mnuTrayNTService")->isVisible());
+    menu.findChild<QAction*>("mnuTrayStartup")->trigger();
+    Answer("cmdOk");
+    EXPECT_TRUE(menu.findChild<QAction*>("mnuTrayStartup")->isChecked());
+    EXPECT_EQ(TheProgram().autostart.names, std::set<std::string>{"Korvane"});
+}
+
 TEST_F(MonitorWindowTest, EveryControlHasANameAndEveryKeyOneMeaning) {
     Start();
     for (const QWidget* control : Window().findChildren<QWidget*>()) {

@@ -192,6 +192,26 @@ TEST(StartUp, NamesAColumnThatAnOlderDatabaseLacksAndGoesOn) {
     EXPECT_EQ(program.Column(home, "SELECT nSuccess AS v FROM Servers WHERE strDesc = 'ping'"), (std::vector<std::string>{"1"}));
 }
 
+TEST(StartUp, AServiceRunTellsItsManagerAndKeepsTheSettingsAsTheyAre) {
+    struct Window : MonitorWindow {
+        std::string title;
+        void SetCaptions(const Captions& captions) override { title = captions.title; }
+    } window;
+    const Home home;
+    home.Write("kvurlwatchn.ini", "[Settings]\r\nBegin=0\r\nServer=as.it.was\r\nbALLInDB=True\r\n");
+    Program program(home.Path(), KORVANE_DIST_DIR, "", [&](Timers&) { return DesktopOfProgram{.window = &window}; });
+    program.services.startedThis = true;
+    ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
+    EXPECT_EQ(program.services.told, (std::vector<std::string>{"Service Started.", "READY"}));
+    EXPECT_TRUE(window.title.ends_with(" running as service")) << window.title;
+    const std::string before = ReadAll(home / "kvurlwatchn.ini");
+    program.run.TheDesk().collection.setKvSettingsColValue("Server", "changed.since");
+    program.run.Service().Stop();
+    EXPECT_EQ(program.exits, 1);
+    program.run.mnuExit_Click();
+    EXPECT_EQ(ReadAll(home / "kvurlwatchn.ini"), before);
+}
+
 TEST(Exit, InTheMiddleOfACheckLeavesTheRowAsItWas) {
     const Home home;
     home.Write("kvurlwatchn.ini", kTwoEntries);
