@@ -68,6 +68,9 @@ public:
                    const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
                    std::string& strPopHost, std::string& strError);
 
+    /// Whether a SendEmail is on the stack, so that another one would be refused.
+    bool Sending() const { return sending_; }
+
     /// The same through the server that the settings name.
     SendOutcome SendThrough(MailServer server, const Notification& notification);
 

@@ -3,13 +3,31 @@
 #include <sys/utsname.h>
 
 #include <algorithm>
+#include <utility>
+
+#include "platform/linux/proc_figures.h"
 
 namespace korvane {
+
+LinuxSystemInfo::LinuxSystemInfo(SystemFolders folders)
+    : folders_(std::move(folders)), disks_(std::make_unique<korvane::FixedDisks>(folders_)) {}
 
 SystemVersion LinuxSystemInfo::Version() const {
     utsname names{};
     if (::uname(&names) != 0) return {};
     return VersionOfRelease(names.sysname, names.release);
+}
+
+std::optional<ProcessorTimes> LinuxSystemInfo::Processors() const {
+    return ProcessorsOf(ReadKernelFile(folders_.proc + "/stat").value_or(""));
+}
+
+std::optional<PhysicalMemory> LinuxSystemInfo::Memory() const {
+    return MemoryOf(ReadKernelFile(folders_.proc + "/meminfo").value_or(""));
+}
+
+DiskSpace LinuxSystemInfo::FixedDisks() const {
+    return disks_->Sum();
 }
 
 SystemVersion VersionOfRelease(std::string_view platform, std::string_view release) {

@@ -1,0 +1,116 @@
+#include "resources/alert_monitor.h"
+
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kTitle = "Korvane";
+constexpr const char* kSaved = "Settings updated";
+constexpr const char* kNoAddress = "The email id entered is not a valid email id";
+constexpr const char* kNoServer = "No SMTP server has been specified to send email";
+constexpr const char* kServerKey = "Server";
+constexpr std::string_view kAllServers = "SELECT * from servers order by id";
+
+}  // namespace
+
+AlertMonitor::AlertMonitor(const MonitorPorts& ports, MonitorManner manner) : ports_(ports), manner_(std::move(manner)) {}
+
+void AlertMonitor::Shown() {
+    testRefused_ = false;
+    Changed();
+}
+
+void AlertMonitor::Load(AlertSettings& file) {
+    file.OpenFile();
+    txtEmail = file.getEmail();
+    ckDisable = file.getDisable() == "1";
+    Switch(!ckDisable);
+}
+
+void AlertMonitor::cmdSave() {
+    Switch(!ckDisable);
+    UpdateFile();
+    ports_.person.ShowMessage(kTitle, kSaved);
+}
+
+void AlertMonitor::Fill(AlertSettings& file) const {
+    file.setEmail(txtEmail);
+    file.setDisable(ckDisable ? "1" : "0");
+}
+
+// A blank address is none either, so a test never goes to the default address.
+void AlertMonitor::cmdTest() {
+    if (!TestEnabled() || RefusedTest()) return;
+    const std::string* server = ports_.settings.Find(kServerKey);
+    if (server == nullptr || server->empty()) {
+        ports_.person.ShowMessage(kTitle, kNoServer);
+        return;
+    }
+    testUnderWay_ = true;
+    Changed();
+    const auto done = [this] {
+        testUnderWay_ = false;
+        Changed();
+        ports_.person.ShowMessage(kTitle, manner_.testSent);
+    };
+    ports_.mails.Send(MailTo(txtEmail, TestBody()), IfAlive(done));
+}
+
+bool AlertMonitor::RefusedTest() {
+    if (Holds(txtEmail, "@") && Holds(txtEmail, ".")) return false;
+    testRefused_ = manner_.refusalDisablesTest;
+    Changed();
+    ShowError(kNoAddress);
+    if (focusEmail_) focusEmail_();
+    return true;
+}
+
+void AlertMonitor::SendAlert(const std::string& body) {
+    ports_.mails.Alert(MailTo(txtEmail.empty() ? DefaultAddress() : txtEmail, body));
+}
+
+// Who is told is also who tells.
+Notification AlertMonitor::MailTo(const std::string& address, const std::string& body) const {
+    return {.strTo1 = address, .strTo2 = "", .strFrom = address, .strSubject = manner_.subject, .strBody = body};
+}
+
+std::string AlertMonitor::DefaultAddress() const {
+    std::string address;
+    IgnoreErrors([&] {
+        const auto connection = ports_.store.NewConnection();
+        connection->SetConnectionString(OleDbConnectionText(ports_.dir));
+        connection->Open();
+        const auto first = ports_.store.NewRecordset();
+        first->Open(kAllServers, *connection, CursorType::Keyset, LockType::Optimistic);
+        if (!first->Eof()) address = first->Fields("strEmailList1").Value().Text();
+    });
+    return address;
+}
+
+void AlertMonitor::Changed() const {
+    if (changed_) changed_();
+}
+
+void AlertMonitor::ShowError(const std::string& text) const {
+    ports_.person.ShowError(kTitle, text);
+}
+
+std::function<void()> AlertMonitor::IfAlive(std::function<void()> deed) const {
+    return [alive = std::weak_ptr<const bool>(alive_), deed = std::move(deed)] {
+        if (!alive.expired()) deed();
+    };
+}
+
+int LevelOf(const std::string& text) {
+    int level = 0;
+    IgnoreErrors([&] { level = CheckedInt16(ParseWhole(text)); });
+    return level;
+}
+
+}  // namespace korvane

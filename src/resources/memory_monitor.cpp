@@ -1,0 +1,114 @@
+#include "resources/memory_monitor.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "resources/memory_settings.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kLook = 30000ms;
+constexpr std::int32_t kLooksWithoutMail = 10;
+constexpr double kMegabyte = 1048576;
+
+constexpr std::size_t kTexts = 100;
+constexpr std::size_t kCharacters[] = {500000, 5000000, 50000000};  // by level
+constexpr const char* kShortText = "";
+
+// As the pattern "#.## MB" has it: only the digits that say something, and always the point.
+std::string Megabytes(std::uint64_t bytes) {
+    std::string text = FormatFixed(static_cast<double>(bytes) / kMegabyte, 2);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.starts_with("0.")) text.erase(0, 1);
+    return text + " MB";
+}
+
+}  // namespace
+
+MemoryMonitor::MemoryMonitor(const MonitorPorts& ports, Events& events, const SystemInfo& system)
+    : AlertMonitor(ports, {.subject = "Kv Memory Monitor Alert",
+                           .testSent = "Test email for Memory Monitor has been sent",
+                           .refusalDisablesTest = true}),
+      events_(events),
+      system_(system),
+      Timer1_(ports.timers.NewTimer("Timer1")) {
+    Timer1_->SetInterval(kLook);
+    Timer1_->OnTick([this] { Timer1_Timer(); });
+    Timer1_->SetEnabled(true);
+    Timer1_Timer();
+}
+
+void MemoryMonitor::LoadData() {
+    clsMemoryMon file(ports_.files, ports_.dir);
+    Load(file);
+    cboAlert = file.getAlert();
+    Changed();
+}
+
+void MemoryMonitor::UpdateFile() {
+    clsMemoryMon file(ports_.files, ports_.dir);
+    Fill(file);
+    file.setAlert(cboAlert);
+    file.UpdateData();
+}
+
+// Without figures there is no share, and the look ends before the count.
+void MemoryMonitor::Timer1_Timer() {
+    ShowMemory();
+    if (!figures_.known) return;
+    nMemAlertCount_ = cboAlert.empty() ? 0 : nMemAlertCount_ + 1;
+    if (nMemAlertCount_ <= kLooksWithoutMail) return;
+    SendAlert(Body());
+    nMemAlertCount_ = 0;
+}
+
+void MemoryMonitor::ShowMemory() {
+    const PhysicalMemory memory = system_.Memory().value_or(PhysicalMemory{});
+    figures_ = {};
+    figures_.known = memory.total > 0;
+    if (figures_.known) {
+        figures_.lblTotal = Megabytes(memory.total);
+        figures_.lblUsed = Megabytes(memory.total - memory.available);
+        figures_.lblAvailable = Megabytes(memory.available);
+        const double share = static_cast<double>(memory.available) / static_cast<double>(memory.total);
+        figures_.percent = static_cast<int>(RoundHalfEven(share * 100));
+        figures_.lblUsage = "Usage:" + std::to_string(figures_.percent) + "%";
+    }
+    Changed();
+}
+
+std::string MemoryMonitor::Body() const {
+    return "Your Memory usage has crossed the threshold limit of " + cboAlert + "%";
+}
+
+// The window may be closed while events are delivered.
+void MemoryMonitor::Recover_Memory(std::int16_t level) {
+    if (level < 1 || level > 3) return;
+    const std::size_t characters = kCharacters[level - 1];
+    bool alive = false;
+    const auto look = IfAlive([&alive] { alive = true; });
+    const auto isAlive = [&] { return alive = false, look(), alive; };
+
+    Timer1_->SetEnabled(false);
+    std::vector<std::string> texts(kTexts);
+    for (std::string& text : texts) {
+        // More than there is would end this program, and not move the others.
+        if (system_.Memory().value_or(PhysicalMemory{}).available / 2 > characters) {
+            IgnoreErrors([&] { text.assign(characters, ' '); });
+        }
+        events_.DoEvents();
+        if (!isAlive()) return;
+    }
+    std::fill(texts.begin(), texts.end(), kShortText);
+    for (std::string& text : texts)
+        text.shrink_to_fit();
+    Timer1_->SetEnabled(true);
+    ShowMemory();
+}
+
+}  // namespace korvane

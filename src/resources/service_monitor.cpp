@@ -1,0 +1,123 @@
+#include "resources/service_monitor.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kCheck = 60000ms;
+constexpr const char* kStopped = "Stopped";
+constexpr const char* kRunning = "Running";
+constexpr const char* kPaused = "Paused";
+
+const char* TextOf(int state, const char* otherwise) {
+    switch (state) {
+        case ServiceRecord::kStopped:
+            return kStopped;
+        case ServiceRecord::kRunning:
+            return kRunning;
+        case ServiceRecord::kPaused:
+            return kPaused;
+        default:
+            return otherwise;
+    }
+}
+
+std::string StoppedBody(const std::string& name) {
+    return "The Service: " + name + " has stopped.";
+}
+
+}  // namespace
+
+ServiceMonitor::ServiceMonitor(const MonitorPorts& ports, Services& services)
+    : AlertMonitor(ports, {.subject = "Kv Service Monitor Alert",
+                           .testSent = "Test email for Services Monitor has been sent",
+                           .refusalDisablesTest = true}),
+      services_(services),
+      tim_(ports.timers.NewTimer("tim")) {
+    tim_->SetInterval(kCheck);
+    tim_->OnTick([this] { tim_Timer(); });
+}
+
+void ServiceMonitor::LoadData() {
+    clsSvcMon file(ports_.files, ports_.dir);
+    Load(file);
+    ckRestart = file.getRestart() == "1";
+    saved_ = file.getSvcList();
+    listed_ = false;
+    Changed();
+    loading_ = services_.EnumServices([this](const ServiceList& list) { TakeList(list); });
+}
+
+void ServiceMonitor::TakeList(const ServiceList& list) {
+    whyNot_ = list.whyNot;
+    listed_ = whyNot_.empty();
+    rows_.clear();
+    for (const ServiceRecord& service : list.services) {
+        const bool watched = std::find(saved_->begin(), saved_->end(), service.name) != saved_->end();
+        const char* status = TextOf(service.state, "");
+        rows_.push_back({.name = service.name, .watched = watched, .status = status, .previous = status});
+    }
+    Changed();
+}
+
+void ServiceMonitor::ClickMonitor(std::size_t row) {
+    if (row == 0 || row >= rows_.size()) return;
+    rows_[row].watched = !rows_[row].watched;
+    Changed();
+}
+
+// A manager that has not answered is no reason to forget what is to be watched.
+void ServiceMonitor::UpdateFile() {
+    if (listed_) saved_ = std::make_shared<std::vector<std::string>>(WatchedNames());
+    clsSvcMon file(ports_.files, ports_.dir);
+    Fill(file);
+    file.setRestart(ckRestart ? "1" : "0");
+    file.setSvcList(saved_);
+    file.UpdateData();
+}
+
+std::vector<std::string> ServiceMonitor::WatchedNames() const {
+    std::vector<std::string> names;
+    for (const Row& row : rows_) {
+        if (row.watched && !row.name.empty()) names.push_back(row.name);
+    }
+    return names;
+}
+
+void ServiceMonitor::tim_Timer() {
+    checking_ = services_.EnumServices([this](const ServiceList& list) { Check(list); });
+}
+
+void ServiceMonitor::Check(const ServiceList& list) {
+    whyNot_ = list.whyNot;
+    if (!listed_ && whyNot_.empty()) TakeList(list);  // the manager had not answered when the window was opened
+    for (Row& row : rows_) {
+        if (!row.watched) continue;
+        const auto service = std::find_if(list.services.begin(), list.services.end(),
+                                          [&](const ServiceRecord& each) { return each.name == row.name; });
+        if (service != list.services.end()) CheckRow(row, *service);
+    }
+    Changed();
+}
+
+// Whatever does not run is mailed about as stopped, also what is paused or on its way. Only what really had stopped can restart.
+void ServiceMonitor::CheckRow(Row& row, const ServiceRecord& service) {
+    const bool running = service.state == ServiceRecord::kRunning;
+    if (!running) {
+        SendAlert(StoppedBody(row.name));
+    } else if (row.previous == kStopped && ckRestart) {
+        SendAlert("The Service: " + row.name + " has restarted after failure.");
+    }
+    row.status = TextOf(service.state, kStopped);
+    row.previous = TextOf(service.state, "");
+}
+
+std::string ServiceMonitor::TestBody() const {
+    return StoppedBody("TestSvc");
+}
+
+}  // namespace korvane

@@ -1,0 +1,35 @@
+// A D-Bus of a test's own, with a service manager on it that answers as systemd does, from a table.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace korvane {
+
+/// Runs a dbus-daemon and a thread until it goes. Throws Error when there is no dbus-daemon.
+class ServiceBus {
+public:
+    struct Unit {
+        std::string name;
+        std::string loadState;
+        std::string activeState;
+    };
+    struct UnitFile {
+        std::string path;
+        std::string state;
+    };
+    enum class Manager { None, Silent, Answers };
+
+    ServiceBus(Manager manager, std::vector<Unit> units, std::vector<UnitFile> files);
+    ~ServiceBus();
+
+    const std::string& Address() const;
+
+private:
+    struct Running;
+    std::unique_ptr<Running> running_;
+};
+
+}  // namespace korvane
