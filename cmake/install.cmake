@@ -37,3 +37,4 @@ install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvane.desktop DESTINATION share/
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/data/icons/ DESTINATION share/icons/hicolor ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvanecore.1 DESTINATION share/man/man1 ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/docs/manual.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION share/doc/korvane ${system})
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/pictures DESTINATION share/doc/korvane ${system})

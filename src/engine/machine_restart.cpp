@@ -23,13 +23,16 @@ void MachineRestart::RebootCommand() {
     clsShutdown(ports_.power, ports_.log).DoReboot();
 }
 
-void MachineRestart::TestShutDown() {
+void MachineRestart::TestShutDown(const std::function<void()>& answered) {
     ports_.person.Ask(
-        kTitle, "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?", [this] {
+        kTitle, "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?",
+        [this, answered] {
             if (ports_.state.bMonitoring) ports_.cmdStopStart();
             ports_.status.setStatusMSG("Testing Shutdown command...");
             RebootCommand();
-        });
+            answered();
+        },
+        answered);
 }
 
 }  // namespace korvane

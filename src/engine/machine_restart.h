@@ -46,8 +46,9 @@ public:
     /// Reboots without a question. The operator is told when nothing on this machine can do it.
     void RebootCommand();
 
-    /// Asks and goes on; a Yes stops monitoring and reboots. This must outlive the window over which the question stands.
-    void TestShutDown();
+    /// Asks and goes on; a Yes stops monitoring and reboots. `answered` is called behind either answer. This must outlive the
+    /// window over which the question stands.
+    void TestShutDown(const std::function<void()>& answered = [] {});
 
 private:
     Ports ports_;

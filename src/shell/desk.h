@@ -19,8 +19,11 @@
 #include "platform/files.h"
 #include "platform/operator.h"
 #include "platform/processes.h"
+#include "platform/services.h"
 #include "platform/sound.h"
 #include "platform/system_info.h"
+#include "platform/timer.h"
+#include "resources/alert_mails.h"
 #include "shell/report_commands.h"
 #include "shell/service_mode.h"
 #include "shell/version_check.h"
@@ -41,11 +44,13 @@ struct Desk {
     Store& store;
     const Clock& clock;
     Events& events;
+    Timers& timers;
     Operator& person;
     Files& files;
     Processes& processes;
     Sound& sound;
     const SystemInfo& systemInfo;
+    Services& services;
     std::function<std::string()> proxyServer;  ///< that this session goes through, as "host:port"; blank: none
     Log& log;
     StatusLog& status;
@@ -65,6 +70,7 @@ struct Desk {
     WebPages& pages;
     VersionCheck& versionCheck;
     ServiceMode& service;
+    AlertMails& alertMails;
     ConversationWindow& conversation;
 
     // The checkers for what the operator tries out. They share nothing with those of the cycle, whose check may be under way.

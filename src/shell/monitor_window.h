@@ -27,6 +27,9 @@ public:
 
     virtual void Form_Resize() {}
 
+    /// Makes the windows of this machine's own resources, hidden.
+    virtual void LoadResourceMonitors() {}
+
     /// The check marks of the tray's commands: installed as a service, in the startup group.
     virtual void SetStartMarks(bool /*mnuTrayNTService*/, bool /*mnuTrayStartup*/) {}
 

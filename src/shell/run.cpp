@@ -64,8 +64,12 @@ Run::Run(const Ports& ports, Options options)
       restart_({ports.power, ports.person, status_, log_, state_, [this] { cmdStopStart(); }}),
       pages_({ports.processes, ports.person, settingsFile_}),
       versionCheck_({testHttp_, ports.person, pages_}, options_.version),
-      service_({ports.services, ports.autostart, ports.person, ports.timers, status_, collection_}, CommandsOfService(),
-               {.path = options_.program, .home = options_.dir, .icon = options_.icon}) {}
+      service_({ports.serviceManager, ports.autostart, ports.person, ports.timers, status_, collection_}, CommandsOfService(),
+               {.path = options_.program, .home = options_.dir, .icon = options_.icon}),
+      alertDispatcher_({ports.alertEsmtp, ports.alertPlain, ports.clock, ports.events, ports.person, ports.files, ports.guids,
+                        status_, log_, collection_, [this] { StopMonitor(); }, nullptr},
+                       {.contactAddress = std::string(kContactAddress)}),
+      alertMails_(alertDispatcher_, ports.timers, [this] { return mail_.Sending() || TimerMonitorDB_->Ticking(); }) {}
 
 ServiceMode::Commands Run::CommandsOfService() {
     return {.Save = [this] { settings_.Save(); },
@@ -105,11 +109,13 @@ Desk Run::TheDesk() {
             .store = ports_.store,
             .clock = ports_.clock,
             .events = ports_.events,
+            .timers = ports_.timers,
             .person = ports_.person,
             .files = ports_.files,
             .processes = ports_.processes,
             .sound = ports_.sound,
             .systemInfo = ports_.systemInfo,
+            .services = ports_.services,
             .proxyServer = ports_.proxyServer,
             .log = log_,
             .status = status_,
@@ -129,6 +135,7 @@ Desk Run::TheDesk() {
             .pages = pages_,
             .versionCheck = versionCheck_,
             .service = service_,
+            .alertMails = alertMails_,
             .conversation = conversation_,
             .http = testHttp_,
             .tcp = testTcp_,
@@ -181,6 +188,7 @@ void Run::TimerLog_Timer() {
 
 bool Run::MayExit() {
     exitAsked_ = true;
+    if (bFormLoading_) entries_.LeaveOff();
     return !bFormLoading_;
 }
 

@@ -37,11 +37,13 @@
 #include "platform/power.h"
 #include "platform/processes.h"
 #include "platform/service_manager.h"
+#include "platform/services.h"
 #include "platform/sound.h"
 #include "platform/system_info.h"
 #include "platform/tcp_socket.h"
 #include "platform/timer.h"
 #include "reports/pipeline.h"
+#include "resources/alert_mails.h"
 #include "shell/cycle_publisher.h"
 #include "shell/desk.h"
 #include "shell/monitor_window.h"
@@ -74,12 +76,15 @@ public:
         TcpSocket& sckesmtp;     ///< of mail with a login
         TcpSocket& plainSocket;  ///< of mail without one
         TcpSocket& testSocket;   ///< of conversations that the operator tries out while the cycle holds its own
+        TcpSocket& alertEsmtp;   ///< of the mails of the resource monitors, which go out beside those of the cycle
+        TcpSocket& alertPlain;
         IcmpEcho& echo;
         Sound& sound;
         Processes& processes;
         GuidSource& guids;
         Power& power;
-        ServiceManager& services;
+        ServiceManager& serviceManager;
+        Services& services;
         Autostart& autostart;
         const SystemInfo& systemInfo;
         std::function<std::unique_ptr<Inet>()> newInet;
@@ -228,6 +233,8 @@ private:
     WebPages pages_;
     VersionCheck versionCheck_;
     ServiceMode service_;
+    Dispatcher alertDispatcher_;
+    AlertMails alertMails_;
 };
 
 }  // namespace korvane

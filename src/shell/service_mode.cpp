@@ -104,9 +104,9 @@ void ServiceMode::HandOver() {
     if (!answer.done) ports_.status.setStatusMSG(answer.words);
 }
 
-void ServiceMode::Stop() {
+void ServiceMode::Stop(bool frozen) {
     ports_.manager.Stopping();
-    if (ports_.manager.IsShuttingDown()) Control(kControlShutdown);
+    if (!frozen && ports_.manager.IsShuttingDown()) Control(kControlShutdown);
     Tell(texts::kStopped);
     commands_.unload();
 }

@@ -60,7 +60,8 @@ public:
 
     // The events of a running service, from the pump.
 
-    void Stop();
+    /// `frozen`: from work that must not meet an event. The manager is then not asked what the stop is for.
+    void Stop(bool frozen = false);
     void Pause();
     void Continue();
     /// 4 is the shutdown of the system; other codes are nothing.

@@ -73,6 +73,7 @@ Run::Started Run::StartUp() {
     if (window_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
     window_.Form_Resize();
+    window_.LoadResourceMonitors();
     Timer2_->SetEnabled(true);
     ports_.person.SetWaitCursor(false);
     bFormLoading_ = false;
@@ -164,7 +165,7 @@ bool Run::DatabaseOpens() {
     TellTheEnd("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
-    if (window_.HasWindow()) IgnoreErrors([&] { ports_.processes.OpenPage(std::string(kDatabaseHelpAddress)); });
+    if (window_.HasWindow()) IgnoreErrors([&] { pages_.Show(std::string(kDatabaseHelpAddress)); });
     TellTheEnd(kMessageTitle, CloseKorvaneText());
     return false;
 }

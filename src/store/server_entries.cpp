@@ -75,6 +75,10 @@ void ServerEntries::WriteTables(const std::vector<int>& numbers, bool withRules)
     }
     for (const int n : numbers) {
         ports_.events.DoEvents();
+        if (leftOff_) {
+            storeRefused_ = true;
+            break;
+        }
         try {
             SaveDBServerDATA(n, *connection);
             if (withRules) SaveDBServerDATAFailCommands(n, *connection);

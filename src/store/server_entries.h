@@ -72,6 +72,9 @@ public:
     /// its disk full. An entry that makes no sense in itself does not count.
     bool StoreRefused() const { return storeRefused_; }
 
+    /// Somebody cannot wait for the rest of a SaveChangedEntries: from now on the tables get nothing, as if they had refused it.
+    void LeaveOff() { leftOff_ = true; }
+
     /// The entries in memory; number n stands at n - 1.
     const std::vector<ServerEntry>& Entries() const { return entries_; }
 
@@ -88,6 +91,7 @@ private:
     int changedIndex_ = kNoServerEntry;
     bool rulesChanged_ = false;
     bool storeRefused_ = false;
+    bool leftOff_ = false;
 };
 
 }  // namespace korvane

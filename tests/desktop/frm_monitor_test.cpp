@@ -2,6 +2,8 @@
 // in boxes.
 #include "shell/desktop/frm_monitor.h"
 
+#include <QAbstractButton>
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -384,7 +386,7 @@ TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
                                                 "Korvane Setup Info 2 of 3", "Korvane Setup Info 3 of 3"}));
     EXPECT_EQ(Cells(column::FullName), std::vector<std::string>{"my.example/page"});
     EXPECT_EQ(Window().lblCount->text(), "Waiting 120 seconds to start.");
-    EXPECT_EQ(TheProgram().services.asked, std::vector<std::string>{"install Korvane"});
+    EXPECT_EQ(TheProgram().serviceManager.asked, std::vector<std::string>{"install Korvane"});
     EXPECT_TRUE(Window().Tray().mnuTray().findChild<QAction*>("mnuTrayNTService")->isChecked());
     clsDiskMon disks(TheProgram().files, TheProgram().run.TheDesk().dir);
     disks.OpenFile();
@@ -418,20 +420,31 @@ TEST_F(MonitorWindowTest, EachCommandOpensItsDialogOnce) {
     }
 }
 
+TEST_F(MonitorWindowTest, OpenSettingsFollowTheTray) {
+    Start();
+    Window().Forms().ShowOptions();
+    auto* const form = Window().findChild<QDialog*>("frmOptions");
+    TheProgram().run.Service().CheckTrayStartup();
+    TheProgram().run.Service().CheckTrayNTService();
+    for (const char* mark : {"chkStartup", "chkService"})
+        EXPECT_TRUE(form->findChild<QCheckBox*>(mark)->isChecked()) << mark;
+    EXPECT_TRUE(TheProgram().serviceManager.asked.empty()) << "a mark that follows is no click";
+}
+
 TEST_F(MonitorWindowTest, SavedSettingsReachTheInstalledService) {
     Start();
-    TheProgram().services.installed.insert("Korvane");
+    TheProgram().serviceManager.installed.insert("Korvane");
     Window().Forms().ShowOptions();
     auto* const form = Window().findChild<QDialog*>("frmOptions");
     form->findChild<QLineEdit*>("txtReportPath")->setText("/srv/www/status");
     QTest::keyClick(form->findChild<QPushButton*>("cmdOk"), Qt::Key_Space);
-    EXPECT_EQ(TheProgram().services.asked, std::vector<std::string>{"update Korvane"});
-    EXPECT_EQ(TheProgram().services.program.folders, std::vector<std::string>{"/srv/www/status"});
+    EXPECT_EQ(TheProgram().serviceManager.asked, std::vector<std::string>{"update Korvane"});
+    EXPECT_EQ(TheProgram().serviceManager.program.folders, std::vector<std::string>{"/srv/www/status"});
 }
 
 TEST_F(MonitorWindowTest, TheTrayOffersWhatTheSystemHas) {
     Start();
-    TheProgram().services.present = false;
+    TheProgram().serviceManager.present = false;
     TheProgram().run.Service().LoadMarks();
     QMenu& menu = Window().Tray().mnuTray();
     EXPECT_FALSE(menu.findChild<QAction*>("mnuTrayNTService")->isVisible());
@@ -448,6 +461,18 @@ TEST_F(MonitorWindowTest, EveryControlHasANameAndEveryKeyOneMeaning) {
             continue;
         EXPECT_FALSE(control->accessibleName().isEmpty()) << S(control->objectName()) << control->metaObject()->className();
     }
+    // Alt and a letter: the menus of the bar and what stands in the window.
+    std::map<std::string, std::string> windowKeys;
+    const auto take = [&](const QString& text) {
+        const auto at = text.indexOf('&');
+        if (at < 0) return;
+        const std::string key = S(text.mid(at + 1, 1).toLower());
+        EXPECT_TRUE(windowKeys.emplace(key, S(text)).second) << S(text) << " and " << windowKeys[key];
+    };
+    for (const QAction* menu : Window().menuBar()->actions())
+        take(menu->text());
+    for (const QAbstractButton* button : Window().findChildren<QAbstractButton*>())
+        take(button->text());
     for (const QMenu* menu : Window().menuBar()->findChildren<QMenu*>()) {
         std::map<std::string, std::string> keys;
         for (const QAction* action : menu->actions()) {

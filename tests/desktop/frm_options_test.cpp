@@ -32,7 +32,11 @@ protected:
                                 .chkService_Click = [this](bool checked) { return ClickMark("service", checked); },
                                 .chkStartup_Click = [this](bool checked) { return isInGroup = ClickMark("startup", checked); },
                                 .IsInStartupGroup = [this] { return isInGroup; },
-                                .TestShutDown = [this] { Call("TestShutDown"); },
+                                .TestShutDown =
+                                    [this](const auto& answered) {
+                                        Call("TestShutDown");
+                                        answered();
+                                    },
                                 .CheckVersion = [this] { Call("CheckVersion"); },
                                 .GlobalEmail = [this](QWidget* over) { Call(over == form_ ? "GlobalEmail" : "no parent"); },
                                 .HelpService = [this] { Call("HelpService"); },

@@ -74,7 +74,9 @@ TEST(TestShutDown, StopsMonitoringAndReboots) {
         rig.person.answers = {c.yes};
         rig.state.bMonitoring = c.monitoring;
         rig.power.system = c.system;
-        rig.restart.TestShutDown();
+        bool answered = false;
+        rig.restart.TestShutDown([&] { answered = rig.person.questions.size() == 1; });
+        EXPECT_TRUE(answered);
         EXPECT_EQ(rig.person.questions,
                   (std::vector<RecordingOperator::Message>{
                       {"Korvane",

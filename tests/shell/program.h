@@ -12,7 +12,6 @@
 
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
-#include "platform/linux/linux_system_info.h"
 #include "platform/qt/sql_store.h"
 #include "shell/run.h"
 #include "store/schema.h"
@@ -21,6 +20,8 @@
 #include "support/recording_processes.h"
 #include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
+#include "support/scripted_services.h"
+#include "support/scripted_system_info.h"
 #include "support/temporary_folder.h"
 #include "support/virtual_icmp_echo.h"
 #include "support/virtual_inet.h"
@@ -67,29 +68,32 @@ struct Program {
         const std::string& dir, std::string dataDir = KORVANE_DIST_DIR, std::string commandLine = "",
         const MakeDesktop& makeDesktop = [](Timers&) { return DesktopOfProgram{}; })
         : desktop(makeDesktop(world.timers)),
-          run({world.clock,
-               world.events,
-               world.timers,
-               store,
-               desktop.person == nullptr ? person : *desktop.person,
-               files,
-               socket,
-               sckesmtp,
-               plainSocket,
-               testSocket,
-               echo,
-               sound,
-               processes,
-               guids,
-               power,
-               services,
-               autostart,
-               systemInfo,
-               [this] { return std::make_unique<VirtualInet>(net); },
-               [this] { return proxyServer; },
-               [this] { exits += 1; },
-               desktop.window,
-               desktop.conversation},
+          run({.clock = world.clock,
+               .events = world.events,
+               .timers = world.timers,
+               .store = store,
+               .person = desktop.person == nullptr ? person : *desktop.person,
+               .files = files,
+               .tcpSocket = socket,
+               .sckesmtp = sckesmtp,
+               .plainSocket = plainSocket,
+               .testSocket = testSocket,
+               .alertEsmtp = alertEsmtp,
+               .alertPlain = alertPlain,
+               .echo = echo,
+               .sound = sound,
+               .processes = processes,
+               .guids = guids,
+               .power = power,
+               .serviceManager = serviceManager,
+               .services = services,
+               .autostart = autostart,
+               .systemInfo = systemInfo,
+               .newInet = [this] { return std::make_unique<VirtualInet>(net); },
+               .proxyServer = [this] { return proxyServer; },
+               .exit = [this] { exits += 1; },
+               .window = desktop.window,
+               .conversation = desktop.conversation},
               {.dir = dir,
                .dataDir = std::move(dataDir),
                .commandLine = std::move(commandLine),
@@ -119,13 +123,16 @@ struct Program {
     VirtualTcpSocket sckesmtp{net};
     VirtualTcpSocket plainSocket{net};
     VirtualTcpSocket testSocket{net};
+    VirtualTcpSocket alertEsmtp{net};
+    VirtualTcpSocket alertPlain{net};
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;
     RecordingPower power;
-    RecordingServiceManager services;
+    RecordingServiceManager serviceManager;
+    ScriptedServices services{world};
     RecordingAutostart autostart;
-    LinuxSystemInfo systemInfo;
+    ScriptedSystemInfo systemInfo;
     std::string proxyServer;
     int exits = 0;  ///< how often the process was to end
     DesktopOfProgram desktop;

@@ -131,8 +131,10 @@ TEST_F(ServiceModeTest, AStopUnloadsAndAShutdownIsSaidBefore) {
     EXPECT_TRUE(unloaded);
     manager.shuttingDown = true;
     mode.Stop();
+    const bool frozen = true;
+    mode.Stop(frozen);
     EXPECT_EQ(person.StatusTexts(),
-              (Texts{"Service Stopped.", "Service Shutting Down. Monitoring stopping", "Service Stopped."}));
+              (Texts{"Service Stopped.", "Service Shutting Down. Monitoring stopping", "Service Stopped.", "Service Stopped."}));
     EXPECT_EQ(manager.told.front(), "STOPPING");
 }
 

@@ -200,9 +200,9 @@ TEST(StartUp, AServiceRunTellsItsManagerAndKeepsTheSettingsAsTheyAre) {
     const Home home;
     home.Write("kvurlwatchn.ini", "[Settings]\r\nBegin=0\r\nServer=as.it.was\r\nbALLInDB=True\r\n");
     Program program(home.Path(), KORVANE_DIST_DIR, "", [&](Timers&) { return DesktopOfProgram{.window = &window}; });
-    program.services.startedThis = true;
+    program.serviceManager.startedThis = true;
     ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
-    EXPECT_EQ(program.services.told, (std::vector<std::string>{"Service Started.", "READY"}));
+    EXPECT_EQ(program.serviceManager.told, (std::vector<std::string>{"Service Started.", "READY"}));
     EXPECT_TRUE(window.title.ends_with(" running as service")) << window.title;
     const std::string before = ReadAll(home / "kvurlwatchn.ini");
     program.run.TheDesk().collection.setKvSettingsColValue("Server", "changed.since");

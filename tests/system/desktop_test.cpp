@@ -277,7 +277,7 @@ TEST_P(DesktopLook, OfEveryWindow) {
     EXPECT_TRUE(program.Becomes("SELECT nSuccess > 0, nFail FROM Servers ORDER BY ID", "1|0\n0|1\n")) << program.Output();
     const auto shot = [&](const std::string& name) { session.Screenshot(GetParam().name + "_" + name); };
     shot("main");
-    for (const std::string menu : {"f", "e", "m", "v"}) {
+    for (const std::string menu : {"f", "e", "m", "v", "g", "h"}) {
         session.Key("alt+" + menu);
         shot("menu_" + menu);
         session.Key("Escape Escape");  // the menu, then the menu bar
@@ -318,6 +318,26 @@ TEST_P(DesktopLook, OfEveryWindow) {
         shot(std::string("conversation_") + key);
         session.Key("Escape");
         ASSERT_TRUE(session.WaitForWindow(kMain));
+    }
+    session.Key("ctrl+comma");
+    ASSERT_TRUE(session.WaitForTitle("Settings")) << session.ActiveTitle();
+    for (const std::string page : {"1_monitoring", "2_mail", "3_reports", "4_restart", "5_proxy", "6_service", "7_resets"}) {
+        shot("settings_" + page);
+        session.Key("ctrl+Tab");
+    }
+    session.Key("Escape");
+    ASSERT_TRUE(session.WaitForWindow(kMain));
+    for (const auto& [name, key, title] :
+         {Window{"about", "alt+h a", "About Korvane"}, Window{"feedback", "alt+h f", "Send Feedback"},
+          Window{"tell_friend", "alt+h n", "Tell a Friend"}, Window{"cpu", "ctrl+1", "Korvane CPU Monitor"},
+          Window{"disks", "ctrl+2", "Korvane Disk Monitor"}, Window{"memory", "ctrl+3", "Korvane Memory Monitor"},
+          Window{"services", "ctrl+4", "Korvane Service Monitor"}}) {
+        session.Key(key);
+        ASSERT_TRUE(session.WaitForTitle(title)) << name << ": " << session.ActiveTitle();
+        if (title.find("Monitor") != std::string::npos) session.Key("alt+s");
+        shot(name);
+        session.Key("Escape");
+        ASSERT_TRUE(session.WaitForWindow(kMain)) << name << ": " << session.ActiveTitle();
     }
     session.Key("ctrl+q");
     ASSERT_TRUE(program.Running().Ended(10s));

@@ -58,15 +58,18 @@ void Close(SignalPipe& pipe) {
 
 }  // namespace
 
-TerminationSignals::TerminationSignals(Events& events, std::function<void()> asked) {
+TerminationSignals::TerminationSignals(Events& events, std::function<void()> asked) : asked_(std::move(asked)) {
     Open(terminationPipe);
-    watch_ = events.WatchReadable(terminationPipe[0], [asked = std::move(asked)] {
-        char bytes[16];
-        while (read(terminationPipe[0], bytes, sizeof bytes) > 0) {
-        }
-        asked();
-    });
+    watch_ = events.WatchReadable(terminationPipe[0], [this] { Look(); });
     SetHandler({SIGTERM, SIGINT, SIGHUP}, OnTermination);
+}
+
+void TerminationSignals::Look() {
+    bool came = false;
+    char bytes[16];
+    while (read(terminationPipe[0], bytes, sizeof bytes) > 0)
+        came = true;
+    if (came) asked_();
 }
 
 TerminationSignals::~TerminationSignals() {

@@ -17,7 +17,11 @@ public:
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
+    /// Calls `asked` right now if a signal has come, for work during which the pump delivers nothing.
+    void Look();
+
 private:
+    std::function<void()> asked_;
     std::unique_ptr<Events::Watch> watch_;
 };
 

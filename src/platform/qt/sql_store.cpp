@@ -1,9 +1,16 @@
 #include "platform/qt/sql_store.h"
 
+#include <future>
+
 #include "platform/qt/sql_compaction.h"
 #include "platform/qt/sql_recordset.h"
 
 namespace korvane {
+namespace {
+
+constexpr std::chrono::milliseconds kGlanceEvery{100};
+
+}  // namespace
 
 QtSqlStore::QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout) : state_(std::make_shared<SqlStoreState>()) {
     state_->kindOf = std::move(kindOf);
@@ -19,8 +26,13 @@ std::unique_ptr<Recordset> QtSqlStore::NewRecordset() {
 }
 
 void QtSqlStore::Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) {
-    SqlSession session(file, state_->busyTimeout, state_->kindOf);
-    CompactDatabase(session, copy, copied);
+    auto work = std::async(std::launch::async, [&] {
+        SqlSession session(file, state_->busyTimeout, state_->kindOf);
+        CompactDatabase(session, copy, copied);
+    });
+    while (work.wait_for(kGlanceEvery) != std::future_status::ready)
+        glance_();
+    work.get();
 }
 
 void QtSqlStore::Rest() {

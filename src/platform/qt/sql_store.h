@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "platform/connection.h"
 
@@ -26,11 +27,16 @@ public:
 
     std::unique_ptr<Connection> NewConnection() override;
     std::unique_ptr<Recordset> NewRecordset() override;
+    /// Works in a thread of its own, which calls `copied`, too. This object must be left alone until it has returned.
     void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override;
+    /// From now on `glance` is called several times a second in the thread that waits for Compact. It may end the process, which
+    /// is a crash for the file; it must not open the file or deliver events.
+    void WhileCompacting(std::function<void()> glance) { glance_ = std::move(glance); }
     void Rest() override;
 
 private:
     std::shared_ptr<SqlStoreState> state_;
+    std::function<void()> glance_ = [] {};
 };
 
 }  // namespace korvane

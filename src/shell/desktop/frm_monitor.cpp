@@ -1,5 +1,6 @@
 #include "shell/desktop/frm_monitor.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -55,7 +56,9 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     run_ = &run;
     exit_ = std::move(exit);
     commands_ = std::make_unique<MonitorCommands>(run);
-    forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this);
+    resources_ = std::make_unique<ResourceWindows>(
+        run.TheDesk(), [this](ResourceMonitor monitor) { ckResources_[static_cast<std::size_t>(monitor)]->setChecked(false); });
+    forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
     BuildMenus();
     BuildTray();
     Timer3_->SetEnabled(true);
@@ -131,9 +134,11 @@ void frmMonitor::mnuTraySettings_Click() {
     if (!welcomed_) WelcomeBack();  // out of the task bar it has been already
 }
 
+// The keys belong to the dialog that stands over the window.
 void frmMonitor::SetWindowToFrontForeground() {
     raise();
-    activateWindow();
+    QWidget* const dialog = QApplication::activeModalWidget();
+    (dialog != nullptr ? dialog : this)->activateWindow();
 }
 
 void frmMonitor::WelcomeBack() {

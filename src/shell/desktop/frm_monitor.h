@@ -3,12 +3,14 @@
 // nothing itself.
 #pragma once
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeView>
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -22,6 +24,7 @@
 #include "shell/desktop/monitor_forms.h"
 #include "shell/desktop/monitor_menus.h"
 #include "shell/desktop/monitor_tray.h"
+#include "shell/desktop/resource_windows.h"
 #include "shell/desktop/server_list_model.h"
 #include "shell/desktop/status_box.h"
 #include "shell/monitor_commands.h"
@@ -80,6 +83,7 @@ public:
     void Place(bool shown) override;
     void MinimizeToTray() override;
     void Form_Resize() override;
+    void LoadResourceMonitors() override { resources_->Load(); }
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) override;
     void SetUpForTheFirstTime() override { forms_->SetUpForTheFirstTime(); }
 
@@ -105,6 +109,7 @@ public:
     QPushButton* cmdStopWaiting;
     MonitorTray& Tray() { return *tray_; }
     MonitorForms& Forms() { return *forms_; }
+    ResourceWindows& Resources() { return *resources_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -117,6 +122,7 @@ private:
     QLayout* BuildProgress();
     void BuildList();
     void BuildStatusBar();
+    QWidget* ResourceMarks();
     void BuildMenus();
     void BuildTray();
     MonitorMenus::Handlers Handlers();
@@ -141,7 +147,9 @@ private:
 
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
+    std::unique_ptr<ResourceWindows> resources_;
     std::unique_ptr<MonitorForms> forms_;
+    std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
     std::function<void()> exit_;
     ServerListModel* model_;
     std::unique_ptr<MonitorMenus> menus_;

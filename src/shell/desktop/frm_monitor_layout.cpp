@@ -148,7 +148,34 @@ void frmMonitor::BuildStatusBar() {
     statusBar()->addWidget(new QLabel("Servers:"));
     statusBar()->addWidget(lblServers);
     statusBar()->addWidget(lblCustomers);
+    statusBar()->addPermanentWidget(ResourceMarks());
     statusBar()->addPermanentWidget(lblTime);
+}
+
+// A mark for each window on this machine's own resources: set while it is seen.
+QWidget* frmMonitor::ResourceMarks() {
+    auto* marks = new QWidget(this);
+    auto* row = new QHBoxLayout(marks);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new QLabel("This machine:"));
+    const struct {
+        ResourceMonitor monitor;
+        const char* name;
+        const char* caption;
+        const char* keys;
+    } all[] = {{ResourceMonitor::CPU, "ckCPUMon", "CPU", "Ctrl+1"},
+               {ResourceMonitor::Disk, "ckDiskMon", "Disks", "Ctrl+2"},
+               {ResourceMonitor::Memory, "ckMemoryMon", "Memory", "Ctrl+3"},
+               {ResourceMonitor::Services, "ckSvcMon", "Services", "Ctrl+4"}};
+    for (const auto& [monitor, name, caption, keys] : all) {
+        auto* mark = Named(new QCheckBox(caption), name, QString("Show the monitor of ") + caption);
+        mark->setShortcut(QKeySequence(keys));
+        mark->setToolTip(mark->accessibleName() + " (" + keys + ")");
+        connect(mark, &QCheckBox::toggled, this, [this, monitor = monitor](bool on) { resources_->Show(monitor, on); });
+        ckResources_[static_cast<std::size_t>(monitor)] = mark;
+        row->addWidget(mark);
+    }
+    return marks;
 }
 
 MonitorMenus::Handlers frmMonitor::Handlers() {

@@ -130,6 +130,7 @@ void frmMonitor::Ask(const std::string& title, const std::string& text, const st
 
 void frmMonitor::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
     tray_->SetStartMarks(run_->TheDesk().service.IsWindowsNT(), mnuTrayNTService, mnuTrayStartup);
+    forms_->SetStartMarks(mnuTrayNTService, mnuTrayStartup);
 }
 
 }  // namespace korvane

@@ -92,6 +92,11 @@ void frmOptions::LoadProxy() {
     if (isDetected) proxy_->lblProxy->setText(Q(ProxyDetectedText(proxyServer_)));
 }
 
+void frmOptions::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
+    service_->chkService->setChecked(mnuTrayNTService && commands_.IsWindowsNT());
+    service_->chkStartup->setChecked(mnuTrayStartup);
+}
+
 OptionsFields frmOptions::Read() const {
     OptionsFields fields = inputs_.Read();
     fields.RebootAny = restart_->optRebootAny->isChecked();

@@ -25,7 +25,7 @@ struct OptionsCommands {
     std::function<bool(bool checked)> chkService_Click;
     std::function<bool(bool checked)> chkStartup_Click;
     std::function<bool()> IsInStartupGroup;
-    std::function<void()> TestShutDown;
+    std::function<void(const std::function<void()>& answered)> TestShutDown;
     std::function<void()> CheckVersion;
     std::function<void(QWidget* over)> GlobalEmail;
     std::function<void()> HelpService;
@@ -45,6 +45,9 @@ struct FileQuestion {
 class frmOptions : public TabbedDialog {
 public:
     frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent);
+
+    /// The tray's commands install and remove too while this is open.
+    void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
 
     /// Asks for a line of text, as AskText does. Tests put their own in.
     AskText askText;

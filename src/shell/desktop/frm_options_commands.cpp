@@ -78,9 +78,9 @@ void frmOptions::chkStartup_Click(bool checked) {
 
 void frmOptions::cmdTestShutDown_Click() {
     const OptionsCommands commands = commands_;
-    const QPointer<frmOptions> self = this;
-    commands.TestShutDown();
-    if (self != nullptr && !IsClosed()) SetStatus(kRestartTested);
+    commands.TestShutDown([self = QPointer<frmOptions>(this)] {
+        if (self != nullptr && !self->IsClosed()) self->SetStatus(kRestartTested);
+    });
 }
 
 void frmOptions::cmdCheckVersion_Click() {

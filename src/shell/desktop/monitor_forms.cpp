@@ -11,12 +11,12 @@
 
 namespace korvane {
 
-MonitorForms::MonitorForms(Desk desk, QWidget& owner)
+MonitorForms::MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors)
     : ask([this](const WizardPage& page) { return frmWizard::Ask(desk_.events, Parent(), page); }),
       desk_(std::move(desk)),
       owner_(owner),
       help_(desk_.pages),
-      emails_(desk_.files, desk_.dir) {
+      emails_(desk_.files, desk_.dir, std::move(loadMonitors)) {
     help_.SetParent(&owner_);
     desk_.pages.OnShow([this] { help_.Show(); });
 }
@@ -45,7 +45,7 @@ OptionsCommands MonitorForms::CommandsOfOptions() {
             .chkService_Click = [&service](bool checked) { return service.chkService_Click(checked); },
             .chkStartup_Click = [&service](bool checked) { return service.chkStartup_Click(checked); },
             .IsInStartupGroup = [&service] { return service.IsInStartupGroup(); },
-            .TestShutDown = [this] { desk_.restart.TestShutDown(); },
+            .TestShutDown = [this](const auto& answered) { desk_.restart.TestShutDown(answered); },
             .CheckVersion = [this] { desk_.versionCheck.CheckForVersion(); },
             .GlobalEmail = [this](QWidget* over) { (new frmGlobalEmail(desk_, emails_, over))->open(); },
             .HelpService = [this] { desk_.pages.Show(WebPage::ServiceHelp); },
@@ -58,6 +58,11 @@ void MonitorForms::ShowOptions() {
         QObject::connect(form, &QDialog::accepted, &owner_, [this] { desk_.service.FollowSettings(); });
         return form;
     });
+}
+
+void MonitorForms::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
+    if (QDialog* form = open_["frmOptions"]; form != nullptr)
+        static_cast<frmOptions*>(form)->SetStartMarks(mnuTrayNTService, mnuTrayStartup);
 }
 
 void MonitorForms::ShowAbout() {

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -17,10 +18,12 @@ namespace korvane {
 
 class MonitorForms {
 public:
-    /// `owner` is the main window; it must outlive this.
-    MonitorForms(Desk desk, QWidget& owner);
+    /// `owner` is the main window; it must outlive this. `loadMonitors` has the resource monitors read their settings files again.
+    MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors);
 
     void ShowOptions();
+    /// To the settings dialog, if it is open.
+    void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
     void ShowAbout();
     void ShowFeedback();
     void ShowTellFriend();

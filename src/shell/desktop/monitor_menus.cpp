@@ -23,7 +23,7 @@ constexpr const char* kFile = "&File";
 constexpr const char* kEdit = "&Edit";
 constexpr const char* kMonitor = "&Monitor";
 constexpr const char* kView = "&View";
-constexpr const char* kSettings = "&Settings";
+constexpr const char* kSettings = "Settin&gs";
 constexpr const char* kHelp = "&Help";
 
 constexpr Command kCommands[] = {

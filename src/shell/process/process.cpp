@@ -1,14 +1,19 @@
 #include "shell/process/process.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <string>
 
+#include "base/error.h"
+#include "base/raised_flag.h"
 #include "engine/shutdown_path.h"
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/autostart.h"
@@ -25,6 +30,7 @@
 #include "platform/linux/linux_system_info.h"
 #include "platform/linux/program_runner.h"
 #include "platform/linux/systemd_manager.h"
+#include "platform/linux/systemd_services.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/qt_timer.h"
@@ -72,15 +78,154 @@ Run::Options OptionsOf(int argc, char** argv) {
     std::_Exit(status);
 }
 
-/// A start that can't go on ends the process, behind its message.
-void Start(Run& run, const Face& face, Files& files, const Run::Options& options) {
+/// Everything that is learnt goes there. Without this, a start would find out at one file after the other, in other words.
+void RequireWritable(const std::string& folder) {
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return;
+    throw Error("The folder " + folder + " cannot be written: " + std::strerror(errno));
+}
+
+/// Everything outside, as this process has it.
+struct Adapters {
+    explicit Adapters(const std::string& version)
+        : inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + version} {}
+
+    SystemClock clock;
+    LinuxFiles files;
+    QtEvents events;
+    QtTimers timers;
+    QtSqlStore store{KindOfColumn};
+    QtTcpSocket tcpSocket;
+    QtTcpSocket sckesmtp;
+    QtTcpSocket plainSocket;
+    QtTcpSocket testSocket;
+    QtTcpSocket alertEsmtp;
+    QtTcpSocket alertPlain;
+    LinuxIcmpEcho echo;
+    LinuxProcesses processes{events};
+    DesktopSound sound{processes};
+    LinuxGuidSource guids;
+    LinuxPower power{[this](const std::vector<std::string>& words) { processes.Start(words); },
+                     ThisMachine(getShudownEXEPath(files))};
+    SystemdManager serviceManager{{files, ProgramRunner(events, clock)},
+                                  SystemdPlaceOfThisUser(EnvironmentVariable),
+                                  SystemdGreeting(EnvironmentVariable, ::getpid())};
+    SystemdServices services{events};
+    DesktopAutostart autostart{files, EnvironmentVariable};
+    LinuxSystemInfo systemInfo;
+    CurlInet::Options inetOptions;
+};
+
+Run::Ports PortsOf(Adapters& adapters, const Face& face, std::function<void()> exit) {
+    return {.clock = adapters.clock,
+            .events = adapters.events,
+            .timers = adapters.timers,
+            .store = adapters.store,
+            .person = face.person,
+            .files = adapters.files,
+            .tcpSocket = adapters.tcpSocket,
+            .sckesmtp = adapters.sckesmtp,
+            .plainSocket = adapters.plainSocket,
+            .testSocket = adapters.testSocket,
+            .alertEsmtp = adapters.alertEsmtp,
+            .alertPlain = adapters.alertPlain,
+            .echo = adapters.echo,
+            .sound = adapters.sound,
+            .processes = adapters.processes,
+            .guids = adapters.guids,
+            .power = adapters.power,
+            .serviceManager = adapters.serviceManager,
+            .services = adapters.services,
+            .autostart = adapters.autostart,
+            .systemInfo = adapters.systemInfo,
+            .newInet = [&adapters] { return std::make_unique<CurlInet>(adapters.events, adapters.clock, adapters.inetOptions); },
+            .proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); },
+            .exit = std::move(exit),
+            .window = face.window,
+            .conversation = face.conversation,
+            .mailTrace = face.mailTrace};
+}
+
+/// From the start of the run to the end of the process.
+class Life {
+public:
+    Life(Run::Options options, const std::function<Face(Timers&)>& makeFace)
+        : options_(std::move(options)),
+          adapters_(options_.version),
+          face_(makeFace(adapters_.timers)),
+          run_(PortsOf(adapters_, face_, [this] { Exit(); }), options_) {}
+    Life(const Life&) = delete;
+    Life& operator=(const Life&) = delete;
+
+    [[noreturn]] void Live();
+
+private:
+    void Start();
+    void WhenLoaded(void (Life::*end)());
+    void StopAsAsked();
+    [[noreturn]] void Exit();
+    void GlanceWhileFrozen();
+
+    Run::Options options_;
+    Adapters adapters_;
+    Face face_;
+    Run run_;
+    TerminationSignals termination_{adapters_.events, [this] { WhenLoaded(&Life::StopAsAsked); }};
+    PauseSignals pauses_{adapters_.events, [this] { run_.Service().Pause(); }, [this] { run_.Service().Continue(); }};
+    bool started_ = false;
+    bool frozen_ = false;  ///< at work during which no event may be delivered
+};
+
+void Life::Live() {
+    face_.attach(run_, [this] { WhenLoaded(&Life::Exit); });
+    adapters_.store.WhileCompacting([this] { GlanceWhileFrozen(); });
+    // When the display goes, with the session, its library ends the process by itself.
+    on_exit(
+        [](int, void* life) {
+            auto& self = *static_cast<Life*>(life);
+            if (self.started_) self.run_.mnuExit_Click();
+        },
+        this);
+    Start();
+    started_ = true;
+    if (run_.ExitAsked()) StopAsAsked();
+    EndProcess(QCoreApplication::exec());
+}
+
+// A start that can't go on ends the process, behind its message.
+void Life::Start() {
     try {
-        files.CreateFolder(options.dir);
-        if (run.StartUp() == Run::Started::Running) return;
+        adapters_.files.CreateFolder(options_.dir);
+        RequireWritable(options_.dir);
+        if (run_.StartUp() == Run::Started::Running) return;
     } catch (const std::exception& error) {
-        face.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
+        face_.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
     }
     EndProcess(kCannotGoOn);
+}
+
+void Life::WhenLoaded(void (Life::*end)()) {
+    if (run_.OnlyTelling()) EndProcess(kCannotGoOn);
+    if (run_.MayExit()) (this->*end)();
+}
+
+// The service manager stops its services by a signal.
+void Life::StopAsAsked() {
+    if (!run_.Service().RunningAsService()) Exit();
+    run_.Service().Stop(frozen_);
+}
+
+void Life::Exit() {
+    face_.beforeExit();
+    run_.mnuExit_Click();
+    if (!frozen_) run_.Service().HandOver();
+    EndProcess(EXIT_SUCCESS);
+}
+
+// A large database is compacted for minutes: the service manager must not take the program for dead, nor wait for it.
+void Life::GlanceWhileFrozen() {
+    const RaisedFlag frozen(frozen_);
+    if (adapters_.serviceManager.AliveInterval()) adapters_.serviceManager.Alive();
+    termination_.Look();
 }
 
 }  // namespace
@@ -94,86 +239,10 @@ void PrepareProcess() {
 
 void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
     unsetenv(kNoGlib);  // what we start is not to inherit it
-    const SystemdGreeting greeting(EnvironmentVariable, ::getpid());
+    // The adapters read the greeting; nothing is started before they are made.
+    Life life(OptionsOf(argc, argv), makeFace);
     KeepGreetingFromChildren();
-    const Run::Options options = OptionsOf(argc, argv);
-    SystemClock clock;
-    LinuxFiles files;
-    QtEvents events;
-    QtTimers timers;
-    QtSqlStore store(KindOfColumn);
-    QtTcpSocket tcpSocket;
-    QtTcpSocket sckesmtp;
-    QtTcpSocket plainSocket;
-    QtTcpSocket testSocket;
-    LinuxIcmpEcho echo;
-    LinuxProcesses processes(events);
-    DesktopSound sound(processes);
-    LinuxGuidSource guids;
-    LinuxPower power([&](const std::vector<std::string>& words) { processes.Start(words); },
-                     ThisMachine(getShudownEXEPath(files)));
-    SystemdManager services({files, ProgramRunner(events, clock)}, SystemdPlaceOfThisUser(EnvironmentVariable), greeting);
-    DesktopAutostart autostart(files, EnvironmentVariable);
-    LinuxSystemInfo systemInfo;
-    const Face face = makeFace(timers);
-    const CurlInet::Options inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"),
-                                        .userAgent = "Korvane/" + options.version};
-    std::function<void()> exit;
-    Run run({clock,
-             events,
-             timers,
-             store,
-             face.person,
-             files,
-             tcpSocket,
-             sckesmtp,
-             plainSocket,
-             testSocket,
-             echo,
-             sound,
-             processes,
-             guids,
-             power,
-             services,
-             autostart,
-             systemInfo,
-             [&] { return std::make_unique<CurlInet>(events, clock, inetOptions); },
-             [] { return DesktopProxyServer(EnvironmentVariable); },
-             [&] { exit(); },
-             face.window,
-             face.conversation,
-             face.mailTrace},
-            options);
-
-    exit = [&] {
-        face.beforeExit();
-        run.mnuExit_Click();
-        run.Service().HandOver();
-        EndProcess(EXIT_SUCCESS);
-    };
-    const auto whenLoaded = [&run](const std::function<void()>& end) {
-        return [&run, end] {
-            if (run.OnlyTelling()) EndProcess(kCannotGoOn);
-            if (run.MayExit()) end();
-        };
-    };
-    // The service manager stops its services by a signal.
-    const auto stop = [&] { run.Service().RunningAsService() ? run.Service().Stop() : exit(); };
-    face.attach(run, whenLoaded(exit));
-    const TerminationSignals termination(events, whenLoaded(stop));
-    const PauseSignals pauses(
-        events, [&] { run.Service().Pause(); }, [&] { run.Service().Continue(); });
-    // When the display goes, with the session, its library ends the process by itself.
-    bool started = false;
-    const std::function<void()> atExit = [&] {
-        if (started) run.mnuExit_Click();
-    };
-    on_exit([](int, void* work) { (*static_cast<const std::function<void()>*>(work))(); },
-            const_cast<std::function<void()>*>(&atExit));
-    Start(run, face, files, options);
-    started = true;
-    if (run.ExitAsked()) stop();
-    EndProcess(QCoreApplication::exec());
+    life.Live();
 }
 
 void RunInTerminal(int argc, char** argv) {

@@ -1,0 +1,30 @@
+// The window of the local fixed disks, all together: three figures in the unit of choice, and a bar.
+#pragma once
+
+#include "resources/disk_monitor.h"
+#include "shell/desktop/resource_form.h"
+
+class QProgressBar;
+class QRadioButton;
+
+namespace korvane {
+
+class frmDiskMonitor : public ResourceForm {
+public:
+    frmDiskMonitor(const MonitorPorts& ports, const SystemInfo& system);
+
+    DiskMonitor& Monitor() override { return monitor_; }
+
+private:
+    QWidget* Units();
+    void ShowFigures() override;
+
+    DiskMonitor monitor_;
+    QLabel* lblTotal_;
+    QLabel* lblUsed_;
+    QLabel* lblAvailable_;
+    QLabel* lblShare_;
+    QProgressBar* pbSpace_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,76 @@
+#include "shell/desktop/resource_windows.h"
+
+#include <utility>
+
+#include "shell/desktop/frm_cpu_monitor.h"
+#include "shell/desktop/frm_disk_monitor.h"
+#include "shell/desktop/frm_memory_mon.h"
+#include "shell/desktop/frm_svc_mon.h"
+
+namespace korvane {
+
+ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)
+    : desk_(std::move(desk)), hidden_(std::move(hidden)) {}
+
+ResourceWindows::~ResourceWindows() = default;
+
+std::unique_ptr<ResourceForm> ResourceWindows::NewForm(ResourceMonitor monitor) {
+    const MonitorPorts ports{.dir = desk_.dir,
+                             .clock = desk_.clock,
+                             .timers = desk_.timers,
+                             .store = desk_.store,
+                             .person = desk_.person,
+                             .files = desk_.files,
+                             .settings = desk_.collection,
+                             .mails = desk_.alertMails};
+    switch (monitor) {
+        case ResourceMonitor::CPU:
+            return std::make_unique<frmCPUMonitor>(ports, desk_.systemInfo);
+        case ResourceMonitor::Disk:
+            return std::make_unique<frmDiskMonitor>(ports, desk_.systemInfo);
+        case ResourceMonitor::Memory:
+            return std::make_unique<frmMemoryMon>(ports, desk_.events, desk_.systemInfo);
+        case ResourceMonitor::Services:
+            return std::make_unique<frmSvcMon>(ports, desk_.services);
+    }
+    return nullptr;
+}
+
+void ResourceWindows::Make(ResourceMonitor monitor) {
+    forms_[Index(monitor)] = NewForm(monitor);
+    forms_[Index(monitor)]->OnHidden([this, monitor] { Hidden(monitor); });
+}
+
+void ResourceWindows::Load() {
+    for (const ResourceMonitor monitor : kResourceMonitors)
+        Make(monitor);
+}
+
+// The window of the memory goes when it is closed, and its watching with it; the others go on behind the scenes.
+void ResourceWindows::Hidden(ResourceMonitor monitor) {
+    if (monitor == ResourceMonitor::Memory) {
+        if (ResourceForm* form = forms_[Index(monitor)].release(); form != nullptr) form->deleteLater();
+    }
+    hidden_(monitor);
+}
+
+void ResourceWindows::Show(ResourceMonitor monitor, bool shown) {
+    if (shown && Form(monitor) == nullptr) Make(monitor);
+    ResourceForm* form = Form(monitor);
+    if (form == nullptr) return;
+    if (!shown) {
+        form->close();
+        return;
+    }
+    form->showNormal();
+    form->raise();
+    form->activateWindow();
+}
+
+void ResourceWindows::LoadData() {
+    for (const auto& form : forms_) {
+        if (form != nullptr) form->Monitor().LoadData();
+    }
+}
+
+}  // namespace korvane
