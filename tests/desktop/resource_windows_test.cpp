@@ -52,7 +52,7 @@ TEST_F(ResourceWindowsTest, ClosingHidesAllButThatOfTheMemoryWhichGoes) {
         EXPECT_EQ(windows_.Form(monitor) == nullptr, monitor == ResourceMonitor::Memory);
     }
     EXPECT_EQ(hidden_, std::vector(kResourceMonitors.begin(), kResourceMonitors.end()));
-    EXPECT_EQ(S(Open(ResourceMonitor::Memory).findChild<QLabel*>("lblUsage")->text()), "Usage:25%");
+    EXPECT_EQ(S(Open(ResourceMonitor::Memory).findChild<QLabel*>("lblShare")->text()), "Usage:25%");
     windows_.LoadData();
 }
 

@@ -1,32 +1,14 @@
 #include "shell/desktop/frm_disk_monitor.h"
 
-#include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QProgressBar>
 #include <QRadioButton>
-
-#include "shell/desktop/qt_text.h"
 
 namespace korvane {
 
 frmDiskMonitor::frmDiskMonitor(const MonitorPorts& ports, const SystemInfo& system)
-    : ResourceForm("frmDiskMonitor", "Korvane Disk Monitor"), monitor_(ports, system) {
-    auto* figures = new QWidget(this);
-    auto* rows = new QFormLayout(figures);
-    rows->setContentsMargins(0, 0, 0, 0);
-    lblTotal_ = NewFigure("lblTotal", "Total space");
-    lblUsed_ = NewFigure("lblUsed", "Used space");
-    lblAvailable_ = NewFigure("lblAvailable", "Available space");
-    lblShare_ = NewFigure("lblShare", "Available share of the space");
-    rows->addRow("Total:", lblTotal_);
-    rows->addRow("Used:", lblUsed_);
-    rows->addRow("Available:", lblAvailable_);
-    pbSpace_ = NewBar("pbSpace", "Available share of the space");
-    rows->addRow(pbSpace_);
-    rows->addRow(lblShare_);
-    rows->addRow("Unit:", Units());
-    AddFigures(figures, 0);
+    : ResourceForm("frmDiskMonitor", "Korvane Disk Monitor"), monitor_(ports, system), figures_(new SpaceFigures("space", this)) {
+    figures_->AddRow("Unit:", Units());
+    AddFigures(figures_, 0);
     AddSettings();
     AddChoice("cboAlert", "&Alert below (percent):", OfferedLevels(), monitor_.cboAlert);
     AddAlert("Disk");
@@ -54,11 +36,8 @@ QWidget* frmDiskMonitor::Units() {
 
 void frmDiskMonitor::ShowFigures() {
     const DiskMonitor::Figures& now = monitor_.Shows();
-    lblTotal_->setText(Q(now.lblTotal));
-    lblUsed_->setText(Q(now.lblUsed));
-    lblAvailable_->setText(Q(now.lblAvailable));
-    lblShare_->setText(now.lblShare.empty() ? QString("No local fixed disk was found.") : Q(now.lblShare));
-    pbSpace_->setValue(static_cast<int>(now.percent));
+    figures_->SetFigures(now.lblTotal, now.lblUsed, now.lblAvailable,
+                         now.lblShare.empty() ? "No local fixed disk was found." : now.lblShare, static_cast<int>(now.percent));
 }
 
 }  // namespace korvane

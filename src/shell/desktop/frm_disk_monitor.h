@@ -3,9 +3,7 @@
 
 #include "resources/disk_monitor.h"
 #include "shell/desktop/resource_form.h"
-
-class QProgressBar;
-class QRadioButton;
+#include "shell/desktop/space_figures.h"
 
 namespace korvane {
 
@@ -20,11 +18,7 @@ private:
     void ShowFigures() override;
 
     DiskMonitor monitor_;
-    QLabel* lblTotal_;
-    QLabel* lblUsed_;
-    QLabel* lblAvailable_;
-    QLabel* lblShare_;
-    QProgressBar* pbSpace_;
+    SpaceFigures* figures_;
 };
 
 }  // namespace korvane

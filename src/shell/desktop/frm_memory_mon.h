@@ -3,8 +3,7 @@
 
 #include "resources/memory_monitor.h"
 #include "shell/desktop/resource_form.h"
-
-class QProgressBar;
+#include "shell/desktop/space_figures.h"
 
 namespace korvane {
 
@@ -19,11 +18,7 @@ private:
     void ShowFigures() override;
 
     MemoryMonitor monitor_;
-    QLabel* lblTotal_;
-    QLabel* lblUsed_;
-    QLabel* lblAvailable_;
-    QLabel* lblUsage_;
-    QProgressBar* pbUsage_;
+    SpaceFigures* figures_;
 };
 
 }  // namespace korvane

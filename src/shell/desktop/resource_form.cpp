@@ -7,7 +7,6 @@
 #include <QHBoxLayout>
 #include <QHideEvent>
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QShowEvent>
 #include <QSignalBlocker>
@@ -46,10 +45,11 @@ std::vector<std::string> OfferedLevels() {
     return levels;
 }
 
-ResourceForm::ResourceForm(const char* name, const QString& title) : layout_(new QVBoxLayout(this)) {
+// What the desktop takes for a dialog goes into the middle of the screen, each over the one before.
+ResourceForm::ResourceForm(const char* name, const QString& title)
+    : QDialog(nullptr, Qt::Window), layout_(new QVBoxLayout(this)) {
     setObjectName(name);
     setWindowTitle(title);
-    setWindowFlag(Qt::WindowMinMaxButtonsHint);
     setSizeGripEnabled(true);
 }
 
@@ -60,15 +60,6 @@ QLabel* ResourceForm::NewFigure(const char* name, const QString& accessibleName)
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
-}
-
-QProgressBar* ResourceForm::NewBar(const char* name, const QString& accessibleName) {
-    auto* bar = new QProgressBar(this);
-    bar->setObjectName(name);
-    bar->setAccessibleName(accessibleName);
-    bar->setRange(0, 100);
-    bar->setTextVisible(false);
-    return bar;
 }
 
 void ResourceForm::AddFigures(QWidget* figures, int stretch) {
@@ -179,7 +170,7 @@ void ResourceForm::cmdExpand_Click(bool expand) {
     resize(now + QSize(0, expand ? needed : -needed));
 }
 
-// A dialog would put itself into the middle of the screen, over the other three.
+// Not QDialog's, which puts the window into the middle, too.
 void ResourceForm::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous()) return;
@@ -189,7 +180,9 @@ void ResourceForm::showEvent(QShowEvent* event) {
 
 void ResourceForm::hideEvent(QHideEvent* event) {
     QDialog::hideEvent(event);
-    if (!event->spontaneous() && hidden_) hidden_();
+    if (event->spontaneous()) return;
+    move(pos());  // that is where it comes back
+    if (hidden_) hidden_();
 }
 
 // The operator who comes back from one of the program's own messages has not been away.

@@ -16,7 +16,6 @@ class QFormLayout;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
-class QProgressBar;
 class QPushButton;
 class QVBoxLayout;
 
@@ -40,8 +39,6 @@ protected:
 
     /// A label for text that changes. The accessible name says what it tells.
     QLabel* NewFigure(const char* name, const QString& accessibleName);
-    /// From 0 to 100, without a text.
-    QProgressBar* NewBar(const char* name, const QString& accessibleName);
     /// The figures, above everything else.
     void AddFigures(QWidget* figures, int stretch);
     /// Buttons and the page of the settings, without inputs yet.

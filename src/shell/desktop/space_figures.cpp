@@ -1,0 +1,45 @@
+#include "shell/desktop/space_figures.h"
+
+#include "shell/desktop/qt_text.h"
+
+namespace korvane {
+
+SpaceFigures::SpaceFigures(const QString& what, QWidget* parent)
+    : QWidget(parent),
+      rows_(new QFormLayout(this)),
+      lblTotal_(NewFigure("lblTotal", "Total " + what)),
+      lblUsed_(NewFigure("lblUsed", "Used " + what)),
+      lblAvailable_(NewFigure("lblAvailable", "Available " + what)),
+      pbShare_(new QProgressBar(this)),
+      lblShare_(NewFigure("lblShare", "Available share of the " + what)) {
+    rows_->setContentsMargins(0, 0, 0, 0);
+    pbShare_->setObjectName("pbShare");
+    pbShare_->setAccessibleName(lblShare_->accessibleName());
+    pbShare_->setRange(0, 100);
+    pbShare_->setTextVisible(false);
+    rows_->addRow("Total:", lblTotal_);
+    rows_->addRow("Used:", lblUsed_);
+    rows_->addRow("Available:", lblAvailable_);
+    rows_->addRow(pbShare_);
+    rows_->addRow(lblShare_);
+}
+
+QLabel* SpaceFigures::NewFigure(const char* name, const QString& accessibleName) {
+    auto* label = new QLabel(this);
+    label->setObjectName(name);
+    label->setAccessibleName(accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+void SpaceFigures::SetFigures(const std::string& total, const std::string& used, const std::string& available,
+                              const std::string& share, int percent) {
+    lblTotal_->setText(Q(total));
+    lblUsed_->setText(Q(used));
+    lblAvailable_->setText(Q(available));
+    lblShare_->setText(Q(share));
+    pbShare_->setValue(percent);
+}
+
+}  // namespace korvane
