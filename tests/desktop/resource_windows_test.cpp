@@ -3,6 +3,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -94,10 +95,36 @@ TEST_F(ResourceWindowsTest, ARefusedAddressGetsTheFocus) {
     test->click();
     ASSERT_FALSE(Person().messages.empty());
     EXPECT_EQ(Person().messages.back().text, "The email id entered is not a valid email id");
-    EXPECT_EQ(QApplication::focusWidget(), form.findChild<QLineEdit*>("txtEmail"));
+    auto* const address = form.findChild<QLineEdit*>("txtEmail");
+    EXPECT_EQ(QApplication::focusWidget(), address);
+    EXPECT_NE(S(address->accessibleDescription()), "") << "it is marked, and why";
     EXPECT_TRUE(test->isEnabled());
+    QWidget elsewhere;
+    elsewhere.show();
+    Activate(&elsewhere);
+    Activate(&form);
+    EXPECT_EQ(S(address->accessibleDescription()), "") << "what is in the file has not been refused";
     Open(ResourceMonitor::Memory).findChild<QPushButton*>("cmdTest")->click();
     EXPECT_FALSE(windows_.Form(ResourceMonitor::Memory)->findChild<QPushButton*>("cmdTest")->isEnabled());
+}
+
+TEST_F(ResourceWindowsTest, AMessageOverTheWindowLosesNothingThatWasTyped) {
+    ResourceForm& form = Open(ResourceMonitor::CPU);
+    auto* const address = form.findChild<QLineEdit*>("txtEmail");
+    QTest::keyClicks(address, "me@example.com");
+    QDialog message;
+    message.setModal(true);
+    message.show();
+    Activate(&message);
+    message.close();
+    Activate(&form);
+    EXPECT_EQ(S(address->text()), "me@example.com");
+    message.show();
+    Activate(&message);
+    form.close();
+    message.close();
+    Open(ResourceMonitor::CPU);
+    EXPECT_EQ(S(address->text()), "") << "opened anew it has what is in its file";
 }
 
 TEST_F(ResourceWindowsTest, ServicesAreMarkedByClickAndKeyExceptTheFirst) {

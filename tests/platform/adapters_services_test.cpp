@@ -1,5 +1,6 @@
 // The services of systemd over a bus: what counts as one and in which state, and a manager that keeps silent or has no bus.
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include <map>
 #include <optional>
@@ -68,6 +69,9 @@ TEST_F(SystemdServicesTest, SaysWhyThereIsNoAnswer) {
     const ServiceBus silent(ServiceBus::Manager::Silent, {}, {});
     EXPECT_EQ(Ask(silent.Address(), 100ms).whyNot, "The service manager can't be asked: it did not answer within 0 s");
     EXPECT_EQ(Ask("unix:path=/no/such/bus").whyNot, "The service manager can't be asked: No such file or directory");
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", silent.Address().c_str(), 1);
+    EXPECT_TRUE(Holds(Ask("", 100ms).whyNot, "did not answer")) << "the system bus is where the environment says";
+    ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     const ServiceBus empty(ServiceBus::Manager::None, {}, {});
     EXPECT_TRUE(Holds(Ask(empty.Address()).whyNot, "org.freedesktop.systemd1")) << Ask(empty.Address()).whyNot;
 }

@@ -1,6 +1,7 @@
 #include "platform/linux/systemd_services.h"
 
 #include <errno.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
@@ -27,6 +28,12 @@ struct MessageCloser {
 };
 using BusPointer = std::unique_ptr<sd_bus, BusCloser>;
 using MessagePointer = std::unique_ptr<sd_bus_message, MessageCloser>;
+
+// Where it is, or where the environment says that it is, as D-Bus has it.
+std::string AddressOfSystemBus() {
+    const char* const other = ::secure_getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return other != nullptr && *other != '\0' ? other : kSystemBus;
+}
 
 using RecordsByName = std::map<std::string, ServiceRecord, std::less<>>;
 
@@ -188,7 +195,7 @@ private:
 }  // namespace
 
 SystemdServices::SystemdServices(Events& events, std::string address, std::chrono::milliseconds limit)
-    : events_(events), address_(address.empty() ? kSystemBus : std::move(address)), limit_(limit) {}
+    : events_(events), address_(address.empty() ? AddressOfSystemBus() : std::move(address)), limit_(limit) {}
 
 std::unique_ptr<Services::Question> SystemdServices::EnumServices(std::function<void(const ServiceList&)> answer) {
     return std::make_unique<BusQuestion>(events_, address_, limit_, std::move(answer));

@@ -6,6 +6,7 @@
 #include "shell/desktop/frm_msg.h"
 #include "shell/desktop/icons.h"
 #include "shell/desktop/qt_text.h"
+#include "shell/desktop/resource_form.h"
 #include "shell/run.h"
 #include "store/database_files.h"
 
@@ -99,6 +100,8 @@ void frmMonitor::SetWaitCursor(bool wait) {
 // A window that nobody sees would take its messages along.
 QWidget* frmMonitor::MessageParent() const {
     if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
+    // What a window beside this one has led to is told over it, and the keyboard comes back to it.
+    if (auto* const form = dynamic_cast<ResourceForm*>(QApplication::activeWindow()); form != nullptr) return form;
     return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
 }
 

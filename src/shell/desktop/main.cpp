@@ -8,6 +8,7 @@
 
 #include "shell/desktop/frm_monitor.h"
 #include "shell/desktop/icons.h"
+#include "shell/desktop/mark_style.h"
 #include "shell/desktop/theme.h"
 #include "shell/process/process.h"
 
@@ -63,6 +64,7 @@ void SaveWithTheSession(Run& run) {
     QGuiApplication::setDesktopFileName("korvane");
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(ProgramIcon(true));
+    QApplication::setStyle(new MarkStyle);
     const DesktopTheme theme;
     std::unique_ptr<frmMonitor> window;
     RunProcess(argc, argv, [&](Timers& timers) {

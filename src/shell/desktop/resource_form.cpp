@@ -8,9 +8,11 @@
 #include <QHideEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QShowEvent>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "shell/desktop/form_inputs.h"
@@ -160,14 +162,20 @@ void ResourceForm::Refresh() {
     cmdTest_->setEnabled(Monitor().TestEnabled());
 }
 
-// The window grows and shrinks by what its settings need, so that the figures keep their size.
+// The window grows and shrinks by what its settings need, so that the figures keep their size; where the screen has no room for
+// that, they give way.
 void ResourceForm::cmdExpand_Click(bool expand) {
     cmdExpand_->setText(expand ? kShrink : kExpand);
+    const QRect room = screen()->availableGeometry();
+    const int before = height();
+    const int most = room.height() - (frameGeometry().height() - before);
     const int needed = fraSettings_->sizeHint().height() + layout_->spacing();
-    const QSize now = size();
     fraSettings_->setVisible(expand);
     layout_->activate();
-    resize(now + QSize(0, expand ? needed : -needed));
+    resize(width(), expand ? std::min(before + needed, most) : before - grown_);
+    grown_ = height() - before;
+    const int lowest = room.bottom() + 1 - frameGeometry().height();
+    if (expand && y() > lowest) move(x(), std::max(room.top(), lowest));
 }
 
 // Not QDialog's, which puts the window into the middle, too.

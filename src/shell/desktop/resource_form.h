@@ -79,6 +79,7 @@ private:
     QLineEdit* txtEmail_ = nullptr;
     std::vector<Choice> choices_;
     std::vector<Mark> marks_;
+    int grown_ = 0;  ///< in height, by the last change of size
     bool leftForMessage_ = false;
 };
 
