@@ -10,6 +10,7 @@
 #include "platform/linux/systemd_services.h"
 #include "platform/qt/qt_events.h"
 #include "platform/wait.h"
+#include "support/loopback_server.h"
 #include "support/qt_application.h"
 #include "support/service_bus.h"
 
@@ -74,6 +75,27 @@ TEST_F(SystemdServicesTest, SaysWhyThereIsNoAnswer) {
     ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     const ServiceBus empty(ServiceBus::Manager::None, {}, {});
     EXPECT_TRUE(Holds(Ask(empty.Address()).whyNot, "org.freedesktop.systemd1")) << Ask(empty.Address()).whyNot;
+}
+
+TEST_F(SystemdServicesTest, ABusThatBreaksOffIsSaidAtOnce) {
+    const LoopbackServer::Script scripts[] = {
+        [](LoopbackServer::Peer&) {},
+        [](LoopbackServer::Peer& peer) { peer.Reset(); },
+        [](LoopbackServer::Peer& peer) { peer.Send(std::string(100'000, '\0')); },
+        [](LoopbackServer::Peer& peer) { peer.Send("REJECTED EXTERNAL\r\n"); },
+        [](LoopbackServer::Peer& peer) {
+            peer.ReadUntil("BEGIN\r\n");
+            peer.Send("OK 0123456789abcdef0123456789abcdef\r\nl\2\1\1\377\377\377\377");
+        },
+    };
+    for (const LoopbackServer::Script& script : scripts) {
+        const LoopbackServer bus(script);
+        SCOPED_TRACE(&script - scripts);
+        const ServiceList list = Ask("tcp:host=127.0.0.1,port=" + std::to_string(bus.Port()), 60s);
+        EXPECT_TRUE(list.services.empty());
+        EXPECT_TRUE(list.whyNot.starts_with("The service manager can't be asked: ")) << list.whyNot;
+        EXPECT_FALSE(Holds(list.whyNot, "did not answer")) << list.whyNot;
+    }
 }
 
 }  // namespace

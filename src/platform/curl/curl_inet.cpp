@@ -169,9 +169,9 @@ std::string CurlInet::OpenURL(const Request& request) {
     Exchange exchange(request, options_, trustFolder_);
     CurlPump pump(events_, clock_, exchange.Handle());
     const Executing executing(transfer_, pump);
-    const std::optional<CURLcode> result = pump.Perform();
+    const std::optional<int> result = pump.Perform();
     if (!result) throw Error("Request cancelled");
-    return exchange.Text(*result);
+    return exchange.Text(static_cast<CURLcode>(*result));
 }
 
 void CurlInet::Cancel() {

@@ -1,10 +1,12 @@
 #include "platform/curl/curl_pump.h"
 
+#include <curl/curl.h>
 #include <errno.h>
 #include <sys/epoll.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <new>
 
@@ -20,26 +22,59 @@ constexpr milliseconds kNoTimer = 1min;  // just a look whether all is well
 
 }  // namespace
 
-CurlPump::CurlPump(Events& events, const Clock& clock, CURL* easy)
+class CurlPump::Transfer {
+public:
+    Transfer(Events& events, const Clock& clock, CURL* easy);
+    ~Transfer();
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    std::optional<CURLcode> Perform();
+    void Stop();
+
+private:
+    struct MultiCleanup {
+        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    };
+
+    static int OnSocket(CURL* easy, curl_socket_t socket, int wanted, void* self, void* unused);
+    static int OnTimer(CURLM* multi, long milliseconds, void* self);
+    void OnReadable();
+    void Advance(curl_socket_t socket, int happened);
+    std::chrono::milliseconds UntilTimer() const;
+    bool Going() const { return !stopped_ && !result_; }
+
+    Events& events_;
+    const Clock& clock_;
+    CURL* const easy_;
+    std::unique_ptr<CURLM, MultiCleanup> multi_;
+    int epoll_ = -1;  ///< holds libcurl's sockets, so that the pump has one descriptor to watch
+    std::unique_ptr<Events::Watch> watch_;
+    std::optional<std::chrono::milliseconds> timer_;  ///< by the clock's tick count
+    std::optional<CURLcode> result_;
+    bool stopped_ = false;
+};
+
+CurlPump::Transfer::Transfer(Events& events, const Clock& clock, CURL* easy)
     : events_(events), clock_(clock), easy_(easy), multi_(curl_multi_init()) {
     if (!multi_) throw std::bad_alloc();
     epoll_ = ::epoll_create1(EPOLL_CLOEXEC);
     if (epoll_ < 0) throw Error(std::strerror(errno));
     curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, 1L);
-    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &CurlPump::OnSocket);
+    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &Transfer::OnSocket);
     curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &CurlPump::OnTimer);
+    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &Transfer::OnTimer);
     curl_multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, this);
     watch_ = events_.WatchReadable(epoll_, [this] { OnReadable(); });
 }
 
-CurlPump::~CurlPump() {
+CurlPump::Transfer::~Transfer() {
     Stop();
     multi_.reset();
     ::close(epoll_);
 }
 
-std::optional<CURLcode> CurlPump::Perform() {
+std::optional<CURLcode> CurlPump::Transfer::Perform() {
     curl_multi_add_handle(multi_.get(), easy_);
     while (Going()) {
         const milliseconds left = UntilTimer();
@@ -53,25 +88,25 @@ std::optional<CURLcode> CurlPump::Perform() {
     return stopped_ ? std::nullopt : result_;
 }
 
-void CurlPump::Stop() {
+void CurlPump::Transfer::Stop() {
     stopped_ = true;
     watch_.reset();
     curl_multi_remove_handle(multi_.get(), easy_);
 }
 
-milliseconds CurlPump::UntilTimer() const {
+milliseconds CurlPump::Transfer::UntilTimer() const {
     return timer_ ? *timer_ - clock_.GetTickCount() : kNoTimer;
 }
 
-int CurlPump::OnTimer(CURLM* /*multi*/, long wait, void* self) {
-    CurlPump& pump = *static_cast<CurlPump*>(self);
-    pump.timer_.reset();
-    if (wait >= 0) pump.timer_ = pump.clock_.GetTickCount() + milliseconds(wait);
+int CurlPump::Transfer::OnTimer(CURLM* /*multi*/, long wait, void* self) {
+    Transfer& transfer = *static_cast<Transfer*>(self);
+    transfer.timer_.reset();
+    if (wait >= 0) transfer.timer_ = transfer.clock_.GetTickCount() + milliseconds(wait);
     return 0;
 }
 
-int CurlPump::OnSocket(CURL* /*easy*/, curl_socket_t socket, int wanted, void* self, void* /*unused*/) {
-    const int epoll = static_cast<CurlPump*>(self)->epoll_;
+int CurlPump::Transfer::OnSocket(CURL* /*easy*/, curl_socket_t socket, int wanted, void* self, void* /*unused*/) {
+    const int epoll = static_cast<Transfer*>(self)->epoll_;
     if (wanted == CURL_POLL_REMOVE) {
         ::epoll_ctl(epoll, EPOLL_CTL_DEL, socket, nullptr);
         return 0;
@@ -84,7 +119,7 @@ int CurlPump::OnSocket(CURL* /*easy*/, curl_socket_t socket, int wanted, void* s
     return ::epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event);
 }
 
-void CurlPump::OnReadable() {
+void CurlPump::Transfer::OnReadable() {
     std::array<epoll_event, 8> ready{};
     const int count = ::epoll_wait(epoll_, ready.data(), static_cast<int>(ready.size()), 0);
     for (int i = 0; i < count; ++i) {
@@ -97,7 +132,7 @@ void CurlPump::OnReadable() {
     }
 }
 
-void CurlPump::Advance(curl_socket_t socket, int happened) {
+void CurlPump::Transfer::Advance(curl_socket_t socket, int happened) {
     if (!Going()) return;
     int running = 0;
     curl_multi_socket_action(multi_.get(), socket, happened, &running);
@@ -105,6 +140,19 @@ void CurlPump::Advance(curl_socket_t socket, int happened) {
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &queued)) {
         if (message->msg == CURLMSG_DONE) result_ = message->data.result;
     }
+}
+
+CurlPump::CurlPump(Events& events, const Clock& clock, void* easy)
+    : transfer_(std::make_unique<Transfer>(events, clock, static_cast<CURL*>(easy))) {}
+
+CurlPump::~CurlPump() = default;
+
+std::optional<int> CurlPump::Perform() {
+    return transfer_->Perform();
+}
+
+void CurlPump::Stop() {
+    transfer_->Stop();
 }
 
 }  // namespace korvane

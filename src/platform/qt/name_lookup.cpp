@@ -6,6 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QHostAddress>
+#include <QList>
+#include <QSocketNotifier>
 #include <cstring>
 #include <mutex>
 #include <system_error>
@@ -60,8 +63,10 @@ struct NameLookup::Answer {
 };
 
 NameLookup::NameLookup(const std::string& name, Found found)
-    : answer_(std::make_shared<Answer>()), found_(std::move(found)), arrived_(answer_->ready, QSocketNotifier::Read) {
-    QObject::connect(&arrived_, &QSocketNotifier::activated, &arrived_, [this] { OnAnswer(); });
+    : answer_(std::make_shared<Answer>()),
+      found_(std::move(found)),
+      arrived_(std::make_unique<QSocketNotifier>(answer_->ready, QSocketNotifier::Read)) {
+    QObject::connect(arrived_.get(), &QSocketNotifier::activated, arrived_.get(), [this] { OnAnswer(); });
     try {
         std::thread([answer = answer_, name] { answer->Tell(AddressesOf(name)); }).detach();
     } catch (const std::system_error& error) {
@@ -69,8 +74,10 @@ NameLookup::NameLookup(const std::string& name, Found found)
     }
 }
 
+NameLookup::~NameLookup() = default;
+
 void NameLookup::OnAnswer() {
-    arrived_.setEnabled(false);
+    arrived_->setEnabled(false);
     const Found found = std::move(found_);  // it may end this object
     found(answer_->Take());
 }

@@ -2,12 +2,14 @@
 // be interrupted, so each lookup has a thread that nobody waits for: neither the next lookup nor the end of the program.
 #pragma once
 
-#include <QHostAddress>
-#include <QList>
-#include <QSocketNotifier>
 #include <functional>
 #include <memory>
 #include <string>
+
+class QHostAddress;
+class QSocketNotifier;
+template <typename T>
+class QList;
 
 namespace korvane {
 
@@ -19,6 +21,9 @@ public:
     /// Looks the name up at once, without a cache, and calls `found` once from the event loop of this thread, unless this object
     /// is destroyed before. It may be destroyed in `found`. Throws Error when the system gives no thread or descriptor.
     NameLookup(const std::string& name, Found found);
+    ~NameLookup();
+    NameLookup(const NameLookup&) = delete;
+    NameLookup& operator=(const NameLookup&) = delete;
 
 private:
     struct Answer;
@@ -27,7 +32,7 @@ private:
 
     std::shared_ptr<Answer> answer_;
     Found found_;
-    QSocketNotifier arrived_;
+    std::unique_ptr<QSocketNotifier> arrived_;
 };
 
 }  // namespace korvane

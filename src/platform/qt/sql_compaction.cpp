@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QtCore/QVariant>
+#include <QtSql/QSqlQuery>
 #include <cerrno>
 #include <cstring>
 #include <string_view>

@@ -1,5 +1,7 @@
 #include "platform/qt/sql_rows.h"
 
+#include <QtCore/QVariant>
+#include <QtSql/QSqlQuery>
 #include <QtSql/QSqlRecord>
 
 #include "base/error.h"
@@ -37,21 +39,37 @@ KeysetRows::KeysetRows(SqlSession& session, const SelectText& select, SqlTable& 
     query.finish();
 }
 
-StaticRows::StaticRows(SqlSession& session, const SelectText& select) {
+struct StaticRows::Copies : std::vector<std::vector<QVariant>> {};
+
+StaticRows::StaticRows(SqlSession& session, const SelectText& select) : rows_(std::make_unique<Copies>()) {
     QSqlQuery query = session.Select(select.IsOneTable() ? select.Selecting("*") : select.query);
     columns_ = std::make_shared<SqlColumns>(query.record(), select.table, session.KindOf());
     while (session.Next(query)) {
-        std::vector<QVariant>& row = rows_.emplace_back();
+        std::vector<QVariant>& row = rows_->emplace_back();
         row.reserve(columns_->Size());
         for (std::size_t i = 0; i < columns_->Size(); ++i)
             row.push_back(query.value(static_cast<int>(i)));
     }
 }
 
+StaticRows::~StaticRows() = default;
+
+int StaticRows::Count() const {
+    return static_cast<int>(rows_->size());
+}
+
+bool StaticRows::Next() {
+    return at_ < rows_->size() && ++at_ > 0;
+}
+
+Value StaticRows::Read(std::size_t column) {
+    return FromStored((*rows_)[at_ - 1][column], (*columns_)[column].kind);
+}
+
 std::int64_t StaticRows::Key() const {
     const auto id = columns_->Find("ID");
     if (!id) throw Error("The rows of this query have no ID, so they cannot be changed.");
-    return rows_[at_ - 1][*id].toLongLong();
+    return (*rows_)[at_ - 1][*id].toLongLong();
 }
 
 }  // namespace korvane

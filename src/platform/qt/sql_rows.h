@@ -47,17 +47,20 @@ class StaticRows : public SqlRows {
 public:
     /// Copies the rows. Throws Error.
     StaticRows(SqlSession& session, const SelectText& select);
+    ~StaticRows() override;
 
     const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
 
-    int Count() const override { return static_cast<int>(rows_.size()); }
-    bool Next() override { return at_ < rows_.size() && ++at_ > 0; }
+    int Count() const override;
+    bool Next() override;
     std::int64_t Key() const override;
-    Value Read(std::size_t column) override { return FromStored(rows_[at_ - 1][column], (*columns_)[column].kind); }
+    Value Read(std::size_t column) override;
 
 private:
+    struct Copies;
+
     std::shared_ptr<const SqlColumns> columns_;
-    std::vector<std::vector<QVariant>> rows_;
+    std::unique_ptr<Copies> rows_;
     std::size_t at_ = 0;  // behind the current one
 };
 

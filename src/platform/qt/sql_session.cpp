@@ -3,11 +3,15 @@
 #include <sys/stat.h>
 
 #include <QtCore/QUrl>
+#include <QtCore/QVariant>
+#include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlError>
+#include <QtSql/QSqlQuery>
 #include <QtSql/QSqlRecord>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <string_view>
 
 #include "platform/qt/sql_text.h"
@@ -57,20 +61,34 @@ QString UriOf(const std::string& path) {
 
 }  // namespace
 
+struct SqlSession::Driver {
+    // QSqlDatabase hands out its connections by name to the whole program; one that is made so belongs to its owner alone.
+    struct OwnDatabase : QSqlDatabase {
+        OwnDatabase() : QSqlDatabase(QStringLiteral("QSQLITE")) {}
+    };
+
+    OwnDatabase database;
+    std::map<std::string, QSqlQuery> statements;
+    std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns;
+};
+
 SqlSession::SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf)
-    : path_(std::move(path)), kindOf_(std::move(kindOf)), left_(Look()) {
+    : path_(std::move(path)), kindOf_(std::move(kindOf)), left_(Look()), driver_(std::make_unique<Driver>()) {
     CheckMagic(path_);
-    database_.setDatabaseName(UriOf(path_));
-    database_.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=") + QString::number(busyTimeout.count()));
-    if (!database_.open()) Fail(database_.lastError());
+    driver_->database.setDatabaseName(UriOf(path_));
+    driver_->database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=") +
+                                        QString::number(busyTimeout.count()));
+    if (!driver_->database.open()) Fail(driver_->database.lastError());
     open_ = true;
     Select(kCacheSize);  // reads the tables, so a file that is locked or damaged shows here
 }
 
+SqlSession::~SqlSession() = default;
+
 void SqlSession::Close() {
     open_ = false;
-    statements_.clear();
-    database_.close();
+    driver_->statements.clear();
+    driver_->database.close();
 }
 
 SqlSession::FileLook SqlSession::Look() const {
@@ -85,27 +103,27 @@ SqlSession::FileLook SqlSession::Look() const {
 
 QSqlQuery SqlSession::Select(const std::string& sql) {
     RequireOpen();
-    QSqlQuery query(database_);
+    QSqlQuery query(driver_->database);
     query.setForwardOnly(true);
     if (!query.exec(QString::fromStdString(sql))) Fail(query.lastError());
     return query;
 }
 
-QSqlQuery& SqlSession::SelectPrepared(const std::string& sql, const QVariantList& values) {
+QSqlQuery& SqlSession::SelectPrepared(const std::string& sql, const SqlBound& values) {
     QSqlQuery& query = Prepare(sql, values);
     if (!query.exec()) Fail(query.lastError());
     return query;
 }
 
-QSqlQuery& SqlSession::Prepare(const std::string& sql, const QVariantList& values) {
+QSqlQuery& SqlSession::Prepare(const std::string& sql, const SqlBound& values) {
     RequireOpen();
-    auto found = statements_.find(sql);
-    if (found == statements_.end()) {
-        if (statements_.size() >= kMostStatements) statements_.clear();
-        QSqlQuery query(database_);
+    auto found = driver_->statements.find(sql);
+    if (found == driver_->statements.end()) {
+        if (driver_->statements.size() >= kMostStatements) driver_->statements.clear();
+        QSqlQuery query(driver_->database);
         query.setForwardOnly(true);
         if (!query.prepare(QString::fromStdString(sql))) Fail(query.lastError());
-        found = statements_.emplace(sql, std::move(query)).first;
+        found = driver_->statements.emplace(sql, std::move(query)).first;
     }
     for (qsizetype i = 0; i < values.size(); ++i)
         found->second.bindValue(static_cast<int>(i), values[i]);
@@ -118,7 +136,7 @@ bool SqlSession::Next(QSqlQuery& query) {
     return false;
 }
 
-SqlSession::Changed SqlSession::Change(const std::string& sql, const QVariantList& values) {
+SqlSession::Changed SqlSession::Change(const std::string& sql, const SqlBound& values) {
     PrepareForChanges();
     QSqlQuery& query = SelectPrepared(sql, values);
     const Changed changed{query.numRowsAffected(), query.lastInsertId().toLongLong()};
@@ -137,7 +155,7 @@ void SqlSession::Commit() {
     try {
         SelectPrepared("COMMIT", {}).finish();
     } catch (const Error&) {
-        QSqlQuery(database_).exec(QStringLiteral("ROLLBACK"));
+        QSqlQuery(driver_->database).exec(QStringLiteral("ROLLBACK"));
         throw;
     }
 }
@@ -154,7 +172,7 @@ void SqlSession::CopyInto(const std::string& path) {
 }
 
 std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table) {
-    auto& columns = columns_[table];
+    auto& columns = driver_->columns[table];
     if (!columns)
         columns =
             std::make_shared<SqlColumns>(Select("SELECT * FROM " + QuotedName(table) + " LIMIT 0").record(), table, kindOf_);

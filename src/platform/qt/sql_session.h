@@ -1,12 +1,8 @@
 // One open database file, with the statements that were prepared on it.
 #pragma once
 
-#include <QtCore/QVariant>
-#include <QtSql/QSqlDatabase>
-#include <QtSql/QSqlQuery>
 #include <chrono>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <tuple>
@@ -15,12 +11,21 @@
 #include "base/text.h"
 #include "platform/qt/sql_columns.h"
 
+class QSqlError;
+class QSqlQuery;
+class QVariant;
+template <typename T>
+class QList;
+
 namespace korvane {
+
+using SqlBound = QList<QVariant>;
 
 class SqlSession {
 public:
     /// Opens the file. Throws Error as Connection::Open tells.
     SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf);
+    ~SqlSession();
     SqlSession(const SqlSession&) = delete;
     SqlSession& operator=(const SqlSession&) = delete;
 
@@ -47,7 +52,7 @@ public:
 
     /// The same with values for each "?" in it, prepared once for many uses; the reference is good until the next call. Finish it
     /// after use.
-    QSqlQuery& SelectPrepared(const std::string& sql, const QVariantList& values);
+    QSqlQuery& SelectPrepared(const std::string& sql, const SqlBound& values);
 
     /// Whether there is another row. Throws as Select does.
     bool Next(QSqlQuery& query);
@@ -58,7 +63,7 @@ public:
     };
 
     /// Runs a statement that changes rows, with a value for each "?" in it, as one durable transaction. Throws Error.
-    Changed Change(const std::string& sql, const QVariantList& values);
+    Changed Change(const std::string& sql, const SqlBound& values);
 
     /// A transaction around several changes; it takes the file for writing at once. Throws Error.
     void Begin();
@@ -78,15 +83,12 @@ public:
     const ColumnKindOf& KindOf() const { return kindOf_; }
 
 private:
-    // QSqlDatabase hands out its connections by name to the whole program; one that is made so belongs to its owner alone.
-    struct OwnDatabase : QSqlDatabase {
-        OwnDatabase() : QSqlDatabase(QStringLiteral("QSQLITE")) {}
-    };
+    struct Driver;
     /// Device, inode, size, and time of the last change in seconds and nanoseconds.
     using FileLook = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
 
     FileLook Look() const;
-    QSqlQuery& Prepare(const std::string& sql, const QVariantList& values);
+    QSqlQuery& Prepare(const std::string& sql, const SqlBound& values);
     void RequireOpen() const;
     void PrepareForChanges();
     [[noreturn]] void Fail(const QSqlError& error);
@@ -94,9 +96,7 @@ private:
     std::string path_;
     ColumnKindOf kindOf_;
     FileLook left_;
-    OwnDatabase database_;
-    std::map<std::string, QSqlQuery> statements_;
-    std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns_;
+    std::unique_ptr<Driver> driver_;
     bool open_ = false;
     bool sound_ = true;
     bool inTransaction_ = false;

@@ -1,6 +1,9 @@
 #include "platform/qt/sql_table.h"
 
+#include <QtCore/QVariant>
+#include <QtSql/QSqlQuery>
 #include <algorithm>
+#include <unordered_map>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -42,11 +45,20 @@ QVariant KeyOf(std::int64_t key) {
 
 }  // namespace
 
+struct SqlTable::Cells {
+    std::vector<QVariant> row;
+    std::unordered_map<std::int64_t, QVariant> walked;  ///< of the walked column, by key
+    std::vector<QVariant> defaults;
+};
+
 SqlTable::SqlTable(std::shared_ptr<SqlSession> session, std::string name)
     : session_(std::move(session)),
       name_(std::move(name)),
       quotedName_(QuotedName(name_)),
-      columns_(session_->ColumnsOf(name_)) {}
+      columns_(session_->ColumnsOf(name_)),
+      cells_(std::make_unique<Cells>()) {}
+
+SqlTable::~SqlTable() = default;
 
 Value SqlTable::Read(std::span<const std::int64_t> keys, std::size_t column) {
     const std::int64_t key = keys.front();
@@ -54,7 +66,7 @@ Value SqlTable::Read(std::span<const std::int64_t> keys, std::size_t column) {
     const bool walksOn = walks_ && rowKey_ != key && !secondColumn;
     if (walksOn) return FromStored(ReadColumn(keys, column), (*columns_)[column].kind);
     if (rowKey_ != key) ReadRow(key);
-    return FromStored(row_[column], (*columns_)[column].kind);
+    return FromStored(cells_->row[column], (*columns_)[column].kind);
 }
 
 void SqlTable::Forget() {
@@ -67,9 +79,9 @@ void SqlTable::ReadRow(std::int64_t key) {
     QSqlQuery& query =
         session_->SelectPrepared("SELECT " + columns_->List() + " FROM " + quotedName_ + " WHERE `ID`=?", {KeyOf(key)});
     if (!session_->Next(query)) throw Error(kRowWasDeleted);
-    row_.clear();
+    cells_->row.clear();
     for (std::size_t i = 0; i < columns_->Size(); ++i)
-        row_.push_back(query.value(static_cast<int>(i)));
+        cells_->row.push_back(query.value(static_cast<int>(i)));
     query.finish();
     rowKey_ = key;
     walks_ = true;
@@ -77,9 +89,9 @@ void SqlTable::ReadRow(std::int64_t key) {
 
 const QVariant& SqlTable::ReadColumn(std::span<const std::int64_t> keys, std::size_t column) {
     const std::int64_t key = keys.front();
-    if (walkedColumn_ != column || !walked_.contains(key)) FetchColumn(keys, column);
-    const auto found = walked_.find(key);
-    if (found == walked_.end()) throw Error(kRowWasDeleted);
+    if (walkedColumn_ != column || !cells_->walked.contains(key)) FetchColumn(keys, column);
+    const auto found = cells_->walked.find(key);
+    if (found == cells_->walked.end()) throw Error(kRowWasDeleted);
     walkedKey_ = key;
     return found->second;
 }
@@ -87,7 +99,7 @@ const QVariant& SqlTable::ReadColumn(std::span<const std::int64_t> keys, std::si
 void SqlTable::FetchColumn(std::span<const std::int64_t> keys, std::size_t column) {
     static const std::string marks = ReplaceAll(std::string(kRowsAhead, '?'), "?", ",?").substr(1);
     walkedColumn_.reset();
-    walked_.clear();
+    cells_->walked.clear();
     QVariantList wanted;
     for (std::size_t i = 0; i < kRowsAhead; ++i)
         wanted.append(KeyOf(keys[std::min(i, keys.size() - 1)]));
@@ -95,14 +107,14 @@ void SqlTable::FetchColumn(std::span<const std::int64_t> keys, std::size_t colum
         "SELECT `ID`," + QuotedName((*columns_)[column].name) + " FROM " + quotedName_ + " WHERE `ID` IN (" + marks + ")",
         wanted);
     while (session_->Next(query))
-        walked_.emplace(query.value(0).toLongLong(), query.value(1));
+        cells_->walked.emplace(query.value(0).toLongLong(), query.value(1));
     query.finish();
     walkedColumn_ = column;
 }
 
 Value SqlTable::Default(std::size_t column) {
-    if (defaults_.empty()) ReadDefaults();
-    return FromStored(defaults_[column], (*columns_)[column].kind);
+    if (cells_->defaults.empty()) ReadDefaults();
+    return FromStored(cells_->defaults[column], (*columns_)[column].kind);
 }
 
 void SqlTable::ReadDefaults() {
@@ -114,7 +126,7 @@ void SqlTable::ReadDefaults() {
     QSqlQuery values = session_->Select("SELECT " + list);
     session_->Next(values);
     for (std::size_t i = 0; i < columns_->Size(); ++i)
-        defaults_.push_back(values.value(static_cast<int>(i)));
+        cells_->defaults.push_back(values.value(static_cast<int>(i)));
 }
 
 std::int64_t SqlTable::Insert(const std::vector<SqlChange>& changes) {

@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/qt/sql_session.h"
@@ -25,6 +24,9 @@ class SqlTable {
 public:
     /// Throws Error when there is no such table.
     SqlTable(std::shared_ptr<SqlSession> session, std::string name);
+    ~SqlTable();
+    SqlTable(const SqlTable&) = delete;
+    SqlTable& operator=(const SqlTable&) = delete;
 
     const std::string& Name() const { return name_; }
     const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
@@ -47,7 +49,7 @@ public:
     void Delete(std::int64_t key);
 
 private:
-    using Cells = std::vector<QVariant>;
+    struct Cells;
 
     void ReadRow(std::int64_t key);
     const QVariant& ReadColumn(std::span<const std::int64_t> keys, std::size_t column);
@@ -59,13 +61,11 @@ private:
     std::string quotedName_;
     std::shared_ptr<const SqlColumns> columns_;
 
+    std::unique_ptr<Cells> cells_;        // what was read of the table
     std::optional<std::int64_t> rowKey_;  // of the row that is held whole
-    Cells row_;
-    bool walks_ = false;  // a row was held before
+    bool walks_ = false;                  // a row was held before
     std::optional<std::size_t> walkedColumn_;
-    std::unordered_map<std::int64_t, QVariant> walked_;  // of that column, by key
-    std::optional<std::int64_t> walkedKey_;              // the row that was looked at last in it
-    Cells defaults_;
+    std::optional<std::int64_t> walkedKey_;  // the row that was looked at last in it
 };
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 #include "platform/qt/sql_values.h"
 
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 #include <cmath>
 
 #include "base/error.h"

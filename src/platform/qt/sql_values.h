@@ -1,11 +1,12 @@
 // Values on their way in and out of the file.
 #pragma once
 
-#include <QtCore/QVariant>
 #include <optional>
 
 #include "base/value.h"
 #include "platform/connection.h"
+
+class QVariant;
 
 namespace korvane {
 
