@@ -13,6 +13,7 @@
 #include "shell/desktop/frm_memory_mon.h"
 #include "shell/desktop/frm_svc_mon.h"
 #include "shell/desktop/load_chart.h"
+#include "shell/desktop/resource_windows.h"
 #include "shell/program.h"
 #include "support/test_database.h"
 
@@ -69,26 +70,15 @@ struct Windows {
         }
     }
 
-    MonitorPorts Ports() {
-        const Desk desk = program.run.TheDesk();
-        return {.dir = desk.dir,
-                .clock = desk.clock,
-                .timers = desk.timers,
-                .store = desk.store,
-                .person = desk.person,
-                .files = desk.files,
-                .settings = desk.collection,
-                .mails = desk.alertMails};
-    }
-
     const QtDesktop first;
     TestDatabase database;
     Program program{database.Folder()};
     LinuxSystemInfo machine;
-    frmCPUMonitor cpu{Ports(), machine};
-    frmDiskMonitor disk{Ports(), machine};
-    frmMemoryMon memory{Ports(), program.world.events, machine};
-    frmSvcMon services{Ports(), program.services};
+    MonitorPorts ports = MonitorPortsOf(program.run.TheDesk());
+    frmCPUMonitor cpu{ports, machine};
+    frmDiskMonitor disk{ports, machine};
+    frmMemoryMon memory{ports, program.world.events, machine};
+    frmSvcMon services{ports, program.services};
 };
 
 void ADayOfSampling(benchmark::State& state) {

@@ -4,14 +4,10 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "shell/entry_type.h"
+#include "shell/help_table.h"
 
 namespace korvane {
 namespace {
-
-struct Help {
-    std::string_view of;
-    std::string_view text;
-};
 
 constexpr Help kPages[] = {
     {"Server", "What is watched, how often, and what it must answer."},
@@ -65,14 +61,6 @@ constexpr Help kInputs[] = {
     {"cmdTestCMDUP", "Starts the program now."},
 };
 
-template <std::size_t size>
-std::string_view Find(const Help (&table)[size], std::string_view of) {
-    for (const Help& help : table) {
-        if (help.of == of) return help.text;
-    }
-    return {};
-}
-
 std::string ExplainConversation(const EntryFields& fields) {
     std::string text =
         "The case sensitive request, response sequence must be as follows: Connect to '" + fields.strAddress_IP + "'.";
@@ -101,11 +89,11 @@ constexpr std::string_view kFixedExpectedTextMessage =
     "Choose the server type \"Other Port\", \"HTTP\" or \"HTTPS\" if you want to expect a text of your own.";
 
 std::string_view HelpOnPage(std::string_view page) {
-    return Find(kPages, page);
+    return FindHelp(kPages, page);
 }
 
 std::string_view HelpOnInput(std::string_view control) {
-    return Find(kInputs, control);
+    return FindHelp(kInputs, control);
 }
 
 std::string ExplainExpectedText(const EntryFields& fields) {

@@ -1,59 +1,27 @@
 #include "shell/entry_row.h"
 
 #include <utility>
-#include <vector>
 
 #include "base/numbers.h"
-#include "engine/server_table.h"
 #include "notify/global_email.h"
 #include "shell/entry_columns.h"
 #include "shell/entry_last_error.h"
+#include "shell/fresh_entry.h"
 #include "shell/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
-// A name that is reserved for examples (RFC 2606), with a page behind it.
-constexpr std::string_view kSampleWebHost = "www.example.com";
-constexpr std::string_view kSampleName = "Example";
-
 constexpr std::string_view kNoRows = "SELECT * from servers where id < 0";
 
-using ColumnValues = std::vector<std::pair<std::string_view, Value>>;
-
-ColumnValues DefaultsOf(const clsGlobalEmail& email, DateTime now) {
-    return {{"strAddress_IP", kSampleWebHost},
-            {"strDesc", kSampleName},
-            {"strGroup", "Group1"},
-            {"strPort", "80"},
-            {"strType", "HTTP"},
+ColumnValues DefaultsOf(const clsGlobalEmail& email) {
+    return {{"strGroup", "Group1"},
             {"strEmailList1", email.getToList1()},
             {"strEmailList2", email.getToList2()},
             {"strEmailFrom", email.getFrom()},
             {"strEmailText", email.getSubject()},
-            {"nTries", 3},
-            {"nListFrequency", 0},
-            {"bIsMonitoring", true},
-            {"nTimeout", 15},
-            {"strCMD", ""},
-            {"strCMDUP", ""},
-            {"strExpectedText", ""},
-            {"strUserName", ""},
-            {"strPassword", ""},
-            {"strLastResponse", ""},
-            {"strCurStatus", status::kUp},
-            {"dtNextCheck", now},
-            {"nIntervalSeconds", 60},
-            {"nAveResponse", 0},
-            {"nSuccess", 0},
-            {"nFail", 0},
-            {"nFailScanText", 0},
-            {"nTriesCur", 0},
-            {"nDownDuration1", 0},
-            {"nDownDuration2", 0},
-            {"nPercentUP", 100},
-            {"bSendUpNotify", true}};
+            {"nIntervalSeconds", 60}};
 }
 
 void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, LastError& last) {
@@ -65,7 +33,7 @@ void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, Last
     last.Try([&] { entry.strID = desk.ids.NewServerID(); });
     last.Try([&] { row->Fields("id") = ParseWhole(entry.strID); });
     desk.log.Info("Adding new server In " + entry.strID + " Form_Load of frmURLData: " + last.Text());
-    for (const auto& [column, value] : DefaultsOf(email, desk.clock.Now()))
+    for (const auto& [column, value] : FreshEntry(DefaultsOf(email), desk.clock.Now()))
         last.Try([&row, name = column, &what = value] { row->Fields(name) = what; });
     last.Try([&] { row->Update(); });
     last.Try([&] { row->Close(); });

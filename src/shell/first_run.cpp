@@ -4,18 +4,15 @@
 #include <exception>
 #include <memory>
 #include <string_view>
-#include <utility>
 
 #include "base/text.h"
-#include "engine/server_table.h"
+#include "shell/fresh_entry.h"
 #include "store/database_files.h"
 
 namespace korvane {
 namespace {
 
 // Names that are reserved for examples (RFC 2606).
-constexpr std::string_view kSampleWebHost = "www.example.com";
-constexpr std::string_view kSampleName = "Example";
 constexpr std::string_view kSampleAddress = "someone@example.com";
 constexpr std::string_view kSampleMailHost = "mail.example.com";
 
@@ -92,38 +89,13 @@ WizardPage GettingStarted() {
 }
 
 void WriteDefaultEntry(Recordset& row, const std::string& id, DateTime now) {
-    const std::pair<std::string_view, Value> columns[] = {{"id", id},
-                                                          {"strAddress_IP", kSampleWebHost},
-                                                          {"strDesc", kSampleName},
-                                                          {"strGroup", "Popular_Sites"},
-                                                          {"strPort", "80"},
-                                                          {"strType", "HTTP"},
-                                                          {"strEmailList1", kSampleAddress},
-                                                          {"strEmailFrom", kSampleAddress},
-                                                          {"nTries", 3},
-                                                          {"nListFrequency", 0},
-                                                          {"strEmailText", kSubject},
-                                                          {"bIsMonitoring", true},
-                                                          {"nTimeout", 15},
-                                                          {"strCMD", ""},
-                                                          {"strCurStatus", status::kUp},
-                                                          {"dtNextCheck", now},
-                                                          {"nIntervalSeconds", 120},
-                                                          {"nAveResponse", 0},
-                                                          {"nSuccess", 0},
-                                                          {"nFail", 0},
-                                                          {"nFailScanText", 0},
-                                                          {"nTriesCur", 0},
-                                                          {"nDownDuration1", 0},
-                                                          {"nDownDuration2", 0},
-                                                          {"nPercentUP", 100},
-                                                          {"bSendUpNotify", true},
-                                                          {"strCMDUP", ""},
-                                                          {"strExpectedText", ""},
-                                                          {"strUserName", ""},
-                                                          {"strPassword", ""},
-                                                          {"strLastResponse", ""}};
-    for (const auto& [name, value] : columns)
+    const ColumnValues own{{"id", id},
+                           {"strGroup", "Popular_Sites"},
+                           {"strEmailList1", kSampleAddress},
+                           {"strEmailFrom", kSampleAddress},
+                           {"strEmailText", kSubject},
+                           {"nIntervalSeconds", 120}};
+    for (const auto& [name, value] : FreshEntry(own, now))
         row.Fields(name) = value;
 }
 

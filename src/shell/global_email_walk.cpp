@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "shell/help_table.h"
 #include "shell/message_title.h"
 #include "store/database_files.h"
 
@@ -33,10 +34,6 @@ constexpr ServerText kServerTexts[] = {{"strEmailList1", &GlobalEmailFields::str
                                        {"strEmailFrom", &GlobalEmailFields::strEmailFrom, &GlobalEmailFields::strFrom},
                                        {"strEmailText", &GlobalEmailFields::strEmailText, &GlobalEmailFields::strSubject}};
 
-struct Help {
-    std::string_view of;
-    std::string_view text;
-};
 constexpr Help kInputs[] = {
     {"txtToList1", "The addresses that a new server tells first, with ';' between them."},
     {"txtToList2", "More addresses that a new server tells, with ';' between them."},
@@ -183,8 +180,7 @@ std::string GlobalEmailWalk::OnDatabase(std::string_view routine, const std::fun
 }
 
 std::string_view HelpOnGlobalEmailInput(std::string_view control) {
-    const auto help = std::find_if(std::begin(kInputs), std::end(kInputs), [&](const Help& each) { return each.of == control; });
-    return help == std::end(kInputs) ? std::string_view() : help->text;
+    return FindHelp(kInputs, control);
 }
 
 }  // namespace korvane

@@ -1,12 +1,9 @@
 #include "shell/options_hints.h"
 
+#include "shell/help_table.h"
+
 namespace korvane {
 namespace {
-
-struct Help {
-    std::string_view of;
-    std::string_view text;
-};
 
 constexpr Help kPages[] = {
     {"Monitoring", "When monitoring begins, and how soon a server that failed is tried again."},
@@ -59,22 +56,14 @@ constexpr Help kInputs[] = {
     {"cmdCheckVersion", "Asks whether there is a newer version of Korvane."},
 };
 
-template <std::size_t size>
-std::string_view Find(const Help (&table)[size], std::string_view of) {
-    for (const Help& help : table) {
-        if (help.of == of) return help.text;
-    }
-    return {};
-}
-
 }  // namespace
 
 std::string_view HelpOnOptionsPage(std::string_view page) {
-    return Find(kPages, page);
+    return FindHelp(kPages, page);
 }
 
 std::string_view HelpOnOptionsInput(std::string_view control) {
-    return Find(kInputs, control);
+    return FindHelp(kInputs, control);
 }
 
 }  // namespace korvane

@@ -4,8 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
 #include <QTest>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "desktop/qt_desktop.h"
@@ -41,6 +45,38 @@ private:
     Window window_;
     std::unique_ptr<TestDatabase> database_;
     std::unique_ptr<Program> program_;
+};
+
+/// One dialog at a time, and its controls by name. A test whose own members the dialog calls destroys it before them.
+template <class Dialog>
+class DialogTest : public DesktopTest {
+protected:
+    ~DialogTest() override { Destroy(); }
+
+    void Show(Dialog* dialog) {
+        dialog_ = dialog;
+        dialog_->open();
+    }
+    Dialog* TheDialog() { return dialog_; }
+    void Destroy() { delete dialog_; }
+    /// Closed, and deleted as soon as its events come through.
+    bool IsGone() {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return dialog_ == nullptr;
+    }
+
+    template <class Control>
+    Control& Get(const char* name) {
+        auto* const control = dialog_->template findChild<Control*>(name);
+        if (control == nullptr) throw std::logic_error(std::string("no ") + name);
+        return *control;
+    }
+    QLineEdit& Box(const char* name) { return Get<QLineEdit>(name); }
+    void Click(const char* name) { QTest::mouseClick(&Get<QPushButton>(name), Qt::LeftButton); }
+    std::string LastMessage() { return Person().messages.empty() ? "" : Person().messages.back().text; }
+
+private:
+    QPointer<Dialog> dialog_;
 };
 
 }  // namespace korvane

@@ -3,8 +3,6 @@
 
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QPointer>
-#include <QPushButton>
 
 #include "desktop/desktop_test.h"
 #include "shell/global_email_monitors.h"
@@ -14,23 +12,14 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-class FrmGlobalEmail : public DesktopTest {
+class FrmGlobalEmail : public DialogTest<frmGlobalEmail> {
 protected:
-    ~FrmGlobalEmail() override { delete form_; }
+    ~FrmGlobalEmail() override { Destroy(); }
 
     void Open() {
-        form_ = new frmGlobalEmail(TheDesk(), monitors, nullptr);
-        form_->open();
-        QApplication::setActiveWindow(form_);
+        Show(new frmGlobalEmail(TheDesk(), monitors, nullptr));
+        QApplication::setActiveWindow(TheDialog());
     }
-    template <class Control>
-    Control& Get(const char* name) {
-        auto* const control = form_->findChild<Control*>(name);
-        if (control == nullptr) throw std::logic_error(std::string("no ") + name);
-        return *control;
-    }
-    QLineEdit& Box(const char* name) { return Get<QLineEdit>(name); }
-    void Click(const char* name) { QTest::mouseClick(&Get<QPushButton>(name), Qt::LeftButton); }
     void Type(const char* name, const char* text) {
         Box(name).setFocus();
         Box(name).selectAll();
@@ -40,11 +29,6 @@ protected:
         return S(Get<QLabel>("lblTitle").text() + " " + Box("txtEmailList1").text() + " " + Get<QLabel>("lblPosition").text());
     }
     std::string List(std::int64_t id) { return Database().Server(id).at("strEmailList1").Text(); }
-    bool IsGone() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return form_ == nullptr;
-    }
-    void Destroy() { delete form_; }
     std::int64_t AddServer(const char* name, const char* list) {
         const std::int64_t id = Database().Add({.strDesc = name});
         Database().Change("Servers", id, {{"strEmailList1", list}});
@@ -52,9 +36,6 @@ protected:
     }
 
     RecordedMonitors monitors;
-
-private:
-    QPointer<frmGlobalEmail> form_;
 };
 
 TEST_F(FrmGlobalEmail, WalksAndUpdatesOneServer) {

@@ -6,8 +6,6 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QPointer>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <filesystem>
@@ -19,46 +17,33 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-class FrmOptions : public DesktopTest {
+class FrmOptions : public DialogTest<frmOptions> {
 protected:
-    ~FrmOptions() override { delete form_; }
+    ~FrmOptions() override { Destroy(); }
 
     void Open() {
-        delete form_;
-        form_ = new frmOptions(TheDesk(),
-                               {.proxyServer = [this] { return proxyServer; },
-                                .PlaySound = Record("PlaySound "),
-                                .IsWindowsNT = [this] { return isWindowsNT; },
-                                .chkService_Click = [this](bool checked) { return ClickMark("service", checked); },
-                                .chkStartup_Click = [this](bool checked) { return isInGroup = ClickMark("startup", checked); },
-                                .IsInStartupGroup = [this] { return isInGroup; },
-                                .TestShutDown =
-                                    [this](const auto& answered) {
-                                        Call("TestShutDown");
-                                        answered();
-                                    },
-                                .CheckVersion = [this] { Call("CheckVersion"); },
-                                .GlobalEmail = [this](QWidget* over) { Call(over == form_ ? "GlobalEmail" : "no parent"); },
-                                .HelpService = [this] { Call("HelpService"); },
-                                .HelpShutDown = [this] { Call("HelpShutDown"); }},
-                               nullptr);
-        form_->open();
-        QApplication::setActiveWindow(form_);
+        Destroy();
+        Show(new frmOptions(TheDesk(),
+                            {.proxyServer = [this] { return proxyServer; },
+                             .PlaySound = Record("PlaySound "),
+                             .IsWindowsNT = [this] { return isWindowsNT; },
+                             .chkService_Click = [this](bool checked) { return ClickMark("service", checked); },
+                             .chkStartup_Click = [this](bool checked) { return isInGroup = ClickMark("startup", checked); },
+                             .IsInStartupGroup = [this] { return isInGroup; },
+                             .TestShutDown =
+                                 [this](const auto& answered) {
+                                     Call("TestShutDown");
+                                     answered();
+                                 },
+                             .CheckVersion = [this] { Call("CheckVersion"); },
+                             .GlobalEmail = [this](QWidget* over) { Call(over == TheDialog() ? "GlobalEmail" : "no parent"); },
+                             .HelpService = [this] { Call("HelpService"); },
+                             .HelpShutDown = [this] { Call("HelpShutDown"); }},
+                            nullptr));
+        QApplication::setActiveWindow(TheDialog());
     }
-    frmOptions& Form() { return *form_; }
-    void Destroy() { delete form_; }
-    bool IsGone() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return form_ == nullptr;
-    }
+    frmOptions& Form() { return *TheDialog(); }
 
-    template <class Control>
-    Control& Get(const char* name) {
-        auto* const control = form_->findChild<Control*>(name);
-        if (control == nullptr) throw std::logic_error(std::string("no ") + name);
-        return *control;
-    }
-    QLineEdit& Box(const char* name) { return Get<QLineEdit>(name); }
     void ShowPage(const QString& title) {
         auto& pages = Get<QTabWidget>("tabPages");
         for (int page = 0; page < pages.count(); ++page) {
@@ -67,14 +52,12 @@ protected:
     }
     std::string Page() { return S(Get<QTabWidget>("tabPages").tabText(Get<QTabWidget>("tabPages").currentIndex())); }
     std::string Status() { return S(Get<QPlainTextEdit>("txtStatus").toPlainText()); }
-    void Click(const char* name) { QTest::mouseClick(&Get<QPushButton>(name), Qt::LeftButton); }
     void Mark(const char* name) { QTest::keyClick(&Get<QAbstractButton>(name), Qt::Key_Space); }
     void Type(const char* name, const char* text) {
         Box(name).selectAll();
         QTest::keyClick(&Box(name), Qt::Key_Delete);
         QTest::keyClicks(&Box(name), text);
     }
-    std::string LastMessage() { return Person().messages.empty() ? "" : Person().messages.back().text; }
     std::string Setting(const char* key) { return TheDesk().collection.getKvSettingsColVal(key); }
     void Set(const char* key, const char* value) { TheDesk().collection.setKvSettingsColValue(key, value); }
 
@@ -97,8 +80,6 @@ private:
         Call(name + (checked ? " on" : " off"));
         return takesMarks ? checked : !checked;
     }
-
-    QPointer<frmOptions> form_;
 };
 
 TEST_F(FrmOptions, OpensOnTheFirstPageWithTheSettings) {

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QStyle>
 
 namespace korvane {
@@ -53,6 +54,13 @@ QCheckBox* NewMark(const char* name, const QString& text, QWidget* page) {
     mark->setObjectName(name);
     mark->setAccessibleName(QString(text).remove('&'));
     return mark;
+}
+
+QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page) {
+    auto* button = new QPushButton(text, page);
+    button->setObjectName(name);
+    button->setAccessibleName(accessibleName);
+    return button;
 }
 
 void MarkRefused(QLineEdit& box, const QString& why) {
@@ -105,6 +113,15 @@ QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget
 
 void KeepShort(QLineEdit& box) {
     box.setFixedWidth(box.fontMetrics().averageCharWidth() * kShortCharacters + box.sizeHint().height());
+}
+
+QLabel* NewFigure(const char* name, const QString& accessibleName, QWidget* page) {
+    auto* label = new QLabel(page);
+    label->setObjectName(name);
+    label->setAccessibleName(accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
 }
 
 QLabel* NewExplanation(const QString& text, QWidget* page) {

@@ -27,6 +27,8 @@ QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page
 /// A "&" in the text makes a key; the accessible name is the text without it.
 QCheckBox* NewMark(const char* name, const QString& text, QWidget* page);
 
+QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page);
+
 /// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, its text selected.
 void MarkRefused(QLineEdit& box, const QString& why);
 void MarkRefused(QPlainTextEdit& box, const QString& why);
@@ -95,6 +97,9 @@ QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget
 
 /// For short numbers: no wider than it needs to be.
 void KeepShort(QLineEdit& box);
+
+/// A label for text that changes and can be copied. The accessible name says what it tells.
+QLabel* NewFigure(const char* name, const QString& accessibleName, QWidget* page);
 
 /// An explanation that wraps.
 QLabel* NewExplanation(const QString& text, QWidget* page);

@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "shell/desktop/form_inputs.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -18,7 +19,7 @@ frmCPUMonitor::frmCPUMonitor(const MonitorPorts& ports, const SystemInfo& system
     auto* figures = new QWidget(this);
     auto* rows = new QVBoxLayout(figures);
     rows->setContentsMargins(0, 0, 0, 0);
-    lblLoad_ = NewFigure("lblLoad", "CPU load");
+    lblLoad_ = NewFigure("lblLoad", "CPU load", this);
     QFont large = font();
     large.setPointSizeF(large.pointSizeF() * kLoadSize);
     lblLoad_->setFont(large);

@@ -55,7 +55,7 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidg
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(page, 1);
     layout->addWidget(txtStatus_);
-    layout->addWidget(NewButton("cmdClose", "&Close", &frmGlobalEmail::cmdClose_Click), 0, Qt::AlignRight);
+    layout->addWidget(NewCommand("cmdClose", "&Close", &frmGlobalEmail::cmdClose_Click), 0, Qt::AlignRight);
     WatchForHelp();
 
     GlobalEmailFields fields;
@@ -74,8 +74,8 @@ QWidget* frmGlobalEmail::Page() {
     auto* upper = new QHBoxLayout;
     upper->addWidget(GlobalValues());
     upper->addWidget(Monitors());
-    cmdSaveGlobal_ = NewButton("cmdSaveGlobal", "&Save Global Values", &frmGlobalEmail::cmdSaveGlobal_Click);
-    auto* cmdUpdateAll = NewButton("cmdUpdateAll", "Update &All Servers...", &frmGlobalEmail::cmdUpdateAll_Click);
+    cmdSaveGlobal_ = NewCommand("cmdSaveGlobal", "&Save Global Values", &frmGlobalEmail::cmdSaveGlobal_Click);
+    auto* cmdUpdateAll = NewCommand("cmdUpdateAll", "Update &All Servers...", &frmGlobalEmail::cmdUpdateAll_Click);
     auto* globalRow = NewRow({cmdSaveGlobal_, cmdUpdateAll});
     globalRow->addStretch();
     auto* page = new QWidget(this);
@@ -146,23 +146,19 @@ QLayout* frmGlobalEmail::Walk() {
     lblPosition_->setObjectName("lblPosition");
     row->addWidget(lblPosition_);
     row->addStretch();
-    cmdUpdateServer_ = NewButton("cmdUpdateServer", "Update This Ser&ver", &frmGlobalEmail::cmdUpdateServer_Click);
+    cmdUpdateServer_ = NewCommand("cmdUpdateServer", "Update This Ser&ver", &frmGlobalEmail::cmdUpdateServer_Click);
     row->addWidget(cmdUpdateServer_);
     return row;
 }
 
-QPushButton* frmGlobalEmail::NewButton(const char* name, const QString& text, void (frmGlobalEmail::*click)()) {
-    auto* button = new QPushButton(text, this);
-    button->setObjectName(name);
-    button->setAccessibleName(QString(text).remove('&').remove("..."));
+QPushButton* frmGlobalEmail::NewCommand(const char* name, const QString& text, void (frmGlobalEmail::*click)()) {
+    auto* button = NewButton(name, text, QString(text).remove('&').remove("..."), this);
     connect(button, &QPushButton::clicked, this, [this, click] { (this->*click)(); });
     return button;
 }
 
 QPushButton* frmGlobalEmail::NewMove(const char* name, const QString& text, void (GlobalEmailWalk::*step)()) {
-    auto* button = new QPushButton(text, this);
-    button->setObjectName(name);
-    button->setAccessibleName(QString(text).remove('&') + " server");
+    auto* button = NewButton(name, text, QString(text).remove('&') + " server", this);
     connect(button, &QPushButton::clicked, this, [this, step] {
         (walk_.*step)();
         ShowServer();

@@ -30,7 +30,7 @@ private:
     QWidget* Monitors();
     QWidget* Server();
     QLayout* Walk();
-    QPushButton* NewButton(const char* name, const QString& text, void (frmGlobalEmail::*click)());
+    QPushButton* NewCommand(const char* name, const QString& text, void (frmGlobalEmail::*click)());
     QPushButton* NewMove(const char* name, const QString& text, void (GlobalEmailWalk::*step)());
     void WatchForHelp();
     void ShowServer();

@@ -11,13 +11,6 @@
 namespace korvane {
 namespace {
 
-QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page) {
-    auto* button = new QPushButton(text, page);
-    button->setObjectName(name);
-    button->setAccessibleName(accessibleName);
-    return button;
-}
-
 QLabel* NewLabel(const char* name, const QString& text, QWidget* page) {
     auto* label = new QLabel(text, page);
     label->setObjectName(name);

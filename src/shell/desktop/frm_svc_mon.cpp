@@ -6,6 +6,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "shell/desktop/form_inputs.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -23,7 +24,7 @@ frmSvcMon::frmSvcMon(const MonitorPorts& ports, Services& services)
     auto* figures = new QWidget(this);
     auto* rows = new QVBoxLayout(figures);
     rows->setContentsMargins(0, 0, 0, 0);
-    lblWhyNot_ = NewFigure("lblWhyNot", "Why there are no services");
+    lblWhyNot_ = NewFigure("lblWhyNot", "Why there are no services", this);
     lblWhyNot_->setWordWrap(true);
     grdSvc_ = NewGrid();
     rows->addWidget(lblWhyNot_);

@@ -10,16 +10,6 @@
 #include <QVBoxLayout>
 
 namespace korvane {
-namespace {
-
-QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page) {
-    auto* button = new QPushButton(text, page);
-    button->setObjectName(name);
-    button->setAccessibleName(accessibleName);
-    return button;
-}
-
-}  // namespace
 
 EMailPage::EMailPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);

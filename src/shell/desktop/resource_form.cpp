@@ -55,15 +55,6 @@ ResourceForm::ResourceForm(const char* name, const QString& title)
     setSizeGripEnabled(true);
 }
 
-QLabel* ResourceForm::NewFigure(const char* name, const QString& accessibleName) {
-    auto* label = new QLabel(this);
-    label->setObjectName(name);
-    label->setAccessibleName(accessibleName);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
-}
-
 void ResourceForm::AddFigures(QWidget* figures, int stretch) {
     layout_->addWidget(figures, stretch);
 }

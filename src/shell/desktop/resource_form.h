@@ -37,8 +37,6 @@ protected:
 
     // The constructor of a window calls these in this order.
 
-    /// A label for text that changes. The accessible name says what it tells.
-    QLabel* NewFigure(const char* name, const QString& accessibleName);
     /// The figures, above everything else.
     void AddFigures(QWidget* figures, int stretch);
     /// Buttons and the page of the settings, without inputs yet.

@@ -9,20 +9,24 @@
 
 namespace korvane {
 
+MonitorPorts MonitorPortsOf(const Desk& desk) {
+    return {.dir = desk.dir,
+            .clock = desk.clock,
+            .timers = desk.timers,
+            .store = desk.store,
+            .person = desk.person,
+            .files = desk.files,
+            .settings = desk.collection,
+            .mails = desk.alertMails};
+}
+
 ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)
     : desk_(std::move(desk)), hidden_(std::move(hidden)) {}
 
 ResourceWindows::~ResourceWindows() = default;
 
 std::unique_ptr<ResourceForm> ResourceWindows::NewForm(ResourceMonitor monitor) {
-    const MonitorPorts ports{.dir = desk_.dir,
-                             .clock = desk_.clock,
-                             .timers = desk_.timers,
-                             .store = desk_.store,
-                             .person = desk_.person,
-                             .files = desk_.files,
-                             .settings = desk_.collection,
-                             .mails = desk_.alertMails};
+    const MonitorPorts ports = MonitorPortsOf(desk_);
     switch (monitor) {
         case ResourceMonitor::CPU:
             return std::make_unique<frmCPUMonitor>(ports, desk_.systemInfo);

@@ -5,11 +5,15 @@
 #include <functional>
 #include <memory>
 
+#include "resources/alert_monitor.h"
 #include "shell/desk.h"
 #include "shell/desktop/resource_form.h"
 #include "shell/global_email_walk.h"
 
 namespace korvane {
+
+/// What a monitor of resources needs of the desk.
+MonitorPorts MonitorPortsOf(const Desk& desk);
 
 class ResourceWindows {
 public:

@@ -1,5 +1,6 @@
 #include "shell/desktop/space_figures.h"
 
+#include "shell/desktop/form_inputs.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -7,11 +8,11 @@ namespace korvane {
 SpaceFigures::SpaceFigures(const QString& what, QWidget* parent)
     : QWidget(parent),
       rows_(new QFormLayout(this)),
-      lblTotal_(NewFigure("lblTotal", "Total " + what)),
-      lblUsed_(NewFigure("lblUsed", "Used " + what)),
-      lblAvailable_(NewFigure("lblAvailable", "Available " + what)),
+      lblTotal_(NewFigure("lblTotal", "Total " + what, this)),
+      lblUsed_(NewFigure("lblUsed", "Used " + what, this)),
+      lblAvailable_(NewFigure("lblAvailable", "Available " + what, this)),
       pbShare_(new QProgressBar(this)),
-      lblShare_(NewFigure("lblShare", "Available share of the " + what)) {
+      lblShare_(NewFigure("lblShare", "Available share of the " + what, this)) {
     rows_->setContentsMargins(0, 0, 0, 0);
     pbShare_->setObjectName("pbShare");
     pbShare_->setAccessibleName(lblShare_->accessibleName());
@@ -22,15 +23,6 @@ SpaceFigures::SpaceFigures(const QString& what, QWidget* parent)
     rows_->addRow("Available:", lblAvailable_);
     rows_->addRow(pbShare_);
     rows_->addRow(lblShare_);
-}
-
-QLabel* SpaceFigures::NewFigure(const char* name, const QString& accessibleName) {
-    auto* label = new QLabel(this);
-    label->setObjectName(name);
-    label->setAccessibleName(accessibleName);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
 }
 
 void SpaceFigures::SetFigures(const std::string& total, const std::string& used, const std::string& available,

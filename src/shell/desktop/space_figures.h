@@ -22,8 +22,6 @@ public:
     void AddRow(const QString& caption, QWidget* content) { rows_->addRow(caption, content); }
 
 private:
-    QLabel* NewFigure(const char* name, const QString& accessibleName);
-
     QFormLayout* rows_;
     QLabel* lblTotal_;
     QLabel* lblUsed_;

@@ -1,0 +1,23 @@
+// What the status line says of the inputs and pages of a dialog, looked up by their names.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace korvane {
+
+struct Help {
+    std::string_view of;
+    std::string_view text;
+};
+
+/// Blank for what is not in the table.
+template <std::size_t size>
+std::string_view FindHelp(const Help (&table)[size], std::string_view of) {
+    for (const Help& help : table) {
+        if (help.of == of) return help.text;
+    }
+    return {};
+}
+
+}  // namespace korvane
