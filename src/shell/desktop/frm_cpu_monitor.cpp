@@ -38,6 +38,7 @@ frmCPUMonitor::frmCPUMonitor(const MonitorPorts& ports, const SystemInfo& system
 void frmCPUMonitor::ShowFigures() {
     const std::string& load = monitor_.LoadLabel();
     lblLoad_->setText(load.empty() ? QString("-") : Q(load));
+    lblLoad_->setToolTip(load.empty() ? QString() : Q("Sampled at " + monitor_.SampledAt().Text()));
     picChart_->SetSamples(monitor_.History());
 }
 

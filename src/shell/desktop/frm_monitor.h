@@ -109,7 +109,6 @@ public:
     QPushButton* cmdStopWaiting;
     MonitorTray& Tray() { return *tray_; }
     MonitorForms& Forms() { return *forms_; }
-    ResourceWindows& Resources() { return *resources_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
