@@ -118,7 +118,8 @@ struct Machine {
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
-    HttpRequester http{{settings, events, clock, person, *TimerProgress}};
+    RequestProgress progress{{events, person, cycleState, *TimerProgress}};
+    HttpRequester http{{settings, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
     OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};

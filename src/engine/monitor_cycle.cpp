@@ -294,7 +294,6 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
     ports_.status.setStatusMSG("Timeout [" + TextOf(rs, "nTimeout") + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
                                address + "'. Please wait...");
     ports_.person.SetProgress(0, 100);
-    state_.nProgressTicks = 0;
     Step("get urldata2");
     if (rs.Fields("strPort").Value().IsEmpty()) rs.Fields("strPort") = "80";
     const TimedCheckResult result = ports_.http.getURLData2({

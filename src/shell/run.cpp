@@ -48,10 +48,11 @@ Run::Run(const Ports& ports, Options options)
       reportCommands_({reports_, ports.store, ports.files, ports.person, ports.processes}, options_.dir),
       maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { publisher_.PublishReports(); }}, options_.dir),
       conversation_(ports.conversation == nullptr ? noConversation_ : *ports.conversation),
-      http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      progress_({ports.events, ports.person, state_, *TimerProgress_}),
+      http_({collection_, ports.events, ports.clock, progress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
-      testHttp_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      testHttp_({collection_, ports.events, ports.clock, progress_}),
       testTcp_({ports.testSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       accounting_(
           {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
@@ -59,7 +60,6 @@ Run::Run(const Ports& ports, Options options)
               publisher_, state_, OdbcConnectionText(options_.dir)}),
       wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); },
              [this] { maintenance_.CompactAndRepair(DatabasePath(options_.dir)); }}),
-      progress_({ports.events, ports.person, state_, *TimerProgress_}),
       stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}),
       restart_({ports.power, ports.person, status_, log_, state_, [this] { cmdStopStart(); }}),
       pages_({ports.processes, ports.person, settingsFile_}),
@@ -171,10 +171,6 @@ bool Run::HasEntries() {
 void Run::WakeUp() {
     state_.nSleepLeft = 0;
     state_.nSleepTotal = 0;
-}
-
-void Run::ResumeProgress() {
-    if (http_.Requesting()) TimerProgress_->SetEnabled(true);
 }
 
 void Run::StopMonitor() {

@@ -143,7 +143,7 @@ public:
     /// The sleep until the next check is over.
     void WakeUp();
     /// The operator looks at the window again in the middle of a request: its estimate goes on.
-    void ResumeProgress();
+    void ResumeProgress() { progress_.Resume(); }
 
     const CycleState& State() const { return state_; }
     const SettingsCollection& GlobalSettings() const { return collection_; }
@@ -219,6 +219,7 @@ private:
     Maintenance maintenance_;
     NoConversationWindow noConversation_;
     ConversationWindow& conversation_;
+    RequestProgress progress_;
     HttpRequester http_;
     TcpChecker tcp_;
     PingChecker ping_;
@@ -227,7 +228,6 @@ private:
     OutcomeAccounting accounting_;
     MonitorCycle cycle_;
     BeginWait wait_;
-    RequestProgress progress_;
     StopStart stopStart_;
     MachineRestart restart_;
     WebPages pages_;

@@ -96,7 +96,9 @@ struct EngineWorld {
 
     /// The lines of today's log, without date, time and version.
     std::vector<std::string> LogTexts();
+    /// Whether today's log holds this; the text of a record stands after its class and a tab.
     bool Logged(const std::string& part);
+    std::string LogOfToday();
 
     VirtualWorld world;
     VirtualNet net{world};
@@ -121,7 +123,8 @@ struct EngineWorld {
     std::unique_ptr<Timer> Timer2 = world.timers.NewTimer("Timer2");
     std::unique_ptr<Timer> TimerLog = world.timers.NewTimer("TimerLog");
     CycleTimers switches{*Timer2, *TimerMonitorDB, *TimerLog};
-    HttpRequester http{{settings, world.events, world.clock, person, *TimerProgress}};
+    RequestProgress progress{{world.events, person, state, *TimerProgress}};
+    HttpRequester http{{settings, world.events, world.clock, progress}};
     TcpChecker tcp{{socket, world.events, world.clock, person, status, conversation}};
     PingChecker ping{{echo, world.clock, person, status, log}};
     OutcomeAccounting accounting{{store, world.clock, world.events, person, sound, status, log, settings, ids, actions}};
