@@ -11,6 +11,7 @@
 
 #include "engine/check_result.h"
 #include "engine/request_progress.h"
+#include "engine/server_table.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/inet.h"
@@ -33,7 +34,7 @@ public:
         std::string strURL;  ///< with its scheme
         std::string strUser = {};
         std::string strPassword = {};
-        std::chrono::seconds nTimeout{15};
+        std::chrono::seconds nTimeout = kNewTimeout;
         std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
     };
 

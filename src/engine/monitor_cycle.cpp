@@ -19,7 +19,6 @@ using std::chrono::seconds;
 constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
 constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
 constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched is looked at every six hours
-constexpr auto kDefaultTimeout = 15s;
 constexpr std::int32_t kMostReportTicks = 1001;
 constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
 constexpr std::int32_t kReportTicksAtMost = 1000;  // then the sleep branch is forced
@@ -36,12 +35,6 @@ bool IsOn(Recordset& rs, std::string_view column) {
 
 std::string TextOf(Recordset& rs, std::string_view column) {
     return rs.Fields(column).Value().Text();
-}
-
-// A row that never got a timeout is checked with that of a new row.
-seconds TimeoutOf(Recordset& rs) {
-    const Value timeout = rs.Fields("nTimeout").Value();
-    return timeout.IsBlank() ? kDefaultTimeout : seconds(timeout.Int16());
 }
 
 }  // namespace
@@ -291,7 +284,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
     const std::string proxy = ports_.settings.getKvSettingsColVal("ProxyName");
     if (!proxy.empty()) ports_.status.setStatusMSG("Using Proxy Server: " + proxy);
     if (!user.empty()) ports_.status.setStatusMSG("Basic Authentication UserName='" + user + "' Password=[not shown]");
-    ports_.status.setStatusMSG("Timeout [" + TextOf(rs, "nTimeout") + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
+    ports_.status.setStatusMSG("Timeout [" + TimeoutOf(rs).Text() + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
                                address + "'. Please wait...");
     ports_.person.SetProgress(0, 100);
     Step("get urldata2");
@@ -300,7 +293,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
         .strURL = scheme + "://" + address,
         .strUser = user,
         .strPassword = TextOf(rs, "strPassword"),
-        .nTimeout = TimeoutOf(rs),
+        .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = rs.Fields("strPort").Value().Int16(),
     });
     Step("done getting urldata2");
@@ -325,10 +318,9 @@ TimedCheckResult MonitorCycle::PingOrTalk(Recordset& rs, bool ping) {
 
 CheckResult MonitorCycle::Ping(Recordset& rs) {
     if (rs.Fields("strExpectedText").Value().IsEmpty()) rs.Fields("strExpectedText") = kDefaultPingLimit;
-    const std::int16_t limit = rs.Fields("strExpectedText").Value().Int16();
     const std::string address = TextOf(rs, "strAddress_IP");
     Step("dopingrequest");
-    CheckResult result = ports_.ping.DoPingRequest(address, limit);
+    CheckResult result = ports_.ping.DoPingRequest(address, rs.Fields("strExpectedText").Value().Int16());
     if (!result.response.empty()) {
         ports_.status.setStatusMSG(result.response);
     } else {
@@ -342,7 +334,8 @@ CheckResult MonitorCycle::Ping(Recordset& rs) {
 CheckResult MonitorCycle::Talk(Recordset& rs) {
     Step("DoTCPRequest s=strexpectedtext");
     const std::string expected = TextOf(rs, "strExpectedText");
-    CheckResult result = ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, TimeoutOf(rs), TextOf(rs, "strPort"));
+    CheckResult result =
+        ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, seconds(TimeoutOf(rs).Int16()), TextOf(rs, "strPort"));
     if (!result.strReason.empty()) {
         ports_.status.setStatusMSG("Failure: TCP Error: " + result.strReason);
         ports_.log.Info("DoTCPRequest failure = " + result.strReason);
@@ -401,7 +394,7 @@ bool MonitorCycle::UpdateRow(Tick& tick) {
         ports_.accounting.AddOwedFailureRow(*tick.rs, *tick.conn);
         return true;
     } catch (const std::exception& error) {
-        ports_.log.Info("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
+        LogError("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
         return false;
     }
 }
@@ -426,10 +419,14 @@ void MonitorCycle::SummariseInTray(Recordset& rs) {
     }
 }
 
+void MonitorCycle::LogError(const std::string& message) {
+    ports_.log.WriteLog(kLogOrdinary, kLogError, message);
+}
+
 void MonitorCycle::Fail(const Tick& tick, const std::string& description) {
     const std::string where = description + " Last Step " + state_.strLastStep;
     ports_.status.setStatusMSG("Monitor Timer Error: " + where);
-    ports_.log.Info("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
+    LogError("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
 }
 
 }  // namespace korvane

@@ -79,6 +79,7 @@ private:
     bool PassesTextRules(Tick& tick, const std::string& response);
     bool UpdateRow(Tick& tick);
     void SummariseInTray(Recordset& rs);
+    void LogError(const std::string& message);
     void Fail(const Tick& tick, const std::string& description);
 
     Ports ports_;

@@ -75,7 +75,7 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
 }
 
 bool OutcomeAccounting::HasComeBack(Recordset& rs) const {
-    return CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
+    return CounterOf(rs, "nTriesCur") >= TriesOf(rs).Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
 }
 
 void OutcomeAccounting::ActOnRecovery(Recordset& rs) {
@@ -164,7 +164,7 @@ void OutcomeAccounting::AddOwedFailureRow(Recordset& rs, Connection& conn) {
 
 std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries,
                                                  const std::string& strReason) {
-    const std::int64_t nTries = CounterOf(rs, "nTries");
+    const std::int64_t nTries = TriesOf(rs).Int64();
     const std::string strDesc = rs.Fields("strDesc").Value().Text();
     if (tries != nTries || actedOnRecovery_.contains(CounterOf(rs, "ID"))) ForgetActions(rs);  // another outage
     const bool down = tries >= nTries;
@@ -195,7 +195,7 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
     const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
     const seconds interval(CounterOf(rs, "nIntervalSeconds"));
     const DateTime now = ports_.clock.Now();
-    const bool workingTowardsDown = tries <= CounterOf(rs, "nTries");
+    const bool workingTowardsDown = tries <= TriesOf(rs).Int64();
     if (workingTowardsDown && interval > retry) return NextCheck(now, retry);
     return NextCheck(now, tries > kLongOutageTries ? std::min(interval, kLongestInterval) * kLongOutageFactor : interval);
 }
@@ -210,7 +210,7 @@ void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const Fai
         failures->Fields(column) = rs.Fields(column).Value();
     }
     failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
-    failures->Fields("nFailMax") = rs.Fields("nTries").Value();
+    failures->Fields("nFailMax") = TriesOf(rs);
     failures->Fields("strAction") = note.strAction;
     failures->Fields("strReason") = Left(note.strReason, kMostStoredCharacters);
     failures->Fields("dateFail") = ports_.clock.Now();

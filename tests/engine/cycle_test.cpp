@@ -176,12 +176,14 @@ TEST(Cycle, LogsAndRecordsAFailedPage) {
     entry.strUserName = "joe";
     entry.strPassword = "secret";
     const auto id = engine.database.Add(entry);
+    engine.database.Change("Servers", id, {{"nTimeout", Value()}});
     engine.net.Page("http://10.0.0.2/").Fail("Connection refused", 600ms);
     engine.RunFor(2s);
     EXPECT_EQ(engine.database.Server(id).at("strLastResponse"), Value("Reason 'Connection refused' "));
     EXPECT_EQ(engine.database.Server(id).at("strPort"), Value("80"));
     EXPECT_TRUE(engine.Logged("frmMonitor:TimerMonitorDB: HTTP failure: Reason 'Connection refused'"));
     EXPECT_TRUE(engine.Logged("1 calling DoFailure. strReason=Reason 'Connection refused'"));
+    EXPECT_TRUE(engine.person.Said("Timeout [15 sec.] - Port[] getting '10.0.0.2/'. Please wait..."));
     EXPECT_TRUE(engine.person.Said("Basic Authentication UserName='joe' Password=[not shown]"));
     EXPECT_FALSE(engine.person.SaidPart("secret"));
 }
@@ -196,12 +198,12 @@ TEST(Cycle, EndsATickInItsHandlerAndLeavesTheRowDue) {
     word.strPort = "abc";
     limit.strExpectedText = "40000";
     for (const Case& c : {Case{port, "Overflow Last Step get urldata2"}, Case{word, "Type mismatch Last Step get urldata2"},
-                          Case{limit, "Overflow Last Step"}}) {
+                          Case{limit, "Overflow Last Step dopingrequest"}}) {
         EngineWorld engine(kStart);
         const auto id = engine.database.Add(c.entry);
         engine.RunFor(2s);
         EXPECT_TRUE(engine.person.SaidPart(std::string("Monitor Timer Error: ") + c.problem)) << c.problem;
-        EXPECT_TRUE(engine.Logged(std::string("frmMonitor:TimerMonitorDB: Errors block: ") + c.problem));
+        EXPECT_TRUE(engine.Logged(std::string("#\tfrmMonitor:TimerMonitorDB: Errors block: ") + c.problem));
         EXPECT_EQ(engine.database.Server(id).at("dtNextCheck"), Value(kStart));
         EXPECT_EQ(engine.database.Count("Failures"), 0);
     }

@@ -124,11 +124,13 @@ TEST(Accounting, ChoosesTheNextCheck) {
     EXPECT_EQ(clamped.row.at("nIntervalSeconds"), Value(15000));
 }
 
-TEST(Accounting, EditedThresholdBelowTheCountFiresNothing) {
-    Account account({.nTries = 3, .nTriesCur = 4});
-    account.Check(false);
-    EXPECT_EQ(account.Status(), "DOWN");
-    EXPECT_TRUE(account.engine.actions.calls.empty());
+TEST(Accounting, BlankTriesCountAsThree) {
+    Account account({.strDesc = "x"});
+    account.engine.database.Change("Servers", account.id, {{"nTries", Value()}, {"nIntervalSeconds", 300}});
+    for (const bool success : {false, false, false, true})
+        account.Check(success);
+    EXPECT_EQ(account.engine.actions.calls, (std::vector<std::string>{"down x", "up x"}));
+    EXPECT_EQ(account.engine.database.Count("Failures", "nFailMax = 3"), 3);
 }
 
 TEST(Accounting, RecordsEachFailureWithACopyOfTheEntry) {
