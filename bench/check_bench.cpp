@@ -27,6 +27,7 @@
 #include "store/ini_file.h"
 #include "support/loopback_server.h"
 #include "support/recording_operator.h"
+#include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
 #include "support/test_database.h"
 
@@ -123,8 +124,10 @@ struct Machine {
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
     OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
-    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, reports,
-                        cycleState, database.DriverString()}};
+    RecordingServiceManager manager;
+    StoreAlarm alarm{{person, status, log, manager}};
+    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
+                        reports, cycleState, database.DriverString()}};
     int count = 0;
     int checked = 0;
 };

@@ -88,6 +88,7 @@ bool MonitorCycle::CountDownSleep() {
 
 void MonitorCycle::LookAtDatabase(Tick& tick) {
     OpenDueRows(tick);
+    const bool alarmed = ports_.alarm.Raised();
     AfterCheck after = AfterCheck::UpdateRow;
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
@@ -96,7 +97,7 @@ void MonitorCycle::LookAtDatabase(Tick& tick) {
     } else {
         after = HandleRow(tick);
     }
-    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs);
+    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs, alarmed);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
 }
@@ -106,9 +107,9 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
-    const std::string due = query::DueBy(ports_.clock.Now() + kLookAhead);
+    tick.due = query::DueBy(ports_.clock.Now() + kLookAhead);
     tick.rs = ports_.store.NewRecordset();
-    tick.rs->Open(due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+    tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
     ports_.accounting.BeginEntry(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
@@ -195,9 +196,11 @@ MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
     if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
         SkipRow(rs, inDownTime);
     } else if (CheckRow(tick) == AfterCheck::TickIsOver) {
+        ports_.alarm.Note(ports_.accounting.Refusal());
         return AfterCheck::TickIsOver;
     }
-    return UpdateRow(tick) ? AfterCheck::UpdateRow : AfterCheck::TickIsOver;
+    UpdateRow(tick);
+    return AfterCheck::UpdateRow;
 }
 
 bool MonitorCycle::SuspendForDownTime(Recordset& rs) {
@@ -385,23 +388,25 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
     return false;
 }
 
-// After a failure the row keeps its pending changes, and to move on in the result would try to write them again: the tick is over
-// then.
-bool MonitorCycle::UpdateRow(Tick& tick) {
+void MonitorCycle::UpdateRow(Tick& tick) {
     Step("Update record");
     try {
         tick.rs->Update();
         ports_.accounting.AddOwedFailureRow(*tick.rs, *tick.conn);
-        return true;
+        ports_.alarm.Note(ports_.accounting.Refusal());
     } catch (const std::exception& error) {
         LogError("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
-        return false;
+        ports_.alarm.Note(RefusalOf(error));
+        // The row keeps its pending changes, and the first move of the summary would try to write them again.
+        tick.rs->Close();
+        tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
 }
 
 // Sees only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
-void MonitorCycle::SummariseInTray(Recordset& rs) {
-    const bool wanted = state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
+void MonitorCycle::SummariseInTray(Recordset& rs, bool atOnce) {
+    if (ports_.alarm.Raised()) return;  // it has the tray
+    const bool wanted = atOnce || state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
     if (!wanted || rs.RecordCount() < 1) return;
     bool failing = false;
     bool down = false;

@@ -9,9 +9,16 @@
 #include <string>
 #include <string_view>
 
+#include "base/error.h"
 #include "base/value.h"
 
 namespace korvane {
+
+/// The row of an Update has been removed by somebody else since it was read.
+class RowGoneError : public Error {
+public:
+    using Error::Error;
+};
 
 class Connection {
 public:
@@ -87,8 +94,8 @@ public:
     /// A new row becomes current; Update adds it to the store and to the result.
     virtual void AddNew() = 0;
 
-    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws when the row is gone; the
-    /// changes stay pending after an error. Without changes it does nothing.
+    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws RowGoneError when the row
+    /// is gone; the changes stay pending after an error. Without changes it does nothing.
     virtual void Update() = 0;
 
     /// Removes the current row from the store, durably. The cursor stays before the next row: MoveNext goes there.

@@ -56,8 +56,9 @@ Run::Run(const Ports& ports, Options options)
       testTcp_({ports.testSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       accounting_(
           {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
+      alarm_({ports.person, status_, log_, ports.serviceManager}),
       cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
-              publisher_, state_, OdbcConnectionText(options_.dir)}),
+              alarm_, publisher_, state_, OdbcConnectionText(options_.dir)}),
       wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); },
              [this] { maintenance_.CompactAndRepair(DatabasePath(options_.dir)); }}),
       stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}),

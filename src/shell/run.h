@@ -22,6 +22,7 @@
 #include "engine/request_progress.h"
 #include "engine/run_command.h"
 #include "engine/stop_start.h"
+#include "engine/store_alarm.h"
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
@@ -226,6 +227,7 @@ private:
     HttpRequester testHttp_;
     TcpChecker testTcp_;
     OutcomeAccounting accounting_;
+    StoreAlarm alarm_;
     MonitorCycle cycle_;
     BeginWait wait_;
     StopStart stopStart_;

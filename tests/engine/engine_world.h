@@ -24,6 +24,7 @@
 #include "support/faulty_store.h"
 #include "support/memory_files.h"
 #include "support/recording_operator.h"
+#include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
 #include "support/test_database.h"
 #include "support/virtual_icmp_echo.h"
@@ -114,6 +115,7 @@ struct EngineWorld {
     IniFile settingsFile{files, "/home/korvane/kvurlwatchn.ini"};
     ServerIds ids{settingsFile, world.clock};
     RecordingActions actions;
+    RecordingServiceManager manager;
     RecordingReports reports;
     RecordingConversation conversation;
     VirtualTcpSocket socket{net};
@@ -128,8 +130,9 @@ struct EngineWorld {
     TcpChecker tcp{{socket, world.events, world.clock, person, status, conversation}};
     PingChecker ping{{echo, world.clock, person, status, log}};
     OutcomeAccounting accounting{{store, world.clock, world.events, person, sound, status, log, settings, ids, actions}};
-    MonitorCycle cycle{{store, world.clock, world.events, person, status, log, settings, http, tcp, ping, accounting, reports,
-                        state, database.DriverString()}};
+    StoreAlarm alarm{{person, status, log, manager}};
+    MonitorCycle cycle{{store, world.clock, world.events, person, status, log, settings, http, tcp, ping, accounting, alarm,
+                        reports, state, database.DriverString()}};
 };
 
 }  // namespace korvane
