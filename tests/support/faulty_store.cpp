@@ -23,6 +23,7 @@ public:
     void Close() override { connection_->Close(); }
     void BeginTrans() override { connection_->BeginTrans(); }
     void CommitTrans() override { connection_->CommitTrans(); }
+    void TryWriting() override { connection_->TryWriting(); }
 
 private:
     std::unique_ptr<Connection> connection_;
