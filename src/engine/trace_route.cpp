@@ -54,7 +54,7 @@ std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int
     // host and no option.
     const std::string line = "rm -f " + output + "; " + kTracer + " -- " + Quoted(HostOf(strAddress)) + " > " + output + " 2>&1";
     try {
-        ports_.files.CreateFolder(folder_);
+        ports_.files.CreatePrivateFolder(folder_);
         ports_.files.Replace(script, "#!/bin/sh\n" + line + "\n");
     } catch (const std::exception& error) {
         const std::string message = "Creation of Tracert Bat file failed. couldn't create " + script;

@@ -39,6 +39,9 @@ public:
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
 
+    /// Throws Error when nothing can be written to the file now. It stays as it is, to the byte.
+    virtual void TryWriting() = 0;
+
 private:
     std::string connectionString_;
 };
@@ -53,7 +56,8 @@ enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime }
 ///
 /// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row
 /// reads that column of some rows ahead. Static: a copy of the rows as they were at Open. Rows of a query of the form "SELECT *
-/// from <one table> ..." can be changed in both.
+/// from <one table> ..." can be changed in both. Rows of one table for which the query names no order come in order of the
+/// primary key.
 ///
 /// A changed field is pending: this Recordset reads the new value, everybody else the old one, until Update. Moving on
 /// with pending changes updates first; Close drops them.

@@ -13,7 +13,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Of the settings file: whether a start with a window, or with entries, has been there before.
+/// Whether a start with a window, or with entries, has been there before: a file of its own, which outlives a settings file that
+/// is lost or damaged, and a key of the settings file, for older programs.
+constexpr const char* kSetupFile = "/kvsetup.dat";
 constexpr std::string_view kSetupSection = "Setup";
 constexpr std::string_view kSetupDone = "Done";
 constexpr std::string_view kYes = "True";
@@ -80,7 +82,7 @@ ServiceMode::Commands Run::CommandsOfService() {
             .appendToTitle =
                 [this](const std::string& more) {
                     moreTitle_ += more;
-                    SetCaptions();
+                    window_.SetTitle(Title());
                 },
             .unload = ports_.exit,
             .showMarks = [this] { window_.SetStartMarks(service_.mnuTrayNTService(), service_.mnuTrayStartup()); }};
@@ -99,8 +101,7 @@ std::string Run::Title() const {
 }
 
 void Run::SetCaptions() {
-    window_.SetCaptions({.title = Title(),
-                         .mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
+    window_.SetCaptions({.mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
                          .mnufilekvsettings = "Open Korvane Settings File (" + settings_.GetSettingsFile() + ")"});
 }
 
@@ -151,13 +152,29 @@ void Run::BeginOperations() {
 }
 
 bool Run::IsFirstRun() {
-    return settingsFile_.Read(kSetupSection, kSetupDone, "") != kYes;
+    return !IsSetUp() && settingsFile_.Problem().empty();
+}
+
+bool Run::IsSetUp() {
+    bool marked = true;  // a mark that cannot be looked at may be there
+    IgnoreErrors([&] { marked = ports_.files.Exists(options_.dir + kSetupFile); });
+    return marked || settingsFile_.Read(kSetupSection, kSetupDone, "") == kYes;
+}
+
+void Run::MarkSetUp() {
+    settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+    try {
+        const std::string file = options_.dir + kSetupFile;
+        if (!ports_.files.Exists(file)) ports_.files.Replace(file, "Done=True\n");
+    } catch (const std::exception& error) {
+        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:MarkSetUp: " + std::string(error.what()));
+    }
 }
 
 // Without a window only a home with entries counts as set up: somebody who comes with a window later is to be asked for them.
 void Run::SetUpForTheFirstTime() {
     window_.SetUpForTheFirstTime();
-    if (window_.HasWindow() || HasEntries()) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+    if (window_.HasWindow() || HasEntries()) MarkSetUp();
 }
 
 bool Run::HasEntries() {
@@ -195,7 +212,7 @@ void Run::mnuExit_Click() {
 }
 
 void Run::SaveOnExit() {
-    if (!noSaveOnExit_) settings_.Save();
+    if (SavesOnExit()) settings_.Save();
 }
 
 void Run::LogWriteError() {

@@ -124,8 +124,10 @@ public:
     /// under way is abandoned, and its row stays as it was and due.
     void mnuExit_Click();
 
-    /// Saves the settings as an exit does: not at all in a service, whose changes last as long as its run.
+    /// Saves the settings as an exit does, if it does.
     void SaveOnExit();
+    /// Not in a service, whose changes last as long as its run: at its end nothing is written to the settings file.
+    bool SavesOnExit() const { return !noSaveOnExit_; }
 
     void cmdStopStart() { stopStart_.cmdStopStart(); }
 
@@ -164,6 +166,8 @@ private:
     void SetCaptions();
     ServiceMode::Commands CommandsOfService();
     bool IsFirstRun();
+    bool IsSetUp();
+    void MarkSetUp();
     bool HasEntries();
     void SetUpForTheFirstTime();
     void BeginOperations();
@@ -180,7 +184,9 @@ private:
     void PrepareEntries();
     void NameMissingColumns();
     void MendBlankTimes();
-    void BringInstallationData();
+    bool Has(const std::string& name);
+    void BringPictures();
+    void NameWriteProblem();
     void Form_Unload();
     void LogWriteError();
 

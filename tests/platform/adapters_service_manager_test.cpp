@@ -369,8 +369,15 @@ TEST(PauseSignalsTest, ReachTheProgramInTheirOrder) {
     {
         const PauseSignals signals(
             events, [&] { came += "pause "; }, [&] { came += "continue "; });
-        for (const int signal : {SIGUSR1, SIGUSR2, SIGUSR1})
-            ::raise(signal);
+        sigset_t both, before;
+        ::sigemptyset(&both);
+        ::sigaddset(&both, SIGUSR1);
+        ::sigaddset(&both, SIGUSR2);
+        ::sigprocmask(SIG_BLOCK, &both, &before);
+        ::raise(SIGUSR1);
+        ::raise(SIGUSR2);
+        ::sigprocmask(SIG_SETMASK, &before, nullptr);  // both come at once
+        ::raise(SIGUSR1);
         EXPECT_EQ(came, "");
         EXPECT_TRUE(WaitFor(events, SystemClock(), 30s, [&] { return came.size() > 20; }));
     }

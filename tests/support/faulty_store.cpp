@@ -26,6 +26,7 @@ public:
         faults_.Pass(StoreOperation::Commit, ConnectionString());
         connection_->CommitTrans();
     }
+    void TryWriting() override { connection_->TryWriting(); }
 
 private:
     std::unique_ptr<Connection> connection_;

@@ -66,7 +66,7 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
 }
 
 void frmMonitor::BeforeExit() {
-    RememberColumns();
+    if (run_->SavesOnExit()) RememberColumns();
     tray_->Remove();
 }
 
@@ -93,8 +93,11 @@ void frmMonitor::SetHeight(int twips) {
     resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height() - frame));
 }
 
+void frmMonitor::SetTitle(const std::string& title) {
+    setWindowTitle(Q(title));
+}
+
 void frmMonitor::SetCaptions(const Captions& captions) {
-    setWindowTitle(Q(captions.title));
     menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
     menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }

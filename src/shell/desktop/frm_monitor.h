@@ -79,6 +79,7 @@ public:
     int Height() const override;
     void SetWidth(int twips) override;
     void SetHeight(int twips) override;
+    void SetTitle(const std::string& title) override;
     void SetCaptions(const Captions& captions) override;
     void Place(bool shown) override;
     void MinimizeToTray() override;
