@@ -21,6 +21,7 @@
 #include "shell/entry_save.h"
 #include "shell/entry_test.h"
 #include "shell/message_title.h"
+#include "shell/open_text.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -157,11 +158,7 @@ void frmURLData::cmdTraceRoute_Click() {
         isThere = desk_.files.Exists(file);
     });
     if (!isThere) return desk_.person.ShowMessage(kMessageTitle, NoTraceMessage(getURLText()));
-    try {
-        desk_.processes.OpenText(file);
-    } catch (const std::exception& error) {
-        SetStatus(file + " could not be opened: " + error.what());
-    }
+    OpenInEditor(desk_.processes, desk_.person, file);
 }
 
 void frmURLData::cmdLastResponse_Click() {
