@@ -37,6 +37,7 @@ TEST_F(TraceWindowsTest, ShowsRequestsAndResponsesAndCopiesThem) {
     viewer.SetParent(&window);
     viewer.Show();
     EXPECT_TRUE(viewer.Visible());
+    EXPECT_EQ(WithoutOwnKey(*viewer.TheForm()), "");
     viewer.setRequest("GET /\r\n\r\n");
     viewer.setResponse("200 OK");
     const QString text = "Request ---> GET /\n\n \n" + kRule + "Response: 200 OK\n" + kRule;

@@ -48,7 +48,8 @@ void frmURLData::ConnectCommands() {
     onClick(server_->cmdReport, [this] { desk_.reports.DisplayReport("0", Read().strGroup); });
     onClick(server_->cmdReset, [this] { cmdReset_Click(); });
     onClick(server_->cmdTextToFind, [this] { cmdTextToFind_Click(); });
-    onClick(cmdCommands_, [this] { cmdCommands_Click(); });
+    onClick(scanText_->cmdCommands, [this] { cmdCommands_Click(); });
+    onClick(scanText_->cmdHelpRules, [this] { desk_.pages.Show(WebPage::RulesHelp); });
 }
 
 void frmURLData::SetBusy(bool busy) {
