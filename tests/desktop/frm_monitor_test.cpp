@@ -12,7 +12,6 @@
 
 #include "base/text.h"
 #include "desktop/desktop_test.h"
-#include "resources/disk_settings.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -380,6 +379,9 @@ TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
         World().RunFor(10s);  // the wait for the start of monitoring stands still meanwhile
         return titles.size() == 1 ? "my.example/page" : titles.size() == 2 ? "me@my.example" : "";
     };
+    Window().findChild<QCheckBox*>("ckDiskMon")->click();
+    Settle();
+    QWidget* const disks = QApplication::activeWindow();
     World().RunFor(1s);
     EXPECT_EQ(titles, (std::vector<std::string>{"Korvane Setup Question 1 of 3", "Korvane Setup Question 2 of 3",
                                                 "Korvane Setup Question 3 of 3", "Korvane Setup Info 1 of 3",
@@ -388,9 +390,7 @@ TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
     EXPECT_EQ(Window().lblCount->text(), "Waiting 120 seconds to start.");
     EXPECT_EQ(TheProgram().serviceManager.asked, std::vector<std::string>{"install Korvane"});
     EXPECT_TRUE(Window().Tray().mnuTray().findChild<QAction*>("mnuTrayNTService")->isChecked());
-    clsDiskMon disks(TheProgram().files, TheProgram().run.TheDesk().dir);
-    disks.OpenFile();
-    EXPECT_EQ(disks.getEmail(), "me@my.example");
+    EXPECT_EQ(disks->findChild<QLineEdit*>("txtEmail")->text(), "me@my.example") << "that was open";
     const std::size_t asked = titles.size();
     TheProgram().run.cmdStopStart();
     TheProgram().run.cmdStopStart();
@@ -413,6 +413,7 @@ TEST_F(MonitorWindowTest, EachCommandOpensItsDialogOnce) {
         action->trigger();
         const auto forms = Window().findChildren<QDialog*>(name);
         ASSERT_EQ(forms.size(), 1);
+        EXPECT_EQ(WithoutOwnKey(*forms.front()), "");
         forms.front()->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         EXPECT_EQ(Window().findChild<QDialog*>(name), nullptr);
