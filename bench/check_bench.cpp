@@ -27,6 +27,7 @@
 #include "store/ini_file.h"
 #include "support/loopback_server.h"
 #include "support/recording_operator.h"
+#include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
 #include "support/test_database.h"
 
@@ -118,12 +119,15 @@ struct Machine {
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
-    HttpRequester http{{settings, events, clock, person, *TimerProgress}};
+    RequestProgress progress{{events, person, cycleState, *TimerProgress}};
+    HttpRequester http{{settings, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
     OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
-    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, reports,
-                        cycleState, database.DriverString()}};
+    RecordingServiceManager manager;
+    StoreAlarm alarm{{person, status, log, manager}};
+    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
+                        reports, cycleState, database.DriverString()}};
     int count = 0;
     int checked = 0;
 };

@@ -17,6 +17,7 @@ korvane_install_program(. COMPONENT portable)
 
 # korvane_unit(<file>): the unit that the program itself installs for others, here for the user of the package.
 function(korvane_unit file)
+  set(WHOSE "the system.")
   set(DESCRIPTION "Korvane network and server monitor")
   set(PROGRAM /usr/lib/korvane/korvanecore)
   set(USER korvane)

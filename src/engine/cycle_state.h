@@ -12,7 +12,6 @@ struct CycleState {
     std::int32_t nReportTicks = 0;    ///< ticks since reports were last published
     std::int32_t nCycleCount = 0;     ///< ticks that reached the database
     double nLastAverage = 0;          ///< average response time in milliseconds of the entry being checked
-    std::int32_t nProgressTicks = 0;  ///< of `TimerProgress` in the request that runs
     std::int16_t nWaitedSeconds = 0;  ///< spent in the wait before monitoring begins
     bool bMonitoring = true;          ///< monitoring is on, or will be after the wait
     bool bReportsOK = false;          ///< whether reports may be published

@@ -118,7 +118,7 @@ struct ServerActions::FailedEntry {
           strEmailList2(TextOf(rs, "strEmailList2")),
           strEmailFrom(TextOf(rs, "strEmailFrom")),
           strCMD(TextOf(rs, "strCMD")),
-          nTries(TextOf(rs, "nTries")),
+          nTries(TriesOf(rs).Text()),
           bNotSendBody(rs.Fields("bNotSendBody").Value().Bool()),
           bSendUpNotify(rs, "bSendUpNotify"),
           ID(rs, "ID") {}

@@ -48,16 +48,8 @@ int HttpRequester::getOpenInetIndex() {
 
 TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
-    const RaisedFlag requesting(requesting_);
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
-    const bool watched = ports_.person.WindowVisible();
-    ports_.TimerProgress.SetEnabled(watched);
-    if (watched) ports_.person.SetWaitCursor(true);
-    LetEarlierRequestSettle(slot);
-    const Attempts attempts = Fetch(slot, TransferOf(request));
-    ports_.TimerProgress.SetEnabled(false);
-    ports_.person.SetWaitCursor(false);
-    ports_.person.SetProgress(0, 100);
+    const Attempts attempts = FetchWatched(slot, TransferOf(request));
 
     TimedCheckResult result;
     result.nResponseMs = attempts.lastTook;
@@ -91,6 +83,12 @@ Inet::Request HttpRequester::TransferOf(const Request& request) const {
 
 void HttpRequester::LetEarlierRequestSettle(const Inet& slot) {
     WaitFor(ports_.events, ports_.clock, kSettleLimit, [&] { return !slot.StillExecuting(); });
+}
+
+HttpRequester::Attempts HttpRequester::FetchWatched(Inet& slot, const Inet::Request& transfer) {
+    const RequestProgress::Request running(ports_.progress);
+    LetEarlierRequestSettle(slot);
+    return Fetch(slot, transfer);
 }
 
 HttpRequester::Attempts HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer) {

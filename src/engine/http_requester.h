@@ -10,11 +10,11 @@
 #include <string>
 
 #include "engine/check_result.h"
+#include "engine/request_progress.h"
+#include "engine/server_table.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/inet.h"
-#include "platform/operator.h"
-#include "platform/timer.h"
 #include "store/settings_collection.h"
 
 namespace korvane {
@@ -27,15 +27,14 @@ public:
         const SettingsCollection& settings;
         Events& events;
         const Clock& clock;
-        Operator& person;
-        Timer& TimerProgress;  ///< runs during a request that the operator can watch
+        RequestProgress& progress;
     };
 
     struct Request {
         std::string strURL;  ///< with its scheme
         std::string strUser = {};
         std::string strPassword = {};
-        std::chrono::seconds nTimeout{15};
+        std::chrono::seconds nTimeout = kNewTimeout;
         std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
     };
 
@@ -54,18 +53,15 @@ public:
     /// Waits through the event pump. `nResponseMs` is the time of the last attempt.
     TimedCheckResult getURLData2(const Request& request);
 
-    /// Whether a getURLData2 is on the stack.
-    bool Requesting() const { return requesting_; }
-
 private:
     struct Attempts;
     Inet::Request TransferOf(const Request& request) const;
     void LetEarlierRequestSettle(const Inet& slot);
+    Attempts FetchWatched(Inet& slot, const Inet::Request& transfer);
     Attempts Fetch(Inet& slot, const Inet::Request& transfer);
 
     Ports ports_;
     std::array<std::unique_ptr<Inet>, kSlots> inets_;
-    bool requesting_ = false;
 };
 
 }  // namespace korvane

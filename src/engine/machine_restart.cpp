@@ -19,7 +19,7 @@ void clsShutdown::Request(PowerAction action, std::string_view routine) {
 
 void MachineRestart::RebootCommand() {
     if (ports_.power.System() == PowerSystem::Unknown)
-        ports_.person.ShowMessage(kTitle, "Can't shutdown because this is an unknown system.");
+        ports_.status.setStatusMSG("Can't shutdown because this is an unknown system.");
     clsShutdown(ports_.power, ports_.log).DoReboot();
 }
 

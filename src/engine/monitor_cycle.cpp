@@ -19,7 +19,6 @@ using std::chrono::seconds;
 constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
 constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
 constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched is looked at every six hours
-constexpr auto kDefaultTimeout = 15s;
 constexpr std::int32_t kMostReportTicks = 1001;
 constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
 constexpr std::int32_t kReportTicksAtMost = 1000;  // then the sleep branch is forced
@@ -36,12 +35,6 @@ bool IsOn(Recordset& rs, std::string_view column) {
 
 std::string TextOf(Recordset& rs, std::string_view column) {
     return rs.Fields(column).Value().Text();
-}
-
-// A row that never got a timeout is checked with that of a new row.
-seconds TimeoutOf(Recordset& rs) {
-    const Value timeout = rs.Fields("nTimeout").Value();
-    return timeout.IsBlank() ? kDefaultTimeout : seconds(timeout.Int16());
 }
 
 }  // namespace
@@ -95,6 +88,7 @@ bool MonitorCycle::CountDownSleep() {
 
 void MonitorCycle::LookAtDatabase(Tick& tick) {
     OpenDueRows(tick);
+    const bool alarmed = ports_.alarm.Raised();
     AfterCheck after = AfterCheck::UpdateRow;
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
@@ -103,7 +97,7 @@ void MonitorCycle::LookAtDatabase(Tick& tick) {
     } else {
         after = HandleRow(tick);
     }
-    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs);
+    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs, alarmed);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
 }
@@ -113,9 +107,9 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
-    const std::string due = query::DueBy(ports_.clock.Now() + kLookAhead);
+    tick.due = query::DueBy(ports_.clock.Now() + kLookAhead);
     tick.rs = ports_.store.NewRecordset();
-    tick.rs->Open(due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+    tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
     ports_.accounting.BeginEntry(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
@@ -202,9 +196,11 @@ MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
     if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
         SkipRow(rs, inDownTime);
     } else if (CheckRow(tick) == AfterCheck::TickIsOver) {
+        ports_.alarm.Note(ports_.accounting.Refusal());
         return AfterCheck::TickIsOver;
     }
-    return UpdateRow(tick) ? AfterCheck::UpdateRow : AfterCheck::TickIsOver;
+    UpdateRow(tick);
+    return AfterCheck::UpdateRow;
 }
 
 bool MonitorCycle::SuspendForDownTime(Recordset& rs) {
@@ -291,17 +287,16 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
     const std::string proxy = ports_.settings.getKvSettingsColVal("ProxyName");
     if (!proxy.empty()) ports_.status.setStatusMSG("Using Proxy Server: " + proxy);
     if (!user.empty()) ports_.status.setStatusMSG("Basic Authentication UserName='" + user + "' Password=[not shown]");
-    ports_.status.setStatusMSG("Timeout [" + TextOf(rs, "nTimeout") + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
+    ports_.status.setStatusMSG("Timeout [" + TimeoutOf(rs).Text() + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
                                address + "'. Please wait...");
     ports_.person.SetProgress(0, 100);
-    state_.nProgressTicks = 0;
     Step("get urldata2");
     if (rs.Fields("strPort").Value().IsEmpty()) rs.Fields("strPort") = "80";
     const TimedCheckResult result = ports_.http.getURLData2({
         .strURL = scheme + "://" + address,
         .strUser = user,
         .strPassword = TextOf(rs, "strPassword"),
-        .nTimeout = TimeoutOf(rs),
+        .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = rs.Fields("strPort").Value().Int16(),
     });
     Step("done getting urldata2");
@@ -326,10 +321,9 @@ TimedCheckResult MonitorCycle::PingOrTalk(Recordset& rs, bool ping) {
 
 CheckResult MonitorCycle::Ping(Recordset& rs) {
     if (rs.Fields("strExpectedText").Value().IsEmpty()) rs.Fields("strExpectedText") = kDefaultPingLimit;
-    const std::int16_t limit = rs.Fields("strExpectedText").Value().Int16();
     const std::string address = TextOf(rs, "strAddress_IP");
     Step("dopingrequest");
-    CheckResult result = ports_.ping.DoPingRequest(address, limit);
+    CheckResult result = ports_.ping.DoPingRequest(address, rs.Fields("strExpectedText").Value().Int16());
     if (!result.response.empty()) {
         ports_.status.setStatusMSG(result.response);
     } else {
@@ -343,7 +337,8 @@ CheckResult MonitorCycle::Ping(Recordset& rs) {
 CheckResult MonitorCycle::Talk(Recordset& rs) {
     Step("DoTCPRequest s=strexpectedtext");
     const std::string expected = TextOf(rs, "strExpectedText");
-    CheckResult result = ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, TimeoutOf(rs), TextOf(rs, "strPort"));
+    CheckResult result =
+        ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, seconds(TimeoutOf(rs).Int16()), TextOf(rs, "strPort"));
     if (!result.strReason.empty()) {
         ports_.status.setStatusMSG("Failure: TCP Error: " + result.strReason);
         ports_.log.Info("DoTCPRequest failure = " + result.strReason);
@@ -393,23 +388,25 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
     return false;
 }
 
-// After a failure the row keeps its pending changes, and to move on in the result would try to write them again: the tick is over
-// then.
-bool MonitorCycle::UpdateRow(Tick& tick) {
+void MonitorCycle::UpdateRow(Tick& tick) {
     Step("Update record");
     try {
         tick.rs->Update();
         ports_.accounting.AddOwedFailureRow(*tick.rs, *tick.conn);
-        return true;
+        ports_.alarm.Note(ports_.accounting.Refusal());
     } catch (const std::exception& error) {
-        ports_.log.Info("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
-        return false;
+        LogError("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
+        ports_.alarm.Note(RefusalOf(error));
+        // The row keeps its pending changes, and the first move of the summary would try to write them again.
+        tick.rs->Close();
+        tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
 }
 
 // Sees only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
-void MonitorCycle::SummariseInTray(Recordset& rs) {
-    const bool wanted = state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
+void MonitorCycle::SummariseInTray(Recordset& rs, bool atOnce) {
+    if (ports_.alarm.Raised()) return;  // it has the tray
+    const bool wanted = atOnce || state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
     if (!wanted || rs.RecordCount() < 1) return;
     bool failing = false;
     bool down = false;
@@ -427,10 +424,14 @@ void MonitorCycle::SummariseInTray(Recordset& rs) {
     }
 }
 
+void MonitorCycle::LogError(const std::string& message) {
+    ports_.log.WriteLog(kLogOrdinary, kLogError, message);
+}
+
 void MonitorCycle::Fail(const Tick& tick, const std::string& description) {
     const std::string where = description + " Last Step " + state_.strLastStep;
     ports_.status.setStatusMSG("Monitor Timer Error: " + where);
-    ports_.log.Info("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
+    LogError("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
 }
 
 }  // namespace korvane

@@ -12,6 +12,7 @@
 #include "engine/http_requester.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
+#include "engine/store_alarm.h"
 #include "engine/tcp_checker.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -38,6 +39,7 @@ public:
         TcpChecker& tcp;
         PingChecker& ping;
         OutcomeAccounting& accounting;
+        StoreAlarm& alarm;
         ReportPublisher& reports;
         CycleState& state;
         std::string connectionString;  ///< of the database
@@ -53,6 +55,7 @@ private:
     struct Tick {
         std::unique_ptr<Connection> conn;
         std::unique_ptr<Recordset> rs;
+        std::string due;  ///< the query of `rs`
         std::string strReason;
     };
     enum class AfterCheck { UpdateRow, TickIsOver };
@@ -77,8 +80,9 @@ private:
     CheckResult Ping(Recordset& rs);
     CheckResult Talk(Recordset& rs);
     bool PassesTextRules(Tick& tick, const std::string& response);
-    bool UpdateRow(Tick& tick);
-    void SummariseInTray(Recordset& rs);
+    void UpdateRow(Tick& tick);
+    void SummariseInTray(Recordset& rs, bool atOnce);
+    void LogError(const std::string& message);
     void Fail(const Tick& tick, const std::string& description);
 
     Ports ports_;

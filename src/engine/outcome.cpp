@@ -7,6 +7,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "engine/store_alarm.h"
 
 namespace korvane {
 namespace {
@@ -75,7 +76,7 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
 }
 
 bool OutcomeAccounting::HasComeBack(Recordset& rs) const {
-    return CounterOf(rs, "nTriesCur") >= rs.Fields("nTries").Value().Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
+    return CounterOf(rs, "nTriesCur") >= TriesOf(rs).Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
 }
 
 void OutcomeAccounting::ActOnRecovery(Recordset& rs) {
@@ -114,57 +115,67 @@ void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nR
 
 void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason) {
     owed_.reset();
+    refusal_.clear();
     try {
         rs.Fields("strLastResponse") = Left(strReason + " " + strResponse, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
-        owed_ = {.ID = "", .strAction = "None.", .strReason = strReason};
         const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
         const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;
         rs.Fields("nPercentUp") = PercentUp(failed, total);
 
         const std::string strAction = EnterFailureState(rs, conn, tries, strReason);
-        owed_->strAction = strAction;
-
         const DateTime now = ports_.clock.Now();
         rs.Fields("datelastfail") = now;
         rs.Fields("datelastcheck") = now;
         rs.Fields("dtNextCheck") = NextCheckAfterFailure(rs, tries);
-        Record(rs, conn, {ports_.ids.NewServerID(), strAction, strReason});
+        Record(rs, conn, {strAction, strReason});
         ports_.events.DoEvents();
     } catch (const std::exception& error) {
         const std::string message = "DoFailure: Error: " + std::string(error.what());
         ports_.status.setStatusMSG(message);
-        ports_.log.WriteLog(kLogOrdinary, kLogError, message);
+        if (refusal_.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
     }
+}
+
+void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNote& note) {
+    try {
+        WriteTogether(rs, conn, note);
+    } catch (const std::exception& error) {
+        refusal_ = RefusalOf(error);
+        throw;
+    }
+    ForgetActions(rs);
 }
 
 // The counters and their row stand or fall together: a program that is killed between the two must not leave one without the
 // other.
-void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNote& note) {
+void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, const FailureNote& note) {
     owed_ = note;
+    bool counted = false;
     conn.BeginTrans();
     try {
         rs.Update();
+        counted = true;
         AddFailureRow(rs, conn, note);
     } catch (const std::exception&) {
-        IgnoreErrors([&] { conn.CommitTrans(); });
+        const bool kept = IgnoreErrors([&] { conn.CommitTrans(); });
+        if (counted && !kept) owed_.reset();
         throw;
     }
     owed_.reset();  // if this fails, neither has happened, and the entry is still due
     conn.CommitTrans();
-    ForgetActions(rs);
 }
 
 void OutcomeAccounting::AddOwedFailureRow(Recordset& rs, Connection& conn) {
     if (!owed_) return;
-    if (owed_->ID.empty()) owed_->ID = ports_.ids.NewServerID();
     AddFailureRow(rs, conn, *owed_);
     owed_.reset();
+    refusal_.clear();
 }
 
 std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries,
                                                  const std::string& strReason) {
-    const std::int64_t nTries = CounterOf(rs, "nTries");
+    const std::int64_t nTries = TriesOf(rs).Int64();
     const std::string strDesc = rs.Fields("strDesc").Value().Text();
     if (tries != nTries || actedOnRecovery_.contains(CounterOf(rs, "ID"))) ForgetActions(rs);  // another outage
     const bool down = tries >= nTries;
@@ -195,7 +206,7 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
     const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
     const seconds interval(CounterOf(rs, "nIntervalSeconds"));
     const DateTime now = ports_.clock.Now();
-    const bool workingTowardsDown = tries <= CounterOf(rs, "nTries");
+    const bool workingTowardsDown = tries <= TriesOf(rs).Int64();
     if (workingTowardsDown && interval > retry) return NextCheck(now, retry);
     return NextCheck(now, tries > kLongOutageTries ? std::min(interval, kLongestInterval) * kLongOutageFactor : interval);
 }
@@ -204,13 +215,13 @@ void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const Fai
     const auto failures = ports_.store.NewRecordset();
     failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
     failures->AddNew();
-    failures->Fields("ID") = note.ID;
+    failures->Fields("ID") = ports_.ids.NewServerID();
     failures->Fields("IDParent") = rs.Fields("ID").Value();
     for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"}) {
         failures->Fields(column) = rs.Fields(column).Value();
     }
     failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
-    failures->Fields("nFailMax") = rs.Fields("nTries").Value();
+    failures->Fields("nFailMax") = TriesOf(rs);
     failures->Fields("strAction") = note.strAction;
     failures->Fields("strReason") = Left(note.strReason, kMostStoredCharacters);
     failures->Fields("dateFail") = ports_.clock.Now();

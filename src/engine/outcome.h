@@ -46,24 +46,28 @@ public:
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
     /// Adds a row to `Failures` too, in one transaction with the entry's row. An error ends it with a status line; what was
-    /// written so far stays pending in `rs`, and if it reaches the store all the same, AddOwedFailureRow is to follow.
+    /// changed so far stays pending in `rs`. When it was the store that refused it, AddOwedFailureRow is to follow the Update
+    /// that succeeds.
     void DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
     /// The `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing when none is
     /// owed. Store errors are the caller's.
     void AddOwedFailureRow(Recordset& rs, Connection& conn);
 
+    /// Why the store refused to record the failure of this entry; empty when it did not, or has taken it since.
+    const std::string& Refusal() const { return refusal_; }
+
     /// Before each entry: the stagger of the next checks is random and reseeded from the clock, and what an earlier entry was
     /// owed is over.
     void BeginEntry(std::uint32_t seed) {
         random_.seed(seed);
         owed_.reset();
+        refusal_.clear();
     }
 
 private:
     /// What a `Failures` row holds beside the copy of the entry.
     struct FailureNote {
-        std::string ID;
         std::string strAction;
         std::string strReason;
     };
@@ -78,11 +82,13 @@ private:
     void SoundAlert(const char* wantedKey, const char* fileKey);
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
     void Record(Recordset& rs, Connection& conn, const FailureNote& note);
+    void WriteTogether(Recordset& rs, Connection& conn, const FailureNote& note);
     void AddFailureRow(Recordset& rs, Connection& conn, const FailureNote& note);
 
     Ports ports_;
     std::minstd_rand random_;
-    std::optional<FailureNote> owed_;  ///< counted by nobody yet, or counted without its row
+    std::optional<FailureNote> owed_;  ///< refused by the store, or counted without its row
+    std::string refusal_;
 
     // What was done for an entry whose row could not be written since: the store does not know of it, and it must not be done
     // again at each check. By `ID`.

@@ -29,6 +29,11 @@ constexpr ServerType kServerTypes[] = {
     {"Other Port", "custom", "", "", ""},
 };
 
+Value ColumnOr(Recordset& rs, std::string_view column, int otherwise) {
+    const Value value = rs.Fields(column).Value();
+    return value.IsEmpty() ? Value(otherwise) : value;
+}
+
 }  // namespace
 
 std::span<const ServerType> ServerTypeTable() {
@@ -41,6 +46,14 @@ CheckKind CheckKindOf(std::string_view strType) {
     if (type == "https") return CheckKind::Https;
     if (type == "ping") return CheckKind::Ping;
     return CheckKind::Tcp;
+}
+
+Value TriesOf(Recordset& rs) {
+    return ColumnOr(rs, "nTries", kNewTries);
+}
+
+Value TimeoutOf(Recordset& rs) {
+    return ColumnOr(rs, "nTimeout", static_cast<int>(kNewTimeout.count()));
 }
 
 namespace query {

@@ -2,11 +2,13 @@
 // `Servers`.
 #pragma once
 
+#include <chrono>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "base/datetime.h"
+#include "platform/connection.h"
 
 namespace korvane {
 
@@ -34,6 +36,14 @@ std::span<const ServerType> ServerTypeTable();
 /// How an entry is checked. Every type that is none of the first three, known or not, is a TCP conversation.
 enum class CheckKind { Http, Https, Ping, Tcp };
 CheckKind CheckKindOf(std::string_view strType);
+
+/// Of a new entry. An old row whose column is blank counts as such an entry.
+inline constexpr int kNewTries = 3;
+inline constexpr std::chrono::seconds kNewTimeout{15};
+
+/// `nTries` and `nTimeout`, in seconds, of the current row.
+Value TriesOf(Recordset& rs);
+Value TimeoutOf(Recordset& rs);
 
 /// The queries that the engine issues, byte for byte.
 namespace query {

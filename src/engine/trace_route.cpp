@@ -37,8 +37,8 @@ void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
     // Whatever becomes of this trace, the one of an earlier outage must not be mailed in its place.
     IgnoreErrors([&] { ports_.files.Remove(GetTracertFile(id)); });
     const std::string script = MakeTraceBatFile(strAddress, id);
-    if (script.empty()) return;
     ports_.status.setStatusMSG("Running and Saving TraceRoute Information '" + script + "'");
+    if (script.empty()) return;
     try {
         ports_.processes.Shell("/bin/sh " + Quoted(script), WindowStyle::Hidden);
     } catch (const std::exception& error) {
@@ -54,7 +54,7 @@ std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int
     // host and no option.
     const std::string line = "rm -f " + output + "; " + kTracer + " -- " + Quoted(HostOf(strAddress)) + " > " + output + " 2>&1";
     try {
-        ports_.files.CreateFolder(folder_);
+        ports_.files.CreatePrivateFolder(folder_);
         ports_.files.Replace(script, "#!/bin/sh\n" + line + "\n");
     } catch (const std::exception& error) {
         const std::string message = "Creation of Tracert Bat file failed. couldn't create " + script;

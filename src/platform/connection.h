@@ -9,9 +9,16 @@
 #include <string>
 #include <string_view>
 
+#include "base/error.h"
 #include "base/value.h"
 
 namespace korvane {
+
+/// The row of an Update has been removed by somebody else since it was read.
+class RowGoneError : public Error {
+public:
+    using Error::Error;
+};
 
 class Connection {
 public:
@@ -32,6 +39,9 @@ public:
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
 
+    /// Throws Error when nothing can be written to the file now. It stays as it is, to the byte.
+    virtual void TryWriting() = 0;
+
 private:
     std::string connectionString_;
 };
@@ -46,7 +56,8 @@ enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime }
 ///
 /// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row
 /// reads that column of some rows ahead. Static: a copy of the rows as they were at Open. Rows of a query of the form "SELECT *
-/// from <one table> ..." can be changed in both.
+/// from <one table> ..." can be changed in both. Rows of one table for which the query names no order come in order of the
+/// primary key.
 ///
 /// A changed field is pending: this Recordset reads the new value, everybody else the old one, until Update. Moving on
 /// with pending changes updates first; Close drops them.
@@ -87,8 +98,8 @@ public:
     /// A new row becomes current; Update adds it to the store and to the result.
     virtual void AddNew() = 0;
 
-    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws when the row is gone; the
-    /// changes stay pending after an error. Without changes it does nothing.
+    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws RowGoneError when the row
+    /// is gone; the changes stay pending after an error. Without changes it does nothing.
     virtual void Update() = 0;
 
     /// Removes the current row from the store, durably. The cursor stays before the next row: MoveNext goes there.

@@ -37,7 +37,8 @@ public:
     /// Writes over bytes inside an existing file without changing its length. Throws Error.
     virtual void Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) = 0;
 
-    /// Adds to the end of the file in one write, creating it with the mode 0640. Throws Error.
+    /// Adds to the end of the file in one write, creating it with the mode 0640. Throws Error, also for a pipe or device in its
+    /// place.
     virtual void Append(const std::string& path, std::string_view text) = 0;
 
     /// Copies in one step, as Replace does; the copy of a database gets the mode 0600 too. Throws Error.
@@ -57,10 +58,15 @@ public:
     /// The names of what is in the folder and is no folder itself, in order. Throws Error.
     virtual std::vector<std::string> FileNames(const std::string& folder) = 0;
 
-    /// With the folders above it; an existing folder is no error. Throws Error.
+    /// With the folders above it; an existing folder is no error. Nobody but its owner can write to a new one (0755 at most).
+    /// Throws Error.
     virtual void CreateFolder(const std::string& path) = 0;
 
-    /// One process holds a folder at a time. Whether this process holds it now, until it ends.
+    /// The same, but nobody but its owner can look into a new one either (0700).
+    virtual void CreatePrivateFolder(const std::string& path) { CreateFolder(path); }
+
+    /// One process holds a folder at a time, by a file in it that nobody but its owner can open. Whether this process holds it
+    /// now, until it ends.
     virtual bool HoldFolder(const std::string& path) = 0;
 };
 

@@ -1,6 +1,7 @@
 // Port: programs of the system, started and left to themselves: commands, and the browser of the person at the desk.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace korvane {
@@ -23,13 +24,13 @@ public:
     virtual std::string DefaultProgram(const std::string& extension) = 0;
     bool HasDefaultProgram(const std::string& extension) { return !DefaultProgram(extension).empty(); }
 
-    /// Opens the page in the browser and returns at once. Throws Error with the reason when no browser could be started; that the
-    /// one that was started shows the page is not known.
-    virtual void OpenPage(const std::string& path) = 0;
+    using NotOpened = std::function<void(const std::string& why)>;
 
-    /// Opens the file in the text editor of the person at this desk and returns at once. Throws Error with the reason when
-    /// there is none.
-    virtual void OpenText(const std::string& path) = 0;
+    /// Open the page in the browser, and the file in the text editor, of the person at this desk, and return at once: whether a
+    /// program was started. `notOpened` is called once when none takes it, from here or, when those that were started give up,
+    /// from the pump. That a program that goes on shows the page is not known.
+    virtual bool OpenPage(const std::string& path, const NotOpened& notOpened) = 0;
+    virtual bool OpenText(const std::string& path, const NotOpened& notOpened) = 0;
 };
 
 }  // namespace korvane

@@ -9,10 +9,11 @@
 
 namespace korvane {
 
-/// Its own words where it refused, and where there is something to know about what it did.
+/// What became of it, with words where it was refused, and where there is something to know about what was done.
 struct ManagerAnswer {
     bool done = false;
     std::string words;
+    bool ofManager = false;  ///< the words are those of the manager; otherwise they are this program's own
 };
 
 /// What a service runs. Paths are absolute and without a slash at their end.

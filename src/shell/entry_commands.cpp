@@ -34,7 +34,7 @@ std::string NoTraceMessage(const std::string& name) {
     return "When a server failure occurs, a traceroute command is run and the output is saved to a file.\r\n\r\n"
            "No traceroute has yet been run for " +
            name +
-           ".\r\n"
+           "."
            "Once a URL failure occurs, you will be able to see the last traceroute that was run.  "
            "This information will also be sent to you when the server comes back up. ";
 }

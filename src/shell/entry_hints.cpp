@@ -52,6 +52,7 @@ constexpr Help kInputs[] = {
     {"txtPassword", "The password that goes with the user name."},
     {"cmdShowPassword", "Shows the password while it is pressed in."},
     {"cmdCommands", "Opens the list of texts that mean failure, each with a command to run."},
+    {"cmdHelpRules", "Opens the help on failure texts in your browser."},
     {"txtCMD", "The program that is started when the server goes down. Leave it blank to start none."},
     {"cmdChooseCMD", "Looks for the program on your disk."},
     {"cmdTestCMD", "Starts the program now."},

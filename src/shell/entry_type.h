@@ -31,7 +31,7 @@ bool IsPingType(std::string_view type);  ///< "PING"
 /// Whether the operator writes the expected text freely, so that it comes back when the type does.
 bool HasFreeExpectedText(std::string_view type);
 
-/// What the window shows and lets change. The request is shown for no type.
+/// What the window shows and lets change. The box of the request is shown for no type.
 struct EntryTypeScreen {
     bool portEnabled = false;
     bool requestEnabled = false;

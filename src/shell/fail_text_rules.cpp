@@ -52,8 +52,8 @@ std::string FailTextRules::Save(const FailTextRows& rows) {
     try {
         const auto conn = OpenConnection();
         const auto server = OpenServer(*conn, CursorType::Keyset);
-        const int count = server->Eof() ? 0 : SaveRows(*conn, rows);
-        server->Fields("nFailScanText") = count;
+        if (server->Eof()) return "";  // the entry is gone: there is nothing to count
+        server->Fields("nFailScanText") = SaveRows(*conn, rows);
         server->Update();
         return "";
     } catch (const std::exception& error) {

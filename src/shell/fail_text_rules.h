@@ -46,7 +46,7 @@ public:
 
     /// Stored rows are used again in their stored order and keep their ids, so a blank row between two filled ones removes a
     /// stored row and those behind it move up. Each row is durable by itself: a failure leaves what was written before it, goes
-    /// to the log, and is returned; blank when all went well.
+    /// to the log, and is returned; blank when all went well, and when the entry is gone, where nothing is written.
     std::string Save(const FailTextRows& rows);
 
 private:

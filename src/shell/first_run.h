@@ -32,7 +32,8 @@ struct FirstRunCommands {
     std::function<void()> WarnIfInStartupGroup;
     std::function<void()> checkTrayStartup;    ///< puts the mark at mnuTrayStartup
     std::function<void()> checkTrayNTService;  ///< puts the mark at mnuTrayNTService
-    /// Writes the address to alert to the files of the disk, memory, CPU and service monitors, in this order. It may be blank.
+    /// Writes the address to alert to the files of the disk, memory, CPU and service monitors, in this order, and has those that
+    /// run read it. It may be blank.
     std::function<void(const std::string& address)> setEmailOfMonitors;
 };
 

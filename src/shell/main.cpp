@@ -1,6 +1,7 @@
 // The one executable. Where there is a display it loads the windows, which are a part of their own beside it, so that a start
 // without one needs no desktop library and no memory for it.
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include <iostream>
 #include <string>
 
+#include "platform/linux/standard_streams.h"
 #include "shell/process/process.h"
 
 namespace korvane {
@@ -49,6 +51,9 @@ int Main(int argc, char** argv) {
 }  // namespace korvane
 
 int main(int argc, char** argv) {
+    korvane::OpenStandardDescriptors();
+    const korvane::UnwaitingStream output(std::cout, STDOUT_FILENO);
+    const korvane::UnwaitingStream errors(std::cerr, STDERR_FILENO);
     try {
         return korvane::Main(argc, argv);
     } catch (const std::exception& error) {

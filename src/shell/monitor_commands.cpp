@@ -7,6 +7,7 @@
 #include "engine/server_table.h"
 #include "platform/wait_cursor.h"
 #include "shell/message_title.h"
+#include "shell/open_text.h"
 #include "shell/run.h"
 #include "store/database_files.h"
 #include "store/schema.h"
@@ -166,11 +167,7 @@ void MonitorCommands::OpenText(const std::string& path) {
         desk_.person.ShowMessage(kMessageTitle, "There is no file " + path + " yet.");
         return;
     }
-    try {
-        desk_.processes.OpenText(path);
-    } catch (const std::exception& error) {
-        desk_.person.ShowError(kMessageTitle, "The file " + path + " could not be opened in a text editor: " + error.what());
-    }
+    OpenInEditor(desk_.processes, desk_.person, path);
 }
 
 void MonitorCommands::mnuFileRepair() {

@@ -10,9 +10,10 @@ namespace korvane {
 
 class MonitorWindow : public SettingsHost {
 public:
-    /// The window's title and the two commands whose captions name files.
+    virtual void SetTitle(const std::string& /*title*/) {}
+
+    /// The two commands whose captions name files.
     struct Captions {
-        std::string title;
         std::string mnuFileGlobal;
         std::string mnufilekvsettings;
     };

@@ -1,5 +1,6 @@
 #include "shell/options_save.h"
 
+#include <cstdint>
 #include <string_view>
 
 #include "base/ignore_errors.h"
@@ -43,8 +44,8 @@ constexpr Text kBeforeReportPath[] = {{"YellowAlertWav", &OptionsFields::YellowA
 
 struct Number {
     Text text;
-    double least;
-    double most;
+    std::int64_t least;
+    std::int64_t most;
     const char* refusal;
 };
 constexpr Number kNumbers[] = {
@@ -77,10 +78,10 @@ void SetReportPath(const Desk& desk, const OptionsFields& fields) {
     desk.collection.setKvSettingsColValue("ReportPath", path);
 }
 
-bool IsBetween(const std::string& typed, double least, double most) {
+bool IsBetween(const std::string& typed, std::int64_t least, std::int64_t most) {
     bool isBetween = false;
     IgnoreErrors([&] {
-        const double number = ParseNumber(typed);
+        const std::int64_t number = ParseWhole(typed);
         isBetween = number >= least && number <= most;
     });
     return isBetween;

@@ -18,7 +18,8 @@ void ReportCommands::DisplayReport(const std::string& idCustomer, const std::str
     IgnoreErrors([&] { exists = ports_.files.Exists(page); });
     std::string strErr;
     if (!exists) ports_.reports.PublishReports(true, strErr);
-    if (!IgnoreErrors([&] { ports_.processes.OpenPage(page); })) ports_.person.ShowMessage("URL Failed", "Web Page not Opened");
+    ports_.processes.OpenPage(
+        page, [&person = ports_.person](const std::string&) { person.ShowMessage("URL Failed", "Web Page not Opened"); });
 }
 
 void ReportCommands::cmdReports_Click() {

@@ -13,7 +13,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Of the settings file: whether a start with a window, or with entries, has been there before.
+/// Whether a start with a window, or with entries, has been there before: a file of its own, which outlives a settings file that
+/// is lost or damaged, and a key of the settings file, for older programs.
+constexpr const char* kSetupFile = "/kvsetup.dat";
 constexpr std::string_view kSetupSection = "Setup";
 constexpr std::string_view kSetupDone = "Done";
 constexpr std::string_view kYes = "True";
@@ -48,18 +50,19 @@ Run::Run(const Ports& ports, Options options)
       reportCommands_({reports_, ports.store, ports.files, ports.person, ports.processes}, options_.dir),
       maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { publisher_.PublishReports(); }}, options_.dir),
       conversation_(ports.conversation == nullptr ? noConversation_ : *ports.conversation),
-      http_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      progress_({ports.events, ports.person, state_, *TimerProgress_}),
+      http_({collection_, ports.events, ports.clock, progress_}),
       tcp_({ports.tcpSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       ping_({ports.echo, ports.clock, ports.person, status_, log_}),
-      testHttp_({collection_, ports.events, ports.clock, ports.person, *TimerProgress_}),
+      testHttp_({collection_, ports.events, ports.clock, progress_}),
       testTcp_({ports.testSocket, ports.events, ports.clock, ports.person, status_, conversation_}),
       accounting_(
           {ports.store, ports.clock, ports.events, ports.person, ports.sound, status_, log_, collection_, ids_, actions_}),
+      alarm_({ports.person, status_, log_, ports.serviceManager}),
       cycle_({ports.store, ports.clock, ports.events, ports.person, status_, log_, collection_, http_, tcp_, ping_, accounting_,
-              publisher_, state_, OdbcConnectionText(options_.dir)}),
+              alarm_, publisher_, state_, OdbcConnectionText(options_.dir)}),
       wait_({ports.clock, ports.person, status_, collection_, Switches(), state_, [this] { BeginOperations(); },
              [this] { maintenance_.CompactAndRepair(DatabasePath(options_.dir)); }}),
-      progress_({ports.events, ports.person, state_, *TimerProgress_}),
       stopStart_({ports.person, status_, Switches(), state_, bFormLoading_}),
       restart_({ports.power, ports.person, status_, log_, state_, [this] { cmdStopStart(); }}),
       pages_({ports.processes, ports.person, settingsFile_}),
@@ -79,7 +82,7 @@ ServiceMode::Commands Run::CommandsOfService() {
             .appendToTitle =
                 [this](const std::string& more) {
                     moreTitle_ += more;
-                    SetCaptions();
+                    window_.SetTitle(Title());
                 },
             .unload = ports_.exit,
             .showMarks = [this] { window_.SetStartMarks(service_.mnuTrayNTService(), service_.mnuTrayStartup()); }};
@@ -98,8 +101,7 @@ std::string Run::Title() const {
 }
 
 void Run::SetCaptions() {
-    window_.SetCaptions({.title = Title(),
-                         .mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
+    window_.SetCaptions({.mnuFileGlobal = "Open Global log file (" + settings_.GetLogFile() + "99.txt)",
                          .mnufilekvsettings = "Open Korvane Settings File (" + settings_.GetSettingsFile() + ")"});
 }
 
@@ -150,13 +152,29 @@ void Run::BeginOperations() {
 }
 
 bool Run::IsFirstRun() {
-    return settingsFile_.Read(kSetupSection, kSetupDone, "") != kYes;
+    return !IsSetUp() && settingsFile_.Problem().empty();
+}
+
+bool Run::IsSetUp() {
+    bool marked = true;  // a mark that cannot be looked at may be there
+    IgnoreErrors([&] { marked = ports_.files.Exists(options_.dir + kSetupFile); });
+    return marked || settingsFile_.Read(kSetupSection, kSetupDone, "") == kYes;
+}
+
+void Run::MarkSetUp() {
+    settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+    try {
+        const std::string file = options_.dir + kSetupFile;
+        if (!ports_.files.Exists(file)) ports_.files.Replace(file, "Done=True\n");
+    } catch (const std::exception& error) {
+        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:MarkSetUp: " + std::string(error.what()));
+    }
 }
 
 // Without a window only a home with entries counts as set up: somebody who comes with a window later is to be asked for them.
 void Run::SetUpForTheFirstTime() {
     window_.SetUpForTheFirstTime();
-    if (window_.HasWindow() || HasEntries()) settingsFile_.Write(kSetupSection, kSetupDone, kYes);
+    if (window_.HasWindow() || HasEntries()) MarkSetUp();
 }
 
 bool Run::HasEntries() {
@@ -171,10 +189,6 @@ bool Run::HasEntries() {
 void Run::WakeUp() {
     state_.nSleepLeft = 0;
     state_.nSleepTotal = 0;
-}
-
-void Run::ResumeProgress() {
-    if (http_.Requesting()) TimerProgress_->SetEnabled(true);
 }
 
 void Run::StopMonitor() {
@@ -198,7 +212,7 @@ void Run::mnuExit_Click() {
 }
 
 void Run::SaveOnExit() {
-    if (!noSaveOnExit_) settings_.Save();
+    if (SavesOnExit()) settings_.Save();
 }
 
 void Run::LogWriteError() {

@@ -22,6 +22,7 @@
 #include "engine/request_progress.h"
 #include "engine/run_command.h"
 #include "engine/stop_start.h"
+#include "engine/store_alarm.h"
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
@@ -123,8 +124,10 @@ public:
     /// under way is abandoned, and its row stays as it was and due.
     void mnuExit_Click();
 
-    /// Saves the settings as an exit does: not at all in a service, whose changes last as long as its run.
+    /// Saves the settings as an exit does, if it does.
     void SaveOnExit();
+    /// Not in a service, whose changes last as long as its run: at its end nothing is written to the settings file.
+    bool SavesOnExit() const { return !noSaveOnExit_; }
 
     void cmdStopStart() { stopStart_.cmdStopStart(); }
 
@@ -143,7 +146,7 @@ public:
     /// The sleep until the next check is over.
     void WakeUp();
     /// The operator looks at the window again in the middle of a request: its estimate goes on.
-    void ResumeProgress();
+    void ResumeProgress() { progress_.Resume(); }
 
     const CycleState& State() const { return state_; }
     const SettingsCollection& GlobalSettings() const { return collection_; }
@@ -163,6 +166,8 @@ private:
     void SetCaptions();
     ServiceMode::Commands CommandsOfService();
     bool IsFirstRun();
+    bool IsSetUp();
+    void MarkSetUp();
     bool HasEntries();
     void SetUpForTheFirstTime();
     void BeginOperations();
@@ -179,7 +184,9 @@ private:
     void PrepareEntries();
     void NameMissingColumns();
     void MendBlankTimes();
-    void BringInstallationData();
+    bool Has(const std::string& name);
+    void BringPictures();
+    void NameWriteProblem();
     void Form_Unload();
     void LogWriteError();
 
@@ -219,15 +226,16 @@ private:
     Maintenance maintenance_;
     NoConversationWindow noConversation_;
     ConversationWindow& conversation_;
+    RequestProgress progress_;
     HttpRequester http_;
     TcpChecker tcp_;
     PingChecker ping_;
     HttpRequester testHttp_;
     TcpChecker testTcp_;
     OutcomeAccounting accounting_;
+    StoreAlarm alarm_;
     MonitorCycle cycle_;
     BeginWait wait_;
-    RequestProgress progress_;
     StopStart stopStart_;
     MachineRestart restart_;
     WebPages pages_;

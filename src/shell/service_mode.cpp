@@ -49,7 +49,8 @@ std::string ServiceMode::Named(const std::string& text) const {
 }
 
 std::string ServiceMode::WithWords(const std::string& text) const {
-    return managerWords_.empty() ? text : text + texts::kManagerSays + ReplaceAll(managerWords_, "\n", "\r\n");
+    if (answer_.words.empty()) return text;
+    return text + texts::kMore + (answer_.ofManager ? texts::kManagerSays : "") + ReplaceAll(answer_.words, "\n", "\r\n");
 }
 
 void ServiceMode::Show(const std::string& text) {
@@ -150,12 +151,10 @@ void ServiceMode::FollowSettings() {
 }
 
 bool ServiceMode::InstallService(const std::string& name, bool install) {
-    const ManagerAnswer answer =
-        install ? ports_.manager.Install(name, WhatRuns()) : ports_.manager.Uninstall(name, program_.home);
-    managerWords_ = answer.words;
-    if (!answer.words.empty()) ports_.status.setStatusMSG(ReplaceAll(answer.words, "\n", "\r\n"));
-    if (answer.done) startAtEnd_ = install ? name : "";
-    return answer.done;
+    answer_ = install ? ports_.manager.Install(name, WhatRuns()) : ports_.manager.Uninstall(name, program_.home);
+    if (!answer_.words.empty()) ports_.status.setStatusMSG(ReplaceAll(answer_.words, "\n", "\r\n"));
+    if (answer_.done) startAtEnd_ = install ? name : "";
+    return answer_.done;
 }
 
 ServiceMode::ShortCut ServiceMode::getShortCutFileName(const std::string& serviceName) const {
@@ -225,7 +224,7 @@ void ServiceMode::InstallFromTray() {
         ports_.person.ShowError(kMessageTitle, WithWords(texts::kInstallFailed));
         return;
     }
-    Show(WithWords(Named(texts::kInstalled) + texts::kImportant));
+    Show(WithWords(Named(texts::kInstalled) + texts::kImportant + texts::kMore + texts::kHandOver));
     SetService(true);
     StartService();
     WarnIfInStartupGroup();
@@ -278,7 +277,8 @@ void ServiceMode::InstallFromDialog() {
         ports_.person.ShowError(kMessageTitle, WithWords(Named(texts::kDialogInstallFailed)));
         return;
     }
-    ports_.person.ShowMessage(texts::kReadThis, WithWords(Named(texts::kDialogInstalled) + texts::kImportant));
+    ports_.person.ShowMessage(texts::kReadThis,
+                              WithWords(Named(texts::kDialogInstalled) + texts::kImportant + texts::kMore + texts::kHandOver));
     SetService(true);
     StartService();
     mnuTrayStartup_ = IsInStartupGroup();

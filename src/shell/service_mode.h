@@ -129,8 +129,8 @@ private:
     Commands commands_;
     Program program_;
     std::unique_ptr<Timer> TimerAlive_;
-    std::string managerWords_;  ///< of the last installation or removal
-    std::string startAtEnd_;    ///< the service that was installed here and waits for the home
+    ManagerAnswer answer_;    ///< to the last installation or removal
+    std::string startAtEnd_;  ///< the service that was installed here and waits for the home
     Wish wish_ = Wish::None;
     bool runningAsService_ = false;
     bool loaded_ = false;

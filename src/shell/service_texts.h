@@ -66,8 +66,12 @@ constexpr const char* kShortcutStays =
     "From there, you should be able to select and delete any shortcut you do not want.";
 constexpr const char* kShortcutFailed = "The shortcut <file> could not be created: <why>";
 
-/// Behind what is said about the service, where there is more to know.
-constexpr const char* kManagerSays = "\r\n\r\nThe service manager says: ";
+/// After what is said about the service, where there is more to know. The second stands before words of the manager alone.
+constexpr const char* kMore = "\r\n\r\n";
+constexpr const char* kManagerSays = "The service manager says: ";
+
+/// After each installation: the running program holds the home that the service needs.
+constexpr const char* kHandOver = "The service starts as soon as you end this Korvane with File, Exit.";
 
 // The settings dialog's two check boxes.
 constexpr const char* kReadThis = "PLEASE READ THIS";
@@ -82,7 +86,7 @@ constexpr const char* kDialogInstallFailed = "The NT Service named <name> failed
 constexpr const char* kDialogRemoveFailed =
     "The NT Service named <name> failed to uninstall (it may have been uninstalled already).";
 constexpr const char* kDialogAsk =
-    "You also have Korvane installed in the windows startup group.  "
+    "You also have Korvane installed in the windows startup group. "
     "When you restart windows, Korvane will run as an NT service but it will also start a new instance of the program when "
     "someone logs into NT. \r\n\r\n"
     "Do you wish to remove the shortcut to Korvane from the startup menu (recommended)?";

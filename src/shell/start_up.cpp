@@ -46,6 +46,7 @@ Run::Started Run::StartUp() {
     ports_.person.SetWaitCursor(true);
     ports_.person.SetProgress(0, 100);
     ports_.events.DoEvents();
+    window_.SetTitle(Title());
     if (!ports_.files.HoldFolder(options_.dir)) {
         TellSecondInstance();
         return Started::SecondInstance;
@@ -54,12 +55,12 @@ Run::Started Run::StartUp() {
     SetCaptions();
     settings_.EnsureUniqueid();
     const bool firstRun = IsFirstRun();
+    if (IsSetUp()) MarkSetUp();
     if (!firstRun) window_.MinimizeToTray();
     ReadSettings();
     if (collection_.IsTrue("bMinimized")) window_.MinimizeToTray();
     window_.Place(firstRun);
     ports_.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + ports_.clock.Now().Text());
-    BringInstallationData();
     if (!HasAllItNeeds()) {
         Form_Unload();
         return Started::CannotGoOn;
@@ -73,10 +74,10 @@ Run::Started Run::StartUp() {
     if (window_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
     log_.Info("frmMonitor:Form_Load: calling Form_Resize");
     window_.Form_Resize();
-    window_.LoadResourceMonitors();
     Timer2_->SetEnabled(true);
     ports_.person.SetWaitCursor(false);
     bFormLoading_ = false;
+    window_.LoadResourceMonitors();
     service_.Loaded();
     return Started::Running;
 }
@@ -101,45 +102,41 @@ void Run::ReadSettings() {
     legacyLog_.setLogTimer();
 }
 
-// What an installation keeps beside the program is brought to a home of its own when it is not there yet. A failure shows at the
-// test of the file itself.
-void Run::BringInstallationData() {
+// What an installation keeps beside the program is brought to a home of its own when it is not there yet. Throws Error when the
+// home does not take it.
+bool Run::Has(const std::string& name) {
+    if (ports_.files.Exists(options_.dir + name)) return true;
+    if (options_.dataDir == options_.dir || !ports_.files.Exists(options_.dataDir + name)) return false;
+    ports_.files.Copy(options_.dataDir + name, options_.dir + name);
+    return true;
+}
+
+void Run::BringPictures() {
     if (options_.dataDir == options_.dir) return;
-    const auto bring = [&](const std::string& name) {
-        const bool wanted = !ports_.files.Exists(options_.dir + name) && ports_.files.Exists(options_.dataDir + name);
-        if (wanted) IgnoreErrors([&] { ports_.files.Copy(options_.dataDir + name, options_.dir + name); });
-    };
-    bring("/" + std::string(kEmptyDatabaseFile));
-    for (const ReportTemplate& page : ReportTemplates())
-        bring("/" + std::string(page.file));
-    IgnoreErrors([&] {
-        const std::vector<std::string> pictures = ports_.files.FileNames(options_.dataDir + kPictures);
-        ports_.files.CreateFolder(options_.dir + kPictures);
-        for (const std::string& picture : pictures)
-            bring(kPictures + ("/" + picture));
-    });
+    const std::vector<std::string> pictures = ports_.files.FileNames(options_.dataDir + kPictures);
+    ports_.files.CreateFolder(options_.dir + kPictures);
+    for (const std::string& picture : pictures)
+        IgnoreErrors([&] { Has(kPictures + ("/" + picture)); });
 }
 
 bool Run::HasDatabase() {
     const std::string database = DatabasePath(options_.dir);
-    const std::string blank = EmptyDatabasePath(options_.dir);
+    const std::string blank = "/" + std::string(kEmptyDatabaseFile);
     if (ports_.files.Exists(database)) {
+        IgnoreErrors([&] { Has(blank); });
         log_.Info("frmMonitor:Form_Load: Database Exists, do not read in ini files for first time init.");
         return true;
     }
-    if (ports_.files.Exists(blank)) {
+    if (Has(blank)) {
         log_.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
         // In the file first: a program killed behind the copy would take the new database for the old one at its next start.
         if (settings_.AllInDB()) settingsFile_.Write(kSettingsSection, "bALLInDB", "False");
-        try {
-            ports_.files.Copy(blank, database);
-        } catch (const std::exception& error) {  // the test of the connection tells that there is no database
-            log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
-        }
         collection_.setKvSettingsColValue("bAllInDB", "False");
+        RemoveJournals(ports_.files, database);
+        ports_.files.Copy(options_.dir + blank, database);
         return true;
     }
-    TellTheEnd(kMessageTitle, "The necessary Template Databasee " + blank + std::string(kReinstall));
+    TellTheEnd(kMessageTitle, "The necessary Template Databasee " + options_.dir + blank + std::string(kReinstall));
     log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the blank database was not there.  can't initialize database.");
     return false;
 }
@@ -147,7 +144,7 @@ bool Run::HasDatabase() {
 bool Run::HasTemplates() {
     for (const ReportTemplate& page : ReportTemplates()) {
         const std::string file = "/" + std::string(page.file);
-        if (ports_.files.Exists(options_.dir + file)) continue;
+        if (Has(file)) continue;
         TellTheEnd(kMessageTitle, "The necessary report template " + options_.dir + file + std::string(kReinstall));
         log_.WriteLog(
             kLogFatal, kLogError,
@@ -173,7 +170,7 @@ bool Run::DatabaseOpens() {
 bool Run::HasAllItNeeds() {
     try {
         return HasDatabase() && HasTemplates() && DatabaseOpens();
-    } catch (const std::exception& error) {  // a folder that cannot even be looked at
+    } catch (const std::exception& error) {  // the disk is full, or a folder cannot even be looked at
         TellTheEnd(kMessageTitle, error.what());
         log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
         return false;
@@ -188,7 +185,17 @@ void Run::NameMissingColumns() {
     }
 }
 
+// Monitoring goes on: whoever looks at the window or the log learns why its results are not kept.
+void Run::NameWriteProblem() {
+    const std::string problem = WriteProblemOf(ports_.store, options_.dir);
+    if (problem.empty()) return;
+    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
+    status_.setStatusMSG(problem);
+}
+
 void Run::PrepareEntries() {
+    IgnoreErrors([&] { BringPictures(); });
+    NameWriteProblem();
     IgnoreErrors([&] { NameMissingColumns(); });
     ImportEntriesOnce({ports_.events, ports_.person, log_, status_, collection_, entries_, settings_});
     IgnoreErrors([&] { MendBlankTimes(); });

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/ignore_errors.h"
 #include "base/text.h"
 #include "shell/message_title.h"
 #include "shell/web_addresses.h"
@@ -53,9 +52,8 @@ bool WebPages::OpenHelpURL() {
 }
 
 bool WebPages::OpenAddress(const std::string& address) {
-    if (IgnoreErrors([&] { ports_.processes.OpenPage(address); })) return true;
-    ports_.person.ShowMessage("URL Failed", "Web Page not Opened");
-    return false;
+    return ports_.processes.OpenPage(
+        address, [&person = ports_.person](const std::string&) { person.ShowMessage("URL Failed", "Web Page not Opened"); });
 }
 
 bool WebPages::TheirBrowser() {

@@ -57,10 +57,6 @@ std::string DatabasePath(const std::string& dir) {
     return dir + "/" + std::string(kDatabaseFile);
 }
 
-std::string EmptyDatabasePath(const std::string& dir) {
-    return dir + "/" + std::string(kEmptyDatabaseFile);
-}
-
 std::string OdbcConnectionText(const std::string& dir) {
     return "DRIVER={SQLite};DBQ=" + Quoted(DatabasePath(dir)) + ";DefaultDir=" + Quoted(dir + "/") + ";UID=admin;PWD=;";
 }
@@ -86,6 +82,20 @@ bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::stri
         errorText = std::to_string(error.Number()) + " Desc: " + error.what();
         return false;
     }
+}
+
+std::string WriteProblemOf(Store& store, const std::string& dir) {
+    try {
+        OpenDatabase(store, dir)->TryWriting();
+        return "";
+    } catch (const Error& error) {
+        return error.what();
+    }
+}
+
+void RemoveJournals(Files& files, const std::string& database) {
+    for (const char* end : {"-journal", "-wal", "-shm"})
+        files.Remove(database + end);
 }
 
 std::vector<std::string> MissingColumns(Store& store, const std::string& dir) {

@@ -25,7 +25,6 @@ struct ReportTemplate {
 std::span<const ReportTemplate> ReportTemplates();
 
 std::string DatabasePath(const std::string& dir);
-std::string EmptyDatabasePath(const std::string& dir);
 
 /// A path that holds ";" or a double quote stands in double quotes, with double quotes inside it doubled.
 std::string OdbcConnectionText(const std::string& dir);
@@ -33,6 +32,13 @@ std::string OleDbConnectionText(const std::string& dir);
 
 /// Whether the database is there and opens; if not, `errorText` says why.
 bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::string& errorText);
+
+/// Why nothing can be written to the database now; blank when it can be. Leaves it as it is, to the byte.
+std::string WriteProblemOf(Store& store, const std::string& dir);
+
+/// Before a database is put in the place of one that is not there: what SQLite left beside that one would be rolled back into
+/// it. Throws Error.
+void RemoveJournals(Files& files, const std::string& database);
 
 /// What the database lacks of DatabaseSchema(): "Servers.nAveSession" for a column, "Failures" for a whole table. Throws Error
 /// when it cannot be opened.

@@ -42,11 +42,6 @@ std::string IniFile::Problem() {
     return problem_;
 }
 
-std::vector<std::string> IniFile::SectionNames() {
-    LookAgain();
-    return document_.SectionNames();
-}
-
 void IniFile::LookAgain() {
     if (path_.empty() || openBatches_ > 0) return;  // a batch looked at its beginning and looks again at its end
     if (!loaded_ || ChangedOnDisk()) Load();
@@ -108,6 +103,7 @@ void IniFile::Commit() {
     }
     try {
         SaveDocument();
+        lastWriteError_.clear();
     } catch (const Error& error) {
         lastWriteError_ = error.what();
         loaded_ = false;  // the document is ahead of the disk

@@ -38,11 +38,8 @@ public:
     /// Why the file can't be used, in words; blank when it can be (a missing file can).
     std::string Problem();
 
-    /// Why the last write that failed did so; blank while none has.
+    /// Why the last write failed; blank when it succeeded.
     const std::string& LastWriteError() const { return lastWriteError_; }
-
-    /// The names of all sections as they are spelled.
-    std::vector<std::string> SectionNames();
 
     /// Collects the writes of its lifetime into one that happens at its end. Reads see them at once. May be nested.
     /// Hold none while events are delivered.

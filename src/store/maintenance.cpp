@@ -27,7 +27,10 @@ void Maintenance::CompactAndRepair(const std::string& file) {
     const std::string copy = dir_ + "/COMPACT" + std::string(kDatabaseFile);
     try {
         ports_.status.setStatusMSG("Compact and repair " + file + " to " + copy);
-        ports_.store.Compact(file, copy, [&] { ports_.files.Rename(copy, file + ".BAK"); });
+        ports_.store.Compact(file, copy, [&, backup = file + ".BAK"] {
+            RemoveJournals(ports_.files, backup);
+            ports_.files.Rename(copy, backup);
+        });
         ports_.status.setStatusMSG("Done compacting and repairing database.");
     } catch (const std::exception& error) {
         Tell("CompactAndRepair", error.what());

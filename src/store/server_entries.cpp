@@ -9,9 +9,7 @@
 namespace korvane {
 
 void ServerEntries::readURLData(int count) {
-    // A hole in the numbering becomes a sample entry, but a damaged count must not make hundreds of them behind the last real
-    // one.
-    const int last = count > kMaxOldEntries ? std::min(HighestEntryNumber(ports_.file), kMaxOldEntries) : count;
+    const int last = std::min(count, kMaxOldEntries);
     const IniFile::Batch batch(ports_.file);
     entries_.clear();
     for (int n = 1; n <= last; ++n) {
@@ -45,13 +43,12 @@ std::vector<int> ServerEntries::ChangedNumbers(int count) const {
 
 void ServerEntries::SaveChangedEntries(int count, bool allInDB) {
     const std::vector<int> numbers = ChangedNumbers(count);
-    const bool withRules = rulesChanged_;
-    // Cleared first: what is marked while events run below belongs to the next Save.
+    storeRefused_ = false;
+    WriteSections(numbers, rulesChanged_);
+    if (!allInDB) WriteTables(numbers, rulesChanged_);
+    if (storeRefused_) return;
     changedIndex_ = kNoServerEntry;
     rulesChanged_ = false;
-    storeRefused_ = false;
-    WriteSections(numbers, withRules);
-    if (!allInDB) WriteTables(numbers, withRules);
 }
 
 void ServerEntries::WriteSections(const std::vector<int>& numbers, bool withRules) {

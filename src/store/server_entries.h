@@ -65,7 +65,7 @@ public:
 
     /// Save's second half: writes the marked entries among the first `count`, to their sections in one step and then, unless
     /// `allInDB`, each to the tables, delivering events between them. An entry that cannot be stored is logged with the reason,
-    /// its section stays, and the next one follows. Clears the marks. Raises nothing.
+    /// its section stays, and the next one follows. Clears the marks unless StoreRefused. Raises nothing.
     void SaveChangedEntries(int count, bool allInDB);
 
     /// Whether the database refused something in the latest SaveChangedEntries that it may take another time: it was locked, or

@@ -1,8 +1,5 @@
 #include "store/server_entry.h"
 
-#include <algorithm>
-#include <charconv>
-
 #include "base/error.h"
 #include "base/text.h"
 #include "base/value.h"
@@ -116,19 +113,6 @@ void WriteScanRules(IniFile& file, int number, const std::array<ScanRule, kScanR
         file.Write(section, "SCAN" + std::to_string(j), rule.strFailText);
         ++j;
     }
-}
-
-int HighestEntryNumber(IniFile& file) {
-    int highest = 0;
-    for (const std::string& name : file.SectionNames()) {
-        if (!EqualsNoCase(name.substr(0, kEntrySection.size()), kEntrySection)) continue;
-        const char* const begin = name.data() + kEntrySection.size();
-        const char* const end = name.data() + name.size();
-        int number = 0;
-        const auto parsed = std::from_chars(begin, end, number);
-        if (parsed.ec == std::errc() && parsed.ptr == end) highest = std::max(highest, number);
-    }
-    return highest;
 }
 
 }  // namespace korvane

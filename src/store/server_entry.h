@@ -75,7 +75,4 @@ void WriteServerEntry(IniFile& file, int number, const ServerEntry& entry);
 std::array<ScanRule, kScanRules> ReadScanRules(IniFile& file, int number);
 void WriteScanRules(IniFile& file, int number, const std::array<ScanRule, kScanRules>& rules);
 
-/// The highest n of the sections "Settings<n>", 0 without any.
-int HighestEntryNumber(IniFile& file);
-
 }  // namespace korvane

@@ -135,11 +135,8 @@ void Settings::RestoreWindowSize() {
     IgnoreErrors([&] { host.SetHeight(CheckedInt32(ParseWhole(height))); });
 }
 
-// A count that is none would leave the old entries behind: the sections themselves tell how many there are.
 void Settings::ReadNumURLs() {
-    int count = -1;
-    IgnoreErrors([&] { count = CheckedInt32(ParseWhole(ports_.file.Read(kSettingsSection, kNumURLs, "0"))); });
-    totalURLs_ = count >= 0 ? count : std::min(HighestEntryNumber(ports_.file), kMaxOldEntries);
+    IgnoreErrors([&] { totalURLs_ = CheckedInt32(ParseWhole(ports_.file.Read(kSettingsSection, kNumURLs, "0"))); });
 }
 
 bool Settings::AllInDB() const {

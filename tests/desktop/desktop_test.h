@@ -4,11 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -17,6 +20,28 @@
 #include "support/test_database.h"
 
 namespace korvane {
+
+/// The buttons of a dialog, on each of its pages, that have no key of their own: none, or one that a label or a button before
+/// them has. Blank: there are none.
+inline std::string WithoutOwnKey(QWidget& dialog) {
+    std::string without;
+    auto* const pages = dialog.findChild<QTabWidget*>("tabPages");
+    for (int page = 0; page < (pages == nullptr ? 1 : pages->count()); ++page) {
+        if (pages != nullptr) pages->setCurrentIndex(page);
+        std::set<QString> taken{""};
+        const auto take = [&](const QWidget& control, const QKeySequence& key) {
+            const bool isSeen = control.window() == &dialog && control.isVisibleTo(&dialog);
+            if (isSeen && !taken.insert(key.toString()).second) without += control.objectName().toStdString() + " ";
+        };
+        for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+            const QKeySequence key = QKeySequence::mnemonic(label->text());
+            if (label->buddy() != nullptr && !key.isEmpty()) take(*label, key);
+        }
+        for (const QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+            take(*button, button->shortcut());
+    }
+    return without;
+}
 
 /// The program has started with an empty database; monitoring has not begun yet (virtual time stands still until a test or a wait
 /// lets it go on). What the windows ask and say goes to `Person()`, with the answers laid down there.

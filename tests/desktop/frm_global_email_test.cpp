@@ -42,6 +42,7 @@ TEST_F(FrmGlobalEmail, WalksAndUpdatesOneServer) {
     const std::int64_t first = AddServer("mail", "a@x");
     const std::int64_t second = AddServer("web", "b@x");
     Open();
+    EXPECT_EQ(WithoutOwnKey(*TheDialog()), "");
     EXPECT_EQ(Shown(), "mail a@x Server: 1 of 2");
     for (const auto& [move, shown] : {std::pair{"cmdNext", "web b@x Server: 2 of 2"},
                                       {"cmdPrevious", "mail a@x Server: 1 of 2"},

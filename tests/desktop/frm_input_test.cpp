@@ -24,6 +24,7 @@ TEST(FrmInput, AnswersOnce) {
             "Title", "One\r\nTwo?", [&](const std::string& text) { answers.push_back(text); }, &window);
         form->open();
         EXPECT_EQ(form->findChild<QLabel*>("lblPrompt")->text(), "One\nTwo?");
+        EXPECT_EQ(WithoutOwnKey(*form), "");
         QTest::keyClicks(form->findChild<QLineEdit*>("txtInput"), "me@example.com");
         close(*form);
         EXPECT_EQ(answers, std::vector<std::string>{expected}) << name;

@@ -2,17 +2,19 @@
 // in boxes.
 #include "shell/desktop/frm_monitor.h"
 
-#include <QAbstractButton>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QToolTip>
 #include <map>
 
 #include "base/text.h"
 #include "desktop/desktop_test.h"
-#include "resources/disk_settings.h"
 #include "shell/desktop/qt_text.h"
 
 namespace korvane {
@@ -92,14 +94,6 @@ TEST_F(MonitorWindowTest, ShowsAllEntriesFromTheFirstStartOn) {
     World().RunFor(2s);
     EXPECT_EQ(Window().lblTime->text(), "3:00:02 PM");
     EXPECT_TRUE(Holds(Status(), "3:00:01 PM - Waiting 2 minutes before monitoring begins."));
-    EXPECT_TRUE(Window().cmdStopWaiting->isVisible());
-}
-
-TEST_F(MonitorWindowTest, AnEmptyTableIsAnEmptyList) {
-    Start();
-    Window().RefreshURLList();
-    EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);
-    EXPECT_EQ(Window().lblServers->text(), "0");
 }
 
 TEST_F(MonitorWindowTest, ARefreshKeepsTheSelectionAndTheOrder) {
@@ -155,7 +149,7 @@ TEST_F(MonitorWindowTest, StopAndStartLeaveTheSameCaptionsFromEverywhere) {
             const QAction& action = *tray.findChild<QAction*>(name);
             return S(action.text()) + (action.isChecked() ? "*" : "");
         };
-        return S(Window().cmdStopStart->text()) + "|" + mark("mnuTrayOn") + "|" + mark("mnuTrayOff");
+        return S(Window().cmdStopStart->accessibleName()) + "|" + mark("mnuTrayOn") + "|" + mark("mnuTrayOff");
     };
     const std::string running = "Stop|&Monitoring ON*|&Pause Monitoring";
     const std::string stopped = "Start|Resume &Monitoring|Monitoring &Paused*";
@@ -209,7 +203,7 @@ TEST_F(MonitorWindowTest, DeletesBehindAQuestionAndSelectsTheRowAfterIt) {
     Press(Qt::Key_Delete);
     Answer("cmdNo");
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 3);
-    EXPECT_EQ(Window().cmdStopStart->text(), "Start");
+    EXPECT_EQ(Window().cmdStopStart->accessibleName(), "Start");
     Press(Qt::Key_Delete);
     Answer("cmdYes");
     EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"one", "three"}));
@@ -221,16 +215,18 @@ TEST_F(MonitorWindowTest, DeletesBehindAQuestionAndSelectsTheRowAfterIt) {
 }
 
 TEST_F(MonitorWindowTest, CopiesTheSelectedRowAndSelectsTheCopy) {
-    database_.Add({.strDesc = "one"});
+    const auto id = database_.Add({.strDesc = "one"});
     Start();
     Window().RefreshURLList();
-    for (const auto& [key, modifiers] : {std::pair{Qt::Key_C, Qt::ControlModifier},
-                                         {Qt::Key_V, Qt::ControlModifier},
-                                         {Qt::Key_Insert, Qt::ControlModifier},
-                                         {Qt::Key_Insert, Qt::ShiftModifier}})
+    Press(Qt::Key_C, Qt::ControlModifier);
+    const std::string text = S(QApplication::clipboard()->text());
+    EXPECT_TRUE(text.starts_with("01 \t" + std::to_string(id) + "\t") && Holds(text, "\tone\t")) << text;
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Cells(column::ServerID).size(), 1u);
+    for (const auto& [key, modifiers] :
+         {std::pair{Qt::Key_D, Qt::ControlModifier}, {Qt::Key_Insert, Qt::ControlModifier}, {Qt::Key_Insert, Qt::ShiftModifier}})
         Press(key, modifiers);
-    const std::vector<std::string> ids = Cells(column::ServerID);
-    EXPECT_EQ(ids.size(), 5u);
+    EXPECT_EQ(Cells(column::ServerID).size(), 4u);
     EXPECT_EQ(S(Window().ListView1->currentIndex().siblingAtColumn(column::ServerID).data().toString()),
               std::to_string(database_.Rows("Servers").back().at("id").Int64()));
 }
@@ -305,25 +301,29 @@ TEST_F(MonitorWindowTest, TheCloseBoxHidesAndMonitoringGoesOn) {
     EXPECT_EQ(TheProgram().run.TheDesk().collection.getKvSettingsColVal("bMinimized"), "True");
 }
 
-TEST_F(MonitorWindowTest, LaterStartsBeginOutOfSight) {
-    database_.Add({.strDesc = "one"});
+TEST_F(MonitorWindowTest, LaterStartsFindTheWindowAsItWas) {
+    for (const char* name : {"two", "one"})
+        database_.Add({.strDesc = name});
     Start();
     Window().SetWidth(15 * 700);
     Window().SetHeight(15 * 500);
     Window().ListView1->setColumnWidth(column::Group, 123);
-    World().RunFor(2s);
+    Window().ListView1->sortByColumn(column::ShortName, Qt::DescendingOrder);
     Window().BeforeExit();
     program_->run.mnuExit_Click();
     window_.reset();
     program_.reset();
     Start();
-    EXPECT_FALSE(Window().WindowVisible());
+    EXPECT_TRUE(Window().WindowVisible()) << "no notification area here: it would be nowhere";
     EXPECT_EQ(Window().ListView1->columnWidth(column::Group), 123);
     EXPECT_EQ(Window().Width(), 15 * 700);
     EXPECT_EQ(Window().Height(), 15 * 500);
+    Window().MinimizeToTray();
+    Settle();
+    Window().RefreshURLList();
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);  // nobody looks, nothing is read
     Window().mnuTraySettings_Click();
-    EXPECT_EQ(Window().ListView1->model()->rowCount(), 1);
+    EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"two", "one"}));
 }
 
 // Somebody opens a message or a question and goes home: the check that waits below it must not wait for them.
@@ -351,27 +351,72 @@ TEST_F(MonitorWindowTest, MonitoringGoesOnBehindMessagesAndQuestions) {
     EXPECT_EQ(boxes_, (std::vector<std::string>{"Korvane: one", "Korvane: two", "Korvane: three?"}));
 }
 
-TEST_F(MonitorWindowTest, TextsOfServersAreNoTags) {
-    const auto id = database_.Add({});
+TEST_F(MonitorWindowTest, CellsShowTextsAsTheyAreAndTipsThoseThatAreCut) {
+    const auto id = database_.Add({.strGroup = "a group"});
     database_.Change("Servers", id, {{"strLastResponse", "<img src='/etc/x'>\r\n  two"}});
     Start();
     Window().RefreshURLList();
     const QModelIndex cell = Window().ListView1->model()->index(0, column::LastResponse);
+    EXPECT_EQ(cell.data(), "<img src='/etc/x'>   two");
     EXPECT_EQ(cell.data(Qt::ToolTipRole).toString(), "<p style='white-space:pre-wrap'>&lt;img src='/etc/x'&gt;\n  two</p>");
-}
-
-TEST_F(MonitorWindowTest, SenselessSizesStayOnTheScreen) {
-    Start();
-    for (const int twips : {-5, 0, 99999999}) {
-        Window().SetWidth(twips);
-        Window().SetHeight(twips);
-        EXPECT_LE(Window().frameGeometry().right(), Window().screen()->availableGeometry().right()) << twips;
-        EXPECT_LE(Window().frameGeometry().bottom(), Window().screen()->availableGeometry().bottom()) << twips;
-        EXPECT_GE(Window().width(), 221);
+    for (const bool cut : {false, true}) {
+        QTreeView& list = *Window().ListView1;
+        list.setColumnWidth(column::Group, cut ? 30 : 300);
+        const QPoint at = list.visualRect(cell.siblingAtColumn(column::Group)).center();
+        QHelpEvent pointed(QEvent::ToolTip, at, list.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list.viewport(), &pointed);
+        EXPECT_EQ(Holds(S(QToolTip::text()), "a group"), cut);
     }
 }
 
-// Each control can be told by a screen reader, and no two keys of a menu are the same.
+// The room at a width of 1280 pixels, with a frame.
+TEST_F(MonitorWindowTest, ColumnsAreAsWideAsTheirContentAndButtonsKeepTheirPlace) {
+    for (int i = 0; i < 100; ++i)
+        database_.Add(
+            {.id = 112126150405 + i, .strDesc = "a name that is rather long", .strAddress_IP = "www.example.com/long/path"});
+    Start();
+    Window().resize(1240, 640);
+    Window().RefreshURLList();
+    QAbstractItemView& list = *Window().ListView1;
+    Settle();
+    EXPECT_EQ(list.horizontalScrollBar()->maximum(), 0);
+    for (const int fits : {column::Number, column::ServerID})
+        EXPECT_EQ(Window().ListView1->columnWidth(fits), list.sizeHintForColumn(fits));
+    EXPECT_GT(Window().ListView1->columnWidth(column::LastResponse), Window().ListView1->columnWidth(column::ServerID));
+    const QWidget& add = *Window().findChild<QWidget*>("cmdAddURL");
+    World().RunFor(2s);
+    ASSERT_TRUE(Window().cmdStopWaiting->isVisible());
+    const QPoint place = add.pos();
+    Press(Qt::Key_F5);
+    World().RunFor(2s);
+    EXPECT_FALSE(Window().cmdStopWaiting->isVisible());
+    EXPECT_EQ(add.pos(), place);
+}
+
+TEST_F(MonitorWindowTest, TheKeyboardComesBackToTheListFromAResourceWindow) {
+    Start();
+    Press(Qt::Key_1, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow()->objectName() == "frmCPUMonitor"; }));
+    QTest::keyClick(QApplication::activeWindow(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Window().ListView1->hasFocus(); }));
+}
+
+TEST_F(MonitorWindowTest, SizesComeBackAsTheyWereAndStayOnTheScreen) {
+    Start();
+    const std::pair<int, int> saved[] = {{-5, 3310}, {3310, 3310}, {15 * 500 + 7, 15 * 500 + 7}, {99999999, 99999999}};
+    for (const auto& [twips, kept] : saved) {
+        Window().SetWidth(twips);
+        Window().SetHeight(twips);
+        Settle();
+        EXPECT_EQ(Window().Width(), kept);
+        EXPECT_EQ(Window().Height(), std::max(kept, 5030));
+        EXPECT_LE(Window().frameGeometry().right(), Window().screen()->availableGeometry().right()) << twips;
+        EXPECT_LE(Window().frameGeometry().bottom(), Window().screen()->availableGeometry().bottom()) << twips;
+    }
+    Window().resize(400, 400);
+    EXPECT_EQ(Window().Width() + Window().Height(), 15 * 800);
+}
+
 TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
     std::vector<std::string> titles;
     StartForTheFirstTime();
@@ -380,6 +425,9 @@ TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
         World().RunFor(10s);  // the wait for the start of monitoring stands still meanwhile
         return titles.size() == 1 ? "my.example/page" : titles.size() == 2 ? "me@my.example" : "";
     };
+    Window().findChild<QCheckBox*>("ckDiskMon")->click();
+    Settle();
+    QWidget* const disks = QApplication::activeWindow();
     World().RunFor(1s);
     EXPECT_EQ(titles, (std::vector<std::string>{"Korvane Setup Question 1 of 3", "Korvane Setup Question 2 of 3",
                                                 "Korvane Setup Question 3 of 3", "Korvane Setup Info 1 of 3",
@@ -388,9 +436,7 @@ TEST_F(MonitorWindowTest, TheFirstStartAsksOnceAndMonitorsTheAnswer) {
     EXPECT_EQ(Window().lblCount->text(), "Waiting 120 seconds to start.");
     EXPECT_EQ(TheProgram().serviceManager.asked, std::vector<std::string>{"install Korvane"});
     EXPECT_TRUE(Window().Tray().mnuTray().findChild<QAction*>("mnuTrayNTService")->isChecked());
-    clsDiskMon disks(TheProgram().files, TheProgram().run.TheDesk().dir);
-    disks.OpenFile();
-    EXPECT_EQ(disks.getEmail(), "me@my.example");
+    EXPECT_EQ(disks->findChild<QLineEdit*>("txtEmail")->text(), "me@my.example") << "that was open";
     const std::size_t asked = titles.size();
     TheProgram().run.cmdStopStart();
     TheProgram().run.cmdStopStart();
@@ -413,6 +459,7 @@ TEST_F(MonitorWindowTest, EachCommandOpensItsDialogOnce) {
         action->trigger();
         const auto forms = Window().findChildren<QDialog*>(name);
         ASSERT_EQ(forms.size(), 1);
+        EXPECT_EQ(WithoutOwnKey(*forms.front()), "");
         forms.front()->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         EXPECT_EQ(Window().findChild<QDialog*>(name), nullptr);
@@ -461,18 +508,17 @@ TEST_F(MonitorWindowTest, EveryControlHasANameAndEveryKeyOneMeaning) {
             continue;
         EXPECT_FALSE(control->accessibleName().isEmpty()) << S(control->objectName()) << control->metaObject()->className();
     }
-    // Alt and a letter: the menus of the bar and what stands in the window.
+    // Alt and a letter: the menus of the bar and the buttons.
     std::map<std::string, std::string> windowKeys;
     const auto take = [&](const QString& text) {
-        const auto at = text.indexOf('&');
-        if (at < 0) return;
-        const std::string key = S(text.mid(at + 1, 1).toLower());
-        EXPECT_TRUE(windowKeys.emplace(key, S(text)).second) << S(text) << " and " << windowKeys[key];
+        const std::string key = S(text.mid(text.indexOf('&') + 1, 1).toLower());
+        EXPECT_TRUE(text.contains('&') && windowKeys.emplace(key, S(text)).second) << S(text) << " and " << windowKeys[key];
     };
     for (const QAction* menu : Window().menuBar()->actions())
         take(menu->text());
-    for (const QAbstractButton* button : Window().findChildren<QAbstractButton*>())
+    for (const QPushButton* button : Window().findChildren<QPushButton*>())
         take(button->text());
+    EXPECT_EQ(windowKeys["s"], "&Settings");
     for (const QMenu* menu : Window().menuBar()->findChildren<QMenu*>()) {
         std::map<std::string, std::string> keys;
         for (const QAction* action : menu->actions()) {

@@ -57,6 +57,7 @@ TEST_F(FrmMsgTest, YesAndNo) {
 TEST_F(FrmMsgTest, ShowsItsLinesAndCopiesAll) {
     frmMSG form(Kind::StopSign, "Error", "One\r\nTwo", Answers::Ok, nullptr, "", "See the log");
     form.show();
+    EXPECT_EQ(WithoutOwnKey(form), "");
     EXPECT_EQ(form.findChild<QPlainTextEdit*>("lblMSG")->toPlainText(), "One\nTwo");
     EXPECT_FALSE(form.findChild<QLabel*>("lblLine1")->isVisible());
     EXPECT_TRUE(form.findChild<QLabel*>("lblLine2")->isVisible());

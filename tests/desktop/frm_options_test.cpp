@@ -2,6 +2,7 @@
 // also when they see it closed.
 #include "shell/desktop/frm_options.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -52,7 +53,17 @@ protected:
     }
     std::string Page() { return S(Get<QTabWidget>("tabPages").tabText(Get<QTabWidget>("tabPages").currentIndex())); }
     std::string Status() { return S(Get<QPlainTextEdit>("txtStatus").toPlainText()); }
-    void Mark(const char* name) { QTest::keyClick(&Get<QAbstractButton>(name), Qt::Key_Space); }
+    void Mark(const char* name) {
+        QTest::keyClick(&Get<QAbstractButton>(name), Qt::Key_Space);
+        QCoreApplication::processEvents();
+    }
+    /// As screen readers do.
+    void Toggle(const char* name) {
+        QAccessible::queryAccessibleInterface(&Get<QAbstractButton>(name))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::toggleAction());
+        QCoreApplication::processEvents();
+    }
     void Type(const char* name, const char* text) {
         Box(name).selectAll();
         QTest::keyClick(&Box(name), Qt::Key_Delete);
@@ -234,7 +245,7 @@ TEST_F(FrmOptions, MarksOfServiceAndStartupShowWhatIs) {
         Mark("chkStartup");
         EXPECT_EQ(Get<QCheckBox>("chkStartup").isChecked(), takes);
     }
-    Mark("chkService");  // which ends the entry in the group
+    Toggle("chkService");  // which ends the entry in the group
     EXPECT_TRUE(Get<QCheckBox>("chkService").isChecked());
     EXPECT_FALSE(Get<QCheckBox>("chkStartup").isChecked());
     takesMarks = false;
@@ -332,6 +343,7 @@ TEST_F(FrmOptions, MayGoWhileACommandOfItsRuns) {
         ShowPage(page);
         const auto before = calls.size();
         Get<QAbstractButton>(command).click();
+        QCoreApplication::processEvents();
         EXPECT_EQ(calls.size(), before + 1);
         EXPECT_TRUE(IsGone());
     }

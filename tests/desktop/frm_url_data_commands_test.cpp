@@ -175,13 +175,16 @@ TEST_F(FrmURLDataCommands, TheTraceOpensOnceThereIsOne) {
         LastMessage(),
         "When a server failure occurs, a traceroute command is run and the output is saved to a file.\r\n\r\nNo traceroute has "
         "yet "
-        "been run for 10.0.0.1.\r\nOnce a URL failure occurs, you will be able to see the last traceroute that was run.  This "
+        "been run for 10.0.0.1.Once a URL failure occurs, you will be able to see the last traceroute that was run.  This "
         "information will also be sent to you when the server comes back up. ");
     const std::string file = TheDesk().trace.GetTracertFile(id);
     TheDesk().files.CreateFolder(Database().Folder() + "/kvlogs");
     TheDesk().files.Replace(file, "1 gateway");
     Click("cmdTraceRoute");
     EXPECT_EQ(TheProgram().processes.openedTexts, std::vector<std::string>{file});
+    TheProgram().processes.hasEditor = false;
+    Click("cmdTraceRoute");
+    EXPECT_TRUE(Holds(LastMessage(), file + " could not be opened in a text editor: ")) << LastMessage();
 }
 
 TEST_F(FrmURLDataCommands, AResetIsAskedForFirst) {
@@ -208,12 +211,16 @@ TEST_F(FrmURLDataCommands, TheSmallDialogsWorkOnThisEntry) {
     auto& textToFind = Get<QDialog>("frmTextToFind");
     auto& txtExpected = *textToFind.findChild<QLineEdit*>("txtExpected");
     EXPECT_EQ(txtExpected.text(), "Welcome");
+    EXPECT_EQ(WithoutOwnKey(textToFind), "");
     txtExpected.setText("Hello");
     QTest::keyClick(&txtExpected, Qt::Key_Return);
     EXPECT_EQ(Box("txtExpectedText").text(), "Hello");
     Get<QTabWidget>("tabPages").setCurrentIndex(4);
+    Click("cmdHelpRules");
+    EXPECT_EQ(TheProgram().processes.opened, std::vector<std::string>{"https://www.example.com/help.asp?q_id=62"});
     Click("cmdCommands");
     EXPECT_TRUE(Get<QDialog>("frmCommands").isVisible());
+    EXPECT_EQ(WithoutOwnKey(Get<QDialog>("frmCommands")), "");
 }
 
 }  // namespace

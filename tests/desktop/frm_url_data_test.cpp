@@ -72,8 +72,11 @@ TEST_F(FrmURLData, ATypeBringsItsTextsAndItsScreen) {
     EXPECT_EQ(Box("txtExpectedText").text(), "220,QUIT,221");
     EXPECT_FALSE(Box("txtPort").isEnabled());
     EXPECT_FALSE(tabs.isTabEnabled(3) || tabs.isTabEnabled(4));
-    QTest::mouseClick(&Get<QLabel>("lblPort"), Qt::LeftButton);
-    ASSERT_EQ(Person().messages.size(), 1U);
+    Box("txtExpectedText").setEnabled(false);
+    for (const char* label : {"lblPort", "lblRequest", "lblExpected"})
+        QTest::mouseClick(&Get<QLabel>(label), Qt::LeftButton);
+    ASSERT_EQ(Person().messages.size(), 3U);
+    EXPECT_TRUE(Get<QLabel>("lblRequest").isVisible() && Box("txtRequestText").isHidden());
     Pick("PING");
     EXPECT_EQ(Box("txtPort").text(), "ICMP");
     EXPECT_EQ(Get<QLabel>("lblExpected").text(), "PING tim&eout in milliseconds:");
@@ -86,7 +89,7 @@ TEST_F(FrmURLData, ATypeBringsItsTextsAndItsScreen) {
     EXPECT_TRUE(tabs.isTabEnabled(3) && tabs.isTabEnabled(4));
     EXPECT_FALSE(Box("txtTimeout").isHidden());
     QTest::mouseClick(&Get<QLabel>("lblPort"), Qt::LeftButton);
-    EXPECT_EQ(Person().messages.size(), 1U) << "a box that can be changed needs no explanation";
+    EXPECT_EQ(Person().messages.size(), 3U) << "a box that can be changed needs no explanation";
 }
 
 TEST_F(FrmURLData, ARefusedFieldIsMarkedUntilItIsChanged) {
@@ -153,6 +156,7 @@ TEST_F(FrmURLData, HelpFollowsTheFocusAndEveryInputHasAName) {
         if (name == "cmdOk" || name == "cmdCancel" || name.startsWith("Scroll")) continue;
         EXPECT_FALSE(HelpOnInput(name.toStdString()).empty()) << name.toStdString();
     }
+    EXPECT_EQ(WithoutOwnKey(Editor()), "");
     auto& tabs = Get<QTabWidget>("tabPages");
     for (int page = 1; page < tabs.count(); ++page) {
         tabs.setCurrentIndex(page);

@@ -68,7 +68,7 @@ TEST_F(FrmWizardTest, APageSaysWhatItIsAbout) {
         EXPECT_EQ(form.findChild<QPlainTextEdit*>("lblPrompt")->toPlainText(), "One\nTwo");
         EXPECT_EQ(form.findChild<QLineEdit*>()->accessibleDescription(), "One\nTwo");
         EXPECT_EQ(form.findChild<QPushButton*>("cmdButton1"), nullptr);
-        EXPECT_EQ(form.findChild<QPushButton*>("cmdButton2")->text(), "Next >>");
+        EXPECT_EQ(form.findChild<QPushButton*>("cmdButton2")->text(), "&Next >>");
         Press(Qt::Key_Return);
     });
     Ask(kInfo, [](frmWizard& form) {
@@ -107,32 +107,6 @@ TEST_F(FrmWizardTest, AllPagesAreAsLargeWhateverTheyHold) {
 
 TEST_F(FrmWizardTest, TheWindowUnderItMayGo) {
     EXPECT_EQ(Ask(kQuestion, [this](frmWizard&) { window_.reset(); }), "");
-}
-
-TEST_F(FrmWizardTest, ThreeQuestionsFromTheKeyboard) {
-    std::vector<std::string> titles;
-    const auto ask = [&](const WizardPage& page) {
-        titles.push_back(page.title);
-        return Ask(page, [&](frmWizard&) {
-            if (titles.size() == 1) Type("HTTP://www.shop.de");
-            if (titles.size() == 2) Type("me@shop.de");
-            Press(Qt::Key_Return);
-        });
-    };
-    std::string alerted;
-    SetUpFirstRun(TheDesk(), {.ask = ask,
-                              .IsWindows95 = [] { return false; },
-                              .IsWindowsNT = [] { return false; },
-                              .AddOrRemoveGroupShortCut = [](bool) {},
-                              .InstallService = [](const std::string&) { return false; },
-                              .WarnIfInStartupGroup = [] {},
-                              .checkTrayStartup = [] {},
-                              .checkTrayNTService = [] {},
-                              .setEmailOfMonitors = [&](const std::string& address) { alerted = address; }});
-    EXPECT_EQ(titles.size(), 5u);
-    EXPECT_EQ(Database().Rows("Servers").at(0).at("strAddress_IP"), Value("www.shop.de"));
-    EXPECT_EQ(TheDesk().collection.getKvSettingsColVal("Server"), "mail.shop.de");
-    EXPECT_EQ(alerted, "me@shop.de");
 }
 
 }  // namespace

@@ -48,7 +48,8 @@ TEST_F(ResourceWindowsTest, ClosingHidesAllButThatOfTheMemoryWhichGoes) {
     for (const ResourceMonitor monitor : kResourceMonitors) {
         ASSERT_NE(windows_.Form(monitor), nullptr);
         EXPECT_FALSE(windows_.Form(monitor)->isVisible());
-        Open(monitor).close();
+        EXPECT_EQ(WithoutOwnKey(Open(monitor)), "");
+        windows_.Form(monitor)->close();
         Settle();
         EXPECT_EQ(windows_.Form(monitor) == nullptr, monitor == ResourceMonitor::Memory);
     }

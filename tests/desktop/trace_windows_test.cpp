@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
 
@@ -36,6 +37,7 @@ TEST_F(TraceWindowsTest, ShowsRequestsAndResponsesAndCopiesThem) {
     viewer.SetParent(&window);
     viewer.Show();
     EXPECT_TRUE(viewer.Visible());
+    EXPECT_EQ(WithoutOwnKey(*viewer.TheForm()), "");
     viewer.setRequest("GET /\r\n\r\n");
     viewer.setResponse("200 OK");
     const QString text = "Request ---> GET /\n\n \n" + kRule + "Response: 200 OK\n" + kRule;
@@ -82,27 +84,42 @@ TEST_F(TraceWindowsTest, StaysAtTheEndOrWhereItsReaderIs) {
     EXPECT_EQ(bar.value(), 100);
 }
 
-TEST_F(TraceWindowsTest, KeepsTheNewestMillionCharactersInWholeLinesUnderItsReadersEyes) {
+TEST_F(TraceWindowsTest, KeepsALongSessionAndSaysWhenItsOldestLinesGo) {
+    std::string page;
+    while (page.size() < 1'500'000)
+        page += std::to_string(page.size()) + std::string(90, '.') + "\n";
     ConversationViewer viewer;
     viewer.Show();
     TraceBox& box = Box(viewer.TheForm());
     QScrollBar& bar = *box.verticalScrollBar();
-    Write(viewer, 0, 12'500);
-    ASSERT_GT(box.toPlainText().size(), kMostOfATrace - 100'000);
+    for (int i = 0; i < 6; ++i)
+        viewer.setResponse(page);
+    EXPECT_TRUE(box.toPlainText().startsWith("Response: 0...")) << "nothing is cleared";
     bar.setValue(bar.maximum() / 10 * 9);
     const auto topLine = [&] { return box.cursorForPosition(QPoint(1, 1)).block().text(); };
     const QString read = topLine();
-    for (int i = 12'500; bar.value() > bar.maximum() / 10 * 8 && i < 20'000; i += 100)
-        Write(viewer, i, i + 100);
+    viewer.setResponse(page + "the end");
     const QString text = box.toPlainText();
     EXPECT_LE(text.size(), kMostOfATrace);
     EXPECT_GE(text.size(), kMostOfATrace / 2);
-    EXPECT_TRUE(text.startsWith("Response: ") || text.startsWith("----"));
+    EXPECT_TRUE(text.startsWith("[The oldest lines of this window have gone: it keeps the newest 10,000,000 characters.]\n"));
+    EXPECT_TRUE(text.endsWith("the end\n" + kRule));
     EXPECT_EQ(topLine(), read);
+}
 
-    viewer.setResponse(std::string(3'000'000, 'x') + "the end");
-    EXPECT_LE(box.toPlainText().size(), kMostOfATrace);
-    EXPECT_TRUE(box.toPlainText().endsWith("the end\n" + kRule));
+TEST_F(TraceWindowsTest, TheViewerOpensBesideTheEditorAndOnTheScreen) {
+    for (const int width : {100, 300, 600}) {  // room for it, for a narrow one, and for none: the screen has 800
+        QDialog editor;
+        editor.setGeometry(10, 10, width, 300);
+        editor.show();
+        QDialog over(&editor);
+        ConversationViewer viewer;
+        viewer.SetParent(&over);
+        viewer.Show();
+        const QRect place = viewer.TheForm()->frameGeometry();
+        EXPECT_EQ(place.intersects(editor.frameGeometry()), width == 600) << width;
+        EXPECT_TRUE(editor.screen()->geometry().contains(place)) << width;
+    }
 }
 
 TEST_F(TraceWindowsTest, GoesWithItsParentAndComesBackOverAnother) {

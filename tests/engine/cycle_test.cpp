@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/text.h"
 #include "engine/engine_world.h"
 
@@ -77,17 +79,6 @@ TEST(Cycle, PublishesFromTheSleepBranchAndForcesItAfterAThousandTicks) {
     const auto checked = busy.database.Server(1).at("nSuccess").Int64();
     busy.RunFor(2s);
     EXPECT_GT(busy.database.Server(1).at("nSuccess").Int64(), checked);  // and goes on
-}
-
-TEST(Cycle, SaysWhyReportsAreNotPublished) {
-    EngineWorld engine(kStart);
-    engine.state.bReportsOK = false;
-    engine.state.strReportsProblem = "locked";
-    engine.state.nReportTicks = 60;
-    engine.database.Add(Ping(kStart + 30s));
-    engine.RunFor(1s);
-    EXPECT_TRUE(engine.person.Said("--locked"));
-    EXPECT_TRUE(engine.Logged("frmMonitor:TimerMonitorDB: Publishing Failure: DBConnect Failed."));
 }
 
 TEST(Cycle, PutsInactiveEntriesAsideForSixHours) {
@@ -176,12 +167,14 @@ TEST(Cycle, LogsAndRecordsAFailedPage) {
     entry.strUserName = "joe";
     entry.strPassword = "secret";
     const auto id = engine.database.Add(entry);
+    engine.database.Change("Servers", id, {{"nTimeout", Value()}});
     engine.net.Page("http://10.0.0.2/").Fail("Connection refused", 600ms);
     engine.RunFor(2s);
     EXPECT_EQ(engine.database.Server(id).at("strLastResponse"), Value("Reason 'Connection refused' "));
     EXPECT_EQ(engine.database.Server(id).at("strPort"), Value("80"));
     EXPECT_TRUE(engine.Logged("frmMonitor:TimerMonitorDB: HTTP failure: Reason 'Connection refused'"));
     EXPECT_TRUE(engine.Logged("1 calling DoFailure. strReason=Reason 'Connection refused'"));
+    EXPECT_TRUE(engine.person.Said("Timeout [15 sec.] - Port[] getting '10.0.0.2/'. Please wait..."));
     EXPECT_TRUE(engine.person.Said("Basic Authentication UserName='joe' Password=[not shown]"));
     EXPECT_FALSE(engine.person.SaidPart("secret"));
 }
@@ -196,12 +189,12 @@ TEST(Cycle, EndsATickInItsHandlerAndLeavesTheRowDue) {
     word.strPort = "abc";
     limit.strExpectedText = "40000";
     for (const Case& c : {Case{port, "Overflow Last Step get urldata2"}, Case{word, "Type mismatch Last Step get urldata2"},
-                          Case{limit, "Overflow Last Step"}}) {
+                          Case{limit, "Overflow Last Step dopingrequest"}}) {
         EngineWorld engine(kStart);
         const auto id = engine.database.Add(c.entry);
         engine.RunFor(2s);
         EXPECT_TRUE(engine.person.SaidPart(std::string("Monitor Timer Error: ") + c.problem)) << c.problem;
-        EXPECT_TRUE(engine.Logged(std::string("frmMonitor:TimerMonitorDB: Errors block: ") + c.problem));
+        EXPECT_TRUE(engine.Logged(std::string("#\tfrmMonitor:TimerMonitorDB: Errors block: ") + c.problem));
         EXPECT_EQ(engine.database.Server(id).at("dtNextCheck"), Value(kStart));
         EXPECT_EQ(engine.database.Count("Failures"), 0);
     }
@@ -246,11 +239,38 @@ TEST(Cycle, GoesOnAfterStoreErrorsAtEveryOperation) {
                 engine.RunFor(15min);
                 const Row row = engine.database.Server(id);
                 const auto checks = row.at("nSuccess").Int64() + row.at("nFail").Int64();
-                EXPECT_EQ(row.at("nFail"), Value(engine.database.Count("Failures")))
-                    << static_cast<int>(operation) << " nth " << nth;
+                // A failure that could not even be written down in the row is counted without a row of its own.
+                const bool early = operation == StoreOperation::Read || operation == StoreOperation::Write;
+                const auto without = row.at("nFail").Int64() - engine.database.Count("Failures");
+                EXPECT_TRUE(without == 0 || (early && without == 1)) << static_cast<int>(operation) << " nth " << nth;
                 EXPECT_GE(checks, 2) << static_cast<int>(operation) << " nth " << nth << " answers " << answers;
             }
         }
+    }
+}
+
+TEST(Cycle, SaysOnceThatNothingCanBeStoredAndOnceThatItCanAgain) {
+    Entry page = Web(kStart);
+    page.strExpectedText = "Welcome";
+    const std::tuple<StoreOperation, Entry, bool> cases[] = {{StoreOperation::Update, Ping(kStart), true},
+                                                             {StoreOperation::Commit, Ping(kStart), false},
+                                                             {StoreOperation::Update, page, false}};
+    for (const auto& [operation, entry, answers] : cases) {
+        EngineWorld engine(kStart);
+        engine.person.windowVisible = true;
+        engine.database.Add(entry);
+        engine.net.Page("http://10.0.0.2/").Answer("an error page", 30ms);
+        if (answers) engine.net.Host("10.0.0.1").Echo(1ms);
+        engine.store.faults.Add({.operation = operation, .forever = true, .description = "disk full"});
+        engine.RunFor(20s);
+        EXPECT_EQ(engine.person.tray,
+                  (RecordingOperator::Tray{TrayPicture::Error, "Korvane: Outcomes of checks can't be stored! "}));
+        engine.store.faults.Heal();
+        engine.RunFor(20s);
+        EXPECT_NE(engine.person.tray.picture, TrayPicture::Error);
+        const std::string begins = "Outcomes of checks can't be stored, and are lost: disk full";
+        EXPECT_EQ(engine.manager.told, (std::vector<std::string>{begins, "Outcomes of checks are stored again."}));
+        EXPECT_TRUE(engine.person.Said(begins) && engine.Logged("#\t" + begins));
     }
 }
 
@@ -275,6 +295,21 @@ TEST(Cycle, ShowsTheWorstOfTheRowsItSeesInTheTray) {
     }
 }
 
+TEST(Cycle, GoesOnToTheTrayWithoutAnEntryThatIsRemovedDuringItsCheck) {
+    EngineWorld engine(kStart);
+    engine.person.windowVisible = true;
+    const auto id = engine.database.Add(
+        {.strType = "SMTP", .strPort = "25", .nIntervalSeconds = 300, .strExpectedText = "220", .dtNextCheck = kStart});
+    Entry other = Ping(kStart + 60s);
+    other.strCurStatus = "DOWN";
+    engine.database.Add(other);
+    engine.net.Host("10.0.0.1").Port(25).Speak("220 late\r\n", 2s);
+    engine.world.After(2s, [&] { engine.database.Remove("Servers", id); });
+    engine.RunFor(3500ms);
+    EXPECT_TRUE(engine.Logged("#\tfrmMonitor:TimerMonitorDB: tried to update record. err = Row cannot be located"));
+    EXPECT_EQ(engine.person.tray.tip, "Korvane: One or more Server in Failure State! ");
+}
+
 TEST(Cycle, ATickNeverOverlapsItselfAndAnEditorIsNeverBlocked) {
     EngineWorld engine(kStart);
     const auto id = engine.database.Add({.strDesc = "slow",
@@ -291,17 +326,6 @@ TEST(Cycle, ATickNeverOverlapsItselfAndAnEditorIsNeverBlocked) {
     EXPECT_EQ(row.at("strDesc"), Value("renamed"));
     EXPECT_EQ(row.at("nTries"), Value(7));
     EXPECT_EQ(row.at("nSuccess"), Value(1));
-}
-
-TEST(Cycle, ShowsItsSleepToWhoeverLooks) {
-    EngineWorld engine(kStart);
-    engine.person.windowVisible = true;
-    engine.database.Add(Ping(kStart + 31s));
-    engine.RunFor(11s);
-    EXPECT_EQ(engine.person.cycleText, "Sleeping for 20 seconds.");
-    EXPECT_EQ(engine.person.progressTip, "Next Monitoring Event scheduled to occur in 20 seconds.");
-    EXPECT_EQ(engine.person.progressValue, 10);
-    EXPECT_EQ(engine.person.progressMax, 30);
 }
 
 }  // namespace

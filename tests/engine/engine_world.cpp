@@ -17,16 +17,21 @@ EngineWorld::EngineWorld(DateTime start) : world(start) {
     }
     state.bReportsOK = true;
     http.LoadInets([this] { return std::make_unique<VirtualInet>(net); });
+    TimerProgress->SetInterval(std::chrono::milliseconds(250));
+    TimerProgress->OnTick([this] { progress.TimerProgress_Timer(); });
     TimerMonitorDB->OnTick([this] { cycle.TimerMonitorDB_Timer(); });
     TimerMonitorDB->SetEnabled(true);
 }
 
-std::vector<std::string> EngineWorld::LogTexts() {
-    const DateTime now = world.clock.Now();
-    const std::string stored = now.Stored();
+std::string EngineWorld::LogOfToday() {
+    const std::string stored = world.clock.Now().Stored();
     const std::string date = stored.substr(0, 4) + " " + stored.substr(5, 5);
+    return files.Read("/home/korvane/Logs/kvmonlog " + date + ".txt").value_or("");
+}
+
+std::vector<std::string> EngineWorld::LogTexts() {
     std::vector<std::string> texts;
-    for (const std::string& line : Split(files.Read("/home/korvane/Logs/kvmonlog " + date + ".txt").value_or(""), '\n')) {
+    for (const std::string& line : Split(LogOfToday(), '\n')) {
         const auto tab = line.find('\t');
         if (tab != std::string::npos) texts.push_back(line.substr(tab + 1));
     }
@@ -34,10 +39,7 @@ std::vector<std::string> EngineWorld::LogTexts() {
 }
 
 bool EngineWorld::Logged(const std::string& part) {
-    for (const std::string& text : LogTexts()) {
-        if (Holds(text, part)) return true;
-    }
-    return false;
+    return Holds(LogOfToday(), part);
 }
 
 }  // namespace korvane

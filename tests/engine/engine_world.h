@@ -24,6 +24,7 @@
 #include "support/faulty_store.h"
 #include "support/memory_files.h"
 #include "support/recording_operator.h"
+#include "support/recording_service_manager.h"
 #include "support/recording_sound.h"
 #include "support/test_database.h"
 #include "support/virtual_icmp_echo.h"
@@ -96,7 +97,9 @@ struct EngineWorld {
 
     /// The lines of today's log, without date, time and version.
     std::vector<std::string> LogTexts();
+    /// Whether today's log holds this; the text of a record stands after its class and a tab.
     bool Logged(const std::string& part);
+    std::string LogOfToday();
 
     VirtualWorld world;
     VirtualNet net{world};
@@ -112,6 +115,7 @@ struct EngineWorld {
     IniFile settingsFile{files, "/home/korvane/kvurlwatchn.ini"};
     ServerIds ids{settingsFile, world.clock};
     RecordingActions actions;
+    RecordingServiceManager manager;
     RecordingReports reports;
     RecordingConversation conversation;
     VirtualTcpSocket socket{net};
@@ -121,12 +125,14 @@ struct EngineWorld {
     std::unique_ptr<Timer> Timer2 = world.timers.NewTimer("Timer2");
     std::unique_ptr<Timer> TimerLog = world.timers.NewTimer("TimerLog");
     CycleTimers switches{*Timer2, *TimerMonitorDB, *TimerLog};
-    HttpRequester http{{settings, world.events, world.clock, person, *TimerProgress}};
+    RequestProgress progress{{world.events, person, state, *TimerProgress}};
+    HttpRequester http{{settings, world.events, world.clock, progress}};
     TcpChecker tcp{{socket, world.events, world.clock, person, status, conversation}};
     PingChecker ping{{echo, world.clock, person, status, log}};
     OutcomeAccounting accounting{{store, world.clock, world.events, person, sound, status, log, settings, ids, actions}};
-    MonitorCycle cycle{{store, world.clock, world.events, person, status, log, settings, http, tcp, ping, accounting, reports,
-                        state, database.DriverString()}};
+    StoreAlarm alarm{{person, status, log, manager}};
+    MonitorCycle cycle{{store, world.clock, world.events, person, status, log, settings, http, tcp, ping, accounting, alarm,
+                        reports, state, database.DriverString()}};
 };
 
 }  // namespace korvane

@@ -223,6 +223,7 @@ TEST(FailureState, TroubleWithOneStepLeavesTheOthers) {
         {.operation = FilesOperation::CreateFolder, .about = "kvlogs", .description = "Read-only file system"});
     folder.Fail();
     EXPECT_TRUE(folder.engine.person.Said("Creation of Tracert Bat file failed. couldn't create /home/korvane/kvlogs/KvTR7.bat"));
+    EXPECT_TRUE(folder.engine.person.Said("Running and Saving TraceRoute Information ''"));
     EXPECT_TRUE(folder.engine.Logged("KvTR7.bat because Read-only file system"));
     EXPECT_EQ(folder.Started(), Texts{"fix it"});
 

@@ -76,6 +76,24 @@ TEST(getURLData2, TakesAFreeSlotWhileAnotherIsBusy) {
     EXPECT_NE(first.strReason, "");
 }
 
+TEST(getURLData2, GivesTheBarBackToTheRequestThatStillRuns) {
+    EngineWorld engine;
+    engine.TimerMonitorDB->SetEnabled(false);
+    engine.person.windowVisible = true;
+    engine.state.nLastAverage = 10'000;  // the bar is full after 12 s
+    HttpRequester ofOperator{{engine.settings, engine.world.events, engine.world.clock, engine.progress}};
+    ofOperator.LoadInets([&] { return std::make_unique<VirtualInet>(engine.net); });
+    engine.net.Page(kUrl).Answer("slow", 9s);
+    engine.net.Page("http://10.0.0.3/").Answer("quick", 3s);
+    engine.world.After(3100ms, [&] { ofOperator.getURLData2({.strURL = "http://10.0.0.3/"}); });
+    std::vector<int> bar;
+    for (const auto when : {4600ms, 7600ms})
+        engine.world.After(when, [&] { bar.push_back(engine.person.progressValue); });
+    engine.http.getURLData2({.strURL = kUrl});
+    EXPECT_EQ(bar, (std::vector<int>{12, 62}));
+    EXPECT_FALSE(engine.TimerProgress->Enabled());
+}
+
 TEST(DoPingRequest, MeasuresAgainstTheLimit) {
     struct Case {
         const char* name;

@@ -33,19 +33,7 @@ struct RestartRig {
                             }}};
 };
 
-TEST(clsShutdown, RequestsEachActionAndLogsWhatCouldNotBeRequested) {
-    const std::pair<void (clsShutdown::*)(), PowerAction> operations[] = {
-        {&clsShutdown::DoLogOff, PowerAction::LogOff},     {&clsShutdown::DoForcedLogOff, PowerAction::ForcedLogOff},
-        {&clsShutdown::DoShutdown, PowerAction::ShutDown}, {&clsShutdown::DoForceShutdown, PowerAction::ForcedShutDown},
-        {&clsShutdown::DoReboot, PowerAction::Reboot},
-    };
-    for (const auto& [operation, action] : operations) {
-        RestartRig rig;
-        clsShutdown shutdown(rig.power, rig.log);
-        (shutdown.*operation)();
-        EXPECT_EQ(rig.power.requests, Requests{action});
-        EXPECT_EQ(rig.LogText(), "");
-    }
+TEST(clsShutdown, LogsWhatCouldNotBeRequested) {
     RestartRig rig;
     rig.power.refuses = true;
     clsShutdown(rig.power, rig.log).DoForceShutdown();
@@ -84,9 +72,8 @@ TEST(TestShutDown, StopsMonitoringAndReboots) {
         EXPECT_EQ(rig.switched, c.switched);
         EXPECT_EQ(rig.power.requests, c.requests);
         EXPECT_EQ(rig.person.Said("Testing Shutdown command..."), c.yes);
-        std::vector<RecordingOperator::Message> told;
-        if (c.system == PowerSystem::Unknown) told = {{"Korvane", "Can't shutdown because this is an unknown system."}};
-        EXPECT_EQ(rig.person.messages, told);
+        EXPECT_EQ(rig.person.Said("Can't shutdown because this is an unknown system."), c.system == PowerSystem::Unknown);
+        EXPECT_TRUE(rig.person.messages.empty());
     }
 }
 

@@ -124,11 +124,13 @@ TEST(Accounting, ChoosesTheNextCheck) {
     EXPECT_EQ(clamped.row.at("nIntervalSeconds"), Value(15000));
 }
 
-TEST(Accounting, EditedThresholdBelowTheCountFiresNothing) {
-    Account account({.nTries = 3, .nTriesCur = 4});
-    account.Check(false);
-    EXPECT_EQ(account.Status(), "DOWN");
-    EXPECT_TRUE(account.engine.actions.calls.empty());
+TEST(Accounting, BlankTriesCountAsThree) {
+    Account account({.strDesc = "x"});
+    account.engine.database.Change("Servers", account.id, {{"nTries", Value()}, {"nIntervalSeconds", 300}});
+    for (const bool success : {false, false, false, true})
+        account.Check(success);
+    EXPECT_EQ(account.engine.actions.calls, (std::vector<std::string>{"down x", "up x"}));
+    EXPECT_EQ(account.engine.database.Count("Failures", "nFailMax = 3"), 3);
 }
 
 TEST(Accounting, RecordsEachFailureWithACopyOfTheEntry) {
@@ -148,22 +150,14 @@ TEST(Accounting, RecordsEachFailureWithACopyOfTheEntry) {
     EXPECT_EQ(account.row.at("strLastResponse"), Value("second "));
 }
 
-TEST(Accounting, SoundsAndTrayFollowTheState) {
-    Account account({.strDesc = "web", .nTries = 2});
-    for (int i = 0; i < 3; ++i)
-        account.Check(false);
-    EXPECT_EQ(account.engine.sound.played, (std::vector<std::string>{"yellow.wav", "red.wav", "red.wav"}));
-    const auto& trays = account.engine.person.trays;
-    ASSERT_EQ(trays.size(), 3u);
-    EXPECT_EQ(trays[0], (RecordingOperator::Tray{TrayPicture::Warning, "Korvane: web just began failing. "}));
-    EXPECT_EQ(trays[2], (RecordingOperator::Tray{TrayPicture::Error, "Korvane: web in failure state! "}));
-}
-
 TEST(Accounting, CountersOverflowAsErrors) {
-    Account tries({.nTriesCur = std::numeric_limits<std::int16_t>::max()});
-    tries.Check(false);
-    EXPECT_TRUE(tries.engine.person.Said("DoFailure: Error: Overflow"));
-    EXPECT_EQ(tries.engine.database.Count("Failures"), 0);
+    EngineWorld engine;
+    engine.net.Host("10.0.0.1").EchoSilent();
+    engine.database.Add({.nTriesCur = std::numeric_limits<std::int16_t>::max(), .strExpectedText = "1000"});
+    engine.RunFor(10s);
+    EXPECT_TRUE(engine.person.Said("DoFailure: Error: Overflow"));
+    EXPECT_EQ(engine.database.Count("Failures"), 0);
+    EXPECT_EQ(engine.settingsFile.Read("KEYGEN", "LASTID", "none"), "none");
 
     Account failures({.nFail = std::numeric_limits<std::int32_t>::max()});
     failures.Check(false);
@@ -178,15 +172,6 @@ TEST(Accounting, SuccessGoesOnPastAColumnThatCannotBeWritten) {
     EXPECT_EQ(account.Status(), "UP");
     EXPECT_EQ(account.row.at("nTriesCur"), Value(0));
     EXPECT_EQ(account.engine.actions.calls, (std::vector<std::string>{"up entry"}));
-}
-
-TEST(Accounting, FailureEndsAtTheStepThatCannotBeDone) {
-    Account account;
-    account.engine.store.faults.Add({.operation = StoreOperation::Update, .about = "Failures", .description = "disk full"});
-    account.Check(false);
-    EXPECT_TRUE(account.engine.person.Said("DoFailure: Error: disk full"));
-    EXPECT_TRUE(account.engine.Logged("DoFailure: Error: disk full"));
-    EXPECT_EQ(account.Status(), "Failing");
 }
 
 TEST(Accounting, ActionsAreNotRepeatedWhileTheRowCannotBeWritten) {
@@ -214,18 +199,6 @@ TEST(Accounting, ActionsAreNotRepeatedWhileTheRowCannotBeWritten) {
     EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry"}));
     account.Check(false);  // and the next outage is one of its own
     EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry", "down entry"}));
-}
-
-TEST(Accounting, WhatWasDoneIsKeptWhenDoFailureEndsInAnError) {
-    EngineWorld engine;
-    engine.net.Host("10.0.0.1").EchoSilent();
-    engine.database.Add({.nTries = 1, .strExpectedText = "1000"});
-    engine.settings.setKvSettingsColValue("GlobalRetryDuration", "soon");
-    engine.RunFor(10s);
-    const auto rows = engine.database.Query("SELECT strAction FROM Failures WHERE nFailCount = 1");
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].at("strAction"), Value(engine.actions.strAction));
-    EXPECT_EQ(engine.actions.calls, std::vector<std::string>{"down entry"});
 }
 
 }  // namespace

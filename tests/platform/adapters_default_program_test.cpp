@@ -6,7 +6,6 @@
 #include <fstream>
 #include <map>
 
-#include "base/error.h"
 #include "platform/linux/default_program.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/qt/qt_events.h"
@@ -67,17 +66,20 @@ TEST_F(DefaultProgram, WithoutADesktopTheVariableNamesBrowsers) {
             ::setenv(name, folder.Path().c_str(), 1);  // no xdg-open is found there
         ::unsetenv("BROWSER");
         if (processes.HasDefaultProgram("htm")) return false;
-        try {
-            processes.OpenPage("/page");
-            return false;
-        } catch (const Error&) {
-        }
+        std::string why;
+        const auto notOpened = [&](const std::string& reason) { why = reason; };
+        if (processes.OpenPage("/page", notOpened) || why != "xdg-open: No such file or directory") return false;
+        fs::create_symlink("/bin/false", folder.Path() + "/xdg-open");  // as one that knows no program
+        if (!processes.OpenText("/text", notOpened)) return false;
+        for (int i = 0; i < 3000 && !why.ends_with("status 1"); ++i)
+            events.WaitForEvent(std::chrono::milliseconds(10));
+        if (why != "xdg-open ended with status 1") return false;
         ::setenv("BROWSER", ("no-such-browser:/bin/cp %s --target-directory=" + folder.Path() + "/out").c_str(), 1);
         fs::create_directory(folder.Path() + "/out");
         const std::string page = folder.Path() + "/it's a page.htm";
         std::ofstream(page) << "text";
         if (processes.DefaultProgram("HTM") != "no-such-browser" || processes.HasDefaultProgram("gif")) return false;
-        processes.OpenPage(page);
+        processes.OpenPage(page, notOpened);
         for (int i = 0; i < 3000 && !fs::exists(folder.Path() + "/out/it's a page.htm"); ++i)
             events.WaitForEvent(std::chrono::milliseconds(10));
         return fs::exists(folder.Path() + "/out/it's a page.htm");

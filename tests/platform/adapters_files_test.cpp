@@ -1,15 +1,24 @@
 // What LinuxFiles promises about modes, links, foreign folders and full disks.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <stdlib.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <ostream>
 #include <string>
+#include <utility>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/standard_streams.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 
@@ -44,7 +53,12 @@ protected:
 };
 
 TEST_F(LinuxFilesTest, NewFilesArePrivateAndOldOnesKeepTheirMode) {
-    ::umask(022);
+    ::umask(0);
+    files.CreatePrivateFolder(path + ".d/private");
+    EXPECT_EQ(ModeOf(path + ".d"), 0755U);
+    EXPECT_EQ(ModeOf(path + ".d/private"), 0700U);
+    KeepOthersFromWriting();
+    EXPECT_EQ(::umask(022), 022U);
     files.Replace(path, "new");
     EXPECT_EQ(ModeOf(path), 0600U);
     files.Append(path + ".log", "new");
@@ -125,9 +139,20 @@ TEST_F(LinuxFilesTest, AFullDiskLeavesEverythingAsItWas) {
     EXPECT_EQ(files.Read(path), "old text\n");
 }
 
+TEST_F(LinuxFilesTest, APipeInPlaceOfALogIsRefused) {
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_THROW(files.Append(path, "text"), Error);
+    const Descriptor reader(::open(path.c_str(), O_RDONLY | O_NONBLOCK));
+    EXPECT_THROW(files.Append(path, "text"), Error);
+}
+
 TEST_F(LinuxFilesTest, OneProcessHoldsAFolder) {
+    const Descriptor anybodys(::open(folder.Path().c_str(), O_RDONLY));
+    ASSERT_EQ(::flock(anybodys.Number(), LOCK_EX), 0);
     EXPECT_TRUE(files.HoldFolder(folder.Path()));
-    EXPECT_FALSE(LinuxFiles().HoldFolder(folder.Path()));
+    EXPECT_EQ(ModeOf(folder.Path() + "/korvane.lock"), 0600U);
+    std::filesystem::create_symlink(folder.Path(), path + ".link");
+    EXPECT_FALSE(LinuxFiles().HoldFolder(path + ".link"));
     EXPECT_TRUE(files.HoldFolder(folder.Path() + "/."));
     EXPECT_THROW(files.HoldFolder(path), Error);
     {
@@ -138,6 +163,38 @@ TEST_F(LinuxFilesTest, OneProcessHoldsAFolder) {
         others = LinuxFiles();
         EXPECT_TRUE(files.HoldFolder(brief.Path()));
     }
+}
+
+TEST(StandardStreams, DropWhatNobodyReadsAndSaySo) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(::grantpt(terminal) + ::unlockpt(terminal), 0);
+    for (const auto& [reader, writer] :
+         {std::pair{pipe[0], pipe[1]}, {terminal, ::open(::ptsname(terminal), O_RDWR | O_NOCTTY)}}) {
+        const Descriptor readEnd(reader), writeEnd(writer);
+        std::ostream stream(nullptr);
+        const UnwaitingStream unwaiting(stream, writer);
+        for (int i = 0; i < 3000; ++i)
+            stream << std::string(98, 'x') << std::endl;
+        std::array<char, 4096> bytes{};
+        ::fcntl(reader, F_SETFL, O_NONBLOCK);
+        while (::read(reader, bytes.data(), bytes.size()) > 0) {
+        }
+        stream << "after" << std::endl;
+        const ssize_t size = ::read(reader, bytes.data(), bytes.size());
+        const std::string text(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        EXPECT_TRUE(Holds(text, "nobody read them: ") && Holds(text, "after")) << text;
+    }
+}
+
+TEST(StandardStreams, AreOpenWhateverTheProgramWasGiven) {
+    EXPECT_TRUE(PassesInChild([] {
+        for (int standard = 0; standard < 3; ++standard)
+            ::close(standard);
+        OpenStandardDescriptors();
+        return ::open("/dev/null", O_RDONLY) > 2;
+    }));
 }
 
 }  // namespace

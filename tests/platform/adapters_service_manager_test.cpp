@@ -230,7 +230,7 @@ TEST_F(SystemdManagerTest, LeavesServicesOfOthersAlone) {
     for (const Case& row : cases) {
         WriteUnit(row.where, row.text);
         const ManagerAnswer install = Manager().Install("Korvane", program);
-        EXPECT_FALSE(install.done);
+        EXPECT_FALSE(install.done || install.ofManager);
         EXPECT_TRUE(install.words.starts_with(row.words)) << install.words;
         EXPECT_FALSE(Manager().Uninstall("Korvane", program.home).done);
         EXPECT_FALSE(Manager().IsInstalled("Korvane"));
@@ -250,6 +250,7 @@ TEST_F(SystemdManagerTest, ARefusalLeavesEverythingAsItWas) {
         const ManagerAnswer answer = Manager().Install("Korvane", program);
         EXPECT_FALSE(answer.done);
         EXPECT_EQ(answer.words, "Failed: no bus");
+        EXPECT_TRUE(answer.ofManager);
         EXPECT_EQ(orders[orders.size() - 2], "systemctl --user disable Korvane.service");
         EXPECT_FALSE(fs::exists(place.unitFolder + "/Korvane.service"));
     }
@@ -296,6 +297,8 @@ TEST(UnitTextTest, NamesTheHomeInEachOfItsForms) {
     const ServiceProgram program{
         .program = "/opt/a b/korvanecore", .home = "/srv/50% \"off\"\\x", .folders = {"/var/www/it's here"}};
     const std::string text = UnitText("The 5% shop\\", program, UnitScope::System, "monitor");
+    EXPECT_TRUE(text.starts_with("# Korvane as a service of the system.\n"));
+    EXPECT_FALSE(Holds(UnitText("Korvane", program, UnitScope::User, ""), "of the system"));
     for (const std::string line : {
              "Description=The 5%% shop/",
              "ExecStart=\"/opt/a b/korvanecore\"",
@@ -369,8 +372,15 @@ TEST(PauseSignalsTest, ReachTheProgramInTheirOrder) {
     {
         const PauseSignals signals(
             events, [&] { came += "pause "; }, [&] { came += "continue "; });
-        for (const int signal : {SIGUSR1, SIGUSR2, SIGUSR1})
-            ::raise(signal);
+        sigset_t both, before;
+        ::sigemptyset(&both);
+        ::sigaddset(&both, SIGUSR1);
+        ::sigaddset(&both, SIGUSR2);
+        ::sigprocmask(SIG_BLOCK, &both, &before);
+        ::raise(SIGUSR1);
+        ::raise(SIGUSR2);
+        ::sigprocmask(SIG_SETMASK, &before, nullptr);  // both come at once
+        ::raise(SIGUSR1);
         EXPECT_EQ(came, "");
         EXPECT_TRUE(WaitFor(events, SystemClock(), 30s, [&] { return came.size() > 20; }));
     }

@@ -18,6 +18,7 @@ TEST(SqlText, ConnectionStringsNameTheFile) {
         {"data SOURCE = /a/b ", "/a/b"},
         {"DRIVER={a;DBQ=no};PWD=x=y;DBQ=\"/a;DBQ=b/c\" ;UID=admin", "/a;DBQ=b/c"},
         {";;UID;DBQ=;dbq=/x", "/x"},
+        {"DBQ=\"/a\"\"b;c\"\"\";UID=admin", "/a\"b;c\""},
         {"DBQ=\"/unclosed;DBQ=/no", "/unclosed;DBQ=/no"},
     };
     for (const auto& c : cases)
@@ -50,10 +51,13 @@ TEST(SqlText, RowsOfOneTableAreTold) {
         const char* withIds;
     } cases[] = {
         {"SELECT  * from servers order by dtNextCheck ; ", "servers", "SELECT `ID` FROM `servers` order by dtNextCheck"},
-        {"select*from[Servers]where id < 0", "Servers", "SELECT `ID` FROM `Servers` where id < 0"},
-        {"SELECT * FROM servers", "servers", "SELECT `ID` FROM `servers` "},
-        {"SELECT id,idparent from R\nwhere 1", "R", "SELECT `ID` FROM `R` where 1"},
-        {"SELECT idparent from R", "", "SELECT `ID` FROM (SELECT idparent from R)"},
+        {"select*from[Servers]where id < 0", "Servers", "SELECT `ID` FROM `Servers` where id < 0 ORDER BY k "},
+        {"SELECT * FROM servers", "servers", "SELECT `ID` FROM `servers`  ORDER BY k "},
+        {"SELECT * FROM S limit 1", "S", "SELECT `ID` FROM `S`  ORDER BY k limit 1"},
+        {"SELECT id,idparent from R\nwhere a='order' or b in (select c from d order by c)", "R",
+         "SELECT `ID` FROM `R` where a='order' or b in (select c from d order by c) ORDER BY k "},
+        {"SELECT idparent from R", "R", "SELECT `ID` FROM (SELECT idparent from R ORDER BY k )"},
+        {"SELECT a from R where 1 group by a", "R", "SELECT `ID` FROM (SELECT a from R where 1 group by a)"},
         {"SELECT distinct ID FROM S", "", "SELECT `ID` FROM (SELECT distinct ID FROM S)"},
         {"SELECT count(*), id FROM S", "", "SELECT `ID` FROM (SELECT count(*), id FROM S)"},
         {"SELECT * FROM S, R where 1", "", "SELECT `ID` FROM (SELECT * FROM S, R where 1)"},
@@ -61,7 +65,8 @@ TEST(SqlText, RowsOfOneTableAreTold) {
         {"", "", "SELECT `ID` FROM ()"},
     };
     for (const auto& c : cases) {
-        const SelectText select = ParseSelect(c.query);
+        SelectText select = ParseSelect(c.query);
+        if (select.LacksOrder()) select.OrderBy("k");
         EXPECT_EQ(select.table, c.table);
         EXPECT_EQ(select.Selecting("`ID`"), c.withIds);
     }

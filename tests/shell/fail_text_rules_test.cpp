@@ -161,17 +161,6 @@ TEST(FailTextRulesSave, AFailureKeepsWhatWasWrittenBeforeItAndIsToldAndLogged) {
     EXPECT_EQ(w.Rows(), (std::vector<std::string>{"11 A|new", "12 b|old"}));
     EXPECT_EQ(w.Count(), Value(7));
     EXPECT_TRUE(w.Logged("frmCommands:cmdOk: disk I/O error"));
-    EXPECT_NE(w.RulesOf(w.server + 50).Save({}), "");
-}
-
-TEST(FailTextHelp, TheTimesToTryAreBlank) {
-    EXPECT_EQ(FailCommandHelp({"x", ""}),
-              "You are specifying that No command should be executed if the response contains the string 'x' ('  times in a "
-              "row).  You will still receive Email Notification.");
-    EXPECT_EQ(FailCommandHelp({"x", "run"}),
-              "The command 'run' will be executed if the response contains the string 'x' ('  times in a row).  You will also "
-              "receive Email Notification");
-    EXPECT_TRUE(Holds(FailTextRulesHelp(), "URL request ( times in a row).  \r\n\r\nSpecify a substring"));
 }
 
 }  // namespace

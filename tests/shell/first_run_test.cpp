@@ -218,7 +218,8 @@ TEST_F(FirstRunTest, WithoutAService) {
 }
 
 TEST_F(FirstRunTest, TheFirstRowBecomesTheDefaultEntryAndTheOthersStay) {
-    const std::int64_t first = database.Add({.strDesc = "old", .strAddress_IP = "10.0.0.1", .nTimeout = 99, .nFail = 7});
+    const std::int64_t first =
+        database.Add({.strDesc = "old", .nTimeout = 99, .nFail = 7, .dtNextCheck = DateTime::Of(2030, 1, 1)});
     database.Change("Servers", first, {{"strEmailList2", "boss@shop.com"}});
     const std::int64_t second = database.Add({.strDesc = "other"});
     const Row other = database.Server(second);

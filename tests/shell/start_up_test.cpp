@@ -1,6 +1,8 @@
 // The start of the whole program without a window, in every branch, and its end: on real files and a real database, in virtual
 // time.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <sstream>
@@ -22,6 +24,10 @@ constexpr const char* kTwoEntries =
 
 TEST(StartUp, AnEmptyHomeBecomesAWorkingOne) {
     const Home home;
+    // Of a database that is gone: it would cut the new one down to its first page.
+    home.Write(
+        "kvdata2.mdb-journal",
+        std::string("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7\0\0\0\0\0\0\0\0\0\0\0\1\0\0\2\0\0\0\x10\0", 28) + std::string(484, '\0'));
     Program program(home);
     ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
     EXPECT_TRUE(program.person.Said("New User. Initialize Database..."));
@@ -126,6 +132,49 @@ TEST(StartUp, StopsAtTheFirstThingThatIsMissing) {
     }
 }
 
+TEST(StartUp, BlamesWhatKeepsATemplateFromComing) {
+    const Home home;
+    fs::create_directory(home / ".kvempty.mdb.new");
+    Program program(home);
+    EXPECT_EQ(program.run.StartUp(), Run::Started::CannotGoOn);
+    EXPECT_EQ(program.person.messages.at(0).text, "Cannot write " + (home / "kvempty.mdb").string() + ": File exists");
+}
+
+TEST(StartUp, SaysThatTheDatabaseCannotBeWrittenAndGoesOn) {
+    const Home home;
+    EXPECT_EQ(Program(home).run.StartUp(), Run::Started::Running);
+    const std::string database = ReadAll(home / "kvdata2.mdb");
+    const int reader = ::open((home / "kvdata2.mdb").c_str(), O_RDWR | O_CLOEXEC);
+    struct flock reading {
+        .l_type = F_RDLCK, .l_whence = SEEK_SET, .l_start = 0x40000002, .l_len = 510, .l_pid = 0
+    };
+    ASSERT_EQ(::fcntl(reader, F_OFD_SETLK, &reading), 0);  // as SQLite does
+    for (const bool held : {true, false}) {
+        Program program(home);
+        EXPECT_EQ(program.run.StartUp(), Run::Started::Running);
+        EXPECT_EQ(program.person.SaidPart("is locked by another program"), held);
+        EXPECT_TRUE(Holds(home.Log(), "#\tfrmMonitor:Form_Load: The database"));
+        if (held) ::close(reader);
+    }
+    EXPECT_EQ(ReadAll(home / "kvdata2.mdb"), database);
+}
+
+TEST(StartUp, TheSetupMarkOutlivesTheSettingsFile) {
+    struct Window : MonitorWindow {
+        int setups = 0;
+        bool HasWindow() const override { return true; }
+        void SetUpForTheFirstTime() override { ++setups; }
+    } window;
+    const Home home;
+    for (const auto& [settings, setups] : {std::pair{std::string(1, '\0'), 0}, {"", 1}, {"", 1}, {std::string(1, '\0'), 1}}) {
+        home.Write("kvurlwatchn.ini", settings);
+        Program program(home.Path(), KORVANE_DIST_DIR, "", [&](Timers&) { return DesktopOfProgram{.window = &window}; });
+        EXPECT_EQ(program.run.StartUp(), Run::Started::Running);
+        program.world.RunFor(2s);
+        EXPECT_EQ(window.setups, setups);
+    }
+}
+
 TEST(StartUp, ADatabaseOfAnotherKindEndsItAndStaysUntouched) {
     for (const std::string& content : {std::string("dear diary"), std::string("\0\1\0\0Standard Jet DB\0", 20), std::string()}) {
         const Home home;
@@ -195,14 +244,20 @@ TEST(StartUp, NamesAColumnThatAnOlderDatabaseLacksAndGoesOn) {
 TEST(StartUp, AServiceRunTellsItsManagerAndKeepsTheSettingsAsTheyAre) {
     struct Window : MonitorWindow {
         std::string title;
-        void SetCaptions(const Captions& captions) override { title = captions.title; }
+        std::string steps;
+        const class Run* run = nullptr;
+        void SetTitle(const std::string& text) override { title = text; }
+        void SetCaptions(const Captions&) override { steps += title + "; "; }
+        void LoadResourceMonitors() override { steps += run->Loading() ? "too early" : "monitors"; }
     } window;
     const Home home;
     home.Write("kvurlwatchn.ini", "[Settings]\r\nBegin=0\r\nServer=as.it.was\r\nbALLInDB=True\r\n");
     Program program(home.Path(), KORVANE_DIST_DIR, "", [&](Timers&) { return DesktopOfProgram{.window = &window}; });
     program.serviceManager.startedThis = true;
+    window.run = &program.run;
     ASSERT_EQ(program.run.StartUp(), Run::Started::Running);
     EXPECT_EQ(program.serviceManager.told, (std::vector<std::string>{"Service Started.", "READY"}));
+    EXPECT_EQ(window.steps, "Korvane Network Monitoring & Server Monitor v1.0.0 by Brellix; monitors");
     EXPECT_TRUE(window.title.ends_with(" running as service")) << window.title;
     const std::string before = ReadAll(home / "kvurlwatchn.ini");
     program.run.TheDesk().collection.setKvSettingsColValue("Server", "changed.since");

@@ -31,8 +31,10 @@ struct VersionRig {
     SettingsCollection collection;
     RecordingOperator person;
     RecordingProcesses processes;
-    std::unique_ptr<Timer> progress = world.timers.NewTimer("TimerProgress");
-    HttpRequester http{{collection, world.events, world.clock, person, *progress}};
+    std::unique_ptr<Timer> TimerProgress = world.timers.NewTimer("TimerProgress");
+    const CycleState state;
+    RequestProgress progress{{world.events, person, state, *TimerProgress}};
+    HttpRequester http{{collection, world.events, world.clock, progress}};
     WebPages pages{{processes, person, file}};
     VersionCheck check;
 };

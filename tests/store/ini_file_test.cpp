@@ -93,8 +93,10 @@ TEST_F(IniFileTest, OnAFullDiskOnlyValuesOfTheSameLengthAreWritten) {
     EXPECT_EQ(file.LastWriteError(), "");
     file.Write("Settings", "Key", "new value");
     EXPECT_EQ(file.LastWriteError(), "No space left on device");
+    file.Write("KEYGEN", "LASTID", "43");
+    EXPECT_EQ(file.LastWriteError(), "");
     EXPECT_EQ(file.Read("Settings", "Key", ""), "old");
-    EXPECT_EQ(Text(), "\xEF\xBB\xBF[Settings]\r\nKey=old\r\n[KEYGEN]\r\nLASTID=42\r\n[Z]\r\nB=2\r\n");
+    EXPECT_EQ(Text(), "\xEF\xBB\xBF[Settings]\r\nKey=old\r\n[KEYGEN]\r\nLASTID=43\r\n[Z]\r\nB=2\r\n");
 }
 
 TEST_F(IniFileTest, OperatorsEditIsSeenAndKept) {
@@ -124,7 +126,7 @@ TEST_F(IniFileTest, BatchIsOneWriteAndNoneWithoutAChange) {
     }
     EXPECT_EQ(file.LastWriteError(), "");
     EXPECT_EQ(IniDocument(Text()).Find("Settings500", "Key"), "value");
-    EXPECT_EQ(file.SectionNames().size(), 500u);
+    EXPECT_EQ(IniDocument(Text()).SectionNames().size(), 500u);
 }
 
 TEST_F(IniFileTest, UnusableFileIsNeverWrittenTo) {

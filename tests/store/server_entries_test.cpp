@@ -177,8 +177,10 @@ TEST_F(ServerEntriesTest, NewUserGetsAFileAndNoEntries) {
     EXPECT_EQ(database.Count("Servers"), 0);
 }
 
-TEST_F(ServerEntriesTest, AnImportThatTheStoreRefusesIsTriedAgainAtTheNextStart) {
-    PutSettings("NumURLs=2\n[Settings1]\nURL=a.example\nID=1\nTries=3\n[Settings2]\nURL=b.example\nID=2\nTries=3\n");
+TEST_F(ServerEntriesTest, AnImportThatTheStoreRefusesIsTriedAgainRulesIncluded) {
+    PutSettings(
+        "NumURLs=2\n[Settings1]\nURL=a.example\nID=1\nTries=3\n[Settings2]\nURL=b.example\nID=2\nTries=3\n[Commands2]\n"
+        "SCAN1=error\n");
     store.faults.Add({.operation = StoreOperation::Update, .nth = 2, .forever = true, .description = "database or disk is full"});
     LoadedRun run(*this);
     run.Import();
@@ -186,10 +188,11 @@ TEST_F(ServerEntriesTest, AnImportThatTheStoreRefusesIsTriedAgainAtTheNextStart)
     EXPECT_EQ(run.file.Read("Settings", "bALLInDB", ""), "False");
     EXPECT_NE(LogText().find("database or disk is full"), std::string::npos);
     store.faults.Heal();
+    store.faults.Add({.operation = StoreOperation::Update, .nth = 2});  // of the first pass, not of the second
     LoadedRun next(*this);
     next.Import();
-    EXPECT_EQ(database.Count("Servers"), 2);
     EXPECT_EQ(database.Server(2).at("strAddress_IP"), Value("b.example"));
+    EXPECT_EQ(database.Count("ResponseFailText"), 1);
     EXPECT_EQ(next.file.Read("Settings", "bALLInDB", ""), "True");
 }
 

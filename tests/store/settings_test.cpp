@@ -68,9 +68,9 @@ TEST_F(SettingsTest, WindowSizeIsRestoredAndSaved) {
     EXPECT_EQ(withoutWindow.file.Read("Settings", "width", ""), "9000");
 }
 
-TEST_F(SettingsTest, DamagedEntryCountFallsBackOnTheSections) {
+TEST_F(SettingsTest, EntryCountIsTakenAsItStandsUpToItsLimit) {
     for (const auto& [text, count] :
-         {std::pair{"2", 2u}, {"1000000", 3u}, {"abc", 3u}, {"-5", 3u}, {"99999999999999", 3u}, {"", 0u}}) {
+         {std::pair{"2", 2u}, {"501", 500u}, {"abc", 0u}, {"-5", 0u}, {"99999999999999", 0u}, {"", 0u}}) {
         PutSettings("NumURLs=" + std::string(text) + "\n[Settings3]\n[Settings4x]\n[settings1]\n");
         LoadedRun run(*this);
         EXPECT_EQ(run.entries.Entries().size(), count) << text;

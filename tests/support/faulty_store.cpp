@@ -22,7 +22,11 @@ public:
     }
     void Close() override { connection_->Close(); }
     void BeginTrans() override { connection_->BeginTrans(); }
-    void CommitTrans() override { connection_->CommitTrans(); }
+    void CommitTrans() override {
+        faults_.Pass(StoreOperation::Commit, ConnectionString());
+        connection_->CommitTrans();
+    }
+    void TryWriting() override { connection_->TryWriting(); }
 
 private:
     std::unique_ptr<Connection> connection_;

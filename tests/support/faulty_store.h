@@ -20,6 +20,7 @@ enum class StoreOperation {
     Update,    ///< [query]
     Delete,    ///< [query]
     Compact,   ///< [file]
+    Commit,    ///< [connection string]
 };
 
 class FaultyStore : public Store {

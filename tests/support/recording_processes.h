@@ -37,13 +37,13 @@ public:
     }
 
     std::string DefaultProgram(const std::string&) override { return hasBrowser ? browser : ""; }
-    void OpenPage(const std::string& path) override {
-        if (!browserStarts) throw Error("No such file or directory", 2);
-        opened.push_back(path);
+    bool OpenPage(const std::string& path, const NotOpened& notOpened) override {
+        browserStarts ? opened.push_back(path) : notOpened("No such file or directory");
+        return browserStarts;
     }
-    void OpenText(const std::string& path) override {
-        if (!hasEditor) throw Error("No such file or directory", 2);
-        openedTexts.push_back(path);
+    bool OpenText(const std::string& path, const NotOpened& notOpened) override {
+        hasEditor ? openedTexts.push_back(path) : notOpened("No such file or directory");
+        return hasEditor;
     }
 };
 

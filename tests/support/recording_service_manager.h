@@ -18,8 +18,9 @@ public:
     bool startedThis = false;
     bool shuttingDown = false;
     std::optional<std::chrono::milliseconds> aliveInterval;
-    std::string refusal;  ///< of whatever is asked next; blank: everything is done
-    std::string remark;   ///< goes with what is done
+    std::string refusal;     ///< of whatever is asked next; blank: everything is done
+    std::string remark;      ///< goes with what is done
+    bool ofManager = false;  ///< the refusal is in its own words
 
     std::vector<std::string> told;   ///< "READY", "ALIVE", "STOPPING", and the status lines
     std::vector<std::string> asked;  ///< "install <name>" and its like
@@ -55,7 +56,7 @@ private:
     template <class Deed>
     ManagerAnswer Answer(const std::string& question, Deed deed) {
         asked.push_back(question);
-        if (!refusal.empty() || !deed()) return {.done = false, .words = refusal};
+        if (!refusal.empty() || !deed()) return {.done = false, .words = refusal, .ofManager = ofManager};
         return {.done = true, .words = remark};
     }
 };

@@ -48,8 +48,10 @@ protected:
     QtTimers timers_;
     RecordingOperator person_;
     SettingsCollection settings_;
-    std::unique_ptr<Timer> progress_ = timers_.NewTimer("TimerProgress");
-    HttpRequester http_{{settings_, events_, clock_, person_, *progress_}};
+    std::unique_ptr<Timer> TimerProgress_ = timers_.NewTimer("TimerProgress");
+    const CycleState state_;
+    RequestProgress progress_{{events_, person_, state_, *TimerProgress_}};
+    HttpRequester http_{{settings_, events_, clock_, progress_}};
     std::unique_ptr<WebServer> web_;
 };
 

@@ -19,6 +19,8 @@ namespace korvane {
 namespace {
 
 constexpr std::size_t kPiece = 65536;
+/// Locked by the process that holds the folder.
+constexpr const char* kHoldFile = "korvane.lock";
 
 bool NoSuchFile(int error) {
     return error == ENOENT || error == ENOTDIR;
@@ -56,7 +58,26 @@ void ReadPieces(const Descriptor& file, const std::string& path, Take take) {
     }
 }
 
+// With the folders above it, which anybody may look into. A folder that is there stays as it is.
+void MakeFolder(const std::filesystem::path& path, mode_t mode) {
+    std::error_code error;
+    if (path.empty() || std::filesystem::is_directory(path, error)) return;
+    const std::filesystem::path above = path.has_filename() ? path.parent_path() : path.parent_path().parent_path();
+    MakeFolder(above, 0755);
+    if (::mkdir(path.c_str(), mode) == 0) return;
+    if (errno == EEXIST) {
+        if (std::filesystem::is_directory(path, error)) return;
+        errno = ENOTDIR;
+    }
+    ThrowFileError("create folder", path);
+}
+
 }  // namespace
+
+void KeepOthersFromWriting() {
+    const mode_t before = ::umask(0);
+    ::umask(before | S_IWGRP | S_IWOTH);
+}
 
 std::optional<FileIdentity> LinuxFiles::Identity(const std::string& path) {
     struct stat status {};
@@ -82,7 +103,7 @@ void LinuxFiles::Replace(const std::string& path, std::string_view text) {
 }
 
 void LinuxFiles::Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) {
-    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file || ::fstat(file.Number(), &status) != 0) ThrowFileError("write", path);
     const auto size = static_cast<std::int64_t>(bytes.size());
@@ -94,9 +115,10 @@ void LinuxFiles::Overwrite(const std::string& path, std::int64_t offset, std::st
 }
 
 void LinuxFiles::Append(const std::string& path, std::string_view text) {
-    const Descriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0640));
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0640));
     struct stat before {};
     if (!file || ::fstat(file.Number(), &before) != 0) ThrowFileError("write", path);
+    if (!S_ISREG(before.st_mode)) throw Error("Cannot write " + path + ": it is not a file");
     ssize_t written = 0;
     do {
         written = ::write(file.Number(), text.data(), text.size());
@@ -152,22 +174,30 @@ std::vector<std::string> LinuxFiles::FileNames(const std::string& folder) {
 }
 
 void LinuxFiles::CreateFolder(const std::string& path) {
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (error) throw Error("Cannot create folder " + path + ": " + error.message());
+    MakeFolder(path, 0755);
 }
 
+void LinuxFiles::CreatePrivateFolder(const std::string& path) {
+    MakeFolder(path, 0700);
+}
+
+// A lock on the folder itself could be taken by everybody who can look into it.
 bool LinuxFiles::HoldFolder(const std::string& path) {
-    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    struct stat status {};
-    if (!folder || ::fstat(folder.Number(), &status) != 0) ThrowFileError("hold", path);
+    const std::string name = path + "/" + kHoldFile;
+    Descriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    struct stat status {
+    }, folder{};
+    if (!file || ::fstat(file.Number(), &status) != 0 || ::stat(path.c_str(), &folder) != 0) ThrowFileError("hold", path);
+    // A start by root must not keep the owner out.
+    const bool isOwners = status.st_uid == folder.st_uid;
+    [[maybe_unused]] const bool given = isOwners || ::fchown(file.Number(), folder.st_uid, folder.st_gid) == 0;
     const auto held = [&](const Hold& hold) { return hold.device == status.st_dev && hold.inode == status.st_ino; };
     if (std::any_of(holds_.begin(), holds_.end(), held)) return true;
-    if (::flock(folder.Number(), LOCK_EX | LOCK_NB) != 0) {
+    if (::flock(file.Number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) return false;
         ThrowFileError("hold", path);
     }
-    holds_.push_back({status.st_dev, status.st_ino, std::move(folder)});
+    holds_.push_back({status.st_dev, status.st_ino, std::move(file)});
     return true;
 }
 

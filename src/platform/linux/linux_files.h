@@ -12,6 +12,10 @@
 
 namespace korvane {
 
+/// From now on nothing that this process or a program that it starts makes can be written by others, whatever the process
+/// inherited.
+void KeepOthersFromWriting();
+
 /// Append and Overwrite leave it to the system when the bytes get to the disk: they survive the end of the program, not always
 /// that of the machine.
 ///
@@ -30,8 +34,9 @@ public:
     void Rename(const std::string& from, const std::string& to) override;
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
+    void CreatePrivateFolder(const std::string& path) override;
 
-    /// The hold ends with this object or the process. Throws Error when the folder cannot be opened or its file system knows no
+    /// The hold ends with this object or the process. Throws Error when the folder cannot be written or its file system knows no
     /// locks.
     bool HoldFolder(const std::string& path) override;
 

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <string_view>
 
@@ -26,6 +27,9 @@ constexpr std::string_view kShellSigns = "|&;<>()$`\\\"'*?[]{}#~=%!\n\r";
 constexpr std::size_t kMostWatched = 100;
 
 constexpr std::string_view kPagePlace = "%s";
+
+/// A program that fails within this time has not opened what it was given; one that fails later has shown it for a while.
+constexpr std::chrono::seconds kGivesUpWithin{10};
 
 /// For a desktop that has no xdg-open: editors with a window of their own.
 constexpr const char* kTextEditors[] = {"gnome-text-editor", "gedit", "kate", "kwrite", "mousepad", "xed", "pluma", "featherpad"};
@@ -100,8 +104,8 @@ std::vector<Words> BrowserCommands(const std::string& page) {
 }
 
 /// Whether there is nothing left of it.
-bool Reap(pid_t pid) {
-    const pid_t ended = ::waitpid(pid, nullptr, WNOHANG);
+bool Reap(pid_t pid, int& status) {
+    const pid_t ended = ::waitpid(pid, &status, WNOHANG);
     return ended == pid || (ended < 0 && errno == ECHILD);
 }
 
@@ -128,11 +132,11 @@ int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
     return pid;
 }
 
-int LinuxProcesses::Start(const Words& words) {
+int LinuxProcesses::Start(const Words& words, const std::function<void(int status)>& ended) {
     ReapUnwatched();
     pid_t pid = 0;
     Check(FreshStart().Spawn(words, pid));
-    ReapAtItsEnd(pid);
+    ReapAtItsEnd(pid, ended);
     return pid;
 }
 
@@ -145,28 +149,44 @@ std::string LinuxProcesses::DefaultProgram(const std::string& extension) {
     return commands.empty() ? "" : commands.front().front();
 }
 
-void LinuxProcesses::OpenPage(const std::string& path) {
+bool LinuxProcesses::OpenPage(const std::string& path, const NotOpened& notOpened) {
     std::vector<Words> ways = BrowserCommands(path);
     ways.insert(ways.begin(), {"xdg-open", path});
-    StartFirstThere(ways);
+    return Open(std::move(ways), "", notOpened);
 }
 
-void LinuxProcesses::OpenText(const std::string& path) {
+bool LinuxProcesses::OpenText(const std::string& path, const NotOpened& notOpened) {
     std::vector<Words> ways{{"xdg-open", path}};
     for (const char* editor : kTextEditors)
         ways.push_back({editor, path});
-    StartFirstThere(ways);
+    return Open(std::move(ways), "", notOpened);
 }
 
-void LinuxProcesses::StartFirstThere(const std::vector<Words>& ways) {
-    for (std::size_t way = 0; way + 1 < ways.size(); ++way) {
-        if (IgnoreErrors([&] { Start(ways[way]); })) return;
+// The next way is tried where one is not there, and where it gives up, as xdg-open does that knows no program. Told is why the
+// first one, which is the desktop's own, did not open it.
+bool LinuxProcesses::Open(std::vector<Words> ways, std::string why, const NotOpened& notOpened) {
+    while (!ways.empty()) {
+        const Words words = std::move(ways.front());
+        ways.erase(ways.begin());
+        try {
+            Start(words, [=, this, name = words.front(), began = std::chrono::steady_clock::now()](int status) {
+                const bool failed = WIFEXITED(status) && WEXITSTATUS(status) != 0;
+                if (!failed || std::chrono::steady_clock::now() - began > kGivesUpWithin) return;
+                const std::string gaveUp = name + " ended with status " + std::to_string(WEXITSTATUS(status));
+                Open(ways, why.empty() ? gaveUp : why, notOpened);
+            });
+            return true;
+        } catch (const std::exception& error) {
+            if (why.empty()) why = words.front() + ": " + error.what();
+        }
     }
-    Start(ways.back());
+    notOpened(why);
+    return false;
 }
 
-void LinuxProcesses::ReapAtItsEnd(pid_t pid) {
+void LinuxProcesses::ReapAtItsEnd(pid_t pid, const std::function<void(int status)>& ended) {
     Child child;
+    child.ended = ended;
     if (watched_.size() < kMostWatched) child.end = OpenProcess(pid);
     const auto watch = [&] { child.watch = events_.WatchReadable(child.end.Number(), [this, pid] { Ended(pid); }); };
     if (child.end && IgnoreErrors(watch)) {
@@ -178,16 +198,21 @@ void LinuxProcesses::ReapAtItsEnd(pid_t pid) {
 
 void LinuxProcesses::Ended(pid_t pid) {
     ReapUnwatched();
-    if (!Reap(pid)) return;
+    int status = 0;
+    if (!Reap(pid, status)) return;
+    const auto ended = std::move(watched_[pid].ended);
     watched_.erase(pid);
-    if (unwatched_.empty()) return;
-    const pid_t next = unwatched_.back();  // there is a descriptor for one more now
-    unwatched_.pop_back();
-    ReapAtItsEnd(next);
+    if (!unwatched_.empty()) {
+        const pid_t next = unwatched_.back();  // there is a descriptor for one more now
+        unwatched_.pop_back();
+        ReapAtItsEnd(next);
+    }
+    if (ended) ended(status);
 }
 
 void LinuxProcesses::ReapUnwatched() {
-    std::erase_if(unwatched_, Reap);
+    int status = 0;
+    std::erase_if(unwatched_, [&](pid_t pid) { return Reap(pid, status); });
 }
 
 }  // namespace korvane

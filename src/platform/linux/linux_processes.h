@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -25,23 +26,25 @@ public:
     int Shell(const std::string& command, WindowStyle style) override;
 
     /// As Shell, for a command that is in words already: the first names the program, and none of them is looked at by a shell.
-    int Start(const std::vector<std::string>& words);
+    /// `ended` hears its status, as waitpid(2) gives it, unless the system is short of descriptors.
+    int Start(const std::vector<std::string>& words, const std::function<void(int status)>& ended = {});
 
     /// By the desktop's choice for that kind of file, or for pages by the variable BROWSER.
     std::string DefaultProgram(const std::string& extension) override;
     /// With xdg-open where it is installed, which asks the desktop; else with the commands of BROWSER, in their order.
-    void OpenPage(const std::string& path) override;
+    bool OpenPage(const std::string& path, const NotOpened& notOpened) override;
     /// With xdg-open where it is installed, else with the first editor that is.
-    void OpenText(const std::string& path) override;
+    bool OpenText(const std::string& path, const NotOpened& notOpened) override;
 
 private:
     struct Child {
         Descriptor end;  ///< readable when the process has ended
         std::unique_ptr<Events::Watch> watch;
+        std::function<void(int status)> ended;
     };
 
-    void StartFirstThere(const std::vector<std::vector<std::string>>& ways);
-    void ReapAtItsEnd(pid_t pid);
+    bool Open(std::vector<std::vector<std::string>> ways, std::string why, const NotOpened& notOpened);
+    void ReapAtItsEnd(pid_t pid, const std::function<void(int status)>& ended = {});
     void Ended(pid_t pid);
     void ReapUnwatched();
 

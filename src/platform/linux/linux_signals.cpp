@@ -40,6 +40,7 @@ void SetHandler(std::initializer_list<int> signals, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
+    sigfillset(&action.sa_mask);  // a second one on top of the first would be noted before it
     for (const int signal : signals) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);

@@ -52,9 +52,17 @@ std::string OwnerOf(const std::string& folder) {
     return NameOfUser(::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::getuid());
 }
 
+/// In the words of the manager.
+class ManagerRefusal : public Error {
+public:
+    using Error::Error;
+};
+
 ManagerAnswer AnswerOf(const std::function<std::string()>& deed) {
     try {
         return {.done = true, .words = deed()};
+    } catch (const ManagerRefusal& refusal) {
+        return {.done = false, .words = refusal.what(), .ofManager = true};
     } catch (const std::exception& error) {
         return {.done = false, .words = error.what()};
     }
@@ -123,7 +131,8 @@ void SystemdManager::Order(std::vector<std::string> words, std::chrono::millisec
     const ProgramResult result = Ask(std::move(words), limit);
     if (result.status == 0) return;
     const std::string said = TrimAll(result.output);
-    throw Error(said.empty() ? "systemctl ended with status " + std::to_string(result.status) : said);
+    if (said.empty()) throw Error("systemctl ended with status " + std::to_string(result.status));
+    throw ManagerRefusal(said);
 }
 
 void SystemdManager::TryOrder(std::vector<std::string> words) {

@@ -128,6 +128,7 @@ std::string UnitText(const std::string& name, const ServiceProgram& program, Uni
     for (const std::string& folder : program.folders)
         CheckPath(folder, scope);
     const std::pair<std::string_view, std::string> places[] = {
+        {"@WHOSE@", scope == UnitScope::System ? "the system." : "the user who installed it."},
         {"@DESCRIPTION@", Description(name)},
         {"@PROGRAM@", Quoted(program.program)},
         {"@FOLDER@", Plain(program.home)},

@@ -42,7 +42,7 @@ public:
 private:
     // A program that was killed may have left a journal beside its copy.
     void Remove() const {
-        for (const std::string_view end : {"", "-journal"})
+        for (const std::string_view end : {"", "-journal", "-wal", "-shm"})
             ::unlink((path_ + std::string(end)).c_str());
     }
 

@@ -24,6 +24,11 @@ void QtSqlConnection::CommitTrans() {
     session_->Commit();
 }
 
+void QtSqlConnection::TryWriting() {
+    if (!session_) throw Error("The connection is not open.");
+    session_->TryWriting();
+}
+
 // To open a file and to learn its tables costs more than most of what is done with it then.
 std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     const auto kept = std::exchange(state_->kept, nullptr);

@@ -18,6 +18,7 @@ public:
     void Close() override;
     void BeginTrans() override;
     void CommitTrans() override;
+    void TryWriting() override;
 
     /// Nothing while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }

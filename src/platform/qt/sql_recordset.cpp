@@ -12,11 +12,13 @@ void QtSqlRecordset::Open(std::string_view source, Connection& connection, Curso
     if (rows_) throw Error("The recordset is already open.");
     const auto* open = dynamic_cast<QtSqlConnection*>(&connection);
     if (open == nullptr || !open->Session()) throw Error("The connection is not open.");
-    const SelectText select = ParseSelect(WithStoredDates(source));
+    SelectText select = ParseSelect(WithStoredDates(source));
     if (!ToLower(select.query).starts_with("select ")) throw Error("A recordset is opened on a SELECT query.");
     session_ = open->Session();
     lockType_ = lock;
     try {
+        // An index would answer in its own order otherwise.
+        if (select.LacksOrder()) select.OrderBy(session_->KeyOf(select.table));
         if (select.IsOneTable()) table_.emplace(session_, select.table);
         if (table_ && cursor == CursorType::Keyset) {
             rows_ = std::make_unique<KeysetRows>(*session_, select, *table_);

@@ -70,6 +70,7 @@ struct SqlSession::Driver {
     OwnDatabase database;
     std::map<std::string, QSqlQuery> statements;
     std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns;
+    std::map<std::string, std::string, LessNoCase> keys;  ///< by table
 };
 
 SqlSession::SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf)
@@ -155,7 +156,7 @@ void SqlSession::Commit() {
     try {
         SelectPrepared("COMMIT", {}).finish();
     } catch (const Error&) {
-        QSqlQuery(driver_->database).exec(QStringLiteral("ROLLBACK"));
+        RollBack();
         throw;
     }
 }
@@ -177,6 +178,35 @@ std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table
         columns =
             std::make_shared<SqlColumns>(Select("SELECT * FROM " + QuotedName(table) + " LIMIT 0").record(), table, kindOf_);
     return columns;
+}
+
+// A view has no rows of its own: its rows come as they come.
+const std::string& SqlSession::KeyOf(const std::string& table) {
+    std::string& key = driver_->keys[table];
+    if (!key.empty()) return key;
+    const std::string name = '\'' + ReplaceAll(table, "'", "''") + '\'';
+    QSqlQuery columns = Select("SELECT name FROM pragma_table_info(" + name + ") WHERE pk > 0 ORDER BY pk");
+    while (Next(columns))
+        key += (key.empty() ? "" : ",") + QuotedName(columns.value(0).toString().toStdString());
+    QSqlQuery view = Select("SELECT 1 FROM sqlite_master WHERE type = 'view' AND name = " + name + " COLLATE NOCASE");
+    if (key.empty()) key = Next(view) ? "NULL" : "rowid";
+    return key;
+}
+
+// The exclusive lock shows a reader that would hold up the end of each change, and the journal a disk without room.
+void SqlSession::TryWriting() {
+    SelectPrepared("BEGIN EXCLUSIVE", {}).finish();
+    try {
+        Select("PRAGMA user_version=1");
+    } catch (const Error&) {
+        RollBack();
+        throw;
+    }
+    RollBack();
+}
+
+void SqlSession::RollBack() {
+    QSqlQuery(driver_->database).exec(QStringLiteral("ROLLBACK"));
 }
 
 void SqlSession::RequireOpen() const {

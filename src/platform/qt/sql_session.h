@@ -75,10 +75,16 @@ public:
     /// Writes a compact copy of the database into the empty file `path`. Throws Error.
     void CopyInto(const std::string& path);
 
+    /// Throws Error when nothing can be written to the file now. It stays as it is.
+    void TryWriting();
+
     bool InTransaction() const { return inTransaction_; }
 
     /// The columns of a table. Throws Error when there is no such table.
     std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
+
+    /// What orders the rows of a table by its primary key. Throws Error.
+    const std::string& KeyOf(const std::string& table);
 
     const ColumnKindOf& KindOf() const { return kindOf_; }
 
@@ -91,6 +97,7 @@ private:
     QSqlQuery& Prepare(const std::string& sql, const SqlBound& values);
     void RequireOpen() const;
     void PrepareForChanges();
+    void RollBack();
     [[noreturn]] void Fail(const QSqlError& error);
 
     std::string path_;

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "base/error.h"
 #include "base/text.h"
+#include "platform/connection.h"
 #include "platform/qt/sql_text.h"
 #include "platform/qt/sql_values.h"
 
@@ -143,7 +143,7 @@ void SqlTable::Update(std::int64_t key, const std::vector<SqlChange>& changes) {
     values.append(KeyOf(key));
     const auto changed =
         session_->Change("UPDATE " + quotedName_ + " SET " + PendingNames(changes, "=?") + " WHERE `ID`=?", values);
-    if (changed.rows == 0) throw Error(kRowIsGone);
+    if (changed.rows == 0) throw RowGoneError(kRowIsGone);
 }
 
 void SqlTable::Delete(std::int64_t key) {

@@ -1,6 +1,7 @@
 #include "platform/qt/sql_text.h"
 
-#include <optional>
+#include <algorithm>
+#include <initializer_list>
 
 #include "base/datetime.h"
 #include "base/error.h"
@@ -37,6 +38,7 @@ std::string TakeValue(std::string_view& rest) {
         const auto end = rest.find(quote);
         value = rest.substr(0, end);
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+        if (quote == '"' && rest.starts_with(quote)) return value + quote + TakeValue(rest);
     }
     const auto end = rest.find(';');
     if (quote == '\0') value = Trim(rest.substr(0, end));
@@ -65,6 +67,16 @@ public:
 
     bool AtKeyword(std::string_view keyword) const { return EqualsNoCase(Word(), keyword); }
 
+    /// Steps over a word, a quotation, what stands in parentheses, or one symbol.
+    void Skip() {
+        if (Word().empty() && rest_.starts_with('(')) return SkipParentheses();
+        const char closing = rest_.empty() ? '\0' : ClosingOf(rest_.front());
+        std::size_t length = std::max<std::size_t>(Word().size(), 1);
+        if (closing != '\0') length = std::min(rest_.find(closing, 1), rest_.size() - 1) + 1;
+        rest_.remove_prefix(std::min(length, rest_.size()));
+        SkipBlanks();
+    }
+
     /// A name, plain or between brackets or quotes; empty when there is none.
     std::string TakeName() {
         const char closing = rest_.empty() ? '\0' : ClosingOf(rest_.front());
@@ -85,6 +97,11 @@ public:
 private:
     std::string_view Word() const { return rest_.substr(0, rest_.find_first_not_of(kNameCharacters)); }
 
+    void SkipParentheses() {
+        for (Take("("); !rest_.empty() && !Take(")");)
+            Skip();
+    }
+
     void SkipBlanks() {
         const auto start = rest_.find_first_not_of(kBlanks);
         rest_.remove_prefix(start == std::string_view::npos ? rest_.size() : start);
@@ -93,16 +110,27 @@ private:
     std::string_view rest_;
 };
 
-// "*", or names of columns with ID among them.
-bool TakeRowList(Words& words) {
-    if (words.Take("*")) return true;
-    bool hasId = false;
+// "*", or names of columns. `hasRows`: "*" or ID is among them.
+bool TakeList(Words& words, bool& hasRows) {
+    hasRows = words.Take("*");
+    if (hasRows) return true;
     do {
         const std::string name = words.TakeName();
         if (name.empty()) return false;
-        hasId = hasId || EqualsNoCase(name, "ID");
+        hasRows = hasRows || EqualsNoCase(name, "ID");
     } while (words.Take(","));
-    return hasId;
+    return true;
+}
+
+// Where the first of the keywords stands outside of quotations and parentheses; the length of the text when none does.
+std::size_t PlaceOf(std::initializer_list<std::string_view> keywords, std::string_view text) {
+    Words words(text);
+    const auto found = [&] {
+        return std::any_of(keywords.begin(), keywords.end(), [&](std::string_view each) { return words.AtKeyword(each); });
+    };
+    while (!words.Rest().empty() && !found())
+        words.Skip();
+    return text.size() - words.Rest().size();
 }
 
 }  // namespace
@@ -161,16 +189,29 @@ std::string SelectText::Selecting(std::string_view list) const {
     return text + " FROM (" + query + ')';
 }
 
+bool SelectText::LacksOrder() const {
+    return !table.empty() && PlaceOf({"ORDER", "GROUP", "UNION", "EXCEPT", "INTERSECT"}, rest) == rest.size();
+}
+
+void SelectText::OrderBy(std::string_view list) {
+    const std::size_t place = PlaceOf({"LIMIT"}, rest);
+    const std::string order = " ORDER BY " + std::string(list) + ' ';
+    query.insert(query.size() - rest.size() + place, order);
+    rest.insert(place, order);
+}
+
 SelectText ParseSelect(std::string_view query) {
     SelectText select;
     select.query = query.substr(0, query.find_last_not_of(" \t\r\n;") + 1);
     Words words(select.query);
-    if (!words.TakeKeyword("SELECT") || !TakeRowList(words) || !words.TakeKeyword("FROM")) return select;
+    bool hasRows = false;
+    if (!words.TakeKeyword("SELECT") || !TakeList(words, hasRows) || !words.TakeKeyword("FROM")) return select;
     std::string table = words.TakeName();
     const bool ends = words.Rest().empty() || words.AtKeyword("WHERE") || words.AtKeyword("ORDER") || words.AtKeyword("LIMIT");
     if (!ends) return select;
     select.rest = words.Rest();
     select.table = std::move(table);
+    select.hasRows = hasRows;
     return select;
 }
 

@@ -18,12 +18,18 @@ std::string QuotedName(std::string_view name);
 
 /// A query whose select list can be exchanged.
 struct SelectText {
-    std::string query;  ///< without a ";" at its end
-    std::string table;  ///< of "SELECT * FROM <table> [WHERE|ORDER|LIMIT ...]"; empty for every other form
-    std::string rest;   ///< what follows the table
+    std::string query;     ///< without a ";" at its end
+    std::string table;     ///< of "SELECT <* or plain names> FROM <table> [WHERE|ORDER|LIMIT ...]"; empty for every other form
+    std::string rest;      ///< what follows the table
+    bool hasRows = false;  ///< the list is "*" or has ID in it
 
-    /// Its rows are rows of one table. A list of plain column names with ID among them is as good as "*".
-    bool IsOneTable() const { return !table.empty(); }
+    /// Its rows are rows of one table.
+    bool IsOneTable() const { return hasRows; }
+
+    /// Whether rows of `table` come in no order that the query names, and may be given one.
+    bool LacksOrder() const;
+    /// Adds the order.
+    void OrderBy(std::string_view list);
 
     /// The same rows in the same order with another select list.
     std::string Selecting(std::string_view list) const;

@@ -61,7 +61,7 @@ frmAbout::frmAbout(AboutKorvane about, QWidget* parent) : QDialog(parent), about
     top->addWidget(picture, 0, Qt::AlignTop);
     top->addLayout(Content(), 1);
     auto* buttons = new QDialogButtonBox(this);
-    QPushButton* cmdOk = buttons->addButton("OK", QDialogButtonBox::AcceptRole);
+    QPushButton* cmdOk = buttons->addButton("O&K", QDialogButtonBox::AcceptRole);
     cmdOk->setObjectName("cmdOk");
     cmdOk->setDefault(true);
     cmdOk->setFocus();

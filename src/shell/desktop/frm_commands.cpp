@@ -115,8 +115,8 @@ QWidget* frmCommands::Buttons() {
         connect(button, &QPushButton::clicked, this, [this, click] { (this->*click)(); });
         return button;
     };
-    add("cmdOk", "OK", QDialogButtonBox::AcceptRole, &frmCommands::cmdOk_Click)->setDefault(true);
-    add("cmdCancel", "Cancel", QDialogButtonBox::RejectRole, &frmCommands::reject);
+    add("cmdOk", "O&K", QDialogButtonBox::AcceptRole, &frmCommands::cmdOk_Click)->setDefault(true);
+    add("cmdCancel", "Cance&l", QDialogButtonBox::RejectRole, &frmCommands::reject);
     add("cmdHelp", "&Help", QDialogButtonBox::HelpRole, &frmCommands::cmdHelp_Click)->setAutoDefault(false);
     return buttons;
 }

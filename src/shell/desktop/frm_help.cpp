@@ -49,7 +49,7 @@ QWidget* frmHelp::Buttons() {
     };
     add("cmdOpen", "&Open again", QDialogButtonBox::ActionRole, [this] { cmdOpen_Click(); });
     add("cmdCopy", "&Copy address", QDialogButtonBox::ActionRole, [this] { cmdCopy_Click(); });
-    QPushButton* cmdClose = add("cmdClose", "Close", QDialogButtonBox::RejectRole, [this] { close(); });
+    QPushButton* cmdClose = add("cmdClose", "C&lose", QDialogButtonBox::RejectRole, [this] { close(); });
     cmdClose->setDefault(true);
     cmdClose->setFocus();
     return buttons;

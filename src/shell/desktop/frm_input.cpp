@@ -42,10 +42,10 @@ frmInput::frmInput(const std::string& title, const std::string& prompt, std::fun
 
 QWidget* frmInput::Buttons() {
     auto* buttons = new QDialogButtonBox(this);
-    QPushButton* cmdOk = buttons->addButton("OK", QDialogButtonBox::AcceptRole);
+    QPushButton* cmdOk = buttons->addButton("O&K", QDialogButtonBox::AcceptRole);
     cmdOk->setObjectName("cmdOk");
     cmdOk->setDefault(true);
-    buttons->addButton("Cancel", QDialogButtonBox::RejectRole)->setObjectName("cmdCancel");
+    buttons->addButton("&Cancel", QDialogButtonBox::RejectRole)->setObjectName("cmdCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, [this] { accept(); });
     connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
     return buttons;

@@ -3,13 +3,9 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QHeaderView>
 #include <QScreen>
 #include <algorithm>
 
-#include "base/ignore_errors.h"
-#include "base/numbers.h"
-#include "base/text.h"
 #include "shell/desktop/icons.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/run.h"
@@ -23,6 +19,8 @@ constexpr int kTwipsAPixel = 15;
 constexpr int kTwipsARow = 270;
 constexpr int kTwipsBesideRows = 700;
 constexpr int kTwipsBesideList = 3500;
+constexpr int kLeastWidth = 3310;   // twips
+constexpr int kLeastHeight = 5030;  // twips
 constexpr QPoint kPlace{100 / kTwipsAPixel + 1, 100 / kTwipsAPixel + 1};
 constexpr auto kTimer3Interval = 9500ms;
 constexpr int kBlinkEvery = 5;
@@ -30,13 +28,6 @@ constexpr int kBlinkTop = 15000;
 
 constexpr const char* kWelcomeBack = "These status messages are updated only if Korvane is visible. Welcome Back.";
 constexpr const char* kPausedTip = " Korvane: Server Monitoring Paused.  No Monitoring is occurring. ";
-
-constexpr std::string_view kWindowSection = "Window";
-constexpr std::string_view kColumnsKey = "ListColumns";
-
-int Twips(int pixels) {
-    return pixels * kTwipsAPixel;
-}
 
 }  // namespace
 
@@ -56,8 +47,8 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     run_ = &run;
     exit_ = std::move(exit);
     commands_ = std::make_unique<MonitorCommands>(run);
-    resources_ = std::make_unique<ResourceWindows>(
-        run.TheDesk(), [this](ResourceMonitor monitor) { ckResources_[static_cast<std::size_t>(monitor)]->setChecked(false); });
+    resources_ =
+        std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
     forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
     BuildMenus();
     BuildTray();
@@ -66,45 +57,58 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
 }
 
 void frmMonitor::BeforeExit() {
-    RememberColumns();
+    if (run_->SavesOnExit()) RememberColumns();
     tray_->Remove();
 }
 
 int frmMonitor::ScreenWidth() const {
-    return Twips(screen()->availableGeometry().width());
+    return screen()->availableGeometry().width() * kTwipsAPixel;
 }
 
 // What a maximised window goes back to; a size that fills this screen would be wrong on the next.
 int frmMonitor::Width() const {
-    return Twips(isMaximized() ? normalGeometry().width() : width());
+    return width_.Twips(isMaximized() ? normalGeometry().width() : width());
 }
 
 int frmMonitor::Height() const {
-    return Twips(isMaximized() ? normalGeometry().height() : height());
+    return height_.Twips(isMaximized() ? normalGeometry().height() : height());
+}
+
+// A size that nobody has changed since it was read is saved as it was read.
+int frmMonitor::SavedLength::Twips(int pixelsNow) const {
+    return pixelsNow == pixels ? twips : pixelsNow * kTwipsAPixel;
 }
 
 // Settings may come from a larger screen, or from anywhere. The frame has to find room too.
 void frmMonitor::SetWidth(int twips) {
     resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width() - 2 * kPlace.x()), height());
+    width_ = {std::max(twips, kLeastWidth), width()};
 }
 
 void frmMonitor::SetHeight(int twips) {
     const int frame = 2 * fontMetrics().height() + kPlace.y();
     resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height() - frame));
+    height_ = {std::max(twips, kLeastHeight), height()};
+}
+
+void frmMonitor::SetTitle(const std::string& title) {
+    setWindowTitle(Q(title));
 }
 
 void frmMonitor::SetCaptions(const Captions& captions) {
-    setWindowTitle(Q(captions.title));
     menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
     menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
 void frmMonitor::Place(bool shown) {
     move(screen()->availableGeometry().topLeft() + kPlace);
-    RestoreColumns();
+    columns_->Restore(run_->TheDesk().settingsFile);
     placed_ = true;
-    if (shown && !hiddenAtStart_) show();
-    if (hiddenAtStart_) HideOrIconify();
+    const bool outOfSight = !shown || hiddenAtStart_;
+    if (outOfSight && MonitorTray::Available()) return HideOrIconify();
+    // Without an icon a start out of sight would look like no start at all: not every desktop has a task bar either.
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    show();
 }
 
 void frmMonitor::MinimizeToTray() {
@@ -174,27 +178,21 @@ void frmMonitor::Form_Resize() {
     const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
     const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
     ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
-}
-
-void frmMonitor::RestoreColumns() {
-    columnsAsStored_ = run_->TheDesk().settingsFile.Read(kWindowSection, kColumnsKey, "");
-    const std::vector<std::string> widths = Split(columnsAsStored_, ',');
-    if (widths.size() != column::Count) return;
-    for (int i = 0; i < column::Count; ++i) {
-        IgnoreErrors([&] {
-            const int width = CheckedInt32(ParseWhole(widths[static_cast<std::size_t>(i)]));
-            ListView1->setColumnWidth(i, std::clamp(width, ListView1->header()->minimumSectionSize(), 2000));
-        });
-    }
+    columns_->Fit();
 }
 
 void frmMonitor::RememberColumns() {
-    std::string widths;
-    for (int i = 0; i < column::Count; ++i)
-        widths += (i > 0 ? "," : "") + std::to_string(ListView1->columnWidth(i));
-    if (widths == columnsAsStored_) return;
-    columnsAsStored_ = widths;
-    run_->TheDesk().settingsFile.Write(kWindowSection, kColumnsKey, widths);
+    columns_->Remember(run_->TheDesk().settingsFile);
+}
+
+// The keyboard comes back to the list from a window that the operator has left; one that its mark has closed did not have it.
+void frmMonitor::ResourceWindowHidden(ResourceMonitor monitor) {
+    QCheckBox& mark = *ckResources_[static_cast<std::size_t>(monitor)];
+    const bool left = mark.isChecked();
+    mark.setChecked(false);
+    if (!left || !WindowVisible()) return;
+    activateWindow();
+    ListView1->setFocus();
 }
 
 // The desktop may lose the icon, or its notification area with all icons: then the window must be reachable in the task bar.

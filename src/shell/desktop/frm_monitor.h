@@ -19,6 +19,7 @@
 #include "platform/operator.h"
 #include "platform/timer.h"
 #include "shell/desktop/conversation_viewer.h"
+#include "shell/desktop/list_columns.h"
 #include "shell/desktop/mail_trace_viewer.h"
 #include "shell/desktop/message_queue.h"
 #include "shell/desktop/monitor_forms.h"
@@ -48,7 +49,7 @@ public:
     ConversationWindow& Conversation() { return conversation_; }
     MailTrace& Mail() { return mailTrace_; }
 
-    /// The process is about to end: the column widths are stored, the tray icon is taken away.
+    /// The process is about to end: the columns are stored, the tray icon is taken away.
     void BeforeExit();
 
     // The person at the desk.
@@ -79,6 +80,7 @@ public:
     int Height() const override;
     void SetWidth(int twips) override;
     void SetHeight(int twips) override;
+    void SetTitle(const std::string& title) override;
     void SetCaptions(const Captions& captions) override;
     void Place(bool shown) override;
     void MinimizeToTray() override;
@@ -116,6 +118,13 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// A width or height of the settings file, and the pixels that it became: on a small screen fewer.
+    struct SavedLength {
+        int twips = 0;
+        int pixels = -1;
+        int Twips(int pixelsNow) const;
+    };
+
     void BuildWidgets();
     QLayout* BuildButtons();
     QLayout* BuildProgress();
@@ -136,11 +145,12 @@ private:
     void SelectEntry(const std::string& id);
     std::string SelectedId() const;
     std::string SelectedName() const;
-    void RestoreColumns();
+    void CopyRowText();
     void RememberColumns();
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
+    void ResourceWindowHidden(ResourceMonitor monitor);
     void Tell(frmMSG::Kind kind, const std::string& title, const std::string& text);
     QWidget* MessageParent() const;
 
@@ -159,7 +169,9 @@ private:
     MailTraceViewer mailTrace_;
     std::unique_ptr<Timer> Timer3_;
     std::unique_ptr<Timer> Timer4_;
-    std::string columnsAsStored_;
+    ListColumns* columns_;
+    SavedLength width_;
+    SavedLength height_;
     int nBlink_ = 0;
     bool monitoring_ = true;
     bool isAddUrl_ = false;

@@ -1,4 +1,6 @@
 // The main window's commands on entries: the selected row, the editor over it, and the row that is selected behind them.
+#include <QClipboard>
+#include <QGuiApplication>
 #include <algorithm>
 
 #include "shell/desktop/frm_monitor.h"
@@ -62,6 +64,15 @@ void frmMonitor::cmdDeleteURL_Click() {
 void frmMonitor::cmdCopyPaste_Click() {
     const std::string copy = commands_->CopyURL(SelectedId());
     if (!copy.empty()) SelectEntry(copy);
+}
+
+// As the list shows it, for a mail or a spreadsheet.
+void frmMonitor::CopyRowText() {
+    QStringList cells;
+    for (int column = 0; column < column::Count; ++column)
+        for (const QModelIndex& cell : ListView1->selectionModel()->selectedRows(column))
+            cells.append(cell.data().toString());
+    if (!cells.isEmpty()) QGuiApplication::clipboard()->setText(cells.join('\t'));
 }
 
 std::string frmMonitor::SelectedId() const {

@@ -5,8 +5,12 @@
 #include <QMenuBar>
 #include <QShortcut>
 #include <QStatusBar>
+#include <QStyleOptionButton>
+#include <QStylePainter>
 #include <QVBoxLayout>
+#include <algorithm>
 
+#include "shell/desktop/cut_cell_tips.h"
 #include "shell/desktop/frm_monitor.h"
 #include "shell/desktop/icons.h"
 #include "shell/message_title.h"
@@ -21,14 +25,33 @@ constexpr QSize kFirstSize{980, 640};
 /// 3310 and 5030 twips.
 constexpr QSize kLeastSize{221, 336};
 
-/// The width of each column in characters, until somebody draws it to another.
-constexpr int kColumnCharacters[column::Count] = {8, 16, 12, 16, 22, 12, 15, 13, 9, 16, 24, 26, 40};
-
 template <class Widget>
 Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
     widget->setObjectName(name);
     widget->setAccessibleName(accessibleName);
     return widget;
+}
+
+/// In a narrow window the captions give way; the pictures and the tips remain.
+class CommandButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QStyleOptionButton option;
+        initStyleOption(&option);
+        const int needed = 2 * iconSize().width() + fontMetrics().size(Qt::TextShowMnemonic, text()).width();
+        if (width() < std::min(needed, sizeHint().width())) option.text.clear();
+        QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+    }
+};
+
+// What stands beside it stays where it is while this is hidden.
+void KeepPlace(QWidget& widget) {
+    QSizePolicy stays = widget.sizePolicy();
+    stays.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(stays);
 }
 
 }  // namespace
@@ -47,7 +70,7 @@ void frmMonitor::BuildWidgets() {
     rows->addWidget(txtStatus, 1);
     setCentralWidget(middle);
     BuildStatusBar();
-    setMinimumSize(kLeastSize.expandedTo(minimumSizeHint()));
+    setMinimumSize(kLeastSize);
     resize(kFirstSize);
     ListView1->setFocus();
 }
@@ -68,27 +91,28 @@ void frmMonitor::BuildList() {
     header.setSectionsClickable(true);
     header.setStretchLastSection(true);
     header.setSectionsMovable(false);
-    const int character = fontMetrics().averageCharWidth();
-    for (int i = 0; i < column::Count; ++i)
-        ListView1->setColumnWidth(i, kColumnCharacters[i] * character);
     // No column is the key of the order until somebody clicks one: the entry that is due next stands on top.
     header.setSortIndicator(-1, Qt::AscendingOrder);
     ListView1->setSortingEnabled(true);
+    ListView1->setItemDelegate(new CutCellTips(ListView1));
+    columns_ = new ListColumns(*ListView1, this);
     connect(ListView1, &QTreeView::doubleClicked, this, [this] { cmdEditURL_Click(); });
     connect(ListView1, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
-    const auto* menuKey = new QShortcut(Qt::SHIFT | Qt::Key_F10, ListView1, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(menuKey, &QShortcut::activated, this, [this] {
+    const auto onKey = [this](const QKeySequence& key, const auto& command) {
+        connect(new QShortcut(key, ListView1, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this, command);
+    };
+    onKey(Qt::SHIFT | Qt::Key_F10, [this] {
         const QRect row = ListView1->visualRect(ListView1->currentIndex());
         menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
     });
+    onKey(Qt::CTRL | Qt::Key_C, [this] { CopyRowText(); });
 }
 
 QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
-    auto* button = Named(new QPushButton(icon, caption), name, QString(caption).remove('&'));
+    QPushButton* button = Named(new CommandButton(icon, caption), name, QString(caption).remove('&'));
     button->setAutoDefault(false);
-    // On a narrow screen the captions give way; the picture and the tip remain.
-    button->setMinimumWidth(2 * button->iconSize().width());
+    button->setMinimumWidth(button->iconSize().width() * 3 / 4);
     button->setToolTip(button->accessibleName());
     connect(button, &QPushButton::clicked, this, [command = std::move(command)] { command(); });
     return button;
@@ -101,21 +125,22 @@ QLayout* frmMonitor::BuildButtons() {
         row->addWidget(button);
         return button;
     };
-    cmdStopStart = add("cmdStopStart", "Stop", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
+    cmdStopStart = add("cmdStopStart", "S&top", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
     cmdStopStart->setToolTip("Stops or starts monitoring (F9)");
-    cmdStopWaiting = add("cmdStopWaiting", "Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
+    cmdStopWaiting = add("cmdStopWaiting", "&Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
     cmdStopWaiting->setToolTip("Begins without waiting, with every server due at once (F5)");
+    KeepPlace(*cmdStopWaiting);
     cmdStopWaiting->setVisible(false);
-    row->addSpacing(fontMetrics().averageCharWidth() * 2);
+    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
     add("cmdAddURL", "&Add", CommandPicture::Add, [this] { cmdAddURL_Click(); });
     add("cmdEditURL", "Ed&it", CommandPicture::Edit, [this] { cmdEditURL_Click(); });
     add("cmdCopyPaste", "&Copy", CommandPicture::Copy, [this] { cmdCopyPaste_Click(); });
     add("cmdDeleteURL", "&Delete", CommandPicture::Delete, [this] { cmdDeleteURL_Click(); });
-    row->addSpacing(fontMetrics().averageCharWidth() * 2);
-    add("cmdSave", "&Save", CommandPicture::Save, [this] { commands_->cmdSave(); });
+    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
+    add("cmdSave", "Sa&ve", CommandPicture::Save, [this] { commands_->cmdSave(); });
     add("cmdReports", "&Reports", CommandPicture::Reports, [this] { commands_->cmdReports(); });
-    add("cmdSettings", "Se&ttings", CommandPicture::Settings, [this] { forms_->ShowOptions(); });
-    add("cmdHelp", "Help", CommandPicture::Help, [this] { run_->TheDesk().pages.Show(WebPage::mnuHelpWeb); });
+    add("cmdSettings", "Settin&gs", CommandPicture::Settings, [this] { forms_->ShowOptions(); });
+    add("cmdHelp", "Hel&p", CommandPicture::Help, [this] { run_->TheDesk().pages.Show(WebPage::mnuHelpWeb); });
     row->addStretch(1);
     return row;
 }
@@ -131,9 +156,7 @@ QLayout* frmMonitor::BuildProgress() {
     ProgressBar1 = Named(new QProgressBar, "ProgressBar1", "Progress");
     ProgressBar1->setTextVisible(false);
     ProgressBar1->setMaximumHeight(fontMetrics().height());
-    QSizePolicy stays = ProgressBar1->sizePolicy();
-    stays.setRetainSizeWhenHidden(true);
-    ProgressBar1->setSizePolicy(stays);
+    KeepPlace(*ProgressBar1);
     row->addWidget(lblCount, 3);
     row->addWidget(ProgressBar1, 3);
     row->addWidget(lblCo, 5);

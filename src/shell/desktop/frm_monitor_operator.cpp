@@ -53,11 +53,11 @@ void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
 
 void frmMonitor::SetMonitoring(bool on) {
     monitoring_ = on;
-    cmdStopStart->setText(on ? "Stop" : "Start");
-    cmdStopStart->setAccessibleName(cmdStopStart->text());
+    cmdStopStart->setText(on ? "S&top" : "S&tart");
+    cmdStopStart->setAccessibleName(on ? "Stop" : "Start");
     cmdStopStart->setIcon(CommandIcon(on ? CommandPicture::Stop : CommandPicture::Start));
     QAction& action = menus_->Action("cmdStopStart");
-    action.setText(on ? "S&top" : "S&tart");
+    action.setText(cmdStopStart->text());
     action.setIcon(cmdStopStart->icon());
     setWindowIcon(ProgramIcon(on));
     tray_->SetMonitoring(on);

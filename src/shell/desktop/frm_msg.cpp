@@ -105,7 +105,7 @@ QWidget* frmMSG::Buttons(Answers answers) {
         add("cmdYes", "&Yes", QDialogButtonBox::AcceptRole);
         first = add("cmdNo", "&No", QDialogButtonBox::RejectRole);  // what is asked for most often can't be undone
     } else {
-        first = add("cmdOk", "OK", QDialogButtonBox::AcceptRole);
+        first = add("cmdOk", "O&K", QDialogButtonBox::AcceptRole);
     }
     first->setDefault(true);
     first->setFocus();

@@ -8,6 +8,7 @@
 #include <QTabWidget>
 #include <utility>
 
+#include "base/raised_flag.h"
 #include "base/text.h"
 #include "shell/desktop/frm_input.h"
 #include "shell/message_title.h"
@@ -93,8 +94,13 @@ void frmOptions::LoadProxy() {
 }
 
 void frmOptions::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
-    service_->chkService->setChecked(mnuTrayNTService && commands_.IsWindowsNT());
-    service_->chkStartup->setChecked(mnuTrayStartup);
+    ShowMark(*service_->chkService, mnuTrayNTService && commands_.IsWindowsNT());
+    ShowMark(*service_->chkStartup, mnuTrayStartup);
+}
+
+void frmOptions::ShowMark(QCheckBox& mark, bool checked) {
+    const RaisedFlag loading(loading_);
+    mark.setChecked(checked);
 }
 
 OptionsFields frmOptions::Read() const {

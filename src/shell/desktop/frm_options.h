@@ -62,6 +62,7 @@ private:
     void LoadService();
     void LoadMailServer();
     void LoadProxy();
+    void ShowMark(QCheckBox& mark, bool checked);
     OptionsFields Read() const;
     void cmdOk_Click();
     void Refuse(QLineEdit& box, const std::string& message);
@@ -74,6 +75,7 @@ private:
 
     // frm_options_commands.cpp
     void ConnectCommands();
+    void ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked));
     void cmdTestEmail_Click();
     void cmdSetProxy_Click();
     void chkService_Click(bool checked);
@@ -88,7 +90,7 @@ private:
     const OptionsCommands commands_;
     std::string proxyServer_;  ///< as detected
     std::string serviceName_;
-    bool loading_ = true;        ///< the reactions to changes do nothing
+    bool loading_ = true;        ///< it fills itself, and the reactions to changes do nothing
     bool proxyChanged_ = false;  ///< the name of the proxy, since loading
     bool saving_ = false;
     bool mailing_ = false;  ///< a test mail is under way

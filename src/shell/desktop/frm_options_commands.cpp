@@ -30,12 +30,22 @@ void frmOptions::ConnectCommands() {
     onClick(restart_->cmdTestShutDown, [this] { cmdTestShutDown_Click(); });
     onClick(restart_->cmdHelpShutDown, [this] { commands_.HelpShutDown(); });
     onClick(proxy_->cmdSetProxy, [this] { cmdSetProxy_Click(); });
-    onClick(service_->chkService, [this](bool checked) { chkService_Click(checked); });
-    onClick(service_->chkStartup, [this](bool checked) { chkStartup_Click(checked); });
+    ConnectMark(service_->chkService, &frmOptions::chkService_Click);
+    ConnectMark(service_->chkStartup, &frmOptions::chkStartup_Click);
     onClick(service_->cmdHelpService, [this] { commands_.HelpService(); });
     resets(resets_->cmdResetSummary, OptionsReset::Summary);
     resets(resets_->cmdDeleteResponse, OptionsReset::ResponseData);
     resets(resets_->cmdDeleteAll, OptionsReset::All);
+}
+
+// However the mark was changed, also by a screen reader, which does not click. What follows may be the end of this dialog, and
+// Qt still needs the mark when it has told of the change: so it follows from the pump.
+void frmOptions::ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked)) {
+    connect(mark, &QCheckBox::toggled, this, [this, changed](bool checked) {
+        if (loading_) return;
+        QMetaObject::invokeMethod(
+            this, [this, changed, checked] { (this->*changed)(checked); }, Qt::QueuedConnection);
+    });
 }
 
 void frmOptions::cmdTestEmail_Click() {
@@ -64,8 +74,8 @@ void frmOptions::chkService_Click(bool checked) {
     const bool isInstalled = commands.chkService_Click(checked);
     if (self == nullptr) return;
     service_->setEnabled(true);
-    service_->chkService->setChecked(isInstalled);
-    service_->chkStartup->setChecked(commands.IsInStartupGroup());
+    ShowMark(*service_->chkService, isInstalled);
+    ShowMark(*service_->chkStartup, commands.IsInStartupGroup());
     if (!IsClosed()) service_->chkService->setFocus();
 }
 
@@ -73,7 +83,7 @@ void frmOptions::chkStartup_Click(bool checked) {
     const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;
     const bool isInGroup = commands.chkStartup_Click(checked);
-    if (self != nullptr) service_->chkStartup->setChecked(isInGroup);
+    if (self != nullptr) ShowMark(*service_->chkStartup, isInGroup);
 }
 
 void frmOptions::cmdTestShutDown_Click() {

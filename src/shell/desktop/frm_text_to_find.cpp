@@ -65,11 +65,11 @@ QWidget* frmTextToFind::Buttons() {
     cmdTest_->setObjectName("cmdTest");
     cmdTest_->setAutoDefault(false);
     connect(cmdTest_, &QPushButton::clicked, this, [this] { cmdTest_Click(); });
-    QPushButton* cmdOk = buttons->addButton("OK", QDialogButtonBox::AcceptRole);
+    QPushButton* cmdOk = buttons->addButton("O&K", QDialogButtonBox::AcceptRole);
     cmdOk->setObjectName("cmdOk");
     cmdOk->setDefault(true);
     connect(cmdOk, &QPushButton::clicked, this, [this] { cmdOk_Click(); });
-    QPushButton* cmdCancel = buttons->addButton("Cancel", QDialogButtonBox::RejectRole);
+    QPushButton* cmdCancel = buttons->addButton("&Cancel", QDialogButtonBox::RejectRole);
     cmdCancel->setObjectName("cmdCancel");
     connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
     return buttons;

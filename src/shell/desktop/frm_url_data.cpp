@@ -40,9 +40,7 @@ void frmURLData::BuildPages() {
     server_ = new ServerPage(inputs_, this);
     eMail_ = new EMailPage(inputs_, this);
     authentication_ = new AuthenticationPage(inputs_, this);
-    auto* scanText = new ScanTextPage(this);
-    scanText_ = scanText;
-    cmdCommands_ = scanText->cmdCommands;
+    scanText_ = new ScanTextPage(this);
     commands_ = new CommandsPage(inputs_, this);
     AddPage(server_, "Server");
     AddPage(eMail_, "E-Mail");
@@ -79,7 +77,7 @@ void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
     const EntryTypeTexts& type = types_[static_cast<std::size_t>(index)];
     const EntryTypeScreen& screen = ScreenOfType(type.name);
     server_->SetScreen(screen);
-    for (QWidget* page : {authentication_, scanText_})
+    for (const QWidget* page : std::initializer_list<const QWidget*>{authentication_, scanText_})
         tabPages_->setTabEnabled(IndexOfPage(page), screen.webPages);
     server_->lblPrefix->setText(Q(type.prefix));
     server_->txtPort->setText(Q(type.port));

@@ -17,6 +17,7 @@ namespace korvane {
 
 class CommandsPage;
 class EMailPage;
+class ScanTextPage;
 class ServerPage;
 
 /// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a test of its own
@@ -94,8 +95,7 @@ private:
     ServerPage* server_ = nullptr;
     EMailPage* eMail_ = nullptr;
     QWidget* authentication_ = nullptr;
-    QWidget* scanText_ = nullptr;
-    QPushButton* cmdCommands_ = nullptr;
+    ScanTextPage* scanText_ = nullptr;
     CommandsPage* commands_ = nullptr;
     QPushButton* cmdTestURL_ = nullptr;
 };

@@ -21,6 +21,7 @@
 #include "shell/entry_save.h"
 #include "shell/entry_test.h"
 #include "shell/message_title.h"
+#include "shell/open_text.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -47,7 +48,8 @@ void frmURLData::ConnectCommands() {
     onClick(server_->cmdReport, [this] { desk_.reports.DisplayReport("0", Read().strGroup); });
     onClick(server_->cmdReset, [this] { cmdReset_Click(); });
     onClick(server_->cmdTextToFind, [this] { cmdTextToFind_Click(); });
-    onClick(cmdCommands_, [this] { cmdCommands_Click(); });
+    onClick(scanText_->cmdCommands, [this] { cmdCommands_Click(); });
+    onClick(scanText_->cmdHelpRules, [this] { desk_.pages.Show(WebPage::RulesHelp); });
 }
 
 void frmURLData::SetBusy(bool busy) {
@@ -157,11 +159,7 @@ void frmURLData::cmdTraceRoute_Click() {
         isThere = desk_.files.Exists(file);
     });
     if (!isThere) return desk_.person.ShowMessage(kMessageTitle, NoTraceMessage(getURLText()));
-    try {
-        desk_.processes.OpenText(file);
-    } catch (const std::exception& error) {
-        SetStatus(file + " could not be opened: " + error.what());
-    }
+    OpenInEditor(desk_.processes, desk_.person, file);
 }
 
 void frmURLData::cmdLastResponse_Click() {

@@ -91,6 +91,8 @@ ScanTextPage::ScanTextPage(QWidget* parent) : QWidget(parent) {
     layout->addSpacing(fontMetrics().height() / 2);
     layout->addWidget(NewExplanation("The list is saved by its own OK.", this));
     layout->addStretch();
+    cmdHelpRules = NewButton("cmdHelpRules", "&Help", "Help on failure texts", this);
+    layout->addWidget(cmdHelpRules, 0, Qt::AlignLeft);
 }
 
 CommandsPage::CommandsPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
@@ -101,7 +103,7 @@ CommandsPage::CommandsPage(EntryInputs& inputs, QWidget* parent) : QWidget(paren
     txtCMD = inputs.AddBox(&EntryFields::strCMD, "txtCMD", "Command when the server goes down", this);
     cmdChooseCMD = NewButton("cmdChooseCMD", "&Browse...", "Browse for the failure command", this);
     cmdTestCMD = NewButton("cmdTestCMD", "Tr&y", "Try the failure command", this);
-    AddRow(*downForm, "&Run:", "lblCMD", txtCMD, NewRow({txtCMD, cmdChooseCMD, cmdTestCMD}));
+    AddRow(*downForm, "Ru&n:", "lblCMD", txtCMD, NewRow({txtCMD, cmdChooseCMD, cmdTestCMD}));
     ckRestart = new QCheckBox("Re&start this computer", this);
     ckRestart->setObjectName("ckRestart");
     ckRestart->setAccessibleName("Restart this computer");
@@ -113,7 +115,7 @@ CommandsPage::CommandsPage(EntryInputs& inputs, QWidget* parent) : QWidget(paren
     up->setLayout(upForm);
     txtCMDUP = inputs.AddBox(&EntryFields::strCMDUP, "txtCMDUP", "Command when the server comes back up", this);
     cmdChooseCMDUP = NewButton("cmdChooseCMDUP", "Bro&wse...", "Browse for the up command", this);
-    cmdTestCMDUP = NewButton("cmdTestCMDUP", "Try", "Try the up command", this);
+    cmdTestCMDUP = NewButton("cmdTestCMDUP", "T&ry", "Try the up command", this);
     AddRow(*upForm, "R&un:", "lblCMDUP", txtCMDUP, NewRow({txtCMDUP, cmdChooseCMDUP, cmdTestCMDUP}));
     layout->addWidget(up);
     layout->addStretch();

@@ -31,6 +31,7 @@ class ScanTextPage : public QWidget {
 public:
     explicit ScanTextPage(QWidget* parent);
     QPushButton* cmdCommands;
+    QPushButton* cmdHelpRules;
 };
 
 class CommandsPage : public QWidget {

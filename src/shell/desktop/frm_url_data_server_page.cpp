@@ -87,7 +87,7 @@ void ServerPage::AddCheck(EntryInputs& inputs) {
     lblPort = AddRow(*form_, "&Port:", "lblPort", txtPort);
     txtRequestText = inputs.AddBox(&EntryFields::strRequestText, "txtRequestText", "Request", this);
     lblRequest = AddRow(*form_, "Request:", "lblRequest", txtRequestText);
-    form_->setRowVisible(txtRequestText, false);
+    txtRequestText->hide();  // its label stays, and explains the request when it is clicked
 }
 
 void ServerPage::AddTimes(EntryInputs& inputs) {
@@ -99,7 +99,7 @@ void ServerPage::AddTimes(EntryInputs& inputs) {
     };
     txtIntervalSeconds = inputs.AddBox(&EntryFields::nIntervalSeconds, "txtIntervalSeconds", "Check every, in seconds", this);
     lblInterval = NewLabel("lblInterval", "Seconds.", this);
-    AddRow(*form_, "Check &every:", "lblEvery", txtIntervalSeconds, numberRow(txtIntervalSeconds, lblInterval));
+    AddRow(*form_, "Check e&very:", "lblEvery", txtIntervalSeconds, numberRow(txtIntervalSeconds, lblInterval));
 
     txtTries = inputs.AddBox(&EntryFields::nTries, "txtTries", "Times to try", this);
     QLabel* const inARow = NewLabel("lblTriesUnit", "failures in a row until the server counts as down", this);
@@ -116,6 +116,8 @@ void ServerPage::AddExpectedText(EntryInputs& inputs) {
     cmdTextToFind->setObjectName("cmdTextToFind");
     cmdTextToFind->setAccessibleName("Edit the expected text");
     cmdTextToFind->setText("...");
+    cmdTextToFind->setShortcut(QKeySequence("Alt+X"));  // there is no letter in its text to underline
+    cmdTextToFind->setToolTip("Edit the expected text (Alt+X)");
     cmdTextToFind->setFocusPolicy(Qt::StrongFocus);
     lblExpected =
         AddRow(*form_, "Expected Response Text:", "lblExpected", txtExpectedText, NewRow({txtExpectedText, cmdTextToFind}));

@@ -108,7 +108,7 @@ QLayout* frmWizard::Buttons(const WizardPage& page) {
 
 void frmWizard::AddButton(QLayout& row, const char* name, const std::string& caption, int number) {
     if (caption.empty()) return;
-    last_ = new QPushButton(Q(caption), this);
+    last_ = new QPushButton("&" + Q(caption), this);
     last_->setObjectName(name);
     last_->setAccessibleName(Q(caption));
     connect(last_, &QPushButton::clicked, this, [this, number] { Click(number); });

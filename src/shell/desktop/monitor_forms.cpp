@@ -101,6 +101,7 @@ void MonitorForms::SetUpForTheFirstTime() {
                                   for (const ResourceMonitor monitor : {ResourceMonitor::Disk, ResourceMonitor::Memory,
                                                                         ResourceMonitor::CPU, ResourceMonitor::Services})
                                       emails_.setEmail(monitor, address);
+                                  emails_.LoadData();
                               }});
 }
 

@@ -22,8 +22,8 @@ struct Command {
 constexpr const char* kFile = "&File";
 constexpr const char* kEdit = "&Edit";
 constexpr const char* kMonitor = "&Monitor";
-constexpr const char* kView = "&View";
-constexpr const char* kSettings = "Settin&gs";
+constexpr const char* kView = "Vie&w";
+constexpr const char* kSettings = "&Settings";
 constexpr const char* kHelp = "&Help";
 
 constexpr Command kCommands[] = {
@@ -42,8 +42,8 @@ constexpr Command kCommands[] = {
     {kEdit, "mnuEditAddURL", "&Add Server...", "Ctrl+N", Keys::Window, true},
     {kEdit, "mnuEditURL", "&Edit Server...", "Ctrl+E; Return; Enter", Keys::List, true},
     {kEdit, "", "", "", Keys::Window, true},
-    {kEdit, "mnuEditCopyURL", "&Copy Server", "Ctrl+C; Ctrl+Ins", Keys::List, true},
-    {kEdit, "mnuEditPasteURL", "&Paste Server", "Ctrl+V; Shift+Ins", Keys::List, true},
+    {kEdit, "mnuEditCopyURL", "&Copy Server", "Ctrl+D; Ctrl+Ins", Keys::List, true},
+    {kEdit, "mnuEditPasteURL", "&Paste Server", "Shift+Ins", Keys::List, true},
     {kEdit, "mnuEditDeleteURL", "&Delete Server...", "Del", Keys::List, true},
     {kEdit, ""},
     {kEdit, "mnuEditClearStatus", "Clear &Statistics..."},

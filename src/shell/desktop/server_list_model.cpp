@@ -32,6 +32,11 @@ bool ComesBefore(const std::string& a, const std::string& b) {
     });
 }
 
+// In one line; apart from that as it is, blanks included.
+QString InOneLine(const std::string& cell) {
+    return Lines(cell).replace('\n', ' ').replace('\r', ' ').replace('\t', ' ');
+}
+
 // What a server has sent is shown as it came: a tip would take tags for its own and load what they name.
 QVariant TipOf(const std::string& cell) {
     if (cell.empty()) return {};
@@ -113,9 +118,9 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
     const std::string& cell = row.cells[static_cast<std::size_t>(index.column())];
     switch (role) {
         case Qt::DisplayRole:
-            return Q(cell).simplified();
+            return InOneLine(cell);
         case Qt::ToolTipRole:
-            return index.column() == column::LastResponse || index.column() == column::ScanText ? TipOf(cell) : QVariant();
+            return TipOf(cell);
         case Qt::DecorationRole:
             return index.column() == column::Number ? QVariant(StateIcon(row.icon)) : QVariant();
         case Qt::AccessibleTextRole:
@@ -126,7 +131,7 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ServerListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+    if (orientation != Qt::Horizontal || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return QAbstractTableModel::headerData(section, orientation, role);
     return Q(kColumnHeads[static_cast<std::size_t>(section)]);
 }

@@ -51,8 +51,8 @@ QPushButton* TabbedDialog::AddStatusAndButtons(const char* name, const QString& 
     txtStatus_->SetLines(kStatusLines);
     QPushButton* cmdOwn = Named(new QPushButton(command, this), name);
     auto* buttons = new QDialogButtonBox(this);
-    Named(buttons->addButton("OK", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
-    Named(buttons->addButton("Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
+    Named(buttons->addButton("O&K", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
+    Named(buttons->addButton("&Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, cmdOk_Click);
     connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
     auto* row = new QHBoxLayout;

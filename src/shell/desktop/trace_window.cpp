@@ -19,6 +19,9 @@ namespace {
 constexpr int kColumns = 90;
 constexpr int kLines = 28;
 
+constexpr const char* kOldestHaveGone =
+    "[The oldest lines of this window have gone: it keeps the newest 10,000,000 characters.]\n";
+
 }  // namespace
 
 TraceBox::TraceBox(QWidget* parent) : QPlainTextEdit(parent) {
@@ -63,7 +66,7 @@ void TraceBox::DropOldest() {
     const QTextBlock next = document()->findBlock(excess).next();
     QTextCursor oldest(document());
     oldest.setPosition(next.isValid() ? next.position() : excess, QTextCursor::KeepAnchor);
-    oldest.removeSelectedText();
+    oldest.insertText(kOldestHaveGone);
 }
 
 TraceWindow::TraceWindow(const QString& title, QWidget* parent) : QDialog(parent), txtTrace_(new TraceBox(this)) {

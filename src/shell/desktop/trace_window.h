@@ -1,5 +1,5 @@
-// A window that text is added to as long as it is open: read only, with letters of one width, and a limit, so that it may stay
-// open for a year.
+// A window that text is added to as long as it is open: read only, with letters of one width, and a limit that no session of
+// ordinary length comes to, so that it may stay open for a year.
 #pragma once
 
 #include <QDialog>
@@ -7,8 +7,8 @@
 
 namespace korvane {
 
-/// Characters that are kept; the oldest lines go first.
-constexpr int kMostOfATrace = 1'000'000;
+/// Characters that are kept. The oldest lines go first, and a line at the top says so.
+constexpr int kMostOfATrace = 10'000'000;
 
 /// Stays at the end when it is at the end, and on the same lines otherwise. A selection stays.
 class TraceBox : public QPlainTextEdit {

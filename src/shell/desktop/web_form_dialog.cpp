@@ -75,7 +75,7 @@ void WebFormDialog::AddButtons(const QString& send) {
     cmdSend_->setObjectName("cmdSend");
     cmdSend_->setDefault(true);
     connect(cmdSend_, &QPushButton::clicked, this, [this] { cmdSend_Click(); });
-    QPushButton* cmdCancel = buttons->addButton("Cancel", QDialogButtonBox::RejectRole);
+    QPushButton* cmdCancel = buttons->addButton("Cance&l", QDialogButtonBox::RejectRole);
     cmdCancel->setObjectName("cmdCancel");
     connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
     layout()->addWidget(buttons);

@@ -194,7 +194,7 @@ void Life::Live() {
 // A start that can't go on ends the process, behind its message.
 void Life::Start() {
     try {
-        adapters_.files.CreateFolder(options_.dir);
+        adapters_.files.CreatePrivateFolder(options_.dir);
         RequireWritable(options_.dir);
         if (run_.StartUp() == Run::Started::Running) return;
     } catch (const std::exception& error) {
@@ -235,6 +235,7 @@ void PrepareProcess() {
     // The plain event loop wakes for our own timers and sockets only, and needs less memory.
     setenv(kNoGlib, "1", 1);
     IgnoreBrokenPipes();
+    KeepOthersFromWriting();
 }
 
 void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
