@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "desktop/qt_desktop.h"
-#include "shell/desktop/frm_monitor.h"
+#include "shell/desktop/main/frm_monitor.h"
+#include "shell/list/server_list.h"
 #include "shell/program.h"
-#include "shell/server_list.h"
 #include "support/test_database.h"
 
 namespace korvane {

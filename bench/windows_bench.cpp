@@ -8,12 +8,12 @@
 
 #include "desktop/qt_desktop.h"
 #include "platform/linux/linux_system_info.h"
-#include "shell/desktop/frm_cpu_monitor.h"
-#include "shell/desktop/frm_disk_monitor.h"
-#include "shell/desktop/frm_memory_mon.h"
-#include "shell/desktop/frm_svc_mon.h"
-#include "shell/desktop/load_chart.h"
-#include "shell/desktop/resource_windows.h"
+#include "shell/desktop/monitors/frm_cpu_monitor.h"
+#include "shell/desktop/monitors/frm_disk_monitor.h"
+#include "shell/desktop/monitors/frm_memory_mon.h"
+#include "shell/desktop/monitors/frm_svc_mon.h"
+#include "shell/desktop/monitors/load_chart.h"
+#include "shell/desktop/monitors/resource_windows.h"
 #include "shell/program.h"
 #include "support/test_database.h"
 

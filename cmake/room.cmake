@@ -12,16 +12,24 @@ target_compile_options(korvane_options INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(korvane_options INTERFACE -Wno-restrict)
 endif()
+if(KORVANE_UNITY AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # it takes what is in the same large piece for a header
+  target_compile_options(korvane_options INTERFACE -Wno-subobject-linkage)
+endif()
 target_include_directories(korvane_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 if(KORVANE_SANITIZE)
   target_compile_options(korvane_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(korvane_options INTERFACE -fsanitize=address,undefined)
 endif()
 
-# korvane_room(<name> [ROOMS <room>...] [LIBRARIES <library>...]): every *.cpp of the calling folder but main.cpp becomes korvane_<name>.
+# korvane_room(<name> [ROOMS <room>...] [LIBRARIES <library>...] [FOLDERS <folder>...]): every *.cpp of the calling folder but main.cpp,
+# and of the folders in it that are named, becomes korvane_<name>.
 function(korvane_room name)
-  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES;FOLDERS" ${ARGN})
+  set(patterns ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(folder ${ROOM_FOLDERS})
+    list(APPEND patterns ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  endforeach()
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")  # belongs to the program, not to the room
   if(NOT sources)  # a room of headers only
     add_library(korvane_${name} INTERFACE)

@@ -1,6 +1,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvane {
 namespace {
@@ -119,6 +120,10 @@ std::string ToUtf8(std::string_view bytes) {
 bool LessNoCase::operator()(std::string_view a, std::string_view b) const {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                         [](char x, char y) { return LowerChar(x) < LowerChar(y); });
+}
+
+std::string Or(std::string text, std::string otherwise) {
+    return text.empty() ? std::move(otherwise) : std::move(text);
 }
 
 }  // namespace korvane

@@ -39,4 +39,12 @@ struct LessNoCase {
     bool operator()(std::string_view a, std::string_view b) const;
 };
 
+/// Of ASCII: what no line of text shows.
+constexpr bool IsControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
+}
+
+/// `text`, or `otherwise` when it is empty.
+std::string Or(std::string text, std::string otherwise);
+
 }  // namespace korvane

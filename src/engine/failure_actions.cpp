@@ -13,7 +13,7 @@ namespace {
 using std::chrono::seconds;
 
 /// Entries that are not due by then do not count against "all servers are failing".
-constexpr seconds kLookAhead{360};
+constexpr seconds kDueSoon{360};
 
 constexpr int kUnused = 0;
 
@@ -191,7 +191,7 @@ void ServerActions::RunCommandOf(const std::string& strCommand) {
 }
 
 bool ServerActions::AreAllServersFailing(Connection& conn) {
-    DateTime when = ports_.clock.Now() + kLookAhead;
+    DateTime when = ports_.clock.Now() + kDueSoon;
     if (when == when.Date())
         when = when + seconds(1);  // midnight has no text for a query, and these words are not worth the mail
     const auto rs = ports_.store.NewRecordset();

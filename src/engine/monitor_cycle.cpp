@@ -25,7 +25,6 @@ constexpr std::int32_t kReportTicksAtMost = 1000;  // then the sleep branch is f
 constexpr std::int32_t kMostCycleCount = 32000;
 constexpr int kRefreshWhileSleeping = 10;  // seconds
 constexpr int kSummaryEveryCycles = 5;
-constexpr std::size_t kMostStoredCharacters = 249;
 constexpr std::string_view kDefaultPingLimit = "1000";
 constexpr std::string_view kDashes = "------------------------------------";
 

@@ -14,7 +14,6 @@ namespace {
 
 using std::chrono::seconds;
 
-constexpr std::size_t kMostStoredCharacters = 249;  // of strLastResponse and strReason
 constexpr std::int64_t kIntervalWithoutOne = 15000;
 constexpr int kLongOutageTries = 50;
 constexpr int kLongOutageFactor = 5;

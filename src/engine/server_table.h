@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -40,6 +41,9 @@ CheckKind CheckKindOf(std::string_view strType);
 /// Of a new entry. An old row whose column is blank counts as such an entry.
 inline constexpr int kNewTries = 3;
 inline constexpr std::chrono::seconds kNewTimeout{15};
+
+/// As much of a response or a reason is stored.
+inline constexpr std::size_t kMostStoredCharacters = 249;
 
 /// `nTries` and `nTimeout`, in seconds, of the current row.
 Value TriesOf(Recordset& rs);

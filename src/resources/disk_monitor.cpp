@@ -9,8 +9,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLook = 30000ms;
-constexpr std::int32_t kLooksWithoutMail = 10;
+constexpr auto kDiskLook = 30000ms;
+constexpr std::int32_t kDiskLooksWithoutMail = 10;
 
 std::string Amount(double bytes, DiskMonitor::Unit unit) {
     const bool gigabytes = unit == DiskMonitor::Unit::rbGb;
@@ -29,7 +29,7 @@ DiskMonitor::DiskMonitor(const MonitorPorts& ports, const SystemInfo& system)
     : AlertMonitor(ports, {.subject = "Kv Disk Monitor Alert", .testSent = "Test email for Disk Monitor has been sent"}),
       system_(system),
       tim_(ports.timers.NewTimer("tim")) {
-    tim_->SetInterval(kLook);
+    tim_->SetInterval(kDiskLook);
     tim_->OnTick([this] { tim_Timer(); });
     tim_->SetEnabled(true);
     ReadDisks();
@@ -73,7 +73,7 @@ void DiskMonitor::Display() {
     const double level = NumberOrNone(cboAlert);
     const bool low = level > 0 && figures_.percent < level;
     nDiskAlertCount_ = low ? nDiskAlertCount_ + 1 : 0;
-    if (nDiskAlertCount_ <= kLooksWithoutMail) return;
+    if (nDiskAlertCount_ <= kDiskLooksWithoutMail) return;
     SendAlert(Body());
     nDiskAlertCount_ = 0;
 }

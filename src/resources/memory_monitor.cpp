@@ -12,8 +12,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLook = 30000ms;
-constexpr std::int32_t kLooksWithoutMail = 10;
+constexpr auto kMemoryLook = 30000ms;
+constexpr std::int32_t kMemoryLooksWithoutMail = 10;
 constexpr double kMegabyte = 1048576;
 
 constexpr std::size_t kTexts = 100;
@@ -37,7 +37,7 @@ MemoryMonitor::MemoryMonitor(const MonitorPorts& ports, Events& events, const Sy
       events_(events),
       system_(system),
       Timer1_(ports.timers.NewTimer("Timer1")) {
-    Timer1_->SetInterval(kLook);
+    Timer1_->SetInterval(kMemoryLook);
     Timer1_->OnTick([this] { Timer1_Timer(); });
     Timer1_->SetEnabled(true);
     Timer1_Timer();
@@ -62,7 +62,7 @@ void MemoryMonitor::Timer1_Timer() {
     ShowMemory();
     if (!figures_.known) return;
     nMemAlertCount_ = cboAlert.empty() ? 0 : nMemAlertCount_ + 1;
-    if (nMemAlertCount_ <= kLooksWithoutMail) return;
+    if (nMemAlertCount_ <= kMemoryLooksWithoutMail) return;
     SendAlert(Body());
     nMemAlertCount_ = 0;
 }

@@ -1,5 +1,5 @@
 // The ten rules of an entry, with the keyboard: from opening to what the database holds afterwards.
-#include "shell/desktop/frm_commands.h"
+#include "shell/desktop/editor/frm_commands.h"
 
 #include <QLineEdit>
 #include <QPlainTextEdit>

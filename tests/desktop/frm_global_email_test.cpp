@@ -1,5 +1,5 @@
 // The dialog of the global addresses: what its commands write, and what Return does where.
-#include "shell/desktop/frm_global_email.h"
+#include "shell/desktop/settings/frm_global_email.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>

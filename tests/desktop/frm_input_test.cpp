@@ -1,5 +1,5 @@
 // The question for a line of text: what each way to close it answers, and that its end with its parent answers nothing.
-#include "shell/desktop/frm_input.h"
+#include "shell/desktop/small/frm_input.h"
 
 #include <QLabel>
 #include <QLineEdit>

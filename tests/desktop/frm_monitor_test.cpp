@@ -1,6 +1,6 @@
 // The main window on the whole program in virtual time, driven by its keys: what it shows, what its commands do, and what it says
 // in boxes.
-#include "shell/desktop/frm_monitor.h"
+#include "shell/desktop/main/frm_monitor.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -15,7 +15,7 @@
 
 #include "base/text.h"
 #include "desktop/desktop_test.h"
-#include "shell/desktop/qt_text.h"
+#include "shell/desktop/toolkit/qt_text.h"
 
 namespace korvane {
 namespace {

@@ -1,5 +1,5 @@
 // The general message: what is answered with which key, and that it survives the end of the window under it.
-#include "shell/desktop/frm_msg.h"
+#include "shell/desktop/small/frm_msg.h"
 
 #include <QClipboard>
 #include <QLabel>

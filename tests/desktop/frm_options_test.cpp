@@ -1,6 +1,6 @@
 // The settings dialog: what it opens with, what is refused and where it is marked, the reactions to typing, and its commands,
 // also when they see it closed.
-#include "shell/desktop/frm_options.h"
+#include "shell/desktop/settings/frm_options.h"
 
 #include <QAccessible>
 #include <QCheckBox>

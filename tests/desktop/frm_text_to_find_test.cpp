@@ -1,5 +1,5 @@
 // The text that must appear: what is written back to the editor, and the editor's test from here.
-#include "shell/desktop/frm_text_to_find.h"
+#include "shell/desktop/editor/frm_text_to_find.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 // The editor of a server entry, typed into and clicked over the virtual world: opening, reactions to typing, saving and
 // cancelling.
-#include "shell/desktop/frm_url_data.h"
+#include "shell/desktop/editor/frm_url_data.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,7 +11,7 @@
 #include <QTabWidget>
 
 #include "desktop/frm_url_data_test.h"
-#include "shell/entry_hints.h"
+#include "shell/entry/entry_hints.h"
 
 namespace korvane {
 namespace {

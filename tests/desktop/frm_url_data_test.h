@@ -6,7 +6,7 @@
 #include <string>
 
 #include "desktop/desktop_test.h"
-#include "shell/desktop/frm_url_data.h"
+#include "shell/desktop/editor/frm_url_data.h"
 
 namespace korvane {
 

@@ -1,5 +1,5 @@
 // The pages of the first-run setup, driven by keys while the setup waits through the pump.
-#include "shell/desktop/frm_wizard.h"
+#include "shell/desktop/small/frm_wizard.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -9,7 +9,7 @@
 #include <QScrollBar>
 
 #include "desktop/desktop_test.h"
-#include "shell/desktop/qt_text.h"
+#include "shell/desktop/toolkit/qt_text.h"
 
 namespace korvane {
 namespace {

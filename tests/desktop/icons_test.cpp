@@ -1,5 +1,5 @@
 // The pictures of the windows: all are there, and their shapes tell them apart.
-#include "shell/desktop/icons.h"
+#include "shell/desktop/look/icons.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The windows on this machine's own resources: shown, hidden and made anew, their settings, and the grid of services.
-#include "shell/desktop/resource_windows.h"
+#include "shell/desktop/monitors/resource_windows.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -12,7 +12,7 @@
 #include "desktop/desktop_test.h"
 #include "resources/cpu_settings.h"
 #include "resources/service_settings.h"
-#include "shell/desktop/qt_text.h"
+#include "shell/desktop/toolkit/qt_text.h"
 
 namespace korvane {
 namespace {

@@ -1,5 +1,5 @@
 // Light and dark by the desktop's choice: a portal that plays its part, on a message bus of the test's own.
-#include "shell/desktop/theme.h"
+#include "shell/desktop/look/theme.h"
 
 #include <gtest/gtest.h>
 

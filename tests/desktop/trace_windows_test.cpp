@@ -7,8 +7,8 @@
 #include <QTextBlock>
 
 #include "desktop/desktop_test.h"
-#include "shell/desktop/conversation_viewer.h"
-#include "shell/desktop/mail_trace_viewer.h"
+#include "shell/desktop/trace/conversation_viewer.h"
+#include "shell/desktop/trace/mail_trace_viewer.h"
 
 namespace korvane {
 namespace {

@@ -8,11 +8,11 @@
 
 #include "desktop/desktop_test.h"
 #include "notify/dispatcher.h"
-#include "shell/desktop/frm_about.h"
-#include "shell/desktop/frm_feedback.h"
-#include "shell/desktop/frm_help.h"
-#include "shell/desktop/frm_tell_friend.h"
-#include "shell/desktop/qt_text.h"
+#include "shell/desktop/small/frm_about.h"
+#include "shell/desktop/small/frm_feedback.h"
+#include "shell/desktop/small/frm_help.h"
+#include "shell/desktop/small/frm_tell_friend.h"
+#include "shell/desktop/toolkit/qt_text.h"
 
 namespace korvane {
 namespace {

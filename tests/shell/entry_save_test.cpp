@@ -1,10 +1,10 @@
 // A server entry from the opening of its editor to the row that saving leaves.
-#include "shell/entry_save.h"
+#include "shell/entry/entry_save.h"
 
 #include <gtest/gtest.h>
 
 #include "base/text.h"
-#include "shell/entry_row.h"
+#include "shell/entry/entry_row.h"
 #include "shell/program.h"
 #include "support/test_database.h"
 

@@ -1,11 +1,11 @@
 // The words in which the editor says how a test of a server went.
-#include "shell/entry_test.h"
+#include "shell/entry/entry_test.h"
 
 #include <gtest/gtest.h>
 
-#include "shell/entry_commands.h"
-#include "shell/monitor_window.h"
+#include "shell/list/entry_commands.h"
 #include "shell/program.h"
+#include "shell/run/monitor_window.h"
 #include "support/memory_files.h"
 #include "support/test_database.h"
 

@@ -1,10 +1,10 @@
 // What types of servers mean to the editor of an entry, and what is said while its inputs are typed.
-#include "shell/entry_type.h"
+#include "shell/entry/entry_type.h"
 
 #include <gtest/gtest.h>
 
-#include "shell/entry_hints.h"
-#include "shell/entry_name.h"
+#include "shell/entry/entry_hints.h"
+#include "shell/entry/entry_name.h"
 
 namespace korvane {
 namespace {

@@ -1,5 +1,5 @@
 // The ten rules of an entry: what is read, which rows are used again, added and deleted, and what a failure leaves.
-#include "shell/fail_text_rules.h"
+#include "shell/entry/fail_text_rules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The first-run setup on the whole program in virtual time: what is asked, in which order, and what each answer leaves behind.
-#include "shell/first_run.h"
+#include "shell/setup/first_run.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/global_email_walk.h"
+#include "shell/options/global_email_walk.h"
 
 namespace korvane {
 

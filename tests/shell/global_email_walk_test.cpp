@@ -1,5 +1,5 @@
 // The global addresses: the walk over the entries, what is saved in which order, and what becomes of all entries at once.
-#include "shell/global_email_walk.h"
+#include "shell/options/global_email_walk.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The main window's commands over the whole program in virtual time, without a window.
-#include "shell/monitor_commands.h"
+#include "shell/list/monitor_commands.h"
 
 #include <gtest/gtest.h>
 

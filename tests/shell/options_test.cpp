@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "shell/options_commands.h"
-#include "shell/options_open.h"
-#include "shell/options_proxy.h"
-#include "shell/options_save.h"
+#include "shell/options/options_commands.h"
+#include "shell/options/options_open.h"
+#include "shell/options/options_proxy.h"
+#include "shell/options/options_save.h"
 #include "shell/program.h"
 #include "support/test_database.h"
 #include "support/virtual_mail_server.h"

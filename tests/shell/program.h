@@ -13,7 +13,7 @@
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
 #include "platform/qt/sql_store.h"
-#include "shell/run.h"
+#include "shell/run/run.h"
 #include "store/schema.h"
 #include "support/recording_operator.h"
 #include "support/recording_power.h"

@@ -1,6 +1,6 @@
 // The operator's commands on the reports, with the room of reports on a real database and a browser that writes down what it is
 // to open.
-#include "shell/report_commands.h"
+#include "shell/run/report_commands.h"
 
 #include "reports/reports_test_base.h"
 #include "support/recording_processes.h"

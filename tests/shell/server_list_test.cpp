@@ -1,5 +1,5 @@
 // The rows of the main window's list, read from a real database.
-#include "shell/server_list.h"
+#include "shell/list/server_list.h"
 
 #include <gtest/gtest.h>
 

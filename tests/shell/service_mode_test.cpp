@@ -1,9 +1,9 @@
 // Service and startup group as the operator and the service manager meet them: each answer to each question, each message.
-#include "shell/service_mode.h"
+#include "shell/service/service_mode.h"
 
 #include <gtest/gtest.h>
 
-#include "shell/options_open.h"
+#include "shell/options/options_open.h"
 #include "support/recording_operator.h"
 #include "support/recording_service_manager.h"
 #include "support/virtual_world.h"

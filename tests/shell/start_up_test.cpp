@@ -9,7 +9,7 @@
 
 #include "base/text.h"
 #include "shell/program.h"
-#include "shell/terminal_operator.h"
+#include "shell/run/terminal_operator.h"
 
 namespace korvane {
 namespace {

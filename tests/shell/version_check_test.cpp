@@ -1,5 +1,5 @@
 // What becomes of every kind of version file: the verdict, and what the operator is told or asked.
-#include "shell/version_check.h"
+#include "shell/web/version_check.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Pages of the website: addresses of commands and forms, their encoding and refusals, and what is said without a browser.
-#include "shell/web_pages.h"
+#include "shell/web/web_pages.h"
 
 #include <gtest/gtest.h>
 
-#include "shell/url_encode.h"
-#include "shell/web_forms.h"
+#include "shell/web/url_encode.h"
+#include "shell/web/web_forms.h"
 #include "support/memory_files.h"
 #include "support/recording_operator.h"
 #include "support/recording_processes.h"

@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::string_view kMark = "X-Korvane-Home=";
 
-bool IsControl(char c) {
-    return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
-}
-
 // The form of a value: a backslash begins an escape, and a blank at the beginning needs one.
 std::string Value(const std::string& text) {
     std::string value = ReplaceAll(text, "\\", "\\\\");

@@ -18,10 +18,6 @@ using Names = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> kKinds[] = {
     {"htm", kPageKind}, {"html", kPageKind}, {"txt", "text/plain"}, {"log", "text/plain"}};
 
-std::string Or(const std::string& text, const std::string& otherwise) {
-    return text.empty() ? otherwise : text;
-}
-
 // The person's own folder, then those of the system.
 Names Folders(const std::string& own, const std::string& system) {
     Names folders = Split(system, ':');

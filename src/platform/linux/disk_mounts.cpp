@@ -59,7 +59,7 @@ std::optional<Mount> MountOf(const std::string& line) {
 }
 
 // The folder of a device in the tree of all devices, where a partition lies in its disk; blank when there is none.
-fs::path FolderOf(const fs::path& link) {
+fs::path TargetFolder(const fs::path& link) {
     std::error_code error;
     const fs::path folder = fs::canonical(link, error);
     return error ? fs::path() : folder;
@@ -78,7 +78,7 @@ bool IsFixed(const fs::path& folder, int layers = 0) {
     });
     if (other || IsRemovable(folder) || layers > kMostLayers) return false;
     for (fs::directory_iterator slave(folder / "slaves", error), end; !error && slave != end; slave.increment(error)) {
-        if (!IsFixed(FolderOf(slave->path()), layers + 1)) return false;
+        if (!IsFixed(TargetFolder(slave->path()), layers + 1)) return false;
     }
     return true;
 }
@@ -86,13 +86,13 @@ bool IsFixed(const fs::path& folder, int layers = 0) {
 // btrfs has no device of its own in the table, only the name of one that it is on.
 fs::path DeviceOf(const Mount& mount, const SystemFolders& folders) {
     if (mount.major != 0) {
-        return FolderOf(folders.sys + "/dev/block/" + std::to_string(mount.major) + ":" + std::to_string(mount.minor));
+        return TargetFolder(folders.sys + "/dev/block/" + std::to_string(mount.major) + ":" + std::to_string(mount.minor));
     }
     if (!mount.source.starts_with("/dev/")) return {};
     const std::string name = mount.source.substr(5, mount.source.find(':', 5) - 5);  // bcachefs names several
     std::error_code error;
     const fs::path node = fs::canonical(folders.dev + "/" + name, error);
-    return FolderOf(folders.sys + "/class/block/" + (error ? name : node.filename().string()));
+    return TargetFolder(folders.sys + "/class/block/" + (error ? name : node.filename().string()));
 }
 
 bool IsOfAKindToCount(const std::string& type) {

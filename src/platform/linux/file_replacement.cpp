@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kLongestLinkChain = 40;
 
-std::string FolderOf(const std::string& path) {
+std::string FolderOfFile(const std::string& path) {
     const auto slash = path.rfind('/');
     return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
 }
@@ -33,7 +33,7 @@ class Sibling {
 public:
     // Always the same name: what a program that was killed left behind is taken over by the next write, and passwords do not pile
     // up.
-    explicit Sibling(const std::string& path) : path_(FolderOf(path) + "." + NameOf(path) + ".new") {
+    explicit Sibling(const std::string& path) : path_(FolderOfFile(path) + "." + NameOf(path) + ".new") {
         ::unlink(path_.c_str());
         file_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     }
@@ -82,7 +82,7 @@ bool StatExisting(const std::string& path, struct stat& existing) {
 
 // Without it a power cut could bring the old file back. Some file systems cannot do it, and then need not.
 void FlushFolderOf(const std::string& path) {
-    const Descriptor folder(::open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor folder(::open(FolderOfFile(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder) ::fsync(folder.Number());
 }
 
@@ -105,7 +105,7 @@ std::string FollowLinks(std::string path) {
         const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
         if (size < 0) return path;
         const std::string to(target.data(), static_cast<std::size_t>(size));
-        path = to.starts_with('/') ? to : FolderOf(path).append(to);
+        path = to.starts_with('/') ? to : FolderOfFile(path).append(to);
     }
     errno = ELOOP;
     ThrowFileError("write", path);

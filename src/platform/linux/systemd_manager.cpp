@@ -37,10 +37,6 @@ bool IsPlainFile(const std::string& path) {
     return std::filesystem::is_regular_file(std::filesystem::symlink_status(path, none));
 }
 
-std::string Or(const std::string& text, const std::string& otherwise) {
-    return text.empty() ? otherwise : text;
-}
-
 std::string NameOfUser(uid_t user) {
     const passwd* entry = ::getpwuid(user);
     return entry == nullptr ? std::to_string(user) : entry->pw_name;

@@ -44,10 +44,6 @@ constexpr std::string_view kOfTheSystem[] = {
 
 constexpr std::string_view kTemporaryFolders[] = {"/tmp/", "/var/tmp/"};
 
-bool IsControl(char c) {
-    return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
-}
-
 // ASCII letters and digits, whatever the locale.
 bool MayStandInName(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == ':' ||

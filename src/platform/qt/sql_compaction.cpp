@@ -14,7 +14,7 @@ namespace korvane {
 namespace {
 
 // In KiB: whole tables and indexes pass through it.
-const std::string kCacheSize = "PRAGMA cache_size=-16384";
+const std::string kCacheOfCompaction = "PRAGMA cache_size=-16384";
 
 // The empty file that the copy is written to; it goes with this object unless it was moved elsewhere. SQLite would make one that
 // everybody can read, and there are passwords in it.
@@ -64,7 +64,7 @@ void CheckIntegrity(SqlSession& session) {
 // concern the new one while their journals bear the same name: a program that was waiting for the old file would roll somebody
 // else's journal back into it, and a crash then leaves the new one damaged.
 void CompactDatabase(SqlSession& session, const std::string& copy, const std::function<void()>& copied) {
-    session.Select(kCacheSize);
+    session.Select(kCacheOfCompaction);
     session.TakeForItself();  // a busy writer could keep each of the steps waiting
     CheckIntegrity(session);
     {

@@ -6,10 +6,10 @@
 #include <iostream>
 #include <memory>
 
-#include "shell/desktop/frm_monitor.h"
-#include "shell/desktop/icons.h"
-#include "shell/desktop/mark_style.h"
-#include "shell/desktop/theme.h"
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/look/mark_style.h"
+#include "shell/desktop/look/theme.h"
+#include "shell/desktop/main/frm_monitor.h"
 #include "shell/process/process.h"
 
 namespace korvane {

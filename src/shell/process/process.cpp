@@ -35,8 +35,8 @@
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/qt_timer.h"
 #include "platform/qt/sql_store.h"
-#include "shell/message_title.h"
-#include "shell/terminal_operator.h"
+#include "shell/run/message_title.h"
+#include "shell/run/terminal_operator.h"
 #include "store/schema.h"
 
 namespace korvane {

@@ -8,8 +8,8 @@
 #include "notify/mail_trace.h"
 #include "platform/operator.h"
 #include "platform/timer.h"
-#include "shell/monitor_window.h"
-#include "shell/run.h"
+#include "shell/run/monitor_window.h"
+#include "shell/run/run.h"
 
 namespace korvane {
 

@@ -1,0 +1,57 @@
+// The dialog of the texts that mean failure: ten rows of a search text and a command for one entry.
+#pragma once
+
+#include <QDialog>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <tuple>
+
+#include "shell/entry/fail_text_rules.h"
+#include "shell/run/desk.h"
+
+class QGridLayout;
+class QLineEdit;
+
+namespace korvane {
+
+class ReadingText;
+
+/// Shown with open(); deleted when it is closed. What it shows is saved by OK and by nothing else; when that fails it stays open.
+class frmCommands : public QDialog {
+public:
+    /// `id` is the entry's. `listPosition` is kept for whoever asks. Reading the rules stands still for 100 ms for each of them.
+    frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent);
+    ~frmCommands() override;
+
+    int ListPosition() const { return listPosition_; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    struct Row {
+        QLineEdit* txtSuccess = nullptr;
+        QLineEdit* txtCommand = nullptr;
+    };
+
+    QWidget* RuleRows();
+    void AddRow(QGridLayout& grid, int number);
+    QWidget* Buttons();
+    void LoadRules();
+    FailTextRule Rule(std::size_t row) const;
+    void SearchTextChanged(std::size_t row);
+    void Explain(QWidget* box);
+    void cmdOk_Click();
+    void cmdHelp_Click();
+
+    Operator& person_;
+    FailTextRules rules_;
+    int listPosition_;
+    std::string id_;
+    bool found_ = true;
+    std::array<Row, std::tuple_size_v<FailTextRows>> rows_;
+    ReadingText* lblHelp_ = nullptr;
+};
+
+}  // namespace korvane

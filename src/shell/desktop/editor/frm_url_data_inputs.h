@@ -1,0 +1,12 @@
+// The boxes and marks of the server entry editor as one set: filled from the texts of an entry and read into them. The type is
+// no box.
+#pragma once
+
+#include "shell/desktop/toolkit/form_inputs.h"
+#include "shell/entry/entry_fields.h"
+
+namespace korvane {
+
+using EntryInputs = FormInputs<EntryFields>;
+
+}  // namespace korvane

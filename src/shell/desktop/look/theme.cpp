@@ -1,0 +1,117 @@
+#include "shell/desktop/look/theme.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QFile>
+#include <QTimer>
+
+namespace korvane {
+namespace {
+
+const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString kNamespace = QStringLiteral("org.freedesktop.appearance");
+const QString kKey = QStringLiteral("color-scheme");
+constexpr uint kDark = 1;  // 0: no preference, 2: light
+
+bool IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+void SetDark(bool dark) {
+    if (dark == IsDark(QApplication::palette())) return;
+    QApplication::setPalette(dark ? DarkPalette() : QPalette());  // an empty one is the style's own
+}
+
+/// Whether the choice is still open. GTK_THEME overrules the desktop's own, as it does for the desktop's programs.
+bool IsOpen() {
+    const QString named = qEnvironmentVariable("GTK_THEME");
+    if (named.endsWith(":dark")) SetDark(true);
+    return named.isEmpty() && !IsDark(QApplication::palette());
+}
+
+/// Whether a session bus is told of. Without this the D-Bus library would start one, and hold up the start for it.
+bool HasSessionBus() {
+    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
+           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
+}
+
+/// The portal wraps the value in one variant more than its description says.
+QVariant Unwrapped(QVariant value) {
+    while (value.canConvert<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
+    return value;
+}
+
+}  // namespace
+
+/// A change makes the portal be read again, so that what is told and what is asked take one way.
+class DesktopTheme::Portal {
+public:
+    explicit Portal(const QDBusConnection& bus) : bus_(bus) {
+        again_.setSingleShot(true);
+        again_.setInterval(0);
+        again_.callOnTimeout([this] { Read(); });
+        bus_.connect(QString(), kPath, kInterface, QStringLiteral("SettingChanged"), {kNamespace, kKey}, QString(), &again_,
+                     SLOT(start()));
+        Read();
+    }
+
+private:
+    void Read() {
+        QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));
+        call.setArguments({kNamespace, kKey});
+        reading_ = std::make_unique<QDBusPendingCallWatcher>(bus_.asyncCall(call));
+        QObject::connect(reading_.get(), &QDBusPendingCallWatcher::finished, [](QDBusPendingCallWatcher* watcher) {
+            const QDBusPendingReply<QDBusVariant> reply = *watcher;
+            if (reply.isValid()) SetDark(Unwrapped(reply.value().variant()).toUInt() == kDark);
+        });
+    }
+
+    QDBusConnection bus_;
+    QTimer again_;
+    std::unique_ptr<QDBusPendingCallWatcher> reading_;
+};
+
+DesktopTheme::DesktopTheme() {
+    if (IsOpen() && HasSessionBus()) Follow(QDBusConnection::sessionBus());
+}
+
+DesktopTheme::DesktopTheme(const QDBusConnection& bus) {
+    if (IsOpen()) Follow(bus);
+}
+
+DesktopTheme::~DesktopTheme() = default;
+
+void DesktopTheme::Follow(const QDBusConnection& bus) {
+    if (bus.isConnected()) portal_ = std::make_unique<Portal>(bus);
+}
+
+QPalette DarkPalette() {
+    const QColor window(0x2b, 0x2d, 0x30), base(0x1e, 0x1f, 0x22), text(0xe6, 0xe7, 0xe9), faint(0x7d, 0x81, 0x87);
+    const QColor button(0x3a, 0x3d, 0x41), highlight(0x2f, 0x6f, 0xc4), link(0x6f, 0xab, 0xf2);
+    QPalette palette(text, button, button.lighter(150), base.darker(150), button.darker(130), text, Qt::white, base, window);
+    palette.setColor(QPalette::AlternateBase, QColor(0x25, 0x27, 0x2a));
+    palette.setColor(QPalette::ToolTipBase, button);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, link);
+    palette.setColor(QPalette::LinkVisited, QColor(0xb3, 0x9b, 0xe8));
+    palette.setColor(QPalette::Shadow, Qt::black);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint);
+    palette.setColor(QPalette::Disabled, QPalette::Base, window);
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, button.lighter(130));
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, faint);
+    return palette;
+}
+
+}  // namespace korvane

@@ -1,0 +1,224 @@
+#include "shell/desktop/main/frm_monitor.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <algorithm>
+
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/run/run.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kTwipsAPixel = 15;
+constexpr int kTwipsARow = 270;
+constexpr int kTwipsBesideRows = 700;
+constexpr int kTwipsBesideList = 3500;
+constexpr int kLeastWidth = 3310;   // twips
+constexpr int kLeastHeight = 5030;  // twips
+constexpr QPoint kPlace{100 / kTwipsAPixel + 1, 100 / kTwipsAPixel + 1};
+constexpr auto kTimer3Interval = 9500ms;
+constexpr int kBlinkEvery = 5;
+constexpr int kBlinkTop = 15000;
+
+constexpr const char* kWelcomeBack = "These status messages are updated only if Korvane is visible. Welcome Back.";
+constexpr const char* kPausedTip = " Korvane: Server Monitoring Paused.  No Monitoring is occurring. ";
+
+}  // namespace
+
+frmMonitor::frmMonitor(Timers& timers) : Timer3_(timers.NewTimer("Timer3")), Timer4_(timers.NewTimer("Timer4")) {
+    BuildWidgets();
+    conversation_.SetParent(this);
+    mailTrace_.SetParent(this);
+    Timer3_->SetInterval(15000ms);
+    Timer3_->OnTick([this] { Timer3_Timer(); });
+    Timer4_->SetInterval(1000ms);
+    Timer4_->OnTick([this] { Timer4_Timer(); });
+}
+
+frmMonitor::~frmMonitor() = default;
+
+void frmMonitor::Attach(Run& run, std::function<void()> exit) {
+    run_ = &run;
+    exit_ = std::move(exit);
+    commands_ = std::make_unique<MonitorCommands>(run);
+    resources_ =
+        std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
+    forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
+    BuildMenus();
+    BuildTray();
+    Timer3_->SetEnabled(true);
+    Timer4_->SetEnabled(true);
+}
+
+void frmMonitor::BeforeExit() {
+    if (run_->SavesOnExit()) RememberColumns();
+    tray_->Remove();
+}
+
+int frmMonitor::ScreenWidth() const {
+    return screen()->availableGeometry().width() * kTwipsAPixel;
+}
+
+// What a maximised window goes back to; a size that fills this screen would be wrong on the next.
+int frmMonitor::Width() const {
+    return width_.Twips(isMaximized() ? normalGeometry().width() : width());
+}
+
+int frmMonitor::Height() const {
+    return height_.Twips(isMaximized() ? normalGeometry().height() : height());
+}
+
+// A size that nobody has changed since it was read is saved as it was read.
+int frmMonitor::SavedLength::Twips(int pixelsNow) const {
+    return pixelsNow == pixels ? twips : pixelsNow * kTwipsAPixel;
+}
+
+// Settings may come from a larger screen, or from anywhere. The frame has to find room too.
+void frmMonitor::SetWidth(int twips) {
+    resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width() - 2 * kPlace.x()), height());
+    width_ = {std::max(twips, kLeastWidth), width()};
+}
+
+void frmMonitor::SetHeight(int twips) {
+    const int frame = 2 * fontMetrics().height() + kPlace.y();
+    resize(width(), std::min(twips / kTwipsAPixel, screen()->availableGeometry().height() - frame));
+    height_ = {std::max(twips, kLeastHeight), height()};
+}
+
+void frmMonitor::SetTitle(const std::string& title) {
+    setWindowTitle(Q(title));
+}
+
+void frmMonitor::SetCaptions(const Captions& captions) {
+    menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
+    menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
+}
+
+void frmMonitor::Place(bool shown) {
+    move(screen()->availableGeometry().topLeft() + kPlace);
+    columns_->Restore(run_->TheDesk().settingsFile);
+    placed_ = true;
+    const bool outOfSight = !shown || hiddenAtStart_;
+    if (outOfSight && MonitorTray::Available()) return HideOrIconify();
+    // Without an icon a start out of sight would look like no start at all: not every desktop has a task bar either.
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    show();
+}
+
+void frmMonitor::MinimizeToTray() {
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "True");
+    hiddenAtStart_ = !placed_;  // the start has not given it its size yet; nobody has seen it either
+    if (hiddenAtStart_) return;
+    RememberColumns();
+    HideOrIconify();
+}
+
+void frmMonitor::HideOrIconify() {
+    if (MonitorTray::Available()) {
+        tray_->Show();
+        tray_->Modify();
+        hide();
+    } else {
+        showMinimized();
+    }
+}
+
+void frmMonitor::mnuTraySettings_Click() {
+    if (run_->Loading()) return;
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    welcomed_ = false;
+    showNormal();
+    SetWindowToFrontForeground();
+    if (!welcomed_) WelcomeBack();  // out of the task bar it has been already
+}
+
+// The keys belong to the dialog that stands over the window.
+void frmMonitor::SetWindowToFrontForeground() {
+    raise();
+    QWidget* const dialog = QApplication::activeModalWidget();
+    (dialog != nullptr ? dialog : this)->activateWindow();
+}
+
+void frmMonitor::WelcomeBack() {
+    welcomed_ = true;
+    RefreshURLList();
+    run_->ResumeProgress();
+    run_->TheDesk().status.setStatusMSG(kWelcomeBack);
+}
+
+void frmMonitor::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    if (run_ != nullptr) MinimizeToTray();
+}
+
+// Somebody has taken the window out of the task bar.
+void frmMonitor::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
+    const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
+    if (!wasMinimized || !WindowVisible()) return;
+    run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
+    WelcomeBack();
+}
+
+void frmMonitor::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+// As many rows as there are entries and one more, as far as the window has room for them; the status log has the rest.
+void frmMonitor::Form_Resize() {
+    const int hint = ListView1->sizeHintForRow(0);
+    const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
+    const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
+    ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
+    columns_->Fit();
+}
+
+void frmMonitor::RememberColumns() {
+    columns_->Remember(run_->TheDesk().settingsFile);
+}
+
+// The keyboard comes back to the list from a window that the operator has left; one that its mark has closed did not have it.
+void frmMonitor::ResourceWindowHidden(ResourceMonitor monitor) {
+    QCheckBox& mark = *ckResources_[static_cast<std::size_t>(monitor)];
+    const bool left = mark.isChecked();
+    mark.setChecked(false);
+    if (!left || !WindowVisible()) return;
+    activateWindow();
+    ListView1->setFocus();
+}
+
+// The desktop may lose the icon, or its notification area with all icons: then the window must be reachable in the task bar.
+void frmMonitor::Timer3_Timer() {
+    if (run_->Loading()) return;  // nothing is ours to show before the start is through
+    Timer3_->SetInterval(kTimer3Interval);
+    if (!monitoring_) SetTray(TrayPicture::Off, kPausedTip);
+    if (!MonitorTray::Available()) {
+        if (!isVisible()) showMinimized();
+        return;
+    }
+    const bool evenSecond = run_->TheDesk().clock.Now().Second() % 2 == 0;
+    if (evenSecond) {
+        tray_->Modify();
+    } else {
+        tray_->Show();
+    }
+}
+
+void frmMonitor::Timer4_Timer() {
+    nBlink_ = nBlink_ < kBlinkTop ? nBlink_ + 1 : 1;
+    if (!WindowVisible()) return;
+    const std::string now = run_->TheDesk().clock.Now().Text();
+    SetClockText(now.substr(now.find(' ') + 1));
+    ShowStopStart(monitoring_ || nBlink_ % kBlinkEvery != 0);
+    cmdStopWaiting->setVisible(run_->WaitingToStart());
+}
+
+}  // namespace korvane

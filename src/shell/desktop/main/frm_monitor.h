@@ -1,0 +1,183 @@
+// The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray
+// icon. It shows what the rooms below tell it as their Operator, and hands them what the person at the desk wants; it decides
+// nothing itself.
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTreeView>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/operator.h"
+#include "platform/timer.h"
+#include "shell/desktop/main/list_columns.h"
+#include "shell/desktop/main/message_queue.h"
+#include "shell/desktop/main/monitor_forms.h"
+#include "shell/desktop/main/monitor_menus.h"
+#include "shell/desktop/main/monitor_tray.h"
+#include "shell/desktop/main/server_list_model.h"
+#include "shell/desktop/monitors/resource_windows.h"
+#include "shell/desktop/toolkit/status_box.h"
+#include "shell/desktop/trace/conversation_viewer.h"
+#include "shell/desktop/trace/mail_trace_viewer.h"
+#include "shell/list/monitor_commands.h"
+#include "shell/run/monitor_window.h"
+
+namespace korvane {
+
+class Run;
+
+class frmMonitor : public QMainWindow, public Operator, public MonitorWindow {
+public:
+    /// `timers` gives `Timer3` and `Timer4`. The window does nothing before Attach.
+    explicit frmMonitor(Timers& timers);
+    ~frmMonitor() override;
+
+    /// The run that this window shows and commands; `exit` ends the process. Before the run's StartUp. The run must outlive
+    /// this window's events.
+    void Attach(Run& run, std::function<void()> exit);
+
+    /// For the Ports of the run.
+    ConversationWindow& Conversation() { return conversation_; }
+    MailTrace& Mail() { return mailTrace_; }
+
+    /// The process is about to end: the columns are stored, the tray icon is taken away.
+    void BeforeExit();
+
+    // The person at the desk.
+    bool WindowVisible() const override;
+    void StatusLine(const std::string& time, const std::string& text) override;
+    void ClearStatus() override { txtStatus->clear(); }
+    void SetClockText(const std::string& time) override;
+    void SetCycleText(const std::string& text) override;
+    void ShowProgress(bool shown) override;
+    void SetProgress(int value, int max) override;
+    void SetProgressTip(const std::string& text) override;
+    void SetTray(TrayPicture picture, const std::string& tip) override;
+    void SetTrayTip(const std::string& tip) override { tray_->SetTip(tip); }
+    void SetMonitoring(bool on) override;
+    void SetCustomerCount(int count) override;
+    void RefreshURLList() override;
+    void SetWaitCursor(bool wait) override;
+    void ShowMessage(const std::string& title, const std::string& text) override;
+    void ShowError(const std::string& title, const std::string& text) override;
+    bool AskYesNo(const std::string& title, const std::string& text) override;
+    void Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
+             const std::function<void()>& no) override;
+
+    // The window of start-up and of the settings.
+    bool HasWindow() const override { return true; }
+    int ScreenWidth() const override;
+    int Width() const override;
+    int Height() const override;
+    void SetWidth(int twips) override;
+    void SetHeight(int twips) override;
+    void SetTitle(const std::string& title) override;
+    void SetCaptions(const Captions& captions) override;
+    void Place(bool shown) override;
+    void MinimizeToTray() override;
+    void Form_Resize() override;
+    void LoadResourceMonitors() override { resources_->Load(); }
+    void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) override;
+    void SetUpForTheFirstTime() override { forms_->SetUpForTheFirstTime(); }
+
+    // Commands that need the window.
+    void cmdAddURL_Click();
+    void cmdEditURL_Click();
+    void cmdDeleteURL_Click();
+    void cmdCopyPaste_Click();
+    void mnuTraySettings_Click();
+    void SetIsAddUrl(bool isAddUrl) { isAddUrl_ = isAddUrl; }
+    bool IsAddUrl() const { return isAddUrl_; }
+
+    // What the person sees.
+    QTreeView* ListView1;
+    StatusBox* txtStatus;
+    QLabel* lblServers;
+    QLabel* lblCustomers;
+    QLabel* lblCount;
+    QLabel* lblTime;
+    QLabel* lblCo;
+    QProgressBar* ProgressBar1;
+    QPushButton* cmdStopStart;
+    QPushButton* cmdStopWaiting;
+    MonitorTray& Tray() { return *tray_; }
+    MonitorForms& Forms() { return *forms_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    /// A width or height of the settings file, and the pixels that it became: on a small screen fewer.
+    struct SavedLength {
+        int twips = 0;
+        int pixels = -1;
+        int Twips(int pixelsNow) const;
+    };
+
+    void BuildWidgets();
+    QLayout* BuildButtons();
+    QLayout* BuildProgress();
+    void BuildList();
+    void BuildStatusBar();
+    QWidget* ResourceMarks();
+    void BuildMenus();
+    void BuildTray();
+    MonitorMenus::Handlers Handlers();
+    MonitorMenus::Handlers HandlersOfHelp();
+    QPushButton* Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command);
+
+    void HideOrIconify();
+    void SetWindowToFrontForeground();
+    void WelcomeBack();
+    void OpenEditor(bool isAddUrl, const std::string& id);
+    void SelectRow(int row);
+    void SelectEntry(const std::string& id);
+    std::string SelectedId() const;
+    std::string SelectedName() const;
+    void CopyRowText();
+    void RememberColumns();
+    void Timer3_Timer();
+    void Timer4_Timer();
+    void ShowStopStart(bool shown);
+    void ResourceWindowHidden(ResourceMonitor monitor);
+    void Tell(frmMSG::Kind kind, const std::string& title, const std::string& text);
+    QWidget* MessageParent() const;
+
+    Run* run_ = nullptr;
+    std::unique_ptr<MonitorCommands> commands_;
+    std::unique_ptr<ResourceWindows> resources_;
+    std::unique_ptr<MonitorForms> forms_;
+    std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
+    std::function<void()> exit_;
+    ServerListModel* model_;
+    std::unique_ptr<MonitorMenus> menus_;
+    std::unique_ptr<MonitorTray> tray_;
+    MessageQueue messages_{[this] { return MessageParent(); }};
+    QPointer<QWidget> editor_;  ///< while one is open
+    ConversationViewer conversation_;
+    MailTraceViewer mailTrace_;
+    std::unique_ptr<Timer> Timer3_;
+    std::unique_ptr<Timer> Timer4_;
+    ListColumns* columns_;
+    SavedLength width_;
+    SavedLength height_;
+    int nBlink_ = 0;
+    bool monitoring_ = true;
+    bool isAddUrl_ = false;
+    bool placed_ = false;
+    bool welcomed_ = false;
+    bool hiddenAtStart_ = false;
+};
+
+}  // namespace korvane

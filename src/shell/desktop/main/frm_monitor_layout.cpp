@@ -1,0 +1,296 @@
+// How the main window is put together; what it does is in frm_monitor.cpp.
+#include <QGraphicsOpacityEffect>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QStatusBar>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/main/frm_monitor.h"
+#include "shell/desktop/toolkit/cut_cell_tips.h"
+#include "shell/run/message_title.h"
+#include "shell/run/run.h"
+#include "shell/service/restart_help.h"
+
+namespace korvane {
+namespace {
+
+/// What a new window has: room for some entries and the status log.
+constexpr QSize kFirstSize{980, 640};
+/// 3310 and 5030 twips.
+constexpr QSize kLeastSize{221, 336};
+
+template <class Widget>
+Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
+    widget->setObjectName(name);
+    widget->setAccessibleName(accessibleName);
+    return widget;
+}
+
+/// In a narrow window the captions give way; the pictures and the tips remain.
+class CommandButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QStyleOptionButton option;
+        initStyleOption(&option);
+        const int needed = 2 * iconSize().width() + fontMetrics().size(Qt::TextShowMnemonic, text()).width();
+        if (width() < std::min(needed, sizeHint().width())) option.text.clear();
+        QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+    }
+};
+
+// What stands beside it stays where it is while this is hidden.
+void KeepPlace(QWidget& widget) {
+    QSizePolicy stays = widget.sizePolicy();
+    stays.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(stays);
+}
+
+}  // namespace
+
+void frmMonitor::BuildWidgets() {
+    setObjectName("frmMonitor");
+    setWindowTitle("Korvane");
+    setWindowIcon(ProgramIcon(true));
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+    BuildList();
+    rows->addLayout(BuildButtons());
+    rows->addWidget(ListView1);
+    rows->addLayout(BuildProgress());
+    txtStatus = Named(new StatusBox, "txtStatus", "Status log");
+    rows->addWidget(txtStatus, 1);
+    setCentralWidget(middle);
+    BuildStatusBar();
+    setMinimumSize(kLeastSize);
+    resize(kFirstSize);
+    ListView1->setFocus();
+}
+
+void frmMonitor::BuildList() {
+    model_ = new ServerListModel(this);
+    ListView1 = Named(new QTreeView, "ListView1", "Servers");
+    ListView1->setModel(model_);
+    ListView1->setRootIsDecorated(false);
+    ListView1->setUniformRowHeights(true);
+    ListView1->setAllColumnsShowFocus(true);
+    ListView1->setAlternatingRowColors(true);
+    ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
+    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1->setContextMenuPolicy(Qt::CustomContextMenu);
+    ListView1->setTabKeyNavigation(false);
+    QHeaderView& header = *ListView1->header();
+    header.setSectionsClickable(true);
+    header.setStretchLastSection(true);
+    header.setSectionsMovable(false);
+    // No column is the key of the order until somebody clicks one: the entry that is due next stands on top.
+    header.setSortIndicator(-1, Qt::AscendingOrder);
+    ListView1->setSortingEnabled(true);
+    ListView1->setItemDelegate(new CutCellTips(ListView1));
+    columns_ = new ListColumns(*ListView1, this);
+    connect(ListView1, &QTreeView::doubleClicked, this, [this] { cmdEditURL_Click(); });
+    connect(ListView1, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
+    const auto onKey = [this](const QKeySequence& key, const auto& command) {
+        connect(new QShortcut(key, ListView1, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this, command);
+    };
+    onKey(Qt::SHIFT | Qt::Key_F10, [this] {
+        const QRect row = ListView1->visualRect(ListView1->currentIndex());
+        menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
+    });
+    onKey(Qt::CTRL | Qt::Key_C, [this] { CopyRowText(); });
+}
+
+QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
+    QPushButton* button = Named(new CommandButton(icon, caption), name, QString(caption).remove('&'));
+    button->setAutoDefault(false);
+    button->setMinimumWidth(button->iconSize().width() * 3 / 4);
+    button->setToolTip(button->accessibleName());
+    connect(button, &QPushButton::clicked, this, [command = std::move(command)] { command(); });
+    return button;
+}
+
+QLayout* frmMonitor::BuildButtons() {
+    auto* row = new QHBoxLayout;
+    const auto add = [&](const char* name, const QString& caption, CommandPicture picture, std::function<void()> command) {
+        QPushButton* button = Button(name, caption, CommandIcon(picture), std::move(command));
+        row->addWidget(button);
+        return button;
+    };
+    cmdStopStart = add("cmdStopStart", "S&top", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
+    cmdStopStart->setToolTip("Stops or starts monitoring (F9)");
+    cmdStopWaiting = add("cmdStopWaiting", "&Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
+    cmdStopWaiting->setToolTip("Begins without waiting, with every server due at once (F5)");
+    KeepPlace(*cmdStopWaiting);
+    cmdStopWaiting->setVisible(false);
+    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
+    add("cmdAddURL", "&Add", CommandPicture::Add, [this] { cmdAddURL_Click(); });
+    add("cmdEditURL", "Ed&it", CommandPicture::Edit, [this] { cmdEditURL_Click(); });
+    add("cmdCopyPaste", "&Copy", CommandPicture::Copy, [this] { cmdCopyPaste_Click(); });
+    add("cmdDeleteURL", "&Delete", CommandPicture::Delete, [this] { cmdDeleteURL_Click(); });
+    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
+    add("cmdSave", "Sa&ve", CommandPicture::Save, [this] { commands_->cmdSave(); });
+    add("cmdReports", "&Reports", CommandPicture::Reports, [this] { commands_->cmdReports(); });
+    add("cmdSettings", "Settin&gs", CommandPicture::Settings, [this] { forms_->ShowOptions(); });
+    add("cmdHelp", "Hel&p", CommandPicture::Help, [this] { run_->TheDesk().pages.Show(WebPage::mnuHelpWeb); });
+    row->addStretch(1);
+    return row;
+}
+
+// Both texts give way to the window's width: a long tip must not make it wider.
+QLayout* frmMonitor::BuildProgress() {
+    auto* row = new QHBoxLayout;
+    lblCount = Named(new QLabel, "lblCount", "State of the cycle");
+    lblCo = Named(new QLabel, "lblCo", "Running work");
+    lblCo->setForegroundRole(QPalette::PlaceholderText);
+    for (QLabel* label : {lblCount, lblCo})
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    ProgressBar1 = Named(new QProgressBar, "ProgressBar1", "Progress");
+    ProgressBar1->setTextVisible(false);
+    ProgressBar1->setMaximumHeight(fontMetrics().height());
+    KeepPlace(*ProgressBar1);
+    row->addWidget(lblCount, 3);
+    row->addWidget(ProgressBar1, 3);
+    row->addWidget(lblCo, 5);
+    return row;
+}
+
+void frmMonitor::BuildStatusBar() {
+    lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
+    lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
+    lblCustomers->setVisible(false);
+    lblTime = Named(new QLabel, "lblTime", "Time");
+    statusBar()->addWidget(new QLabel("Servers:"));
+    statusBar()->addWidget(lblServers);
+    statusBar()->addWidget(lblCustomers);
+    statusBar()->addPermanentWidget(ResourceMarks());
+    statusBar()->addPermanentWidget(lblTime);
+}
+
+// A mark for each window on this machine's own resources: set while it is seen.
+QWidget* frmMonitor::ResourceMarks() {
+    auto* marks = new QWidget(this);
+    auto* row = new QHBoxLayout(marks);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new QLabel("This machine:"));
+    const struct {
+        ResourceMonitor monitor;
+        const char* name;
+        const char* caption;
+        const char* keys;
+    } all[] = {{ResourceMonitor::CPU, "ckCPUMon", "CPU", "Ctrl+1"},
+               {ResourceMonitor::Disk, "ckDiskMon", "Disks", "Ctrl+2"},
+               {ResourceMonitor::Memory, "ckMemoryMon", "Memory", "Ctrl+3"},
+               {ResourceMonitor::Services, "ckSvcMon", "Services", "Ctrl+4"}};
+    for (const auto& [monitor, name, caption, keys] : all) {
+        auto* mark = Named(new QCheckBox(caption), name, QString("Show the monitor of ") + caption);
+        mark->setShortcut(QKeySequence(keys));
+        mark->setToolTip(mark->accessibleName() + " (" + keys + ")");
+        connect(mark, &QCheckBox::toggled, this, [this, monitor = monitor](bool on) { resources_->Show(monitor, on); });
+        ckResources_[static_cast<std::size_t>(monitor)] = mark;
+        row->addWidget(mark);
+    }
+    return marks;
+}
+
+MonitorMenus::Handlers frmMonitor::Handlers() {
+    return {
+        {"mnuFileSave", [this] { commands_->cmdSave(); }},
+        {"mnuFileReports", [this] { commands_->cmdReports(); }},
+        {"mnuFileOpen", [this] { commands_->mnuFileOpen(); }},
+        {"mnuFileGlobal", [this] { commands_->mnuFileGlobal(); }},
+        {"mnufilekvsettings", [this] { commands_->mnufilekvsettings(); }},
+        {"mnuFileRepair", [this] { commands_->mnuFileRepair(); }},
+        {"mnuFileResetGraph", [this] { commands_->mnuFileResetGraph(); }},
+        {"mnuFileMin", [this] { MinimizeToTray(); }},
+        {"mnuExit", [this] { exit_(); }},
+        {"mnuEditAddURL", [this] { cmdAddURL_Click(); }},
+        {"mnuEditURL", [this] { cmdEditURL_Click(); }},
+        {"mnuEditCopyURL", [this] { cmdCopyPaste_Click(); }},
+        {"mnuEditPasteURL", [this] { cmdCopyPaste_Click(); }},
+        {"mnuEditDeleteURL", [this] { cmdDeleteURL_Click(); }},
+        {"mnuEditClearStatus", [this] { commands_->mnuEditClearStatus(); }},
+        {"mnuEditSettings", [this] { forms_->ShowOptions(); }},
+        {"mnuOptions", [this] { forms_->ShowOptions(); }},
+        {"cmdStopStart", [this] { run_->cmdStopStart(); }},
+        {"cmdStopWaiting", [this] { commands_->cmdStopWaiting(); }},
+        {"mnuViewConversation", [this] { conversation_.Show(); }},
+        {"mnuViewMail", [this] { mailTrace_.Show(); }},
+    };
+}
+
+MonitorMenus::Handlers frmMonitor::HandlersOfHelp() {
+    const auto show = [this](WebPage page) { return [this, page] { run_->TheDesk().pages.Show(page); }; };
+    const auto tell = [this](const std::string& topic) { ShowMessage(kMessageTitle, topic); };
+    return {
+        {"mnuHelpWeb", show(WebPage::mnuHelpWeb)},
+        {"mnuHelpFeatures", show(WebPage::mnuHelpFeatures)},
+        {"mnuTerms", show(WebPage::mnuTerms)},
+        {"mnuShutdown", [this, tell] { tell(ShutdownHelp(run_->TheDesk().files)); }},
+        {"mnuRestart", [tell] { tell(RestartHelp()); }},
+        {"mnuShutdownRemote", [tell] { tell(ShutdownRemoteHelp()); }},
+        {"mnuHelpFeedback", [this] { forms_->ShowFeedback(); }},
+        {"mnuHelpTellFriend", [this] { forms_->ShowTellFriend(); }},
+        {"mnuHelpAbout", [this] { forms_->ShowAbout(); }},
+    };
+}
+
+void frmMonitor::BuildMenus() {
+    MonitorMenus::Handlers handlers = Handlers();
+    handlers.merge(HandlersOfHelp());
+    menus_ = std::make_unique<MonitorMenus>(*menuBar(), *ListView1, *this, std::move(handlers));
+    const std::pair<const char*, CommandPicture> pictures[] = {
+        {"mnuFileSave", CommandPicture::Save},        {"mnuFileReports", CommandPicture::Reports},
+        {"mnuFileMin", CommandPicture::Hide},         {"mnuExit", CommandPicture::Exit},
+        {"mnuEditAddURL", CommandPicture::Add},       {"mnuEditURL", CommandPicture::Edit},
+        {"mnuEditCopyURL", CommandPicture::Copy},     {"mnuEditPasteURL", CommandPicture::Paste},
+        {"mnuEditDeleteURL", CommandPicture::Delete}, {"cmdStopWaiting", CommandPicture::StartNow},
+        {"cmdStopStart", CommandPicture::Stop},       {"mnuEditSettings", CommandPicture::Settings},
+        {"mnuOptions", CommandPicture::Settings},     {"mnuHelpWeb", CommandPicture::Help},
+        {"mnuHelpFeedback", CommandPicture::Mail},
+    };
+    for (const auto& [name, picture] : pictures)
+        menus_->Action(name).setIcon(CommandIcon(picture));
+}
+
+void frmMonitor::BuildTray() {
+    const auto tell = [this] { tray_->SetMonitoring(monitoring_); };  // a click has turned the mark, whatever came of it
+    tray_ = std::make_unique<MonitorTray>(MonitorTray::Commands{
+        .mnuTraySettings = [this] { mnuTraySettings_Click(); },
+        .mnuTrayOn =
+            [this, tell] {
+                commands_->mnuTrayOn();
+                tell();
+            },
+        .mnuTrayOff =
+            [this, tell] {
+                commands_->mnuTrayOff();
+                tell();
+            },
+        .mnuTrayReports = [this] { commands_->cmdReports(); },
+        .mnuTrayNTService = [this] { run_->TheDesk().service.mnuTrayNTService_Click(); },
+        .mnuTrayStartup = [this] { run_->TheDesk().service.mnuTrayStartup_Click(); },
+        .mnuTrayTellFriend = [this] { forms_->ShowTellFriend(); },
+        .mnuTrayFeedback = [this] { forms_->ShowFeedback(); },
+        .mnuTrayExit = [this] { menus_->Action("mnuExit").trigger(); },
+    });
+}
+
+// Hidden from the eye alone: the place, the focus and the key stay.
+void frmMonitor::ShowStopStart(bool shown) {
+    const bool isShown = cmdStopStart->graphicsEffect() == nullptr;
+    if (shown == isShown) return;
+    auto* effect = shown ? nullptr : new QGraphicsOpacityEffect(cmdStopStart);
+    if (effect != nullptr) effect->setOpacity(0);
+    cmdStopStart->setGraphicsEffect(effect);
+}
+
+}  // namespace korvane

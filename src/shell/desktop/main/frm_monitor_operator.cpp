@@ -1,0 +1,139 @@
+// What the main window shows and asks for the rooms below it.
+#include <QApplication>
+#include <algorithm>
+
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/main/frm_monitor.h"
+#include "shell/desktop/monitors/resource_form.h"
+#include "shell/desktop/small/frm_msg.h"
+#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/run/run.h"
+#include "store/database_files.h"
+
+namespace korvane {
+
+// A window in the task bar is as far out of sight as one in the tray.
+bool frmMonitor::WindowVisible() const {
+    return isVisible() && !isMinimized();
+}
+
+void frmMonitor::StatusLine(const std::string& time, const std::string& text) {
+    const bool loading = run_ != nullptr && run_->Loading();
+    if (WindowVisible() || loading) txtStatus->AddLine(Q(time + " - " + text));
+}
+
+void frmMonitor::SetClockText(const std::string& time) {
+    lblTime->setText(Q(time));
+}
+
+void frmMonitor::SetCycleText(const std::string& text) {
+    lblCount->setText(Q(text));
+    lblCount->setToolTip(lblCount->text());
+}
+
+void frmMonitor::ShowProgress(bool shown) {
+    ProgressBar1->setVisible(shown);
+}
+
+void frmMonitor::SetProgress(int value, int max) {
+    ProgressBar1->setRange(0, std::max(1, max));
+    ProgressBar1->setValue(std::clamp(value, 0, ProgressBar1->maximum()));
+}
+
+void frmMonitor::SetProgressTip(const std::string& text) {
+    ProgressBar1->setToolTip(Lines(text));
+    lblCo->setText(Q(text));
+}
+
+void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
+    tray_->SetPicture(picture);
+    tray_->SetTip(tip);
+    if (MonitorTray::Available()) tray_->Show();
+}
+
+void frmMonitor::SetMonitoring(bool on) {
+    monitoring_ = on;
+    cmdStopStart->setText(on ? "S&top" : "S&tart");
+    cmdStopStart->setAccessibleName(on ? "Stop" : "Start");
+    cmdStopStart->setIcon(CommandIcon(on ? CommandPicture::Stop : CommandPicture::Start));
+    QAction& action = menus_->Action("cmdStopStart");
+    action.setText(cmdStopStart->text());
+    action.setIcon(cmdStopStart->icon());
+    setWindowIcon(ProgramIcon(on));
+    tray_->SetMonitoring(on);
+    if (on) ShowStopStart(true);
+}
+
+void frmMonitor::SetCustomerCount(int count) {
+    lblCustomers->setText(QString("Number of distinct company names: %1").arg(count));
+    lblCustomers->setVisible(true);
+}
+
+void frmMonitor::RefreshURLList() {
+    if (!WindowVisible() && !run_->Loading()) return;
+    const Desk desk = run_->TheDesk();
+    std::vector<ServerRow> rows;
+    try {
+        rows = LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), run_->Requesting());
+    } catch (const std::exception& error) {  // what was shown stays until the store can be read again
+        desk.log.WriteLog(kLogFatal, kLogError, "RefreshURLList: " + std::string(error.what()));
+        desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
+        return;
+    }
+    lblServers->setText(QString::number(rows.size()));
+    desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
+    const int before = model_->rowCount();
+    model_->SetRows(std::move(rows));
+    if (model_->rowCount() != before) Form_Resize();
+    if (before == 0) SelectRow(0);  // the keys have something to begin with
+}
+
+// Over this window alone: dialogs stay as they are while a check runs behind them.
+void frmMonitor::SetWaitCursor(bool wait) {
+    if (wait) {
+        setCursor(Qt::BusyCursor);
+    } else {
+        unsetCursor();
+    }
+}
+
+// A window that nobody sees would take its messages along.
+QWidget* frmMonitor::MessageParent() const {
+    if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
+    // What a window beside this one has led to is told over it, and the keyboard comes back to it.
+    if (auto* const form = dynamic_cast<ResourceForm*>(QApplication::activeWindow()); form != nullptr) return form;
+    return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
+}
+
+void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::string& text) {
+    if (!placed_ || run_->Loading()) {
+        frmMSG::Show(MessageParent(), kind, title, text);
+    } else {
+        messages_.Add({kind, title, text});
+    }
+}
+
+void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
+    Tell(frmMSG::Kind::Information, title, text);
+}
+
+void frmMonitor::ShowError(const std::string& title, const std::string& text) {
+    Tell(frmMSG::Kind::StopSign, title, text);
+}
+
+bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
+    return frmMSG::Ask(MessageParent(), title, text);
+}
+
+void frmMonitor::Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
+                     const std::function<void()>& no) {
+    messages_.Add(
+        {frmMSG::Kind::Question, title, text, frmMSG::Answers::YesNo, [yes, no](bool accepted) { accepted ? yes() : no(); }});
+}
+
+void frmMonitor::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
+    tray_->SetStartMarks(run_->TheDesk().service.IsWindowsNT(), mnuTrayNTService, mnuTrayStartup);
+    forms_->SetStartMarks(mnuTrayNTService, mnuTrayStartup);
+}
+
+}  // namespace korvane

@@ -1,0 +1,127 @@
+#include "shell/desktop/main/list_columns.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QStyle>
+#include <algorithm>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "shell/list/server_list.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::string_view kWindowSection = "Window";
+constexpr std::string_view kWidthsKey = "ListColumns";
+constexpr std::string_view kOrderKey = "ListOrder";
+constexpr int kWidest = 2000;
+
+/// What a column whose text changes by itself always has room for, so that it need not grow later.
+constexpr const char* kUsualTexts[column::Count] = {
+    "", "", "", "Requesting...", "59 secs. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
+
+/// The texts of the operator share the room that the other columns leave.
+constexpr int kSharing[] = {column::Group, column::ScanText, column::ShortName, column::FullName};
+constexpr int kLeastCharacters = 6;
+/// Of the last column, which has the rest.
+constexpr int kReasonCharacters = 32;
+
+std::string Joined(const std::vector<int>& numbers) {
+    std::string text;
+    for (const int number : numbers)
+        text += (text.empty() ? "" : ",") + std::to_string(number);
+    return text;
+}
+
+/// The whole numbers between commas; empty unless there are `count` of them.
+std::vector<int> Numbers(const std::string& text, std::size_t count) {
+    std::vector<int> numbers;
+    IgnoreErrors([&] {
+        for (const std::string& number : Split(text, ','))
+            numbers.push_back(CheckedInt32(ParseWhole(number)));
+    });
+    return numbers.size() == count ? numbers : std::vector<int>();
+}
+
+void WriteChanged(IniFile& file, std::string_view key, std::string& stored, const std::string& text) {
+    if (text == stored) return;
+    stored = text;
+    file.Write(kWindowSection, key, text);
+}
+
+}  // namespace
+
+ListColumns::ListColumns(QTreeView& list, QObject* parent) : QObject(parent), list_(list), fitted_(Widths()) {
+    list_.viewport()->installEventFilter(this);
+    Fit();
+}
+
+bool ListColumns::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize) Fit();
+    return QObject::eventFilter(watched, event);
+}
+
+int ListColumns::Need(int column) const {
+    const int margin = list_.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &list_) + 1;
+    const int usual = list_.fontMetrics().horizontalAdvance(kUsualTexts[column]) + 2 * margin;
+    const int content = static_cast<const QAbstractItemView&>(list_).sizeHintForColumn(column);
+    return std::max({usual, content, list_.header()->sectionSizeHint(column)});
+}
+
+void ListColumns::Fit() {
+    if (Chosen()) return;
+    const int character = list_.fontMetrics().averageCharWidth();
+    int room = list_.viewport()->width() - kReasonCharacters * character;
+    std::vector<std::pair<int, int>> sharing;  // need and column
+    for (int column = 0; column < column::LastResponse; ++column) {
+        const int need = Need(column);
+        if (std::find(std::begin(kSharing), std::end(kSharing), column) != std::end(kSharing)) {
+            sharing.emplace_back(need, column);
+            continue;
+        }
+        list_.setColumnWidth(column, need);
+        room -= need;
+    }
+    // Who needs less than an even share leaves the rest to the others.
+    std::sort(sharing.begin(), sharing.end());
+    for (auto left = static_cast<int>(sharing.size()); const auto& [need, column] : sharing) {
+        const int width = std::clamp(room / left--, kLeastCharacters * character, std::max(need, kLeastCharacters * character));
+        list_.setColumnWidth(column, width);
+        room -= width;
+    }
+    fitted_ = Widths();
+}
+
+std::vector<int> ListColumns::Widths() const {
+    std::vector<int> widths;
+    for (int column = 0; column < column::LastResponse; ++column)
+        widths.push_back(list_.columnWidth(column));
+    return widths;
+}
+
+void ListColumns::Restore(IniFile& file) {
+    storedWidths_ = file.Read(kWindowSection, kWidthsKey, "");
+    const std::vector<int> widths = Numbers(storedWidths_, column::Count);
+    if (widths.empty()) storedWidths_.clear();
+    for (int column = 0; const int width : widths)
+        list_.setColumnWidth(column++, std::clamp(width, list_.header()->minimumSectionSize(), kWidest));
+    storedOrder_ = file.Read(kWindowSection, kOrderKey, "");
+    const std::vector<int> order = Numbers(storedOrder_, 2);
+    if (order.empty() || order[0] < 0 || order[0] >= column::Count) return;
+    list_.sortByColumn(order[0], order[1] == Qt::DescendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void ListColumns::Remember(IniFile& file) {
+    const QHeaderView& header = *list_.header();
+    if (header.sortIndicatorSection() >= 0)
+        WriteChanged(file, kOrderKey, storedOrder_, Joined({header.sortIndicatorSection(), header.sortIndicatorOrder()}));
+    if (!Chosen()) return;
+    std::vector<int> widths = Widths();
+    widths.push_back(list_.columnWidth(column::LastResponse));
+    WriteChanged(file, kWidthsKey, storedWidths_, Joined(widths));
+}
+
+}  // namespace korvane

@@ -1,0 +1,50 @@
+// The dialogs that the main window leads to beside the editor of an entry: the settings, the first-run setup, and what the help
+// menu offers. Of each there is one at a time.
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "shell/desktop/settings/frm_options.h"
+#include "shell/desktop/small/frm_help.h"
+#include "shell/options/resource_emails.h"
+#include "shell/run/desk.h"
+#include "shell/setup/first_run.h"
+
+namespace korvane {
+
+class MonitorForms {
+public:
+    /// `owner` is the main window; it must outlive this. `loadMonitors` has the resource monitors read their settings files again.
+    MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors);
+
+    void ShowOptions();
+    /// To the settings dialog, if it is open.
+    void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
+    void ShowAbout();
+    void ShowFeedback();
+    void ShowTellFriend();
+
+    /// The three questions and what becomes of the answers; waits through the event pump until it is through.
+    void SetUpForTheFirstTime();
+
+    /// How the pages of the setup are asked. Tests put their own in.
+    std::function<std::string(const WizardPage& page)> ask;
+
+private:
+    template <class MakeForm>
+    void Open(const std::string& name, MakeForm makeForm);
+    QWidget* Parent() const;
+    OptionsCommands CommandsOfOptions();
+
+    Desk desk_;
+    QWidget& owner_;
+    HelpViewer help_;
+    ResourceEmailFiles emails_;
+    std::map<std::string, QPointer<QDialog>> open_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,199 @@
+#include "shell/desktop/monitors/resource_form.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHideEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QShowEvent>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/toolkit/form_inputs.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kExpand = "&Settings >>";
+constexpr const char* kShrink = "<< &Settings";
+constexpr const char* kNote =
+    "Note: %1 Monitoring will be active even if this window is closed. To stop monitoring check 'Disable This Alert'";
+constexpr const char* kNoAddress = "A test needs an address with an \"@\" and a \".\"";
+constexpr int kNoteCharacters = 48;
+constexpr int kLevelStep = 5;
+constexpr int kLastLevel = 100;
+
+/// What is in a file stays, also where it is none of those offered.
+void Select(QComboBox& box, const std::string& text) {
+    if (S(box.currentText()) == text) return;
+    const QSignalBlocker quiet(box);
+    if (box.findText(Q(text)) < 0) box.addItem(Q(text));
+    box.setCurrentIndex(box.findText(Q(text)));
+}
+
+}  // namespace
+
+std::vector<std::string> OfferedLevels() {
+    std::vector<std::string> levels;
+    for (int level = kLevelStep; level <= kLastLevel; level += kLevelStep)
+        levels.push_back(std::to_string(level));
+    return levels;
+}
+
+// What the desktop takes for a dialog goes into the middle of the screen, each over the one before.
+ResourceForm::ResourceForm(const char* name, const QString& title)
+    : QDialog(nullptr, Qt::Window), layout_(new QVBoxLayout(this)) {
+    setObjectName(name);
+    setWindowTitle(title);
+    setSizeGripEnabled(true);
+}
+
+void ResourceForm::AddFigures(QWidget* figures, int stretch) {
+    layout_->addWidget(figures, stretch);
+}
+
+void ResourceForm::AddSettings() {
+    auto* row = new QHBoxLayout;
+    cmdExpand_ = new QPushButton(kExpand, this);
+    cmdExpand_->setObjectName("cmdExpand");
+    cmdExpand_->setAccessibleName("Settings");
+    cmdExpand_->setCheckable(true);
+    cmdExpand_->setAutoDefault(false);
+    connect(cmdExpand_, &QPushButton::toggled, this, [this](bool expand) { cmdExpand_Click(expand); });
+    row->addWidget(cmdExpand_);
+    row->addStretch();
+    layout_->addLayout(row);
+    fraSettings_ = new QGroupBox(this);
+    fraSettings_->setObjectName("fraSettings");
+    fraSettings_->setAccessibleName("Settings of the alert");
+    fraSettings_->setVisible(false);
+    form_ = new QFormLayout(fraSettings_);
+    form_->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    layout_->addWidget(fraSettings_);
+}
+
+QComboBox* ResourceForm::AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered,
+                                   std::string& text) {
+    auto* box = new QComboBox(fraSettings_);
+    box->setObjectName(name);
+    box->setAccessibleName(QString(label).remove('&').remove(':'));
+    box->addItem("");
+    for (const std::string& each : offered)
+        box->addItem(Q(each));
+    connect(box, &QComboBox::currentTextChanged, this, [&text](const QString& chosen) { text = S(chosen); });
+    choices_.push_back({box, &text});
+    auto* caption = new QLabel(label, fraSettings_);
+    caption->setBuddy(box);
+    auto* row = new QHBoxLayout;
+    row->addWidget(box);
+    row->addStretch();
+    form_->addRow(caption, row);
+    return box;
+}
+
+QCheckBox* ResourceForm::AddMark(const char* name, const QString& text, bool& on) {
+    QCheckBox* mark = NewMark(name, text, fraSettings_);
+    connect(mark, &QCheckBox::toggled, this, [&on](bool checked) { on = checked; });
+    marks_.push_back({mark, &on});
+    form_->addRow(mark);
+    return mark;
+}
+
+void ResourceForm::AddAlert(const QString& what) {
+    AlertMonitor& monitor = Monitor();
+    txtEmail_ = NewBox("txtEmail", "Address to notify", fraSettings_);
+    txtEmail_->setPlaceholderText("that of the first server");
+    connect(txtEmail_, &QLineEdit::textEdited, this, [&monitor](const QString& text) { monitor.txtEmail = S(text); });
+    auto* caption = new QLabel("&Notify:", fraSettings_);
+    caption->setBuddy(txtEmail_);
+    form_->addRow(caption, txtEmail_);
+    AddMark("ckDisable", "&Disable This Alert", monitor.ckDisable);
+    auto* note = NewExplanation(QString(kNote).arg(what), fraSettings_);
+    note->setMinimumWidth(fontMetrics().averageCharWidth() * kNoteCharacters);
+    form_->addRow(note);
+    AddCommands();
+    setMinimumWidth(fraSettings_->sizeHint().width() + 2 * layout()->contentsMargins().left());
+    monitor.OnChanged([this] { Refresh(); });
+    monitor.OnFocusEmail([this] { MarkRefused(*txtEmail_, kNoAddress); });
+    Refresh();
+}
+
+void ResourceForm::AddCommands() {
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    const auto add = [&](const char* name, const QString& caption, CommandPicture picture, const std::function<void()>& command) {
+        auto* button = new QPushButton(CommandIcon(picture), caption, fraSettings_);
+        button->setObjectName(name);
+        button->setAccessibleName(QString(caption).remove('&'));
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, command);
+        row->addWidget(button);
+        return button;
+    };
+    add("cmdSave", "Sa&ve", CommandPicture::Save, [this] { Monitor().cmdSave(); });
+    cmdTest_ = add("cmdTest", "&Test Email", CommandPicture::Mail, [this] { Monitor().cmdTest(); });
+    form_->addRow(row);
+}
+
+void ResourceForm::Refresh() {
+    ShowFigures();
+    for (const Choice& each : choices_)
+        Select(*each.box, *each.text);
+    for (const Mark& each : marks_)
+        each.box->setChecked(*each.on);
+    const QString email = Q(Monitor().txtEmail);
+    if (txtEmail_->text() != email) txtEmail_->setText(email);
+    cmdTest_->setEnabled(Monitor().TestEnabled());
+}
+
+// The window grows and shrinks by what its settings need, so that the figures keep their size; where the screen has no room for
+// that, they give way.
+void ResourceForm::cmdExpand_Click(bool expand) {
+    cmdExpand_->setText(expand ? kShrink : kExpand);
+    const QRect room = screen()->availableGeometry();
+    const int before = height();
+    const int most = room.height() - (frameGeometry().height() - before);
+    const int needed = fraSettings_->sizeHint().height() + layout_->spacing();
+    fraSettings_->setVisible(expand);
+    layout_->activate();
+    resize(width(), expand ? std::min(before + needed, most) : before - grown_);
+    grown_ = height() - before;
+    const int lowest = room.bottom() + 1 - frameGeometry().height();
+    if (expand && y() > lowest) move(x(), std::max(room.top(), lowest));
+}
+
+// Not QDialog's, which puts the window into the middle, too.
+void ResourceForm::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (event->spontaneous()) return;
+    leftForMessage_ = false;
+    Monitor().Shown();
+}
+
+void ResourceForm::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    if (event->spontaneous()) return;
+    move(pos());  // that is where it comes back
+    if (hidden_) hidden_();
+}
+
+// The operator who comes back from one of the program's own messages has not been away.
+void ResourceForm::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || txtEmail_ == nullptr) return;
+    if (!isActiveWindow()) {
+        leftForMessage_ = QApplication::activeModalWidget() != nullptr;
+    } else if (!std::exchange(leftForMessage_, false)) {
+        TakeMarkAway(*txtEmail_);
+        Monitor().LoadData();
+    }
+}
+
+}  // namespace korvane

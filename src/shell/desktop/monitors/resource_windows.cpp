@@ -1,0 +1,80 @@
+#include "shell/desktop/monitors/resource_windows.h"
+
+#include <utility>
+
+#include "shell/desktop/monitors/frm_cpu_monitor.h"
+#include "shell/desktop/monitors/frm_disk_monitor.h"
+#include "shell/desktop/monitors/frm_memory_mon.h"
+#include "shell/desktop/monitors/frm_svc_mon.h"
+
+namespace korvane {
+
+MonitorPorts MonitorPortsOf(const Desk& desk) {
+    return {.dir = desk.dir,
+            .clock = desk.clock,
+            .timers = desk.timers,
+            .store = desk.store,
+            .person = desk.person,
+            .files = desk.files,
+            .settings = desk.collection,
+            .mails = desk.alertMails};
+}
+
+ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)
+    : desk_(std::move(desk)), hidden_(std::move(hidden)) {}
+
+ResourceWindows::~ResourceWindows() = default;
+
+std::unique_ptr<ResourceForm> ResourceWindows::NewForm(ResourceMonitor monitor) {
+    const MonitorPorts ports = MonitorPortsOf(desk_);
+    switch (monitor) {
+        case ResourceMonitor::CPU:
+            return std::make_unique<frmCPUMonitor>(ports, desk_.systemInfo);
+        case ResourceMonitor::Disk:
+            return std::make_unique<frmDiskMonitor>(ports, desk_.systemInfo);
+        case ResourceMonitor::Memory:
+            return std::make_unique<frmMemoryMon>(ports, desk_.events, desk_.systemInfo);
+        case ResourceMonitor::Services:
+            return std::make_unique<frmSvcMon>(ports, desk_.services);
+    }
+    return nullptr;
+}
+
+void ResourceWindows::Make(ResourceMonitor monitor) {
+    forms_[Index(monitor)] = NewForm(monitor);
+    forms_[Index(monitor)]->OnHidden([this, monitor] { Hidden(monitor); });
+}
+
+void ResourceWindows::Load() {
+    for (const ResourceMonitor monitor : kResourceMonitors)
+        Make(monitor);
+}
+
+// The window of the memory goes when it is closed, and its watching with it; the others go on behind the scenes.
+void ResourceWindows::Hidden(ResourceMonitor monitor) {
+    if (monitor == ResourceMonitor::Memory) {
+        if (ResourceForm* form = forms_[Index(monitor)].release(); form != nullptr) form->deleteLater();
+    }
+    hidden_(monitor);
+}
+
+void ResourceWindows::Show(ResourceMonitor monitor, bool shown) {
+    if (shown && Form(monitor) == nullptr) Make(monitor);
+    ResourceForm* form = Form(monitor);
+    if (form == nullptr) return;
+    if (!shown) {
+        form->close();
+        return;
+    }
+    form->showNormal();
+    form->raise();
+    form->activateWindow();
+}
+
+void ResourceWindows::LoadData() {
+    for (const auto& form : forms_) {
+        if (form != nullptr) form->Monitor().LoadData();
+    }
+}
+
+}  // namespace korvane

@@ -1,0 +1,139 @@
+#include "shell/desktop/toolkit/form_inputs.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStyle>
+
+namespace korvane {
+namespace {
+
+constexpr int kShortCharacters = 10;
+constexpr const char* kDescription = "unmarkedDescription";
+
+/// Red that stands out from this background.
+QColor MarkColour(const QPalette& palette) {
+    return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
+}
+
+void Unmark(QWidget& box) {
+    if (!box.property(kDescription).isValid()) return;
+    box.setStyleSheet(QString());
+    box.setAccessibleDescription(box.property(kDescription).toString());
+    box.setProperty(kDescription, QVariant());
+    box.setToolTip(QString());
+}
+
+// A box that is marked already keeps the description from before its first mark.
+template <class Box>
+void Mark(Box& box, const QString& kind, const QString& why) {
+    if (!box.property(kDescription).isValid()) box.setProperty(kDescription, box.accessibleDescription());
+    const QString colour = MarkColour(box.palette()).name();
+    box.setStyleSheet(kind + " { border: 2px solid " + colour + "; border-radius: 3px; padding: 1px; }");
+    box.setAccessibleDescription(why);
+    box.setToolTip(why);
+    box.setFocus();
+    box.selectAll();
+    QObject::connect(
+        &box, &Box::textChanged, &box, [&box] { Unmark(box); }, Qt::SingleShotConnection);
+}
+
+}  // namespace
+
+QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page) {
+    auto* box = new QLineEdit(page);
+    box->setObjectName(name);
+    box->setAccessibleName(accessibleName);
+    return box;
+}
+
+QCheckBox* NewMark(const char* name, const QString& text, QWidget* page) {
+    auto* mark = new QCheckBox(text, page);
+    mark->setObjectName(name);
+    mark->setAccessibleName(QString(text).remove('&'));
+    return mark;
+}
+
+QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page) {
+    auto* button = new QPushButton(text, page);
+    button->setObjectName(name);
+    button->setAccessibleName(accessibleName);
+    return button;
+}
+
+void MarkRefused(QLineEdit& box, const QString& why) {
+    Mark(box, "QLineEdit", why);
+}
+
+void MarkRefused(QPlainTextEdit& box, const QString& why) {
+    Mark(box, "QPlainTextEdit", why);
+}
+
+void TakeMarkAway(QLineEdit& box) {
+    Unmark(box);
+}
+
+void TakeMarkAway(QPlainTextEdit& box) {
+    Unmark(box);
+}
+
+QFormLayout* NewForm(const QWidget* page) {
+    auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->setVerticalSpacing(page->fontMetrics().height() / 2);
+    return form;
+}
+
+// With a vertical spacing of its own a form hands none on to the rows in it.
+QHBoxLayout* NewRow(std::initializer_list<QWidget*> widgets) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing((*widgets.begin())->style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));
+    for (QWidget* widget : widgets)
+        row->addWidget(widget);
+    return row;
+}
+
+QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget* box) {
+    auto* label = new QLabel(text, form.parentWidget());
+    label->setObjectName(name);
+    label->setBuddy(box);
+    form.addRow(label, box);
+    return label;
+}
+
+QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget* box, QLayout* row) {
+    auto* label = new QLabel(text, form.parentWidget());
+    label->setObjectName(name);
+    label->setBuddy(box);
+    form.addRow(label, row);
+    return label;
+}
+
+void KeepShort(QLineEdit& box) {
+    box.setFixedWidth(box.fontMetrics().averageCharWidth() * kShortCharacters + box.sizeHint().height());
+}
+
+QLabel* NewFigure(const char* name, const QString& accessibleName, QWidget* page) {
+    auto* label = new QLabel(page);
+    label->setObjectName(name);
+    label->setAccessibleName(accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+QLabel* NewLabel(const char* name, const QString& text, QWidget* page) {
+    auto* label = new QLabel(text, page);
+    label->setObjectName(name);
+    return label;
+}
+
+QLabel* NewExplanation(const QString& text, QWidget* page) {
+    auto* label = new QLabel(text, page);
+    label->setWordWrap(true);
+    return label;
+}
+
+}  // namespace korvane

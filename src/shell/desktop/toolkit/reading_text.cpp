@@ -1,0 +1,74 @@
+#include "shell/desktop/toolkit/reading_text.h"
+
+#include <QKeyEvent>
+#include <QStyle>
+#include <QTextDocument>
+#include <algorithm>
+#include <cmath>
+
+#include "shell/desktop/trace/long_lines.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kSpare = 2;  ///< pixels without which the box takes its last line for one that is cut off
+
+}  // namespace
+
+ReadingText::ReadingText(QWidget* parent) : QPlainTextEdit(parent) {
+    setReadOnly(true);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setFrameShape(QFrame::NoFrame);
+    setBackgroundRole(QPalette::Window);
+    setForegroundRole(QPalette::WindowText);
+    viewport()->setAutoFillBackground(false);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
+void ReadingText::SetText(const QString& text) {
+    setPlainText(WithoutEndlessLines(text));
+}
+
+void ReadingText::SetLines(int lines) {
+    setFixedHeight(HeightOfLines(lines));
+}
+
+// Measured on a document of its own, since this one is laid out only where it is seen.
+void ReadingText::FitText(int characters, int lines) {
+    const QString text = toPlainText();
+    QTextDocument measured;
+    measured.setDefaultFont(font());
+    measured.setDocumentMargin(document()->documentMargin());
+    QTextOption wrapping;
+    wrapping.setWrapMode(wordWrapMode());
+    measured.setDefaultTextOption(wrapping);
+    measured.setPlainText(
+        text.left(qsizetype{characters} * (lines + 1)));  // the rest of a text of a megabyte cannot be seen at once
+    measured.setTextWidth(fontMetrics().averageCharWidth() * characters);
+
+    const int height = static_cast<int>(std::ceil(measured.size().height())) + kSpare + 2 * frameWidth();
+    const int most = HeightOfLines(lines);
+    const bool scrolls = height > most;
+    // A scroll bar that comes and goes takes the width by which the text wraps, and then it is needed.
+    setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    const int scrollBar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+    const int margins = 2 * (frameWidth() + static_cast<int>(std::ceil(document()->documentMargin())));
+    setMinimumWidth(static_cast<int>(std::ceil(measured.idealWidth())) + margins + scrollBar);
+    setFixedHeight(std::min(height, most));
+}
+
+int ReadingText::HeightOfLines(int lines) const {
+    const double text = QFontMetricsF(font()).lineSpacing() * lines;
+    return static_cast<int>(std::ceil(text + 2 * document()->documentMargin())) + kSpare + 2 * frameWidth();
+}
+
+void ReadingText::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy) && !textCursor().hasSelection())
+        event->ignore();
+    else
+        QPlainTextEdit::keyPressEvent(event);
+}
+
+}  // namespace korvane

@@ -1,0 +1,28 @@
+// What a test sends and receives, in a window of its own as long as the operator has it open.
+#pragma once
+
+#include <string>
+
+#include "engine/collaborators.h"
+#include "shell/desktop/toolkit/modeless_form.h"
+#include "shell/desktop/trace/frm_req_res.h"
+
+namespace korvane {
+
+class ConversationViewer : public ConversationWindow {
+public:
+    /// The window over which Show puts it. When that goes, this window goes with it.
+    void SetParent(QWidget* parent) { form_.SetParent(parent); }
+    /// Null when it is not open.
+    frmReqRes* TheForm() const { return form_.TheForm(); }
+
+    bool Visible() const override { return form_.Visible(); }
+    void Show() override { form_.Show(); }
+    void setRequest(const std::string& text) override;
+    void setResponse(const std::string& text) override;
+
+private:
+    ModelessForm<frmReqRes> form_;
+};
+
+}  // namespace korvane

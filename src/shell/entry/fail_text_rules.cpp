@@ -1,0 +1,138 @@
+#include "shell/entry/fail_text_rules.h"
+
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "base/text.h"
+#include "engine/server_table.h"
+#include "store/server_id.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kRestAfterRow = 100ms;
+
+/// The windows once showed here how many failures in a row it takes. Nothing fills it, and people know the texts without it.
+constexpr std::string_view kTimesToTry;
+
+bool IdTaken(Store& store, Connection& conn, std::int64_t id) {
+    const auto rows = store.NewRecordset();
+    rows->Open("SELECT * from ResponseFailText where id =" + std::to_string(id), conn, CursorType::Static, LockType::Optimistic);
+    return !rows->Eof();
+}
+
+}  // namespace
+
+FailTextRules::FailTextRules(const Ports& ports, std::string connectionText, std::string id)
+    : ports_(ports), connectionText_(std::move(connectionText)), id_(std::move(id)) {}
+
+FailTextRules::Opened FailTextRules::Open() {
+    Opened opened;
+    try {
+        const auto conn = OpenConnection();
+        const auto server = OpenServer(*conn, CursorType::Static);
+        opened.found = !server->Eof();
+        if (!opened.found) return opened;
+        const auto stored = ports_.store.NewRecordset();
+        stored->Open(query::FailTextsOf(id_), *conn, CursorType::Keyset, LockType::Optimistic);
+        for (std::size_t i = 0; i < opened.rows.size() && !stored->Eof(); ++i, stored->MoveNext()) {
+            opened.rows[i] = {stored->Fields("strFailText").Value().Text(), stored->Fields("strFailCommand").Value().Text()};
+            ports_.events.Sleep(kRestAfterRow);
+        }
+    } catch (const std::exception& error) {
+        WriteError("Form_Load", error.what());
+    }
+    return opened;
+}
+
+std::string FailTextRules::Save(const FailTextRows& rows) {
+    try {
+        const auto conn = OpenConnection();
+        const auto server = OpenServer(*conn, CursorType::Keyset);
+        if (server->Eof()) return "";  // the entry is gone: there is nothing to count
+        server->Fields("nFailScanText") = SaveRows(*conn, rows);
+        server->Update();
+        return "";
+    } catch (const std::exception& error) {
+        WriteError("cmdOk", error.what());
+        return error.what();
+    }
+}
+
+// Returns how many rules there are.
+int FailTextRules::SaveRows(Connection& conn, const FailTextRows& rows) {
+    const auto stored = ports_.store.NewRecordset();
+    stored->Open("SELECT id,idparent,strFailText,strFailCommand from ResponseFailText where idParent =" + id_, conn,
+                 CursorType::Keyset, LockType::Optimistic);
+    int count = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!rows[i].strFailText.empty()) {
+            if (stored->Eof()) AddRow(conn, *stored, i);
+            stored->Fields("strFailText") = Trim(rows[i].strFailText);
+            stored->Fields("strFailCommand") = Trim(rows[i].strFailCommand);
+            stored->Update();
+            ++count;
+        } else if (!stored->Eof()) {
+            stored->Delete();
+        } else {
+            continue;
+        }
+        stored->MoveNext();
+    }
+    return count;
+}
+
+// Different moments can give the same time stamp, and no two rows the same id.
+void FailTextRules::AddRow(Connection& conn, Recordset& stored, std::size_t row) {
+    std::int64_t id = std::stoll(NewTimeStampID(ports_.clock) + std::to_string(row));
+    while (IdTaken(ports_.store, conn, id))
+        ++id;
+    stored.AddNew();
+    stored.Fields("id") = id;
+    stored.Fields("idparent") = id_;
+}
+
+std::unique_ptr<Connection> FailTextRules::OpenConnection() {
+    auto conn = ports_.store.NewConnection();
+    conn->SetConnectionString(connectionText_);
+    conn->Open();
+    return conn;
+}
+
+std::unique_ptr<Recordset> FailTextRules::OpenServer(Connection& conn, CursorType cursor) {
+    auto server = ports_.store.NewRecordset();
+    server->Open("SELECT * from servers where id =" + id_, conn, cursor, LockType::Optimistic);
+    return server;
+}
+
+void FailTextRules::WriteError(const std::string& routine, const std::string& error) {
+    ports_.log.WriteLog(kLogOrdinary, kLogError, "frmCommands:" + routine + ": " + error);
+}
+
+std::string FailTextHelp() {
+    return "Specify a substring that you expect may be returned which indicates a URL failure (such as a page returned from your "
+           "firewall which contains the text 'URL can't be reached'). STRINGS ARE CASE SENSITIVE."
+           "After you specify this search text, specify the command that should be executed if this type of URL failure occurs "
+           "(optional).  You will always receive Email Notification if these failures occur.";
+}
+
+std::string FailCommandHelp(const FailTextRule& rule) {
+    const std::string when = "if the response contains the string '" + rule.strFailText + "' (" + std::string(kTimesToTry) +
+                             "'  times in a row).  You will ";
+    if (rule.strFailCommand.empty()) {
+        return "You are specifying that No command should be executed " + when + "still receive Email Notification.";
+    }
+    return "The command '" + rule.strFailCommand + "' will be executed " + when + "also receive Email Notification";
+}
+
+std::string FailTextRulesHelp() {
+    return "This multiple command configuration dialog allows you to monitor for specific text returned from your web "
+           "page.\r\n\r\n"
+           "By default, it's considered a URL failure when absolutely NOTHING is returned from the URL request (" +
+           std::string(kTimesToTry) + " times in a row).  \r\n\r\n" + FailTextHelp();
+}
+
+}  // namespace korvane

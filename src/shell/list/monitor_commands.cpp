@@ -1,0 +1,201 @@
+#include "shell/list/monitor_commands.h"
+
+#include <string_view>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "engine/server_table.h"
+#include "platform/wait_cursor.h"
+#include "shell/run/message_title.h"
+#include "shell/run/open_text.h"
+#include "shell/run/run.h"
+#include "store/database_files.h"
+#include "store/schema.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kMostEntries = 499;
+
+constexpr const char* kNoRoomToAdd =
+    "Sorry, 500 is the maximum number of Server Entries supported for the production version.  "
+    "Please remove or edit some unused, or less important URLs from the list.";
+constexpr const char* kNoRoomToCopy =
+    "Sorry, 500 is the maximum number of Servers supported for the production version.  "
+    "Please remove or edit some unused, or less important Servers from the list.";
+constexpr const char* kResetGraph = "This will delete the response time data for all servers (the hourly and daily graphs).";
+constexpr const char* kResetSummary =
+    "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  "
+    "This will Also delete all failure records. This will NOT delete the response time records (daily/hourly graphs). ";
+constexpr const char* kRepairing =
+    "During Compact and Repair, Korvane will freeze and refuse user input for up to 2 minutes.  Please wait...";
+
+/// What a copy does not take over.
+const std::pair<std::string_view, Value> kFreshValues[] = {
+    {"strCurStatus", std::string(status::kUp)},
+    {"strLastResponse", ""},
+    {"nAveResponse", 0},
+    {"nAveSession", 0},
+    {"nsuccess", 0},
+    {"nfail", 0},
+    {"nPercentUP", 100},
+    {"nTriesCur", 0},
+};
+
+void CopyFields(Recordset& from, Recordset& to) {
+    for (const TableSchema& table : DatabaseSchema()) {
+        if (table.name != "Servers") continue;
+        for (const ColumnSchema& column : table.columns)
+            IgnoreErrors([&] { to.Fields(column.name) = from.Fields(column.name).Value(); });
+    }
+}
+
+}  // namespace
+
+MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()) {}
+
+void MonitorCommands::cmdStopWaiting() {
+    if (run_.Loading()) return;
+    if (!run_.State().bMonitoring) {
+        run_.cmdStopStart();
+        return;
+    }
+    run_.cmdStopStart();
+    run_.cmdStopStart();
+    run_.WakeUp();
+    desk_.maintenance.ResetAllEventsToNow();
+    desk_.person.RefreshURLList();
+}
+
+void MonitorCommands::mnuTrayOff() {
+    if (run_.State().bMonitoring) run_.cmdStopStart();
+}
+
+void MonitorCommands::mnuTrayOn() {
+    if (!run_.State().bMonitoring) run_.cmdStopStart();
+}
+
+bool MonitorCommands::HasRoom(const std::string& refusal) {
+    if (desk_.settings.GetTotalURLs() < kMostEntries) return true;
+    desk_.person.ShowMessage(kMessageTitle, refusal);
+    return false;
+}
+
+bool MonitorCommands::BeginAdd() {
+    if (!HasRoom(kNoRoomToAdd)) return false;
+    desk_.entries.setServerEntryChangedIndex(kNoServerEntry);
+    return true;
+}
+
+void MonitorCommands::BeginEdit() {
+    desk_.log.Info("cmdEditURL_Click:  Enter routine");
+    desk_.entries.setServerEntryChangedIndex(kNoServerEntry);
+    desk_.log.Info("cmdEditURL_Click:  calling frmURLData.Show ");
+}
+
+void MonitorCommands::EndEdit() {
+    desk_.log.Info("cmdEditURL_Click:  back from frmURLData.Show ");
+}
+
+std::string MonitorCommands::CopyURL(const std::string& id) {
+    if (!HasRoom(kNoRoomToCopy)) return "";
+    std::string newId;
+    try {
+        newId = Copy(id);
+    } catch (const std::exception& error) {
+        desk_.log.WriteLog(kLogFatal, kLogError, "cmdCopyPaste_Click: " + std::string(error.what()));
+        desk_.person.ShowError(kMessageTitle, error.what());
+    }
+    desk_.person.RefreshURLList();
+    return newId;
+}
+
+std::string MonitorCommands::Copy(const std::string& id) {
+    const std::string newId = desk_.ids.NewServerID();
+    const auto conn = desk_.store.NewConnection();
+    conn->SetConnectionString(OdbcConnectionText(desk_.dir));
+    conn->Open();
+    const auto source = desk_.store.NewRecordset();
+    if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
+    if (id.empty() || source->Eof()) {
+        desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
+        return "";
+    }
+    const auto copy = desk_.store.NewRecordset();
+    copy->Open("SELECT * from servers where id < 0", *conn, CursorType::Keyset, LockType::Optimistic);
+    copy->AddNew();
+    CopyFields(*source, *copy);
+    copy->Fields("id") = newId;
+    for (const auto& [name, value] : kFreshValues)
+        copy->Fields(name) = value;
+    copy->Update();
+    return newId;
+}
+
+void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, const std::function<void()>& answered) {
+    if (id.empty()) {
+        desk_.person.ShowMessage(kMessageTitle, "Please click an entry in the list, then click delete.");
+        return;
+    }
+    mnuTrayOff();
+    desk_.person.Ask(
+        kMessageTitle,
+        "Are you sure you want to Permanently Delete the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.",
+        [=, this] {
+            Delete(id);
+            answered();
+        },
+        [=, this] {
+            desk_.status.setStatusMSG("Not Deleted");
+            answered();
+        });
+}
+
+void MonitorCommands::Delete(const std::string& id) {
+    const WaitCursor waiting(desk_.person);
+    desk_.maintenance.DeleteServerData(id);
+    desk_.person.RefreshURLList();
+    const std::string problem = desk_.publisher.PublishReports();
+    if (!problem.empty()) desk_.status.setStatusMSG("Reporting Error: " + problem);
+    desk_.status.setStatusMSG("Server Entry Deleted");
+}
+
+void MonitorCommands::OpenText(const std::string& path) {
+    bool exists = false;
+    IgnoreErrors([&] { exists = desk_.files.Exists(path); });
+    if (!exists) {
+        desk_.person.ShowMessage(kMessageTitle, "There is no file " + path + " yet.");
+        return;
+    }
+    OpenInEditor(desk_.processes, desk_.person, path);
+}
+
+void MonitorCommands::mnuFileRepair() {
+    const WaitCursor waiting(desk_.person);
+    desk_.status.setStatusMSG(kRepairing);
+    desk_.events.DoEvents();
+    desk_.maintenance.CompactAndRepair(DatabasePath(desk_.dir));
+    desk_.person.RefreshURLList();
+}
+
+void MonitorCommands::AskReset(const std::string& opening, std::function<void()> reset) {
+    desk_.person.Ask(kMessageTitle,
+                     opening +
+                         "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\n"
+                         "Click YES to Reset and Continue, NO to cancel",
+                     [this, reset = std::move(reset)] {
+                         const WaitCursor waiting(desk_.person);
+                         reset();
+                         desk_.person.RefreshURLList();
+                     });
+}
+
+void MonitorCommands::mnuFileResetGraph() {
+    AskReset(kResetGraph, [this] { desk_.maintenance.ResetResponseDataALL(); });
+}
+
+void MonitorCommands::mnuEditClearStatus() {
+    AskReset(kResetSummary, [this] { desk_.maintenance.ResetStatDataALL(true); });
+}
+
+}  // namespace korvane

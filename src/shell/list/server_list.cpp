@@ -1,0 +1,128 @@
+#include "shell/list/server_list.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "engine/server_table.h"
+
+namespace korvane {
+
+const std::array<std::string_view, column::Count> kColumnHeads = {"",
+                                                                  "Server ID",
+                                                                  "Group",
+                                                                  "Status",
+                                                                  "Next Try",
+                                                                  "Interval",
+                                                                  "Average",
+                                                                  "Type",
+                                                                  "Port",
+                                                                  "Scan Text",
+                                                                  "Short Name",
+                                                                  "Full Server Name or IP",
+                                                                  "Last Response"};
+
+namespace {
+
+constexpr std::string_view kListQuery = "SELECT * from servers order by dtNextCheck ";
+constexpr std::string_view kRequesting = "Requesting...";
+constexpr std::string_view kNow = "Now...";
+
+constexpr std::pair<std::string_view, RowIcon> kIcons[] = {
+    {status::kDown, RowIcon::Bad},          {status::kFailing, RowIcon::Warn}, {status::kInactive, RowIcon::Inactive},
+    {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},
+};
+
+/// The columns whose cells are what the table holds.
+constexpr std::pair<column::Column, std::string_view> kPlainCells[] = {
+    {column::Group, "strGroup"},
+    {column::Type, "strType"},
+    {column::Port, "strPort"},
+    {column::ScanText, "strExpectedText"},
+    {column::ShortName, "strDesc"},
+    {column::FullName, "strAddress_IP"},
+    {column::LastResponse, "strLastResponse"},
+};
+
+// A status that another tool has left has the picture of no state in particular.
+RowIcon IconOf(std::string_view strCurStatus) {
+    for (const auto& [word, icon] : kIcons) {
+        if (word == strCurStatus) return icon;
+    }
+    return RowIcon::Inactive;
+}
+
+std::string RowNumber(int n) {
+    return (n < 10 ? "0" : "") + std::to_string(n) + " ";
+}
+
+std::string StatusCell(Recordset& rs, const std::string& strCurStatus) {
+    if (strCurStatus != status::kFailing && strCurStatus != status::kDown) return strCurStatus;
+    return strCurStatus + " " + rs.Fields("ntriescur").Value().Text() + " of " + rs.Fields("ntries").Value().Text();
+}
+
+std::string NextTryCell(const Value& dtNextCheck, DateTime now, bool requested) {
+    if (dtNextCheck.IsEmpty()) return "";
+    const std::int64_t seconds = (dtNextCheck.When() - now).count();
+    if (seconds >= 0) return FormatDuration(std::to_string(seconds));
+    return requested ? std::string(kNow) : FormatDuration(std::to_string(-seconds)) + " overdue";
+}
+
+ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
+    ServerRow row;
+    const auto cell = [&](column::Column column) -> std::string& { return row.cells[column]; };
+    const std::string strCurStatus = rs.Fields("strCurStatus").Value().Text();
+    row.icon = requested ? RowIcon::Cur : IconOf(strCurStatus);
+    cell(column::Number) = RowNumber(n);
+    cell(column::ServerID) = std::to_string(rs.Fields("id").Value().Int64());
+    cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, strCurStatus);
+    for (const auto& [column, name] : kPlainCells)
+        cell(column) = rs.Fields(name).Value().Text();
+    // One value that makes no sense must not hide the entry, least of all the others.
+    IgnoreErrors([&] { cell(column::NextTry) = NextTryCell(rs.Fields("dtnextcheck").Value(), now, requested); });
+    cell(column::Interval) = FormatDuration(rs.Fields("nIntervalSeconds").Value().Text());
+    IgnoreErrors([&] {
+        const Value average = rs.Fields("nAveResponse").Value();
+        cell(column::Average) = FormatGrouped(average.IsBlank() ? 0.0 : average.Double(), 2) + " sec.";
+    });
+    return row;
+}
+
+std::string LongDuration(double seconds) {
+    const double minutes = seconds / 60;
+    return minutes > 60 ? FormatGrouped(minutes / 60, 2) + " hrs." : FormatGrouped(minutes, 2) + " min.";
+}
+
+}  // namespace
+
+std::string FormatDuration(const std::string& seconds) {
+    double x = 0;
+    std::int64_t whole = 0;
+    const bool number = IgnoreErrors([&] {
+        x = ParseNumber(seconds);
+        whole = RoundHalfEven(x);
+    });
+    if (!number) return "N/A";
+    if (x < 1) return FormatGrouped(x * 1000, 0) + " ms.";
+    if (whole > 60) return LongDuration(x);
+    const bool hasFraction = x < 10 && std::floor(x) != x;
+    return FormatGrouped(x, hasFraction ? 2 : 0) + " secs.";
+}
+
+std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting) {
+    const auto conn = store.NewConnection();
+    conn->SetConnectionString(connectionText);
+    conn->Open();
+    const auto rs = store.NewRecordset();
+    rs->Open(kListQuery, *conn, CursorType::Static, LockType::Optimistic);
+    std::vector<ServerRow> rows;
+    rows.reserve(static_cast<std::size_t>(rs->RecordCount()));
+    for (int n = 1; !rs->Eof(); rs->MoveNext(), ++n)
+        rows.push_back(ReadRow(*rs, n, now, requesting && n == 1));
+    return rows;
+}
+
+}  // namespace korvane

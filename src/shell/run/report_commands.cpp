@@ -1,0 +1,33 @@
+#include "shell/run/report_commands.h"
+
+#include "base/ignore_errors.h"
+#include "shell/run/message_title.h"
+#include "store/database_files.h"
+
+namespace korvane {
+
+void ReportCommands::DisplayReport(const std::string& idCustomer, const std::string& strGroup) {
+    if (!ports_.processes.HasDefaultProgram("htm")) {
+        ports_.person.ShowMessage(kMessageTitle,
+                                  "We're sorry, but Korvane can't open up your browser to display the report "
+                                  "because you have not chosen a default browser.");
+        return;
+    }
+    const std::string page = ports_.reports.PageOf(idCustomer, strGroup);
+    bool exists = false;
+    IgnoreErrors([&] { exists = ports_.files.Exists(page); });
+    std::string strErr;
+    if (!exists) ports_.reports.PublishReports(true, strErr);
+    ports_.processes.OpenPage(
+        page, [&person = ports_.person](const std::string&) { person.ShowMessage("URL Failed", "Web Page not Opened"); });
+}
+
+void ReportCommands::cmdReports_Click() {
+    std::string strErr;
+    const bool connected = IsDBConnectOK(ports_.store, ports_.files, dir_, strErr);
+    ports_.person.ClearStatus();
+    ports_.reports.PublishReports(connected, strErr);
+    DisplayReport("0", "");
+}
+
+}  // namespace korvane

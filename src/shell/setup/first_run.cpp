@@ -1,0 +1,208 @@
+#include "shell/setup/first_run.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <string_view>
+
+#include "base/text.h"
+#include "shell/entry/fresh_entry.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+// Names that are reserved for examples (RFC 2606).
+constexpr std::string_view kSampleAddress = "someone@example.com";
+
+constexpr std::string_view kFirstPage = "/default.htm";
+constexpr std::string_view kSubject = "Server XXX Down.";
+
+/// Each comes in above those before it.
+constexpr std::string_view kHints[] = {"5) Click the 'NOW' button (upper left) to begin monitoring right now!",
+                                       "4) Click the 'ADD' button  (top row of buttons) to create a new server entry.",
+                                       "3) Click the [X] in the upper right corner of the window to minimize Korvane.",
+                                       "2) Double-Click the list entry to edit the server settings.",
+                                       "1) Resize The Korvane Window. Next time you start it, it remembers the last size."};
+
+WizardPage QuestionOnUrl() {
+    return {.title = "Korvane Setup Question 1 of 3",
+            .prompt =
+                "Since this is the first time running Korvane, here are a few questions to get you started. \r\n\r\n"
+                "What is the URL of page on your website (e.g. " +
+                std::string(kSampleWebHost) + std::string(kFirstPage) + ")?",
+            .defaultText = std::string(kSampleWebHost) + std::string(kFirstPage),
+            .blankAnswerText = "Please type in a URL to get started."};
+}
+
+WizardPage QuestionOnEmail() {
+    return {.title = "Korvane Setup Question 2 of 3",
+            .prompt =
+                "If the URL can't be reached, email will be sent to an individual.\r\n\r\n"
+                "What Email address would you like to use for this?",
+            .defaultText = std::string(kSampleAddress),
+            .blankAnswerText = "Please type in an email address."};
+}
+
+WizardPage QuestionOnMailServer(const std::string& address) {
+    const auto at = address.find('@');
+    return {.title = "Korvane Setup Question 3 of 3",
+            .prompt =
+                "To get email sent to you, you need to specify the name of your mail server (SMTP).\r\n\r\n"
+                "Don't worry if you don't know it now.  You can configure it later.  "
+                "You can look at your browser or other email client to find the name of the SMTP server (do this now or later)."
+                "\r\n\r\n"
+                "What is the name of your mail server (SMTP mail)?",
+            .defaultText = at == std::string::npos ? std::string(kSampleMailHost) : "mail." + address.substr(at + 1),
+            .blankAnswerText = "Please type your SMTP server name."};
+}
+
+WizardPage ServiceInstalled(const std::string& serviceName) {
+    return {.title = "Korvane Setup Info 1 of 3",
+            .prompt = "The '" + serviceName +
+                      "' automatic service was added to the Service manager "
+                      "so Korvane restarts as a service when Windows restarts. "
+                      "You can un-install the Korvane service by Right-Clicking on the Korvane Icon in your system tray and "
+                      "unchecking the 'Install as Service' Choice.",
+            .blankAnswerText = "Korvane configured as a Service.",
+            .textboxVisible = false};
+}
+
+WizardPage MonitoringBegins(const std::string& address) {
+    return {
+        .title = "Korvane Setup Info 2 of 3",
+        .prompt = "After clicking OK, Korvane will start to monitor the web server '" + address + "' (in about two minutes). ",
+        .textboxVisible = false};
+}
+
+WizardPage GettingStarted() {
+    return {.title = "Korvane Setup Info 3 of 3",
+            .prompt =
+                "To get started\r\n"
+                "1) Resize Korvane to fit your screen \r\n"
+                "2) Double-Click the entry in the list to edit it \r\n"
+                "3) Click the NOW button to start monitoring right away.\r\n"
+                "4) Click the [X] in the upper right hand corner to minimize Korvane.",
+            .blankAnswerText = "Getting Started.",
+            .textboxVisible = false};
+}
+
+void WriteDefaultEntry(Recordset& row, const std::string& id, DateTime now) {
+    const ColumnValues own{{"id", id},
+                           {"strGroup", "Popular_Sites"},
+                           {"strEmailList1", kSampleAddress},
+                           {"strEmailFrom", kSampleAddress},
+                           {"strEmailText", kSubject},
+                           {"nIntervalSeconds", 120}};
+    for (const auto& [name, value] : FreshEntry(own, now))
+        row.Fields(name) = value;
+}
+
+std::string AddressOf(const std::string& answer) {
+    return ReplaceAll(ReplaceAll(ToLower(answer), "http://", ""), "https://", "");
+}
+
+// Wherever the letters stand: what is left is a name to tell entries apart, which the operator can change.
+std::string NameOf(const std::string& address) {
+    return ReplaceAll(ReplaceAll(ReplaceAll(address, ".", ""), "com", ""), "www", "");
+}
+
+class FirstRun {
+public:
+    FirstRun(const Desk& desk, const FirstRunCommands& commands) : desk_(desk), commands_(commands) {}
+
+    void SetUp() {
+        MakeEntry();
+        AskForMailServer();
+        if (commands_.IsWindows95()) StartWithTheDesktop();
+        if (commands_.IsWindowsNT()) StartAsService();
+        desk_.settings.Save();
+        commands_.ask(MonitoringBegins(strAddress_IP_));
+        commands_.ask(GettingStarted());
+        for (const std::string_view hint : kHints)
+            desk_.status.setStatusMSG(std::string(hint));
+        commands_.setEmailOfMonitors(email_);
+    }
+
+private:
+    // As it was typed or pasted, without what no address holds: blanks around it, and characters that nobody sees and no
+    // settings file keeps.
+    std::string Ask(const WizardPage& page) const {
+        std::string answer = commands_.ask(page);
+        std::erase_if(answer, [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
+        return Trim(answer);
+    }
+
+    void MakeEntry() {
+        const std::string url = Ask(QuestionOnUrl());
+        const auto conn = desk_.store.NewConnection();
+        conn->SetConnectionString(OdbcConnectionText(desk_.dir));
+        conn->Open();
+        const auto rs = desk_.store.NewRecordset();
+        rs->Open("SELECT * from servers", *conn, CursorType::Keyset, LockType::Optimistic);
+        if (rs->RecordCount() == 0) rs->AddNew();
+        WriteDefaultEntry(*rs, desk_.ids.NewServerID(), desk_.clock.Now());
+        WriteServer(*rs, url);
+        rs->Update();
+        WriteEmail(*rs, Ask(QuestionOnEmail()));
+        rs->Update();
+        rs->Close();
+        conn->Close();
+        desk_.person.RefreshURLList();
+    }
+
+    void WriteServer(Recordset& row, const std::string& url) {
+        strAddress_IP_ = kSampleWebHost;
+        const std::string address = AddressOf(url);
+        if (address.empty()) return;  // "http://" alone names no server either
+        const std::string name = NameOf(address);
+        strAddress_IP_ = address;
+        row.Fields("strAddress_IP") = address;
+        row.Fields("strDesc") = name;
+        row.Fields("strEmailText") = ReplaceAll(kSubject, "XXX", name);
+    }
+
+    void WriteEmail(Recordset& row, const std::string& email) {
+        if (email.empty()) return;
+        email_ = email;
+        row.Fields("strEmailList1") = email;
+        row.Fields("strEmailFrom") = email;
+    }
+
+    void AskForMailServer() {
+        const std::string server = Ask(QuestionOnMailServer(email_));
+        if (!server.empty()) desk_.collection.setKvSettingsColValue("Server", server);
+    }
+
+    void StartWithTheDesktop() {
+        commands_.AddOrRemoveGroupShortCut(true);
+        commands_.checkTrayStartup();
+    }
+
+    // The mark is put even when the installation failed: it is what the operator finds and unchecks to try again.
+    void StartAsService() {
+        const std::string name = desk_.collection.getKvSettingsColVal("ServiceName");
+        const bool installed = commands_.InstallService(name);
+        if (installed) commands_.ask(ServiceInstalled(name));
+        desk_.collection.setKvSettingsColValue("Service", "True");
+        commands_.checkTrayNTService();
+        if (installed) commands_.WarnIfInStartupGroup();
+    }
+
+    const Desk& desk_;
+    const FirstRunCommands& commands_;
+    std::string strAddress_IP_;
+    std::string email_;  ///< blank: the question was not answered
+};
+
+}  // namespace
+
+void SetUpFirstRun(const Desk& desk, const FirstRunCommands& commands) {
+    try {
+        FirstRun(desk, commands).SetUp();
+    } catch (const std::exception& error) {
+        desk.log.WriteLog(kLogFatal, kLogError, "First-run setup ended early: " + std::string(error.what()));
+    }
+}
+
+}  // namespace korvane
