@@ -131,20 +131,6 @@ TEST(FailTextRulesSave, StoredRowsAreUsedAgainInTheirOrder) {
     }
 }
 
-TEST(FailTextRulesSave, TenAndBackToNone) {
-    RulesWorld w;
-    FailTextRows rows;
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i] = {"text " + std::to_string(i), "command " + std::to_string(i)};
-    FailTextRules rules = w.RulesOf(w.server);
-    EXPECT_EQ(rules.Save(rows), "");
-    EXPECT_EQ(w.Count(), Value(10));
-    EXPECT_EQ(rules.Open().rows, rows);
-    EXPECT_EQ(rules.Save({}), "");
-    EXPECT_EQ(w.Count(), Value(0));
-    EXPECT_EQ(w.Rows(), std::vector<std::string>());
-}
-
 TEST(FailTextRulesSave, AnIdThatIsTakenIsPassedOver) {
     RulesWorld w;
     w.database.AddRow("ResponseFailText", {{"id", std::int64_t{7112115450}}, {"idParent", w.server + 1}});

@@ -178,7 +178,6 @@ void frmMonitor::Form_Resize() {
     const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
     const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
     ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
-    columns_->Fit();
 }
 
 void frmMonitor::RememberColumns() {

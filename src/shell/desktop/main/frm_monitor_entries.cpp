@@ -34,6 +34,7 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     const auto saved = [this, id, row] {
         RefreshURLList();
         Form_Resize();
+        columns_->Fit();
         if (!id.empty()) SelectEntry(id);
         if (id.empty()) SelectRow(row);
     };

@@ -84,7 +84,10 @@ void frmMonitor::RefreshURLList() {
     desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
     const int before = model_->rowCount();
     model_->SetRows(std::move(rows));
-    if (model_->rowCount() != before) Form_Resize();
+    if (model_->rowCount() != before) {
+        Form_Resize();
+        columns_->Fit();
+    }
     if (before == 0) SelectRow(0);  // the keys have something to begin with
 }
 

@@ -60,7 +60,7 @@ ListColumns::ListColumns(QTreeView& list, QObject* parent) : QObject(parent), li
 }
 
 bool ListColumns::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize) Fit();
+    if (event->type() == QEvent::Resize) Share();
     return QObject::eventFilter(watched, event);
 }
 
@@ -72,18 +72,25 @@ int ListColumns::Need(int column) const {
 }
 
 void ListColumns::Fit() {
+    needs_.clear();
+    for (int column = 0; column < column::LastResponse; ++column)
+        needs_.push_back(Need(column));
+    Share();
+}
+
+void ListColumns::Share() {
     if (Chosen()) return;
     const int character = list_.fontMetrics().averageCharWidth();
     int room = list_.viewport()->width() - kReasonCharacters * character;
     std::vector<std::pair<int, int>> sharing;  // need and column
     for (int column = 0; column < column::LastResponse; ++column) {
-        const int need = Need(column);
+        const int need = needs_[static_cast<std::size_t>(column)];
         if (std::find(std::begin(kSharing), std::end(kSharing), column) != std::end(kSharing)) {
             sharing.emplace_back(need, column);
-            continue;
+        } else {
+            list_.setColumnWidth(column, need);
+            room -= need;
         }
-        list_.setColumnWidth(column, need);
-        room -= need;
     }
     // Who needs less than an even share leaves the rest to the others.
     std::sort(sharing.begin(), sharing.end());

@@ -16,7 +16,7 @@ public:
     /// `list` must outlive this; it has its model already.
     ListColumns(QTreeView& list, QObject* parent);
 
-    /// After rows have come or gone; a change of the list's own width is followed by itself.
+    /// After rows have come, gone or got other texts. A change of the list's own width is followed without it.
     void Fit();
 
     void Restore(IniFile& file);
@@ -28,10 +28,12 @@ protected:
 
 private:
     int Need(int column) const;
+    void Share();
     std::vector<int> Widths() const;
     bool Chosen() const { return !storedWidths_.empty() || Widths() != fitted_; }
 
     QTreeView& list_;
+    std::vector<int> needs_;
     std::vector<int> fitted_;
     std::string storedWidths_;
     std::string storedOrder_;
