@@ -76,10 +76,13 @@ std::vector<std::string> ColumnsIn(Recordset& rs, const std::string& table) {
 
 }  // namespace
 
-TestDatabase::TestDatabase() {
+TestDatabase::TestDatabase()
+    : folder_(std::make_unique<TemporaryFolder>()),
+      path_(folder_->Path()),
+      own_(std::make_unique<QtSqlStore>(KindOfColumn)),
+      used_(*own_) {
     NeedQtApplication();
     std::filesystem::copy_file(KORVANE_DIST_DIR "/kvempty.mdb", Path());
-    store_ = std::make_unique<QtSqlStore>(KindOfColumn);
 }
 
 std::string TestDatabase::DriverString() const {
@@ -91,10 +94,10 @@ std::string TestDatabase::ProviderString() const {
 }
 
 void TestDatabase::With(const std::string& query, CursorType cursor, const std::function<void(Recordset&)>& work) {
-    const auto connection = store_->NewConnection();
+    const auto connection = used_.NewConnection();
     connection->SetConnectionString(DriverString());
     connection->Open();
-    const auto rs = store_->NewRecordset();
+    const auto rs = used_.NewRecordset();
     rs->Open(query, *connection, cursor, LockType::Optimistic);
     work(*rs);
     rs->Close();

@@ -57,16 +57,18 @@ using Row = std::map<std::string, Value, LessNoCase>;
 class TestDatabase {
 public:
     TestDatabase();
+    /// The database that `store`, which must outlive this, finds in the folder.
+    TestDatabase(std::string folder, Store& store) : path_(std::move(folder)), used_(store) {}
     TestDatabase(const TestDatabase&) = delete;
     TestDatabase& operator=(const TestDatabase&) = delete;
 
     /// Without a "/" at its end.
-    const std::string& Folder() const { return folder_.Path(); }
+    const std::string& Folder() const { return path_; }
     std::string Path() const { return Folder() + "/kvdata2.mdb"; }
     /// The two forms that the program uses.
     std::string DriverString() const;
     std::string ProviderString() const;
-    Store& TheStore() { return *store_; }
+    Store& TheStore() { return used_; }
 
     /// Adds the entry and gives its id.
     std::int64_t Add(const Entry& entry);
@@ -89,8 +91,10 @@ private:
     void With(const std::string& query, CursorType cursor, const std::function<void(Recordset&)>& work);
     std::int64_t IdFor(const Entry& entry);
 
-    TemporaryFolder folder_;
-    std::unique_ptr<Store> store_;
+    std::unique_ptr<TemporaryFolder> folder_;
+    std::string path_;
+    std::unique_ptr<Store> own_;
+    Store& used_;
     std::int64_t lastId_ = 0;
 };
 
