@@ -69,7 +69,7 @@ Run::Run(const Ports& ports, Options options)
       alertDispatcher_({ports.alertEsmtp, ports.alertPlain, ports.clock, ports.events, ports.person, ports.files, ports.guids,
                         status_, log_, collection_, [this] { StopMonitor(); }, nullptr},
                        {.contactAddress = std::string(kContactAddress)}),
-      alertMails_(alertDispatcher_, ports.timers, [this] { return mail_.Sending() || TimerMonitorDB_->Ticking(); }) {}
+      alertMails_(alertDispatcher_, ports.timers, log_, [this] { return mail_.Sending() || TimerMonitorDB_->Ticking(); }) {}
 
 ServiceMode::Commands Run::CommandsOfService() {
     return {.Save = [this] { settings_.Save(); },
