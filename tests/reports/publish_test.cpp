@@ -33,8 +33,10 @@ TEST_F(PublishTest, AnEmptyDatabaseWritesNoPage) {
 }
 
 TEST_F(PublishTest, FailurePagesAreOfThoseThatFailedSinceTheLastCompletePublish) {
-    AddServer(1, {{"datelastfail", now - std::chrono::hours(48)}});
+    AddServer(1, {{"datelastfail", now - std::chrono::days(5)}});
+    AddServer(2, {{"datelastfail", now - std::chrono::days(5) - std::chrono::seconds(1)}});
     rig.Publish();
+    EXPECT_TRUE(HasPage("R0/Web/failure1.htm") && !HasPage("R0/Web/failure2.htm")) << "at first of the last five days";
     const auto republished = [&](DateTime datelastfail) {
         disk.Remove(rig.root + "/R0/Web/failure1.htm");
         database.Change("Servers", 1, {{"datelastfail", datelastfail}});
