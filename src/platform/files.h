@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ struct FileIdentity {
     std::int64_t changedNanoseconds = 0;
     bool operator==(const FileIdentity&) const = default;
 };
+
+/// Gets a text piece by piece.
+using TakeText = std::function<void(std::string_view piece)>;
 
 class Files {
 public:
@@ -48,6 +52,10 @@ public:
     /// be gone. A new file can be read by everybody (0644). Throws Error.
     virtual void Publish(const std::string& path, std::string_view text) = 0;
 
+    /// The same for a page of any length, which is written as `write` hands it on, and not held; `write` may be called a second
+    /// time. A link of that name is replaced and not followed. Throws Error, and what `write` throws.
+    virtual void PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) = 0;
+
     /// No error when there is none. Throws Error.
     virtual void Remove(const std::string& path) = 0;
 
@@ -64,6 +72,9 @@ public:
 
     /// The same, but nobody but its owner can look into a new one either (0700).
     virtual void CreatePrivateFolder(const std::string& path) { CreateFolder(path); }
+
+    /// The path without links, as far as it exists. Throws Error.
+    virtual std::string RealPath(const std::string& path) = 0;
 
     /// One process holds a folder at a time, by a file in it that nobody but its owner can open. Whether this process holds it
     /// now, until it ends.

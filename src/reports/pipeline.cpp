@@ -2,7 +2,9 @@
 
 #include <exception>
 
+#include "base/ignore_errors.h"
 #include "base/raised_flag.h"
+#include "base/text.h"
 #include "platform/wait_cursor.h"
 #include "reports/columns.h"
 #include "store/database_files.h"
@@ -14,6 +16,9 @@ constexpr std::string_view kGroupsHead =
     "<table width=90% border=0 cellpadding=2 cellspacing=1><tr><td bgcolor=#CCCCCC align=center><b>Group Names:  Click on a link "
     "to "
     "see reports for each server group (Company or Network)</b></td></tr>";
+
+/// Failures of the time before the start get their page in the first publish if they are no older than this.
+constexpr std::chrono::days kRecentAtStart{5};
 
 std::string GroupRow(const std::string& strGroup) {
     return "\r\n<tr><td><a href=" + strGroup + "/summary.htm>Summary Report for " + strGroup + "</a></td></tr>";
@@ -28,7 +33,8 @@ Reports::Reports(const Ports& ports, std::string dir)
       graphs_({ports.store, ports.clock, ports.status, folder_}),
       responseTimes_({ports.store, ports.clock, ports.status, ports.ids, graphs_}),
       failures_(ports.store, folder_),
-      summary_({ports.store, ports.events, ports.status, folder_, graphs_, responseTimes_, failures_}) {}
+      summary_({ports.store, ports.events, ports.status, folder_, graphs_, responseTimes_, failures_}),
+      lastPublish_(ports.clock.Now() - kRecentAtStart) {}
 
 void Reports::PublishReports(bool bQuiet, std::string& strErr) {
     strErr.clear();
@@ -47,11 +53,16 @@ void Reports::PublishReports(bool bQuiet, std::string& strErr) {
     }
 }
 
-void Reports::PublishAll(bool bQuiet, std::string& strErr) {
-    ports_.status.setStatusMSG("Connecting to Database...");
-    const auto connection = ports_.store.NewConnection();
+std::unique_ptr<Connection> Reports::Connect() {
+    auto connection = ports_.store.NewConnection();
     connection->SetConnectionString(OleDbConnectionText(dir_));
     connection->Open();
+    return connection;
+}
+
+void Reports::PublishAll(bool bQuiet, std::string& strErr) {
+    ports_.status.setStatusMSG("Connecting to Database...");
+    const auto connection = Connect();
     const auto rs = ports_.store.NewRecordset();
     rs->Open("SELECT distinct idCustomer FROM Servers order by idCustomer", *connection, CursorType::Static,
              LockType::BatchOptimistic);
@@ -73,10 +84,15 @@ void Reports::PublishReportsPerCust(const std::string& idCustomer, Connection& c
     }
 }
 
-void Reports::PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
-    const auto rs = ports_.store.NewRecordset();
+std::unique_ptr<Recordset> Reports::GroupsOf(const std::string& idCustomer, Connection& connection) {
+    auto rs = ports_.store.NewRecordset();
     rs->Open("SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup",
              connection, CursorType::Static, LockType::BatchOptimistic);
+    return rs;
+}
+
+void Reports::PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
+    const auto rs = GroupsOf(idCustomer, connection);
     const int groups = rs->RecordCount();
     ports_.status.setStatusMSG(std::to_string(groups) + " distinct server groups returned.");
     std::string table(kGroupsHead);
@@ -98,9 +114,16 @@ void Reports::PublishGroups(const std::string& idCustomer, Connection& connectio
     folder_.Write(path, page);
 }
 
-std::string Reports::PageOf(const std::string& idCustomer, const std::string& strGroup) const {
+std::string Reports::PageOf(const std::string& idCustomer, const std::string& strGroup) {
     if (strGroup.empty()) return folder_.CustomerFolder(idCustomer) + "/groups.htm";
-    return folder_.GroupFolder(idCustomer, strGroup) + "/summary.htm";
+    std::string published = strGroup;
+    IgnoreErrors([&] {
+        const auto connection = Connect();
+        for (const auto rs = GroupsOf(idCustomer, *connection); !rs->Eof(); rs->MoveNext()) {
+            if (EqualsNoCase(TextOf(*rs, "strGroup"), strGroup)) published = TextOf(*rs, "strGroup");
+        }
+    });
+    return folder_.CustomerFolder(idCustomer) + "/" + published + "/summary.htm";
 }
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 // Publishing: walks customers and groups and writes all pages, while checks and windows go on between them.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "base/datetime.h"
@@ -42,10 +43,13 @@ public:
     /// between groups and servers.
     void PublishReports(bool bQuiet, std::string& strErr);
 
-    /// The page of all groups of a customer, or of one group.
-    std::string PageOf(const std::string& idCustomer, const std::string& strGroup) const;
+    /// The page of all groups of a customer, or of one group, in the folder that publishing makes for it: names that differ only
+    /// in case are one group.
+    std::string PageOf(const std::string& idCustomer, const std::string& strGroup);
 
 private:
+    std::unique_ptr<Connection> Connect();
+    std::unique_ptr<Recordset> GroupsOf(const std::string& idCustomer, Connection& connection);
     void PublishAll(bool bQuiet, std::string& strErr);
     void PublishReportsPerCust(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr);
     void PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr);
@@ -57,7 +61,7 @@ private:
     ResponseTimes responseTimes_;
     FailureReport failures_;
     SummaryReport summary_;
-    DateTime lastPublish_;  ///< the last complete one of this run
+    DateTime lastPublish_;  ///< the last complete one
     bool publishing_ = false;
 };
 

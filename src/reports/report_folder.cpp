@@ -19,6 +19,8 @@ constexpr const char* kPictureMark = "citrix.gif";
 constexpr std::size_t kFolderLevels = 2;
 constexpr std::size_t kPageLevels = 3;
 
+constexpr std::string_view kReportMark = "[[REPORT]]";
+
 }  // namespace
 
 std::string ReadFileText(Files& files, const std::string& path) {
@@ -27,9 +29,12 @@ std::string ReadFileText(Files& files, const std::string& path) {
     return text.value_or("");
 }
 
-bool WriteFileText(Files& files, const std::string& path, std::string_view text, std::string& strReason) {
+bool WriteFileText(Files& files, const std::string& path, const Pieces& text, std::string& strReason) {
     try {
-        files.Publish(path, std::string(text) + "\r\n");
+        files.PublishPage(path, [&](const TakeText& take) {
+            text(take);
+            take("\r\n");
+        });
         return true;
     } catch (const std::exception& error) {
         strReason = error.what();
@@ -55,21 +60,64 @@ bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const 
     return !leadsAway && names.size() <= levels;
 }
 
+// Somebody who may write into the report folder must not have this program write elsewhere. The report folder itself may be a
+// link.
+bool ReportFolder::LeadsOut(const std::string& folder, std::string& strReason) {
+    try {
+        std::string root = files_.RealPath(settings_.getKvSettingsColVal("ReportPath"));
+        if (!root.ends_with('/')) root += '/';
+        if (files_.RealPath(folder).starts_with(root)) return false;
+        strReason = "a link leads out of the report folder";
+    } catch (const std::exception& error) {
+        strReason = error.what();
+    }
+    return true;
+}
+
 void ReportFolder::CreateFolder(const std::string& path) {
-    if (IsInPlace(path, kFolderLevels)) IgnoreErrors([&] { files_.CreateFolder(path); });
+    std::string strReason;
+    if (!IsInPlace(path, kFolderLevels) || LeadsOut(path, strReason)) return;
+    IgnoreErrors([&] { files_.CreateFolder(path); });
 }
 
 std::string ReportFolder::Merge(std::string_view templateFile, const PageContents& contents) {
-    std::string page = ReadFileText(files_, dir_ + "/" + std::string(templateFile));
-    page = ReplaceAll(page, "[[REPORT]]", contents.report);
-    page = ReplaceAll(page, "[[TOTAL]]", std::to_string(contents.total));
-    page = ReplaceAll(page, "[[DATE]]", clock_.Now().Text());
-    return ReplaceAll(page, "[[GROUP]]", contents.group);
+    std::string page;
+    MergeInPieces(
+        templateFile, contents, [&](const TakeText& take) { take(contents.report); },
+        [&](std::string_view piece) { page += piece; });
+    return page;
+}
+
+// Piece by piece comes to the same as the whole at once: a report begins and ends with a tag.
+void ReportFolder::MergeInPieces(std::string_view templateFile, const PageContents& contents, const Pieces& report,
+                                 const TakeText& take) {
+    const std::string total = std::to_string(contents.total);
+    const std::string date = clock_.Now().Text();
+    const TakeText fillIn = [&](std::string_view piece) {
+        take(ReplaceAll(ReplaceAll(ReplaceAll(piece, "[[TOTAL]]", total), "[[DATE]]", date), "[[GROUP]]", contents.group));
+    };
+    const std::string page = ReadFileText(files_, dir_ + "/" + std::string(templateFile));
+    std::size_t at = 0;
+    for (std::size_t end; (end = page.find(kReportMark, at)) != std::string::npos; at = end + kReportMark.size()) {
+        fillIn(std::string_view(page).substr(at, end - at));
+        report(fillIn);
+    }
+    fillIn(std::string_view(page).substr(at));
 }
 
 void ReportFolder::Write(const std::string& path, const std::string& page) {
+    WritePieces(path, [&](const TakeText& take) { take(page); });
+}
+
+void ReportFolder::WriteLong(const std::string& path, std::string_view templateFile, const PageContents& contents,
+                             const Pieces& report) {
+    WritePieces(path, [&](const TakeText& take) { MergeInPieces(templateFile, contents, report, take); });
+}
+
+void ReportFolder::WritePieces(const std::string& path, const Pieces& page) {
     std::string strReason = "it is not below the report folder";
-    const bool written = IsInPlace(path, kPageLevels) && WriteFileText(files_, path, page, strReason);
+    const bool written = IsInPlace(path, kPageLevels) && !LeadsOut(path.substr(0, path.rfind('/')), strReason) &&
+                         WriteFileText(files_, path, page, strReason);
     if (!written) throw Error("The page " + path + " can't be written: " + strReason);
 }
 
@@ -84,12 +132,14 @@ void ReportFolder::EnsurePictures() {
     const std::string from = dir_ + "/i/";
     const std::string to = settings_.getKvSettingsColVal("ReportPath") + "/i/";
     if (files_.Exists(to + kPictureMark)) return;
+    std::string strReason;
+    if (LeadsOut(to, strReason)) throw Error("The pictures can't be written: " + strReason);
     files_.CreateFolder(settings_.getKvSettingsColVal("ReportPath") + "/i");
     std::vector<std::string> names = files_.FileNames(dir_ + "/i");
     const bool hasMark = std::erase(names, kPictureMark) > 0;
     if (hasMark) names.emplace_back(kPictureMark);  // last: the set is whole when it is there
     for (const std::string& name : names)
-        files_.Publish(to + name, files_.Read(from + name).value_or(""));
+        files_.PublishPage(to + name, [&](const TakeText& take) { take(files_.Read(from + name).value_or("")); });
 }
 
 }  // namespace korvane

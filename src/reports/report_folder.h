@@ -1,6 +1,7 @@
 // The folder tree of the published pages and the templates they are merged into.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -18,9 +19,12 @@ constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
 /// The whole file, or the empty text when there is none or it can't be read.
 std::string ReadFileText(Files& files, const std::string& path);
 
+/// Hands on a text piece by piece; it can be called again for the same text.
+using Pieces = std::function<void(const TakeText& take)>;
+
 /// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that
 /// worked; if not, `strReason` tells why.
-bool WriteFileText(Files& files, const std::string& path, std::string_view text, std::string& strReason);
+bool WriteFileText(Files& files, const std::string& path, const Pieces& text, std::string& strReason);
 
 /// What stands in a page in place of [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]].
 struct PageContents {
@@ -51,9 +55,14 @@ public:
     /// without the template.
     std::string Merge(std::string_view templateFile, const PageContents& contents);
 
-    /// Throws Error with the path when the page can't be written, or when a name in it would lead it away from its place below
-    /// "ReportPath".
+    /// Throws Error with the path when the page can't be written, or when a name or a link would lead it away from its place below
+    /// "ReportPath". A page that is a link itself is replaced.
     void Write(const std::string& path, const std::string& page);
+
+    /// Merges and writes a page whose report is too long to be held. A placeholder never lies across two pieces of `report`,
+    /// which takes the place of that of `contents`.
+    void WriteLong(const std::string& path, std::string_view templateFile, const PageContents& contents, const Pieces& report);
+
     /// False also where there can be no such file.
     bool Exists(const std::string& path);
 
@@ -61,7 +70,10 @@ public:
     void EnsurePictures();
 
 private:
+    void MergeInPieces(std::string_view templateFile, const PageContents& contents, const Pieces& report, const TakeText& take);
+    void WritePieces(const std::string& path, const Pieces& page);
     bool IsInPlace(const std::string& path, std::size_t levels) const;
+    bool LeadsOut(const std::string& folder, std::string& strReason);
 
     Files& files_;
     const Clock& clock_;

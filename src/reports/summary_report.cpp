@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "reports/columns.h"
@@ -75,6 +76,11 @@ std::string UpTimeContents(Recordset& rs, const std::string& id, double nPercent
     return nPercentUp < 100 && nPercentUp > 0 ? counts + "\r\n<br>" + FailureLink(id, "Failure Report") : counts;
 }
 
+bool FailedSince(DateTime lastPublish, Recordset& rs) {
+    const Value dateLastFail = rs.Fields("dateLastFail").Value();
+    return !dateLastFail.IsEmpty() && dateLastFail.When() >= lastPublish;
+}
+
 }  // namespace
 
 /// Of the servers that are up.
@@ -104,6 +110,17 @@ void SummaryReport::PublishSummaryReport(const std::string& strGroup, Connection
         Publish(strGroup, connection, strErr, bQuiet, lastPublish);
     } catch (const std::exception& error) {
         strErr += " PublishSummaryReport: " + std::string(error.what());
+        IgnoreErrors([&] { TrimFailures(strGroup, connection, lastPublish); });
+    }
+}
+
+// Of a group whose page failed before all of its servers had their turn.
+void SummaryReport::TrimFailures(const std::string& strGroup, Connection& connection, DateTime lastPublish) {
+    const auto rs = ports_.store.NewRecordset();
+    rs->Open("SELECT * FROM Servers where strGroup = '" + ReplaceAll(strGroup, "'", "''") + "'", connection, CursorType::Static,
+             LockType::BatchOptimistic);
+    for (; !rs->Eof(); rs->MoveNext()) {
+        if (FailedSince(lastPublish, *rs)) ports_.failures.Trim(TextOf(*rs, "ID"), connection);
     }
 }
 
@@ -132,8 +149,7 @@ void SummaryReport::Publish(const std::string& strGroup, Connection& connection,
         if (!bQuiet && row < saved.size() && saved[row]) PublishGraphs(connection, *rs);
         table += RowOf(*rs, groupFolder);
         averages.Add(*rs);
-        const Value dateLastFail = rs->Fields("dateLastFail").Value();
-        if (dateLastFail.IsEmpty() || dateLastFail.When() < lastPublish) continue;
+        if (!FailedSince(lastPublish, *rs)) continue;
         ports_.status.setStatusMSG("Recent failure recorded for " + TextOf(*rs, "strAddress_IP") +
                                    ". Updating Failure Report...");
         ports_.failures.PublishFailureReport(TextOf(*rs, "ID"), idCustomer, strGroup, connection, strErr);

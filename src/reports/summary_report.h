@@ -30,7 +30,7 @@ public:
     explicit SummaryReport(const Ports& ports) : ports_(ports) {}
 
     /// Delivers events at least once for each server. A failure ends the page, whose older form stays, and is added to `strErr`.
-    /// Servers that failed at `lastPublish` or later get their failure page. `bQuiet`: graphs are written only when a new hour or
+    /// Servers that failed at `lastPublish` or later get their failure page, or at least have their failures trimmed. `bQuiet`: graphs are written only when a new hour or
     /// day begins.
     void PublishSummaryReport(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet,
                               DateTime lastPublish);
@@ -38,6 +38,7 @@ public:
 private:
     struct Averages;
     void Publish(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet, DateTime lastPublish);
+    void TrimFailures(const std::string& strGroup, Connection& connection, DateTime lastPublish);
     std::vector<bool> SaveAverages(const std::string& query, Connection& connection);
     void PublishGraphs(Connection& connection, Recordset& server);
     std::string RowOf(Recordset& rs, const std::string& groupFolder);

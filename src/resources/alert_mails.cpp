@@ -14,8 +14,8 @@ constexpr int kMostWaits = 60;
 
 }  // namespace
 
-AlertMails::AlertMails(Dispatcher& mail, Timers& timers, std::function<bool()> busy)
-    : mail_(mail), busy_(std::move(busy)), timer_(timers.NewTimer("AlertMails")) {
+AlertMails::AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy)
+    : mail_(mail), log_(log), busy_(std::move(busy)), timer_(timers.NewTimer("AlertMails")) {
     timer_->OnTick([this] { timer_Timer(); });
 }
 
@@ -55,7 +55,11 @@ void AlertMails::timer_Timer() {
         }
         const Waiting next = std::move(waiting_.front());
         waiting_.pop_front();
-        mail_.SendThrough(MailServer::Primary, next.mail);
+        const SendOutcome outcome = mail_.SendThrough(MailServer::Primary, next.mail);
+        if (!outcome.sent) {
+            log_.WriteLog(kLogOrdinary, kLogError,
+                          "AlertMails: " + next.mail.strSubject + " to " + next.mail.strTo1 + " failed. " + outcome.strError);
+        }
         if (next.done) next.done();
     }
     timer_->SetEnabled(false);

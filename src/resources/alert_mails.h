@@ -8,6 +8,7 @@
 
 #include "notify/dispatcher.h"
 #include "platform/timer.h"
+#include "store/log.h"
 
 namespace korvane {
 
@@ -16,7 +17,7 @@ public:
     /// `mail` is best a dispatcher of its own: while a mail of the monitors is under way, a shared one refuses those of the
     /// cycle. One that is busy is waited for. So is what `busy` tells of, for a minute at most: a check whose pump delivers the
     /// timer would be held up by the mail and take it for a slow answer.
-    AlertMails(Dispatcher& mail, Timers& timers, std::function<bool()> busy = {});
+    AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy = {});
 
     /// Sends the alert as soon as its turn comes, through the primary server and once only; a failure is in the log and nowhere
     /// else. One that waits already is not taken a second time, so a dead server makes no endless queue.
@@ -36,6 +37,7 @@ private:
     void timer_Timer();
 
     Dispatcher& mail_;
+    Log& log_;
     std::function<bool()> busy_;
     int waits_ = 0;  ///< for what `busy` tells of, since the last mail
     std::deque<Waiting> waiting_;

@@ -30,6 +30,7 @@ void AlertMonitor::Load(AlertSettings& file) {
     file.OpenFile();
     txtEmail = file.getEmail();
     ckDisable = file.getDisable() == "1";
+    noAddressLogged_ = false;
     Switch(!ckDisable);
 }
 
@@ -72,7 +73,10 @@ bool AlertMonitor::RefusedTest() {
 }
 
 void AlertMonitor::SendAlert(const std::string& body) {
-    ports_.mails.Alert(MailTo(txtEmail.empty() ? DefaultAddress() : txtEmail, body));
+    const std::string address = txtEmail.empty() ? DefaultAddress() : txtEmail;
+    if (!address.empty()) return ports_.mails.Alert(MailTo(address, body));
+    if (!noAddressLogged_) ports_.log.WriteLog(kLogOrdinary, kLogError, manner_.subject + ": there is no address to send it to.");
+    noAddressLogged_ = true;
 }
 
 // Who is told is also who tells.

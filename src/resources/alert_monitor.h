@@ -27,6 +27,7 @@ struct MonitorPorts {
     Files& files;
     const SettingsCollection& settings;
     AlertMails& mails;
+    Log& log;
 };
 
 /// The texts and ways in which they differ.
@@ -96,6 +97,7 @@ private:
     std::function<void()> focusEmail_;
     bool testRefused_ = false;
     bool testUnderWay_ = false;
+    bool noAddressLogged_ = false;  ///< since the settings were loaded
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -57,29 +57,27 @@ void MemoryMonitor::UpdateFile() {
     file.UpdateData();
 }
 
-// Without figures there is no share, and the look ends before the count.
 void MemoryMonitor::Timer1_Timer() {
-    ShowMemory();
-    if (!figures_.known) return;
+    const bool hasShare = ShowMemory();
+    Changed();
+    if (!hasShare) return;
     nMemAlertCount_ = cboAlert.empty() ? 0 : nMemAlertCount_ + 1;
     if (nMemAlertCount_ <= kMemoryLooksWithoutMail) return;
     SendAlert(Body());
     nMemAlertCount_ = 0;
 }
 
-void MemoryMonitor::ShowMemory() {
+// Whether there is a share: a machine that does not tell has none, and the look ends before the count.
+bool MemoryMonitor::ShowMemory() {
     const PhysicalMemory memory = system_.Memory().value_or(PhysicalMemory{});
-    figures_ = {};
-    figures_.known = memory.total > 0;
-    if (figures_.known) {
-        figures_.lblTotal = Megabytes(memory.total);
-        figures_.lblUsed = Megabytes(memory.total - memory.available);
-        figures_.lblAvailable = Megabytes(memory.available);
-        const double share = static_cast<double>(memory.available) / static_cast<double>(memory.total);
-        figures_.percent = static_cast<int>(RoundHalfEven(share * 100));
-        figures_.lblUsage = "Usage:" + std::to_string(figures_.percent) + "%";
-    }
-    Changed();
+    figures_.lblTotal = Megabytes(memory.total);
+    figures_.lblUsed = Megabytes(memory.total - memory.available);
+    figures_.lblAvailable = Megabytes(memory.available);
+    if (memory.total == 0) return false;
+    const double share = static_cast<double>(memory.available) / static_cast<double>(memory.total);
+    figures_.percent = static_cast<int>(RoundHalfEven(share * 100));
+    figures_.lblUsage = "Usage:" + std::to_string(figures_.percent) + "%";
+    return true;
 }
 
 std::string MemoryMonitor::Body() const {
@@ -109,6 +107,7 @@ void MemoryMonitor::Recover_Memory(std::int16_t level) {
         text.shrink_to_fit();
     Timer1_->SetEnabled(true);
     ShowMemory();
+    Changed();
 }
 
 }  // namespace korvane

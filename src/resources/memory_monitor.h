@@ -16,12 +16,11 @@ namespace korvane {
 class MemoryMonitor : public AlertMonitor {
 public:
     struct Figures {
-        std::string lblTotal;  ///< "24105.55 MB"; blank when the machine does not tell
+        std::string lblTotal;  ///< "24105.55 MB"
         std::string lblUsed;
         std::string lblAvailable;
-        std::string lblUsage;  ///< "Usage:98%", the available share in spite of the word
+        std::string lblUsage;  ///< "Usage:98%", the available share in spite of the word; blank until the machine tells
         int percent = 0;       ///< of the bar
-        bool known = false;    ///< whether the machine told at the last look
     };
 
     /// The window is loaded: the first look is taken at once. `events` and `system` must outlive this.
@@ -38,7 +37,7 @@ public:
 
 private:
     void Timer1_Timer();
-    void ShowMemory();
+    bool ShowMemory();
 
     void Switch(bool on) override { tim_ = on; }
     void UpdateFile() override;

@@ -25,7 +25,7 @@ public:
         Files& files;
         Log& log;
         StatusLog& status;
-        /// Makes the reports anew; handles its own errors.
+        /// Makes the reports anew; tells its own errors.
         std::function<void()> publish;
     };
 

@@ -135,6 +135,8 @@ TEST_F(ResourceWindowsTest, ServicesAreMarkedByClickAndKeyExceptTheFirst) {
     World().RunFor(1s);
     auto* const grid = form.findChild<QTableWidget*>("grdSvc");
     ASSERT_EQ(grid->rowCount(), 4) << "a row for each, and a blank one";
+    for (const auto& [column, proportion] : {std::pair{0, 3000}, {2, 2000}, {3, 2000}})
+        EXPECT_EQ(grid->columnWidth(column), grid->columnWidth(1) * proportion / 600);
     const auto click = [&](int row) {
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(row, 1)).center());
     };

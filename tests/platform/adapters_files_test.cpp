@@ -99,6 +99,8 @@ TEST_F(LinuxFilesTest, AFileInAForeignFolderIsWrittenInPlace) {
             files.Replace(path, text);
             if (files.Read(path) != text) return false;
         }
+        files.PublishPage(path, [](const TakeText& take) { take("page"); });
+        if (files.Read(path) != "page") return false;
         files.Copy("/etc/passwd", path);
         return files.Read(path) == files.Read("/etc/passwd") && Throws([&] { files.Replace(path + ".new", "x"); });
     }));

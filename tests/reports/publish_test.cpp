@@ -33,8 +33,10 @@ TEST_F(PublishTest, AnEmptyDatabaseWritesNoPage) {
 }
 
 TEST_F(PublishTest, FailurePagesAreOfThoseThatFailedSinceTheLastCompletePublish) {
-    AddServer(1, {{"datelastfail", now - std::chrono::hours(48)}});
+    AddServer(1, {{"datelastfail", now - std::chrono::days(5)}});
+    AddServer(2, {{"datelastfail", now - std::chrono::days(5) - std::chrono::seconds(1)}});
     rig.Publish();
+    EXPECT_TRUE(HasPage("R0/Web/failure1.htm") && !HasPage("R0/Web/failure2.htm")) << "at first of the last five days";
     const auto republished = [&](DateTime datelastfail) {
         disk.Remove(rig.root + "/R0/Web/failure1.htm");
         database.Change("Servers", 1, {{"datelastfail", datelastfail}});
@@ -52,17 +54,25 @@ TEST_F(PublishTest, FailurePagesAreOfThoseThatFailedSinceTheLastCompletePublish)
 }
 
 TEST_F(PublishTest, AHistoryOfMoreThanFiftyIsCutToForty) {
-    for (const int id : {1, 2}) {
-        AddServer(id, {{"datelastfail", now}});
-        for (int i = 0; i < 49 + id; ++i)
-            AddFailure(100 * id + i, id, {{"nFailCount", 1}, {"dateFail", now - std::chrono::minutes(i)}});
+    // The pages of the last two groups can't be written.
+    const std::pair<const char*, int> servers[] = {{"Web", 50}, {"Web", 2001}, {"O'Brien", 51}, {"a/b", 51}};
+    for (int id = 1, row = 0; id <= 4; ++id) {
+        AddServer(id, {{"strGroup", servers[id - 1].first}, {"datelastfail", now}});
+        for (int i = 0; i < servers[id - 1].second; ++i)
+            AddFailure(++row, id, {{"nFailCount", i}, {"dateFail", now - std::chrono::minutes(i)}});
     }
-    EXPECT_EQ(rig.Publish(), "");
+    EXPECT_NE(rig.Publish(), "");
     EXPECT_EQ(database.Count("Failures", "IDParent = 1"), 50);
-    EXPECT_EQ(database.Count("Failures", "IDParent = 2"), 40);
-    EXPECT_EQ(database.Count("Failures", "IDParent = 2 and ID < 240"), 40) << "the newest stay";
+    for (const char* id : {"2", "3", "4"})
+        EXPECT_EQ(database.Count("Failures", "nFailCount < 40 and IDParent = " + std::string(id)), 40) << "the newest stay";
+    EXPECT_EQ(database.Count("Failures"), 50 + 3 * 40);
     EXPECT_TRUE(Holds(Page("R0/Web/failure1.htm"), "|50|"));
-    EXPECT_TRUE(Holds(Page("R0/Web/failure2.htm"), "|51|"));
+    const std::string page = Page("R0/Web/failure2.htm");
+    EXPECT_TRUE(Holds(page, "|2001|"));
+    std::size_t at = 0;
+    for (int i = 0; i < 2001 && at != std::string::npos; ++i)
+        at = page.find(std::to_string(i) + " of 3", at);
+    EXPECT_NE(at, std::string::npos) << "all that there were, in their order";
 }
 
 TEST_F(PublishTest, EachCustomerHasItsGroups) {
@@ -123,6 +133,23 @@ TEST_F(PublishTest, NamesThatCannotBeFoldersWriteNothingOutsideAndStopNobodyElse
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(written, expected);
     EXPECT_EQ(database.Count("Response", "txtType = 'hour'"), 9) << "averages are kept where pages can't be";
+}
+
+TEST_F(PublishTest, LinksLeadNoPageOutOfTheReportFolder) {
+    namespace fs = std::filesystem;
+    for (const char* folder : {"/i", "/outside", "/elsewhere/R0/Web"})
+        fs::create_directories(dir + folder);
+    fs::create_symlink("elsewhere", rig.root);  // may be a link itself
+    fs::create_symlink(dir + "/outside", rig.root + "/R0/Out");
+    fs::create_symlink(dir + "/outside/page", rig.root + "/R0/Web/summary.htm");
+    AddServer(1, {});
+    AddServer(2, {{"strGroup", "Out"}});
+    LinuxFiles real;
+    EXPECT_EQ(ReportsRig(real, store, world.events, world, dir).Publish(),
+              " PublishSummaryReport: The page " + rig.root +
+                  "/R0/Out/summary.htm can't be written: a link leads out of the report folder");
+    EXPECT_TRUE(fs::is_empty(dir + "/outside"));
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(rig.root + "/R0/Web/summary.htm")));
 }
 
 TEST_F(PublishTest, AMissingTemplateGivesAnEmptyPage) {

@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 using Texts = MonitorsWorld::Texts;
 using Messages = std::vector<RecordingOperator::Message>;
 
+constexpr const char* kLogFile = "/home/korvane/Logs/kvmonlog 2026 11-21.txt";
+
 class MonitorsTest : public testing::Test, protected MonitorsWorld {};
 
 TEST_F(MonitorsTest, CpuUsageFollowsTheCounters) {
@@ -134,11 +136,18 @@ TEST_F(MonitorsTest, MemoryMailsEveryEleventhLook) {
     EXPECT_EQ(TimesOf(4min), Texts());
     system.memory.reset();
     world.RunFor(30s);
-    EXPECT_FALSE(monitor->Shows().known);
+    EXPECT_EQ(monitor->Shows().lblTotal + monitor->Shows().lblUsage, ". MBUsage:90%") << "the share stays as it was";
     EXPECT_EQ(TimesOf(1h), Texts()) << "without figures the look ends early";
     system.memory = PhysicalMemory{3 * 1048576, 1048576 + 1048576 / 2};
     EXPECT_EQ(TimesOf(2min), Texts{"138:31"});
     EXPECT_EQ(monitor->Shows().lblUsed, "1.5 MB");
+    database.Change("Servers", 1, {{"strEmailList1", ""}});
+    for (int activations = 1; activations <= 2; ++activations) {
+        monitor->LoadData();
+        monitor->txtEmail.clear();
+        world.RunFor(1h);
+        EXPECT_EQ(Split(files.Text(kLogFile), '#').size(), activations + 1u) << "an alert without an address is logged once each";
+    }
     monitor.reset();
     EXPECT_EQ(TimesOf(1h), Texts()) << "closed";
 }
@@ -336,7 +345,7 @@ TEST_F(MonitorsTest, AlertsWaitForAMailThatIsUnderWay) {
     EXPECT_EQ(MailsOf(5s).size(), 2u) << "each once";
 
     bool checking = true;
-    AlertMails patient(dispatcher, world.timers, [&] { return checking; });
+    AlertMails patient(dispatcher, world.timers, log, [&] { return checking; });
     patient.Alert(alert);
     EXPECT_EQ(MailsOf(10s).size(), 0u);
     checking = false;
@@ -344,6 +353,12 @@ TEST_F(MonitorsTest, AlertsWaitForAMailThatIsUnderWay) {
     checking = true;
     patient.Alert(alert);
     EXPECT_EQ(MailsOf(61s).size(), 1u) << "but not for ever";
+
+    settings.setKvSettingsColValue("Server", "nobody.example");
+    settings.setKvSettingsColValue("SMTPUser1", "user");
+    alerts.Alert(alert);
+    world.RunFor(10min);
+    EXPECT_TRUE(Holds(files.Text(kLogFile), "#\tAlertMails: s to me@example.com failed. "));
 }
 
 }  // namespace

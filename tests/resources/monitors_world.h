@@ -29,7 +29,7 @@ struct MonitorsWorld : MailWorld {
     }
 
     MonitorPorts Ports() {
-        return {database.Folder(), world.clock, world.timers, database.TheStore(), person, files, settings, alerts};
+        return {database.Folder(), world.clock, world.timers, database.TheStore(), person, files, settings, alerts, log};
     }
     void File(const std::string& name, const std::string& text) { files.Replace(database.Folder() + "/" + name, text); }
     std::string FileText(const std::string& name) const { return files.Text(database.Folder() + "/" + name); }
@@ -56,7 +56,7 @@ struct MonitorsWorld : MailWorld {
     TestDatabase database;
     Dispatcher dispatcher{{socket, plainSocket, world.clock, world.events, person, files, guids, status, log, settings, [] {}},
                           {}};
-    AlertMails alerts{dispatcher, world.timers};
+    AlertMails alerts{dispatcher, world.timers, log};
     ScriptedSystemInfo system;
     ScriptedServices services{world};
 

@@ -183,7 +183,9 @@ TEST_F(MonitorCommandsTest, ResetsAskAndRepairKeepsEverything) {
     commands.mnuEditClearStatus();
     EXPECT_EQ(database.Count("Failures") + database.Count("Response"), 2);
     person.answers = {true, true};
+    database.Change("Servers", id, {{"strGroup", "O'Brien"}});  // which can't be published
     commands.mnuFileResetGraph();
+    EXPECT_TRUE(person.SaidPart("Reporting Error: "));
     EXPECT_EQ(database.Count("Response"), 0);
     EXPECT_EQ(database.Count("Failures"), 1);
     commands.mnuEditClearStatus();

@@ -27,12 +27,12 @@ protected:
     StatusLog status{desk, world.clock};
     Reports reports{{store, world.clock, world.events, desk, files, status, rig.settings, rig.ids}, dir};
     RecordingProcesses processes;
-    ReportCommands commands{{reports, store, files, desk, processes}, dir};
+    ReportCommands commands{{reports, store, files, desk, processes, status}, dir};
 };
 
 TEST_F(ReportCommandsTest, ShowAPageAndPublishOnlyWhereItIsMissing) {
     AddServer(1, {{"nAveSession", 5.0}});
-    commands.DisplayReport("0", "Web");
+    commands.DisplayReport("0", "WEB");  // the folder is spelt as the entry is
     EXPECT_TRUE(HasPage("R0/Web/summary.htm"));
     EXPECT_FALSE(desk.SaidPart("Publishing Group Report")) << "quietly";
     disk.Replace(rig.root + "/R0/groups.htm", "as it was");
@@ -65,8 +65,12 @@ TEST_F(ReportCommandsTest, TheCommandPublishesQuietlyIfTheDatabaseOpens) {
     EXPECT_EQ(processes.opened, std::vector<std::string>{rig.root + "/R0/groups.htm"}) << "always of customer 0";
 
     store.faults.Add({.operation = StoreOperation::Connect, .description = "busy"});
+    files.faults.Add({.operation = FilesOperation::Publish, .about = "/R3/groups.htm", .description = "full"});
     commands.cmdReports_Click();
     EXPECT_TRUE(desk.SaidPart("Publishing Group Report"));
+    ASSERT_EQ(desk.messages.size(), 1U);
+    EXPECT_TRUE(desk.messages[0].text.starts_with("Reporting Error:  Err - PublishReportsPerCust: ")) << desk.messages[0].text;
+    EXPECT_TRUE(desk.Said(desk.messages[0].text));
 }
 
 }  // namespace

@@ -45,6 +45,11 @@ void FaultyFiles::Publish(const std::string& path, std::string_view text) {
     files_.Publish(path, text);
 }
 
+void FaultyFiles::PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) {
+    faults.Pass(FilesOperation::Publish, path);
+    files_.PublishPage(path, write);
+}
+
 void FaultyFiles::Remove(const std::string& path) {
     faults.Pass(FilesOperation::Remove, path);
     files_.Remove(path);

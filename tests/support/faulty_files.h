@@ -43,10 +43,12 @@ public:
     void Append(const std::string& path, std::string_view text) override;
     void Copy(const std::string& from, const std::string& to) override;
     void Publish(const std::string& path, std::string_view text) override;
+    void PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) override;
     void Remove(const std::string& path) override;
     void Rename(const std::string& from, const std::string& to) override;
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
+    std::string RealPath(const std::string& path) override { return files_.RealPath(path); }
     bool HoldFolder(const std::string& path) override { return files_.HoldFolder(path); }
 
 private:

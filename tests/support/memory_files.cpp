@@ -57,6 +57,12 @@ void MemoryFiles::Publish(const std::string& path, std::string_view text) {
     Put(path, std::string(text));
 }
 
+void MemoryFiles::PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) {
+    std::string text;
+    write([&](std::string_view piece) { text += piece; });
+    Put(path, std::move(text));
+}
+
 void MemoryFiles::Remove(const std::string& path) {
     if (folders_.contains(path)) throw Error("Is a directory: " + path);
     files_.erase(path);

@@ -68,11 +68,12 @@ bool MayBeWrittenInPlace(int error) {
 }
 
 // Whether a file is there. Throws Error when it is one that must not be replaced.
-bool StatExisting(const std::string& path, struct stat& existing) {
-    if (::stat(path.c_str(), &existing) != 0) {
+bool StatExisting(const std::string& path, struct stat& existing, bool replaceLink) {
+    if ((replaceLink ? ::lstat : ::stat)(path.c_str(), &existing) != 0) {
         if (errno == ENOENT) return false;
         ThrowFileError("write", path);
     }
+    if (S_ISLNK(existing.st_mode)) return false;
     if (!S_ISREG(existing.st_mode)) throw Error("Cannot write " + path + ": it is not a file");
     if (::access(path.c_str(), W_OK) != 0) ThrowFileError("write", path);
     return true;
@@ -113,7 +114,7 @@ std::string FollowLinks(std::string path) {
 
 bool ReplaceBySibling(const std::string& path, const std::function<void(const Descriptor&)>& write, const Placing& placing) {
     struct stat existing {};
-    const bool exists = StatExisting(path, existing);
+    const bool exists = StatExisting(path, existing, placing.replaceLink);
     Sibling sibling(path);
     if (!sibling.File()) {
         if (exists && MayBeWrittenInPlace(errno)) return false;

@@ -21,8 +21,9 @@ std::string FollowLinks(std::string path);
 
 /// What becomes of a file that takes another's place.
 struct Placing {
-    bool flush = true;        ///< it is on the disk when the call returns
-    unsigned newMode = 0600;  ///< of a file that was not there before
+    bool flush = true;         ///< it is on the disk when the call returns
+    unsigned newMode = 0600;   ///< of a file that was not there before
+    bool replaceLink = false;  ///< a link counts as no file: it goes, and what it leads to stays as it is
 };
 
 /// Calls `write` with a new empty file beside `path`, moves it (unless `placing` says otherwise) to the disk and then into the

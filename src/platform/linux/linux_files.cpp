@@ -149,6 +149,14 @@ void LinuxFiles::Publish(const std::string& path, std::string_view text) {
     if (!ReplaceBySibling(target, write, {.flush = false, .newMode = 0644})) ReplaceInPlace(target, text);
 }
 
+void LinuxFiles::PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) {
+    const auto writePieces = [&](const Descriptor& file) { write([&](std::string_view piece) { WriteAll(file, piece, path); }); };
+    if (ReplaceBySibling(path, writePieces, {.flush = false, .newMode = 0644, .replaceLink = true})) return;
+    std::string text;  // in place the length has to be known first
+    write([&](std::string_view piece) { text += piece; });
+    ReplaceInPlace(path, text);
+}
+
 void LinuxFiles::Remove(const std::string& path) {
     if (::unlink(path.c_str()) != 0 && !NoSuchFile(errno)) ThrowFileError("remove", path);
 }
@@ -179,6 +187,13 @@ void LinuxFiles::CreateFolder(const std::string& path) {
 
 void LinuxFiles::CreatePrivateFolder(const std::string& path) {
     MakeFolder(path, 0700);
+}
+
+std::string LinuxFiles::RealPath(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(path, error);
+    if (error) throw Error("Cannot follow " + path + ": " + error.message());
+    return real.string();
 }
 
 // A lock on the folder itself could be taken by everybody who can look into it.

@@ -30,11 +30,13 @@ public:
     void Append(const std::string& path, std::string_view text) override;
     void Copy(const std::string& from, const std::string& to) override;
     void Publish(const std::string& path, std::string_view text) override;
+    void PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) override;
     void Remove(const std::string& path) override;
     void Rename(const std::string& from, const std::string& to) override;
     std::vector<std::string> FileNames(const std::string& folder) override;
     void CreateFolder(const std::string& path) override;
     void CreatePrivateFolder(const std::string& path) override;
+    std::string RealPath(const std::string& path) override;
 
     /// The hold ends with this object or the process. Throws Error when the folder cannot be written or its file system knows no
     /// locks.

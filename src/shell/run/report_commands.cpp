@@ -1,10 +1,26 @@
 #include "shell/run/report_commands.h"
 
 #include "base/ignore_errors.h"
+#include "base/text.h"
 #include "shell/run/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {
+namespace {
+
+/// Characters of a message: each group may have an error of its own.
+constexpr std::size_t kMostOfAnError = 1000;
+
+}  // namespace
+
+void ReportCommands::PublishReports(bool bQuiet) {
+    std::string strErr;
+    ports_.reports.PublishReports(bQuiet, strErr);
+    if (strErr.empty()) return;
+    const std::string text = "Reporting Error: " + strErr;
+    ports_.status.setStatusMSG(text);
+    ports_.person.ShowError(kMessageTitle, Left(text, kMostOfAnError));
+}
 
 void ReportCommands::DisplayReport(const std::string& idCustomer, const std::string& strGroup) {
     if (!ports_.processes.HasDefaultProgram("htm")) {
@@ -16,8 +32,7 @@ void ReportCommands::DisplayReport(const std::string& idCustomer, const std::str
     const std::string page = ports_.reports.PageOf(idCustomer, strGroup);
     bool exists = false;
     IgnoreErrors([&] { exists = ports_.files.Exists(page); });
-    std::string strErr;
-    if (!exists) ports_.reports.PublishReports(true, strErr);
+    if (!exists) PublishReports(true);
     ports_.processes.OpenPage(
         page, [&person = ports_.person](const std::string&) { person.ShowMessage("URL Failed", "Web Page not Opened"); });
 }
@@ -26,7 +41,7 @@ void ReportCommands::cmdReports_Click() {
     std::string strErr;
     const bool connected = IsDBConnectOK(ports_.store, ports_.files, dir_, strErr);
     ports_.person.ClearStatus();
-    ports_.reports.PublishReports(connected, strErr);
+    PublishReports(connected);
     DisplayReport("0", "");
 }
 

@@ -8,6 +8,7 @@
 #include "platform/operator.h"
 #include "platform/processes.h"
 #include "reports/pipeline.h"
+#include "store/status_log.h"
 
 namespace korvane {
 
@@ -19,10 +20,14 @@ public:
         Files& files;
         Operator& person;
         Processes& processes;
+        StatusLog& status;
     };
 
     /// `dir` is where the database is. Everything borrowed must outlive this.
     ReportCommands(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {}
+
+    /// Publishes for an operator who waits for it: what went wrong is said in the status log and in a message.
+    void PublishReports(bool bQuiet);
 
     /// Opens the page of a group, or of all groups of the customer when `strGroup` is blank; publishes first when it is not there
     /// yet. A person without a browser is told so.

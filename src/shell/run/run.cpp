@@ -47,8 +47,9 @@ Run::Run(const Ports& ports, Options options)
       actions_({ports.store, ports.clock, status_, log_, collection_, entries_, mail_, trace_, commands_}),
       reports_({ports.store, ports.clock, ports.events, ports.person, ports.files, status_, collection_, ids_}, options_.dir),
       publisher_(reports_),
-      reportCommands_({reports_, ports.store, ports.files, ports.person, ports.processes}, options_.dir),
-      maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { publisher_.PublishReports(); }}, options_.dir),
+      reportCommands_({reports_, ports.store, ports.files, ports.person, ports.processes, status_}, options_.dir),
+      maintenance_({ports.store, ports.clock, ports.files, log_, status_, [this] { reportCommands_.PublishReports(false); }},
+                   options_.dir),
       conversation_(ports.conversation == nullptr ? noConversation_ : *ports.conversation),
       progress_({ports.events, ports.person, state_, *TimerProgress_}),
       http_({collection_, ports.events, ports.clock, progress_}),
@@ -72,7 +73,7 @@ Run::Run(const Ports& ports, Options options)
       alertDispatcher_({ports.alertEsmtp, ports.alertPlain, ports.clock, ports.events, ports.person, ports.files, ports.guids,
                         status_, log_, collection_, [this] { StopMonitor(); }, nullptr},
                        {.contactAddress = std::string(kContactAddress)}),
-      alertMails_(alertDispatcher_, ports.timers, [this] { return mail_.Sending() || TimerMonitorDB_->Ticking(); }) {}
+      alertMails_(alertDispatcher_, ports.timers, log_, [this] { return mail_.Sending() || TimerMonitorDB_->Ticking(); }) {}
 
 ServiceMode::Commands Run::CommandsOfService() {
     return {.Save = [this] { settings_.Save(); },

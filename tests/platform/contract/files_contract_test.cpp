@@ -51,7 +51,7 @@ TYPED_TEST(FilesContract, NamesComeAndGo) {
     const std::string b = this->Path("b");
     this->files.Publish(a, "old");
     this->files.Publish(a, "page");
-    this->files.Publish(b, "page");
+    this->files.PublishPage(b, [](const TakeText& take) { take("pa"), take("ge"); });
     this->files.CreateFolder(this->Path("folder"));
     EXPECT_EQ(this->files.Read(b), "page");
     EXPECT_EQ(this->files.FileNames(this->bench.folder), (std::vector<std::string>{"a", "b"}));

@@ -178,7 +178,7 @@ void frmURLData::cmdReset_Click() {
     const auto reset = [desk = desk_, strID = strID_, self, ends] {
         desk.maintenance.ResetStatData(strID, true);
         desk.maintenance.ResetResponseData(strID);
-        desk.publisher.PublishReports();
+        desk.reports.PublishReports(false);
         ends();
         if (self != nullptr && !self->IsClosed()) desk.person.ShowMessage(kMessageTitle, "Data Reset");
     };

@@ -15,7 +15,7 @@ frmMemoryMon::frmMemoryMon(const MonitorPorts& ports, Events& events, const Syst
 void frmMemoryMon::ShowFigures() {
     const MemoryMonitor::Figures& now = monitor_.Shows();
     figures_->SetFigures(now.lblTotal, now.lblUsed, now.lblAvailable,
-                         now.known ? now.lblUsage : "This machine does not tell how much memory it has.", now.percent);
+                         now.lblUsage.empty() ? "This machine does not tell how much memory it has." : now.lblUsage, now.percent);
 }
 
 }  // namespace korvane

@@ -14,7 +14,7 @@ namespace {
 
 enum ServiceColumn { Name, Monitored, Status, Previous, Columns };
 
-constexpr int kColumnCharacters[Columns] = {40, 10, 12, 13};
+constexpr int kProportions[Columns] = {3000, 600, 2000, 2000};
 constexpr int kRowsSeen = 18;
 
 }  // namespace
@@ -49,15 +49,14 @@ QTableWidget* frmSvcMon::NewGrid() {
     grid->setTabKeyNavigation(false);
     grid->setWordWrap(false);
     grid->setAlternatingRowColors(true);
-    const int character = fontMetrics().averageCharWidth();
+    const int narrowest = grid->horizontalHeader()->sectionSizeHint(Monitored);
     int width = 0;
     for (int column = 0; column < Columns; ++column) {
-        grid->setColumnWidth(column, kColumnCharacters[column] * character);
-        width += kColumnCharacters[column] * character;
+        grid->setColumnWidth(column, kProportions[column] * narrowest / kProportions[Monitored]);
+        width += grid->columnWidth(column);
     }
-    grid->horizontalHeader()->setStretchLastSection(true);
     grid->setMinimumSize(width / 2, grid->rowHeight(0) * 4);
-    resize(width + 8 * character, grid->rowHeight(0) * kRowsSeen);
+    resize(width + 8 * fontMetrics().averageCharWidth(), grid->rowHeight(0) * kRowsSeen);
     connect(grid, &QTableWidget::cellClicked, this, [this](int row, int column) {
         if (column == Monitored) monitor_.ClickMonitor(static_cast<std::size_t>(row));
     });

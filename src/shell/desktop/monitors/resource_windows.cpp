@@ -17,7 +17,8 @@ MonitorPorts MonitorPortsOf(const Desk& desk) {
             .person = desk.person,
             .files = desk.files,
             .settings = desk.collection,
-            .mails = desk.alertMails};
+            .mails = desk.alertMails,
+            .log = desk.log};
 }
 
 ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)
