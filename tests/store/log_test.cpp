@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "store/legacy_log.h"
 #include "store/status_log.h"
 #include "support/faulty_files.h"
 #include "support/memory_files.h"
@@ -63,22 +62,6 @@ TEST(StatusLog, SaysTheTimeAndOneLine) {
     status.setStatusMSG("midnight");
     EXPECT_EQ(person.StatusTexts(), (std::vector<std::string>{"a : b : c", "midnight"}));
     EXPECT_EQ(person.status[0].time + person.status[1].time, "11:59:59 PM3/10/2026");
-}
-
-TEST(LegacyLog, IndexGoesRoundInTheRetryDuration) {
-    SettingsCollection settings;
-    LegacyLog legacy(settings, "/kv/kvurlwatch");
-    legacy.setLogTimer();
-    EXPECT_EQ(legacy.Count(), 1);
-    for (const auto& [duration, count] : {std::pair{"60", 1}, {"20", 1}, {"150", 2}, {"210", 4}, {"abc", 4}, {"180", 3}}) {
-        settings.setKvSettingsColValue("GlobalRetryDuration", duration);
-        legacy.setLogTimer();
-        EXPECT_EQ(legacy.Count(), count) << duration;
-    }
-    for (const char* file : {"/kv/kvurlwatch1.txt", "/kv/kvurlwatch2.txt", "/kv/kvurlwatch0.txt", "/kv/kvurlwatch1.txt"}) {
-        legacy.TimerLog();
-        EXPECT_EQ(legacy.FilePath(), file);
-    }
 }
 
 }  // namespace
