@@ -1,6 +1,7 @@
 #include "engine/http_requester.h"
 
 #include <optional>
+#include <utility>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
@@ -54,7 +55,7 @@ TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     ports_.TimerProgress.SetEnabled(watched);
     if (watched) ports_.person.SetWaitCursor(true);
     LetEarlierRequestSettle(slot);
-    const Attempts attempts = Fetch(slot, TransferOf(request));
+    Attempts attempts = Fetch(slot, TransferOf(request));
     ports_.TimerProgress.SetEnabled(false);
     ports_.person.SetWaitCursor(false);
     ports_.person.SetProgress(0, 100);
@@ -66,8 +67,8 @@ TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     } else if (attempts.pendingError) {
         result.strReason = "Reason '" + *attempts.pendingError + "'";
     } else {
-        result.response = attempts.response;
-        if (attempts.response.empty()) result.strReason = "No Response Returned.";
+        result.response = std::move(attempts.response);  // it may have many megabytes
+        if (result.response.empty()) result.strReason = "No Response Returned.";
     }
     IgnoreErrors([&] { slot.Cancel(); });
     return result;
