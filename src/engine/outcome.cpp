@@ -115,7 +115,8 @@ void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nR
 void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason) {
     owed_.reset();
     try {
-        rs.Fields("strLastResponse") = Left(strReason + " " + strResponse, kMostStoredCharacters);
+        const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
+        rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
         owed_ = {.ID = "", .strAction = "None.", .strReason = strReason};
         const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
