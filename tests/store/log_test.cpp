@@ -28,7 +28,7 @@ TEST_F(LogTest, RecordsByteForByte) {
         {0, "i", "one", "3/9/2026 11:59:59 PM 1.2.3 i\tone\n"},
         {4, "#", "  one  ", "3/9/2026 11:59:59 PM 1.2.3 #\tone\n"},
         {0, "i", "a\r\nb\nc", "3/9/2026 11:59:59 PM 1.2.3 i\ta\n\t\t\t\tb\n\t\t\t\tc\n"},
-        {0, "i", "a\n", "3/9/2026 11:59:59 PM 1.2.3 i\ta\n\t\t\t\t\n"},
+        {0, "i", "\x1B\xC2\x9B\x7F\rb\n\tc", "3/9/2026 11:59:59 PM 1.2.3 i\t    b\n\t\t\t\t\tc\n"},
         {0, "i", "\tmore\n\tyet", "\t\t\t\tmore\n\t\t\t\t\tyet\n"},
         {6, "i", "one", ""},
         {0, "i", "   ", ""},
@@ -57,10 +57,10 @@ TEST(StatusLog, SaysTheTimeAndOneLine) {
     VirtualWorld world(DateTime::Of(2026, 3, 9, 23, 59, 59));
     RecordingOperator person;
     StatusLog status(person, world.clock);
-    status.setStatusMSG("a\r\nb\nc");
+    status.setStatusMSG("a\r\nb\nc\x07");
     world.RunFor(std::chrono::seconds(1));
     status.setStatusMSG("midnight");
-    EXPECT_EQ(person.StatusTexts(), (std::vector<std::string>{"a : b : c", "midnight"}));
+    EXPECT_EQ(person.StatusTexts(), (std::vector<std::string>{"a : b : c ", "midnight"}));
     EXPECT_EQ(person.status[0].time + person.status[1].time, "11:59:59 PM3/10/2026");
 }
 
