@@ -101,10 +101,18 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
     }
 }
 
-std::string ToUtf8(std::string_view bytes) {
-    if (IsUtf8(bytes)) return std::string(bytes);
+std::size_t Utf8Size(std::string_view bytes) {
+    if (IsUtf8(bytes)) return bytes.size();
+    const auto beyondAscii =
+        std::count_if(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
+    return bytes.size() + static_cast<std::size_t>(beyondAscii);
+}
+
+std::string ToUtf8(std::string bytes) {
+    const std::size_t size = Utf8Size(bytes);
+    if (size == bytes.size()) return bytes;
     std::string text;
-    text.reserve(bytes.size() + bytes.size() / 2);
+    text.reserve(size);
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x80) {
@@ -115,6 +123,20 @@ std::string ToUtf8(std::string_view bytes) {
         }
     }
     return text;
+}
+
+std::string WithoutControls(std::string_view text) {
+    std::string plain;
+    plain.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const unsigned char byte = ByteAt(text, at);
+        // U+0080 to U+009F are two bytes.
+        const bool upper = byte == 0xC2 && at + 1 < text.size() && ByteAt(text, at + 1) < 0xA0;
+        const bool lower = byte == 0x7F || (byte < 0x20 && byte != '\t' && byte != '\r' && byte != '\n');
+        plain += upper || lower ? ' ' : text[at];
+        if (upper) ++at;
+    }
+    return plain;
 }
 
 bool LessNoCase::operator()(std::string_view a, std::string_view b) const {

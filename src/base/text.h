@@ -31,7 +31,13 @@ std::vector<std::string> Split(std::string_view text, char separator);
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
 
 /// Bytes from outside as text: UTF-8 stays, anything else is read as ISO 8859-1 (RFC 3629 tells which bytes are UTF-8).
-std::string ToUtf8(std::string_view bytes);
+std::string ToUtf8(std::string bytes);
+
+/// The size of ToUtf8(bytes).
+std::size_t Utf8Size(std::string_view bytes);
+
+/// Control characters but tabs and line ends become a blank each: a terminal would obey them, a file or a page break off.
+std::string WithoutControls(std::string_view text);
 
 /// Order without regard to case, for maps keyed by names of columns, sections and keys.
 struct LessNoCase {

@@ -1,6 +1,7 @@
 #include "engine/http_requester.h"
 
 #include <optional>
+#include <utility>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
@@ -49,7 +50,7 @@ int HttpRequester::getOpenInetIndex() {
 TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
-    const Attempts attempts = FetchWatched(slot, TransferOf(request));
+    Attempts attempts = FetchWatched(slot, TransferOf(request));
 
     TimedCheckResult result;
     result.nResponseMs = attempts.lastTook;
@@ -58,8 +59,8 @@ TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     } else if (attempts.pendingError) {
         result.strReason = "Reason '" + *attempts.pendingError + "'";
     } else {
-        result.response = attempts.response;
-        if (attempts.response.empty()) result.strReason = "No Response Returned.";
+        result.response = std::move(attempts.response);  // it may have many megabytes
+        if (result.response.empty()) result.strReason = "No Response Returned.";
     }
     IgnoreErrors([&] { slot.Cancel(); });
     return result;

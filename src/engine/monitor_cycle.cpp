@@ -265,7 +265,7 @@ MonitorCycle::AfterCheck MonitorCycle::CheckRow(Tick& tick) {
     const TimedCheckResult result =
         isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
     tick.strReason = result.strReason;
-    rs.Fields("strLastResponse") = Left(result.response, kMostStoredCharacters);
+    rs.Fields("strLastResponse") = WithoutControls(Left(result.response, kMostStoredCharacters));
 
     if (!result.strReason.empty()) {
         Step("call DoFailure");
@@ -291,7 +291,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
     ports_.person.SetProgress(0, 100);
     Step("get urldata2");
     if (rs.Fields("strPort").Value().IsEmpty()) rs.Fields("strPort") = "80";
-    const TimedCheckResult result = ports_.http.getURLData2({
+    TimedCheckResult result = ports_.http.getURLData2({
         .strURL = scheme + "://" + address,
         .strUser = user,
         .strPassword = TextOf(rs, "strPassword"),

@@ -116,7 +116,8 @@ void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::st
     owed_.reset();
     refusal_.clear();
     try {
-        rs.Fields("strLastResponse") = Left(strReason + " " + strResponse, kMostStoredCharacters);
+        const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
+        rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
         const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
         const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;

@@ -1,5 +1,7 @@
 #include "engine/tcp_checker.h"
 
+#include <algorithm>
+
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -16,11 +18,23 @@ using namespace std::chrono_literals;
 constexpr auto kWaitStep = 250ms;
 constexpr auto kReplyLimit = 21s;
 
+/// Bytes of an arrival that count: an endless banner must not fill the log.
+constexpr std::size_t kMostOfAnArrival = 8192;
+
+// Cuts no character in two.
+std::string BeginOf(std::string text) {
+    std::size_t end = std::min(text.size(), kMostOfAnArrival);
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    text.resize(end);
+    return text;
+}
+
 }  // namespace
 
 TcpChecker::TcpChecker(const Ports& ports) : ports_(ports) {
     ports_.socket.SetHandlers({
-        .dataArrival = [this] { IgnoreErrors([this] { strRecvBuffer_ = ToUtf8(ports_.socket.GetData()); }); },
+        .dataArrival = [this] { IgnoreErrors([this] { strRecvBuffer_ = BeginOf(ToUtf8(ports_.socket.GetData())); }); },
         .close = {},
         .error = {},
     });
@@ -125,9 +139,9 @@ void TcpChecker::TalkOrExplain(Connecting connecting, const std::string& strExpe
 void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
     result.strReason.clear();
     if (strExpected.empty()) {
-        const bool silent = strRecvBuffer_.empty();
-        result.response = silent ? "Server Connected." : strRecvBuffer_;
-        ports_.conversation.setResponse(silent ? "Connected (no response)." : strRecvBuffer_);
+        const std::string said = WithoutControls(strRecvBuffer_);
+        result.response = said.empty() ? "Server Connected." : said;
+        ports_.conversation.setResponse(said.empty() ? "Connected (no response)." : said);
         return;
     }
     bool expects = true;  // elements take turns: one to wait for, one to send
@@ -143,12 +157,14 @@ void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
 
 bool TcpChecker::ExpectElement(const std::string& element, CheckResult& result) {
     ports_.status.setStatusMSG("Waiting for '" + element + "'");
-    if (WaitForTCPText(element)) {
-        ports_.conversation.setResponse(strRecvBuffer_);
-        result.response = strRecvBuffer_;
+    const bool found = WaitForTCPText(element);
+    const std::string said = WithoutControls(strRecvBuffer_);
+    if (found) {
+        ports_.conversation.setResponse(said);
+        result.response = said;
         return true;
     }
-    result.strReason = "Error: " + strRecvBuffer_ + " Expected " + element;
+    result.strReason = "Error: " + said + " Expected " + element;
     ports_.conversation.setResponse(result.strReason);
     if (ports_.conversation.Visible()) result.response = result.strReason;
     return false;

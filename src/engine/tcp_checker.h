@@ -49,7 +49,7 @@ private:
     void SendElement(const std::string& element);
 
     Ports ports_;
-    std::string strRecvBuffer_;  ///< the most recent arrival, not the sum of all
+    std::string strRecvBuffer_;  ///< the most recent arrival as it came, not the sum of all
     bool talking_ = false;
     bool bTCPTimedOut_ = false;
     std::string strTCPTimeoutText_;

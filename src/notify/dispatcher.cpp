@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "base/numbers.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
 #include "notify/recipients.h"
@@ -22,9 +23,6 @@ constexpr const char* kHighPriority = "1";
 constexpr std::size_t kTooShortForBackup = 5;
 
 constexpr int kProgressMax = 100;
-
-/// Characters of the recipients on a status line, which comes once for each of them.
-constexpr std::size_t kMostOfAList = 2000;
 
 struct ServerKeys {
     const char* server;
@@ -63,7 +61,7 @@ bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string
     strTo2 = NormaliseRecipients(strTo2);
     const Account account{strServer, strUser, strPass, strPopHost};
     Message message{strFrom.empty() ? kOwnName : strFrom, strFrom, strSubject.empty() ? kOwnSubject : strSubject,
-                    WithMailLineEnds(strBody)};
+                    WithMailLineEnds(WithoutControls(strBody))};
     const bool sent = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message, account, strError);
     strFrom = message.strFrom;
     strSubject = message.strSubject;
@@ -81,24 +79,26 @@ bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everyb
         const std::string recipient = Trim(recipients[i]);
         if (!Holds(message.strFrom, "@")) message.strFrom = recipient;
         if (!SendToOne(recipient, message, account, strError)) {
-            ports_.status.setStatusMSG(Left(strTo1, kMostOfAList) + " Email failed because " + strError);
+            ports_.status.setStatusMSG(strTo1 + " Email failed because " + strError);
             return false;
         }
-        if (recipient != options_.contactAddress) ports_.status.setStatusMSG(Left(strTo1, kMostOfAList) + " sent successfully.");
-        SetProgress(static_cast<int>((i + 1) * kProgressMax / recipients.size()));
+        if (recipient != options_.contactAddress) ports_.status.setStatusMSG(strTo1 + " sent successfully.");
+        SetProgress(kProgressMax * static_cast<double>(i + 1) / static_cast<double>(recipients.size()));
     }
     return !recipients.empty();
 }
 
 // A login exists only in clsEsmtp; a server without one always goes through the plain mailer.
 bool Dispatcher::SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError) {
+    bool sent = false;
     try {
-        return account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
+        sent = account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
                                        : SendThroughEsmtp(recipient, message, account, strError);
     } catch (const std::exception& error) {
         strError = error.what();
-        return false;
     }
+    strError = WithoutControls(strError);  // it tells what the server said
+    return sent;
 }
 
 bool Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
@@ -186,8 +186,8 @@ std::string Dispatcher::DatedSubject(const Message& message) const {
     return message.strSubject + " " + ports_.clock.Now().Text();
 }
 
-void Dispatcher::SetProgress(int percent) {
-    ports_.person.SetProgress(percent, kProgressMax);
+void Dispatcher::SetProgress(double percent) {
+    ports_.person.SetProgress(static_cast<int>(RoundHalfEven(percent)), kProgressMax);
 }
 
 std::string GetSysInfoString(const SystemInfo& system, const std::string& version) {

@@ -114,7 +114,7 @@ private:
     std::string Setting(const char* key) const;
     std::string Zone() const;
     std::string DatedSubject(const Message& message) const;
-    void SetProgress(int percent);
+    void SetProgress(double percent);
 
     Ports ports_;
     Options options_;

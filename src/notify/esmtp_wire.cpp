@@ -69,7 +69,7 @@ bool clsEsmtp::SendCommand(std::string_view text, const std::string& shown) {
     }
     const std::size_t lineEnd = text.find('\r');
     if (lineEnd == std::string_view::npos) lastReply_.clear();
-    lastCommand_ = text.substr(0, lineEnd);
+    lastCommand_ = shown == kNotShown ? kNotShown : text.substr(0, lineEnd);  // the report of a failure tells it
     if (!shown.empty()) TraceSent(shown);
     WaitUntilSent(kSilence);
     return true;

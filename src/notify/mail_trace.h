@@ -12,7 +12,7 @@ namespace korvane {
 class MailTrace {
 public:
     virtual ~MailTrace() = default;
-    /// A line that the mailer has given to its socket, without the line end.
+    /// A line that the mailer has given to its socket, without the line end; or why it gave up.
     virtual void setMsg(const std::string& sent) = 0;
     /// A reply, without its last line end; it may have several lines, which end in CR LF.
     virtual void setReceiveMsg(const std::string& received) = 0;

@@ -77,8 +77,9 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
         body += "This is a multi-part message in MIME format.";
     }
     const bool sent = Converse({strServer, from, to, headers, StuffDots(body)});
-    if (!sent) GiveUp(strError);
+    if (!sent) ports_.socket.Close();
     ports_.person.SetWaitCursor(false);
+    if (!sent) GiveUp(strError);
     return sent;
 }
 
@@ -194,8 +195,8 @@ bool PlainMailer::Fail(const std::string& error) {
 }
 
 void PlainMailer::GiveUp(std::string& strError) {
-    ports_.socket.Close();
     ports_.log.WriteLog(kLogOrdinary, kLogError, "SendPlainMail: " + error_);
+    if (ports_.trace != nullptr) ports_.trace->setMsg(error_);
     ports_.status.setStatusMSG(error_);
     strError = error_;
 }

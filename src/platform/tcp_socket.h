@@ -77,7 +77,8 @@ public:
     /// The same, and takes them.
     virtual std::string GetData(std::size_t maxLength = kAll) = 0;
 
-    /// Drops the connection or the attempt at once. The state is Closed afterwards; no event follows.
+    /// Ends the connection in order or drops the attempt, without blocking: what was sent goes out first, within some seconds, and
+    /// what arrives is dropped. The state is Closed at once, Connect may follow at once; no event follows.
     virtual void Close() = 0;
 
     /// The address of this end of the connection; without one the address that others reach this machine by, as far as it knows,

@@ -25,7 +25,7 @@ std::string OneLine(std::string_view value) {
 std::string IniFile::Read(std::string_view section, std::string_view key, std::string_view defaultValue) {
     LookAgain();
     const auto found = document_.Find(section, key);
-    const std::string value = found ? Trim(Left(ToUtf8(*found), kIniValueLimit)) : std::string();
+    const std::string value = found ? Trim(Left(ToUtf8(std::string(*found)), kIniValueLimit)) : std::string();
     return value.empty() ? std::string(defaultValue) : value;
 }
 

@@ -28,7 +28,8 @@ std::string_view TrimBlanks(std::string_view text) {
 
 std::string Record(std::string_view header, std::string_view message) {
     std::string record;
-    for (const std::string& line : Split(ReplaceAll(message, "\r\n", "\n"), '\n')) {
+    const std::string plain = ReplaceAll(WithoutControls(ReplaceAll(message, "\r\n", "\n")), "\r", " ");
+    for (const std::string& line : Split(plain, '\n')) {
         if (!record.empty()) {
             record += kFurtherLine;
         } else {

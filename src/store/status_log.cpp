@@ -5,7 +5,7 @@
 namespace korvane {
 
 void StatusLog::setStatusMSG(std::string_view text) {
-    std::string line = ReplaceAll(text, "\r\n", " : ");
+    std::string line = ReplaceAll(WithoutControls(text), "\r\n", " : ");
     // Texts of this system's own libraries have bare line feeds.
     line = ReplaceAll(ReplaceAll(line, "\n", " : "), "\r", " : ");
 

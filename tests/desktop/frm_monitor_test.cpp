@@ -35,6 +35,7 @@ protected:
             return DesktopOfProgram{.person = window_.get(), .window = window_.get(), .conversation = &window_->Conversation()};
         });
         window_->Attach(program_->run, [this] { ++exits_; });
+        program_->serviceManager.startedThis = isService_;
         ASSERT_EQ(program_->run.StartUp(), Run::Started::Running);
         Settle();
     }
@@ -79,6 +80,7 @@ protected:
     std::unique_ptr<Program> program_;
     std::vector<std::string> boxes_;
     int exits_ = 0;
+    bool isService_ = false;
 };
 
 TEST_F(MonitorWindowTest, ShowsAllEntriesFromTheFirstStartOn) {
@@ -324,6 +326,16 @@ TEST_F(MonitorWindowTest, LaterStartsFindTheWindowAsItWas) {
     EXPECT_EQ(Window().ListView1->model()->rowCount(), 0);  // nobody looks, nothing is read
     Window().mnuTraySettings_Click();
     EXPECT_EQ(Cells(column::ShortName), (std::vector<std::string>{"two", "one"}));
+
+    isService_ = true;
+    window_.reset();
+    program_.reset();
+    Start();
+    const std::string settings = ReadAll(database_.Folder() + "/kvurlwatchn.ini");
+    Window().ListView1->setColumnWidth(column::Group, 150);
+    Window().BeforeExit();
+    program_->run.mnuExit_Click();
+    EXPECT_EQ(ReadAll(database_.Folder() + "/kvurlwatchn.ini"), settings);
 }
 
 // Somebody opens a message or a question and goes home: the check that waits below it must not wait for them.

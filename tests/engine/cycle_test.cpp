@@ -135,7 +135,7 @@ TEST(Cycle, AppliesTheTextRulesOfWebPages) {
          "url "
          "failure) for this URL."},
         {"another case of it", "Welcome", "FRIEND", 1, "UP", ""},
-        {"rules that are not counted are not looked at", "", "friend", 0, "UP", ""},
+        {"rules that are not counted are not looked at", "", "\x1B", 0, "UP", ""},
         {"an empty fail text is found everywhere", "", "", 1, "Failing",
          "Server Error: '' found in the response.  You have set this value in the 'URL Scan Text' tab (text that indicates url "
          "failure) for this URL."},
@@ -149,8 +149,9 @@ TEST(Cycle, AppliesTheTextRulesOfWebPages) {
         const auto id = engine.database.Add(entry);
         if (c.failText != nullptr)
             engine.database.AddRow("ResponseFailText", {{"id", 7}, {"idParent", id}, {"strFailText", c.failText}});
-        engine.net.Page("http://10.0.0.2/").Answer("Hello. Welcome, friend.", 30ms);
+        engine.net.Page("http://10.0.0.2/").Answer("Hello.\x1B Welcome, friend.", 30ms);
         engine.RunFor(1s);
+        EXPECT_TRUE(engine.database.Server(id).at("strLastResponse").Text().ends_with("Hello.  Welcome, friend."));
         EXPECT_EQ(engine.database.Server(id).at("strCurStatus"), Value(c.status));
         const auto failures = engine.database.Rows("Failures");
         ASSERT_EQ(failures.size(), std::string(c.status) == "UP" ? 0u : 1u);

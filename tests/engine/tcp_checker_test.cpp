@@ -23,6 +23,7 @@ struct Conversation {
 };
 
 constexpr const char* kCouldNot = "Could Not Connect to 10.0.0.1 Double check for typos. ";
+const std::string kMostOfAFlood = "Error: " + std::string(8191, 'x') + " Expected 220";
 
 const Conversation kConversations[] = {
     {"whole script",
@@ -37,8 +38,12 @@ const Conversation kConversations[] = {
      "", 0ms, 500ms},
     {"wrong banner fails at once", [](VirtualNet& n) { n.Host("10.0.0.1").Port(25).Speak("554 no\r\n"); }, "220,QUIT,221", "",
      "Error: 554 no\r\n Expected 220", 0ms, 300ms},
-    {"upper and lower case differ", [](VirtualNet& n) { n.Host("10.0.0.1").Port(25).Speak("+ok\r\n"); }, "+OK", "",
-     "Error: +ok\r\n Expected +OK", 0ms, 300ms},
+    {"a flood ends at 8 kB, between two characters",
+     [](VirtualNet& n) { n.Host("10.0.0.1").Port(25).Speak(std::string(8191, 'x') + "\xC3\xA4" + std::string(90'000, 'x')); },
+     "220", "", kMostOfAFlood.c_str(), 0ms, 300ms},
+    {"control characters become blanks once they were looked at",
+     [](VirtualNet& n) { n.Host("10.0.0.1").Port(25).Speak(std::string("+OK\x1B[1m\0\tready\r\n", 16)); }, "+OK\x1B",
+     "+OK [1m \tready\r\n", "", 0ms, 300ms},
     {"the first piece decides", [](VirtualNet& n) { n.Host("10.0.0.1").Port(25).Speak("2", 5ms).Speak("20 ready\r\n", 5ms); },
      "220", "", "Error: 2 Expected 220", 0ms, 300ms},
     {"a later failure keeps the earlier answer",

@@ -32,7 +32,7 @@ bool AllCame(const std::vector<std::string>& elements, const TranscriptSocket& s
 }  // namespace
 
 void Fuzz(std::string_view input) {
-    const std::string expected = ToUtf8(TakeLine(input).substr(0, 200));
+    const std::string expected = ToUtf8(std::string(TakeLine(input).substr(0, 200)));
     VirtualWorld world(BeginningOf(input));
     VirtualNet net(world);
     Prepare(net.Host("10.0.0.1").Port(25), input);

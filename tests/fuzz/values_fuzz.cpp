@@ -42,7 +42,7 @@ void AsNumber(std::string_view text) {
 }
 
 void AsText(std::string_view bytes) {
-    const std::string text = ToUtf8(bytes);
+    const std::string text = ToUtf8(std::string(bytes));
     Require(ToUtf8(text) == text, "UTF-8 stays");
     const std::string left = Left(text, bytes.size() / 2);
     Require(text.starts_with(left) && ToUtf8(left) == left, "no character is cut in two");

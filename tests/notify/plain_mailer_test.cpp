@@ -31,9 +31,9 @@ const char* const kTimedOut = "SMTP service error, timed out while waiting for E
 struct PlainWorld : MailWorld {
     using MailWorld::MailWorld;
 
-    bool Send(const std::string& body = "How are you?", const std::string& subject = "Hello", const std::string& boundary = "") {
+    bool Send(const std::string& body = "How are you?", const std::string& subject = "Hello") {
         return mailer.SendPlainMail("you@example.com", "you@example.com", "Me", "me@example.com", subject, body, "mail.example",
-                                    "", strError, "", boundary);
+                                    "", strError, "", "");
     }
 
     VirtualServer& ServerUpTo(std::size_t broken) {
@@ -69,15 +69,6 @@ TEST(SendPlainMail, TheConversationAndItsStatusLines) {
                      "Disconnecting...", "Email send complete..."}));
     EXPECT_FALSE(w.person.waitCursor);
     EXPECT_EQ(w.plainSocket.State(), SocketState::Closed);
-}
-
-TEST(SendPlainMail, AMultipartHasItsBoundaryAndSentence) {
-    PlainWorld w;
-    w.ContentServer();
-    EXPECT_TRUE(w.Send("body", "Hello", "mark"));
-    const Texts& lines = w.Smtp().Lines();
-    EXPECT_EQ(Texts(lines.end() - 6, lines.end()), (Texts{"MIME-Version: 1.0", "Content-Type: multipart/mixed; boundary=\"mark\"",
-                                                          "", "bodyThis is a multi-part message in MIME format.", ".", "quit"}));
 }
 
 struct Trouble {

@@ -48,11 +48,7 @@ using Peer = LoopbackServer::Peer;
 
 class QtTcpSocketTest : public testing::Test {
 protected:
-    void Connect(const std::string& host, int port) {
-        socket.SetRemoteHost(host);
-        socket.SetRemotePort(port);
-        socket.Connect();
-    }
+    void Connect(const std::string& host, int port) { socket.Connect(host, port); }
 
     template <class Condition>
     bool Wait(Condition condition, std::chrono::milliseconds limit = 20s) {
@@ -92,6 +88,37 @@ TEST_F(QtTcpSocketTest, AFloodIsHeldUpUntilItIsRead) {
     EXPECT_TRUE(Wait([&] { return total == kFlood; })) << total;
     EXPECT_LE(largest, 65536U);
     EXPECT_TRUE(Wait([&] { return socket.State() == SocketState::Closing; }));
+}
+
+TEST_F(QtTcpSocketTest, WithUnreadDataItsEndIsOrderlyToo) {
+    const LoopbackServer server([](Peer& peer) {
+        peer.Send(std::string(300'000, 'x'));
+        const std::string line = peer.ReadUntil("\r\n");
+        peer.Note(line + (peer.ReadToEnd() ? "end" : "reset"));
+    });
+    Connect("127.0.0.1", server.Port());
+    EXPECT_TRUE(Wait([&] { return !socket.PeekData(1).empty(); }));
+    socket.SendData("QUIT\r\n");
+    socket.Close();
+    EXPECT_TRUE(Wait([&] { return !server.Notes().empty(); }));
+    EXPECT_EQ(server.Notes(), std::vector<std::string>{"QUIT\r\nend"});
+}
+
+TEST_F(QtTcpSocketTest, APeerThatDoesNotReadIsLetGo) {
+    const std::pair<std::chrono::milliseconds, int> cases[] = {{1ms, 1}, {1h, 8}};
+    for (const auto& [limit, connections] : cases) {
+        const LoopbackServer server([](Peer& peer) { peer.Note(peer.Linger(30s) ? "held" : "let go"); });
+        QtTcpSocket sender(limit);
+        for (int i = 0; i < connections; ++i) {
+            sender.Connect("127.0.0.1", server.Port());
+            EXPECT_TRUE(Wait([&] { return sender.State() == SocketState::Connected; }));
+            sender.SendData(std::string(20'000'000, 'x'));
+            sender.Close();
+            EXPECT_EQ(sender.State(), SocketState::Closed);
+        }
+        EXPECT_TRUE(Wait([&] { return !server.Notes().empty(); }));
+        EXPECT_EQ(server.Notes(), std::vector<std::string>{"let go"});
+    }
 }
 
 TEST_F(QtTcpSocketTest, EveryAddressOfANameIsTried) {

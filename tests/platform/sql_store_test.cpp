@@ -117,29 +117,6 @@ TEST_F(SqlStore, TheFileMayBeReplacedBetweenTwoUses) {
     }
 }
 
-TEST_F(SqlStore, DamagedFilesAreTold) {
-    AddFailures(200);
-    const std::string whole = ReadAll(path);
-    std::mt19937 random(7);
-    int told = 0;
-    for (int round = 0; round < 60; ++round) {
-        std::string damaged = whole;
-        for (int i = 0; i < 40; ++i)
-            damaged[16 + random() % (damaged.size() - 16)] = static_cast<char>(random());
-        if (round % 3 == 0) damaged.resize(damaged.size() / 2);
-        Write(path, damaged);
-        try {  // whatever is left of the values must be readable, or be an error
-            for (const Row& row : database.Rows("Failures"))
-                EXPECT_LE(row.size(), 13U);
-            database.Rows("Servers");
-        } catch (const Error& error) {
-            EXPECT_NE(error.what(), std::string());
-            ++told;
-        }
-    }
-    EXPECT_GT(told, 0);
-}
-
 TEST_F(SqlStore, AFileLockedByAnotherProcessIsToldAfterTheTimeout) {
     database.Add({});
     {

@@ -33,14 +33,6 @@ TEST_F(DatabaseFilesTest, TellsWhyTheDatabaseDoesNotOpen) {
     EXPECT_EQ(why, "26 Desc: file is not a database");
 }
 
-TEST_F(DatabaseFilesTest, NamesWhatAnOlderDatabaseLacks) {
-    EXPECT_EQ(MissingColumns(store, dir), std::vector<std::string>{});
-    EXPECT_EQ(database.Count("Servers"), 0);
-    store.faults.Add({.operation = StoreOperation::Read, .about = "nTotalSession", .description = "no such column"});
-    store.faults.Add({.operation = StoreOperation::Open, .about = "from Failures", .description = "no such table"});
-    EXPECT_EQ(MissingColumns(store, dir), (std::vector<std::string>{"Servers.nTotalSession", "Failures"}));
-}
-
 // The columns of the file that the blank database is made from, as "Servers.strType TEXT COLLATE NOCASE".
 std::set<std::string> DeclaredColumns() {
     std::ifstream sql(KORVANE_SOURCE_DIR "/data/kvempty.sql");

@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
-#include "platform/linux/linux_files.h"
 #include "support/faulty_files.h"
 #include "support/memory_files.h"
-#include "support/test_database.h"
 
 namespace korvane {
 namespace {
@@ -150,30 +145,6 @@ TEST_F(IniFileTest, UnusableFileIsNeverWrittenTo) {
     files.faults.Heal();
     EXPECT_EQ(file.Problem(), "");
     EXPECT_EQ(file.Read("Settings", "Key", ""), "x");
-}
-
-TEST(IniFileOnDisk, IsPrivateChangesInPlaceAndSeesEdits) {
-    namespace fs = std::filesystem;
-    const TestDatabase folder;
-    const std::string path = folder.Folder() + "/settings.ini";
-    LinuxFiles files;
-    IniFile file(files, path);
-    file.Write("KEYGEN", "LASTID", "41");
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    const auto inode = files.Identity(path)->inode;
-    file.Write("KEYGEN", "LASTID", "42");
-    EXPECT_EQ(files.Identity(path)->inode, inode) << "a few bytes, not a new file";
-    EXPECT_EQ(files.Read(path), "[KEYGEN]\nLASTID=42\n");
-
-    std::ofstream(path) << "[KEYGEN]\nLASTID=77\n; by hand\n";
-    file.Write("KEYGEN", "Other", file.Read("KEYGEN", "LASTID", ""));
-    EXPECT_EQ(files.Read(path), "[KEYGEN]\nLASTID=77\nOther=77\n; by hand\n");
-
-    fs::remove(path);
-    fs::create_directory(path);
-    EXPECT_EQ(file.Problem(), "Cannot read " + path + ": it is not a file");
-    file.Write("KEYGEN", "Other", "1");
-    EXPECT_TRUE(fs::is_directory(path));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "store/legacy_log.h"
 #include "store/status_log.h"
 #include "support/faulty_files.h"
 #include "support/memory_files.h"
@@ -29,7 +28,7 @@ TEST_F(LogTest, RecordsByteForByte) {
         {0, "i", "one", "3/9/2026 11:59:59 PM 1.2.3 i\tone\n"},
         {4, "#", "  one  ", "3/9/2026 11:59:59 PM 1.2.3 #\tone\n"},
         {0, "i", "a\r\nb\nc", "3/9/2026 11:59:59 PM 1.2.3 i\ta\n\t\t\t\tb\n\t\t\t\tc\n"},
-        {0, "i", "a\n", "3/9/2026 11:59:59 PM 1.2.3 i\ta\n\t\t\t\t\n"},
+        {0, "i", "\x1B\xC2\x9B\x7F\rb\n\tc", "3/9/2026 11:59:59 PM 1.2.3 i\t    b\n\t\t\t\t\tc\n"},
         {0, "i", "\tmore\n\tyet", "\t\t\t\tmore\n\t\t\t\t\tyet\n"},
         {6, "i", "one", ""},
         {0, "i", "   ", ""},
@@ -58,27 +57,11 @@ TEST(StatusLog, SaysTheTimeAndOneLine) {
     VirtualWorld world(DateTime::Of(2026, 3, 9, 23, 59, 59));
     RecordingOperator person;
     StatusLog status(person, world.clock);
-    status.setStatusMSG("a\r\nb\nc");
+    status.setStatusMSG("a\r\nb\nc\x07");
     world.RunFor(std::chrono::seconds(1));
     status.setStatusMSG("midnight");
-    EXPECT_EQ(person.StatusTexts(), (std::vector<std::string>{"a : b : c", "midnight"}));
+    EXPECT_EQ(person.StatusTexts(), (std::vector<std::string>{"a : b : c ", "midnight"}));
     EXPECT_EQ(person.status[0].time + person.status[1].time, "11:59:59 PM3/10/2026");
-}
-
-TEST(LegacyLog, IndexGoesRoundInTheRetryDuration) {
-    SettingsCollection settings;
-    LegacyLog legacy(settings, "/kv/kvurlwatch");
-    legacy.setLogTimer();
-    EXPECT_EQ(legacy.Count(), 1);
-    for (const auto& [duration, count] : {std::pair{"60", 1}, {"20", 1}, {"150", 2}, {"210", 4}, {"abc", 4}, {"180", 3}}) {
-        settings.setKvSettingsColValue("GlobalRetryDuration", duration);
-        legacy.setLogTimer();
-        EXPECT_EQ(legacy.Count(), count) << duration;
-    }
-    for (const char* file : {"/kv/kvurlwatch1.txt", "/kv/kvurlwatch2.txt", "/kv/kvurlwatch0.txt", "/kv/kvurlwatch1.txt"}) {
-        legacy.TimerLog();
-        EXPECT_EQ(legacy.FilePath(), file);
-    }
 }
 
 }  // namespace

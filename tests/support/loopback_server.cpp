@@ -132,9 +132,10 @@ public:
         return text;
     }
 
-    void ReadToEnd() override {
+    bool ReadToEnd() override {
         while (ReadMore())
             unread_.clear();
+        return orderly_;
     }
 
     bool Linger(std::chrono::milliseconds time) override {
@@ -156,6 +157,7 @@ private:
         do {
             size = ::recv(descriptor_, piece.data(), piece.size(), 0);
         } while (size < 0 && errno == EINTR);
+        orderly_ = size == 0;
         if (size <= 0) return false;
         unread_.append(piece.data(), static_cast<std::size_t>(size));
         return true;
@@ -164,6 +166,7 @@ private:
     Listener& listener_;
     const int descriptor_;
     std::string unread_;
+    bool orderly_ = false;
 };
 
 void LoopbackServer::Listener::Play(int client) {

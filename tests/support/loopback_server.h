@@ -24,8 +24,8 @@ public:
         /// What arrives up to and with `end`, or all of it when the client closes before.
         virtual std::string ReadUntil(std::string_view end) = 0;
 
-        /// Waits until the client closes its side, dropping what it sends.
-        virtual void ReadToEnd() = 0;
+        /// Waits until the client ends its side, dropping what it sends. Whether that was an orderly end.
+        virtual bool ReadToEnd() = 0;
 
         /// Whether the client was still there for the whole time.
         virtual bool Linger(std::chrono::milliseconds time) = 0;

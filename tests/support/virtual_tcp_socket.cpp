@@ -193,6 +193,9 @@ std::string VirtualTcpSocket::GetData(std::size_t maxLength) {
 }
 
 void VirtualTcpSocket::Close() {
+    // What was sent goes out before the end, though nobody hears the answer.
+    while (const auto line = TakeLine())
+        server_->NoteLine(*line);
     net_.World().Cancel(pending_);
     net_.World().Cancel(sending_);
     queued_ = 0;

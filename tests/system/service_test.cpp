@@ -76,7 +76,9 @@ TEST_F(Service, GreetingCountsForThisProcessAndNotForItsChildren) {
         StartBy({"NOTIFY_SOCKET=" + manager->Address(), "WATCHDOG_USEC=1000000", "KORVANE_TEST=1", "sh", "-c",
                  "SYSTEMD_EXEC_PID=" + execPid + " WATCHDOG_PID=$$ exec env \"$0\" \"$@\""},
                 home);
-        ASSERT_TRUE(Waited([&] { return fs::exists(home.Path("env")); })) << home.Read("output");
+        // The failure takes an id, which is the last thing that is written to the settings file.
+        const auto done = [&] { return fs::exists(home.Path("env")) && Query("SELECT count(*) FROM Failures") == "1\n"; };
+        ASSERT_TRUE(Waited(done)) << home.Read("output");
         const std::string environment = "\n" + home.Read("env");
         EXPECT_TRUE(Holds(environment, "\nKORVANE_TEST=1\n"));
         for (const char* variable : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID", "SYSTEMD_EXEC_PID"})

@@ -1,27 +1,30 @@
 #include "platform/curl/curl_body.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "base/error.h"
 #include "base/text.h"
 
 namespace korvane {
 namespace {
 
-constexpr std::size_t kLargestBody = std::size_t{256} * 1024 * 1024;
+constexpr std::size_t kLargestBody = std::size_t{64} * 1024 * 1024;
 
 constexpr std::string_view kBinaryFamilies[] = {"image/", "audio/", "video/", "font/"};
 constexpr std::string_view kBinaryTypes[] = {
     "application/octet-stream", "application/zip", "application/gzip", "application/x-gzip", "application/pdf",
 };
 
-}  // namespace
-
+// Whether a Content-Type (RFC 9110, section 8.3) is that of pictures, sound, films, archives or documents that are no text.
 bool IsBinaryType(std::string_view contentType) {
     const std::string type = ToLower(TrimAll(contentType.substr(0, contentType.find(';'))));
     return std::any_of(std::begin(kBinaryFamilies), std::end(kBinaryFamilies),
                        [&](std::string_view family) { return type.starts_with(family); }) ||
            std::find(std::begin(kBinaryTypes), std::end(kBinaryTypes), type) != std::end(kBinaryTypes);
 }
+
+}  // namespace
 
 bool CurlBody::Take(std::string_view piece, std::string_view contentType, std::int64_t expectedSize) {
     const auto expected = static_cast<std::size_t>(std::max<std::int64_t>(expectedSize, 0));
@@ -31,6 +34,12 @@ bool CurlBody::Take(std::string_view piece, std::string_view contentType, std::i
     if (bytes_.empty()) bytes_.reserve(expected);
     bytes_ += piece;
     return true;
+}
+
+std::string CurlBody::TakeText() {
+    if (verdict_ == Verdict::Binary) throw TypeMismatchError();
+    if (verdict_ == Verdict::TooLarge || Utf8Size(bytes_) > kLargestBody) throw Error("The answer is larger than 64 MB");
+    return ToUtf8(std::move(bytes_));
 }
 
 }  // namespace korvane

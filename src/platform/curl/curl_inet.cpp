@@ -58,11 +58,9 @@ public:
 
     CURL* Handle() const { return easy_.get(); }
 
-    std::string Text(CURLcode result) const {
-        if (body_.What() == CurlBody::Verdict::Binary) throw TypeMismatchError();
-        if (body_.What() == CurlBody::Verdict::TooLarge) throw Error("The answer is larger than 256 MB");
-        if (result != CURLE_OK) throw Error(words_[0] != '\0' ? words_.data() : curl_easy_strerror(result));
-        return ToUtf8(body_.Bytes());
+    std::string TakeText(CURLcode result) {
+        if (result != CURLE_OK && !body_.Refused()) throw Error(words_[0] != '\0' ? words_.data() : curl_easy_strerror(result));
+        return body_.TakeText();
     }
 
 private:
@@ -171,7 +169,7 @@ std::string CurlInet::OpenURL(const Request& request) {
     const Executing executing(transfer_, pump);
     const std::optional<int> result = pump.Perform();
     if (!result) throw Error("Request cancelled");
-    return exchange.Text(static_cast<CURLcode>(*result));
+    return exchange.TakeText(static_cast<CURLcode>(*result));
 }
 
 void CurlInet::Cancel() {

@@ -11,7 +11,7 @@ namespace korvane {
 
 /// Everything libcurl allocates for a transfer lives as long as the transfer. Only http and https are spoken, also after a
 /// redirect; there may be 20 of them, and credentials do not follow to another host or port. Cookies live for one transfer. A
-/// body that holds a NUL byte or says that it is a picture, sound, film or archive is binary; one of more than 256 MB is an
+/// body that holds a NUL byte or says that it is a picture, sound, film or archive is binary; one of more than 64 MB is an
 /// error.
 class CurlInet : public Inet {
 public:

@@ -14,11 +14,15 @@
 
 #include "base/error.h"
 #include "platform/qt/name_lookup.h"
+#include "platform/qt/tcp_farewell.h"
 
 namespace korvane {
 namespace {
 
 constexpr qint64 kReadAhead = 65536;
+
+/// Connections of one socket, those that are ending included.
+constexpr std::size_t kMostConnections = 8;
 
 constexpr int kAlreadyOpen = 10056;
 constexpr int kNotConnected = 10057;
@@ -65,19 +69,15 @@ struct Failure {
 // One socket through any number of connections. Every Close begins a new round; whatever was queued in an earlier one is dropped.
 class QtTcpSocket::Connection : public QObject {
 public:
-    explicit Connection(const QtTcpSocket& owner) : owner_(owner) {
+    explicit Connection(const QtTcpSocket& owner) : owner_(owner), farewell_(socket_, owner.farewellLimit_) {
         socket_.setProxy(QNetworkProxy::NoProxy);
         socket_.setReadBufferSize(kReadAhead);
-        connect(&socket_, &QTcpSocket::connected, this, &Connection::OnConnected);
-        connect(&socket_, &QTcpSocket::bytesWritten, this, &Connection::OnBytesWritten);
-        connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
-        connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
-        connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
     }
 
     SocketState State() const { return state_; }
 
     void ConnectToAddress(const QHostAddress& address) {
+        Listen();
         state_ = SocketState::Connecting;
         addresses_ = {address};
         const std::optional<Failure> failure = TryAddresses();
@@ -90,6 +90,7 @@ public:
     }
 
     void ConnectToName(const std::string& name) {
+        Listen();
         lookup_.emplace(name, [this](const QList<QHostAddress>& addresses) { OnFound(addresses); });
         state_ = SocketState::ResolvingHost;
     }
@@ -113,11 +114,27 @@ public:
     void Close() {
         ++round_;
         lookup_.reset();
-        state_ = SocketState::Closed;
-        socket_.abort();
+        socket_.disconnect(this);
+        if (std::exchange(state_, SocketState::Closed) == SocketState::Connected) {
+            farewell_.Begin();
+        } else {
+            socket_.abort();
+        }
     }
 
+    /// After Close: whether the other side has not ended the connection yet.
+    bool Ending() const { return farewell_.Going(); }
+    void CutOff() { farewell_.CutOff(); }
+
 private:
+    void Listen() {
+        connect(&socket_, &QTcpSocket::connected, this, &Connection::OnConnected);
+        connect(&socket_, &QTcpSocket::bytesWritten, this, &Connection::OnBytesWritten);
+        connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
+        connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
+        connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
+    }
+
     std::string RoomForArrived(std::size_t maxLength) const {
         return std::string(std::min(maxLength, static_cast<std::size_t>(socket_.bytesAvailable())), '\0');
     }
@@ -207,6 +224,7 @@ private:
 
     const QtTcpSocket& owner_;
     QTcpSocket socket_;
+    TcpFarewell farewell_;
     std::optional<NameLookup> lookup_;
     QList<QHostAddress> addresses_;  ///< of the name, not yet tried
     SocketState state_ = SocketState::Closed;
@@ -215,14 +233,20 @@ private:
     bool failedAtOnce_ = false;
 };
 
-QtTcpSocket::QtTcpSocket() : connection_(std::make_unique<Connection>(*this)) {}
+QtTcpSocket::QtTcpSocket(std::chrono::milliseconds farewellLimit) : farewellLimit_(farewellLimit) {
+    connections_.push_back(std::make_unique<Connection>(*this));
+}
 
 QtTcpSocket::~QtTcpSocket() {
-    connection_->Close();
+    Current().Close();
+}
+
+QtTcpSocket::Connection& QtTcpSocket::Current() const {
+    return *connections_.front();
 }
 
 SocketState QtTcpSocket::State() const {
-    return connection_->State();
+    return Current().State();
 }
 
 void QtTcpSocket::SetProtocol(SocketProtocol /*protocol*/) {}
@@ -253,27 +277,27 @@ void QtTcpSocket::Connect() {
     if (State() != SocketState::Closed) throw Error("The socket is not closed", kAlreadyOpen);
     QHostAddress address;
     if (address.setAddress(QString::fromStdString(remoteHost_))) {
-        connection_->ConnectToAddress(address);
+        Current().ConnectToAddress(address);
     } else {
-        connection_->ConnectToName(remoteHost_);
+        Current().ConnectToName(remoteHost_);
     }
 }
 
 void QtTcpSocket::SendData(std::string_view bytes) {
     if (State() != SocketState::Connected) throw Error("The socket is not connected", kNotConnected);
-    connection_->Send(bytes);
+    Current().Send(bytes);
 }
 
 std::string QtTcpSocket::PeekData(std::size_t maxLength) const {
-    return connection_->Peek(maxLength);
+    return Current().Peek(maxLength);
 }
 
 std::string QtTcpSocket::GetData(std::size_t maxLength) {
-    return connection_->Take(maxLength);
+    return Current().Take(maxLength);
 }
 
 std::string QtTcpSocket::LocalIP() const {
-    if (State() == SocketState::Connected) return PlainAddress(connection_->LocalAddress());
+    if (State() == SocketState::Connected) return PlainAddress(Current().LocalAddress());
     for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
         if (!address.isLoopback() && !address.isLinkLocal()) return PlainAddress(address);
     }
@@ -285,7 +309,21 @@ std::string QtTcpSocket::LocalHostName() const {
 }
 
 void QtTcpSocket::Close() {
-    connection_->Close();
+    Current().Close();
+    if (Current().Ending()) LeaveToEnd();
+}
+
+// A connection is never destroyed here, since one of its events may be on the stack: the next one takes the place of one that has
+// ended.
+void QtTcpSocket::LeaveToEnd() {
+    auto next = std::find_if(connections_.begin(), connections_.end(), [](const auto& each) { return !each->Ending(); });
+    if (next == connections_.end() && connections_.size() < kMostConnections) {
+        next = connections_.insert(next, std::make_unique<Connection>(*this));
+    } else if (next == connections_.end()) {
+        --next;  // the one that has been ending for longest
+        (*next)->CutOff();
+    }
+    std::rotate(connections_.begin(), next, next + 1);
 }
 
 }  // namespace korvane

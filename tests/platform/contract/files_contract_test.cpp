@@ -121,10 +121,5 @@ TYPED_TEST(FilesContract, AFolderIsNoFile) {
     EXPECT_FALSE(this->files.Exists(this->Path("copy")));
 }
 
-TYPED_TEST(FilesContract, AFolderThatIsHeldStaysHeld) {
-    for (int i = 0; i < 2; ++i)
-        EXPECT_TRUE(this->files.HoldFolder(this->bench.folder));
-}
-
 }  // namespace
 }  // namespace korvane::contract

@@ -52,6 +52,8 @@ public:
         return Start([steps = std::move(steps)](LoopbackServer::Peer& peer) { Play(steps, peer); }).Port();
     }
 
+    bool Heard(const std::vector<std::string>& lines) const { return servers_.back()->Notes() == lines; }
+
     int RefusingPort() { return korvane::RefusingPort(); }
 
     std::string ServePage(const PageAnswer& answer) {
@@ -59,7 +61,7 @@ public:
         if (answer.kind == Kind::Failure) return "http://127.0.0.1:" + std::to_string(RefusingPort()) + "/";
         return Start([answer](LoopbackServer::Peer& peer) {
                    peer.ReadUntil("\r\n\r\n");
-                   if (answer.kind == Kind::Silent) return peer.ReadToEnd();
+                   if (answer.kind == Kind::Silent) return void(peer.ReadToEnd());
                    peer.Linger(answer.after);
                    peer.Send(answer.kind == Kind::Body ? HttpAnswer(answer.text, "text/html; charset=utf-8")
                                                        : HttpAnswer(std::string("\x7F"
@@ -79,7 +81,7 @@ private:
     static void Play(const std::vector<ServerStep>& steps, LoopbackServer::Peer& peer) {
         using Kind = ServerStep::Kind;
         for (const ServerStep& step : steps) {
-            if (step.kind == Kind::Expect) peer.ReadUntil(step.text + "\r\n");
+            if (step.kind == Kind::Expect && peer.ReadUntil(step.text + "\r\n").ends_with('\n')) peer.Note(step.text);
             if (step.after.count() > 0) peer.Linger(step.after);
             if (step.kind == Kind::Speak) peer.Send(step.text);
             if (step.kind == Kind::Reset) peer.Reset();

@@ -40,6 +40,8 @@ public:
     /// A server on 127.0.0.1 and localhost that plays these steps to each client; at their end it waits for the client. Gives its
     /// port.
     int Serve(const std::vector<ServerStep>& steps);
+    /// Whether the latest server has got these lines.
+    bool Heard(const std::vector<std::string>& lines) { return net_.Host("127.0.0.1").Port(lastPort_).Lines() == lines; }
     int RefusingPort() {
         net_.Host("127.0.0.1");
         return ++lastPort_;

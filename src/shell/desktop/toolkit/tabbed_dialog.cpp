@@ -87,7 +87,7 @@ bool TabbedDialog::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void TabbedDialog::SetStatus(std::string_view text) {
-    txtStatus_->SetText(Lines(text).left(kStatusCharacters));
+    txtStatus_->SetText(Lines(text.substr(0, 8 * kStatusCharacters)).left(kStatusCharacters));
 }
 
 int TabbedDialog::IndexOfPage(const QWidget* input) const {

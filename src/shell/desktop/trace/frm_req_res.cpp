@@ -50,7 +50,9 @@ void frmReqRes::setRequest(const std::string& text) {
 }
 
 void frmReqRes::setResponse(const std::string& text) {
-    Append(Ruled("Response: " + Lines(text)));
+    // The window keeps no more than this, and a page may have many megabytes.
+    const std::size_t kept = std::min(text.size(), std::size_t{4} * kMostOfATrace);
+    Append(Ruled("Response: " + Lines(std::string_view(text).substr(text.size() - kept))));
 }
 
 }  // namespace korvane
