@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "shell/list/entry_commands.h"
+#include "shell/entry/entry_commands.h"
 #include "shell/program.h"
 #include "shell/run/monitor_window.h"
 #include "support/memory_files.h"

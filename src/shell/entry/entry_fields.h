@@ -1,3 +1,5 @@
+// Room `entry`: adding, editing, saving and trying out one entry, with its rules.
+//
 // What the editor of a server entry has in its inputs: every text as typed, and the marks.
 #pragma once
 

@@ -1,3 +1,5 @@
+// Room `list`: the list of all entries and the commands of the main window.
+//
 // The list of all entries as the main window shows it: a row of texts for each, and the picture of its state. Read anew from
 // the table each time.
 #pragma once

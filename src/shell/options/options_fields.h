@@ -1,3 +1,5 @@
+// Room `options`: the global settings and the addresses that all entries and monitors share.
+//
 // What the settings dialog has in its inputs: every text as typed, and the marks.
 #pragma once
 

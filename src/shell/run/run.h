@@ -1,3 +1,5 @@
+// Room `run`: the start and the end of the program, what lives as long as it runs, and what it lends to the windows.
+//
 // Everything that lives as long as the program runs, with or without a window: settings, sockets, transfer slots, timers
 // and the state of the cycle. It makes the rooms, hands them their ports and starts the timers.
 #pragma once

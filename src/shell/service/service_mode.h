@@ -1,3 +1,5 @@
+// Room `service`: running as a service, and starting with the desktop.
+//
 // How the program comes back by itself: as a service of the system's manager, or from the desktop's startup group. What the
 // manager asks of a running service, and what the operator sets in the tray's menu and the settings dialog.
 #pragma once

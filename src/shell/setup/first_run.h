@@ -1,3 +1,5 @@
+// Room `setup`: the first start.
+//
 // The first start with somebody at the desk: three questions, and what is made of the answers: the first entry, the mail
 // server, and a program that comes back by itself with the machine.
 #pragma once

@@ -1,3 +1,5 @@
+// Room `web`: everything that goes to the website: help, version check, feedback.
+//
 // The pages of the website that commands lead to, and the browser that opens them.
 #pragma once
 

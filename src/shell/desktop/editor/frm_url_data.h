@@ -1,3 +1,5 @@
+// Room `editor`: the editor of an entry and the dialogs that it opens.
+//
 // The editor of one server entry: six pages of inputs, a status line that explains them, and commands that try out what they
 // say.
 #pragma once

@@ -1,3 +1,5 @@
+// Room `look`: pictures, colours and styles.
+//
 // Light or dark, as the desktop is: where Qt's own platform theme does not see to it, the desktop's settings portal is
 // asked and listened to.
 #pragma once

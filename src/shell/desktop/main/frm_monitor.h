@@ -1,3 +1,5 @@
+// Room `main`: the main window with its list, menus and tray icon.
+//
 // The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray
 // icon. It shows what the rooms below tell it as their Operator, and hands them what the person at the desk wants; it decides
 // nothing itself.

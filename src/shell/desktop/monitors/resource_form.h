@@ -1,3 +1,5 @@
+// Room `monitors`: the windows on the resources of this machine.
+//
 // What the four windows on this machine's own resources have in common: figures above, and below them the settings of the alert,
 // which show in the expanded size only. The window shows what its monitor says; what is typed counts at once, saved or not.
 #pragma once

@@ -1,3 +1,5 @@
+// Room `settings`: the settings dialog and the one of the shared addresses.
+//
 // The dialog of the global settings: pages of inputs, a status line that explains them, and commands that try out what they say
 // or reset what was gathered.
 #pragma once

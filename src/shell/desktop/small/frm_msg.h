@@ -1,3 +1,5 @@
+// Room `small`: messages, questions and the small dialogs.
+//
 // The general message: a text with a picture of its kind, and one command to close it, or the answers Yes and No.
 #pragma once
 

@@ -1,3 +1,5 @@
+// Room `toolkit`: what forms and dialogs are built from.
+//
 // The boxes and marks of a dialog as one set, filled from the fields that they stand for and read into them; and how the forms of
 // dialogs are laid out.
 #pragma once

@@ -1,3 +1,5 @@
+// Room `trace`: the windows that show conversations as they happen.
+//
 // A window that text is added to as long as it is open: read only, with letters of one width, and a limit that no session of
 // ordinary length comes to, so that it may stay open for a year.
 #pragma once

@@ -1,4 +1,4 @@
-#include "shell/list/entry_commands.h"
+#include "shell/entry/entry_commands.h"
 
 #include "base/ignore_errors.h"
 #include "base/text.h"

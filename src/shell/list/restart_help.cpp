@@ -1,4 +1,4 @@
-#include "shell/service/restart_help.h"
+#include "shell/list/restart_help.h"
 
 #include "engine/shutdown_path.h"
 
