@@ -31,7 +31,7 @@ std::string Printed(const char* format, Parts... parts) {
     return std::string(buffer, static_cast<std::size_t>(length));
 }
 
-// The whole numbers of "11/21/2026" or "15:04:05"; nothing unless all pieces are plain digits.
+// Returns the whole numbers of "11/21/2026" or "15:04:05", or nothing unless every piece consists of digits alone.
 std::optional<std::vector<int>> NumbersBetween(std::string_view text, char separator) {
     std::vector<int> numbers;
     for (const std::string& piece : Split(text, separator)) {
@@ -69,7 +69,7 @@ std::chrono::seconds ParseTime(std::string_view text, HalfOfDay half) {
     return std::chrono::hours(hour) + std::chrono::minutes(minute) + std::chrono::seconds(second);
 }
 
-// Takes "AM" or "PM" off the end of the text, with or without a blank before it.
+// Removes "AM" or "PM" from the end of the text, with or without a space before it.
 HalfOfDay TakeHalfOfDay(std::string& text) {
     const std::string lower = ToLower(text);
     for (const auto& [word, half] : {std::pair{"am", HalfOfDay::Am}, std::pair{"pm", HalfOfDay::Pm}}) {
@@ -98,7 +98,7 @@ DateTime DateTime::Last() {
 
 DateTime DateTime::MovedBy(std::int64_t seconds) const {
     constexpr std::int64_t kFarthest =
-        std::int64_t{10000} * 366 * kSecondsPerDay;  // from one end to the other, and no overflow below
+        std::int64_t{10000} * 366 * kSecondsPerDay;  // spans the whole range and cannot overflow below
     if (seconds < -kFarthest || seconds > kFarthest) throw OverflowError();
     const DateTime moved(seconds_ + seconds);
     if (moved < Of(100, 1, 1) || moved > Last()) throw OverflowError();

@@ -1,5 +1,5 @@
-// A moment on the wall clock of this place, to the second. Log, list, mail and queries all speak local time, so a
-// DateTime carries no zone: at the change to summer time the clock jumps, and so do the DateTimes read from it.
+// A moment of local wall-clock time, to the second. Log, list, mail and queries all use local time, so a DateTime carries no time
+// zone: at the change to summer time the clock jumps, and so do the DateTimes read from it.
 #pragma once
 
 #include <chrono>
@@ -16,13 +16,14 @@ public:
     /// 1 January 1970, 0:00:00.
     constexpr DateTime() = default;
 
-    /// From the parts; month and day from 1. Throws Error when there is no such moment in the years 100 to 9999.
+    /// Builds a moment from its parts; month and day count from 1. Throws Error when there is no such moment in the years 100 to
+    /// 9999.
     static DateTime Of(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
-    /// From the seconds since 1 January 1970, 0:00:00 on the same wall clock.
+    /// Builds a moment from the seconds since 1 January 1970, 0:00:00 on the same wall clock.
     static constexpr DateTime FromSeconds(std::int64_t seconds) { return DateTime(seconds); }
 
-    /// From the form on disk, "YYYY-MM-DD HH:MM:SS" (the time may be missing). Nothing for any other text.
+    /// Reads the form on disk, "YYYY-MM-DD HH:MM:SS" (the time is optional). Returns nothing for any other text.
     static std::optional<DateTime> FromStored(std::string_view text);
 
     constexpr std::int64_t Seconds() const { return seconds_; }
@@ -51,7 +52,7 @@ public:
 
     auto operator<=>(const DateTime&) const = default;
 
-    /// Throw OverflowError outside the years 100 to 9999.
+    /// Both throw OverflowError outside the years 100 to 9999.
     friend DateTime operator+(DateTime when, std::chrono::seconds by) { return when.MovedBy(by.count()); }
     friend DateTime operator-(DateTime when, std::chrono::seconds by) { return when.MovedBy(-by.count()); }
     friend constexpr std::chrono::seconds operator-(DateTime a, DateTime b) {
@@ -66,14 +67,14 @@ private:
     std::int64_t seconds_ = 0;
 };
 
-/// A moment as a person or an old file writes it: "23:30", "9:05:30 pm", "9 AM", "11/21/2026", "11/21/2026 3:04:05 PM",
-/// "2026-11-21 15:04:05". A time alone belongs to 30 December 1899, the day zero of the files this format comes from. Throws
+/// Reads a moment as a user or an old file writes it: "23:30", "9:05:30 pm", "9 AM", "11/21/2026", "11/21/2026 3:04:05 PM",
+/// "2026-11-21 15:04:05". A time alone belongs to 30 December 1899, day zero of the original file format. Throws
 /// TypeMismatchError for any other text.
 DateTime ParseDateTime(std::string_view text);
 
-/// The moment between "#" marks in a query: "11/21/2026 3:04:05 PM". The text is cut together from the date and from what follows
-/// the first blank of Text(); at exactly midnight there is no blank and it throws Error, so that the tick that asked ends and the
-/// next one goes on.
+/// Returns the moment between "#" marks for a query: "11/21/2026 3:04:05 PM". The text is composed of the date and of what
+/// follows the first space of Text(). At exactly midnight there is no space and the function throws Error: the current tick ends
+/// and the next one goes on.
 std::string QueryDate(DateTime when);
 
 }  // namespace korvane

@@ -1,11 +1,11 @@
-// For routines that ignore errors and go on with the next statement: each statement is wrapped by itself.
+// For routines that ignore errors and continue with the next statement: each statement is wrapped separately.
 #pragma once
 
 #include <exception>
 
 namespace korvane {
 
-/// Runs the statement; an error in it is dropped. Returns whether it ran to its end.
+/// Runs the statement and ignores an error in it. Returns whether it ran to its end.
 template <class Statement>
 bool IgnoreErrors(Statement statement) {
     try {

@@ -17,7 +17,7 @@ Narrow Checked(std::int64_t number) {
     return static_cast<Narrow>(number);
 }
 
-// from_chars knows no leading "+".
+// from_chars does not accept a leading "+".
 std::string_view WithoutPlus(std::string_view text) {
     const bool plusBeforeDigit = text.size() > 1 && text[0] == '+' && text[1] != '-';
     return plusBeforeDigit ? text.substr(1) : text;
@@ -59,12 +59,12 @@ std::int64_t ParseWhole(std::string_view text) {
 }
 
 std::string FormatFixed(double number, int decimals) {
-    // Decimals that a person typed are seldom exact in binary: 2.675 lies a little below, and is meant as a half.
+    // Typed decimals are seldom exact in binary: 2.675 is stored slightly too low, but is meant as a half.
     constexpr double kHalfTolerance = 1e-14;
     const double scale = std::pow(10.0, decimals);
     const double scaled = number * scale;
     const double nudged = scaled + scaled * kHalfTolerance;
-    const bool tooLarge = !std::isfinite(nudged);  // and then far beyond any decimals
+    const bool tooLarge = !std::isfinite(nudged);  // such a number has no decimals anyway
     const double rounded = tooLarge ? number : std::round(nudged) / scale;
     char buffer[400];
     const auto end =

@@ -1,4 +1,4 @@
-// A flag that is up for as long as this lives: what is under way marks itself, whatever ends it.
+// Sets a flag for its own lifetime, to mark work in progress however that work ends.
 #pragma once
 
 namespace korvane {

@@ -21,7 +21,7 @@ unsigned char ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<unsigned char>(bytes[at]);
 }
 
-// The length of the well-formed UTF-8 sequence at `at`, 0 if there is none (RFC 3629, section 4).
+// Returns the length of the well-formed UTF-8 sequence at `at`, or 0 if there is none (RFC 3629, section 4).
 std::size_t Utf8SequenceLength(std::string_view bytes, std::size_t at) {
     const unsigned char lead = ByteAt(bytes, at);
     if (lead < 0x80) return 1;

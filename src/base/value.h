@@ -1,5 +1,5 @@
-// What a column holds: a text, a number, a moment, yes or no, or blank. A Value is read in the kind the caller needs;
-// a value that cannot be read so is an error with a description, never a silent zero.
+// The content of a column: a text, a number, a moment, yes or no, or blank. A Value is read as the kind the caller needs; if it
+// cannot be read as that kind, the result is an error with a description, never a silent zero.
 #pragma once
 
 #include <cstdint>
@@ -25,13 +25,13 @@ public:
     Value(DateTime when) : held_(when) {}
 
     bool IsBlank() const { return std::holds_alternative<std::monostate>(held_); }
-    /// Blank, or a text without any character.
+    /// Returns true for a blank and for the empty text.
     bool IsEmpty() const;
 
-    /// Blank reads as the empty text; numbers as FormatGeneral, dates as DateTime::Text, yes and no as "True" and "False".
+    /// A blank reads as the empty text, numbers as FormatGeneral, dates as DateTime::Text, yes and no as "True" and "False".
     std::string Text() const;
 
-    /// The numbers round half to even. They throw BlankError, TypeMismatchError, and OverflowError outside their range.
+    /// The numbers round half to even. They throw BlankError, TypeMismatchError, or OverflowError outside their range.
     std::int16_t Int16() const;
     std::int32_t Int32() const;
     std::int64_t Int64() const;
@@ -40,7 +40,7 @@ public:
     /// Any number but 0, and the texts "True" and "Yes" in any case, are true. Blank is false.
     bool Bool() const;
 
-    /// A moment, or a text that ParseDateTime reads. Throws BlankError or TypeMismatchError.
+    /// Returns a moment, or a text read by ParseDateTime. Throws BlankError or TypeMismatchError.
     DateTime When() const;
 
     bool operator==(const Value&) const = default;
