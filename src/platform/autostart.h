@@ -1,32 +1,33 @@
-// Port: what the desktop starts when the person logs on, the "startup group" of the program's own words.
+// Port: the programs that the desktop starts when the user logs on, the "startup group" in the program's vocabulary.
 #pragma once
 
 #include <string>
 
 namespace korvane {
 
-/// One program that is started. Paths are absolute.
+/// A program to start. Paths are absolute.
 struct AutostartEntry {
-    std::string name;     ///< shown to the person, and the base name of the file
+    std::string name;     ///< shown to the user; also the base name of the file
     std::string program;  ///< the executable
-    std::string home;     ///< where it works: settings, database and log
-    std::string icon;     ///< a picture's path or its name in the desktop's theme; blank: none
+    std::string home;     ///< its working folder: settings, database and log
+    std::string icon;     ///< path of a picture, or its name in the desktop's theme; empty: none
 };
 
 class Autostart {
 public:
     virtual ~Autostart() = default;
 
-    /// The file of the entry with this name, whether it is there or not.
+    /// Returns the path of the entry's file, whether or not it exists.
     virtual std::string FileName(const std::string& name) const = 0;
 
-    /// Whether that file is there.
+    /// Returns whether that file exists.
     virtual bool Exists(const std::string& name) = 0;
 
-    /// Writes the entry, over one of this program if it is there. Throws Error, for a file that is not this program's too.
+    /// Writes the entry and overwrites an existing one of this program. Throws Error, also if the file belongs to another
+    /// program.
     virtual void Add(const AutostartEntry& entry) = 0;
 
-    /// No error when there is none. Throws Error, for a file that is not this program's too.
+    /// Does nothing if there is no entry. Throws Error, also if the file belongs to another program.
     virtual void Remove(const std::string& name) = 0;
 };
 

@@ -1,5 +1,5 @@
-// Port: the time. Three clocks that must not be mixed up: the wall clock of this place, which an operator or a summer-time
-// rule may move; the seconds of its day; and a count of milliseconds that only goes forward.
+// Port: the time. There are three clocks, which must not be mixed up: the local wall clock, which an operator or a summer-time
+// rule may move; the seconds since local midnight; and a count of milliseconds that only goes forward.
 #pragma once
 
 #include <chrono>
@@ -18,10 +18,10 @@ public:
     /// The same moment in UTC.
     virtual DateTime UtcNow() const = 0;
 
-    /// Seconds since local midnight, with fractions, in [0, 86400). Falls back to 0 at midnight.
+    /// Seconds since local midnight, with fractions, in [0, 86400). Restarts from 0 at midnight.
     virtual double Timer() const = 0;
 
-    /// Milliseconds since some moment before the start of the program. Never goes back, whatever is done to the wall clock.
+    /// Milliseconds since some moment before the start of the program. Never goes back, whatever happens to the wall clock.
     virtual std::chrono::milliseconds GetTickCount() const = 0;
 };
 

@@ -1,7 +1,6 @@
-// Port: the store, by its two objects. A Connection and a Recordset are opened for one piece of work and closed at its end.
-// Nothing in the store stays locked while a Recordset is merely open: its keys or rows are read when it is opened. All operations
-// may block on the disk for milliseconds (up to a second when another process holds the file), and throw Error with a
-// description.
+// Port: the store, represented by two objects. A Connection and a Recordset are opened for one piece of work and closed at its
+// end. An open Recordset by itself locks nothing in the store: its keys or rows are read when it is opened. All operations may
+// block on the disk for milliseconds (up to a second while another process holds the file), and throw Error with a description.
 #pragma once
 
 #include <functional>
@@ -14,7 +13,7 @@
 
 namespace korvane {
 
-/// The row of an Update has been removed by somebody else since it was read.
+/// The row of an Update was removed by another user of the store after it was read.
 class RowGoneError : public Error {
 public:
     using Error::Error;
@@ -24,22 +23,24 @@ class Connection {
 public:
     virtual ~Connection() = default;
 
-    /// "DRIVER={SQLite};DBQ=<file>;..." or "Provider=SQLite; Data Source=<file>;...". Keys in any case, others are passed over.
+    /// "DRIVER={SQLite};DBQ=<file>;..." or "Provider=SQLite; Data Source=<file>;...". Keys are case-insensitive; unknown keys are
+    /// ignored.
     void SetConnectionString(std::string text) { connectionString_ = std::move(text); }
     const std::string& ConnectionString() const { return connectionString_; }
 
-    /// Throws when the file is missing, is not a database of this kind (it is then left untouched), cannot be read, or is locked.
+    /// Throws Error when the file is missing, is not a database of this kind (it then stays unchanged), cannot be read, or is
+    /// locked.
     virtual void Open() = 0;
 
     /// Closing a closed connection does nothing.
     virtual void Close() = 0;
 
-    /// What is changed from here to CommitTrans becomes durable together; a crash in between leaves none of it. Not nested, and
-    /// never held across a wait for anything but the disk. Closing the connection drops it.
+    /// All changes between BeginTrans and CommitTrans become durable together; after a crash in between none of them remains.
+    /// Transactions do not nest and must not be held across a wait for anything but the disk. Closing the connection rolls back.
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
 
-    /// Throws Error when nothing can be written to the file now. It stays as it is, to the byte.
+    /// Throws Error when the file cannot be written now. The file does not change by a single byte.
     virtual void TryWriting() = 0;
 
 private:
@@ -49,21 +50,20 @@ private:
 enum class CursorType { Keyset = 1, Static = 3 };
 enum class LockType { Pessimistic = 2, Optimistic = 3, BatchOptimistic = 4 };
 
-/// The kind of a column, which fixes what its fields give and accept.
+/// The kind of a column, which determines what its fields return and accept.
 enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime };
 
 /// The rows of one query with a cursor on one of them.
 ///
-/// Keyset: the rows are fixed at Open, their values are read when they are looked at; a walk that looks at one column of each row
-/// reads that column of some rows ahead. Static: a copy of the rows as they were at Open. Rows of a query of the form "SELECT *
-/// from <one table> ..." can be changed in both. Rows of one table for which the query names no order come in order of the
-/// primary key.
+/// Keyset: the rows are fixed at Open; their values are read on access, and a walk that reads one column of each row reads that
+/// column of some rows ahead. Static: a copy of the rows as they were at Open. In both, rows of a query of the form "SELECT *
+/// from <one table> ..." can be changed. Rows of one table come in order of the primary key if the query names no order.
 ///
-/// A changed field is pending: this Recordset reads the new value, everybody else the old one, until Update. Moving on
-/// with pending changes updates first; Close drops them.
+/// A changed field is pending until Update: this Recordset reads the new value, all others the old one. Moving the cursor with
+/// pending changes updates first; Close discards them.
 ///
-/// Pessimistic locking: the first change of a row locks it within this program until the cursor leaves the row or the
-/// Recordset is closed; a second Recordset that would lock the same row throws. Nobody else is held up, least of all readers.
+/// Pessimistic locking: the first change of a row locks it within this program until the cursor leaves the row or the Recordset
+/// is closed; a second Recordset that would lock the same row throws. Nothing else is blocked, readers least of all.
 class Recordset {
 public:
     virtual ~Recordset() = default;
@@ -80,29 +80,29 @@ public:
         std::string_view name_;
     };
 
-    /// `source` is an SQL text in which #month/day/year time# marks a moment. The connection must be open and outlive this.
+    /// `source` is an SQL text in which #month/day/year time# denotes a moment. The connection must be open and outlive this.
     virtual void Open(std::string_view source, Connection& connection, CursorType cursor, LockType lock) = 0;
 
-    /// The name in any case. Throws when the column does not exist or there is no current row. Writing converts to the column's
-    /// kind: texts that are no number throw TypeMismatchError, numbers beyond a 16- or 32-bit column OverflowError; blank is
-    /// always accepted, and the empty text counts as blank for dates.
+    /// The name is case-insensitive. Throws Error when the column does not exist or there is no current row. Writing converts to
+    /// the column's kind: texts that are not numbers throw TypeMismatchError, numbers beyond a 16- or 32-bit column
+    /// OverflowError; blank is always accepted, and for dates the empty text counts as blank.
     Field Fields(std::string_view name) { return Field(*this, name); }
 
     /// The exact number of rows.
     virtual int RecordCount() const = 0;
 
-    /// No current row: the result is empty, or the cursor went past its end.
+    /// True if there is no current row: the result is empty, or the cursor is past its end.
     virtual bool Eof() const = 0;
     virtual void MoveNext() = 0;
 
-    /// A new row becomes current; Update adds it to the store and to the result.
+    /// Makes a new row current; Update adds it to the store and to the result.
     virtual void AddNew() = 0;
 
-    /// Writes the changed columns of the current row, and only them, in one durable transaction. Throws RowGoneError when the row
-    /// is gone; the changes stay pending after an error. Without changes it does nothing.
+    /// Writes the changed columns of the current row, and no others, in one durable transaction. Throws RowGoneError when the row
+    /// no longer exists; the changes stay pending after an error. Does nothing without changes.
     virtual void Update() = 0;
 
-    /// Removes the current row from the store, durably. The cursor stays before the next row: MoveNext goes there.
+    /// Removes the current row from the store, durably. MoveNext then goes to the row after it.
     virtual void Delete() = 0;
 
     /// Closing a closed Recordset does nothing.
@@ -113,24 +113,24 @@ protected:
     virtual void Write(std::string_view name, const korvane::Value& value) = 0;
 };
 
-/// Makes the objects of one store.
+/// Creates the objects of one store.
 class Store {
 public:
     virtual ~Store() = default;
     virtual std::unique_ptr<Connection> NewConnection() = 0;
     virtual std::unique_ptr<Recordset> NewRecordset() = 0;
 
-    /// Looks through the database `file` for damage, writes a compact copy of it to `copy`, in place of what bore that name,
-    /// calls `copied` when that is on the disk, and then compacts `file` itself in one transaction. Nobody else gets at it
-    /// meanwhile. Both have the same rows. A crash in between leaves the file as it was or compacted, and everybody who has it
-    /// open can go on. Needs room for two more copies, and blocks for seconds with a large file.
+    /// Checks the database `file` for damage, writes a compact copy of it to `copy` (replacing any file of that name), calls
+    /// `copied` when the copy is on the disk, and then compacts `file` itself in one transaction. All others are locked out
+    /// meanwhile. Both files hold the same rows. A crash in between leaves the file either unchanged or compacted, and everyone
+    /// who has it open can continue. Needs disk space for two more copies, and blocks for seconds with a large file.
     ///
-    /// Throws Error as Connection::Open does, "... is damaged: ..." for a damaged file, for a full disk, for a file that somebody
-    /// else is using, and what `copied` throws. `file` is then as it was, and a copy that `copied` did not take away is gone.
+    /// Throws Error like Connection::Open, "... is damaged: ..." for a damaged file, for a full disk, for a file that is in use,
+    /// and whatever `copied` throws. `file` is then unchanged, and a copy that `copied` did not move away is removed.
     virtual void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) = 0;
 
-    /// Lets go of everything that is kept ready between two pieces of work: until the next Connection nothing of the store is
-    /// open in this process.
+    /// Releases everything that is kept open between two pieces of work: until the next Connection, this process has nothing of
+    /// the store open.
     virtual void Rest() {}
 };
 

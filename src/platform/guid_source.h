@@ -1,4 +1,4 @@
-// Port: identifiers that no other machine and no other moment has.
+// Port: globally unique identifiers.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ class GuidSource {
 public:
     virtual ~GuidSource() = default;
 
-    /// A new random one (version 4). Nothing when the system gives no random bytes.
+    /// Returns a new random GUID (version 4), or nothing when the system provides no random bytes.
     virtual std::optional<Guid> CoCreateGuid() = 0;
 };
 

@@ -9,29 +9,29 @@
 
 namespace korvane {
 
-/// An IPv4 address in network byte order, as inet_addr gives it.
+/// An IPv4 address in network byte order, like the result of inet_addr.
 using Ipv4Address = std::uint32_t;
 
 struct EchoReply {
-    bool answered = false;  ///< something came back within the wait
+    bool answered = false;  ///< an answer arrived in time
     int status = 0;         ///< 0: the echo itself came back; otherwise ICMP type and code of the error, as type * 256 + code
     std::chrono::milliseconds roundTripTime{0};
-    Ipv4Address address = 0;  ///< who answered
+    Ipv4Address address = 0;  ///< the sender of the answer
 };
 
 class IcmpEcho {
 public:
     virtual ~IcmpEcho() = default;
 
-    /// Reads a dotted address as inet_addr(3) does; nothing when it is none (255.255.255.255 included). Names are never looked
-    /// up.
+    /// Reads a dotted address like inet_addr(3); returns nothing when it is not one (or is 255.255.255.255). Names are never
+    /// looked up.
     virtual std::optional<Ipv4Address> InetAddr(std::string_view text) const = 0;
 
-    /// Whether echoes can be sent. When the system refuses, the reason and what to allow are in `whyNot`.
+    /// Returns whether echoes can be sent. If the system refuses, `whyNot` says why and what to allow.
     virtual bool IcmpCreateFile(std::string& whyNot) = 0;
 
-    /// Sends one echo and blocks until the answer or for `wait`; no events are delivered meanwhile. An echo that cannot be sent
-    /// (no route) counts as not answered.
+    /// Sends one echo and blocks until the answer arrives or `wait` has passed; no events are delivered meanwhile. An echo that
+    /// cannot be sent (no route) counts as not answered.
     virtual EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive,
                                    std::chrono::milliseconds wait) = 0;
 

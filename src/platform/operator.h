@@ -1,6 +1,6 @@
-// Port: the person at the desk. With a display it is the main window and the tray icon; without one it is standard output. No
-// call waits for the person but AskYesNo, and the messages of a start-up: whatever waits for somebody who has gone home holds up
-// the check or the mail from whose events it was called.
+// Port: the user at the desk. With a display it is the main window and the tray icon; without one it is standard output. No call
+// waits for the user except AskYesNo and the messages of a start-up: a wait for an absent user would hold up the check or mail
+// from whose events it was called.
 #pragma once
 
 #include <functional>
@@ -14,17 +14,17 @@ class Operator {
 public:
     virtual ~Operator() = default;
 
-    /// Whether somebody can see the main window now. Always false without a display.
+    /// Returns whether the main window is visible now. Always false without a display.
     virtual bool WindowVisible() const = 0;
 
-    /// Adds a line to the status log; line ends in the text are already gone. Without a display it is printed.
+    /// Adds a line to the status log; the text no longer contains line ends. Without a display the line is printed.
     virtual void StatusLine(const std::string& time, const std::string& text) = 0;
 
-    /// Empties the status log, where there is one that stays.
+    /// Empties the status log, if it is a lasting one.
     virtual void ClearStatus() {}
 
     virtual void SetClockText(const std::string& time) = 0;
-    /// The short message of the cycle ("Sleeping for 20 seconds.").
+    /// Sets the short message of the cycle ("Sleeping for 20 seconds.").
     virtual void SetCycleText(const std::string& text) = 0;
 
     virtual void ShowProgress(bool shown) = 0;
@@ -35,25 +35,25 @@ public:
     virtual void SetTray(TrayPicture picture, const std::string& tip) = 0;
     virtual void SetTrayTip(const std::string& tip) = 0;
 
-    /// Monitoring has been switched on or off, or begins with the program.
+    /// Called when monitoring has been switched on or off, or begins with the program.
     virtual void SetMonitoring(bool /*on*/) {}
 
-    /// "Number of distinct company names", shown once there is more than one.
+    /// Sets "Number of distinct company names", which is shown once there is more than one.
     virtual void SetCustomerCount(int /*count*/) {}
 
     virtual void RefreshURLList() = 0;
     virtual void SetWaitCursor(bool wait) = 0;
 
-    /// Shows the message; several follow one another. While the program starts it waits until the message is closed, afterwards
-    /// it goes on at once. Without a display it goes to standard error.
+    /// Shows the message; several are shown one after another. While the program starts, the call waits until the message is
+    /// closed; later it returns at once. Without a display the message goes to standard error.
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
-    /// The same for something that went wrong.
+    /// Like ShowMessage, for an error.
     virtual void ShowError(const std::string& title, const std::string& text) { ShowMessage(title, text); }
-    /// Waits for the answer. Without a display it is No.
+    /// Waits for the answer. Without a display the answer is No.
     virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
 
-    /// Asks and goes on: `yes` is called when that is the answer. Nothing is called when the window over which the question
-    /// stands goes before that.
+    /// Asks without waiting: `yes` is called when that is the answer. Nothing is called when the parent window of the question
+    /// closes before that.
     virtual void Ask(
         const std::string& title, const std::string& text, const std::function<void()>& yes,
         const std::function<void()>& no = [] {}) {

@@ -1,12 +1,12 @@
-// Port: the end of the session at the desk, and of the machine's run.
+// Port: ending the desktop session, and shutting down or restarting the machine.
 #pragma once
 
 namespace korvane {
 
 enum class PowerAction { LogOff, ForcedLogOff, ShutDown, ForcedShutDown, Reboot };
 
-/// What on this machine serves the actions: a manager of services and sessions; the shutdown command alone, which can't log
-/// anybody off; or nothing.
+/// What performs the actions on this machine: a manager of services and sessions; the shutdown command alone, which cannot log
+/// anyone off; or nothing.
 enum class PowerSystem { ServiceManager, ShutdownCommand, Unknown };
 
 class Power {
@@ -15,8 +15,8 @@ public:
 
     virtual PowerSystem System() const = 0;
 
-    /// Asks the system for it and returns at once; whether the system does it is not known. The forced ones end programs without
-    /// letting them finish. Throws Error with the reason when there is nobody to ask.
+    /// Sends the request to the system and returns at once; whether the system obeys is not known. The forced actions end
+    /// programs without letting them finish. Throws Error with the reason when nothing can take the request.
     virtual void Request(PowerAction action) = 0;
 };
 

@@ -1,4 +1,4 @@
-// How long a server may take for a reply, in whole seconds on the clock of the day.
+// The time limit for a server's reply, in whole seconds of the day clock.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@
 
 namespace korvane {
 
-/// The clock of the day falls back to 0 at midnight, and a wait across midnight never ends by it. A second limit of 15 minutes,
-/// on the clock that only goes forward, keeps a silent server from holding up the program for good.
+/// The day clock falls back to 0 at midnight, so a wait across midnight would never end by it. A second limit of 15 minutes, on
+/// the clock that only goes forward, keeps a silent server from blocking the program for good.
 class ReplyLimit {
 public:
     ReplyLimit(const Clock& clock, std::chrono::seconds limit) : clock_(clock), limit_(limit.count()) { Restart(); }
@@ -20,7 +20,7 @@ public:
         end_ = clock_.GetTickCount() + std::chrono::minutes(15);
     }
 
-    /// `limit` or more whole seconds have gone.
+    /// Returns whether `limit` or more whole seconds have passed.
     bool Over() const { return RoundHalfEven(clock_.Timer()) - start_ >= limit_ || clock_.GetTickCount() >= end_; }
 
 private:

@@ -1,4 +1,4 @@
-// Port: the services of the operating system, as its service manager knows them.
+// Port: the services of the operating system, as reported by its service manager.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 namespace korvane {
 
 struct ServiceRecord {
-    /// The states that the program knows by name. There are others, of services on their way from one to the other.
+    /// The states with names in the program. Other numbers are services that are changing from one state to the other.
     static constexpr int kStopped = 1;
     static constexpr int kRunning = 4;
     static constexpr int kPaused = 7;
@@ -24,22 +24,22 @@ struct ServiceRecord {
 };
 
 struct ServiceList {
-    std::string whyNot;  ///< blank: the manager has answered. Else there is none, or it did not answer, in words for the operator
-    std::vector<ServiceRecord> services;  ///< active and inactive, in order of their names; none where there is no answer
+    std::string whyNot;  ///< empty: the manager has answered. Otherwise why there is no answer, in words for the operator
+    std::vector<ServiceRecord> services;  ///< active and inactive ones, sorted by name; none without an answer
 };
 
 class Services {
 public:
     virtual ~Services() = default;
 
-    /// A question that is open as long as this lives. Dropping it takes the question back, also from within its answer.
+    /// A pending question. Destroying it cancels the question, which is allowed inside its answer.
     class Question {
     public:
         virtual ~Question() = default;
     };
 
-    /// Asks the manager and returns at once. `answer` is called once, from the pump and never from within this call, after some 5
-    /// s at most. Must outlive its questions.
+    /// Asks the manager and returns at once. `answer` is called once, from the pump and never from within this call, after at
+    /// most about 5 s. This object must outlive its questions.
     virtual std::unique_ptr<Question> EnumServices(std::function<void(const ServiceList&)> answer) = 0;
 };
 

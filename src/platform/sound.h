@@ -9,7 +9,7 @@ class Sound {
 public:
     virtual ~Sound() = default;
 
-    /// Starts the sound file and goes on without waiting. A blank path, a missing file or a machine without sound is no error.
+    /// Starts playing the file and returns at once. An empty path, a missing file or a machine without sound is not an error.
     virtual void PlaySound(const std::string& path) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Port: what this machine says of itself.
+// Port: facts about this machine.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,15 @@
 
 namespace korvane {
 
-/// "Linux", "6.1" and "0-13-amd64" of a kernel 6.1.0-13-amd64; any of them may be blank.
+/// "Linux", "6.1" and "0-13-amd64" for a kernel 6.1.0-13-amd64; any of them may be empty.
 struct SystemVersion {
     std::string platform;
     std::string version;
     std::string build;
 };
 
-/// How long the processors have worked and waited since the machine started, all of them together, in any one unit of time: they
-/// idled for `idle` of `total`. Each of them has been there for `total / processors`.
+/// The total and idle time of all processors together since the machine started, in any one unit of time. Each processor has
+/// existed for `total / processors`.
 struct ProcessorTimes {
     std::uint64_t idle = 0;
     std::uint64_t total = 0;
@@ -37,18 +37,18 @@ struct DiskSpace {
     bool operator==(const DiskSpace&) const = default;
 };
 
-/// None of the calls throws or waits for longer than some 100 ms.
+/// None of the calls throws or waits for longer than about 100 ms.
 class SystemInfo {
 public:
     virtual ~SystemInfo() = default;
     virtual SystemVersion Version() const = 0;
 
-    /// Nothing when the machine does not tell.
+    /// Returns nothing when the machine does not report it.
     virtual std::optional<ProcessorTimes> Processors() const { return std::nullopt; }
     virtual std::optional<PhysicalMemory> Memory() const { return std::nullopt; }
 
-    /// The sums over all local fixed disks that are in use: each once, without removable ones, those of the network and those in
-    /// memory. All 0 when there is none. A disk that does not answer in time counts with what it said last.
+    /// Returns the sums over all local fixed disks in use: each counts once; removable, network and memory disks do not count.
+    /// All 0 when there is none. A disk that does not answer in time counts with its last answer.
     virtual DiskSpace FixedDisks() const { return {}; }
 };
 

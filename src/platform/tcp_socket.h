@@ -1,5 +1,5 @@
-// Port: one TCP socket driven by events. Connect and SendData return at once; what becomes of them is seen in State and in the
-// events, which the event pump delivers.
+// Port: one TCP socket driven by events. Connect and SendData return at once; State and the events, which the event pump
+// delivers, show the result.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +23,7 @@ enum class SocketState {
 
 enum class SocketProtocol { Tcp = 0 };
 
-/// The number of the error that comes from having no network at all.
+/// The error number for having no network at all.
 constexpr int kSocketAddressNotAvailable = 10049;
 
 class TcpSocket {
@@ -34,8 +34,8 @@ public:
         /// A connection attempt or a connection failed. `number` is Winsock's: 10060 timed out, 10061 refused, 11001 host not
         /// found.
         std::function<void(int number, const std::string& description)> error;
-        std::function<void()> connect = {};  ///< the connection stands; comes before its first dataArrival
-        /// The system took `sent` bytes of what SendData queued; `remaining` are still to go. Never from within SendData.
+        std::function<void()> connect = {};  ///< the connection is established; comes before its first dataArrival
+        /// The system took `sent` bytes of what SendData queued; `remaining` are left. Never called from within SendData.
         std::function<void(std::size_t sent, std::size_t remaining)> sendProgress = {};
         std::function<void()> sendComplete = {};  ///< nothing remains; follows the last sendProgress
     };
@@ -48,7 +48,7 @@ public:
 
     virtual void SetProtocol(SocketProtocol protocol) = 0;
 
-    /// Host name or address, and port, of the next Connect. A port outside 1 to 65535 throws Error.
+    /// Set host name or address, and port, of the next Connect. A port outside 1 to 65535 throws Error.
     virtual void SetRemoteHost(std::string host) = 0;
     virtual std::string RemoteHost() const = 0;
     virtual void SetRemotePort(std::int32_t port) = 0;
@@ -57,10 +57,10 @@ public:
     /// 0 lets the system choose.
     virtual void SetLocalPort(std::int32_t port) = 0;
 
-    /// Starts resolving and connecting; names are looked up beside the program, never in its way. Throws Error with
-    /// kSocketAddressNotAvailable when there is no network, and when the socket is not closed.
+    /// Starts to resolve and connect; name lookups do not block. Throws Error with kSocketAddressNotAvailable when there is no
+    /// network, and Error when the socket is not closed.
     virtual void Connect() = 0;
-    /// The same after SetRemoteHost and SetRemotePort.
+    /// Like Connect, after SetRemoteHost and SetRemotePort.
     void Connect(std::string host, std::int32_t port) {
         SetRemoteHost(std::move(host));
         SetRemotePort(port);
@@ -70,21 +70,21 @@ public:
     /// Queues the bytes; throws Error when the socket is not connected.
     virtual void SendData(std::string_view bytes) = 0;
 
-    /// The first `maxLength` bytes of what has arrived and was not taken yet; they stay. What has arrived is bounded (64 KiB or
-    /// so): the rest waits with the other side until some of it is taken.
+    /// Returns the first `maxLength` unread bytes that have arrived, without removing them. The amount is limited (to about 64
+    /// KiB): the rest stays with the other side until some of it is read.
     virtual std::string PeekData(std::size_t maxLength = kAll) const = 0;
 
-    /// The same, and takes them.
+    /// Returns the same bytes and removes them.
     virtual std::string GetData(std::size_t maxLength = kAll) = 0;
 
-    /// Ends the connection in order or drops the attempt, without blocking: what was sent goes out first, within some seconds, and
-    /// what arrives is dropped. The state is Closed at once, Connect may follow at once; no event follows.
+    /// Ends the connection in order or drops the attempt, without blocking: sent data still goes out, within some seconds, and
+    /// arriving data is discarded. The state is Closed at once, and Connect may follow at once; no event follows.
     virtual void Close() = 0;
 
-    /// The address of this end of the connection; without one the address that others reach this machine by, as far as it knows,
-    /// else the loopback's.
+    /// Returns the address of this end of the connection; without a connection the address by which others reach this machine, as
+    /// far as it knows, else the loopback address.
     virtual std::string LocalIP() const = 0;
-    /// The name that this machine has given itself.
+    /// Returns this machine's own name.
     virtual std::string LocalHostName() const = 0;
 
     void SetHandlers(Handlers handlers) { handlers_ = std::move(handlers); }

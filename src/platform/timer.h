@@ -1,5 +1,5 @@
-// Port: a periodic timer, delivered by the event pump. A tick never overlaps itself: one that falls due while the
-// timer's own tick is still on the stack is dropped.
+// Port: a periodic timer, delivered by the event pump. A tick never overlaps itself: a tick that is due while the timer's own
+// tick is still on the stack is dropped.
 #pragma once
 
 #include <chrono>
@@ -18,7 +18,7 @@ public:
     /// Called at each tick. Set it before the first Enable.
     void OnTick(std::function<void()> tick) { tick_ = std::move(tick); }
 
-    /// Above 0. Setting it on a running timer starts the period anew.
+    /// Must be above 0. On a running timer it restarts the period.
     void SetInterval(std::chrono::milliseconds interval) {
         interval_ = interval;
         if (enabled_) Arm(interval_);
@@ -37,15 +37,15 @@ public:
     }
     bool Enabled() const { return enabled_; }
 
-    /// Whether the tick is on the stack right now.
+    /// Returns whether the tick is on the stack right now.
     bool Ticking() const { return ticking_; }
 
 protected:
-    /// Starts periodic delivery, replacing what was armed before.
+    /// Starts periodic delivery and replaces any earlier one.
     virtual void Arm(std::chrono::milliseconds interval) = 0;
     virtual void Disarm() = 0;
 
-    /// For adapters: one period is over.
+    /// For adapters: reports that one period is over.
     void Fire() {
         if (ticking_ || !enabled_ || !tick_) return;
         const RaisedFlag ticking(ticking_);
@@ -59,12 +59,12 @@ private:
     bool ticking_ = false;
 };
 
-/// Makes timers that one pump delivers.
+/// Creates timers that one pump delivers.
 class Timers {
 public:
     virtual ~Timers() = default;
 
-    /// A disabled timer; the name ("TimerMonitorDB") is for traces.
+    /// Returns a disabled timer; the name ("TimerMonitorDB") is for traces.
     virtual std::unique_ptr<Timer> NewTimer(const std::string& name) = 0;
 };
 

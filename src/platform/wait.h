@@ -1,4 +1,4 @@
-// The one way to wait: look, and let the event pump run until the next look, up to a limit.
+// The only way to wait: check a condition and let the event pump run until the next check, up to a limit.
 #pragma once
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 
 namespace korvane {
 
-/// Whether `condition()` came true within `limit`. It is looked at first without waiting, then after each event; events are
-/// delivered meanwhile, and while nothing happens no CPU is used.
+/// Returns whether `condition()` became true within `limit`. It is checked first without waiting, then after each event; events
+/// are delivered meanwhile, and while nothing happens no CPU is used.
 template <class Condition>
 bool WaitFor(Events& events, const Clock& clock, std::chrono::milliseconds limit, Condition condition) {
     const auto deadline = clock.GetTickCount() + limit;

@@ -1,4 +1,4 @@
-// The wait cursor for as long as this lives.
+// Shows the wait cursor for as long as this lives.
 #pragma once
 
 #include "platform/operator.h"

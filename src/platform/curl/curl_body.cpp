@@ -16,7 +16,7 @@ constexpr std::string_view kBinaryTypes[] = {
     "application/octet-stream", "application/zip", "application/gzip", "application/x-gzip", "application/pdf",
 };
 
-// Whether a Content-Type (RFC 9110, section 8.3) is that of pictures, sound, films, archives or documents that are no text.
+// Returns whether a Content-Type (RFC 9110, section 8.3) denotes pictures, sound, films, archives or non-text documents.
 bool IsBinaryType(std::string_view contentType) {
     const std::string type = ToLower(TrimAll(contentType.substr(0, contentType.find(';'))));
     return std::any_of(std::begin(kBinaryFamilies), std::end(kBinaryFamilies),

@@ -1,4 +1,4 @@
-// The body of an answer while it arrives, and whether it is a text at all.
+// Collects the body of a response while it arrives, and decides whether it is text.
 #pragma once
 
 #include <cstddef>
@@ -8,17 +8,18 @@
 
 namespace korvane {
 
-/// At most 64 MB are taken in, of the bytes and of their text; never more than twice that is held.
+/// Accepts at most 64 MB, of the bytes and of their text; holds at most twice that.
 class CurlBody {
 public:
-    /// Takes the next piece; false when the rest need not come. `contentType` and `expectedSize` (-1: unknown) are those of the
-    /// answer.
+    /// Adds the next piece; returns false when the rest is not needed. `contentType` and `expectedSize` (-1: unknown) are those
+    /// of the response.
     bool Take(std::string_view piece, std::string_view contentType, std::int64_t expectedSize);
 
-    /// Whether Take has refused a piece; TakeText tells why.
+    /// Returns whether Take has refused a piece; TakeText gives the reason.
     bool Refused() const { return verdict_ != Verdict::Text; }
 
-    /// All of it in UTF-8; nothing is kept. Throws TypeMismatchError when it is no text, and Error when it is too large.
+    /// Returns all of it in UTF-8 and keeps nothing. Throws TypeMismatchError when it is not text, and Error when it is too
+    /// large.
     std::string TakeText();
 
 private:

@@ -26,14 +26,14 @@ using std::chrono::milliseconds;
 constexpr const char* kWebSchemes = "http,https";
 constexpr long kRedirects = 20;  // as browsers do
 
-// libcurl must be set up once in a process and knows no second owner; so this is the one static here. It waits for the first
-// transfer: a program without web checks should not carry libcurl's TLS library in its memory.
+// libcurl must be set up once per process and cannot have a second owner, so this is the only static here. The set-up waits for
+// the first transfer: a program without web checks should not hold libcurl's TLS library in memory.
 void NeedCurl() {
     static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
     if (ready != CURLE_OK) throw Error(curl_easy_strerror(ready));
 }
 
-// libcurl's own sockets would be inherited by the commands that the program starts, which would keep the connection open.
+// Commands that the program starts would inherit libcurl's own sockets, which would keep the connection open.
 curl_socket_t OpenSocket(void* /*unused*/, curlsocktype /*purpose*/, curl_sockaddr* address) {
     return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
@@ -42,7 +42,7 @@ struct EasyCleanup {
     void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
 };
 
-// One request as libcurl wants it, and what came back.
+// One request in libcurl's terms, and its response.
 class Exchange {
 public:
     Exchange(const Inet::Request& request, const CurlInet::Options& options, const std::string& trustFolder)
@@ -76,7 +76,7 @@ private:
         const bool named = request.AccessType == InetAccess::NamedProxy;
         Set(CURLOPT_URL, EncodeUrl(request.URL).c_str());
         Set(CURLOPT_PROXY, named ? request.Proxy.c_str() : "");
-        Set(CURLOPT_NOPROXY, "");  // else the environment would have a say
+        Set(CURLOPT_NOPROXY, "");  // otherwise the environment would decide
         if (request.RemotePort > 0) Set(CURLOPT_PORT, static_cast<long>(request.RemotePort));
         if (request.UserName.empty()) return;
         Set(CURLOPT_HTTPAUTH, CURLAUTH_BASIC);
@@ -96,19 +96,19 @@ private:
         Set(CURLOPT_MAXREDIRS, kRedirects);
         Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
         Set(CURLOPT_NOSIGNAL, 1L);
-        Set(CURLOPT_QUICK_EXIT, 1L);  // a name server that never answers does not hold up the end of the transfer
+        Set(CURLOPT_QUICK_EXIT, 1L);  // a name server that never answers does not delay the end of the transfer
     }
 
-    // Nothing of one check may help or spoil the next.
+    // A check must neither benefit nor suffer from an earlier one.
     void SetPrivacy() {
         Set(CURLOPT_FRESH_CONNECT, 1L);
         Set(CURLOPT_FORBID_REUSE, 1L);
         Set(CURLOPT_DNS_CACHE_TIMEOUT, 0L);
         Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
-        Set(CURLOPT_COOKIEFILE, "");  // cookies in memory: sites that set one and redirect would redirect for ever
+        Set(CURLOPT_COOKIEFILE, "");  // cookies in memory: sites that set a cookie and redirect would otherwise redirect for ever
     }
 
-    // libcurl's own choice is left alone only where the system has no folder.
+    // libcurl's own default applies only where the system has no folder.
     void SetTrust(const std::string& bundle, const std::string& folder) {
         Set(CURLOPT_SSL_VERIFYPEER, 1L);
         Set(CURLOPT_SSL_VERIFYHOST, 2L);
@@ -124,7 +124,7 @@ private:
         Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
     }
 
-    // No exception may pass through libcurl; anything but `count` ends the transfer.
+    // Exceptions must not pass through libcurl; any return value but `count` ends the transfer.
     static std::size_t OnBody(const char* bytes, std::size_t /*one*/, std::size_t count, void* self) noexcept {
         Exchange& exchange = *static_cast<Exchange*>(self);
         const char* type = nullptr;
@@ -143,7 +143,7 @@ private:
     CurlBody body_;
 };
 
-// Lets the slot know its transfer for as long as it is on the stack.
+// Registers the transfer with its slot for as long as it is on the stack.
 class Executing {
 public:
     Executing(CurlPump*& slot, CurlPump& pump) : slot_(slot) { slot_ = &pump; }

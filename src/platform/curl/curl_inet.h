@@ -9,16 +9,15 @@
 
 namespace korvane {
 
-/// Everything libcurl allocates for a transfer lives as long as the transfer. Only http and https are spoken, also after a
-/// redirect; there may be 20 of them, and credentials do not follow to another host or port. Cookies live for one transfer. A
-/// body that holds a NUL byte or says that it is a picture, sound, film or archive is binary; one of more than 64 MB is an
-/// error.
+/// Everything that libcurl allocates for a transfer lives as long as the transfer. Only http and https are allowed, also after a
+/// redirect; up to 20 redirects are followed, and credentials are not sent on to another host or port. Cookies live for one
+/// transfer. A body is binary if it contains a NUL byte or is declared as a picture, sound, film or archive; a body of more than
+/// 64 MB is an error.
 class CurlInet : public Inet {
 public:
     struct Options {
-        std::string caBundle =
-            {};  ///< file of the certificate authorities to trust instead of the system's; blank for the system's
-        std::string userAgent = {};  ///< not sent when blank
+        std::string caBundle = {};   ///< file of certificate authorities to trust instead of the system's; empty: the system's
+        std::string userAgent = {};  ///< not sent when empty
     };
 
     /// `events` and `clock` must outlive this.
@@ -26,8 +25,7 @@ public:
 
     bool StillExecuting() const override { return transfer_ != nullptr; }
 
-    /// Throws Error("Still executing last request") when called from an event of its own wait. The words of failures are
-    /// libcurl's.
+    /// Throws Error("Still executing last request") when called from an event of its own wait. Failures have libcurl's texts.
     std::string OpenURL(const Request& request) override;
     void Cancel() override;
 

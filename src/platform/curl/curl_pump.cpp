@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kNoTimer = 1min;  // just a look whether all is well
+constexpr milliseconds kNoTimer = 1min;  // longest wait while libcurl has set no timer
 
 }  // namespace
 
@@ -48,9 +48,9 @@ private:
     const Clock& clock_;
     CURL* const easy_;
     std::unique_ptr<CURLM, MultiCleanup> multi_;
-    int epoll_ = -1;  ///< holds libcurl's sockets, so that the pump has one descriptor to watch
+    int epoll_ = -1;  ///< contains libcurl's sockets, so that the pump has one descriptor to watch
     std::unique_ptr<Events::Watch> watch_;
-    std::optional<std::chrono::milliseconds> timer_;  ///< by the clock's tick count
+    std::optional<std::chrono::milliseconds> timer_;  ///< in terms of the clock's tick count
     std::optional<CURLcode> result_;
     bool stopped_ = false;
 };

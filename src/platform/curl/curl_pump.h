@@ -1,5 +1,5 @@
-// Runs one libcurl transfer from the event pump: libcurl says which sockets and which moment it waits for, the pump tells it when
-// they come.
+// Runs one libcurl transfer from the event pump: libcurl says which sockets and which moment it waits for, and the pump notifies
+// it when they come.
 #pragma once
 
 #include <memory>
@@ -12,16 +12,17 @@ namespace korvane {
 
 class CurlPump {
 public:
-    /// `easy` is a CURL handle that is ready to perform; it outlives this. Throws Error when the system gives no descriptors.
+    /// `easy` is a CURL handle that is ready to perform; it must outlive this. Throws Error when the system has no descriptors
+    /// left.
     CurlPump(Events& events, const Clock& clock, void* easy);
     ~CurlPump();
     CurlPump(const CurlPump&) = delete;
     CurlPump& operator=(const CurlPump&) = delete;
 
-    /// Blocks while events are delivered. The CURLcode of the end, or nothing when Stop ended it.
+    /// Blocks while events are delivered. Returns the final CURLcode, or nothing when Stop ended the transfer.
     std::optional<int> Perform();
 
-    /// Drops the connection at once; from any event that Perform delivers.
+    /// Drops the connection at once. May be called from any event that Perform delivers.
     void Stop();
 
 private:

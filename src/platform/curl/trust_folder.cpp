@@ -22,7 +22,7 @@ std::string SystemTrustFolder() {
     if (folder == nullptr) return {};
     std::error_code unreadable;
     const std::filesystem::directory_iterator files(folder, unreadable);
-    // A few hashed names are somebody's own additions, and the rest of the authorities is in the bundle alone.
+    // A folder with only a few hashed names holds local additions; the other authorities are then in the bundle alone.
     constexpr auto kWholeSet = 50;
     const auto hashed =
         std::count_if(begin(files), end(files), [](const auto& file) { return IsHashName(file.path().filename().native()); });

@@ -1,4 +1,4 @@
-// What an operator typed as a web address, made fit to be sent.
+// Prepares a typed web address for sending.
 #pragma once
 
 #include <string>
@@ -6,9 +6,9 @@
 
 namespace korvane {
 
-/// Without blanks and line ends around it; blanks, quotes, angle brackets and bytes beyond ASCII after the host are
-/// percent-encoded as a browser does (RFC 3986, section 2.1), and what is encoded already stays. The host is left as it is: a
-/// mistake in it is an error of the transfer.
+/// Removes spaces and line ends around the address and percent-encodes spaces, quotes, angle brackets and non-ASCII bytes after
+/// the host, as a browser does (RFC 3986, section 2.1); existing encodings stay. The host stays unchanged: a mistake in it is an
+/// error of the transfer.
 std::string EncodeUrl(std::string_view typed);
 
 }  // namespace korvane

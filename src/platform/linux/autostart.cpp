@@ -10,14 +10,15 @@ namespace {
 
 constexpr std::string_view kMark = "X-Korvane-Home=";
 
-// The form of a value: a backslash begins an escape, and a blank at the beginning needs one.
+// Encodes a value: a backslash begins an escape, and a leading space needs one.
 std::string Value(const std::string& text) {
     std::string value = ReplaceAll(text, "\\", "\\\\");
     if (value.starts_with(' ')) value.replace(0, 1, "\\s");
     return value;
 }
 
-// One argument of a command line: quoted, with the signs of the shell escaped, and "%" doubled, which would begin a field code.
+// Encodes one argument of a command line: quoted, with shell characters escaped, and "%" doubled, since it would begin a field
+// code.
 std::string Argument(const std::string& text) {
     std::string quoted = "\"";
     for (const char c : text) {
@@ -32,7 +33,7 @@ std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
-// A program beside its settings finds them by itself.
+// A program in the same folder as its settings finds them by itself.
 std::string CommandLine(const AutostartEntry& entry) {
     if (FolderOf(entry.program) == entry.home) return Argument(entry.program);
     return "env " + Argument("KORVANE_HOME=" + entry.home) + " " + Argument(entry.program);
@@ -73,7 +74,7 @@ DesktopAutostart::DesktopAutostart(Files& files, const Environment& environment)
     folder_ = (settings.empty() ? environment("HOME") + "/.config" : settings) + "/autostart";
 }
 
-// The name is the operator's and may hold anything; a file's name is one name.
+// The name is the operator's and may contain anything; it must become a single valid file name.
 std::string DesktopAutostart::FileName(const std::string& name) const {
     return folder_ + "/" + ReplaceAll(name, "/", "_") + ".desktop";
 }

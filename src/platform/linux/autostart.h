@@ -1,5 +1,5 @@
-// The desktop's autostart folder: a desktop entry for each program that it starts with the session, as "Desktop Application
-// Autostart" 0.5 and "Desktop Entry" 1.5 of freedesktop.org have them.
+// The desktop's autostart folder: one desktop entry for each program that starts with the session, according to "Desktop
+// Application Autostart" 0.5 and "Desktop Entry" 1.5 of freedesktop.org.
 #pragma once
 
 #include <string>
@@ -10,7 +10,8 @@
 
 namespace korvane {
 
-/// The text of the entry. The name of a program that holds "=" or a control character has no form there: throws Error.
+/// Returns the text of the entry. Throws Error when the name of the program contains "=" or a control character, which an entry
+/// cannot express.
 std::string DesktopEntryText(const AutostartEntry& entry);
 
 class DesktopAutostart : public Autostart {

@@ -18,7 +18,7 @@ using Names = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> kKinds[] = {
     {"htm", kPageKind}, {"html", kPageKind}, {"txt", "text/plain"}, {"log", "text/plain"}};
 
-// The person's own folder, then those of the system.
+// Returns the user's own folder, then those of the system.
 Names Folders(const std::string& own, const std::string& system) {
     Names folders = Split(system, ':');
     folders.insert(folders.begin(), own);
@@ -42,7 +42,7 @@ Names ListFolders(const Environment& environment) {
     return folders;
 }
 
-// The entries of the kind in one section of a list, in their order.
+// Returns the entries of the kind in one section of a list, in their order.
 Names EntriesIn(const std::string& file, std::string_view section, std::string_view kind) {
     std::ifstream list(file);
     bool inSection = false;

@@ -1,5 +1,5 @@
-// What the person at the desk has chosen to open a kind of file with: the desktop's own lists, as "Association between MIME types
-// and applications" 1.0.1 of freedesktop.org has them.
+// Finds the program that the user has chosen for a kind of file, in the desktop's own lists according to "Association between
+// MIME types and applications" 1.0.1 of freedesktop.org.
 #pragma once
 
 #include <functional>
@@ -8,17 +8,17 @@
 
 namespace korvane {
 
-/// The value of a variable of the environment, blank when there is none.
+/// Returns the value of an environment variable, empty when it is not set.
 using Environment = std::function<std::string(const std::string& name)>;
 std::string EnvironmentVariable(const std::string& name);
 
 constexpr std::string_view kPageKind = "text/html";
 
-/// The MIME type of files with this extension (any case, no dot); blank for extensions that this program does not open.
+/// Returns the MIME type of files with this extension (any case, no dot), empty for extensions that this program does not open.
 std::string KindOfFile(std::string_view extension);
 
-/// The desktop entry ("firefox.desktop") that opens files of this MIME type: the first one named that is installed. Blank when
-/// there is none.
+/// Returns the desktop entry ("firefox.desktop") that opens files of this MIME type: the first listed one that is installed.
+/// Empty when there is none.
 std::string DefaultDesktopEntry(std::string_view kind, const Environment& environment);
 
 }  // namespace korvane

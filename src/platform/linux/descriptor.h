@@ -1,4 +1,4 @@
-// A file descriptor with one owner, who closes it.
+// A file descriptor with one owner, which closes it.
 #pragma once
 
 #include <unistd.h>

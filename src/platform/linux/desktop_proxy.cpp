@@ -8,7 +8,7 @@ namespace {
 constexpr const char* kVariables[] = {"http_proxy", "HTTP_PROXY"};
 constexpr const char* kPortOfHttp = ":80";
 
-// "//" authority "/" ..., where the authority may have a user in front of an "@" (RFC 3986, section 3.2).
+// The form is "//" authority "/" ..., and the authority may have a user before an "@" (RFC 3986, section 3.2).
 std::string AuthorityOf(const std::string& address) {
     const std::size_t scheme = address.find("://");
     std::string authority = scheme == std::string::npos ? address : address.substr(scheme + 3);

@@ -1,4 +1,4 @@
-// The web proxy that this session goes through, as its environment names it.
+// The web proxy of this session, as its environment defines it.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace korvane {
 
-/// "host:port" from the variable http_proxy, or else HTTP_PROXY; blank when neither says anything. What else stands there
-/// (scheme, user and password, path) is left out; without a port it is that of HTTP.
+/// Returns "host:port" from the variable http_proxy, else from HTTP_PROXY; empty when neither names a proxy. Other parts of the
+/// value (scheme, user and password, path) are left out; the default port is that of HTTP.
 std::string DesktopProxyServer(const Environment& environment);
 
 }  // namespace korvane

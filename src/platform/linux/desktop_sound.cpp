@@ -14,7 +14,7 @@ constexpr const char* kPlayers[] = {"pw-play", "paplay", "aplay"};
 void DesktopSound::PlaySound(const std::string& path) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) return;
-    // A path from the root, so that no player takes a name for one of its options.
+    // An absolute path, so that no player takes a file name for one of its options.
     const std::filesystem::path file = std::filesystem::absolute(path, error);
     if (error) return;
     for (const char* player : kPlayers) {

@@ -1,4 +1,4 @@
-// The loudspeaker of the desktop, through the player that comes with it: that of PipeWire, of PulseAudio, or of ALSA.
+// Plays sounds on the desktop through an installed player: that of PipeWire, of PulseAudio, or of ALSA.
 #pragma once
 
 #include <string>
@@ -13,8 +13,8 @@ public:
     /// `processes` must outlive this.
     explicit DesktopSound(LinuxProcesses& processes) : processes_(processes) {}
 
-    /// Starts the first of the players that is installed (the folders of PATH), which goes on by itself, and returns. Nothing is
-    /// started for a blank path or one that names no file; what the player makes of the file is not known.
+    /// Starts the first player that is installed (in the folders of PATH) and returns without waiting for it. Does nothing if the
+    /// path is empty or is not a file; whether the player can play the file is not known.
     void PlaySound(const std::string& path) override;
 
 private:

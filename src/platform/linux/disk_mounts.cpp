@@ -17,11 +17,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Block devices that are no disks of this machine: floppies, optical drives, files, memory, and what a network brings.
+/// Block devices that are not disks of this machine: floppies, optical drives, files, memory and network devices.
 constexpr std::string_view kNoFixedDisk[] = {"fd", "sr", "loop", "ram", "zram", "nbd", "rbd"};
 constexpr std::string_view kPictures[] = {"squashfs", "iso9660", "udf", "erofs", "cramfs", "romfs"};
 
-/// Encryption on volumes on arrays on partitions is as deep as it gets.
+/// Deepest stack: encryption on volumes on arrays on partitions.
 constexpr int kMostLayers = 8;
 
 struct Mount {
@@ -32,7 +32,7 @@ struct Mount {
     std::string source;
 };
 
-// Blanks and their like are written as a backslash and three octal digits.
+// Spaces and similar characters are written as a backslash and three octal digits.
 std::string Unescaped(std::string_view text) {
     std::string plain;
     while (!text.empty()) {
@@ -45,7 +45,7 @@ std::string Unescaped(std::string_view text) {
     return plain;
 }
 
-// "36 35 98:0 /root /path opts optional... - type source superopts"
+// The form of a line is "36 35 98:0 /root /path opts optional... - type source superopts".
 std::optional<Mount> MountOf(const std::string& line) {
     std::istringstream text(line);
     const std::vector<std::string> words{std::istream_iterator<std::string>(text), {}};
@@ -58,7 +58,7 @@ std::optional<Mount> MountOf(const std::string& line) {
     return mount;
 }
 
-// The folder of a device in the tree of all devices, where a partition lies in its disk; blank when there is none.
+// Returns the folder of a device in the device tree, where a partition is inside its disk; empty when there is none.
 fs::path TargetFolder(const fs::path& link) {
     std::error_code error;
     const fs::path folder = fs::canonical(link, error);
@@ -83,13 +83,13 @@ bool IsFixed(const fs::path& folder, int layers = 0) {
     return true;
 }
 
-// btrfs has no device of its own in the table, only the name of one that it is on.
+// btrfs has no device of its own in the table, only the name of one of the devices that it uses.
 fs::path DeviceOf(const Mount& mount, const SystemFolders& folders) {
     if (mount.major != 0) {
         return TargetFolder(folders.sys + "/dev/block/" + std::to_string(mount.major) + ":" + std::to_string(mount.minor));
     }
     if (!mount.source.starts_with("/dev/")) return {};
-    const std::string name = mount.source.substr(5, mount.source.find(':', 5) - 5);  // bcachefs names several
+    const std::string name = mount.source.substr(5, mount.source.find(':', 5) - 5);  // bcachefs lists several
     std::error_code error;
     const fs::path node = fs::canonical(folders.dev + "/" + name, error);
     return TargetFolder(folders.sys + "/class/block/" + (error ? name : node.filename().string()));

@@ -1,5 +1,4 @@
-// Which of the mounted file systems are on fixed disks of this machine, from the kernel's table of mounts and its tree of
-// devices.
+// Finds the mounted file systems on fixed disks of this machine, in the kernel's mount table and device tree.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +10,17 @@
 
 namespace korvane {
 
-/// One device with all the places where it, or a part of it, is mounted.
+/// A device with all the places where it, or a part of it, is mounted.
 struct MountedDisk {
     std::string device;  ///< "8:1"
-    /// What stat(2) has as the device of its files, 0 where each part has one of its own (btrfs).
+    /// The device of its files according to stat(2), 0 where each part has its own (btrfs).
     std::uint64_t statDevice = 0;
     std::vector<std::string> paths;
     bool operator==(const MountedDisk&) const = default;
 };
 
-/// The text of /proc/self/mountinfo (proc(5)) without what is removable, comes over a network, lives in memory or in a file, or
-/// is served by a program (fuse). Lines that make no sense are passed over.
+/// Reads the text of /proc/self/mountinfo (proc(5)) and leaves out everything removable, on a network, in memory, in a file, or
+/// served by a program (fuse). Malformed lines are ignored.
 std::vector<MountedDisk> FixedDisksOf(std::string_view mountinfo, const SystemFolders& folders);
 
 }  // namespace korvane

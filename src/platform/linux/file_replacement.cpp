@@ -28,17 +28,17 @@ std::string NameOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
 }
 
-// A file that is removed again unless it was moved to its place.
+// A temporary file, removed again unless it was moved to its destination.
 class Sibling {
 public:
-    // Always the same name: what a program that was killed left behind is taken over by the next write, and passwords do not pile
-    // up.
+    // The name is always the same: the next write reuses what a killed program left over, so that copies with passwords do not
+    // pile up.
     explicit Sibling(const std::string& path) : path_(FolderOfFile(path) + "." + NameOf(path) + ".new") {
         ::unlink(path_.c_str());
         file_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     }
     ~Sibling() {
-        const int error = errno;  // for whoever is about to report it
+        const int error = errno;  // for the caller that reports it
         if (file_ && !placed_) ::unlink(path_.c_str());
         errno = error;
     }
@@ -62,12 +62,12 @@ private:
     bool placed_ = false;
 };
 
-// Only for errors that have to do with the folder or with taking the place, never for a full or broken disk.
+// True only for errors of the folder or of the replacement itself, never for a full or broken disk.
 bool MayBeWrittenInPlace(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
-// Whether a file is there. Throws Error when it is one that must not be replaced.
+// Returns whether the file exists. Throws Error when it must not be replaced.
 bool StatExisting(const std::string& path, struct stat& existing, bool replaceLink) {
     if ((replaceLink ? ::lstat : ::stat)(path.c_str(), &existing) != 0) {
         if (errno == ENOENT) return false;
@@ -81,7 +81,7 @@ bool StatExisting(const std::string& path, struct stat& existing, bool replaceLi
 
 }  // namespace
 
-// Without it a power cut could bring the old file back. Some file systems cannot do it, and then need not.
+// Without this a power cut could bring the old file back. Some file systems cannot do it and do not need it.
 void FlushFolderOf(const std::string& path) {
     const Descriptor folder(::open(FolderOfFile(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder) ::fsync(folder.Number());

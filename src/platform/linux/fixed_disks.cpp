@@ -15,7 +15,7 @@
 namespace korvane {
 namespace {
 
-/// Signals belong to the thread of the program.
+/// Keeps signals for the main thread.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -82,7 +82,7 @@ DiskSpace FixedDisks::Sum(std::chrono::milliseconds limit) {
             }).detach();
             answer.asked = true;
             asked.push_back(disk.device);
-        } catch (const std::system_error&) {  // no thread to be had: the last answer stands
+        } catch (const std::system_error&) {  // no thread available: the last answer stays
         }
     }
     answers_->came.wait_for(lock, limit, [&] {

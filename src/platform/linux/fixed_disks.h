@@ -1,5 +1,5 @@
-// The space of this machine's fixed disks. Each disk is asked by a thread of its own, since one that has died keeps whoever asks
-// it inside the kernel for as long as it likes.
+// The disk space of this machine's fixed disks. Each disk is queried by a thread of its own, since a broken disk may keep the
+// caller inside the kernel for any length of time.
 #pragma once
 
 #include <chrono>
@@ -15,8 +15,8 @@
 
 namespace korvane {
 
-/// The space of the disk, where it is mounted and in sight. May block for ever; called from other threads, also after the object
-/// that it was given to has gone.
+/// Returns the space of the disk at a place where it is mounted and visible. May block for ever; called from other threads, also
+/// after the object that it was given to is destroyed.
 using AskDisk = std::function<std::optional<DiskSpace>(const MountedDisk& disk)>;
 std::optional<DiskSpace> AskKernel(const MountedDisk& disk);
 
@@ -25,8 +25,8 @@ public:
     explicit FixedDisks(SystemFolders folders, AskDisk ask = AskKernel);
     ~FixedDisks();
 
-    /// Waits for `limit` at most, and for no disk that kept it waiting before and has not answered since. A late answer counts
-    /// from the next call on, and until then what the disk said last; a disk is not asked again before it has answered.
+    /// Waits for `limit` at most. A disk that exceeded an earlier limit and has not answered since is neither waited for nor
+    /// queried again; its last answer counts until the new one arrives, which the next call then uses.
     DiskSpace Sum(std::chrono::milliseconds limit = std::chrono::milliseconds(100));
 
 private:

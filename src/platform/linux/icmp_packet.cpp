@@ -25,7 +25,7 @@ void Put16(std::string& bytes, std::size_t at, unsigned number) {
     bytes[at + 1] = static_cast<char>(number & 0xFF);
 }
 
-// The one's complement sum of RFC 1071; 0 over a message whose checksum is right.
+// The one's complement sum of RFC 1071; 0 over a message with a valid checksum.
 unsigned Checksum(std::string_view bytes) {
     std::uint32_t sum = 0;
     for (std::size_t at = 0; at < bytes.size(); ++at)

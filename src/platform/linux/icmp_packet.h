@@ -1,5 +1,4 @@
-// The few ICMP messages that an echo meets (RFC 792): the request, its reply, and errors about it. What arrives was written by
-// strangers.
+// The ICMP messages that concern an echo (RFC 792): the request, its reply, and errors about it. Received packets are untrusted.
 #pragma once
 
 #include <cstdint>
@@ -9,17 +8,17 @@
 
 namespace korvane {
 
-/// An echo request with its checksum, from the ICMP header on.
+/// Returns an echo request with its checksum, starting with the ICMP header.
 std::string EchoRequest(std::uint16_t identifier, std::uint16_t sequence, std::string_view data);
 
-/// The ICMP message in an IPv4 packet; blank when it is none.
+/// Returns the ICMP message in an IPv4 packet, empty when there is none.
 std::string_view IcmpMessageOf(std::string_view packet);
 
-/// What a received ICMP message says about `request`: 0 when it is the very echo, type * 256 + code when it is an error about it.
-/// Nothing when it is damaged, another machine's request or about somebody else's.
+/// Returns what a received ICMP message says about `request`: 0 for its echo, type * 256 + code for an error about it. Returns
+/// nothing when the message is damaged, is another machine's request, or is about another request.
 std::optional<int> EchoStatus(std::string_view message, std::string_view request);
 
-/// Whether two ICMP messages bear the same identifier and sequence number.
+/// Returns whether two ICMP messages have the same identifier and sequence number.
 bool SameEcho(std::string_view message, std::string_view request);
 
 }  // namespace korvane

@@ -11,7 +11,7 @@ timespec ReadClock(clockid_t which) {
     return now;
 }
 
-// localtime_r alone would keep the zone of its first call; tzset costs it one stat of the zone file.
+// localtime_r alone would keep the time zone of its first call; tzset costs one stat of the zone file.
 tm LocalTime(time_t moment) {
     tm local{};
     tzset();

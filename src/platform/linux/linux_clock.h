@@ -1,4 +1,4 @@
-// The time as the kernel and the zone files of this place have it.
+// The time according to the kernel and the local zone files.
 #pragma once
 
 #include <chrono>
@@ -14,8 +14,8 @@ public:
     DateTime UtcNow() const override;
     double Timer() const override;
 
-    /// Stands still while the machine is suspended, as the waits of the event pump do: a check that a suspend cut in two did not
-    /// take hours.
+    /// Does not advance while the machine is suspended, like the waits of the event pump: a check that was interrupted by a
+    /// suspend did not take hours.
     std::chrono::milliseconds GetTickCount() const override;
 };
 

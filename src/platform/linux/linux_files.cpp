@@ -19,7 +19,7 @@ namespace korvane {
 namespace {
 
 constexpr std::size_t kPiece = 65536;
-/// Locked by the process that holds the folder.
+/// This file is locked by the process that holds the folder.
 constexpr const char* kHoldFile = "korvane.lock";
 
 bool NoSuchFile(int error) {
@@ -30,9 +30,9 @@ std::int64_t Nanoseconds(const timespec& moment) {
     return std::int64_t{moment.tv_sec} * 1'000'000'000 + moment.tv_nsec;
 }
 
-// A descriptor without a file when there is none. Throws Error when it cannot be opened or is no file.
+// Returns an empty descriptor when there is no file. Throws Error when the path cannot be opened or is not a file.
 Descriptor OpenToRead(const std::string& path) {
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a pipe without a writer would hold us up
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a pipe without a writer would block
     if (!file) {
         if (NoSuchFile(errno)) return file;
         ThrowFileError("read", path);
@@ -43,7 +43,7 @@ Descriptor OpenToRead(const std::string& path) {
     return file;
 }
 
-// Calls `take` with each piece of the file up to its end.
+// Calls `take` with each piece of the file until its end.
 template <class Take>
 void ReadPieces(const Descriptor& file, const std::string& path, Take take) {
     std::array<char, kPiece> piece;
@@ -58,7 +58,7 @@ void ReadPieces(const Descriptor& file, const std::string& path, Take take) {
     }
 }
 
-// With the folders above it, which anybody may look into. A folder that is there stays as it is.
+// Creates the folder and its missing parents, which everyone may look into. An existing folder stays unchanged.
 void MakeFolder(const std::filesystem::path& path, mode_t mode) {
     std::error_code error;
     if (path.empty() || std::filesystem::is_directory(path, error)) return;
@@ -124,7 +124,7 @@ void LinuxFiles::Append(const std::string& path, std::string_view text) {
         written = ::write(file.Number(), text.data(), text.size());
     } while (written < 0 && errno == EINTR);
     if (written == static_cast<ssize_t>(text.size())) return;
-    if (written >= 0) {  // the disk was full in the middle of the text: no half of it stays
+    if (written >= 0) {  // the disk became full in the middle of the text: remove the incomplete part
         errno = ::ftruncate(file.Number(), before.st_size) == 0 ? ENOSPC : errno;
     }
     ThrowFileError("write", path);
@@ -152,7 +152,7 @@ void LinuxFiles::Publish(const std::string& path, std::string_view text) {
 void LinuxFiles::PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) {
     const auto writePieces = [&](const Descriptor& file) { write([&](std::string_view piece) { WriteAll(file, piece, path); }); };
     if (ReplaceBySibling(path, writePieces, {.flush = false, .newMode = 0644, .replaceLink = true})) return;
-    std::string text;  // in place the length has to be known first
+    std::string text;  // writing in place needs the length in advance
     write([&](std::string_view piece) { text += piece; });
     ReplaceInPlace(path, text);
 }
@@ -196,14 +196,14 @@ std::string LinuxFiles::RealPath(const std::string& path) {
     return real.string();
 }
 
-// A lock on the folder itself could be taken by everybody who can look into it.
+// Everyone who can look into the folder could lock the folder itself.
 bool LinuxFiles::HoldFolder(const std::string& path) {
     const std::string name = path + "/" + kHoldFile;
     Descriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
     struct stat status {
     }, folder{};
     if (!file || ::fstat(file.Number(), &status) != 0 || ::stat(path.c_str(), &folder) != 0) ThrowFileError("hold", path);
-    // A start by root must not keep the owner out.
+    // A start by root must not lock out the owner.
     const bool isOwners = status.st_uid == folder.st_uid;
     [[maybe_unused]] const bool given = isOwners || ::fchown(file.Number(), folder.st_uid, folder.st_gid) == 0;
     const auto held = [&](const Hold& hold) { return hold.device == status.st_dev && hold.inode == status.st_ino; };

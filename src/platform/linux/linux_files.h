@@ -1,4 +1,4 @@
-// Files on the disk. What is written is on the disk, not just on its way there, when Replace or Copy return.
+// Files on the disk. When Replace or Copy returns, the data is on the disk, not just on its way there.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,15 @@
 
 namespace korvane {
 
-/// From now on nothing that this process or a program that it starts makes can be written by others, whatever the process
-/// inherited.
+/// From now on, others cannot write to anything created by this process or by a program that it starts, whatever umask the
+/// process inherited.
 void KeepOthersFromWriting();
 
-/// Append and Overwrite leave it to the system when the bytes get to the disk: they survive the end of the program, not always
-/// that of the machine.
+/// Append and Overwrite leave it to the system when the bytes reach the disk: they survive the end of the program, but not always
+/// a crash of the machine.
 ///
-/// Replace and Copy need a folder that can be written for their one step. Where it cannot, or the owner of the file could not be
-/// kept, they write over the file in place, after its room on the disk was reserved.
+/// Replace and Copy need a writable folder for their single step. If the folder is not writable, or the owner of the file could
+/// not be kept, they reserve disk space and then overwrite the file in place.
 class LinuxFiles : public Files {
 public:
     std::optional<FileIdentity> Identity(const std::string& path) override;
@@ -38,8 +38,8 @@ public:
     void CreatePrivateFolder(const std::string& path) override;
     std::string RealPath(const std::string& path) override;
 
-    /// The hold ends with this object or the process. Throws Error when the folder cannot be written or its file system knows no
-    /// locks.
+    /// The hold ends with this object or the process. Throws Error when the folder is not writable or its file system does not
+    /// support locks.
     bool HoldFolder(const std::string& path) override;
 
 private:

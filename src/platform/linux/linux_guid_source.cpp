@@ -8,7 +8,7 @@
 namespace korvane {
 namespace {
 
-// RFC 9562, section 5.4: the version stands in the upper four bits of data3, the variant in the upper two of data4.
+// RFC 9562, section 5.4: the version is in the upper four bits of data3, the variant in the upper two of data4.
 constexpr unsigned kVersion4 = 0x4000;
 constexpr unsigned kVariant = 0x80;
 
@@ -16,7 +16,7 @@ constexpr unsigned kVariant = 0x80;
 
 std::optional<Guid> LinuxGuidSource::CoCreateGuid() {
     std::array<std::uint8_t, 16> bytes{};
-    // So few bytes come all at once or not at all.
+    // So few bytes are returned all at once or not at all.
     if (::getrandom(bytes.data(), bytes.size(), GRND_NONBLOCK) != static_cast<ssize_t>(bytes.size())) return std::nullopt;
     Guid guid;
     guid.data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];

@@ -24,8 +24,7 @@ using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 
-// Room for an IP header with options, and for the errors that routers send, which quote at most 576 bytes (RFC 1812, section
-// 4.3.2.3).
+// Space for an IP header with options, and for router errors, which quote at most 576 bytes (RFC 1812, section 4.3.2.3).
 constexpr std::size_t kHeaders = 128;
 constexpr std::size_t kLargestError = 1024;
 
@@ -44,14 +43,14 @@ Descriptor OpenIcmp(int type) {
     return Descriptor(::socket(AF_INET, type | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_ICMP));
 }
 
-// A raw socket is given every ICMP packet of the machine; the kernel keeps back all but those that can answer an echo.
+// A raw socket receives every ICMP packet of the machine; this filter lets the kernel drop all but those that can answer an echo.
 void PassAnswersOnly(const Descriptor& socket) {
     const icmp_filter filter{
         ~(1U << ICMP_ECHOREPLY | 1U << ICMP_DEST_UNREACH | 1U << ICMP_TIME_EXCEEDED | 1U << ICMP_PARAMETERPROB)};
     ::setsockopt(socket.Number(), SOL_RAW, ICMP_FILTER, &filter, sizeof filter);
 }
 
-// The kernel fills in the identifier of a datagram socket: its port.
+// For a datagram socket the kernel sets the identifier: the socket's port.
 std::uint16_t IdentifierOf(const Descriptor& socket) {
     sockaddr_in address = SocketAddress(INADDR_ANY);
     socklen_t size = sizeof address;
@@ -76,14 +75,14 @@ std::string WhyNot(int error) {
            ProgramPath() + ", or AmbientCapabilities=CAP_NET_RAW in the unit of its service.";
 }
 
-// An error that came too late for the echo before would fail the next one.
+// A late error about the previous echo would fail the next one.
 void ForgetLateErrors(const Descriptor& socket) {
     int error = 0;
     socklen_t size = sizeof error;
     ::getsockopt(socket.Number(), SOL_SOCKET, SO_ERROR, &error, &size);
 }
 
-// Whether the socket has something before the deadline.
+// Returns whether the socket becomes readable before the deadline.
 bool WaitReadable(const Descriptor& socket, steady_clock::time_point deadline) {
     for (;;) {
         const nanoseconds left = deadline - steady_clock::now();
@@ -121,7 +120,7 @@ bool LinuxIcmpEcho::IcmpCreateFile(std::string& whyNot) {
     raw_ = true;
     if ((socket_ = OpenIcmp(SOCK_RAW))) {
         PassAnswersOnly(socket_);
-        identifier_ = static_cast<std::uint16_t>(::getpid());  // the sequence number tells the echoes of one process apart
+        identifier_ = static_cast<std::uint16_t>(::getpid());  // the sequence number distinguishes the echoes of one process
         return true;
     }
     whyNot = WhyNot(errno);
@@ -153,7 +152,7 @@ bool LinuxIcmpEcho::Send(const Echo& echo, int timeToLive) const {
     }
 }
 
-// One packet, which may well be about something else: then the result is not answered.
+// Reads one packet. It may be about something else; the result is then not answered.
 EchoReply LinuxIcmpEcho::Receive(const Echo& echo) const {
     std::string packet(std::max(kLargestError, kHeaders + echo.request.size()), '\0');
     sockaddr_in from{};
@@ -166,7 +165,7 @@ EchoReply LinuxIcmpEcho::Receive(const Echo& echo) const {
     return status ? EchoReply{true, *status, milliseconds(0), from.sin_addr.s_addr} : EchoReply{};
 }
 
-// The kernel keeps ICMP errors from the readers of a datagram socket, and queues them with the request that they are about.
+// The kernel does not deliver ICMP errors to readers of a datagram socket, but queues them with the request that they concern.
 EchoReply LinuxIcmpEcho::ReceiveError(const Echo& echo) const {
     std::array<char, 64> about{};
     alignas(cmsghdr) std::array<char, 512> control{};

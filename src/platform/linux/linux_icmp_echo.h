@@ -1,4 +1,4 @@
-// ICMP echoes through the kernel: a datagram ICMP socket where the system allows it to every user, else a raw socket.
+// ICMP echoes through the kernel: a datagram ICMP socket where the system allows it to all users, else a raw socket.
 #pragma once
 
 #include <chrono>
@@ -17,7 +17,7 @@ public:
     std::optional<Ipv4Address> InetAddr(std::string_view text) const override;
     bool IcmpCreateFile(std::string& whyNot) override;
 
-    /// Not answered, and without a wait, when no handle is open.
+    /// Returns "not answered" at once when no handle is open.
     EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, std::chrono::milliseconds wait) override;
     void IcmpCloseHandle() override;
 

@@ -1,10 +1,10 @@
-// How the program's allocator treats large blocks.
+// Controls how the allocator handles large blocks.
 #pragma once
 
 namespace korvane {
 
-/// From now on, blocks of 256 KB and more go back to the system when they are freed. By default the allocator learns from the
-/// first large answer to keep twice its size for ever. Call it at the start of main.
+/// From now on, blocks of 256 KB and more are returned to the system when they are freed. By default, after its first large block
+/// the allocator keeps twice that size for ever. Call it at the start of main.
 void ReturnLargeBlocks();
 
 }  // namespace korvane

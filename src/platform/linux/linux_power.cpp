@@ -12,7 +12,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-/// There as long as systemd is the machine's first process: sd_booted(3).
+/// Exists as long as systemd is the machine's first process: sd_booted(3).
 constexpr const char* kRunsWithSystemd = "/run/systemd/system";
 
 }  // namespace
@@ -37,7 +37,7 @@ Words LinuxPower::CommandFor(PowerAction action) const {
             return managed ? KillSession() : Words{};
         case PowerAction::ShutDown:
             return managed ? Words{"systemctl", "poweroff"} : Words{machine_.shutdownPath, "-h", "-P", "now"};
-        case PowerAction::ForcedShutDown:  // the command knows no harder way than its own
+        case PowerAction::ForcedShutDown:  // the command has no separate forced form
             return managed ? Words{"systemctl", "poweroff", "--force"} : Words{machine_.shutdownPath, "-h", "-P", "now"};
         case PowerAction::Reboot:
             return managed ? Words{"systemctl", "reboot"} : Words{machine_.shutdownPath, "-r", "now"};

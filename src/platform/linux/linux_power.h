@@ -1,4 +1,5 @@
-// Log off, shut down and reboot through systemd and its login manager where they run, else through the system's shutdown command.
+// Logs off, shuts down and reboots through systemd and its login manager if they are running, else with the system's shutdown
+// command.
 #pragma once
 
 #include <sys/types.h>
@@ -13,13 +14,13 @@ namespace korvane {
 
 class LinuxPower : public Power {
 public:
-    /// Starts the program of the first word without waiting for its end. Throws Error with the reason.
+    /// Starts the program named by the first word without waiting for its end. Throws Error with the reason.
     using Start = std::function<void(const std::vector<std::string>& words)>;
 
     struct Machine {
         PowerSystem system = PowerSystem::Unknown;
         std::string shutdownPath = {};  ///< the system's `shutdown`
-        std::string session = {};       ///< of the login manager that this program runs in; blank in none, as a service
+        std::string session = {};       ///< this program's session in the login manager; empty if it has none, as a service
         uid_t user = 0;
     };
 
@@ -28,8 +29,8 @@ public:
     PowerSystem System() const override { return machine_.system; }
     void Request(PowerAction action) override;
 
-    /// What Request starts. Without a session of its own the program logs off all sessions of its user. Blank: nothing on this
-    /// machine can do it.
+    /// Returns the command that Request starts, empty if nothing on this machine can do it. A program without a session logs off
+    /// all sessions of its user.
     std::vector<std::string> CommandFor(PowerAction action) const;
 
 private:
@@ -40,7 +41,7 @@ private:
     Machine machine_;
 };
 
-/// Looks at the disk and the environment.
+/// Reads the disk and the environment.
 LinuxPower::Machine ThisMachine(const std::string& shutdownPath);
 
 }  // namespace korvane

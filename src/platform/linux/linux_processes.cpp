@@ -23,15 +23,15 @@ namespace {
 
 constexpr std::string_view kShellSigns = "|&;<>()$`\\\"'*?[]{}#~=%!\n\r";
 
-/// Each watched process costs a descriptor, and commands that hang for ever must not take those that the checks need.
+/// Each watched process costs a descriptor; commands that hang for ever must not use up those that the checks need.
 constexpr std::size_t kMostWatched = 100;
 
 constexpr std::string_view kPagePlace = "%s";
 
-/// A program that fails within this time has not opened what it was given; one that fails later has shown it for a while.
+/// A program that fails within this time has not opened the file; one that fails later has shown it for a while.
 constexpr std::chrono::seconds kGivesUpWithin{10};
 
-/// For a desktop that has no xdg-open: editors with a window of their own.
+/// For a desktop without xdg-open: editors with their own window.
 constexpr const char* kTextEditors[] = {"gnome-text-editor", "gedit", "kate", "kwrite", "mousepad", "xed", "pluma", "featherpad"};
 
 using Words = std::vector<std::string>;
@@ -50,7 +50,8 @@ void Check(int error) {
     if (error != 0) throw Error(std::strerror(error), error);
 }
 
-/// What the new process has of its own: a session, the default signals, and nothing open but /dev/null three times.
+/// What the new process does not inherit: it gets its own session, the default signals, and no open files but /dev/null three
+/// times.
 class FreshStart {
 public:
     FreshStart() {
@@ -74,7 +75,7 @@ public:
     FreshStart(const FreshStart&) = delete;
     FreshStart& operator=(const FreshStart&) = delete;
 
-    /// The number of the failure, 0 when the program of the first word runs in `pid`.
+    /// Returns the error number, 0 when the program of the first word runs as `pid`.
     int Spawn(Words words, pid_t& pid) const {
         std::vector<char*> arguments;
         for (std::string& word : words)
@@ -88,7 +89,7 @@ private:
     posix_spawn_file_actions_t files_{};
 };
 
-// The commands between the colons of BROWSER; the page stands in place of "%s", or behind a command without it.
+// Returns the commands between the colons of BROWSER; the page replaces "%s" or is appended to a command without it.
 std::vector<Words> BrowserCommands(const std::string& page) {
     std::vector<Words> commands;
     for (const std::string& command : Split(EnvironmentVariable("BROWSER"), ':')) {
@@ -103,13 +104,13 @@ std::vector<Words> BrowserCommands(const std::string& page) {
     return commands;
 }
 
-/// Whether there is nothing left of it.
+/// Returns whether the process is completely gone.
 bool Reap(pid_t pid, int& status) {
     const pid_t ended = ::waitpid(pid, &status, WNOHANG);
     return ended == pid || (ended < 0 && errno == ECHILD);
 }
 
-// No descriptor where the kernel is older than 5.3 or forbids the call.
+// Returns an empty descriptor if the kernel is older than 5.3 or forbids the call.
 Descriptor OpenProcess(pid_t pid) {
     return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0U)));
 }
@@ -162,8 +163,8 @@ bool LinuxProcesses::OpenText(const std::string& path, const NotOpened& notOpene
     return Open(std::move(ways), "", notOpened);
 }
 
-// The next way is tried where one is not there, and where it gives up, as xdg-open does that knows no program. Told is why the
-// first one, which is the desktop's own, did not open it.
+// The next way is tried if a program is not installed or gives up, as xdg-open does when it knows no program. The reported reason
+// is that of the first way, which is the desktop's own.
 bool LinuxProcesses::Open(std::vector<Words> ways, std::string why, const NotOpened& notOpened) {
     while (!ways.empty()) {
         const Words words = std::move(ways.front());
@@ -203,7 +204,7 @@ void LinuxProcesses::Ended(pid_t pid) {
     const auto ended = std::move(watched_[pid].ended);
     watched_.erase(pid);
     if (!unwatched_.empty()) {
-        const pid_t next = unwatched_.back();  // there is a descriptor for one more now
+        const pid_t next = unwatched_.back();  // a descriptor is available for one more now
         unwatched_.pop_back();
         ReapAtItsEnd(next);
     }

@@ -1,5 +1,5 @@
-// Commands of the operator as processes of their own: started with nothing of this program but its folder and environment, and
-// taken out of the system's table when they end, also where no init does that.
+// Runs the operator's commands as separate processes: they get nothing of this program but its folder and environment, and are
+// reaped when they end, also where no init process does it.
 #pragma once
 
 #include <sys/types.h>
@@ -18,22 +18,22 @@ namespace korvane {
 
 class LinuxProcesses : public Processes {
 public:
-    /// `events` must outlive this. A child that ends is reaped from its pump.
+    /// `events` must outlive this. Its pump reaps children that end.
     explicit LinuxProcesses(Events& events) : events_(events) {}
 
-    /// As the port says; `style` has no effect. Blocks for the start alone, a millisecond or so. Throws Error for a blank command
-    /// too.
+    /// As described by the port; `style` has no effect. Blocks only for the start, about a millisecond. Also throws Error for an
+    /// empty command.
     int Shell(const std::string& command, WindowStyle style) override;
 
-    /// As Shell, for a command that is in words already: the first names the program, and none of them is looked at by a shell.
-    /// `ended` hears its status, as waitpid(2) gives it, unless the system is short of descriptors.
+    /// Like Shell, for a command that is already split into words: the first is the program, and no shell interprets any of them.
+    /// `ended` receives the status in the form of waitpid(2), unless the system is short of descriptors.
     int Start(const std::vector<std::string>& words, const std::function<void(int status)>& ended = {});
 
-    /// By the desktop's choice for that kind of file, or for pages by the variable BROWSER.
+    /// Uses the desktop's choice for that kind of file or, for pages, the variable BROWSER.
     std::string DefaultProgram(const std::string& extension) override;
-    /// With xdg-open where it is installed, which asks the desktop; else with the commands of BROWSER, in their order.
+    /// Uses xdg-open, which asks the desktop, if it is installed; else the commands of BROWSER, in their order.
     bool OpenPage(const std::string& path, const NotOpened& notOpened) override;
-    /// With xdg-open where it is installed, else with the first editor that is.
+    /// Uses xdg-open if it is installed, else the first editor that is.
     bool OpenText(const std::string& path, const NotOpened& notOpened) override;
 
 private:
@@ -50,7 +50,7 @@ private:
 
     Events& events_;
     std::unordered_map<pid_t, Child> watched_;
-    std::vector<pid_t> unwatched_;  ///< for want of a descriptor; reaped when something else starts or ends
+    std::vector<pid_t> unwatched_;  ///< without a descriptor; reaped when another process starts or ends
 };
 
 }  // namespace korvane

@@ -16,7 +16,7 @@ namespace {
 
 using SignalPipe = int[2];
 
-// A signal handler gets no argument of ours, so the pipes it writes to have to be reachable from everywhere in this file.
+// A signal handler has no argument of ours, so the pipes that it writes to must be global in this file.
 SignalPipe terminationPipe = {-1, -1};
 SignalPipe pausePipe = {-1, -1};
 
@@ -35,12 +35,12 @@ extern "C" void OnPause(int signal) {
     Write(pausePipe, signal);
 }
 
-// A signal that whoever started the program made it ignore (nohup, a shell's background) stays ignored.
+// A signal that the parent process has set to be ignored (nohup, a shell's background job) stays ignored.
 void SetHandler(std::initializer_list<int> signals, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    sigfillset(&action.sa_mask);  // a second one on top of the first would be noted before it
+    sigfillset(&action.sa_mask);  // a nested second signal would be noted before the first
     for (const int signal : signals) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);

@@ -1,4 +1,4 @@
-// Signals as events of the pump: somebody wants the program to end, or its work to pause and to go on.
+// Delivers signals as events of the pump: a request to end the program, or to pause its work and to resume it.
 #pragma once
 
 #include <functional>
@@ -10,14 +10,14 @@ namespace korvane {
 
 class TerminationSignals {
 public:
-    /// Calls `asked` from the event pump at each SIGTERM, SIGINT and SIGHUP. One object at a time in a process; the signals have
-    /// their default effect again after its end. Throws Error when the system gives no pipe.
+    /// Calls `asked` from the event pump at each SIGTERM, SIGINT and SIGHUP. Only one object may exist at a time in a process;
+    /// its end restores the default effect of the signals. Throws Error when the system cannot create a pipe.
     TerminationSignals(Events& events, std::function<void()> asked);
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-    /// Calls `asked` right now if a signal has come, for work during which the pump delivers nothing.
+    /// Calls `asked` at once if a signal has come; for work during which the pump delivers nothing.
     void Look();
 
 private:
@@ -27,8 +27,8 @@ private:
 
 class PauseSignals {
 public:
-    /// Calls `pause` from the event pump at each SIGUSR1, `goOn` at each SIGUSR2, in the order in which they came. The rest as
-    /// above.
+    /// Calls `pause` from the event pump at each SIGUSR1 and `goOn` at each SIGUSR2, in the order in which they came. Otherwise
+    /// like TerminationSignals.
     PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn);
     ~PauseSignals();
     PauseSignals(const PauseSignals&) = delete;
@@ -38,7 +38,7 @@ private:
     std::unique_ptr<Events::Watch> watch_;
 };
 
-/// Writing to a pipe or socket whose reader is gone becomes an error of the write instead of the end of the program.
+/// From now on, writing to a pipe or socket without a reader is an error of the write instead of the end of the program.
 void IgnoreBrokenPipes();
 
 }  // namespace korvane

@@ -1,4 +1,4 @@
-// What the kernel says of this machine: its name and version, its processors, its memory and its disks.
+// This machine according to the kernel: its name and version, processors, memory and disks.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@ class LinuxSystemInfo : public SystemInfo {
 public:
     explicit LinuxSystemInfo(SystemFolders folders = {});
 
-    /// All blank when the kernel does not say.
+    /// All fields are empty when the kernel does not report them.
     SystemVersion Version() const override;
 
     std::optional<ProcessorTimes> Processors() const override;
@@ -27,7 +27,7 @@ private:
     std::unique_ptr<korvane::FixedDisks> disks_;
 };
 
-/// "6.1.0-13-amd64" as version "6.1" and build "0-13-amd64": the first two numbers, and what stands behind the sign after them.
+/// Splits "6.1.0-13-amd64" into version "6.1" and build "0-13-amd64": the first two numbers, and what follows the next separator.
 SystemVersion VersionOfRelease(std::string_view platform, std::string_view release);
 
 }  // namespace korvane

@@ -1,5 +1,5 @@
-// How a service tells the manager that started it what it is doing: datagrams to the socket that the manager named, as
-// sd_notify(3) has them.
+// Lets a service notify the manager that started it of its state, by datagrams to the manager's socket in the form of
+// sd_notify(3).
 #pragma once
 
 #include <string>
@@ -9,10 +9,11 @@ namespace korvane {
 
 class NotifySocket {
 public:
-    /// A path, or "@" and a name of the abstract kind; blank: nobody listens.
+    /// A path, or "@" and a name in the abstract namespace; empty: there is no listener.
     explicit NotifySocket(std::string address = "") : address_(std::move(address)) {}
 
-    /// Sends lines of "VARIABLE=value". Whether they went out; never blocks, and a listener that is gone or too busy is no error.
+    /// Sends lines of "VARIABLE=value". Returns whether they were sent; never blocks, and a missing or busy listener is not an
+    /// error.
     bool Send(const std::string& lines) const;
 
 private:

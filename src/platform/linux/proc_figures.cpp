@@ -24,7 +24,7 @@ std::string_view WithoutBlanks(std::string_view text) {
     return text;
 }
 
-/// Up to the first text that is no number.
+/// Reads numbers up to the first text that is not a number.
 std::vector<std::uint64_t> NumbersOf(std::string_view text, std::size_t most) {
     std::vector<std::uint64_t> numbers;
     while (numbers.size() < most) {
@@ -42,7 +42,7 @@ bool IsOneProcessor(std::string_view line) {
     return line.size() > 3 && line.starts_with("cpu") && line[3] >= '0' && line[3] <= '9';
 }
 
-/// The figure of a line "MemTotal:  24684084 kB", in bytes.
+/// Returns the value of a line "MemTotal:  24684084 kB", in bytes.
 std::optional<std::uint64_t> Bytes(std::string_view meminfo, std::string_view key) {
     while (!meminfo.empty()) {
         const std::string_view line = TakeLine(meminfo);
@@ -63,7 +63,7 @@ std::optional<ProcessorTimes> ProcessorsOf(std::string_view stat) {
         const std::string_view line = TakeLine(stat);
         if (line.starts_with("cpu ")) all = NumbersOf(line.substr(4), kColumns);
         if (IsOneProcessor(line)) ++processors;
-        if (!line.starts_with("cpu")) break;  // they come first, and what follows is long
+        if (!line.starts_with("cpu")) break;  // they come first, and the rest is long
     }
     if (all.size() <= kIdle) return std::nullopt;
     ProcessorTimes times{.idle = all[kIdle], .total = 0, .processors = std::max(1, processors)};

@@ -1,4 +1,4 @@
-// Processors and memory, from the texts of the kernel's proc(5) files.
+// Reads processor times and memory from the kernel's proc(5) files.
 #pragma once
 
 #include <optional>
@@ -8,13 +8,13 @@
 
 namespace korvane {
 
-/// From /proc/stat. A processor that waits for a disk is idle: iowait counts as idle, everything else, stolen time too, as work.
-/// The time of guests is in that of their hosts already. Nothing when the line of all processors is missing or has no idle time;
-/// kernels that count less have fewer columns. In a container these are the figures of the whole machine.
+/// Reads /proc/stat. iowait counts as idle, since the processor waits for a disk; everything else counts as work, including steal
+/// time. The times of guests are already part of those of their hosts. Returns nothing when the line of all processors is missing
+/// or has no idle time; older kernels have fewer columns. In a container these are the figures of the whole machine.
 std::optional<ProcessorTimes> ProcessorsOf(std::string_view stat);
 
-/// From /proc/meminfo. Before Linux 3.14 there is no MemAvailable; what is free, in buffers and in the page cache stands in for
-/// it.
+/// Reads /proc/meminfo. Before Linux 3.14 there is no MemAvailable; free memory, buffers and page cache are then added up
+/// instead.
 std::optional<PhysicalMemory> MemoryOf(std::string_view meminfo);
 
 }  // namespace korvane

@@ -35,7 +35,7 @@ std::pair<Descriptor, Descriptor> NewPipe() {
     return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
-/// A process group of its own, the default signals, and nothing open but /dev/null and the pipe twice.
+/// The new process gets its own process group, the default signals, and no open files but /dev/null and the pipe twice.
 class Spawning {
 public:
     explicit Spawning(const Descriptor& output) {
@@ -75,7 +75,7 @@ private:
     posix_spawn_file_actions_t files_{};
 };
 
-/// A program that was started. When this goes before the program has ended, the program goes with it.
+/// A program that was started. The destructor kills it if it is still running.
 class Running {
 public:
     Running(Events& events, const std::vector<std::string>& words) {
@@ -112,7 +112,7 @@ private:
             const std::size_t room = kMostOutput - text_.size();
             text_.append(piece.data(), std::min(static_cast<std::size_t>(size), room));
         }
-        if (size == 0) outputWatch_.reset();  // its end would be readable for ever
+        if (size == 0) outputWatch_.reset();  // at its end the pipe would stay readable for ever
     }
 
     void Reap() {

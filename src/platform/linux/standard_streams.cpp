@@ -17,21 +17,21 @@
 namespace korvane {
 namespace {
 
-/// Writes to a descriptor as much as is taken at once.
+/// Writes as much to a descriptor as it accepts without waiting.
 class UnwaitingWriter {
 public:
     explicit UnwaitingWriter(int descriptor) : descriptor_(descriptor) {
         struct stat status {};
         if (::fstat(descriptor, &status) != 0) return;
         isSocket_ = S_ISSOCK(status.st_mode);
-        // Terminals and pipes are opened once more: O_NONBLOCK would hold for all who share the descriptor that we were given.
+        // Terminals and pipes are opened again: O_NONBLOCK would apply to every process that shares the inherited descriptor.
         if (S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode)) {
             const std::string name = "/proc/self/fd/" + std::to_string(descriptor);
             own_ = Descriptor(::open(name.c_str(), O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
         }
     }
 
-    /// The number of bytes that were taken, not above 0 for none.
+    /// Returns the number of bytes that were written, 0 or less for none.
     ssize_t Write(std::string_view bytes) const {
         pollfd ready{descriptor_, POLLOUT, 0};
         if (::poll(&ready, 1, 0) != 1) return 0;
@@ -43,7 +43,7 @@ public:
 private:
     int descriptor_;
     bool isSocket_ = false;
-    Descriptor own_;  ///< none where it cannot be opened: another user's terminal
+    Descriptor own_;  ///< none if it cannot be opened: another user's terminal
 };
 
 }  // namespace
@@ -91,7 +91,7 @@ private:
 
     UnwaitingWriter writer_;
     std::string text_;
-    bool isCut_ = false;  ///< the last line that was taken lacks its end
+    bool isCut_ = false;  ///< the last line that was written lacks its end
     int dropped_ = 0;
 };
 

@@ -1,5 +1,5 @@
-// Standard input, output and error of a program that runs for a year, whoever started it and whether or not somebody reads what
-// it prints.
+// Makes standard input, output and error safe for a program that runs for a year, whoever started it and whether or not its
+// output is read.
 #pragma once
 
 #include <iosfwd>
@@ -8,12 +8,12 @@
 
 namespace korvane {
 
-/// Makes those of the descriptors 0 to 2 that are closed /dev/null: the next file or socket would get their numbers, and what is
-/// printed would go there. To be called before anything is opened.
+/// Opens /dev/null for those of the descriptors 0 to 2 that are closed: otherwise the next file or socket would get their
+/// numbers, and printed text would go there. Must be called before anything is opened.
 void OpenStandardDescriptors();
 
-/// As long as it lives, lines that go to the stream never wait for whoever reads the descriptor. A line that is not taken at once
-/// is dropped; before the next one that is taken stands how many were.
+/// While this exists, lines written to the stream never wait for the reader of the descriptor. A line that cannot be written at
+/// once is dropped; the next line that can be written is preceded by the number of dropped lines.
 class UnwaitingStream {
 public:
     /// `stream` must outlive this.

@@ -1,4 +1,4 @@
-// Where the kernel shows what it knows: the real folders, or a test's copy of those of another machine.
+// The folders where the kernel publishes its figures: the real ones, or a test's copy from another machine.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@ struct SystemFolders {
     std::string dev = "/dev";
 };
 
-/// A file of the kernel's, whose length nobody knows before it is read. Nothing when it can't be read.
+/// Reads a file of the kernel, whose length is not known in advance. Returns nothing when it cannot be read.
 std::optional<std::string> ReadKernelFile(const std::string& path);
 
 }  // namespace korvane

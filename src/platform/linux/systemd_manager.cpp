@@ -19,14 +19,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kLingerLimit = 10s;
-/// The end of a service must not wait for a manager that is busy ending everything.
+/// The end of a service must not wait for a manager that is busy shutting everything down.
 constexpr auto kShutdownLimit = 1s;
-/// Nor the end of this program.
+/// The end of this program must not wait for it either.
 constexpr auto kStartLimit = 3s;
 
 constexpr const char* kGreetingVariables[] = {"NOTIFY_SOCKET", "SYSTEMD_EXEC_PID", "WATCHDOG_USEC", "WATCHDOG_PID"};
 
-// A link that leads nowhere is there too: a name that is masked is taken.
+// A dangling link counts as present: a masked unit name is taken.
 bool IsThere(const std::string& path) {
     std::error_code none;
     return std::filesystem::exists(std::filesystem::symlink_status(path, none));
@@ -42,13 +42,13 @@ std::string NameOfUser(uid_t user) {
     return entry == nullptr ? std::to_string(user) : entry->pw_name;
 }
 
-// A service of the system has the rights of the one to whom its home belongs.
+// A system service runs with the rights of the owner of its home.
 std::string OwnerOf(const std::string& folder) {
     struct stat status {};
     return NameOfUser(::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::getuid());
 }
 
-/// In the words of the manager.
+/// A refusal in the manager's own words.
 class ManagerRefusal : public Error {
 public:
     using Error::Error;
@@ -141,7 +141,7 @@ bool SystemdManager::IsShuttingDown() {
     return stopping;
 }
 
-// Blank when there is none, or it is somebody else's.
+// Returns an empty text when there is no such unit, or it is not this program's.
 std::string SystemdManager::OwnUnitText(const std::string& unit) {
     const std::string path = PathOf(unit);
     if (!IsPlainFile(path)) return "";
@@ -200,8 +200,8 @@ void SystemdManager::EnableNew(const std::string& unit, const std::string& text)
     }
 }
 
-// A person's services end with the last session and start with the first one, unless the system lets them linger. Returns what
-// there is to know when it does not.
+// A user's services end with the last session and start with the first one, unless the system lets them linger. Returns a note
+// for the operator when it does not.
 std::string SystemdManager::Linger(const std::string& unit, const std::string& text) {
     if (place_.lingerFile.empty() || IsThere(place_.lingerFile)) return "";
     std::string why;

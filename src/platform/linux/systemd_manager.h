@@ -1,4 +1,4 @@
-// The service manager that is systemd: its notifications to the process that it started, its unit files, and its own commands for
+// The service manager systemd: its notifications for the process that it started, its unit files, and its own commands for
 // everything else.
 #pragma once
 
@@ -16,25 +16,25 @@
 
 namespace korvane {
 
-/// Where systemd keeps its things, and whose services these are.
+/// The paths that systemd uses, and whose services these are.
 struct SystemdPlace {
     UnitScope scope = UnitScope::User;
-    std::string unitFolder;                   ///< units of this user's own making
-    std::vector<std::string> otherFolders;    ///< where else units are, whose names are taken
-    std::vector<std::string> signsOfManager;  ///< files that are there while the manager runs
-    std::string lingerFile;                   ///< is there when the user's services run without a session; blank: they do
+    std::string unitFolder;                   ///< units created by this user
+    std::vector<std::string> otherFolders;    ///< other folders of units, whose names are taken
+    std::vector<std::string> signsOfManager;  ///< files that exist while the manager runs
+    std::string lingerFile;                   ///< exists if the user's services run without a session; empty: they always do
 };
 
-/// root installs services of the system, everybody else services of their own.
+/// root installs services of the system, every other user installs their own.
 SystemdPlace SystemdPlaceOfThisUser(const Environment& environment);
 
-/// What the manager told this process at its start, by the variables of sd_notify(3) and sd_watchdog_enabled(3).
+/// What the manager passed to this process at its start, in the variables of sd_notify(3) and sd_watchdog_enabled(3).
 class SystemdGreeting {
 public:
-    /// `pid` is this process. Variables that a parent has passed on, and that speak to that parent, count for nothing.
+    /// `pid` is this process. Variables inherited from a parent and meant for that parent are ignored.
     SystemdGreeting(const Environment& environment, int pid);
 
-    /// The address of its socket, blank when it did not start this process.
+    /// Returns the address of the manager's socket, empty when the manager did not start this process.
     const std::string& NotifyAddress() const { return notifyAddress_; }
     std::optional<std::chrono::milliseconds> AliveInterval() const { return aliveInterval_; }
 
@@ -43,8 +43,8 @@ private:
     std::optional<std::chrono::milliseconds> aliveInterval_;
 };
 
-/// Takes the greeting out of this process's environment, so that what it starts does not take it for its own. Before any thread
-/// is started.
+/// Removes the greeting from this process's environment, so that child processes do not take it for theirs. Must be called before
+/// any thread is started.
 void KeepGreetingFromChildren();
 
 class SystemdManager : public ServiceManager {

@@ -29,7 +29,7 @@ struct MessageCloser {
 using BusPointer = std::unique_ptr<sd_bus, BusCloser>;
 using MessagePointer = std::unique_ptr<sd_bus_message, MessageCloser>;
 
-// Where it is, or where the environment says that it is, as D-Bus has it.
+// Returns the usual address, or the one that the environment defines for D-Bus.
 std::string AddressOfSystemBus() {
     const char* const other = ::secure_getenv("DBUS_SYSTEM_BUS_ADDRESS");
     return other != nullptr && *other != '\0' ? other : kSystemBus;
@@ -44,7 +44,7 @@ int StateOf(std::string_view activeState) {
     return ServiceRecord::kStopped;
 }
 
-// Of a(ssssssouso): the rest is the unit's path and its job.
+// Reads a(ssssssouso); the unused fields are the unit's path and its job.
 int TakeUnits(sd_bus_message* reply, RecordsByName& services) {
     int result = ::sd_bus_message_enter_container(reply, 'a', "(ssssssouso)");
     while (result >= 0) {
@@ -61,7 +61,7 @@ int TakeUnits(sd_bus_message* reply, RecordsByName& services) {
     return result;
 }
 
-// Of a(ss). What is loaded is known better already.
+// Reads a(ss). For loaded units the answer is known more precisely already.
 int TakeUnitFiles(sd_bus_message* reply, RecordsByName& services) {
     int result = ::sd_bus_message_enter_container(reply, 'a', "(ss)");
     while (result >= 0) {
@@ -101,14 +101,14 @@ private:
         return WatchBus();
     }
 
-    // All states, and the names of services.
+    // Asks for units in all states whose names are those of services.
     int Call(const char* method, sd_bus_message_handler_t taken) {
         sd_bus_message* call = nullptr;
         int result = ::sd_bus_message_new_method_call(bus_.get(), &call, "org.freedesktop.systemd1", "/org/freedesktop/systemd1",
                                                       "org.freedesktop.systemd1.Manager", method);
         if (result < 0) return result;
         const MessagePointer owner(call);
-        if ((result = ::sd_bus_message_set_auto_start(call, false)) < 0) return result;  // a manager is there or is not
+        if ((result = ::sd_bus_message_set_auto_start(call, false)) < 0) return result;  // a missing manager is not to be started
         if ((result = ::sd_bus_message_append(call, "asas", 0, 1, "*.service")) < 0) return result;
         return ::sd_bus_call_async(bus_.get(), nullptr, call, taken, this, 0);
     }
@@ -132,7 +132,7 @@ private:
         }
     }
 
-    // One descriptor stands for what the bus waits for, which changes, and for the limit.
+    // One descriptor stands for the bus, whose wanted events change, and for the limit.
     int WatchBus() {
         const int descriptor = ::sd_bus_get_fd(bus_.get());
         const int wanted = ::sd_bus_get_events(bus_.get());
@@ -168,7 +168,7 @@ private:
 
     bool Open() const { return whyNot_.empty() && replies_ < 2; }
 
-    // The asker may drop this question in the middle of its answer.
+    // The caller may drop this question inside its answer.
     void Answer() {
         watch_.reset();
         ServiceList list{.whyNot = whyNot_, .services = {}};

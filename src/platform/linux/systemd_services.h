@@ -1,5 +1,5 @@
-// The services of the manager that is systemd, asked over D-Bus (org.freedesktop.systemd1(5)): the units that it has loaded, and
-// the unit files that it could load.
+// The services of the manager systemd, queried over D-Bus (org.freedesktop.systemd1(5)): the units that it has loaded, and the
+// unit files that it could load.
 #pragma once
 
 #include <chrono>
@@ -12,12 +12,12 @@
 
 namespace korvane {
 
-/// A service that is on its way has a state of its own: 2 starting, 3 stopping. One that has failed, or is in no state to run,
-/// has stopped. Units that only others mention, templates and second names of a unit are no services. Nothing here is ever
-/// paused.
+/// A service that is changing its state has a state of its own: 2 starting, 3 stopping. A service that has failed or cannot run
+/// counts as stopped. Units that are only mentioned by others, templates and alias names do not count as services. No service is
+/// ever reported as paused.
 class SystemdServices : public Services {
 public:
-    /// `address` of the bus in the form of D-Bus; that of the system when blank.
+    /// `address` is the bus in the form of D-Bus; the system bus when empty.
     explicit SystemdServices(Events& events, std::string address = "", std::chrono::milliseconds limit = std::chrono::seconds(5));
 
     std::unique_ptr<Question> EnumServices(std::function<void(const ServiceList&)> answer) override;

@@ -19,7 +19,7 @@ constexpr std::string_view kMarkSection = "[X-Korvane]";
 constexpr std::string_view kHome = "Home=";
 constexpr std::string_view kLinger = "Linger=yes";
 
-/// What the manager of a person, who has no privileges, refuses (then the service does not start), or passes over without a word.
+/// Settings that a user's manager, which has no privileges, refuses (the service then does not start) or silently ignores.
 constexpr std::string_view kOfTheSystem[] = {
     "Wants=",
     "After=",
@@ -44,7 +44,7 @@ constexpr std::string_view kOfTheSystem[] = {
 
 constexpr std::string_view kTemporaryFolders[] = {"/tmp/", "/var/tmp/"};
 
-// ASCII letters and digits, whatever the locale.
+// ASCII letters and digits, independent of the locale.
 bool MayStandInName(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == ':' ||
            c == '.';
@@ -60,17 +60,17 @@ void CheckPath(const std::string& path, UnitScope scope) {
     }
 }
 
-// A "%" would be one of the unit's own variables.
+// A "%" would begin one of the unit's own variables.
 std::string Plain(const std::string& text) {
     return ReplaceAll(text, "%", "%%");
 }
 
-// One word of a list, whatever it holds.
+// Encodes any text as one word of a list.
 std::string Quoted(const std::string& text) {
     return "\"" + ReplaceAll(ReplaceAll(Plain(text), "\\", "\\\\"), "\"", "\\\"") + "\"";
 }
 
-// A folder that is not there does not keep the service from starting.
+// A missing folder does not keep the service from starting.
 std::string WritableFolders(const ServiceProgram& program) {
     std::string words = Quoted(program.home);
     for (const std::string& folder : program.folders)
@@ -78,7 +78,7 @@ std::string WritableFolders(const ServiceProgram& program) {
     return words;
 }
 
-// A name is one line, and no backslash at its end joins the next one to it.
+// The name must stay on one line, and a backslash at its end must not join the next line.
 std::string Description(const std::string& name) {
     std::string line = Plain(name);
     std::replace_if(line.begin(), line.end(), IsControl, ' ');
@@ -90,7 +90,7 @@ bool IsOfTheSystem(const std::string& line) {
                        [&](std::string_view setting) { return line.starts_with(setting); });
 }
 
-// The comments above a setting that goes stay; they are true of the program either way.
+// The comments above a removed setting stay; they are true of the program either way.
 std::string WithoutSettingsOfTheSystem(const std::string& text) {
     std::string kept;
     for (const std::string& line : Split(TrimAll(text), '\n')) {

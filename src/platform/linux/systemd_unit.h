@@ -1,5 +1,5 @@
-// A service of this program as a unit file of systemd: its name, its text, and how to tell it from the units of others.
-// systemd.unit(5), systemd.service(5) and systemd.exec(5) have the forms.
+// A service of this program as a unit file of systemd: its name, its text, and how to distinguish it from units of others. See
+// systemd.unit(5), systemd.service(5) and systemd.exec(5).
 #pragma once
 
 #include <string>
@@ -9,22 +9,22 @@
 
 namespace korvane {
 
-/// Whose manager keeps the service running.
+/// The manager that keeps the service running.
 enum class UnitScope { System, User };
 
-/// "Korvane" is "Korvane.service"; what no unit name may hold is written as "\xNN". Throws Error for a name that is blank or too
-/// long.
+/// Returns "Korvane.service" for "Korvane"; characters that a unit name cannot contain are written as "\xNN". Throws Error for an
+/// empty or too long name.
 std::string UnitName(const std::string& name);
 
-/// The whole file. `user` is who the system's manager runs the program as. Throws Error for a path that no unit can name: with a
-/// control character, a blank or a backslash at its end, or, for the system's manager, below the temporary folders, of which the
-/// service sees only its own.
+/// Returns the whole file. `user` is the user as whom the system's manager runs the program. Throws Error for a path that a unit
+/// cannot express: with a control character, with a space or a backslash at its end, or, for the system's manager, inside the
+/// temporary folders, of which the service sees only its own.
 std::string UnitText(const std::string& name, const ServiceProgram& program, UnitScope scope, const std::string& user);
 
-/// Of an installed unit: what Uninstall needs to know, beside what systemd itself reads.
+/// What Uninstall must know of an installed unit, besides what systemd itself reads.
 struct UnitMarks {
-    std::string home;     ///< blank: the unit is not one of this program
-    bool linger = false;  ///< the installation let the person's services run without a session
+    std::string home;     ///< empty: the unit is not one of this program
+    bool linger = false;  ///< the installation allowed the user's services to run without a session
 };
 UnitMarks MarksOf(std::string_view unitText);
 std::string WithLingerMark(const std::string& unitText);

@@ -1,4 +1,4 @@
-// The text of data/korvane.service.in, which the build puts into the program; packages make their unit from the same file.
+// The text of data/korvane.service.in, which the build embeds in the program; packages make their unit from the same file.
 #pragma once
 
 #include <string_view>

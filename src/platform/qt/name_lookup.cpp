@@ -35,9 +35,9 @@ QList<QHostAddress> AddressesOf(const std::string& name) {
 
 }  // namespace
 
-// What the thread leaves behind. The asker may be gone by then, and the program at its end. The answer is told by a descriptor
-// and not by an event from thread to thread: such an event is lost on a wait that begins in the same moment, a readable
-// descriptor never is.
+// What the thread leaves as its result. The requester may be gone by then, and the program may be ending. A descriptor announces
+// the answer, not an event between threads: such an event gets lost on a wait that begins at the same moment, a readable
+// descriptor never does.
 struct NameLookup::Answer {
     Answer() : ready(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
         if (ready < 0) throw Error(std::strerror(errno));
@@ -78,7 +78,7 @@ NameLookup::~NameLookup() = default;
 
 void NameLookup::OnAnswer() {
     arrived_->setEnabled(false);
-    const Found found = std::move(found_);  // it may end this object
+    const Found found = std::move(found_);  // it may destroy this object
     found(answer_->Take());
 }
 

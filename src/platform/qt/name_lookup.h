@@ -1,5 +1,6 @@
-// One name lookup beside the program. The system's resolver blocks for up to minutes when its name server is silent, and cannot
-// be interrupted, so each lookup has a thread that nobody waits for: neither the next lookup nor the end of the program.
+// One name lookup that does not block the program. The system's resolver blocks for up to minutes when its name server is silent,
+// and cannot be interrupted, so each lookup has a thread that nothing waits for: neither the next lookup nor the end of the
+// program.
 #pragma once
 
 #include <functional>
@@ -15,11 +16,11 @@ namespace korvane {
 
 class NameLookup {
 public:
-    /// The addresses in the order in which to try them (RFC 6724); none when the name was not found.
+    /// Receives the addresses in the order in which to try them (RFC 6724); none when the name was not found.
     using Found = std::function<void(const QList<QHostAddress>&)>;
 
-    /// Looks the name up at once, without a cache, and calls `found` once from the event loop of this thread, unless this object
-    /// is destroyed before. It may be destroyed in `found`. Throws Error when the system gives no thread or descriptor.
+    /// Starts the lookup at once, without a cache, and calls `found` once from the event loop of this thread, unless this object
+    /// is destroyed before. It may be destroyed in `found`. Throws Error when the system has no thread or descriptor left.
     NameLookup(const std::string& name, Found found);
     ~NameLookup();
     NameLookup(const NameLookup&) = delete;

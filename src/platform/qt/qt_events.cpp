@@ -27,8 +27,8 @@ private:
 
 }  // namespace
 
-// Its one event ends a wait; there is nothing to do in it. One timer is enough for waits within waits: the outer wait ends with
-// the event in which the inner one ran, whatever became of its limit.
+// Its only event ends a wait and does nothing else. One timer is enough for nested waits: the outer wait ends with the event in
+// which the inner one ran, even if the inner wait replaced its limit.
 class QtEvents::LimitTimer : public QObject {
 public:
     void Start(milliseconds limit) { timer_.start(QtInterval(limit), Qt::PreciseTimer, this); }
@@ -55,7 +55,7 @@ void QtEvents::WaitForEvent(milliseconds limit) {
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     limit_->Stop();
     QCoreApplication::processEvents(
-        QEventLoop::AllEvents);  // what comes from other threads and from the desktop has only woken the loop so far
+        QEventLoop::AllEvents);  // events from other threads and from the desktop have only woken the loop so far
 }
 
 void QtEvents::Sleep(milliseconds time) {

@@ -1,5 +1,5 @@
-// The event pump on Qt's event loop. The shell's windows, timers and sockets are delivered by the same loop, so all of them stay
-// alive while a routine waits here.
+// The event pump on Qt's event loop. The same loop delivers the shell's windows, timers and sockets, so all of them keep running
+// while a routine waits here.
 #pragma once
 
 #include <chrono>
@@ -10,10 +10,10 @@
 
 namespace korvane {
 
-/// Belongs to the thread that made it, which must have a QCoreApplication for as long as this object lives.
+/// Belongs to the thread that created it, which must have a QCoreApplication for as long as this object lives.
 ///
-/// Set QT_NO_GLIB=1 in the environment before the QCoreApplication is made: Qt's own dispatcher needs fewer system calls a wait
-/// than the one on GLib, and less memory.
+/// Set QT_NO_GLIB=1 in the environment before the QCoreApplication is created: Qt's own dispatcher needs fewer system calls per
+/// wait than the one on GLib, and less memory.
 class QtEvents : public Events {
 public:
     QtEvents();

@@ -1,4 +1,4 @@
-// Qt counts the intervals of its timers in an int.
+// Qt stores the intervals of its timers in an int.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace korvane {
 
-/// The interval in Qt's form; anything longer than 24 days becomes 24 days.
+/// Returns the interval in Qt's form; anything longer than 24 days becomes 24 days.
 inline int QtInterval(std::chrono::milliseconds interval) {
     return static_cast<int>(std::clamp<std::chrono::milliseconds::rep>(interval.count(), 0, std::numeric_limits<int>::max()));
 }

@@ -21,7 +21,7 @@ namespace {
 
 constexpr qint64 kReadAhead = 65536;
 
-/// Connections of one socket, those that are ending included.
+/// Limit for the connections of one socket, including those that are ending.
 constexpr std::size_t kMostConnections = 8;
 
 constexpr int kAlreadyOpen = 10056;
@@ -52,7 +52,7 @@ int WinsockNumber(QAbstractSocket::SocketError error) {
     return kNetworkDown;
 }
 
-// An IPv4 address as such, also where the system shows it in its IPv6 form.
+// Returns an IPv4 address as such, even where the system shows it in its IPv6 form.
 std::string PlainAddress(const QHostAddress& address) {
     bool isV4 = false;
     const quint32 v4 = address.toIPv4Address(&isV4);
@@ -66,7 +66,7 @@ struct Failure {
 
 }  // namespace
 
-// One socket through any number of connections. Every Close begins a new round; whatever was queued in an earlier one is dropped.
+// One socket through any number of connections. Every Close begins a new round; events queued in an earlier round are dropped.
 class QtTcpSocket::Connection : public QObject {
 public:
     explicit Connection(const QtTcpSocket& owner) : owner_(owner), farewell_(socket_, owner.farewellLimit_) {
@@ -122,7 +122,7 @@ public:
         }
     }
 
-    /// After Close: whether the other side has not ended the connection yet.
+    /// Returns whether, after Close, the other side has not ended the connection yet.
     bool Ending() const { return farewell_.Going(); }
     void CutOff() { farewell_.CutOff(); }
 
@@ -157,7 +157,7 @@ private:
         if (const auto failure = TryAddresses()) Fail(*failure);
     }
 
-    // Goes through the addresses that are left until one of them does not fail at once. Gives the failure of the last one.
+    // Tries the remaining addresses until one does not fail at once. Returns the failure of the last one.
     std::optional<Failure> TryAddresses() {
         std::optional<Failure> failure;
         while (!addresses_.isEmpty() && (failure = TryAddress(addresses_.takeFirst()))) {
@@ -172,7 +172,7 @@ private:
         if (!failedAtOnce_) socket_.connectToHost(address, static_cast<quint16>(owner_.remotePort_));
         starting_ = false;
         if (!failedAtOnce_) return std::nullopt;
-        // The kernel says so before a packet has left only when it has no way to send one.
+        // Before any packet has left, the kernel reports this error only when it has no way to send one.
         if (socket_.error() == QAbstractSocket::NetworkError) return Failure{kSocketAddressNotAvailable, LastError()};
         return Failure{WinsockNumber(socket_.error()), LastError()};
     }
@@ -193,7 +193,7 @@ private:
 
     void OnConnected() {
         state_ = SocketState::Connected;
-        // Every text is a whole message to the other side; none is to wait for the next one to fill a packet.
+        // Every text is a whole message to the other side; none must wait for the next one to fill a packet.
         socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         if (owner_.Events().connect) owner_.Events().connect();
     }
@@ -226,7 +226,7 @@ private:
     QTcpSocket socket_;
     TcpFarewell farewell_;
     std::optional<NameLookup> lookup_;
-    QList<QHostAddress> addresses_;  ///< of the name, not yet tried
+    QList<QHostAddress> addresses_;  ///< addresses of the name, not yet tried
     SocketState state_ = SocketState::Closed;
     unsigned round_ = 0;
     bool starting_ = false;
@@ -313,14 +313,14 @@ void QtTcpSocket::Close() {
     if (Current().Ending()) LeaveToEnd();
 }
 
-// A connection is never destroyed here, since one of its events may be on the stack: the next one takes the place of one that has
+// A connection is never destroyed here, since one of its events may be on the stack: the next connection replaces one that has
 // ended.
 void QtTcpSocket::LeaveToEnd() {
     auto next = std::find_if(connections_.begin(), connections_.end(), [](const auto& each) { return !each->Ending(); });
     if (next == connections_.end() && connections_.size() < kMostConnections) {
         next = connections_.insert(next, std::make_unique<Connection>(*this));
     } else if (next == connections_.end()) {
-        --next;  // the one that has been ending for longest
+        --next;  // the one that has been ending for the longest time
         (*next)->CutOff();
     }
     std::rotate(connections_.begin(), next, next + 1);

@@ -1,4 +1,4 @@
-// A TCP socket on Qt Network, with the states and error numbers that the conversations of this program know.
+// A TCP socket on Qt Network, with the states and error numbers that this program's protocols use.
 #pragma once
 
 #include <chrono>
@@ -12,11 +12,10 @@
 
 namespace korvane {
 
-/// Belongs to the thread that made it. At most 64 KB are read ahead of GetData; a faster sender is held up. No proxy is used,
-/// whatever the desktop says. A name that has several addresses is tried at each of them in turn, each for at most 30 seconds. An
-/// address goes straight to Connecting. It may be closed and connected again inside its own events, but not destroyed there. A
-/// connection that Close left to end does so beside the program for 5 seconds at most, and seven of them at a time; then it is
-/// reset.
+/// Belongs to the thread that created it. At most 64 KB are read ahead of GetData; a faster sender has to wait. No proxy is used,
+/// whatever the desktop says. If a name has several addresses, each of them is tried in turn, for at most 30 seconds. An address
+/// goes straight to Connecting. The socket may be closed and connected again inside its own events, but not destroyed there.
+/// After Close, a connection ends in the background for at most 5 seconds, and at most seven of them at a time; then it is reset.
 class QtTcpSocket : public TcpSocket {
 public:
     explicit QtTcpSocket(std::chrono::milliseconds farewellLimit = std::chrono::seconds(5));

@@ -8,8 +8,8 @@
 
 namespace korvane {
 
-/// Periods of a second and more are kept in the mean, but single ticks may come up to a twentieth of the period late or early, so
-/// that ticks fall together and the machine sleeps longer.
+/// Periods of a second and more are exact on average, but single ticks may come up to a twentieth of the period late or early, so
+/// that ticks coincide and the machine sleeps longer.
 class QtTimers : public Timers {
 public:
     std::unique_ptr<Timer> NewTimer(const std::string& name) override;

@@ -10,7 +10,7 @@
 namespace korvane {
 namespace {
 
-// The driver gives columns without one of these declared types as texts, whatever they hold.
+// The driver returns columns without one of these declared types as texts, whatever they contain.
 std::optional<ColumnKind> DeclaredKind(const QSqlField& field) {
     switch (field.metaType().id()) {
         case QMetaType::Bool:

@@ -1,4 +1,4 @@
-// The columns of a table or of a query's result, by name in any case.
+// The columns of a table or of a query's result, by case-insensitive name.
 #pragma once
 
 #include <optional>
@@ -16,23 +16,23 @@ namespace korvane {
 
 struct SqlColumn {
     std::string name;
-    std::optional<ColumnKind> kind;  ///< nothing when only each value can tell
+    std::optional<ColumnKind> kind;  ///< nothing if the kind depends on each value
 };
 
-/// For a column that `where` does not have.
+/// For a column that does not exist in `where`.
 Error NoSuchColumnError(std::string_view name, const std::string& where);
 
 class SqlColumns {
 public:
-    /// The columns of a result; `table` is blank when they may come from several.
+    /// The columns of a result; `table` is empty when they may come from several tables.
     SqlColumns(const QSqlRecord& record, const std::string& table, const ColumnKindOf& kindOf);
 
     std::optional<std::size_t> Find(std::string_view name) const;
     const SqlColumn& operator[](std::size_t column) const { return columns_[column]; }
     std::size_t Size() const { return columns_.size(); }
 
-    /// All names as a select list. Names instead of "*": should a column vanish while the file is open, a query fails instead of
-    /// shifting the others.
+    /// Returns all names as a select list. Names instead of "*": if a column disappears while the file is open, a query fails
+    /// instead of shifting the others.
     const std::string& List() const { return list_; }
 
 private:

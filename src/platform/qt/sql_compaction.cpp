@@ -13,11 +13,11 @@
 namespace korvane {
 namespace {
 
-// In KiB: whole tables and indexes pass through it.
+// In KiB: whole tables and indexes pass through this cache.
 const std::string kCacheOfCompaction = "PRAGMA cache_size=-16384";
 
-// The empty file that the copy is written to; it goes with this object unless it was moved elsewhere. SQLite would make one that
-// everybody can read, and there are passwords in it.
+// The empty file that the copy is written to; the destructor removes it unless it was moved elsewhere. SQLite would create a file
+// that everyone can read, and it contains passwords.
 class CopyFile {
 public:
     CopyFile(std::string path, const std::string& original) : path_(std::move(path)) {
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    // A program that was killed may have left a journal beside its copy.
+    // A killed program may have left a journal beside its copy.
     void Remove() const {
         for (const std::string_view end : {"", "-journal", "-wal", "-shm"})
             ::unlink((path_ + std::string(end)).c_str());
@@ -60,12 +60,12 @@ void CheckIntegrity(SqlSession& session) {
 
 }  // namespace
 
-// The copy does not take the place of the file. Whoever had the file open would still have the old one, whose locks no longer
-// concern the new one while their journals bear the same name: a program that was waiting for the old file would roll somebody
-// else's journal back into it, and a crash then leaves the new one damaged.
+// The copy does not replace the file. Whoever had the file open would still have the old one, whose locks no longer protect the
+// new one while their journals have the same name: a program that was waiting for the old file would roll a foreign journal back
+// into it, and a crash would then leave the new one damaged.
 void CompactDatabase(SqlSession& session, const std::string& copy, const std::function<void()>& copied) {
     session.Select(kCacheOfCompaction);
-    session.TakeForItself();  // a busy writer could keep each of the steps waiting
+    session.TakeForItself();  // a busy writer could delay each of the steps
     CheckIntegrity(session);
     {
         const CopyFile file(copy, session.Path());

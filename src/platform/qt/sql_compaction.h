@@ -1,4 +1,4 @@
-// Compaction of a database file: its check, a copy to keep, and the file itself.
+// Compaction of a database file: checks it, makes a copy to keep, and compacts the file itself.
 #pragma once
 
 #include <functional>
@@ -8,7 +8,7 @@
 
 namespace korvane {
 
-/// As Store::Compact, for the file of the session.
+/// Like Store::Compact, for the file of the session.
 void CompactDatabase(SqlSession& session, const std::string& copy, const std::function<void()>& copied);
 
 }  // namespace korvane

@@ -29,15 +29,14 @@ void QtSqlConnection::TryWriting() {
     session_->TryWriting();
 }
 
-// To open a file and to learn its tables costs more than most of what is done with it then.
+// Opening a file and reading its schema costs more than most of the work that follows.
 std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     const auto kept = std::exchange(state_->kept, nullptr);
     if (!kept || kept->Path() != path || !kept->IsAsLeft()) return nullptr;
     return kept;
 }
 
-// Recordsets that still use the session must not get at the file any more, so only one that nobody uses is kept, and only one
-// that works.
+// Recordsets that still use the session must not reach the file any more, so the session is kept only if it is unused and sound.
 void QtSqlConnection::Close() {
     if (!session_) return;
     if (session_.use_count() == 1 && session_->IsSound() && !session_->InTransaction()) {

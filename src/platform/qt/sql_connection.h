@@ -1,5 +1,5 @@
-// The Connection: a piece of work with the database file. The file itself stays open from one piece of work to the next while the
-// program is busy.
+// The Connection: one piece of work with the database file. The file itself stays open between pieces of work while the program
+// is busy.
 #pragma once
 
 #include <memory>
@@ -20,7 +20,7 @@ public:
     void CommitTrans() override;
     void TryWriting() override;
 
-    /// Nothing while it is closed.
+    /// Returns nothing while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }
 
 private:

@@ -17,7 +17,7 @@ void QtSqlRecordset::Open(std::string_view source, Connection& connection, Curso
     session_ = open->Session();
     lockType_ = lock;
     try {
-        // An index would answer in its own order otherwise.
+        // Otherwise an index would return its own order.
         if (select.LacksOrder()) select.OrderBy(session_->KeyOf(select.table));
         if (select.IsOneTable()) table_.emplace(session_, select.table);
         if (table_ && cursor == CursorType::Keyset) {
@@ -143,7 +143,7 @@ SqlTable& QtSqlRecordset::RequireTable() {
 std::size_t QtSqlRecordset::Find(std::string_view name) const {
     const auto found = columns_->Find(name);
     if (!found) {
-        session_->Distrust();  // the column may have come since the file was opened: the next piece of work looks
+        session_->Distrust();  // the column may be newer than the open file: the next piece of work checks
         throw NoSuchColumnError(name, table_ ? table_->Name() : "the rows of the query");
     }
     return *found;

@@ -1,4 +1,4 @@
-// The Recordset over an SQLite file: which row is the current one, and what it is to become.
+// The Recordset over an SQLite file: which row is the current one, and its pending changes.
 #pragma once
 
 #include <cstdint>
@@ -57,7 +57,7 @@ private:
 
     Row row_ = Row::None;
     bool isAdded_ = false;                // the current row came from AddNew: it is the last one
-    std::optional<std::int64_t> ownKey_;  // of a row that was added, or was given another ID
+    std::optional<std::int64_t> ownKey_;  // of a row that was added, or whose ID was changed
     std::vector<SqlChange> changes_;
     std::optional<SqlRowLock> rowLock_;
 };

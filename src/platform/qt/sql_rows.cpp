@@ -10,7 +10,7 @@ namespace korvane {
 
 namespace {
 
-// Moments in the stored form become "?", so that a query that differs from the last one in its moment alone is not parsed again.
+// Moments in the stored form become "?", so that a query that differs from the last one only in its moment is not parsed again.
 QVariantList TakeMoments(std::string& sql) {
     constexpr std::size_t kQuotedLength = sizeof "'2026-11-21 15:04:05'" - 1;
     QVariantList moments;

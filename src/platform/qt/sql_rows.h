@@ -1,4 +1,4 @@
-// The rows of one query, from front to back: a keyset, whose values are read when they are looked at, and a static copy.
+// The rows of one query, from first to last: a keyset, whose values are read on access, or a static copy.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,10 @@ public:
 
     virtual int Count() const = 0;
 
-    /// Goes to the next row, at first to the first one; `false` behind the last.
+    /// Goes to the next row, at first to the first one; returns false after the last.
     virtual bool Next() = 0;
 
-    /// Of the current row. Throw Error.
+    /// These concern the current row. They throw Error.
     virtual std::int64_t Key() const = 0;
     virtual Value Read(std::size_t column) = 0;
 };
@@ -40,7 +40,7 @@ public:
 private:
     SqlTable& table_;
     std::vector<std::int64_t> keys_;
-    std::size_t at_ = 0;  // behind the current one
+    std::size_t at_ = 0;  // after the current row
 };
 
 class StaticRows : public SqlRows {
@@ -61,7 +61,7 @@ private:
 
     std::shared_ptr<const SqlColumns> columns_;
     std::unique_ptr<Copies> rows_;
-    std::size_t at_ = 0;  // behind the current one
+    std::size_t at_ = 0;  // after the current row
 };
 
 }  // namespace korvane

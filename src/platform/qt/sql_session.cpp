@@ -19,19 +19,19 @@
 namespace korvane {
 namespace {
 
-// Pages that SQLite keeps in memory, in KiB: an index of thousands of rows is walked with a few of them.
+// SQLite's page cache, in KiB: walking an index of thousands of rows needs only a few pages.
 const std::string kCacheSize = "PRAGMA cache_size=-256";
-// The journal is emptied and synced after each transaction, so that a commit outlives a power cut at once, and the file stands
-// alone. It costs less than to make and remove a journal each time.
+// The journal is emptied and synced after each transaction, so that a commit immediately survives a power cut, and the file is
+// complete by itself. This costs less than creating and removing a journal each time.
 const std::string kJournal = "PRAGMA journal_mode=TRUNCATE";
 const std::string kSynchronous = "PRAGMA synchronous=FULL";
 
-// Enough for the program's own; a caller that makes up ever new ones must not fill the memory.
+// Enough for the program's own statements; a caller that makes up ever new ones must not fill the memory.
 constexpr std::size_t kMostStatements = 40;
 
 constexpr std::string_view kMagic("SQLite format 3\0", 16);
 
-// https://sqlite.org/rescode.html, the primary codes.
+// The primary codes of https://sqlite.org/rescode.html.
 enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, NoDatabase = 26 };
 
 Error NoDatabaseError(const std::string& path) {
@@ -42,9 +42,8 @@ Error CannotReadError(const std::string& path, int problem) {
     return Error("The database '" + path + "' cannot be read: " + std::strerror(problem));
 }
 
-// SQLite would take an empty file for a new database, and would roll an old journal back into whatever has taken the place of its
-// file. Closing the file here drops SQLite's locks of this process on it: no statement may be under way, and in one thread none
-// is.
+// SQLite would take an empty file for a new database, and would roll an old journal back into a file that has replaced its own.
+// Closing the file here drops this process's SQLite locks on it, so no statement may be running; in a single thread none is.
 void CheckMagic(const std::string& path) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
     if (!file) throw CannotReadError(path, errno);
@@ -53,7 +52,7 @@ void CheckMagic(const std::string& path) {
     if (std::string_view(magic, std::fread(magic, 1, sizeof magic, file.get())) != kMagic) throw NoDatabaseError(path);
 }
 
-// The URI form is the one way to say through Qt that the file must exist.
+// In Qt, only the URI form can demand that the file must exist.
 QString UriOf(const std::string& path) {
     const QByteArray encoded = QUrl::toPercentEncoding(QString::fromStdString(path), "/");
     return QString::fromUtf8((path.starts_with('/') ? "file://" : "file:") + encoded + "?mode=rw");
@@ -62,7 +61,8 @@ QString UriOf(const std::string& path) {
 }  // namespace
 
 struct SqlSession::Driver {
-    // QSqlDatabase hands out its connections by name to the whole program; one that is made so belongs to its owner alone.
+    // QSqlDatabase provides its connections by name to the whole program; one that is created like this belongs to its owner
+    // alone.
     struct OwnDatabase : QSqlDatabase {
         OwnDatabase() : QSqlDatabase(QStringLiteral("QSQLITE")) {}
     };
@@ -81,7 +81,7 @@ SqlSession::SqlSession(std::string path, std::chrono::milliseconds busyTimeout, 
                                         QString::number(busyTimeout.count()));
     if (!driver_->database.open()) Fail(driver_->database.lastError());
     open_ = true;
-    Select(kCacheSize);  // reads the tables, so a file that is locked or damaged shows here
+    Select(kCacheSize);  // reads the schema, so that a locked or damaged file fails here
 }
 
 SqlSession::~SqlSession() = default;
@@ -180,7 +180,7 @@ std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table
     return columns;
 }
 
-// A view has no rows of its own: its rows come as they come.
+// A view has no rows of its own and therefore no order to add.
 const std::string& SqlSession::KeyOf(const std::string& table) {
     std::string& key = driver_->keys[table];
     if (!key.empty()) return key;
@@ -193,7 +193,7 @@ const std::string& SqlSession::KeyOf(const std::string& table) {
     return key;
 }
 
-// The exclusive lock shows a reader that would hold up the end of each change, and the journal a disk without room.
+// The exclusive lock detects a reader that would delay the end of each change, and the journal detects a full disk.
 void SqlSession::TryWriting() {
     SelectPrepared("BEGIN EXCLUSIVE", {}).finish();
     try {
@@ -213,7 +213,7 @@ void SqlSession::RequireOpen() const {
     if (!open_) throw Error("The connection to '" + path_ + "' is closed.");
 }
 
-// What only reads need not pay for it.
+// Readers need not pay for this.
 void SqlSession::PrepareForChanges() {
     if (readyForChanges_) return;
     Select(kSynchronous);

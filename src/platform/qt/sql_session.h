@@ -1,4 +1,4 @@
-// One open database file, with the statements that were prepared on it.
+// One open database file with its prepared statements.
 #pragma once
 
 #include <chrono>
@@ -23,38 +23,38 @@ using SqlBound = QList<QVariant>;
 
 class SqlSession {
 public:
-    /// Opens the file. Throws Error as Connection::Open tells.
+    /// Opens the file. Throws Error like Connection::Open.
     SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf);
     ~SqlSession();
     SqlSession(const SqlSession&) = delete;
     SqlSession& operator=(const SqlSession&) = delete;
 
-    /// The uses that remain throw from then on.
+    /// All further use throws Error.
     void Close();
 
     const std::string& Path() const { return path_; }
 
-    /// Notes how the file looks while nobody uses it.
+    /// Remembers the state of the file while it is unused.
     void Leave() { left_ = Look(); }
 
-    /// Whether the path still names the file that is open here, and nobody has touched it since Leave: a copy laid over it must
-    /// not be mixed with what is remembered of the old one. Throws Error when there is no such file any more.
+    /// Returns whether the path still names the file that is open here, and nothing has changed it since Leave: a copy written
+    /// over it must not be mixed with cached content of the old one. Throws Error when the file no longer exists.
     bool IsAsLeft() const { return Look() == left_; }
 
-    /// False after any failure: whoever comes next had better open the file anew, which finds the words for what is wrong with
-    /// it.
+    /// Returns false after any failure: the next user should open the file again, which produces the right message for what is
+    /// wrong with it.
     bool IsSound() const { return sound_; }
     void Distrust() { sound_ = false; }
 
-    /// Runs a query. It holds the file for reading until Next has given `false` or it is destroyed, which should be soon. Throws
+    /// Runs a query. It holds the file for reading until Next has returned false or it is destroyed, which should be soon. Throws
     /// Error.
     QSqlQuery Select(const std::string& sql);
 
-    /// The same with values for each "?" in it, prepared once for many uses; the reference is good until the next call. Finish it
-    /// after use.
+    /// The same with a value for each "?" in it, prepared once for many uses; the reference is valid until the next call. Finish
+    /// it after use.
     QSqlQuery& SelectPrepared(const std::string& sql, const SqlBound& values);
 
-    /// Whether there is another row. Throws as Select does.
+    /// Returns whether there is another row. Throws Error like Select.
     bool Next(QSqlQuery& query);
 
     struct Changed {
@@ -62,28 +62,28 @@ public:
         std::int64_t insertedId;
     };
 
-    /// Runs a statement that changes rows, with a value for each "?" in it, as one durable transaction. Throws Error.
+    /// Runs a statement that changes rows, with a value for each "?" in it, in one durable transaction. Throws Error.
     Changed Change(const std::string& sql, const SqlBound& values);
 
-    /// A transaction around several changes; it takes the file for writing at once. Throws Error.
+    /// Begins a transaction for several changes; it takes the file for writing at once. Throws Error.
     void Begin();
     void Commit();
 
-    /// Nobody else gets at the file from here to Close. Throws Error.
+    /// Locks everyone else out of the file from here to Close. Throws Error.
     void TakeForItself();
 
     /// Writes a compact copy of the database into the empty file `path`. Throws Error.
     void CopyInto(const std::string& path);
 
-    /// Throws Error when nothing can be written to the file now. It stays as it is.
+    /// Throws Error when the file cannot be written now. The file stays unchanged.
     void TryWriting();
 
     bool InTransaction() const { return inTransaction_; }
 
-    /// The columns of a table. Throws Error when there is no such table.
+    /// Returns the columns of a table. Throws Error when there is no such table.
     std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
 
-    /// What orders the rows of a table by its primary key. Throws Error.
+    /// Returns the ORDER BY list that sorts the rows of a table by its primary key. Throws Error.
     const std::string& KeyOf(const std::string& table);
 
     const ColumnKindOf& KindOf() const { return kindOf_; }

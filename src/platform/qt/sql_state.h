@@ -1,5 +1,4 @@
-// What the objects of one store share, and keep alive among them: the kinds of the columns, the file that is
-// kept open, and the row locks.
+// State shared by the objects of one store, which keep it alive: the kinds of the columns, the open file, and the row locks.
 #pragma once
 
 #include <chrono>
@@ -14,23 +13,23 @@
 
 namespace korvane {
 
-/// A row of a file within this program: path, table in lower case, ID.
+/// Identifies a row of a file within this program: path, table in lower case, ID.
 using SqlRowName = std::tuple<std::string, std::string, std::int64_t>;
 
 struct SqlStoreState {
     ColumnKindOf kindOf;
     std::chrono::milliseconds busyTimeout;
 
-    /// The file of the latest piece of work, still open, ready for the next; nothing after Rest.
+    /// The file of the latest piece of work, still open for the next one; nothing after Rest.
     std::shared_ptr<SqlSession> kept;
 
     std::set<SqlRowName> lockedRows;
 };
 
-/// Holds one row as long as it lives.
+/// Locks one row as long as it lives.
 class SqlRowLock {
 public:
-    /// Throws Error when somebody else holds the row.
+    /// Throws Error when another object has locked the row.
     SqlRowLock(std::shared_ptr<SqlStoreState> state, SqlRowName row) : state_(std::move(state)), row_(std::move(row)) {
         if (!state_->lockedRows.insert(row_).second) throw Error("Could not update; currently locked.");
     }

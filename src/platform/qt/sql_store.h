@@ -14,23 +14,23 @@ namespace korvane {
 
 struct SqlStoreState;
 
-/// The kind of a column, with both names in any case; nothing for a column it does not know, which then gets its kind from its
+/// Returns the kind of a column, both names case-insensitive; nothing for an unknown column, whose kind then follows from its
 /// declared type, or else from each value.
 using ColumnKindOf = std::function<std::optional<ColumnKind>(std::string_view table, std::string_view column)>;
 
 /// Makes connections and recordsets for one thread. They may outlive the store. The database file may be replaced whenever no
-/// Connection is open: each one looks whether it is still the file that was kept open.
+/// Connection is open: each Connection checks whether it is still the file that was kept open.
 class QtSqlStore : public Store {
 public:
-    /// Each operation waits up to `busyTimeout` for another process that holds the file, and then throws.
+    /// Each operation waits up to `busyTimeout` while another process holds the file, and then throws.
     explicit QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout = std::chrono::seconds(1));
 
     std::unique_ptr<Connection> NewConnection() override;
     std::unique_ptr<Recordset> NewRecordset() override;
-    /// Works in a thread of its own, which calls `copied`, too. This object must be left alone until it has returned.
+    /// Works in a thread of its own, which also calls `copied`. This object must not be used until the call has returned.
     void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override;
-    /// From now on `glance` is called several times a second in the thread that waits for Compact. It may end the process, which
-    /// is a crash for the file; it must not open the file or deliver events.
+    /// From now on, the thread that waits for Compact calls `glance` several times a second. It may end the process, which has
+    /// the effect of a crash on the file; it must not open the file or deliver events.
     void WhileCompacting(std::function<void()> glance) { glance_ = std::move(glance); }
     void Rest() override;
 

@@ -19,7 +19,7 @@ constexpr const char* kRowIsGone =
     "Row cannot be located for updating. Some values may have been changed since it was last read.";
 constexpr const char* kRowWasDeleted = "The row was deleted since the query was opened.";
 
-// "`a`=?,`b`=?" with `behindName` "=?".
+// Returns "`a`=?,`b`=?" for a `behindName` of "=?".
 std::string PendingNames(const std::vector<SqlChange>& changes, std::string_view behindName) {
     std::string list;
     for (const SqlChange& change : changes) {
@@ -47,7 +47,7 @@ QVariant KeyOf(std::int64_t key) {
 
 struct SqlTable::Cells {
     std::vector<QVariant> row;
-    std::unordered_map<std::int64_t, QVariant> walked;  ///< of the walked column, by key
+    std::unordered_map<std::int64_t, QVariant> walked;  ///< values of the walked column, by key
     std::vector<QVariant> defaults;
 };
 

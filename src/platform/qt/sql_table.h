@@ -1,4 +1,4 @@
-// One table of an open file: its columns, its rows by their ID, and the statements that change a row.
+// One table of an open file: its columns, its rows by ID, and the statements that change a row.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace korvane {
 
-/// A value that was written to a column of the current row, already in the form of the column.
+/// A value that was written to a column of the current row, already converted to the column's kind.
 struct SqlChange {
     std::string column;
     Value value;
@@ -31,19 +31,19 @@ public:
     const std::string& Name() const { return name_; }
     const std::shared_ptr<const SqlColumns>& Columns() const { return columns_; }
 
-    /// A column of the first of these rows, as it is when it is first looked at. A row of which one column is looked at is seldom
-    /// looked at further: walks over many rows want one column of each. So a row of which a second one is wanted is fetched
-    /// whole, and the first row of a walk at once, but a walk along one column fetches that column of some rows ahead. Throws
-    /// Error when the row is gone.
+    /// Returns a column of the first of these rows, as it is when it is first read. If one column of a row is read, others seldom
+    /// follow: walks over many rows want one column of each. So a row is fetched whole only when a second column of it is read,
+    /// and so is the first row of a walk; a walk along one column fetches that column of some rows ahead. Throws Error when the
+    /// row no longer exists.
     Value Read(std::span<const std::int64_t> keys, std::size_t column);
 
-    /// The next Read looks at the file again.
+    /// Makes the next Read access the file again.
     void Forget();
 
-    /// What the column has in a row that is added without it.
+    /// Returns the column's default value in a row that is added without it.
     Value Default(std::size_t column);
 
-    /// Write the pending changes, or remove the row. Throw Error, Update and Delete also when the row is gone.
+    /// Write the pending changes, or remove the row. All throw Error; Update and Delete also when the row no longer exists.
     std::int64_t Insert(const std::vector<SqlChange>& changes);
     void Update(std::int64_t key, const std::vector<SqlChange>& changes);
     void Delete(std::int64_t key);
@@ -61,11 +61,11 @@ private:
     std::string quotedName_;
     std::shared_ptr<const SqlColumns> columns_;
 
-    std::unique_ptr<Cells> cells_;        // what was read of the table
-    std::optional<std::int64_t> rowKey_;  // of the row that is held whole
-    bool walks_ = false;                  // a row was held before
+    std::unique_ptr<Cells> cells_;        // cached content of the table
+    std::optional<std::int64_t> rowKey_;  // of the row that is cached whole
+    bool walks_ = false;                  // a row was cached before
     std::optional<std::size_t> walkedColumn_;
-    std::optional<std::int64_t> walkedKey_;  // the row that was looked at last in it
+    std::optional<std::int64_t> walkedKey_;  // the last row that was read in it
 };
 
 }  // namespace korvane

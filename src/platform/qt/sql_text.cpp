@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
 
-// The character that ends what `open` begins; 0 when it begins no quotation.
+// Returns the character that closes a quotation opened by `open`, 0 when `open` begins none.
 char ClosingOf(char open) {
     switch (open) {
         case '\'':
@@ -27,7 +27,7 @@ char ClosingOf(char open) {
     }
 }
 
-// Takes one value off the front of a connection string, with the ";" that ends it.
+// Removes one value from the front of a connection string, together with the ";" that ends it.
 std::string TakeValue(std::string_view& rest) {
     const auto start = rest.find_first_not_of(' ');
     rest.remove_prefix(start == std::string_view::npos ? rest.size() : start);
@@ -67,7 +67,7 @@ public:
 
     bool AtKeyword(std::string_view keyword) const { return EqualsNoCase(Word(), keyword); }
 
-    /// Steps over a word, a quotation, what stands in parentheses, or one symbol.
+    /// Skips a word, a quotation, a group in parentheses, or one symbol.
     void Skip() {
         if (Word().empty() && rest_.starts_with('(')) return SkipParentheses();
         const char closing = rest_.empty() ? '\0' : ClosingOf(rest_.front());
@@ -77,7 +77,7 @@ public:
         SkipBlanks();
     }
 
-    /// A name, plain or between brackets or quotes; empty when there is none.
+    /// Returns a name, plain or between brackets or quotes; empty when there is none.
     std::string TakeName() {
         const char closing = rest_.empty() ? '\0' : ClosingOf(rest_.front());
         std::string name;
@@ -110,7 +110,7 @@ private:
     std::string_view rest_;
 };
 
-// "*", or names of columns. `hasRows`: "*" or ID is among them.
+// Takes "*" or a list of column names. `hasRows`: "*" or ID is among them.
 bool TakeList(Words& words, bool& hasRows) {
     hasRows = words.Take("*");
     if (hasRows) return true;
@@ -122,7 +122,8 @@ bool TakeList(Words& words, bool& hasRows) {
     return true;
 }
 
-// Where the first of the keywords stands outside of quotations and parentheses; the length of the text when none does.
+// Returns the position of the first of the keywords outside quotations and parentheses, or the length of the text when there is
+// none.
 std::size_t PlaceOf(std::initializer_list<std::string_view> keywords, std::string_view text) {
     Words words(text);
     const auto found = [&] {

@@ -1,4 +1,4 @@
-// Values on their way in and out of the file.
+// Conversion of values to and from the file.
 #pragma once
 
 #include <optional>
@@ -10,14 +10,14 @@ class QVariant;
 
 namespace korvane {
 
-/// What a column of this kind keeps of a value that is written to it. Throws TypeMismatchError and OverflowError.
+/// Returns what a column of this kind stores for a value. Throws TypeMismatchError and OverflowError.
 Value ForColumn(const Value& value, std::optional<ColumnKind> kind);
 
-/// The value as the driver takes it.
+/// Returns the value in the driver's form.
 QVariant ToBind(const Value& value);
 
-/// What the file holds as its column has it. A stored value that does not fit the kind, which only another program can have left
-/// there, comes as its text, so that the conversion of whoever needs it raises.
+/// Converts a stored value to the kind of its column. A stored value that does not fit the kind, which only another program can
+/// have written, is returned as text, so that the conversion fails where the value is needed.
 Value FromStored(const QVariant& stored, std::optional<ColumnKind> kind);
 
 }  // namespace korvane

@@ -1,4 +1,4 @@
-// The orderly end of a TCP connection (RFC 9293, section 3.6), while whoever had the connection goes on.
+// The orderly end of a TCP connection (RFC 9293, section 3.6), while its former user goes on.
 #pragma once
 
 #include <chrono>
@@ -10,18 +10,18 @@ class QTimer;
 
 namespace korvane {
 
-/// What was written goes out first, then the end is announced. What the other side still says is dropped until it ends its side
-/// too: to close over unread bytes would be a reset, which may cost the other side what it has not read yet. One that takes
-/// longer than the limit, or says more than 1 MB, is cut off.
+/// First sends what was written, then announces the end. Data from the other side is discarded until it ends its side too:
+/// closing over unread bytes would be a reset, which may cost the other side data that it has not read yet. A connection that
+/// takes longer than the limit, or receives more than 1 MB, is cut off.
 class TcpFarewell {
 public:
-    /// `socket` outlives this. Its other signals are the caller's to disconnect.
+    /// `socket` must outlive this. The caller must disconnect its other signals.
     TcpFarewell(QTcpSocket& socket, std::chrono::milliseconds limit);
     ~TcpFarewell();
     TcpFarewell(const TcpFarewell&) = delete;
     TcpFarewell& operator=(const TcpFarewell&) = delete;
 
-    /// Of a socket that is connected. Does not block.
+    /// Requires a connected socket. Does not block.
     void Begin();
     bool Going() const { return going_; }
     /// Resets a connection that has not ended yet, so that the system does not keep its bytes either.
@@ -32,7 +32,7 @@ private:
     void DropArrived();
 
     QTcpSocket& socket_;
-    std::unique_ptr<QTimer> limit_;  ///< receives the signals, too
+    std::unique_ptr<QTimer> limit_;  ///< also receives the signals
     std::int64_t dropped_ = 0;
     bool going_ = false;
 };
