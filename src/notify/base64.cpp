@@ -37,7 +37,7 @@ constexpr std::array<std::uint8_t, 256> kDigits = [] {
     return digits;
 }();
 
-// The one to three bytes of a group of four characters.
+// Returns the one to three bytes of a group of four characters.
 std::optional<std::string> DecodeGroup(std::string_view group) {
     const std::size_t length = std::min(group.find('='), group.size());
     if (length < 2 || group.substr(length).find_first_not_of('=') != std::string_view::npos) return std::nullopt;

@@ -1,5 +1,5 @@
-// Base64 (RFC 4648, section 4) on the bytes of a text, in the three forms that mail needs: a token in a login, its way back,
-// and the lines of an attachment.
+// Base64 (RFC 4648, section 4) on the bytes of a text, for mail: encodes and decodes login tokens, and encodes attachments in
+// lines.
 #pragma once
 
 #include <functional>
@@ -8,15 +8,16 @@
 
 namespace korvane {
 
-/// One line without breaks; empty for the empty text.
+/// Returns one line without breaks; empty for the empty text.
 std::string Base64Encode(std::string_view text);
 
-/// Empty for anything that is not whole groups of four characters of the alphabet, the last characters of a group "=" or "==".
+/// Returns an empty text unless the input consists of whole groups of four characters of the alphabet, where the last group may
+/// end in "=" or "==".
 std::string Base64Decode(std::string_view text);
 
-/// Lines of 72 characters, each with CR LF behind it. A last line whose bytes leave one over when divided by three goes
-/// without its CR LF:
-/// so the form has always been, and the reader puts one there anyway. `afterLine` is called after each line.
+/// Returns lines of 72 characters, each followed by CR LF. If the number of bytes in the last line leaves a remainder of one when
+/// divided by three, that line has no CR LF: this has always been the form, and the mail's reader adds one anyway. `afterLine` is
+/// called after each line.
 std::string Base64EncodeLines(std::string_view contents, const std::function<void()>& afterLine);
 
 }  // namespace korvane

@@ -19,7 +19,7 @@ constexpr const char* kOwnSubject = "Korvane Notify";
 constexpr const char* kMailer = "Brellix Automated Mailer";
 constexpr const char* kHighPriority = "1";
 
-/// A backup name of this length or less counts as not set.
+/// A backup name of at most this length counts as not set.
 constexpr std::size_t kTooShortForBackup = 5;
 
 constexpr int kProgressMax = 100;
@@ -54,7 +54,7 @@ bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string
         return false;
     }
     const RaisedFlag guard(sending_);
-    // A line end in one of these would add a line to the headers or a command to the conversation.
+    // A line end in one of these would add a header line or a command.
     for (std::string* text : std::array{&strTo1, &strTo2, &strFrom, &strSubject})
         *text = WithoutLineEnds(*text);
     strTo1 = NormaliseRecipients(strTo1);
@@ -88,7 +88,7 @@ bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everyb
     return !recipients.empty();
 }
 
-// A login exists only in clsEsmtp; a server without one always goes through the plain mailer.
+// Only clsEsmtp can log in; a server without a login always uses the plain mailer.
 bool Dispatcher::SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError) {
     bool sent = false;
     try {
@@ -97,7 +97,7 @@ bool Dispatcher::SendToOne(const std::string& recipient, const Message& message,
     } catch (const std::exception& error) {
         strError = error.what();
     }
-    strError = WithoutControls(strError);  // it tells what the server said
+    strError = WithoutControls(strError);  // it contains the server's words
     return sent;
 }
 
@@ -133,7 +133,7 @@ bool Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& m
     return sent;
 }
 
-// The person at the desk is meant to see the login as it is used.
+// The operator is meant to see the login as it is used.
 void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
     const std::string texts[] = {
         "Connecting to ESMTP Server " + mycls.SmtpHost,
@@ -154,7 +154,7 @@ void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
 
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {
     const ServerKeys& keys = KeysOf(server);
-    Notification mail = notification;  // SendEmail rewrites what it is given, and a second attempt needs the same message
+    Notification mail = notification;  // SendEmail changes its arguments, and a second attempt needs the same message
     std::string strUser = Setting(keys.user);
     std::string strPass = Setting(keys.password);
     std::string strPopHost = Setting(keys.popHost);

@@ -1,5 +1,5 @@
-// The one way in which this program notifies people: splits the recipients, picks a mailer for each, shows the progress and
-// hands back the reason of a failure.
+// The only way in which this program sends notifications: splits the recipients, chooses a mailer for each, shows the progress
+// and returns the reason of a failure.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace korvane {
 
-/// What a notification says and to whom.
+/// The content and the recipients of a notification.
 struct Notification {
     std::string strTo1;
     std::string strTo2;
@@ -31,7 +31,7 @@ enum class MailServer { Primary, Backup };
 
 struct SendOutcome {
     bool sent = false;
-    std::string strError;  ///< of the last attempt; blank after a success
+    std::string strError;  ///< of the last attempt; empty after a success
 };
 
 class Dispatcher {
@@ -48,46 +48,46 @@ public:
         Log& log;
         const SettingsCollection& settings;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
-        MailTrace* trace = nullptr;         ///< of the conversations with mail servers; null: nobody looks on
+        MailTrace* trace = nullptr;         ///< of the SMTP conversations; null: no trace
     };
 
     struct Options {
-        std::int32_t smtpPort = 25;  ///< anything else is for tests
+        std::int32_t smtpPort = 25;  ///< tests use other ports
         std::int32_t popPort = 110;
         std::string contactAddress = {};  ///< the product's own mailbox, which gets no status line
     };
 
     Dispatcher(const Ports& ports, Options options);
 
-    /// One message to everybody in `strTo1` and `strTo2`, one mail each. False with the reason in `strError` at the first
-    /// recipient whose mail was refused; those after it get none. A login name in `strUser` chooses clsEsmtp, a blank one the
-    /// plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are left as they were used. A call from an event of a running
-    /// one fails with a reason, at every server: whoever notifies from a timer of its own keeps the message and tries again.
-    /// Waits as the mailers do. Throws nothing.
+    /// Sends one message to all recipients in `strTo1` and `strTo2`, one mail each. Returns false with the reason in `strError`
+    /// at the first recipient whose mail was refused; later recipients get none. A login name in `strUser` selects clsEsmtp, an
+    /// empty one the plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are set to the values that were used. A call
+    /// from an event of a running call fails with a reason, at every server: a caller with its own timer must keep the message
+    /// and try again. Waits as the mailers do. Throws nothing.
     bool SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject, std::string& strBody,
                    const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
                    std::string& strPopHost, std::string& strError);
 
-    /// Whether a SendEmail is on the stack, so that another one would be refused.
+    /// Returns whether a SendEmail is on the stack, so that another one would be refused.
     bool Sending() const { return sending_; }
 
-    /// The same through the server that the settings name.
+    /// The same through the server in the settings.
     SendOutcome SendThrough(MailServer server, const Notification& notification);
 
-    /// How every notification goes: through the primary server, and when that failed through the backup, if a name longer than
-    /// 5 characters is set for it.
-    /// `primaryFailed` hears the reason before the second attempt.
+    /// Used for every notification: tries the primary server and, when that failed, the backup if a name longer than 5 characters
+    /// is set for it. `primaryFailed` receives the reason before the second attempt.
     SendOutcome SendWithBackup(const Notification& notification,
                                const std::function<void(const std::string& strError)>& primaryFailed = {});
 
-    /// The operator's test, asked for and answered in boxes: through the primary server and, where one is set, through the backup
-    /// too. `done` gets true when every send that was tried succeeded, false when one failed or the operator said no.
+    /// The operator's test mail, with a question before and the results in message boxes: sends through the primary server and,
+    /// if set, also through the backup. `done` receives true when every attempted send succeeded, false when one failed or the
+    /// operator declined.
     void TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
                    const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
                    const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done);
 
 private:
-    /// The message on its way to one recipient after the other; its sender may become the first of them.
+    /// The message while it goes to one recipient after the other; its sender may become the first of them.
     struct Message {
         std::string strFromName;
         std::string strFrom;
@@ -122,7 +122,7 @@ private:
     bool sending_ = false;
 };
 
-/// Two lines on the system and the program for the About box. `version` is "major.minor.revision".
+/// Returns two lines about the system and the program for the About box. `version` is "major.minor.revision".
 std::string GetSysInfoString(const SystemInfo& system, const std::string& version);
 
 }  // namespace korvane

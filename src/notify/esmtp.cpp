@@ -1,5 +1,5 @@
-// The conversation of clsEsmtp from its first step to its report. How it logs in is in esmtp_login.cpp, how it sends and waits in
-// esmtp_wire.cpp.
+// The conversation of clsEsmtp from its first step to its report. esmtp_login.cpp contains the logins, esmtp_wire.cpp sending and
+// waiting.
 #include "notify/esmtp.h"
 
 #include <utility>
@@ -18,7 +18,7 @@ constexpr int kStartMailInput = 354;
 constexpr std::string_view kNotPositive = "SMTP server did not reply positively to client's command";
 constexpr std::string_view kRefusedMessage = "SMTP server refused to accept/relay email message";
 
-// A server that does not know EHLO says so with one of these.
+// A server that does not know EHLO answers with one of these codes.
 bool WantsHelo(int code) {
     return code == 500 || code == 502 || code == 554;
 }
@@ -84,7 +84,7 @@ bool clsEsmtp::SayHello() {
     return End("Expected 250. Didn't receive it.");
 }
 
-// Servers take a bare IPv4 address; an IPv6 address only as a literal (RFC 5321, section 4.1.3), which has no zone.
+// Servers accept a bare IPv4 address; an IPv6 address must be a literal (RFC 5321, section 4.1.3), which has no zone.
 std::string clsEsmtp::OwnAddress() const {
     const std::string address = sckInternet.LocalIP();
     return Holds(address, ":") ? "[IPv6:" + address.substr(0, address.find('%')) + "]" : address;
@@ -100,8 +100,8 @@ bool clsEsmtp::SayPlainHello() {
 bool clsEsmtp::NameSender() {
     emailFromAddress = Trim(emailFromAddress);
     if (emailFromAddress.starts_with('<')) emailFromAddress.erase(0, 1);
-    // Two characters are looked at, so only an address of ">" alone loses it; mail rules of our users know the addresses in
-    // this form.
+    // Two characters are compared, so only an address that is just ">" loses it; users' mail rules rely on addresses in this
+    // form.
     if (emailFromAddress == ">") emailFromAddress.clear();
     emailFromName = Trim(ReplaceAll(emailFromName, "\"", ""));
     if (emailFromName.empty()) emailFromName = emailFromAddress;
@@ -140,7 +140,7 @@ bool clsEsmtp::SendMessage() {
 }
 
 bool clsEsmtp::EndData() {
-    const bool ended = SendLine(".");  // a reply that came before it, and a close behind, is no answer to it
+    const bool ended = SendLine(".");  // a reply that came before the dot does not answer it, nor does a close after that reply
     if (GetSmtpReply(kSmtpTries, true) == kDone && ended) return true;
     Complain("EOM: " + std::string(kRefusedMessage));
     return false;

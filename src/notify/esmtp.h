@@ -1,4 +1,4 @@
-// One mail to one server over one connection: an optional POP login first, then SMTP (RFC 5321) with a login (RFC 4954) where
+// Sends one mail to one server over one connection: first an optional POP login, then SMTP (RFC 5321) with a login (RFC 4954) if
 // the server offers one.
 #pragma once
 
@@ -23,7 +23,7 @@
 
 namespace korvane {
 
-/// Meant for one SendMail: made, filled, asked once, dropped. Nothing is queued or tried again.
+/// For a single SendMail: create it, fill it, call SendMail once, destroy it. Nothing is queued or tried again.
 class clsEsmtp : public MailProperties {
 public:
     struct Ports {
@@ -31,14 +31,14 @@ public:
         const Clock& clock;
         Events& events;
         GuidSource& guids;
-        MailTrace* trace = nullptr;  ///< null: nobody looks on
+        MailTrace* trace = nullptr;  ///< null: no trace
     };
 
     /// Numbers of StateChange.
     enum State {
         kConnecting = 0,
         kConnected = 1,
-        kAuthorizing = 2,  ///< once for each mechanism tried
+        kAuthorizing = 2,  ///< raised once for each mechanism tried
         kSendingMail = 3,
         kMailSent = 4,
         kDisconnecting = 5,
@@ -50,18 +50,19 @@ public:
         kPopDisconnected = 11,
     };
 
-    /// What the owner may hear of. Each may be empty. They come from inside SendMail.
+    /// Events for the owner, called from inside SendMail. Each may be empty.
     struct Handlers {
         MailMessage::ReadFileError ReadFileError = {};
         std::function<void(int State)> StateChange = {};
-        /// The server refused the login. Cancel is true; a handler that has better texts clears it, and the login starts again.
+        /// The server refused the login. Cancel is true; a handler that has corrected the texts clears it, and the login starts
+        /// again.
         std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestPOPLogin = {};
         std::function<void(std::string& UserID, std::string& Password, bool& Cancel)> RequestESMTPLogin = {};
-        /// The socket's own error, with all that our sockets tell of one.
+        /// The socket's own error, with the number and text that the socket gave.
         std::function<void(int number, const std::string& Description)> WinsockError = {};
     };
 
-    /// `sckInternet` is the caller's, and nobody else may use it while this object lives: its events come here.
+    /// The caller owns `sckInternet`. Nothing else may use it while this object lives and receives its events.
     clsEsmtp(const Ports& ports, TcpSocket& sckInternet);
     ~clsEsmtp();
     clsEsmtp(const clsEsmtp&) = delete;
@@ -69,21 +70,21 @@ public:
 
     void SetHandlers(Handlers handlers) { handlers_ = std::move(handlers); }
 
-    /// Empties every text, sets the ports to 25 and 110. What servers offered so far stays known.
+    /// Empties every text, sets the ports to 25 and 110. The known features of the server remain.
     void Reset();
 
-    /// True only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may still
-    /// tell of a login that failed on the way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for each
-    /// POP reply, and 60 for each piece that the socket does not get rid of. Throws nothing.
+    /// Returns true only when the server answered 250 to the end of the message. On false ErrorLog is the report; on true it may
+    /// still report a login that failed on the way. Waits through the event pump: up to 30 seconds for each SMTP reply, 60 for
+    /// each POP reply, and 60 for each piece that the socket cannot send. Throws nothing.
     bool SendMail();
 
-    /// The first four characters of the reply that arrived last.
+    /// Returns the first four characters of the latest reply.
     const std::string& strLastData() const { return strLastData_; }
 
 private:
     enum class Phase { Closed = 0, Smtp = 1, Pop = 2 };
-    static constexpr std::chrono::seconds kSilence{60};  ///< of the socket while it sends
-    static constexpr int kSmtpTries = 30;                ///< of a second each
+    static constexpr std::chrono::seconds kSilence{60};  ///< limit for the socket while it sends
+    static constexpr int kSmtpTries = 30;                ///< one second each
     static constexpr int kPopTries = 60;
 
     enum SendFlag { kSendPending = 0, kSendComplete = 1, kSendProgress = 3, kSendError = -1 };
@@ -106,7 +107,7 @@ private:
     void Hangup();
     void Report();
 
-    // The POP login's own steps.
+    // The steps of the POP login.
     bool ConnectToPop();
     void AuthorizePop();
     bool SendPopUser();
@@ -114,7 +115,7 @@ private:
     bool HasBetterPopLogin();
     void LeavePop();
 
-    /// How a try to log in ended: what the loop over the mechanisms does next.
+    /// The result of a login attempt, which decides how the loop over the mechanisms continues.
     enum class Attempt { NextMechanism, StartAgain, Over, CannotSend };
     Attempt TryMechanisms();
     Attempt TryCramMD5();
@@ -122,10 +123,10 @@ private:
     Attempt TryPlain();
     bool HasBetterLogin(std::string_view problem);
 
-    // The wire.
+    // Sending and receiving.
     void ListenToSocket();
     void OpenConnection(const std::string& host, std::int32_t port);
-    enum class Shown { Whole, Not };  ///< how a line stands in the trace
+    enum class Shown { Whole, Not };  ///< how the trace shows a line
     bool SendPiece(const std::string& piece);
     bool SendLine(const std::string& line, Shown shown = Shown::Whole);
     bool SendCommand(std::string_view text, const std::string& shown);
@@ -166,10 +167,10 @@ private:
     std::size_t messageBytes_ = 0;
     std::string strLastData_;
     std::string taken_;        ///< the last reply with its line ends
-    std::string lastReply_;    ///< without the last
+    std::string lastReply_;    ///< without the last line end
     std::string lastCommand_;  ///< its first line
-    std::string challenge_;    ///< of the last 334
-    std::string note_;         ///< why the conversation ended, for the report
+    std::string challenge_;    ///< of the last 334 reply
+    std::string note_;         ///< reason for the end of the conversation, for the report
     std::string popUser_;
     std::string popPassword_;
 };

@@ -17,7 +17,7 @@ constexpr std::string_view kAsksPassword = "UGFzc3dvcmQ6";
 
 }  // namespace
 
-// A failed POP login does not stop the mail: the SMTP server may take it all the same.
+// A failed POP login does not stop the mail: the SMTP server may accept it anyway.
 void clsEsmtp::LoginToPop() {
     if (ConnectToPop()) {
         AuthorizePop();
@@ -118,7 +118,7 @@ clsEsmtp::Attempt clsEsmtp::TryCramMD5() {
     return HasBetterLogin("authenticating user on SMTP server failed") ? Attempt::StartAgain : Attempt::NextMechanism;
 }
 
-// Each of the two lines is sent only to the question it answers.
+// Each of the two lines is sent only in answer to its own question.
 clsEsmtp::Attempt clsEsmtp::TryLogin() {
     if (!SendLine("AUTH LOGIN")) return Attempt::CannotSend;
     int code = GetSmtpReply(kSmtpTries, true);

@@ -1,4 +1,4 @@
-// How clsEsmtp sends a line and waits for what the server says, through the socket's events and two flags that they set.
+// How clsEsmtp sends a line and waits for the server's reply, through the socket's events and the two flags that they set.
 #include <algorithm>
 #include <cmath>
 
@@ -12,10 +12,10 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-/// Midnight is no event: a wait looks for it this often.
+/// Midnight raises no event, so a wait checks for it at this interval.
 constexpr milliseconds kLookAgain{1000};
 
-// Until `moment` on the clock of the day, and never nothing, so that a wait comes to its end.
+// Returns the time until `moment` on the day clock, and at least 1 ms, so that the caller's wait always ends.
 milliseconds Until(double moment, double now) {
     return std::max(milliseconds(1), milliseconds(static_cast<std::int64_t>(std::ceil((moment - now) * 1000))));
 }
@@ -42,7 +42,7 @@ void clsEsmtp::ListenToSocket() {
     });
 }
 
-// A connection that cannot even be tried is found by the wait for the greeting, like any other that fails.
+// A connection that cannot even be attempted is detected by the wait for the greeting, like any other failure.
 void clsEsmtp::OpenConnection(const std::string& host, std::int32_t port) {
     replyFlag_ = kNoReply;
     const bool tried = IgnoreErrors([&] {
@@ -55,8 +55,8 @@ void clsEsmtp::OpenConnection(const std::string& host, std::int32_t port) {
     if (!tried) replyFlag_ = kReplyError;
 }
 
-// True also when the socket has not got rid of the text in time or broke meanwhile: the wait for the reply is what finds the
-// trouble.
+// Returns true even if the socket has not sent the text in time or broke meanwhile: the wait for the reply then detects the
+// problem.
 bool clsEsmtp::SendCommand(std::string_view text, const std::string& shown) {
     sendFlag_ = kSendPending;
     if (sckInternet.State() != SocketState::Connected) {
@@ -69,7 +69,7 @@ bool clsEsmtp::SendCommand(std::string_view text, const std::string& shown) {
     }
     const std::size_t lineEnd = text.find('\r');
     if (lineEnd == std::string_view::npos) lastReply_.clear();
-    lastCommand_ = shown == kNotShown ? kNotShown : text.substr(0, lineEnd);  // the report of a failure tells it
+    lastCommand_ = shown == kNotShown ? kNotShown : text.substr(0, lineEnd);  // for the report of a failure
     if (!shown.empty()) TraceSent(shown);
     WaitUntilSent(kSilence);
     return true;
@@ -80,14 +80,14 @@ void clsEsmtp::WaitUntilSent(seconds timeout) {
     double start = ports_.clock.Timer();
     while (sendFlag_ != kSendComplete) {
         const double now = ports_.clock.Timer();
-        if (sendFlag_ == kSendProgress || now < start) start = now;  // it goes on; or midnight has passed
+        if (sendFlag_ == kSendProgress || now < start) start = now;  // there was progress, or midnight has passed
         if (sendFlag_ == kSendProgress) sendFlag_ = kSendPending;
         if (now - start > limit) return;
         ports_.events.WaitForEvent(std::min(Until(start + limit, now), kLookAgain));
     }
 }
 
-// Of the message the trace shows its size alone, once it is through.
+// The trace shows only the size of the message, after it was sent.
 bool clsEsmtp::SendPiece(const std::string& piece) {
     messageBytes_ += piece.size();
     return SendCommand(piece, "");
@@ -127,7 +127,7 @@ bool clsEsmtp::GetPopReply(int tries, bool sent) {
     return false;
 }
 
-// One try of a second.
+// Makes one try, which takes a second.
 clsEsmtp::Look clsEsmtp::LookForReply(ReplyFlag expected, bool sent) {
     if (!sent && sckInternet.State() != SocketState::Connected) {
         Complain("Remote host disconnected");
@@ -136,7 +136,8 @@ clsEsmtp::Look clsEsmtp::LookForReply(ReplyFlag expected, bool sent) {
     const Waited waited = WaitForReply(expected, seconds(1));
     if (waited.expected) return TakeReply() ? Look::Taken : Look::NotYet;
     if (waited.flag == kNoReply) return Look::NotYet;
-    if (ports_.trace != nullptr) TraceReceived(ToUtf8(sckInternet.PeekData(kMostOfAReply)));  // what the server said in vain
+    if (ports_.trace != nullptr) TraceReceived(ToUtf8(sckInternet.PeekData(kMostOfAReply)));  // the server's words that were no
+                                                                                              // reply
     return Look::Vain;
 }
 
@@ -155,7 +156,7 @@ clsEsmtp::Waited clsEsmtp::WaitForReply(ReplyFlag expected, seconds limit) {
     return waited;
 }
 
-// Whole lines only; what has no line end yet stays with the socket.
+// Takes whole lines only; an incomplete line stays in the socket.
 bool clsEsmtp::TakeReply() {
     const WholeReply reply = FindReply(sckInternet.PeekData());
     if (reply.length == 0) return false;
@@ -173,7 +174,7 @@ void clsEsmtp::TraceReceived(const std::string& reply) {
     if (ports_.trace != nullptr && !reply.empty()) ports_.trace->setReceiveMsg(Left(reply, kMostOfAReply));
 }
 
-// The code when this reply is the answer; nothing when more of it is to come.
+// Returns the code when this reply is the answer, or nothing when more of it is still to come.
 std::optional<int> clsEsmtp::ReadSmtpReply(bool& multiLine, int& code) {
     const std::string first = lastReply_.substr(0, 4);
     if (first == "250-") {
@@ -191,15 +192,16 @@ std::optional<int> clsEsmtp::ReadSmtpReply(bool& multiLine, int& code) {
     return ReplyCode(first);
 }
 
-// What was sent or said before the server closed counts all the same: a server says why it wants no mail, or goodbye, and
-// closes in one breath.
+// Data that was sent or received before the server closed still counts: a server may refuse mail, or say goodbye, and close
+// immediately afterwards.
 void clsEsmtp::SocketClosed() {
     phase_ = Phase::Closed;
     if (sendFlag_ != kSendComplete) sendFlag_ = kSendPending;
     if (replyFlag_ == kReplyError) replyFlag_ = kNoReply;
 }
 
-// The rest of a reply is mostly there already, and sometimes the end of the connection behind it; so the phase is the one before.
+// Usually the rest of a reply is there already, and sometimes the end of the connection after it, so the phase is the previous
+// one.
 void clsEsmtp::DataArrival() {
     const Phase phase = phase_;
     ports_.events.DoEvents();

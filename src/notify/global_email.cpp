@@ -14,8 +14,8 @@ constexpr std::string_view kToList2 = "TO_LIST2=";
 constexpr std::string_view kFrom = "FROM=";
 constexpr std::string_view kSubject = "SUBJECT=";
 
-/// Gives the items of a text one by one. A quoted item may hold commas and line ends; what follows its second quote is an item
-/// of its own, if it is anything.
+/// Returns the items of a text one by one. A quoted item may contain commas and line ends; text after its closing quote is a
+/// separate item, unless it is empty.
 class Items {
 public:
     explicit Items(std::string_view text) : rest_(text) {}
@@ -63,7 +63,7 @@ void clsGlobalEmail::OpenFile() {
     });
 }
 
-// The key may stand anywhere in the item, and an item may have several.
+// The key may be anywhere in the item, and an item may contain several keys.
 void clsGlobalEmail::TakeItem(std::string_view item) {
     const std::size_t equals = item.find('=');
     if (equals == std::string_view::npos) return;
@@ -78,7 +78,7 @@ void clsGlobalEmail::TakeItem(std::string_view item) {
     take(kSubject, strSubject_);
 }
 
-// A line end in one of the texts would make a line of its own.
+// A line end in one of the texts would start a new line of the file.
 void clsGlobalEmail::UpdateData() {
     const auto line = [](std::string_view key, const std::string& text) {
         return std::string(key) + WithoutLineEnds(text) + "\r\n";

@@ -1,4 +1,5 @@
-// The notification addresses that all entries share, in a small text file beside the program: what a new entry begins with.
+// The notification addresses shared by all entries, in a small text file in the program's folder: the initial values of a new
+// entry.
 #pragma once
 
 #include <string>
@@ -13,12 +14,12 @@ public:
     /// The file is `<dir>/GlobalEmail.dat`. `files` must outlive this.
     clsGlobalEmail(Files& files, const std::string& dir) : files_(files), path_(dir + "/GlobalEmail.dat") {}
 
-    /// Reads the file into the four texts. An item ends at a comma or a line end, leading blanks are dropped and double quotes
-    /// delimit it, so a list joined by commas is cut at the first of them. Items without a known key are passed over. Without a
-    /// file, or with one that cannot be read, the texts stay as they are.
+    /// Reads the file into the four texts. An item ends at a comma or a line end; leading spaces are dropped and double quotes
+    /// delimit it, so a list joined by commas is cut at the first of them. Items without a known key are ignored. If the file is
+    /// missing or unreadable, the texts stay unchanged.
     void OpenFile();
 
-    /// Writes the four texts, a line each, replacing the file. What could not be written is reported by nothing.
+    /// Writes the four texts, one line each, replacing the file. A write error is not reported.
     void UpdateData();
 
     const std::string& getToList1() const { return strToList1_; }

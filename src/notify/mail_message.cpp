@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view kGuidFailed = "00000000";
-/// Without random bytes all boundaries are the same, and one that stands in the text will be found there each time.
+/// Without random bytes all boundaries are the same, and a boundary that occurs in the text would be found there each time.
 constexpr int kBoundaryTries = 100;
 constexpr std::string_view kBoundaryMark = "----=_";
 constexpr std::string_view kMixed = "mixed";
@@ -26,8 +26,8 @@ constexpr const char* kMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 constexpr int kFileNotFound = 53;
 constexpr int kFileAccessError = 75;
 
-/// An attachment is encoded in lines of a few bytes each. To look for events after every one of them would cost far more than
-/// the encoding.
+/// An attachment is encoded in lines of a few bytes each. Delivering events after every line would cost far more than the
+/// encoding.
 constexpr auto kPumpPeriod = 5ms;
 
 std::string Quoted(std::string_view text) {
@@ -39,7 +39,7 @@ std::string LeftTrimmed(std::string_view text) {
     return begin == std::string_view::npos ? "" : std::string(text.substr(begin));
 }
 
-/// What stands behind the last dot, with the dot; without any dot the whole path.
+/// Returns the text from the last dot on, with the dot; without a dot the whole path.
 std::string ExtensionOf(const std::string& path) {
     const std::string extension = LeftTrimmed(path.substr(path.rfind('.') + 1));
     return extension.empty() ? "" : "." + extension;
@@ -65,7 +65,7 @@ std::string MultipartType(std::string_view kind, const std::string& boundary) {
     return "Content-Type: multipart/" + std::string(kind) + ";\r\n\tboundary=" + Quoted(boundary) + "\r\n";
 }
 
-// No empty line stands before the sentence; readers take it for a broken header and go on.
+// There is no empty line before the sentence; readers take it for a broken header and continue.
 std::string MultipartHead(std::string_view kind, const std::string& boundary) {
     return "MIME-Version: 1.0\r\n" + MultipartType(kind, boundary) + "This is a multi-part Message in MIME format.\r\n\r\n" +
            Delimiter(boundary);
@@ -135,7 +135,7 @@ void MailMessage::EncodeAttachments(const ReadFileError& failed) {
         ports_.events.DoEvents();
         pumped = ports_.clock.GetTickCount();
     };
-    const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the list is the owner's
+    const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the owner may change the list
     for (const std::string& path : paths) {
         std::string contents;
         std::string description;
@@ -191,7 +191,7 @@ bool MailMessage::SendBody(const SendPiece& send) const {
     return true;
 }
 
-// All text is labelled us-ascii, whatever it holds.
+// All text is labelled us-ascii, whatever it contains.
 std::string MailMessage::TextPiece() const {
     const std::string text = PartHead("text/plain") + mail_.plainMessage + "\r\n\r\n";
     return mail_.htmlMessage.empty() ? text : text + Delimiter(boundaryTwo_);

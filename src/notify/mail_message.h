@@ -1,5 +1,4 @@
-// What a mail says and how it goes out after DATA: header lines in their order, text, HTML and attachments, one piece after
-// the other.
+// The content of a mail and its form after DATA: ordered header lines, text, HTML and attachments, one piece after the other.
 #pragma once
 
 #include <cstdint>
@@ -16,56 +15,56 @@
 
 namespace korvane {
 
-/// Everything the caller fills before a mail is sent. Texts go out as they stand, so line ends in a header are the caller's to
-/// keep out.
+/// Everything that the caller fills in before a mail is sent. Texts are sent unchanged, so the caller must keep line ends out of
+/// headers.
 struct MailProperties {
     std::string emailTo;           ///< recipients; rewritten in their normal form
     std::string emailFromAddress;  ///< of the envelope and the From header
     std::string emailFromName;
-    std::string emailReplyTo;  ///< blank: no such header, here and below
-    std::string emailCC;       ///< header only, nobody is sent a copy
-    std::string bcc;           ///< held, and not used
+    std::string emailReplyTo;  ///< empty: no such header, here and below
+    std::string emailCC;       ///< header only, no copy is sent
+    std::string bcc;           ///< stored but not used
     std::string subject;
     std::string SmtpHost;
     std::int32_t smtpport = 25;
-    std::string POPhost;  ///< blank: no POP login before
+    std::string POPhost;  ///< empty: no POP login
     std::int32_t popPort = 110;
     std::string plainMessage;
-    std::string htmlMessage;  ///< blank: none
+    std::string htmlMessage;  ///< empty: none
     std::vector<std::string> AttachFiles;
     std::string UserID;    ///< for POP and for SMTP
     std::string Password;  ///< in the clear, in memory
-    std::string ErrorLog;  ///< what went wrong, for a person
+    std::string ErrorLog;  ///< a readable error report
     std::string emailXMailer;
     std::string emailXSender;
     std::string emailXPriority;
-    std::string emailTimeZoneAdjust;  ///< zone of the Date header, with local time before it; blank: UTC
+    std::string emailTimeZoneAdjust;  ///< zone of the Date header, which then has local time; empty: UTC
 };
 
-/// 32 upper-case hexadecimal digits, or "00000000" when the system gives none.
+/// Returns 32 upper-case hexadecimal digits, or "00000000" when the system provides none.
 std::string NewGuidText(GuidSource& guids);
 
-/// "Sat, 21 Nov 2026 15:04:05 -0500" for a zone of "-0500", which goes with local time; UTC and "-0000" without one.
+/// Returns "Sat, 21 Nov 2026 15:04:05 -0500" for the zone "-0500", with local time; without a zone UTC and "-0000".
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
 
-/// CR LF, LF and CR become a blank each, so that no text can add a line to the headers or to the conversation.
+/// Replaces each CR LF, LF and CR by a space, so that no text can add a header line or a command.
 std::string WithoutLineEnds(std::string_view text);
 
-/// Every line end becomes CR LF, the only one that mail knows (RFC 5321, section 2.3.8): what servers say and people write has
+/// Replaces every line end by CR LF, the only one valid in mail (RFC 5321, section 2.3.8): server replies and typed texts contain
 /// others too.
 std::string WithMailLineEnds(std::string_view text);
 
-/// A "." at the beginning of a line is doubled (RFC 5321, section 4.5.2). Only CR LF ends a line.
+/// Doubles a "." at the beginning of a line (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
 
-/// A whole file of raw bytes into `contents`. Returns 0, or the number of the failure with its words in `description`. Blocks
-/// on the disk.
+/// Reads a whole file as raw bytes into `contents`. Returns 0, or the error number with its text in `description`. Blocks on the
+/// disk.
 int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description);
 
 class MailMessage {
 public:
     using ReadFileError = std::function<void(int ErrNo, const std::string& ErrDesc, const std::string& FileName)>;
-    /// Sends a piece; false ends the message.
+    /// Sends a piece; returning false ends the message.
     using SendPiece = std::function<bool(const std::string& piece)>;
 
     struct Ports {
@@ -75,16 +74,16 @@ public:
         GuidSource& guids;
     };
 
-    /// Everything is borrowed and must outlive this.
+    /// Holds references; everything must outlive this.
     MailMessage(const Ports& ports, MailProperties& mail) : ports_(ports), mail_(mail) {}
 
-    /// Before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries and
-    /// stuffs both bodies in place.
-    /// An attachment that can't be read is told to `failed` and goes out empty; an entry without a name is removed from the list.
+    /// Must run before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries
+    /// and dot-stuffs both bodies in place. `failed` is called for an attachment that cannot be read, which is then sent empty;
+    /// an entry without a name is removed from the list.
     void Prepare(const ReadFileError& failed);
 
-    /// Headers and body, whether all pieces went out. The end-of-data dot is not among them. No multipart is ever closed by its
-    /// "--boundary--" line: readers take the end of the mail for it.
+    /// Sends headers and body, without the end-of-data dot, and returns whether all pieces were sent. No multipart is ever closed
+    /// by its "--boundary--" line: readers accept the end of the mail instead.
     bool Send(const std::string& localHostName, const SendPiece& send) const;
 
 private:

@@ -67,7 +67,7 @@ void AddBlock(State& state, std::string_view block) {
     state[3] += d;
 }
 
-// The rest of the text, a one bit, zeros, and the length in bits in the last eight bytes of a block.
+// Returns the rest of the text, a one bit, zeros, and the length in bits in the last eight bytes of a block.
 std::string LastBlocks(std::string_view rest, std::uint64_t length) {
     std::string last(rest);
     last += static_cast<char>(0x80);

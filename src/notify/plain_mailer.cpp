@@ -16,11 +16,11 @@ using namespace std::chrono_literals;
 
 constexpr auto kWaitStep = 250ms;
 
-/// Nobody looks at more of an arrival than this.
+/// A reply is kept up to about this size; the rest is dropped.
 constexpr std::size_t kMostKept = 65536;
 
 constexpr auto kReplyLimit = 21s;
-constexpr auto kSilence = 61s;  ///< of the socket while it sends
+constexpr auto kSilence = 61s;  ///< limit for the socket while it sends
 
 constexpr const char* kReplyTimedOut = "SMTP service error, timed out while waiting for Email Server Response.";
 constexpr const char* kSendTimedOut = "SMTP service error, timed out while sending the message.";
@@ -142,7 +142,7 @@ bool PlainMailer::SendMessage(const Mail& mail) {
     return WaitForSend();
 }
 
-// A mail is sent only when the server has said goodbye.
+// A mail counts as sent only when the server has answered QUIT.
 bool PlainMailer::Quit() {
     SendLine("quit");
     ports_.status.setStatusMSG("Disconnecting...");
@@ -152,8 +152,8 @@ bool PlainMailer::Quit() {
     return true;
 }
 
-// The first three characters of what has arrived since the last look count: the first line of several passes, and the lines that
-// come later stand as the reply to the next command.
+// Only the first three characters of the data since the last check count: the first line of a multi-line reply is accepted, and
+// its later lines are taken as the reply to the next command.
 bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     const ReplyLimit limit(ports_.clock, kReplyLimit);
     while (reply_.empty()) {

@@ -1,5 +1,5 @@
-// The older way to send a mail: SMTP (RFC 5321) without a login, one reply for each command. It serves every server that has no
-// login name, which is the ordinary case. Its order of headers, the case of its commands and its limits are its own.
+// The older mailer: SMTP (RFC 5321) without a login, one reply for each command. It serves every server that has no login name,
+// which is the usual case. It has its own header order, case of commands and limits.
 #pragma once
 
 #include <cstddef>
@@ -20,24 +20,24 @@ namespace korvane {
 class PlainMailer {
 public:
     struct Ports {
-        TcpSocket& socket;  ///< of this mailer alone; it takes the socket's events
+        TcpSocket& socket;  ///< used by this mailer alone, which receives its events
         const Clock& clock;
         Events& events;
         Operator& person;
         StatusLog& status;
         Log& log;
-        MailTrace* trace = nullptr;  ///< null: nobody looks on
+        MailTrace* trace = nullptr;  ///< null: no trace
     };
 
-    /// `port` is 25 but for tests.
+    /// `port` is 25 except in tests.
     explicit PlainMailer(const Ports& ports, std::int32_t port = 25);
     ~PlainMailer();
     PlainMailer(const PlainMailer&) = delete;
     PlainMailer& operator=(const PlainMailer&) = delete;
 
-    /// Whether the server took the mail; if not, `strError` tells why. Line ends in addresses, names and subject become blanks.
-    /// With `strBoundary` not blank the headers of a multipart are added and its sentence put behind the body. Waits through the
-    /// event pump, up to 21 seconds for each reply and 61 for each piece of the body. One mail at a time.
+    /// Returns whether the server accepted the mail; if not, `strError` has the reason. Line ends in addresses, names and subject
+    /// become spaces. If `strBoundary` is not empty, the headers of a multipart are added and its sentence follows the body.
+    /// Waits through the event pump, up to 21 seconds for each reply and 61 for each piece of the body. Only one mail at a time.
     bool SendPlainMail(const std::string& strToAddress, const std::string& strToName, const std::string& strFromName,
                        const std::string& strFromAddress, const std::string& strSubject, const std::string& strBody,
                        const std::string& strServer, const std::string& strZone, std::string& strError,

@@ -8,8 +8,8 @@
 namespace korvane {
 namespace {
 
-// As they stand at the head of a reply. A code is known by its three digits alone (its line may end there), with a blank behind,
-// and with a CR in front.
+// The forms at the beginning of a reply. A code is recognised by its three digits alone (its line may end there), followed by a
+// space, or preceded by a CR.
 constexpr std::array<std::string_view, 27> kSmtpCodes = {"220", "221", "235", "250", "251", "334", "354", "421", "432",
                                                          "450", "451", "452", "454", "500", "501", "502", "503", "504",
                                                          "530", "534", "535", "538", "550", "551", "552", "553", "554"};

@@ -1,4 +1,4 @@
-// The operator's test of the mail settings: a question, a mail through each server that is set, and a box that tells how it went.
+// The operator's test of the mail settings: a question, a mail through each configured server, and a message box with the result.
 #include "base/text.h"
 #include "notify/dispatcher.h"
 
