@@ -26,7 +26,7 @@ std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir) {
     return connection;
 }
 
-// A query that finds nothing and a row that is begun and dropped: its fields tell which columns there are.
+// Opens a query without results and begins a row that is then discarded: its fields show which columns exist.
 void FindMissingColumns(Store& store, Connection& connection, const TableSchema& table, std::vector<std::string>& missing) {
     const std::string name(table.name);
     const auto row = store.NewRecordset();
@@ -73,7 +73,7 @@ bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::stri
             return false;
         }
         const auto connection = OpenDatabase(store, dir);
-        const auto none = store.NewRecordset();  // a database of something else opens too
+        const auto none = store.NewRecordset();  // a database of another program opens too
         none->Open("SELECT * from servers where id < 0", *connection, CursorType::Keyset, LockType::Optimistic);
         none->Close();
         connection->Close();

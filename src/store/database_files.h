@@ -1,4 +1,4 @@
-// The files beside the program, the two connection texts for the database, and the tests that start-up makes of it.
+// The files in the program's folder, the two connection texts for the database, and the database checks at start-up.
 #pragma once
 
 #include <span>
@@ -12,36 +12,36 @@
 namespace korvane {
 
 constexpr std::string_view kDatabaseFile = "kvdata2.mdb";
-/// The blank database.
+/// The empty database.
 constexpr std::string_view kEmptyDatabaseFile = "kvempty.mdb";
 
-/// A page that reports are made from; `word` names it in messages.
+/// A template page for reports; `word` names it in messages.
 struct ReportTemplate {
     std::string_view file;
     std::string_view word;
 };
 
-/// In the order in which start-up looks for them.
+/// Returns the templates in the order in which start-up checks them.
 std::span<const ReportTemplate> ReportTemplates();
 
 std::string DatabasePath(const std::string& dir);
 
-/// A path that holds ";" or a double quote stands in double quotes, with double quotes inside it doubled.
+/// A path that contains ";" or a double quote is put in double quotes, with double quotes inside it doubled.
 std::string OdbcConnectionText(const std::string& dir);
 std::string OleDbConnectionText(const std::string& dir);
 
-/// Whether the database is there and opens; if not, `errorText` says why.
+/// Returns whether the database exists and can be opened; if not, `errorText` says why.
 bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::string& errorText);
 
-/// Why nothing can be written to the database now; blank when it can be. Leaves it as it is, to the byte.
+/// Returns why the database cannot be written now, empty when it can be. Does not change a byte of it.
 std::string WriteProblemOf(Store& store, const std::string& dir);
 
-/// Before a database is put in the place of one that is not there: what SQLite left beside that one would be rolled back into
-/// it. Throws Error.
+/// Must be called before a database is put in the place of a missing one: SQLite would roll leftover journals of the missing one
+/// back into it. Throws Error.
 void RemoveJournals(Files& files, const std::string& database);
 
-/// What the database lacks of DatabaseSchema(): "Servers.nAveSession" for a column, "Failures" for a whole table. Throws Error
-/// when it cannot be opened.
+/// Returns what the database lacks of DatabaseSchema(): "Servers.nAveSession" for a column, "Failures" for a whole table. Throws
+/// Error when it cannot be opened.
 std::vector<std::string> MissingColumns(Store& store, const std::string& dir);
 
 }  // namespace korvane

@@ -3,7 +3,7 @@
 namespace korvane {
 namespace {
 
-// The first save carries the entries into the tables, the second the mark into the file. Without the mark the next start tries
+// The first save moves the entries into the tables, the second writes the mark to the file. Without the mark the next start tries
 // again.
 void SaveAndMarkImported(const ImportPorts& ports) {
     ports.settings.cmdSave();

@@ -1,4 +1,4 @@
-// The one-time move of an older installation's entries from the settings file into the database, at the first start with a
+// The one-time import of an older installation's entries from the settings file into the database, at the first start with a
 // database.
 #pragma once
 
@@ -22,9 +22,9 @@ struct ImportPorts {
     Settings& settings;
 };
 
-/// Does nothing when `bAllInDB` is true. Otherwise it is true afterwards, in the collection and, if it can be written, in the
-/// settings file, unless the database refused to store something: then the next start tries again. Entries that could not be
-/// stored are in the log; their sections stay in the settings file. Raises nothing.
+/// Does nothing when `bAllInDB` is true. Otherwise sets it to true in the collection and, if possible, in the settings file,
+/// unless the database refused to store something: then the next start tries again. Entries that could not be stored are logged;
+/// their sections stay in the settings file. Throws nothing.
 void ImportEntriesOnce(const ImportPorts& ports);
 
 }  // namespace korvane

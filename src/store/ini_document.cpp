@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// A CR is one whose LF has been cut off with the end of the file.
+// A CR here is one whose LF was cut off at the end of the file.
 constexpr std::string_view kBlanks = " \t\r";
 
 std::string_view TrimView(std::string_view text) {
@@ -21,7 +21,7 @@ std::size_t LineEndBytes(std::string_view line) {
     return line.ends_with('\n') ? 1 : 0;
 }
 
-// The name of "[name]"; what follows the bracket is somebody's remark. A header cut short is no header.
+// Returns the name in "[name]" and ignores text after the bracket. An incomplete header is not a header.
 std::optional<std::string_view> HeaderName(std::string_view line) {
     const auto close = line.find(']');
     if (!line.starts_with('[') || close == std::string_view::npos) return std::nullopt;
@@ -101,8 +101,8 @@ IniDocument::Result IniDocument::Set(std::string_view section, std::string_view 
     return {Change::SameLength, OffsetOf(held, line) + line.valueAt};
 }
 
-// Behind the last key: the remarks and blank lines after it mostly belong to the next section. They hold no keys, so no index
-// moves.
+// The key goes after the last key, since comments and empty lines after it mostly belong to the next section. They contain no
+// keys, so the index stays valid.
 void IniDocument::AddKey(Section& section, std::string_view key, std::string_view value) {
     auto after = section.lines.end();
     const auto holdsNothing = [](const Line& line) { return TrimAll(line.text).empty(); };

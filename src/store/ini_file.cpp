@@ -9,10 +9,10 @@
 namespace korvane {
 namespace {
 
-// Many times the size of a settings file with all entries that it can have.
+// Many times the size of the largest possible settings file.
 constexpr std::int64_t kLargestFile = 64 << 20;
 
-// One line of text that reads back: a line end would end the value, a NUL would make the file unreadable.
+// Returns one line that reads back correctly: a line end would end the value, a NUL would make the file unreadable.
 std::string OneLine(std::string_view value) {
     std::string line = ReplaceAll(value, "\r\n", " ");
     std::replace_if(
@@ -43,7 +43,7 @@ std::string IniFile::Problem() {
 }
 
 void IniFile::LookAgain() {
-    if (path_.empty() || openBatches_ > 0) return;  // a batch looked at its beginning and looks again at its end
+    if (path_.empty() || openBatches_ > 0) return;  // a batch checks only at its beginning and at its end
     if (!loaded_ || ChangedOnDisk()) Load();
 }
 
@@ -87,7 +87,7 @@ void IniFile::ChangeInMemory(const PendingWrite& write) {
     unsavedValue_ = write.value;
 }
 
-// What somebody else wrote since the document was read is kept: the writes are then made once more on the new text.
+// Changes made by others since the document was read are kept: the writes are then repeated on the new text.
 void IniFile::Commit() {
     const std::vector<PendingWrite> writes = std::exchange(pending_, {});
     if (writes.empty()) return;
@@ -106,12 +106,12 @@ void IniFile::Commit() {
         lastWriteError_.clear();
     } catch (const Error& error) {
         lastWriteError_ = error.what();
-        loaded_ = false;  // the document is ahead of the disk
+        loaded_ = false;  // the document is newer than the disk
     }
     unsaved_ = {};
 }
 
-// A value of the same length, such as the id counter, costs a few bytes on the disk, everything else the whole file.
+// A value of the same length, such as the id counter, writes only a few bytes, everything else the whole file.
 void IniFile::SaveDocument() {
     switch (unsaved_.change) {
         case IniDocument::Change::None:

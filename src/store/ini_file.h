@@ -1,5 +1,5 @@
-// The settings file on disk. Each write is on the disk when it returns, everything else in the file stays byte for byte, and what
-// an operator changes meanwhile is seen at the next access. A file that is there but makes no sense is never written to.
+// The settings file on disk. Each write is on the disk when it returns, the rest of the file stays unchanged byte for byte, and
+// an operator's edits are seen at the next access. An existing file that cannot be understood is never written.
 #pragma once
 
 #include <cstddef>
@@ -16,10 +16,10 @@ namespace korvane {
 /// Values are read up to this many characters.
 constexpr std::size_t kIniValueLimit = 250;
 
-/// Nothing in here throws: what cannot be read has its default, what cannot be written is not written.
+/// Nothing here throws: what cannot be read has its default, what cannot be written is not written.
 class IniFile {
 public:
-    /// The file need not exist; its first write makes it. With a blank path there is no file: defaults are read, nothing is
+    /// The file need not exist; the first write creates it. With an empty path there is no file: defaults are read, nothing is
     /// written.
     IniFile(Files& files, std::string path) : files_(files), path_(std::move(path)) {}
     IniFile(const IniFile&) = delete;
@@ -27,22 +27,22 @@ public:
 
     const std::string& Path() const { return path_; }
 
-    /// The value, cut to kIniValueLimit characters and without blanks around it; the default when nothing is left. Names of
-    /// sections and keys in any case.
+    /// Returns the value, cut to kIniValueLimit characters and without spaces around it; the default when nothing is left.
+    /// Section and key names are case-insensitive.
     std::string Read(std::string_view section, std::string_view key, std::string_view defaultValue);
 
-    /// On the disk when it returns, unless a Batch is open. Line ends in the value become blanks. An existing key keeps its
-    /// spelling.
+    /// The value is on the disk when this returns, unless a Batch is open. Line ends in the value become spaces. An existing key
+    /// keeps its spelling.
     void Write(std::string_view section, std::string_view key, std::string_view value);
 
-    /// Why the file can't be used, in words; blank when it can be (a missing file can).
+    /// Returns why the file cannot be used, in words; empty when it can be (a missing file can).
     std::string Problem();
 
-    /// Why the last write failed; blank when it succeeded.
+    /// Returns why the last write failed; empty when it succeeded.
     const std::string& LastWriteError() const { return lastWriteError_; }
 
-    /// Collects the writes of its lifetime into one that happens at its end. Reads see them at once. May be nested.
-    /// Hold none while events are delivered.
+    /// Combines all writes during its lifetime into one at its end. Reads see them at once. May be nested. Must not exist while
+    /// events are delivered.
     class Batch {
     public:
         explicit Batch(IniFile& file);
@@ -69,14 +69,14 @@ private:
     Files& files_;
     std::string path_;
     IniDocument document_;
-    std::optional<FileIdentity> identity_;  ///< of the file that document_ was read from; nothing: there was none
+    std::optional<FileIdentity> identity_;  ///< of the file that document_ was read from; nothing if there was none
     bool loaded_ = false;
     std::string problem_;
     std::string lastWriteError_;
     int openBatches_ = 0;
     std::vector<PendingWrite> pending_;
     IniDocument::Result unsaved_;  ///< what the pending writes changed in document_
-    std::string unsavedValue_;     ///< the value of the only one that changed something
+    std::string unsavedValue_;     ///< the value of the only write that changed something
 };
 
 }  // namespace korvane

@@ -1,5 +1,5 @@
-// The numbered log files of older versions, of which only the index is left: it goes round once in the retry duration, in
-// minutes, and names the file that a menu command opens. Nothing is written to these files.
+// The numbered log files of older versions, of which only the index remains: it cycles once per retry duration, in minutes, and
+// selects the file that a menu command opens. Nothing is written to these files.
 #pragma once
 
 #include <string>
@@ -13,11 +13,11 @@ public:
     /// `base` is `<dir>/kvurlwatch`.
     LegacyLog(const SettingsCollection& settings, std::string base) : settings_(settings), base_(std::move(base)) {}
 
-    /// Sets the count of indexes from `GlobalRetryDuration`, in whole minutes and at least 1; a setting that is no number leaves
-    /// it.
+    /// Sets the count of indexes from `GlobalRetryDuration`, in whole minutes and at least 1; a setting that is not a number
+    /// leaves it unchanged.
     void setLogTimer();
 
-    /// What a tick of `TimerLog` does to the index; the tick itself disables the timer first.
+    /// The effect of a `TimerLog` tick on the index; the tick itself disables the timer first.
     void TimerLog();
 
     int Index() const { return index_; }

@@ -19,7 +19,7 @@ std::string FileName(DateTime today) {
     return name;
 }
 
-// Tabs at the beginning have a meaning, so only blanks go.
+// Leading tabs have a meaning, so only spaces are removed.
 std::string_view TrimBlanks(std::string_view text) {
     const auto first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) return {};
@@ -50,7 +50,7 @@ void Log::WriteLog(int level, std::string_view messageClass, std::string_view me
     const DateTime now = clock_.Now();
     const std::string header = now.DateText() + " " + now.TimeText() + " " + version_ + " " + std::string(messageClass) + "\t";
     const std::string folder = dir_ + "/Logs";
-    // Whether the folder is there shows when the record is appended.
+    // If the folder is missing, appending the record fails.
     IgnoreErrors([&] { files_.CreateFolder(folder); });
     IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimBlanks(message))); });
 }

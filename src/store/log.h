@@ -1,5 +1,5 @@
-// The dated log on disk: one text file a day, opened, written and closed for each message, so that it is whole up to the last
-// message whatever happens to the program. Monitoring never stops because of the log: whatever goes wrong here is swallowed.
+// The dated log on disk: one text file per day, opened, written and closed for each message, so that it is complete up to the
+// last message whatever happens to the program. Monitoring never stops because of the log: all errors here are ignored.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace korvane {
 
-/// Ordinary messages, and messages of errors that end the program.
+/// Levels: ordinary messages, and messages of errors that end the program.
 constexpr int kLogOrdinary = 0;
 constexpr int kLogFatal = 4;
 
@@ -22,10 +22,10 @@ public:
     /// Writes below `<dir>/Logs`. `version` is "major.minor.revision" of the program.
     Log(Files& files, const Clock& clock, std::string dir, std::string version);
 
-    /// Adds one record to today's file. Levels above the detail level and blank messages are not written.
+    /// Adds one record to today's file. Levels above the detail level and empty messages are not written.
     void WriteLog(int level, std::string_view messageClass, std::string_view message);
 
-    /// An ordinary piece of information, the most frequent kind.
+    /// Writes an ordinary piece of information, the most frequent kind.
     void Info(std::string_view message) { WriteLog(kLogOrdinary, kLogInformation, message); }
 
 private:

@@ -21,8 +21,8 @@ std::string Of(const std::string& query, std::string_view where, const std::stri
 
 }  // namespace
 
-// The copy becomes the backup and the file is compacted where it is, so that at every moment it stands under its name, for a
-// start after a crash and for whoever else has it open.
+// The copy becomes the backup and the file is compacted in place, so that the database exists under its name at every moment, for
+// a start after a crash and for other programs that have it open.
 void Maintenance::CompactAndRepair(const std::string& file) {
     const std::string copy = dir_ + "/COMPACT" + std::string(kDatabaseFile);
     try {

@@ -1,6 +1,6 @@
-// What keeps the database usable: compaction with one backup, all entries due now, removal of an entry with all that hangs on it,
-// and resets of what was gathered. Each routine changes all of its rows in one transaction or none, handles its own errors, in
-// the status log and in the dated log, and does not wait for anything but the disk: a large database blocks the program for
+// Maintenance of the database: compaction with one backup, making all entries due now, removal of an entry with everything that
+// belongs to it, and resets of collected data. Each routine changes either all of its rows, in one transaction, or none, reports
+// its own errors in the status log and in the dated log, and waits only for the disk: a large database blocks the program for
 // seconds.
 #pragma once
 
@@ -18,21 +18,21 @@ namespace korvane {
 
 class Maintenance {
 public:
-    /// All are borrowed and must outlive this.
+    /// Holds references; everything must outlive this.
     struct Ports {
         Store& store;
         const Clock& clock;
         Files& files;
         Log& log;
         StatusLog& status;
-        /// Makes the reports anew; tells its own errors.
+        /// Generates the reports again; reports its own errors.
         std::function<void()> publish;
     };
 
     Maintenance(Ports ports, std::string dir) : ports_(std::move(ports)), dir_(std::move(dir)) {}
 
-    /// Compacts the database and leaves what was in it before as `<file>.BAK`. A damaged file is left untouched, backup included,
-    /// and so is the file when something else fails.
+    /// Compacts the database and keeps its former content as `<file>.BAK`. If the file is damaged, both file and backup stay
+    /// unchanged; the file also stays unchanged after any other failure.
     void CompactAndRepair(const std::string& file);
 
     /// Makes every monitored entry due now.
@@ -41,13 +41,13 @@ public:
     /// Removes the entry with its failures, response times and rules. Ids are decimal texts.
     void DeleteServerData(const std::string& id);
 
-    /// Averages and counts back to their beginning, and the failures too if wanted; id "-1" means all entries.
+    /// Resets averages and counts, and deletes the failures too if `deleteFailures` is set; id "-1" means all entries.
     void ResetStatData(const std::string& id, bool deleteFailures) { TryResetStatData(id, deleteFailures); }
 
     /// Removes the hourly and daily averages; id "-1" means all entries.
     void ResetResponseData(const std::string& id) { TryResetResponseData(id); }
 
-    /// The same for all entries, shown in new reports. A reset that failed publishes nothing.
+    /// The same for all entries, followed by new reports. A failed reset publishes nothing.
     void ResetStatDataALL(bool deleteFailures);
     void ResetResponseDataALL();
 

@@ -1,5 +1,5 @@
-// The columns of the database, by table, with the kind of each: what the store adapter needs to give typed values, and what
-// start-up compares a database with. data/kvempty.sql creates the same tables; a test holds the two together.
+// The columns of the database, by table, with the kind of each: the store adapter needs them for typed values, and start-up
+// compares a database with them. data/kvempty.sql creates the same tables; a test keeps the two consistent.
 #pragma once
 
 #include <optional>
@@ -23,7 +23,7 @@ struct TableSchema {
 /// `Servers`, `Failures`, `Response`, `ResponseFailText`.
 std::span<const TableSchema> DatabaseSchema();
 
-/// Both names in any case; nothing for a column that is not in the schema.
+/// Both names are case-insensitive. Returns nothing for a column that is not in the schema.
 std::optional<ColumnKind> KindOfColumn(std::string_view table, std::string_view column);
 
 }  // namespace korvane

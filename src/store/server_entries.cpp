@@ -29,8 +29,8 @@ const ServerEntry& ServerEntries::Entry(int n) const {
     return entries_.at(static_cast<std::size_t>(n - 1));
 }
 
-// Numbers without an entry in memory are passed over: once everything is in the database nothing is read from the sections any
-// more, and blank entries must not overwrite the only copy from which a lost database can be rebuilt.
+// Numbers without an entry in memory are skipped: once everything is in the database, the sections are no longer read, and empty
+// entries must not overwrite the only copy from which a lost database can be rebuilt.
 std::vector<int> ServerEntries::ChangedNumbers(int count) const {
     std::vector<int> numbers;
     const int last = std::min(count, static_cast<int>(entries_.size()));

@@ -17,16 +17,16 @@
 
 namespace korvane {
 
-/// The marks of setServerEntryChangedIndex beside the entry numbers.
+/// Special values of setServerEntryChangedIndex besides the entry numbers.
 constexpr int kEveryServerEntry = -1;
 constexpr int kNoServerEntry = -999;
 
-/// More old entries than this are not kept.
+/// Further old entries are ignored.
 constexpr int kMaxOldEntries = 500;
 
 class ServerEntries {
 public:
-    /// All are borrowed and must outlive this. `file` is the settings file.
+    /// Holds references; everything must outlive this. `file` is the settings file.
     struct Ports {
         Store& store;
         const Clock& clock;
@@ -40,42 +40,42 @@ public:
 
     ServerEntries(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {}
 
-    /// Reads the entries 1 to `count` anew, at most kMaxOldEntries; a number without a section becomes a sample entry.
+    /// Reads the entries 1 to `count` again, at most kMaxOldEntries; a number without a section becomes a sample entry.
     void readURLData(int count);
 
-    /// The nine rules of entry `n` (from 1), from and to section "Commands<n>".
+    /// Read and write the nine rules of entry `n` (from 1) in section "Commands<n>".
     void ReadInCommands(int n);
     void WriteOutCommands(int n);
 
-    /// Writes entry `n` to `Servers`; the counters and the next check of a row that is there already are kept. Throws
-    /// TypeMismatchError for texts that are no number, OverflowError for numbers that are too large, and Error for the store's
-    /// failures.
+    /// Writes entry `n` to `Servers`; an existing row keeps its counters and its next check. Throws TypeMismatchError for texts
+    /// that are not numbers, OverflowError for numbers that are too large, and Error for the store's failures.
     void SaveDBServerDATA(int n, Connection& connection);
 
-    /// Writes the rules of entry `n` to `ResponseFailText`, over the rows that are there, and removes rows left over. Throws
-    /// Error.
+    /// Writes the rules of entry `n` to `ResponseFailText`, over the existing rows, and removes surplus rows. Throws Error.
     void SaveDBServerDATAFailCommands(int n, Connection& connection);
 
-    /// Which entries Save is to write: a negative number all, a positive one that entry, kNoServerEntry none (as at the start).
+    /// The entries that Save must write: a negative number means all, a positive one that entry, kNoServerEntry none (the initial
+    /// value).
     int getServerEntryChangedIndex() const { return changedIndex_; }
     void setServerEntryChangedIndex(int n) { changedIndex_ = n; }
 
-    /// Save is to write the rules of the entries that it writes.
+    /// Makes Save also write the rules of the entries that it writes.
     void setFailCommandsOKDirty() { rulesChanged_ = true; }
 
-    /// Save's second half: writes the marked entries among the first `count`, to their sections in one step and then, unless
+    /// The second half of Save: writes the marked entries among the first `count`, to their sections in one step and then, unless
     /// `allInDB`, each to the tables, delivering events between them. An entry that cannot be stored is logged with the reason,
-    /// its section stays, and the next one follows. Clears the marks unless StoreRefused. Raises nothing.
+    /// its section stays, and the next entry follows. Clears the marks unless StoreRefused. Throws nothing.
     void SaveChangedEntries(int count, bool allInDB);
 
-    /// Whether the database refused something in the latest SaveChangedEntries that it may take another time: it was locked, or
-    /// its disk full. An entry that makes no sense in itself does not count.
+    /// Returns whether, in the latest SaveChangedEntries, the database refused something that it may accept later: it was locked,
+    /// or its disk was full. An entry with invalid content does not count.
     bool StoreRefused() const { return storeRefused_; }
 
-    /// Somebody cannot wait for the rest of a SaveChangedEntries: from now on the tables get nothing, as if they had refused it.
+    /// For a caller that cannot wait for the rest of a SaveChangedEntries: from now on the tables receive nothing, as if they had
+    /// refused it.
     void LeaveOff() { leftOff_ = true; }
 
-    /// The entries in memory; number n stands at n - 1.
+    /// The entries in memory; number n is at index n - 1.
     const std::vector<ServerEntry>& Entries() const { return entries_; }
 
 private:

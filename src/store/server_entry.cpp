@@ -51,7 +51,7 @@ std::string NumberedSection(std::string_view name, int number) {
     return std::string(name) + std::to_string(number);
 }
 
-// A type and port of an old file follow the scheme of its address, which is then dropped. Only lower-case schemes are found.
+// In an old file, the scheme of the address determines type and port and is then dropped. Only lower-case schemes are recognised.
 void MendTypeAndPort(ServerEntry& entry) {
     if (ToLower(entry.strAddress_IP).starts_with("https")) entry.strType = "HTTPS";
     entry.strAddress_IP = ReplaceAll(ReplaceAll(entry.strAddress_IP, "http://", ""), "https://", "");
@@ -59,7 +59,7 @@ void MendTypeAndPort(ServerEntry& entry) {
     if (entry.strPort == "443" && entry.strType == "HTTP") entry.strPort = "80";
 }
 
-// The word for yes or no; a text that is neither is left for the operator to see.
+// Returns the word for yes or no; any other text stays, so that the operator can see it.
 std::string YesNoWord(const std::string& text) {
     try {
         return Value(Value(text).Bool()).Text();

@@ -1,5 +1,5 @@
-// One entry of an older settings file: the texts of a numbered section "Settings<n>" and the rules of "Commands<n>". The table of
-// its keys with their defaults and the columns of `Servers` that they become is in server_entry.cpp.
+// One entry of an older settings file: the texts of a numbered section "Settings<n>" and the rules of "Commands<n>".
+// server_entry.cpp has the table of its keys with their defaults and their columns in `Servers`.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ namespace korvane {
 constexpr int kScanRules = 9;
 
 struct ScanRule {
-    std::string strFailText;  ///< blank: there is no such rule
+    std::string strFailText;  ///< empty: there is no such rule
     std::string strFailCommand;
 };
 
@@ -60,18 +60,18 @@ struct ServerEntryKey {
     std::string_view ordinary;     ///< default
     std::string_view placeholder;  ///< default in an entry without an address
     ColumnKind kind = ColumnKind::Text;
-    bool onlyIfFilled = false;  ///< a blank value leaves the column as it is
+    bool onlyIfFilled = false;  ///< an empty value leaves the column unchanged
 };
 
 /// The keys in the order in which they are read, written, and put into their columns.
 std::span<const ServerEntryKey> ServerEntryKeys();
 
-/// Entry `number` (from 1) of the file. An entry without an address becomes a sample entry. `newID` is asked only when the entry
-/// has no id.
+/// Reads entry `number` (from 1) of the file. An entry without an address becomes a sample entry. `newID` is called only when the
+/// entry has no id.
 ServerEntry ReadServerEntry(IniFile& file, int number, const std::function<std::string()>& newID);
 void WriteServerEntry(IniFile& file, int number, const ServerEntry& entry);
 
-/// The rules of entry `number`, section "Commands<n>".
+/// Reads the rules of entry `number`, section "Commands<n>".
 std::array<ScanRule, kScanRules> ReadScanRules(IniFile& file, int number);
 void WriteScanRules(IniFile& file, int number, const std::array<ScanRule, kScanRules>& rules);
 

@@ -13,7 +13,7 @@ constexpr std::string_view kSection = "KEYGEN";
 constexpr std::string_view kKey = "LASTID";
 constexpr std::int64_t kDefaultLastNumber = 1;
 
-// The number of a text that is nothing but digits; `otherwise` for all else, and for numbers beyond 64 bits.
+// Returns the number of a text that consists of digits; `otherwise` for any other text and for numbers beyond 64 bits.
 std::int64_t DigitsOr(std::string_view text, std::int64_t otherwise) {
     const bool allDigits = text.find_first_not_of("0123456789") == std::string_view::npos;
     std::int64_t number = 0;
@@ -34,19 +34,19 @@ std::string NewTimeStampID(const Clock& clock) {
 
 std::string ServerIds::NewServerID() {
     constexpr std::int64_t kNoId = -1;
-    // A counter that somebody damaged starts again, but never below what this run has given out.
+    // A damaged counter starts again, but never below what this run has issued.
     const std::int64_t stored = DigitsOr(file_.Read(kSection, kKey, ""), kDefaultLastNumber);
     const std::string stamp = NewTimeStampID(clock_);
 
     std::int64_t number = std::max(stored, lastNumber_);
     const bool roomForOneMore =
         number < std::numeric_limits<std::int64_t>::max() && DigitsOr(stamp + std::to_string(number + 1), kNoId) != kNoId;
-    // Ids are 64-bit keys in the database: a counter too long to go behind the time stamp would fail on every id from now on.
+    // Ids are 64-bit keys in the database: a counter too long to follow the time stamp would make every further id fail.
     if (!roomForOneMore) number = kDefaultLastNumber;
 
     lastNumber_ = number + 1;
     file_.Write(kSection, kKey, std::to_string(lastNumber_));
-    // As a number has no leading zeros: in years that end in 9 the time stamp begins with one.
+    // A number has no leading zeros, but in years that end in 9 the time stamp begins with one.
     return std::to_string(DigitsOr(stamp + std::to_string(lastNumber_), kNoId));
 }
 

@@ -1,5 +1,5 @@
-// Ids of entries, failures and response rows: a time stamp with a counter behind it that never goes down. The counter is what
-// keeps ids apart.
+// Ids of entries, failures and response rows: a time stamp followed by a counter that never decreases. The counter makes ids
+// unique.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +11,16 @@ namespace korvane {
 
 class IniFile;
 
-/// The fourth digit of next year, then month, day, hour, minute and second without leading zeros, joined. Different moments
-/// can give the same text.
+/// Joins the fourth digit of next year with month, day, hour, minute and second, all without leading zeros. Different moments can
+/// give the same text.
 std::string NewTimeStampID(const Clock& clock);
 
 class ServerIds {
 public:
     ServerIds(IniFile& settingsFile, const Clock& clock) : file_(settingsFile), clock_(clock) {}
 
-    /// A new id: all digits, above 0, within 64 bits. Counts `LASTID` of section `KEYGEN` in the settings file up, at once. Two
-    /// ids of one run never have the same number, even when the file cannot be written.
+    /// Returns a new id: digits only, above 0, within 64 bits. Immediately increments `LASTID` of section `KEYGEN` in the
+    /// settings file. Two ids of one run never have the same number, even when the file cannot be written.
     std::string NewServerID();
 
 private:

@@ -1,4 +1,4 @@
-// The rows of the database that one old entry becomes.
+// The database rows that an old entry becomes.
 #include <utility>
 
 #include "base/error.h"
@@ -32,7 +32,7 @@ ColumnValues ValuesOf(const ServerEntry& entry, const std::string& retryDuration
     return values;
 }
 
-// Its Update comes with that of all other columns, so that there never is a row without an address to check.
+// The row is updated together with all other columns, so that there is never a row without an address to check.
 void BeginServerRow(Recordset& row, std::int64_t id) {
     row.AddNew();
     row.Fields("ID") = id;

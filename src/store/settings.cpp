@@ -11,8 +11,7 @@
 
 namespace korvane {
 
-/// One key in the order of reading, and what is done right after it. The sample name is one that is reserved for examples (RFC
-/// 2606).
+/// One key in the order of reading, and the action right after it. The sample name is reserved for examples (RFC 2606).
 struct Settings::ReadStep {
     std::string_view key;
     std::string_view defaultValue = "";
@@ -28,7 +27,7 @@ const Settings::ReadStep Settings::kReadSteps[] = {
     {"SMTPPopHost1"},
     {"SMTPPopHost2"},
     {"ReportPath", "/Reports", &Settings::CreateReportFolder},  // below <dir>
-    {"ServiceName", "Korvane", &Settings::StartService},        // behind the old file's uniqueid
+    {"ServiceName", "Korvane", &Settings::StartService},        // after the old file's uniqueid
     {"ServerBackup"},
     {"Begin", "2"},
     {"SuccessLT", "20"},
@@ -56,7 +55,7 @@ constexpr std::string_view kNumURLs = "NumURLs";
 constexpr std::string_view kUniqueid = "uniqueid";
 constexpr int kTwipsBesideWindow = 600;
 
-// In the order of saving. Files bear the spelling "bALLInDB"; keys compare without regard to case, so it is read as "bAllInDB".
+// The order of saving. Files spell the key "bALLInDB"; keys are case-insensitive, so it is read as "bAllInDB".
 constexpr std::string_view kSaveOrder[] = {
     "Server",     "SMTPUser1",           "SMTPPass1",   "SMTPPopHost1", "SMTPUser2",   "SMTPPass2",   "SMTPPopHost2",
     "ReportPath", "ServerBackup",        "Begin",       "SuccessLT",    "Zone",        "ServiceName", "ProxyName",
@@ -150,7 +149,7 @@ void Settings::cmdSave() {
 }
 
 void Settings::Save() {
-    // A file that could not be read at start-up may be readable again by now: the defaults that stood in for it must not replace
+    // A file that could not be read at start-up may be readable again now: the defaults that were used instead must not replace
     // it.
     if (!problemOfFile_.empty()) {
         ports_.status.setStatusMSG("Settings not saved: " + problemOfFile_);

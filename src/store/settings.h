@@ -1,5 +1,5 @@
-// The global settings: read from the file once at start-up into the settings collection, which the program consults from then on,
-// and written back by Save. The keys with their defaults and both orders are tables in settings.cpp.
+// The global settings: read from the file once at start-up into the settings collection, which the program uses from then on, and
+// written back by Save. settings.cpp has the tables of keys with their defaults and of both orders.
 #pragma once
 
 #include <functional>
@@ -19,10 +19,10 @@ namespace korvane {
 
 /// The section of the global keys.
 constexpr std::string_view kSettingsSection = "Settings";
-/// Looked at once a start for the key `uniqueid`, under exactly this name.
+/// Checked once per start for the key `uniqueid`, under exactly this name.
 constexpr std::string_view kOldSettingsFile = "/kvurlwatch.ini";
-/// The main window as far as settings touch it. Sizes are in twips, fifteenths of a pixel. As it stands it is that of a program
-/// without one.
+/// The parts of the main window that the settings affect. Sizes are in twips, fifteenths of a pixel. This base class stands for a
+/// program without a main window.
 class SettingsHost {
 public:
     virtual ~SettingsHost() = default;
@@ -35,7 +35,7 @@ public:
     virtual void SetHeight(int) {}
 };
 
-/// The common read: the value of the file replaces that of the collection. Never fails for a missing file or key.
+/// The common read: the value of the file replaces that of the collection. A missing file or key is not an error.
 void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
                     IniFile& file);
 std::string GetSettingCol(const SettingsCollection& collection, std::string_view key);
@@ -43,7 +43,7 @@ void SetSettingCol(SettingsCollection& collection, std::string_view key, std::st
 
 class Settings {
 public:
-    /// All are borrowed and must outlive this. `file` is `<dir>/kvurlwatchn.ini`.
+    /// Holds references; everything must outlive this. `file` is `<dir>/kvurlwatchn.ini`.
     struct Ports {
         Files& files;
         const Clock& clock;
@@ -54,41 +54,42 @@ public:
         IniFile& file;
         SettingsCollection& collection;
         ServerEntries& entries;
-        std::function<void()> startService;  ///< connects this process to its service manager; what it throws is passed over
+        std::function<void()> startService;  ///< connects this process to its service manager; its exceptions are ignored
     };
 
-    /// Looks whether the settings file exists before anything of this start writes it.
+    /// Checks whether the settings file exists, before this start writes it.
     Settings(const Ports& ports, std::string dir);
 
-    /// Loads all keys, makes the report folder, starts the service and restores the window's size. Never throws for what is in
-    /// the file. Delivers events once.
+    /// Loads all keys, creates the report folder, starts the service and restores the window's size. Never throws because of the
+    /// file's content. Delivers events once.
     void ReadInGlobalSettings();
 
-    /// Writes the global keys in one step, then the changed old entries, which delivers events between them. Shows the wait
-    /// cursor meanwhile and the status "Settings Saved" at the end. Raises nothing: what the file did not take is in
-    /// IniFile::LastWriteError. When the file could not be read at start-up nothing is saved, and the status says why.
+    /// Writes the global keys in one step, then the changed old entries, delivering events between them. Shows the wait cursor
+    /// meanwhile and the status "Settings Saved" at the end. Throws nothing: IniFile::LastWriteError has the reason of a failed
+    /// write. When the file could not be read at start-up nothing is saved, and the status says why.
     void Save();
 
     /// The save command: marks every entry, then Save.
     void cmdSave();
 
-    /// The uniqueid work of each start: reads the old settings file, and writes a fresh id to the settings file if there is none.
+    /// Handles the uniqueid at each start: reads the old settings file, and writes a new id to the settings file if there is
+    /// none.
     void EnsureUniqueid();
-    /// Does nothing while the path of the settings file is blank.
+    /// Does nothing while the path of the settings file is empty.
     void setUniqueid(const std::string& id);
 
     const std::string& GetSettingsFile() const { return ports_.file.Path(); }
     const std::string& GetCurrentDir() const { return dir_; }
-    /// `<dir>/kvurlwatch`, the base of the old log's file names.
+    /// Returns `<dir>/kvurlwatch`, the base of the old log's file names.
     std::string GetLogFile() const { return dir_ + "/kvurlwatch"; }
-    /// Whether there was a settings file when this start began.
+    /// Returns whether the settings file existed when this start began.
     bool SettingsFileExistedAtStart() const { return fileExistedAtStart_; }
 
-    /// The entry count, whose form on disk is `NumURLs`.
+    /// Returns the entry count, stored on disk as `NumURLs`.
     int GetTotalURLs() const { return totalURLs_; }
     void SetTotalURLs(int count) { totalURLs_ = count; }
 
-    /// The word of `bAllInDB`, in any case: the old entries have been moved into the database.
+    /// Returns whether `bAllInDB` is true (in any case), so that the old entries are already in the database.
     bool AllInDB() const;
 
 private:
@@ -108,10 +109,10 @@ private:
     std::string oldUniqueid_;
     int totalURLs_ = 0;
     bool fileExistedAtStart_ = false;
-    std::string problemOfFile_;  ///< when the collection was filled; not blank: it holds nothing but defaults
+    std::string problemOfFile_;  ///< from when the collection was filled; if not empty, the collection contains only defaults
 };
 
-/// `<dir>/kvurlwatchn.ini`.
+/// Returns `<dir>/kvurlwatchn.ini`.
 std::string SettingsFilePath(const std::string& dir);
 
 }  // namespace korvane

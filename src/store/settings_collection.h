@@ -1,5 +1,5 @@
-// The settings of the running program: one keyed collection of text values. It is the only copy that the program
-// consults; the file is read at start-up and written by Save.
+// The settings of the running program: one keyed collection of text values. The program uses only this copy; the file is read at
+// start-up and written by Save.
 #pragma once
 
 #include <map>
@@ -12,16 +12,16 @@ namespace korvane {
 
 class SettingsCollection {
 public:
-    /// The value. Throws Error for a key that is not there; after ReadInGlobalSettings every global key is.
+    /// Returns the value. Throws Error for a missing key; after ReadInGlobalSettings every global key exists.
     std::string getKvSettingsColVal(std::string_view key) const;
 
-    /// As getKvSettingsColVal, with nothing in place of the error. Good until the key is set again.
+    /// Like getKvSettingsColVal, but returns null instead of an error. Valid until the key is set again.
     const std::string* Find(std::string_view key) const;
 
     /// Replaces the value, or adds the key.
     void setKvSettingsColValue(std::string_view key, std::string value);
 
-    /// Whether the value is the word "True", compared exactly.
+    /// Returns whether the value is exactly the word "True".
     bool IsTrue(std::string_view key) const { return getKvSettingsColVal(key) == "True"; }
 
 private:

@@ -1,5 +1,4 @@
-// The running commentary for the operator: short lines with the time, newest first in the window, one after the other on a
-// terminal.
+// Status messages for the operator: short lines with the time, newest first in the window, oldest first on a terminal.
 #pragma once
 
 #include <string_view>
@@ -13,7 +12,7 @@ class StatusLog {
 public:
     StatusLog(Operator& person, const Clock& clock) : person_(person), clock_(clock) {}
 
-    /// Says the text with the present time. Each carriage return and line feed pair becomes " : ", so a text is one line.
+    /// Shows the text with the current time. Each CR LF pair becomes " : ", so that a text is one line.
     void setStatusMSG(std::string_view text);
 
 private:
