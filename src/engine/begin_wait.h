@@ -1,5 +1,5 @@
 // The wait before monitoring begins: counts the `Begin` setting down, does the once-only work of a start, compacts the database
-// meanwhile, and hands over to the cycle.
+// meanwhile, and then starts the cycle.
 #pragma once
 
 #include <functional>
@@ -25,13 +25,13 @@ public:
         CycleState& state;
         /// Run once, at the first tick: first-run setup and the start-up notice.
         std::function<void()> beginOperations;
-        /// Compacts the database; blank in a program that cannot, and then nothing is said of it.
+        /// Compacts the database; empty in a program that cannot, which then does not mention it.
         std::function<void()> compactAndRepair;
     };
 
     explicit BeginWait(Ports ports) : ports_(std::move(ports)), state_(ports_.state) {}
 
-    /// One tick, each second. Errors are dropped step by step.
+    /// Handles one tick, each second. Errors are ignored step by step.
     void Timer2_Timer();
 
 private:

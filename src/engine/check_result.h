@@ -1,4 +1,4 @@
-// What a checker hands back.
+// The result of a checker.
 #pragma once
 
 #include <chrono>
@@ -7,8 +7,8 @@
 namespace korvane {
 
 struct CheckResult {
-    std::string response;   ///< what the server said; blank when there is nothing to show
-    std::string strReason;  ///< why the check failed; blank means success
+    std::string response;   ///< what the server said; empty when there is nothing to show
+    std::string strReason;  ///< why the check failed; empty means success
 };
 
 struct TimedCheckResult : CheckResult {

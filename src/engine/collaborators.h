@@ -1,4 +1,4 @@
-// What the cycle and the accounts call and do not know.
+// What the cycle and the accounting use through interfaces alone.
 #pragma once
 
 #include <string>
@@ -7,19 +7,19 @@
 
 namespace korvane {
 
-/// What follows from an outage and from its end: mail, traceroute, commands.
+/// The consequences of an outage and of its end: mail, traceroute, commands.
 class FailureActions {
 public:
     virtual ~FailureActions() = default;
 
-    /// The entry has just reached nTries failures in a row. `rs` stands on its row, not yet updated. Returns `strAction`,
+    /// Called when the entry has just reached nTries failures in a row. `rs` is at its row, not yet updated. Returns `strAction`,
     /// the HTML of what was done, for the `Failures` row. Handles its own errors; waits through the event pump.
     virtual std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) = 0;
 
-    /// The entry answered again after having been DOWN.
+    /// Called when the entry answered again after it was DOWN.
     virtual void DoUpAgainStuff(Recordset& rs) = 0;
 
-    /// Tells the operator that the program has started, if the settings ask for it.
+    /// Notifies the operator that the program has started, if the settings ask for it.
     virtual void SendStartupNotice() = 0;
 };
 
@@ -28,22 +28,22 @@ class ReportPublisher {
 public:
     virtual ~ReportPublisher() = default;
 
-    /// Publishes everything and returns the error text, blank when all went well.
+    /// Publishes everything and returns the error text, empty on success.
     virtual std::string PublishReports() = 0;
 };
 
-/// The window that shows a conversation with a server line by line, when the operator has it open.
+/// The window that shows a server conversation line by line, if the operator has opened it.
 class ConversationWindow {
 public:
     virtual ~ConversationWindow() = default;
     virtual bool Visible() const = 0;
-    /// The operator wants to see it; without a display nothing happens.
+    /// Called when the operator wants to see it; without a display nothing happens.
     virtual void Show() {}
     virtual void setRequest(const std::string& text) = 0;
     virtual void setResponse(const std::string& text) = 0;
 };
 
-/// Nobody looks on.
+/// For a program without such a window.
 class NoConversationWindow : public ConversationWindow {
 public:
     bool Visible() const override { return false; }

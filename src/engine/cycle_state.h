@@ -1,4 +1,4 @@
-// What the cycle remembers from tick to tick, and what its steps share.
+// The state that the cycle keeps from tick to tick, and that its steps share.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ struct CycleState {
     std::int16_t nWaitedSeconds = 0;  ///< spent in the wait before monitoring begins
     bool bMonitoring = true;          ///< monitoring is on, or will be after the wait
     bool bReportsOK = false;          ///< whether reports may be published
-    std::string strReportsProblem;    ///< why not
+    std::string strReportsProblem;    ///< why reports may not be published
     std::string strLastStep;          ///< the step in progress, for the error message of the tick
 };
 

@@ -1,4 +1,4 @@
-// The timers that start and stop monitoring. The run owns them; the engine switches them.
+// The timers that start and stop monitoring. The run owns them; the engine enables and disables them.
 #pragma once
 
 #include "platform/timer.h"

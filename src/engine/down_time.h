@@ -9,15 +9,15 @@ namespace korvane {
 
 struct DownTime {
     bool bIsDown = false;
-    int nMinutesToStart = -1;  ///< negative once the start of today is past; -1 too when there is no window
+    int nMinutesToStart = -1;  ///< negative when today's start has passed; also -1 when there is no window
 };
 
-/// Whether `now` lies in the window. Minutes of the day do not wrap: a window from 23:30 for 60 minutes holds until midnight, and
-/// what carries it past midnight is the next check, which the cycle sets to the end of the window. A blank start or length, a
-/// length below 1, and texts that cannot be read mean that there is no window.
+/// Returns whether `now` is inside the window. Minutes of the day do not wrap: a window from 23:30 for 60 minutes lasts until
+/// midnight; beyond midnight it is the next check that covers it, since the cycle sets that check to the end of the window. An
+/// empty start or length, a length below 1, and unreadable texts mean that there is no window.
 DownTime IsDownTime(std::string_view strStart, std::string_view strDurationMinutes, DateTime now);
 
-/// The end of the window that starts at the time of day `strStart` on the day of `now`. Throws TypeMismatchError.
+/// Returns the end of the window that starts at the time of day `strStart` on the day of `now`. Throws TypeMismatchError.
 DateTime DownTimeEnd(std::string_view strStart, std::chrono::minutes duration, DateTime now);
 
 }  // namespace korvane

@@ -12,12 +12,12 @@ namespace {
 
 using std::chrono::seconds;
 
-/// Entries that are not due by then do not count against "all servers are failing".
+/// Entries that are due later do not count against "all servers are failing".
 constexpr seconds kDueSoon{360};
 
 constexpr int kUnused = 0;
 
-// The words of the mails and of the list in the `Failures` row, mistakes and double blanks included: people filter their mail by
+// The texts of the mails and of the list in the `Failures` row, including mistakes and double spaces: people filter their mail by
 // them.
 constexpr const char* kLine = "\r\n";
 constexpr const char* kParagraph = "\r\n\r\n";
@@ -71,7 +71,7 @@ std::string TextOf(Recordset& rs, const char* column) {
     return rs.Fields(column).Value().Text();
 }
 
-// The up notice goes on with what can be read.
+// The up notice continues with what can be read.
 std::string TextOrBlank(Recordset& rs, const char* column) {
     std::string text;
     IgnoreErrors([&] { text = TextOf(rs, column); });
@@ -84,7 +84,7 @@ bool IsSet(Recordset& rs, const char* column, bool otherwise) {
     return set;
 }
 
-/// A column that is read now and used in a later step. That it could not be read is the error of that step.
+/// A column that is read now and used in a later step. If it could not be read, the error is raised in that step.
 class ReadAhead {
 public:
     ReadAhead(Recordset& rs, const char* column) {
@@ -106,7 +106,7 @@ private:
 
 }  // namespace
 
-/// The row as it is before the mail: while that is sent, an editor may change or remove it.
+/// The row as it is before the mail: while the mail is sent, an editor may change or remove the row.
 struct ServerActions::FailedEntry {
     explicit FailedEntry(Recordset& rs)
         : strAddress_IP(TextOf(rs, "strAddress_IP")),
@@ -162,7 +162,7 @@ std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, 
     return strAction;
 }
 
-// Words and nothing else: the machine restarts only when the entry's command does that.
+// Adds only text: the machine restarts only if the entry's command does it.
 void ServerActions::AddRebootWords(Connection& conn, std::string& body, std::string& strAction) {
     if (!ports_.settings.IsTrue("Reboot")) return;
     const bool any = ports_.settings.IsTrue("RebootAny");
@@ -193,7 +193,7 @@ void ServerActions::RunCommandOf(const std::string& strCommand) {
 bool ServerActions::AreAllServersFailing(Connection& conn) {
     DateTime when = ports_.clock.Now() + kDueSoon;
     if (when == when.Date())
-        when = when + seconds(1);  // midnight has no text for a query, and these words are not worth the mail
+        when = when + seconds(1);  // midnight cannot be written in a query, and this text is not worth losing the mail
     const auto rs = ports_.store.NewRecordset();
     rs->Open(query::MonitoredAndDueBy(when), conn, CursorType::Static, LockType::Optimistic);
     bool bAll = !rs->Eof();
@@ -215,7 +215,7 @@ void ServerActions::DoUpAgainStuff(Recordset& rs) {
         IgnoreErrors([&] { body += ports_.trace.GetTraceRouteText(rs.Fields("ID").Value().Int64()); });
     }
     const std::string subject = "SERVER BACK UP (" + TextOrBlank(rs, "strEmailText") + ") " + strDesc;
-    if (IsSet(rs, "bSendUpNotify", true)) {  // better a mail too many than one that nobody misses
+    if (IsSet(rs, "bSendUpNotify", true)) {  // an unneeded mail is better than a missing one
         const SendOutcome outcome = ports_.mail.SendWithBackup(
             {TextOrBlank(rs, "strEmailList1"), TextOrBlank(rs, "strEmailList2"), TextOrBlank(rs, "strEmailFrom"), subject, body});
         if (!outcome.sent)

@@ -1,5 +1,5 @@
-// What follows from an outage and from its end, once each: the mail to the people of the entry, the trace of the road to the
-// server, the entry's own command.
+// The consequences of an outage and of its end, once each: the mail to the entry's recipients, the traceroute to the server, the
+// entry's own command.
 #pragma once
 
 #include <string>
@@ -33,17 +33,20 @@ public:
 
     explicit ServerActions(const Ports& ports) : ports_(ports) {}
 
-    /// In this order: mail, trace, command. A mail that nobody takes stops neither of the others. An error in the row or the
-    /// store ends it with a status line and a log line; what was done until then stays done and stands in the result.
+    /// Order: mail, trace, command. A mail that could not be sent stops neither of the others. An error in the row or the store
+    /// ends the actions with a status line and a log line; what was done before stays done and is in the result.
     std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) override;
 
-    /// The mail with the trace of the failure, then the up command. What cannot be read is blank, and the rest goes on.
+    /// Sends the mail with the trace of the failure, then runs the up command. What cannot be read is left empty, and the rest
+    /// continues.
     void DoUpAgainStuff(Recordset& rs) override;
 
-    /// To the people of the first entry in memory, through the primary server alone; the log tells when nobody hears of it.
+    /// Sends to the recipients of the first entry in memory, through the primary server alone; the log says so if there is no
+    /// recipient.
     void SendStartupNotice() override;
 
-    /// Whether no entry that is due within six minutes stands at "UP", and there is such an entry. Store errors are the caller's.
+    /// Returns whether at least one entry is due within six minutes and none of these is "UP". Store errors are passed to the
+    /// caller.
     bool AreAllServersFailing(Connection& conn);
 
 private:

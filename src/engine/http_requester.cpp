@@ -13,8 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kSettleLimit = 6000ms;  // for an earlier request on the same slot
-constexpr auto kHiccupLimit = 500ms;   // a blank answer faster than this is asked for again
+constexpr auto kSettleLimit = 6000ms;  // wait for an earlier request on the same slot
+constexpr auto kHiccupLimit = 500ms;   // an empty answer faster than this is requested again
 constexpr int kMostAttempts = 11;
 constexpr std::string_view kBinaryAnswer = "Binary Data Returned";
 
@@ -59,7 +59,7 @@ TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     } else if (attempts.pendingError) {
         result.strReason = "Reason '" + *attempts.pendingError + "'";
     } else {
-        result.response = std::move(attempts.response);  // it may have many megabytes
+        result.response = std::move(attempts.response);  // it may be many megabytes
         if (result.response.empty()) result.strReason = "No Response Returned.";
     }
     IgnoreErrors([&] { slot.Cancel(); });

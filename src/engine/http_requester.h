@@ -1,5 +1,5 @@
-// Fetches one URL for a check: a pool of six transfer slots, the retry of hiccups, and the reason in words. No failure
-// leaves it as an error.
+// Fetches one URL for a check, with a pool of six transfer slots and a retry of hiccups, and puts failures in words. No failure
+// leaves it as an exception.
 #pragma once
 
 #include <array>
@@ -31,7 +31,7 @@ public:
     };
 
     struct Request {
-        std::string strURL;  ///< with its scheme
+        std::string strURL;  ///< including its scheme
         std::string strUser = {};
         std::string strPassword = {};
         std::chrono::seconds nTimeout = kNewTimeout;
@@ -40,17 +40,17 @@ public:
 
     explicit HttpRequester(const Ports& ports) : ports_(ports) {}
 
-    /// Creates the six slots. Before that getURLData2 fails with a reason.
+    /// Creates the six slots. Before this call getURLData2 fails with a reason.
     void LoadInets(const std::function<std::unique_ptr<Inet>()>& newInet);
 
-    /// Cancels whatever runs on any slot.
+    /// Cancels every running transfer.
     void CloseInets();
 
-    /// A slot that is not busy; busy ones met on the way are cancelled. 0 when all were.
+    /// Returns a slot that is not busy and cancels busy ones before it. Returns 0 when all were busy.
     int getOpenInetIndex();
 
-    /// Fetches the page; a blank answer that came within half a second is asked for again, up to 11 times in all.
-    /// Waits through the event pump. `nResponseMs` is the time of the last attempt.
+    /// Fetches the page; an empty answer within half a second is requested again, up to 11 times in all. Waits through the event
+    /// pump. `nResponseMs` is the time of the last attempt.
     TimedCheckResult getURLData2(const Request& request);
 
 private:

@@ -1,4 +1,5 @@
-// The restart of this machine that the operator tries out. A failing server restarts it only through its entry's own command.
+// The restart of this machine that the operator can test. A failing server restarts the machine only through its entry's own
+// command.
 #pragma once
 
 #include <functional>
@@ -12,7 +13,7 @@
 
 namespace korvane {
 
-/// Each operation asks the system and goes on; a request that could not be made stands in the log.
+/// Each operation sends a request to the system and does not wait; a request that could not be made is logged.
 class clsShutdown {
 public:
     clsShutdown(Power& power, Log& log) : power_(power), log_(log) {}
@@ -38,16 +39,16 @@ public:
         StatusLog& status;
         Log& log;
         const CycleState& state;
-        std::function<void()> cmdStopStart;  ///< the switch of monitoring
+        std::function<void()> cmdStopStart;  ///< stops or starts monitoring
     };
 
     explicit MachineRestart(Ports ports) : ports_(std::move(ports)) {}
 
-    /// Reboots without a question. The operator is told when nothing on this machine can do it.
+    /// Reboots without a question. The operator is notified when nothing on this machine can do it.
     void RebootCommand();
 
-    /// Asks and goes on; a Yes stops monitoring and reboots. `answered` is called behind either answer. This must outlive the
-    /// window over which the question stands.
+    /// Asks without waiting; a Yes stops monitoring and reboots. `answered` is called after either answer. This must outlive the
+    /// parent window of the question.
     void TestShutDown(const std::function<void()>& answered = [] {});
 
 private:

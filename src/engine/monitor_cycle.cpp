@@ -18,10 +18,10 @@ using std::chrono::seconds;
 
 constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
 constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
-constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched is looked at every six hours
+constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched comes up every six hours
 constexpr std::int32_t kMostReportTicks = 1001;
 constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
-constexpr std::int32_t kReportTicksAtMost = 1000;  // then the sleep branch is forced
+constexpr std::int32_t kReportTicksAtMost = 1000;  // the sleep branch is then forced
 constexpr std::int32_t kMostCycleCount = 32000;
 constexpr int kRefreshWhileSleeping = 10;  // seconds
 constexpr int kSummaryEveryCycles = 5;
@@ -122,7 +122,7 @@ seconds MonitorCycle::SecondsUntilDue(Tick& tick) {
 }
 
 void MonitorCycle::Sleep(seconds time) {
-    // A row overdue by more than nine hours would leave the 16 bits; it costs no sleep, like every overdue row.
+    // A row overdue by more than nine hours would exceed 16 bits; it costs no sleep, like every overdue row.
     constexpr seconds::rep kLongestOverdue = std::numeric_limits<std::int16_t>::min();
     const std::int16_t length = CheckedInt16(std::max(time.count(), kLongestOverdue));
     state_.nSleepLeft = length;
@@ -173,7 +173,7 @@ void MonitorCycle::SleepWithNothingDue(Tick& tick) {
     Step("open db 2nd time");
     tick.rs->Close();
     tick.rs->Open(query::kAllByNextCheck, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
-    // The due query never meets a row without a time. Such a row stands first here, and becomes due.
+    // The due query never finds a row without a time. Such a row comes first here, and becomes due.
     if (tick.rs->Fields("dtNextCheck").Value().IsBlank()) {
         tick.rs->Fields("dtNextCheck") = ports_.clock.Now();
         tick.rs->Update();
@@ -378,7 +378,8 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
         ports_.status.setStatusMSG("Success: Found '" + expected + "' in the response...");
         return true;
     }
-    // The reason stays blank: this message reaches the status line and the log, and neither the `Failures` row nor the mail.
+    // The reason stays empty: this message goes to the status line and the log, but neither to the `Failures` row nor to the
+    // mail.
     const std::string message = "Failure: Didn't find '" + expected + "' in the response...";
     ports_.status.setStatusMSG(message);
     Step("dofailure3");
@@ -396,15 +397,15 @@ void MonitorCycle::UpdateRow(Tick& tick) {
     } catch (const std::exception& error) {
         LogError("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
         ports_.alarm.Note(RefusalOf(error));
-        // The row keeps its pending changes, and the first move of the summary would try to write them again.
+        // The row keeps its pending changes, and the first cursor move of the summary would try to write them again.
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
 }
 
-// Sees only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
+// Covers only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
 void MonitorCycle::SummariseInTray(Recordset& rs, bool atOnce) {
-    if (ports_.alarm.Raised()) return;  // it has the tray
+    if (ports_.alarm.Raised()) return;  // the alarm uses the tray
     const bool wanted = atOnce || state_.nCycleCount % kSummaryEveryCycles == 0 || ports_.person.WindowVisible();
     if (!wanted || rs.RecordCount() < 1) return;
     bool failing = false;

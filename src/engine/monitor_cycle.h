@@ -1,5 +1,5 @@
-// The heart of the monitor. Each tick of a one-second timer either counts down a sleep or checks exactly one entry, the one that
-// is due soonest, and writes the outcome back. There is no queue: the next tick looks again.
+// The core of the monitor. Each tick of a one-second timer either counts down a sleep or checks exactly one entry, the one that
+// is due soonest, and writes the outcome back. There is no queue: the next tick queries again.
 #pragma once
 
 #include <cstdint>
@@ -47,11 +47,11 @@ public:
 
     explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}
 
-    /// One tick. Waits through the event pump as long as the check takes; no error leaves it.
+    /// Handles one tick. Waits through the event pump as long as the check takes; throws nothing.
     void TimerMonitorDB_Timer();
 
 private:
-    /// The open store and the entry in hand; both belong to one tick.
+    /// The open store and the current entry; both belong to one tick.
     struct Tick {
         std::unique_ptr<Connection> conn;
         std::unique_ptr<Recordset> rs;
@@ -89,8 +89,7 @@ private:
     CycleState& state_;
 };
 
-/// The minutes from one moment to another as the clock face shows them: the seconds of both are cut off. Negative when `to` is
-/// earlier.
+/// Returns the minutes between two moments, with the seconds of both cut off. Negative when `to` is earlier.
 std::int64_t MinutesBetween(DateTime from, DateTime to);
 
 }  // namespace korvane

@@ -19,7 +19,7 @@ constexpr int kLongOutageTries = 50;
 constexpr int kLongOutageFactor = 5;
 constexpr seconds kLongestInterval = std::chrono::years(9999);
 
-// A counter that was never written stands at zero.
+// A counter that was never written counts as zero.
 std::int64_t CounterOf(Recordset& rs, std::string_view column) {
     const Value value = rs.Fields(column).Value();
     return value.IsBlank() ? 0 : value.Int64();
@@ -40,7 +40,7 @@ double PercentUp(std::int64_t failed, double total) {
     return 100.0 - static_cast<double>(failed) / total * 100.0;
 }
 
-// The interval has no upper limit, dates have one: an interval beyond it means never again.
+// The interval has no upper limit, but dates have one: an interval beyond it means never again.
 DateTime NextCheck(DateTime from, seconds interval) {
     try {
         return from + interval;
@@ -49,7 +49,7 @@ DateTime NextCheck(DateTime from, seconds interval) {
     }
 }
 
-// A running average with one more sample in it.
+// Returns a running average with one more sample.
 double WithSample(double average, double count, double sample) {
     return ((count - 1) * average + sample) / count;
 }
@@ -88,8 +88,8 @@ void OutcomeAccounting::ForgetActions(Recordset& rs) {
     actedOnRecovery_.erase(id);
 }
 
-// How far into the past the interval starts: up to a second for each row that was due, so that entries that are checked one after
-// the other spread out.
+// Returns how far into the past the interval starts: up to a second for each row that was due, so that entries that are checked
+// one after the other spread out.
 seconds OutcomeAccounting::Stagger(int recordCount) {
     const double fraction = std::uniform_real_distribution<double>(0.0, 1.0)(random_);
     return seconds(RoundHalfEven(fraction * recordCount));
@@ -107,7 +107,7 @@ void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nR
     });
     IgnoreErrors([&] { session = AddOne(rs, "nTotalSession"); });
     IgnoreErrors([&] { rs.Fields("nPercentUp") = PercentUp(failed, total); });
-    // Failures count in the divisor and add nothing to the sum: each one pulls the average down a little.
+    // Failures count in the divisor and add nothing to the sum: each one lowers the average a little.
     IgnoreErrors([&] { rs.Fields("nAveResponse") = WithSample(AverageOf(rs, "nAveResponse"), total, ms); });
     IgnoreErrors([&] { rs.Fields("nAveSession") = WithSample(AverageOf(rs, "nAveSession"), session, ms); });
 }
@@ -147,8 +147,8 @@ void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNot
     ForgetActions(rs);
 }
 
-// The counters and their row stand or fall together: a program that is killed between the two must not leave one without the
-// other.
+// The counters and their row are written together or not at all: a program that is killed in between must not leave one without
+// the other.
 void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, const FailureNote& note) {
     owed_ = note;
     bool counted = false;
@@ -162,7 +162,7 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, const Fai
         if (counted && !kept) owed_.reset();
         throw;
     }
-    owed_.reset();  // if this fails, neither has happened, and the entry is still due
+    owed_.reset();  // if this fails, neither was written, and the entry is still due
     conn.CommitTrans();
 }
 

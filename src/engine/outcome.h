@@ -1,6 +1,6 @@
-// The accounts of an entry: what one finished check does to its row. An entry is "UP" after any success, "Failing" for fewer than
-// `nTries` failures in a row, "DOWN" from the `nTries`-th on; that failure exactly fires the failure actions, the success after
-// it the recovery actions; and the time of the next check is chosen here.
+// The accounting of an entry: what one finished check changes in its row. An entry is "UP" after any success, "Failing" for fewer
+// than `nTries` failures in a row, and "DOWN" from the `nTries`-th on. Exactly that failure triggers the failure actions, the
+// success after it the recovery actions. The time of the next check is also chosen here.
 #pragma once
 
 #include <chrono>
@@ -41,24 +41,23 @@ public:
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
 
-    /// Both work on the open Recordset, whose current row is the entry that was checked, and update it. An error in one
-    /// step of DoSuccess leaves the other steps in force.
+    /// Both work on the open Recordset, whose current row is the entry that was checked, and update it. An error in one step of
+    /// DoSuccess does not affect the other steps.
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
-    /// Adds a row to `Failures` too, in one transaction with the entry's row. An error ends it with a status line; what was
-    /// changed so far stays pending in `rs`. When it was the store that refused it, AddOwedFailureRow is to follow the Update
-    /// that succeeds.
+    /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
+    /// far stay pending in `rs`. If the store refused, AddOwedFailureRow must follow the Update that succeeds.
     void DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
-    /// The `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing when none is
-    /// owed. Store errors are the caller's.
+    /// Adds the `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing if no
+    /// row is missing. Store errors are passed to the caller.
     void AddOwedFailureRow(Recordset& rs, Connection& conn);
 
-    /// Why the store refused to record the failure of this entry; empty when it did not, or has taken it since.
+    /// Returns why the store refused to record the failure of this entry; empty when it did not, or has accepted it since.
     const std::string& Refusal() const { return refusal_; }
 
-    /// Before each entry: the stagger of the next checks is random and reseeded from the clock, and what an earlier entry was
-    /// owed is over.
+    /// Called before each entry: the stagger of the next checks is random and reseeded from the clock, and a missing row of an
+    /// earlier entry is forgotten.
     void BeginEntry(std::uint32_t seed) {
         random_.seed(seed);
         owed_.reset();
@@ -66,7 +65,7 @@ public:
     }
 
 private:
-    /// What a `Failures` row holds beside the copy of the entry.
+    /// The content of a `Failures` row besides the copy of the entry.
     struct FailureNote {
         std::string strAction;
         std::string strReason;
@@ -90,8 +89,8 @@ private:
     std::optional<FailureNote> owed_;  ///< refused by the store, or counted without its row
     std::string refusal_;
 
-    // What was done for an entry whose row could not be written since: the store does not know of it, and it must not be done
-    // again at each check. By `ID`.
+    // What was done, by `ID`, for an entry whose row could not be written since: the store has no record of it, and it must not
+    // be repeated at each check.
     std::map<std::int64_t, std::string> actedOnOutage_;  ///< strAction
     std::set<std::int64_t> actedOnRecovery_;
 };

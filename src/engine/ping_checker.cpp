@@ -52,14 +52,14 @@ int PingChecker::PingHost(const std::string& strServer, std::string& strReason) 
     const EchoReply reply = ports_.echo.IcmpSendEcho(*address, kEchoData, kTimeToLive, kEchoWait);
     ports_.echo.IcmpCloseHandle();
     if (!reply.answered) strReason = "Ping Timeout";
-    // Without an answer the status is 0 as well: the reason is what tells the two apart.
+    // Without an answer the status is also 0: only the reason distinguishes the two.
     if (reply.status == 0) return static_cast<int>(reply.roundTripTime.count());
     strReason = "Ping Failure (Host did not reply or could not be reached).";
     return kPingBadReply;
 }
 
 void PingChecker::TellWhatToAllow(const std::string& whyNot) {
-    if (whyNot == toldWhyNot_) return;  // once is enough: every ping of the day would say it again
+    if (whyNot == toldWhyNot_) return;  // log it once, not at every ping
     toldWhyNot_ = whyNot;
     ports_.log.WriteLog(kLogOrdinary, kLogError, "PingHost: " + whyNot);
 }

@@ -15,7 +15,7 @@
 
 namespace korvane {
 
-/// What PingHost returns besides a round trip time.
+/// Results of PingHost besides a round trip time.
 constexpr int kPingNoHandle = -1;
 constexpr int kPingTimeout = -2;
 constexpr int kPingBadReply = -3;
@@ -33,11 +33,12 @@ public:
 
     explicit PingChecker(const Ports& ports) : ports_(ports) {}
 
-    /// Passes when the echo came back within `nLimitMs` of wall-clock time around it. Blocks for up to 2 seconds; no
-    /// events are delivered meanwhile, and a longer limit does not lengthen the wait.
+    /// Passes when the echo came back within `nLimitMs` of wall-clock time. Blocks for up to 2 seconds; no events are delivered
+    /// meanwhile, and a longer limit does not lengthen the wait.
     CheckResult DoPingRequest(const std::string& strServer, std::int16_t nLimitMs);
 
-    /// The round trip time in milliseconds, or one of the codes above. After a timeout the code may be 0 and the reason tells.
+    /// Returns the round trip time in milliseconds, or one of the codes above. After a timeout the code may be 0; `strReason`
+    /// then shows the failure.
     int PingHost(const std::string& strServer, std::string& strReason);
 
 private:
@@ -47,7 +48,7 @@ private:
     std::string toldWhyNot_;
 };
 
-/// Four numbers from 0 to 255 with "." between them.
+/// Returns whether the text is four numbers from 0 to 255 separated by ".".
 bool IsValidIPAddress(std::string_view text);
 
 }  // namespace korvane

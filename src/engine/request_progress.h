@@ -1,6 +1,6 @@
 // The estimate that the operator sees while a page is being fetched: the bar fills in a little more than the entry's average
-// time. A test by the operator may run inside a request of the cycle, and the other way about: the bar belongs to the one that
-// began last, and goes back to the other when that one ends.
+// time. A test by the operator may run inside a request of the cycle, or the reverse: the bar belongs to the request that began
+// last, and returns to the other when that one ends.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ public:
 
     explicit RequestProgress(const Ports& ports) : ports_(ports) {}
 
-    /// A request runs as long as this lives. They end in the reverse order of their beginning.
+    /// A request runs as long as this lives. Requests must end in the reverse order of their beginning.
     class Request {
     public:
         explicit Request(RequestProgress& progress) : progress_(progress) { progress_.Begin(); }
@@ -36,10 +36,10 @@ public:
         RequestProgress& progress_;
     };
 
-    /// The operator looks again: the estimate of a request that runs goes on.
+    /// Called when the operator looks again: the estimate of a running request continues.
     void Resume();
 
-    /// One tick, each quarter of a second while a request runs.
+    /// Handles one tick, each quarter of a second while a request runs.
     void TimerProgress_Timer();
 
 private:
@@ -47,7 +47,7 @@ private:
     void End();
 
     Ports ports_;
-    std::vector<std::int32_t> nProgressTicks_;  ///< of each request that runs
+    std::vector<std::int32_t> nProgressTicks_;  ///< of each running request
 };
 
 }  // namespace korvane

@@ -1,4 +1,4 @@
-// The operator's own commands: started, told of, and left to themselves.
+// The operator's own commands: started, reported, and left to themselves.
 #pragma once
 
 #include <string>
@@ -19,8 +19,8 @@ public:
 
     explicit CommandRunner(const Ports& ports) : ports_(ports) {}
 
-    /// Starts the command line and returns at once; whether it started stands on the status line and in the log. Never tries
-    /// again. Throws nothing.
+    /// Starts the command line and returns at once; status line and log say whether it started. Never tries again. Throws
+    /// nothing.
     void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle);
 
 private:

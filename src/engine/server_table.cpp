@@ -5,7 +5,7 @@
 namespace korvane {
 namespace {
 
-// "IMAP" with the port of HTTPS and "GET / HTTPS/1.0" are odd, and entries made with them are in use: they stay.
+// "IMAP" with the port of HTTPS and "GET / HTTPS/1.0" are odd, but existing entries use them, so they stay.
 constexpr ServerType kServerTypes[] = {
     {"HTTP", "http://", "80", "GET / HTTP/1.0", ""},
     {"HTTPS", "https://", "443", "GET / HTTPS/1.0", ""},

@@ -1,5 +1,4 @@
-// The vocabulary of a server entry: status words, the table of server types, and the queries by which the engine walks the table
-// `Servers`.
+// The vocabulary of a server entry: status words, the table of server types, and the engine's queries on the table `Servers`.
 #pragma once
 
 #include <chrono>
@@ -13,7 +12,7 @@
 
 namespace korvane {
 
-/// What `strCurStatus` holds, spelled exactly so.
+/// The values of `strCurStatus`, in their exact spelling.
 namespace status {
 inline constexpr std::string_view kUp = "UP";               ///< the last check passed
 inline constexpr std::string_view kFailing = "Failing";     ///< failed fewer than nTries times in a row
@@ -22,34 +21,34 @@ inline constexpr std::string_view kDownTime = "Down-Time";  ///< inside a daily 
 inline constexpr std::string_view kInactive = "Inactive";   ///< not watched
 }  // namespace status
 
-/// One kind of server: what the editor fills in when the type is picked, and what `strType` is compared with.
+/// One kind of server: the editor's values when the type is chosen, and the texts that `strType` is compared with.
 struct ServerType {
     std::string_view name;
     std::string_view prefix;    ///< shown before the address
-    std::string_view port;      ///< default `strPort`; blank: as typed
-    std::string_view request;   ///< shown only: all TCP traffic comes from `strExpectedText`
-    std::string_view expected;  ///< default `strExpectedText`; blank leaves it as it is
+    std::string_view port;      ///< default `strPort`; empty: as typed
+    std::string_view request;   ///< only shown: all TCP traffic comes from `strExpectedText`
+    std::string_view expected;  ///< default `strExpectedText`; empty leaves it unchanged
 };
 
-/// All twenty, in the order in which they are offered.
+/// All twenty, in the order of the list.
 std::span<const ServerType> ServerTypeTable();
 
-/// How an entry is checked. Every type that is none of the first three, known or not, is a TCP conversation.
+/// How an entry is checked. Every type except the first three, known or not, is a TCP conversation.
 enum class CheckKind { Http, Https, Ping, Tcp };
 CheckKind CheckKindOf(std::string_view strType);
 
-/// Of a new entry. An old row whose column is blank counts as such an entry.
+/// Defaults of a new entry, also used for an old row whose column is blank.
 inline constexpr int kNewTries = 3;
 inline constexpr std::chrono::seconds kNewTimeout{15};
 
-/// As much of a response or a reason is stored.
+/// Responses and reasons are stored up to this length.
 inline constexpr std::size_t kMostStoredCharacters = 249;
 
-/// `nTries` and `nTimeout`, in seconds, of the current row.
+/// Return `nTries`, and `nTimeout` in seconds, of the current row.
 Value TriesOf(Recordset& rs);
 Value TimeoutOf(Recordset& rs);
 
-/// The queries that the engine issues, byte for byte.
+/// The engine's queries, byte for byte.
 namespace query {
 std::string DueBy(DateTime when);
 std::string MonitoredAndDueBy(DateTime when);

@@ -1,4 +1,4 @@
-// Where this machine's `shutdown` command is: what the editor offers as the command that restarts it.
+// Finds this machine's `shutdown` command, which the editor offers as the command that restarts the machine.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace korvane {
 
-/// The first of the places where distributions keep it that exists; the usual one when none does. Looks at the disk, throws
+/// Returns the first existing path among those that distributions use, or the usual one when none exists. Reads the disk, throws
 /// nothing.
 std::string getShudownEXEPath(Files& files);
 

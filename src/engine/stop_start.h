@@ -1,4 +1,4 @@
-// The one switch of monitoring: stop and start, by the operator or by the service manager.
+// The only switch of monitoring: stop and start, by the operator or by the service manager.
 #pragma once
 
 #include "engine/cycle_state.h"
@@ -20,7 +20,7 @@ public:
 
     explicit StopStart(const Ports& ports) : ports_(ports) {}
 
-    /// Toggles. A check already under way runs to its end.
+    /// Toggles monitoring. A running check continues to its end.
     void cmdStopStart();
 
 private:

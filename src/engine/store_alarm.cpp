@@ -17,7 +17,7 @@ std::string RefusalOf(const std::exception& error) {
 
 void StoreAlarm::Note(const std::string& refusal) {
     const bool refused = !refusal.empty();
-    // Each time: the failure of an entry, or a new start of monitoring, puts its own picture there.
+    // Set each time: the failure of an entry, or a new start of monitoring, sets its own picture.
     if (refused) ports_.person.SetTray(TrayPicture::Error, kTip);
     if (refused == raised_) return;
     raised_ = refused;

@@ -1,5 +1,5 @@
-// Tells once that the store does not take what the checks bring, and once that it takes it again. Without it a full disk shows in
-// nothing but checks that succeed and are forgotten.
+// Reports once that the store refuses the outcomes of checks, and once that it accepts them again. Otherwise a full disk would
+// only mean successful checks that are forgotten.
 #pragma once
 
 #include <exception>
@@ -12,7 +12,7 @@
 
 namespace korvane {
 
-/// Why the store as a whole refused a write; empty for an entry that somebody has removed meanwhile.
+/// Returns why the store as a whole refused a write; empty if only the entry was removed meanwhile.
 std::string RefusalOf(const std::exception& error);
 
 class StoreAlarm {
@@ -26,10 +26,10 @@ public:
 
     explicit StoreAlarm(const Ports& ports) : ports_(ports) {}
 
-    /// After each entry: why its outcome could not be written; empty when it was.
+    /// Called after each entry with the reason why its outcome could not be written; empty when it was.
     void Note(const std::string& refusal);
 
-    /// The tray shows nothing else while this is so.
+    /// While true, the tray shows nothing else.
     bool Raised() const { return raised_; }
 
 private:

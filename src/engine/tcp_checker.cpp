@@ -18,10 +18,10 @@ using namespace std::chrono_literals;
 constexpr auto kWaitStep = 250ms;
 constexpr auto kReplyLimit = 21s;
 
-/// Bytes of an arrival that count: an endless banner must not fill the log.
+/// Only this many bytes of an arrival count: an endless banner must not fill the log.
 constexpr std::size_t kMostOfAnArrival = 8192;
 
-// Cuts no character in two.
+// Never cuts a character in two.
 std::string BeginOf(std::string text) {
     std::size_t end = std::min(text.size(), kMostOfAnArrival);
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
@@ -50,11 +50,11 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
             ports_.person.SetWaitCursor(false);
             return {.response = "", .strReason = "Socket wasn't closed "};
         }
-        const RaisedFlag talking(talking_);  // one conversation at a time, even when the socket of this one is closed under it
+        const RaisedFlag talking(talking_);  // one conversation at a time, even if this one's socket is closed meanwhile
         bTCPTimedOut_ = false;
         strRecvBuffer_.clear();
         ports_.socket.SetProtocol(SocketProtocol::Tcp);
-        // The reason for every way of failing that does not set its own.
+        // The reason for every failure that does not set its own.
         result.strReason = "Could Not Connect to " + strServer + " Double check for typos. ";
         const Connecting connecting = Connect(strServer, nTimeout, strPort);
         TalkOrExplain(connecting, strExpected, result);
@@ -84,12 +84,12 @@ TcpChecker::Connecting TcpChecker::Connect(const std::string& strServer, std::ch
     socket.Connect();
     ports_.status.setStatusMSG("Resolving.");
 
-    // Time is counted in steps: one that ends early because the state changed counts as a whole one.
+    // Time is counted in steps: a step that ends early because the state changed counts as a whole one.
     const auto limit = std::chrono::milliseconds(nTimeout) / 2;
     auto elapsed = 0ms;
     while (elapsed < limit && socket.State() == SocketState::ResolvingHost) {
         WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return socket.State() != SocketState::ResolvingHost; });
-        // A wait may take the socket through more than one state.
+        // During a wait the socket may go through several states.
         const SocketState state = socket.State();
         const bool resolved =
             state == SocketState::HostResolved || state == SocketState::Connecting || state == SocketState::Connected;
@@ -144,7 +144,7 @@ void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
         ports_.conversation.setResponse(said.empty() ? "Connected (no response)." : said);
         return;
     }
-    bool expects = true;  // elements take turns: one to wait for, one to send
+    bool expects = true;  // elements alternate: one to wait for, one to send
     for (const std::string& element : Split(strExpected, ',')) {
         if (!expects) {
             SendElement(element);

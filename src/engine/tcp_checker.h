@@ -1,8 +1,8 @@
-// Connects to a host and port and plays a short scripted conversation: the check of every server type but HTTP, HTTPS and PING.
+// Connects to a host and port and performs a short scripted conversation: the check of every server type but HTTP, HTTPS and
+// PING.
 //
-// The script is one text with elements between commas, no quoting. Elements at even places are texts to wait for, elements at odd
-// places lines to send: "220,QUIT,221" waits for "220", sends QUIT, waits for "221". A blank script is content with the
-// connection.
+// The script is one text with elements between commas, no quoting. Elements alternate, beginning with a text to wait for:
+// "220,QUIT,221" waits for "220", sends QUIT, waits for "221". An empty script only needs the connection.
 #pragma once
 
 #include <chrono>
@@ -22,7 +22,7 @@ namespace korvane {
 class TcpChecker {
 public:
     struct Ports {
-        TcpSocket& socket;  ///< the one socket of all TCP checks; the checker takes its events
+        TcpSocket& socket;  ///< the single socket of all TCP checks; the checker receives its events
         Events& events;
         const Clock& clock;
         Operator& person;
@@ -37,7 +37,7 @@ public:
     CheckResult DoTCPRequest(const std::string& strServer, const std::string& strExpected, std::chrono::seconds nTimeout,
                              const std::string& strPort);
 
-    /// Whether the next thing the server says holds the text, upper and lower case told apart. The first arrival decides.
+    /// Returns whether the server's next data contains the text, case-sensitively. The first arrival decides.
     bool WaitForTCPText(const std::string& strExpected);
 
 private:
@@ -49,7 +49,7 @@ private:
     void SendElement(const std::string& element);
 
     Ports ports_;
-    std::string strRecvBuffer_;  ///< the most recent arrival as it came, not the sum of all
+    std::string strRecvBuffer_;  ///< the latest arrival alone, unchanged
     bool talking_ = false;
     bool bTCPTimedOut_ = false;
     std::string strTCPTimeoutText_;

@@ -1,5 +1,5 @@
-// The rules by which an HTTP or HTTPS answer fails on its text: a text of the entry's list that means failure, then the one text
-// that must be there.
+// The rules by which the text of an HTTP or HTTPS answer makes a check fail: a text of the entry's list that means failure, then
+// the one text that must be there.
 #pragma once
 
 #include <string>
@@ -14,8 +14,8 @@ struct UrlFailure {
     std::string strFailCommand;
 };
 
-/// Looks for the texts of `ResponseFailText` in the answer, upper and lower case told apart; the first row that matches decides.
-/// An empty fail text is found in every answer that is not blank. Store errors are the caller's.
+/// Searches the answer for the texts of `ResponseFailText`, case-sensitively; the first row that matches decides. An empty fail
+/// text matches every answer that is not empty. Store errors are passed to the caller.
 UrlFailure IsURLFailure(Store& store, Connection& conn, const std::string& strResponse, const std::string& strID);
 
 }  // namespace korvane

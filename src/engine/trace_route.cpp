@@ -15,11 +15,11 @@ constexpr const char* kHeading =
     "The following is the tracert run right after the server failure:\r\n"
     "-------------------------------\r\n";
 
-// The program of the system that is there, the first one in the end so that the file names what is missing. Both end by
-// themselves unless the names of the hops are looked up at a name server that is silent, too.
+// The first installed program; if none is, the first one, so that the file names what is missing. Both end by themselves unless
+// they look up hop names at a name server that does not answer.
 constexpr const char* kTracer = "timeout 300 $(command -v traceroute || command -v tracepath || echo traceroute)";
 
-/// As one word of the shell, whatever is in it.
+/// Quotes any text as one word of the shell.
 std::string Quoted(const std::string& word) {
     return "'" + ReplaceAll(word, "'", "'\\''") + "'";
 }
@@ -27,14 +27,14 @@ std::string Quoted(const std::string& word) {
 std::string HostOf(const std::string& strAddress) {
     const std::string beforeSlash = strAddress.substr(0, strAddress.find('/'));
     std::string host = beforeSlash.substr(0, beforeSlash.find('\\'));
-    std::erase_if(host, [](char c) { return static_cast<unsigned char>(c) < ' '; });  // a line stays one line
+    std::erase_if(host, [](char c) { return static_cast<unsigned char>(c) < ' '; });  // a line must stay one line
     return host;
 }
 
 }  // namespace
 
 void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
-    // Whatever becomes of this trace, the one of an earlier outage must not be mailed in its place.
+    // Whatever happens to this trace, the trace of an earlier outage must not be mailed in its place.
     IgnoreErrors([&] { ports_.files.Remove(GetTracertFile(id)); });
     const std::string script = MakeTraceBatFile(strAddress, id);
     ports_.status.setStatusMSG("Running and Saving TraceRoute Information '" + script + "'");
@@ -50,8 +50,8 @@ void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
 std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int64_t id) {
     const std::string script = FileOf(id, ".bat");
     const std::string output = Quoted(GetTracertFile(id));
-    // An earlier trace that still runs keeps the file that is removed, and writes into nobody else's. "--": what follows is a
-    // host and no option.
+    // An earlier trace that still runs keeps writing to the removed file, and to no other. After "--" comes a host, never an
+    // option.
     const std::string line = "rm -f " + output + "; " + kTracer + " -- " + Quoted(HostOf(strAddress)) + " > " + output + " 2>&1";
     try {
         ports_.files.CreatePrivateFolder(folder_);

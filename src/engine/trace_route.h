@@ -1,5 +1,5 @@
-// The road to a server at the moment of its failure: traced beside the program into a file, and kept for the mail that tells of
-// its return.
+// The route to a server at the moment of its failure: traced in the background into a file, and kept for the mail that reports
+// the server's return.
 #pragma once
 
 #include <cstdint>
@@ -24,18 +24,18 @@ public:
     /// `dir` is the home of the program; the files are in its folder "kvlogs".
     TraceRoute(const Ports& ports, const std::string& dir) : ports_(ports), folder_(dir + "/kvlogs") {}
 
-    /// Starts the trace of entry `id` and returns at once. It ends by itself within minutes; a later one takes its place. What
-    /// fails is said and logged. Throws nothing.
+    /// Starts the trace of entry `id` and returns at once. It ends by itself within minutes; a later trace replaces it. Failures
+    /// go to the status line and the log. Throws nothing.
     void RunTraceRoute(const std::string& strAddress, std::int64_t id);
 
-    /// Writes the script that RunTraceRoute starts, a single command line for the shell. Returns its path, blank when it could
+    /// Writes the script that RunTraceRoute starts, a single command line for the shell. Returns its path, empty when it could
     /// not be written.
     std::string MakeTraceBatFile(const std::string& strAddress, std::int64_t id);
 
-    /// The path of the file that the trace goes to.
+    /// Returns the path of the trace's output file.
     std::string GetTracertFile(std::int64_t id) const;
 
-    /// What the trace has written so far, with the words before it and as lines that end in CR LF, as a mail needs them; blank
+    /// Returns the output of the trace so far, after an introduction and with CR LF line ends, as a mail needs them; empty
     /// without a trace. Throws Error when the file cannot be read.
     std::string GetTraceRouteText(std::int64_t id);
 

@@ -12,7 +12,7 @@ namespace {
 constexpr int kTrimAbove = 50;
 constexpr int kKept = 40;
 
-/// Of the page at a time: after a long time without a publish there may be more than memory has room for.
+/// Rows of the page in memory at once: after a long time without publishing there may be too many for memory.
 constexpr int kRowsHeld = 2000;
 
 constexpr std::string_view kFailing =

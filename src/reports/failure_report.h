@@ -1,4 +1,5 @@
-// The failures of one server, newest first, as a page; and the trimming of those records, so that they never grow without limit.
+// The page with the failures of one server, newest first, and the trimming of those records, so that they never grow without
+// limit.
 #pragma once
 
 #include <memory>
@@ -13,12 +14,12 @@ class FailureReport {
 public:
     FailureReport(Store& store, ReportFolder& folder) : store_(store), folder_(folder) {}
 
-    /// Writes "failure<id>.htm", which may have more rows than memory has room for, and trims. A failure is added to `strErr`; one
-    /// of the page does not keep the records from being trimmed.
+    /// Writes "failure<id>.htm", which may have more rows than fit in memory, and trims the records. An error is added to
+    /// `strErr`; an error of the page does not prevent the trimming.
     void PublishFailureReport(const std::string& id, const std::string& idCustomer, const std::string& strGroup,
                               Connection& connection, std::string& strErr);
 
-    /// A server with more than 50 records keeps its 40 newest; the page of this run still shows all of them. Throws Error.
+    /// If a server has more than 50 records, keeps its 40 newest; the page of this run still shows all of them. Throws Error.
     void Trim(const std::string& id, Connection& connection);
 
 private:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kPerUnit = 60;
 
-// What is written is what the next comparison sees.
+// The next comparison uses the written value.
 double InLargerUnit(double value) {
     return ParseNumber(FormatFixed(value / kPerUnit, 2));
 }

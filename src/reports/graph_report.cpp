@@ -46,7 +46,7 @@ const GraphReports::Kind GraphReports::kDaily = {
     "day",   "<td  align=center><b>Daily Date:</b></td>", "<td  align=center><b>Daily Average Response Time</b></td>", 0, true,
     "daily", "PublishDailyResponseTimeReport: "};
 
-/// The rows of a page as they grow, with the sum and the count behind their average. Rows are never closed.
+/// The rows of a growing page, with the sum and the count for their average. Rows are never closed.
 struct GraphReports::Bars {
     double scale = 0;
     std::int32_t sum = 0;
@@ -96,7 +96,7 @@ void GraphReports::Publish(const Kind& kind, Connection& connection, Recordset& 
     if (!rs->Eof()) bars.SetScale(rs->Fields("nAveResponse").Value().Double());
     DateTime walking = OnTheHour(ports_.clock.Now());
     while (!rs->Eof() && (kind.mostRows == 0 || bars.count < kind.mostRows)) {
-        // Only the day of the month is looked at, so that a gap is at most a month long.
+        // Only the day of the month is compared, so a gap is at most a month long.
         const DateTime dtCur = rs->Fields("dtCur").Value().When();
         if (kind.showGaps && walking.Day() != dtCur.Day()) {
             bars.rows += Row(walking, "No Data");

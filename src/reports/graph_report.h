@@ -1,4 +1,4 @@
-// The response times of one server as bars, a row an hour or a row a day: two pages of one design.
+// The response times of one server as bars, one row per hour or one row per day: two pages of one design.
 #pragma once
 
 #include <string>
@@ -22,8 +22,8 @@ public:
     explicit GraphReports(const Ports& ports) : ports_(ports) {}
 
     /// Write "hourly<id>.htm" (at most 26 rows) and "daily<id>.htm" (all rows, with "No Data" for days without one) for the
-    /// server that `serverRecord` stands on, newest first; the newest row is 200 pixels wide and the others relate to it. Raise
-    /// nothing: a failure is said on the status line, and the older page stays.
+    /// current server of `serverRecord`, newest first; the newest row is 200 pixels wide and the others are relative to it. Throw
+    /// nothing: a failure goes to the status line, and the older page stays.
     void PublishHourlyResponseTimeReport(Connection& connection, Recordset& serverRecord);
     void PublishDailyResponseTimeReport(Connection& connection, Recordset& serverRecord);
 

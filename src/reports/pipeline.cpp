@@ -17,7 +17,7 @@ constexpr std::string_view kGroupsHead =
     "to "
     "see reports for each server group (Company or Network)</b></td></tr>";
 
-/// Failures of the time before the start get their page in the first publish if they are no older than this.
+/// Failures from before the start get their page in the first publish if they are at most this old.
 constexpr std::chrono::days kRecentAtStart{5};
 
 std::string GroupRow(const std::string& strGroup) {

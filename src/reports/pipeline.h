@@ -1,4 +1,4 @@
-// Publishing: walks customers and groups and writes all pages, while checks and windows go on between them.
+// Publishing: goes through all customers and groups and writes all pages, while checks and windows continue in between.
 #pragma once
 
 #include <memory>
@@ -34,17 +34,17 @@ public:
         ServerIds& ids;
     };
 
-    /// `dir` is where templates, pictures and database are. Everything borrowed must outlive this.
+    /// `dir` is the folder of templates, pictures and database. All referenced objects must outlive this.
     Reports(const Ports& ports, std::string dir);
 
-    /// Writes everything. `strErr` is blank when all went well, otherwise it tells what went wrong; a page that could not be
-    /// written keeps its older form, and the other groups are published all the same. `bQuiet` leaves the graph pages of an hour
-    /// or day that goes on as they are. A call from an event of a running publish does nothing and says so. Delivers events
-    /// between groups and servers.
+    /// Writes everything. `strErr` is empty on success, otherwise it describes the errors; a page that could not be written keeps
+    /// its older form, and the other groups are still published. `bQuiet` leaves a graph page unchanged while its hour or day
+    /// continues. A call from an event of a running publish does nothing and reports that. Delivers events between groups and
+    /// servers.
     void PublishReports(bool bQuiet, std::string& strErr);
 
-    /// The page of all groups of a customer, or of one group, in the folder that publishing makes for it: names that differ only
-    /// in case are one group.
+    /// Returns the path of the page of all groups of a customer, or of one group, in the folder that publishing creates for it:
+    /// names that differ only in case are one group.
     std::string PageOf(const std::string& idCustomer, const std::string& strGroup);
 
 private:
@@ -61,7 +61,7 @@ private:
     ResponseTimes responseTimes_;
     FailureReport failures_;
     SummaryReport summary_;
-    DateTime lastPublish_;  ///< the last complete one
+    DateTime lastPublish_;  ///< the last complete publish
     bool publishing_ = false;
 };
 

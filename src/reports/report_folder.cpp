@@ -12,10 +12,10 @@
 namespace korvane {
 namespace {
 
-/// Its presence stands for the whole set of pictures.
+/// This picture marks the whole set as present.
 constexpr const char* kPictureMark = "citrix.gif";
 
-/// How far down from the report folder a folder and a page may lie: "R<idCustomer>/<strGroup>/<page>".
+/// Greatest depth of a folder and a page below the report folder: "R<idCustomer>/<strGroup>/<page>".
 constexpr std::size_t kFolderLevels = 2;
 constexpr std::size_t kPageLevels = 3;
 
@@ -50,7 +50,7 @@ std::string ReportFolder::GroupFolder(const std::string& idCustomer, const std::
     return CustomerFolder(idCustomer) + "/" + (EqualsNoCase(strGroup, group_) ? group_ : strGroup);
 }
 
-// The names come out of the database as they stand, and may hold anything.
+// The names come unchecked from the database and may contain anything.
 bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const {
     const std::string root = settings_.getKvSettingsColVal("ReportPath") + "/";
     if (!path.starts_with(root) || path.find('\0') != std::string::npos) return false;
@@ -60,8 +60,8 @@ bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const 
     return !leadsAway && names.size() <= levels;
 }
 
-// Somebody who may write into the report folder must not have this program write elsewhere. The report folder itself may be a
-// link.
+// Someone who may write into the report folder must not be able to make this program write elsewhere. The report folder itself
+// may be a link.
 bool ReportFolder::LeadsOut(const std::string& folder, std::string& strReason) {
     try {
         std::string root = files_.RealPath(settings_.getKvSettingsColVal("ReportPath"));
@@ -88,7 +88,7 @@ std::string ReportFolder::Merge(std::string_view templateFile, const PageContent
     return page;
 }
 
-// Piece by piece comes to the same as the whole at once: a report begins and ends with a tag.
+// Merging piece by piece gives the same result as merging the whole: a report begins and ends with a tag.
 void ReportFolder::MergeInPieces(std::string_view templateFile, const PageContents& contents, const Pieces& report,
                                  const TakeText& take) {
     const std::string total = std::to_string(contents.total);
@@ -127,7 +127,7 @@ bool ReportFolder::Exists(const std::string& path) {
     return exists;
 }
 
-// Pictures are published as pages are, so that whoever may read a page sees them too.
+// Pictures get the same access rights as pages, so that everyone who may read a page sees them too.
 void ReportFolder::EnsurePictures() {
     const std::string from = dir_ + "/i/";
     const std::string to = settings_.getKvSettingsColVal("ReportPath") + "/i/";
@@ -137,7 +137,7 @@ void ReportFolder::EnsurePictures() {
     files_.CreateFolder(settings_.getKvSettingsColVal("ReportPath") + "/i");
     std::vector<std::string> names = files_.FileNames(dir_ + "/i");
     const bool hasMark = std::erase(names, kPictureMark) > 0;
-    if (hasMark) names.emplace_back(kPictureMark);  // last: the set is whole when it is there
+    if (hasMark) names.emplace_back(kPictureMark);  // last: the set is complete once it exists
     for (const std::string& name : names)
         files_.PublishPage(to + name, [&](const TakeText& take) { take(files_.Read(from + name).value_or("")); });
 }

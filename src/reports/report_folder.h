@@ -1,4 +1,4 @@
-// The folder tree of the published pages and the templates they are merged into.
+// The folder tree of the published pages, and the templates of the pages.
 #pragma once
 
 #include <functional>
@@ -16,17 +16,17 @@ constexpr std::string_view kSummaryTemplate = "summaryreporttmp.htm";
 constexpr std::string_view kFailureTemplate = "failurereporttmp.htm";
 constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
 
-/// The whole file, or the empty text when there is none or it can't be read.
+/// Returns the whole file, or an empty text when it does not exist or cannot be read.
 std::string ReadFileText(Files& files, const std::string& path);
 
-/// Hands on a text piece by piece; it can be called again for the same text.
+/// Passes on a text piece by piece; can be called again for the same text.
 using Pieces = std::function<void(const TakeText& take)>;
 
-/// Replaces the file in one step with the text and a line end behind it, so that a browser never reads half a page. Whether that
-/// worked; if not, `strReason` tells why.
+/// Replaces the file in one step with the text and a line end, so that a browser never reads half a page. Returns whether that
+/// succeeded; if not, `strReason` says why.
 bool WriteFileText(Files& files, const std::string& path, const Pieces& text, std::string& strReason);
 
-/// What stands in a page in place of [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]].
+/// The replacements for [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]] in a page.
 struct PageContents {
     std::string report;
     int total = 0;
@@ -35,38 +35,38 @@ struct PageContents {
 
 class ReportFolder {
 public:
-    /// All are borrowed and must outlive this. `dir` is where the templates and the pictures are.
+    /// Holds references; everything must outlive this. `dir` is the folder of the templates and the pictures.
     ReportFolder(Files& files, const Clock& clock, const SettingsCollection& settings, std::string dir)
         : files_(files), clock_(clock), settings_(settings), dir_(std::move(dir)) {}
 
-    /// "<ReportPath>/R<idCustomer>"; both setting and names as they stand.
+    /// Returns "<ReportPath>/R<idCustomer>"; setting and names stay unchanged.
     std::string CustomerFolder(const std::string& idCustomer) const;
-    /// The group's folder inside it.
+    /// Returns the group's folder inside it.
     std::string GroupFolder(const std::string& idCustomer, const std::string& strGroup) const;
 
-    /// The store takes names that differ only in case for one group: until the next call its folder is spelt as here, whichever
-    /// of its servers asks.
+    /// The store treats names that differ only in case as one group: until the next call, its folder has this spelling for all of
+    /// its servers.
     void EnterGroup(const std::string& strGroup) { group_ = strGroup; }
 
-    /// An existing folder, or one that can't be made, is no error here: the write that follows tells.
+    /// Ignores an existing folder, and one that cannot be created: the following write then fails.
     void CreateFolder(const std::string& path);
 
-    /// The template with its placeholders replaced in their order; text that came in for one is searched for the next. Empty
-    /// without the template.
+    /// Returns the template with its placeholders replaced in order; an inserted text is searched for the following placeholders.
+    /// Empty without the template.
     std::string Merge(std::string_view templateFile, const PageContents& contents);
 
-    /// Throws Error with the path when the page can't be written, or when a name or a link would lead it away from its place below
+    /// Throws Error with the path when the page cannot be written, or when a name or a link would lead outside its place below
     /// "ReportPath". A page that is a link itself is replaced.
     void Write(const std::string& path, const std::string& page);
 
-    /// Merges and writes a page whose report is too long to be held. A placeholder never lies across two pieces of `report`,
-    /// which takes the place of that of `contents`.
+    /// Merges and writes a page whose report is too long for memory. A placeholder must not span two pieces of `report`, which
+    /// replaces the report of `contents`.
     void WriteLong(const std::string& path, std::string_view templateFile, const PageContents& contents, const Pieces& report);
 
-    /// False also where there can be no such file.
+    /// Returns false also where no such file is possible.
     bool Exists(const std::string& path);
 
-    /// Brings the pictures along, all of them, unless the folder has its mark: citrix.gif.
+    /// Copies all the pictures, unless the folder already has the marking picture citrix.gif.
     void EnsurePictures();
 
 private:

@@ -15,7 +15,7 @@ using std::chrono::minutes;
 
 constexpr hours kHoursKept{25};
 
-/// Events wait as long, and for the disk behind it.
+/// Events are delayed by this time, plus one wait for the disk.
 constexpr std::chrono::milliseconds kLongestBatch{8};
 
 std::string Moment(DateTime when) {
@@ -85,8 +85,8 @@ void ResponseTimes::SaveHour(Connection& connection, Recordset& serverRecord, do
     ports_.graphs.PublishHourlyResponseTimeReport(connection, serverRecord);
 }
 
-// Through a recordset of its own: what can't be written, because somebody has deleted the entry or has the store locked, must not
-// stay pending in the one that the caller moves on with.
+// Uses a recordset of its own: a change that cannot be written, because the entry was deleted or the store is locked, must not
+// stay pending in the caller's recordset.
 void ResponseTimes::BeginSession(Connection& connection, Recordset& serverRecord) {
     const auto rs = ports_.store.NewRecordset();
     rs->Open("SELECT * FROM Servers where ID = " + TextOf(serverRecord, "ID"), connection, CursorType::Keyset,
@@ -96,7 +96,7 @@ void ResponseTimes::BeginSession(Connection& connection, Recordset& serverRecord
     rs->Update();
 }
 
-// Within a batch nobody else changes anything, so that a second look in the same second would find nothing.
+// Within a batch nothing else changes, so a second check in the same second would find nothing.
 void ResponseTimes::DropOldHours(Connection& connection) {
     const DateTime since = ports_.clock.Now() - kHoursKept;
     if (oldHoursGone_ == since) return;
@@ -108,8 +108,7 @@ void ResponseTimes::DropOldHours(Connection& connection) {
     oldHoursGone_ = since;
 }
 
-// The stored value weighs as much as the hours that have gone, the new one as one hour, however often it is published within the
-// hour.
+// The stored value counts as many hours as have passed, the new one as one hour, however often it is published within the hour.
 void ResponseTimes::SaveDay(Connection& connection, Recordset& serverRecord, double ave) {
     const DateTime now = ports_.clock.Now();
     const auto rows = ports_.store.NewRecordset();
@@ -122,7 +121,7 @@ void ResponseTimes::SaveDay(Connection& connection, Recordset& serverRecord, dou
     rows->Fields("dtCur") = now;
     const double stored = NumberOf(*rows, "nAveResponse");
     const int h = now.Hour();
-    if (h == 0) throw Error("Division by zero", 11);  // in the hour after midnight the day's row stays as it is
+    if (h == 0) throw Error("Division by zero", 11);  // in the hour after midnight the day's row stays unchanged
     rows->Fields("nAveResponse") = ((stored == 0 ? ave : stored) * (h - 1) + ave) / h;
     rows->Update();
 }

@@ -1,5 +1,5 @@
-// The response times of each server over the day and over the days: the running average of its checks, kept as a row an hour and
-// a row a day.
+// The response times of each server by hour and by day: the running average of its checks, stored as one row per hour and one row
+// per day.
 #pragma once
 
 #include <functional>
@@ -28,16 +28,16 @@ public:
 
     explicit ResponseTimes(const Ports& ports) : ports_(ports) {}
 
-    /// Saves the averages of the servers from where `servers` stands, as many as take some milliseconds, and moves on behind
-    /// them. They become durable together: the disk is waited for once. Adds to `saved` for each of them whether
-    /// SaveResponseTimeData did its work. Raises nothing but what MoveNext does.
+    /// Saves the averages of the servers, starting at the current row of `servers`, for some milliseconds, and moves on past
+    /// them. They become durable together, with one wait for the disk. Adds to `saved`, for each of them, whether
+    /// SaveResponseTimeData succeeded. Throws only what MoveNext throws.
     void SaveSome(Connection& connection, Recordset& servers, std::vector<bool>& saved);
 
 private:
-    /// Folds `nAveSession` of the server that `serverRecord` stands on into `Response`; a new hour begins a new session. Hourly
-    /// rows of any server older than 25 hours go. The graph page is written when an hour or a day begins. True when all of that
-    /// was done: false for a server without an average, and for a failure, which ends it and is said on the status line. `batch`
-    /// is begun with the first change.
+    /// Adds `nAveSession` of the current server of `serverRecord` to `Response`; a new hour begins a new session. Hourly rows of
+    /// any server older than 25 hours are deleted. The graph page is written when an hour or a day begins. Returns true when all
+    /// of that was done; false for a server without an average, and after a failure, which goes to the status line. `batch` is
+    /// begun with the first change.
     bool SaveResponseTimeData(Connection& connection, Recordset& serverRecord, std::optional<WriteBatch>& batch);
     void Save(Connection& connection, Recordset& serverRecord, double ave);
     bool OrSay(const std::function<void()>& work);
@@ -48,7 +48,7 @@ private:
     void AddRow(Recordset& rows, Recordset& serverRecord, const char* txtType, double ave);
 
     Ports ports_;
-    std::optional<DateTime> oldHoursGone_;  ///< before this moment, in the present batch
+    std::optional<DateTime> oldHoursGone_;  ///< up to this moment, in the present batch
 };
 
 }  // namespace korvane

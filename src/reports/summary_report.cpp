@@ -62,7 +62,7 @@ std::string FailureLink(const std::string& id, const std::string& text) {
     return "<a href=failure" + id + ".htm>" + text + "</a>";
 }
 
-// A server that never succeeded has its date here and no link in the cell of the up-time: the two tests differ at 0.
+// A server that never succeeded has its date here but no link in the up-time cell: the two conditions differ at 0.
 std::string ActivityContents(Recordset& rs, const std::string& id, double nPercentUp) {
     const bool failed = nPercentUp < 100 && nPercentUp >= 0;
     return "\r\nLast Check: " + TextOf(rs, "dateLastCheck") +
@@ -83,7 +83,7 @@ bool FailedSince(DateTime lastPublish, Recordset& rs) {
 
 }  // namespace
 
-/// Of the servers that are up.
+/// Averages of the servers that are up.
 struct SummaryReport::Averages {
     int up = 0;
     double response = 0;
@@ -114,7 +114,7 @@ void SummaryReport::PublishSummaryReport(const std::string& strGroup, Connection
     }
 }
 
-// Of a group whose page failed before all of its servers had their turn.
+// For a group whose page failed before all of its servers were handled.
 void SummaryReport::TrimFailures(const std::string& strGroup, Connection& connection, DateTime lastPublish) {
     const auto rs = ports_.store.NewRecordset();
     rs->Open("SELECT * FROM Servers where strGroup = '" + ReplaceAll(strGroup, "'", "''") + "'", connection, CursorType::Static,
@@ -136,7 +136,7 @@ void SummaryReport::Publish(const std::string& strGroup, Connection& connection,
     const std::string idCustomer = TextOf(*rs, "idCustomer");
     ports_.folder.EnterGroup(strGroup);
     const std::string groupFolder = ports_.folder.GroupFolder(idCustomer, strGroup);
-    ports_.folder.CreateFolder(groupFolder);  // the pages of its servers come first
+    ports_.folder.CreateFolder(groupFolder);  // the pages of its servers are written first
 
     std::string table = TableHead({"<td  align=center><b>Status</b></td>", "<td  align=center><b>Type</b></td>",
                                    "<td  align=center><b>Interval</b></td>", "<td  align=center><b>Server Description</b></td>",
@@ -160,8 +160,8 @@ void SummaryReport::Publish(const std::string& strGroup, Connection& connection,
     ports_.folder.EnsurePictures();
 }
 
-// Ahead of the rows and not with each of them, so that the disk is waited for a few times and not hundreds of times. Nothing else
-// runs between the two openings of the query, so their rows are the same.
+// Runs before the rows are written, so that it waits for the disk a few times instead of hundreds of times. Nothing else runs
+// between the two queries, so their rows are the same.
 std::vector<bool> SummaryReport::SaveAverages(const std::string& query, Connection& connection) {
     const auto servers = ports_.store.NewRecordset();
     servers->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);

@@ -1,5 +1,5 @@
-// The page of a group: a row for each server, worst first, and the averages of those that are up. On the way each server's
-// response times are kept, and the failure page of one that failed lately is written anew.
+// The page of a group: a row for each server, worst first, and the averages of those that are up. It also stores each server's
+// response times, and writes a new failure page for a server that failed recently.
 #pragma once
 
 #include <string>
@@ -30,8 +30,8 @@ public:
     explicit SummaryReport(const Ports& ports) : ports_(ports) {}
 
     /// Delivers events at least once for each server. A failure ends the page, whose older form stays, and is added to `strErr`.
-    /// Servers that failed at `lastPublish` or later get their failure page, or at least have their failures trimmed. `bQuiet`: graphs are written only when a new hour or
-    /// day begins.
+    /// Servers that failed at `lastPublish` or later get their failure page, or at least have their failures trimmed. `bQuiet`:
+    /// graphs are written only when a new hour or day begins.
     void PublishSummaryReport(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet,
                               DateTime lastPublish);
 
