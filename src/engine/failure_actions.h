@@ -41,8 +41,8 @@ public:
     /// continues.
     void DoUpAgainStuff(Recordset& rs) override;
 
-    /// Sends to the recipients of the first entry in memory, through the primary server alone; the log says so if there is no
-    /// recipient.
+    /// Sends to the recipients of the first entry in memory, through the primary server alone. If that fails, it is only
+    /// logged.
     void SendStartupNotice() override;
 
     /// Returns whether at least one entry is due within six minutes and none of these is "UP". Store errors are passed to the

@@ -32,7 +32,7 @@ void AlertMails::Send(const Notification& mail, std::function<void()> done) {
 
 void AlertMails::Add(const Notification& mail, std::function<void()> done) {
     waiting_.push_back({mail, std::move(done)});
-    if (timer_->Enabled()) return;  // a mail is under way or waited for
+    if (timer_->Enabled()) return;  // a mail is being sent or waiting
     timer_->SetInterval(kAtOnce);
     timer_->SetEnabled(true);
 }

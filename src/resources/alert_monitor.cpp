@@ -45,7 +45,7 @@ void AlertMonitor::Fill(AlertSettings& file) const {
     file.setDisable(ckDisable ? "1" : "0");
 }
 
-// A blank address is none either, so a test never goes to the default address.
+// An empty address is also invalid, so a test never goes to the default address.
 void AlertMonitor::cmdTest() {
     if (!TestEnabled() || RefusedTest()) return;
     const std::string* server = ports_.settings.Find(kServerKey);
@@ -79,7 +79,7 @@ void AlertMonitor::SendAlert(const std::string& body) {
     noAddressLogged_ = true;
 }
 
-// Who is told is also who tells.
+// The recipient is also the sender.
 Notification AlertMonitor::MailTo(const std::string& address, const std::string& body) const {
     return {.strTo1 = address, .strTo2 = "", .strFrom = address, .strSubject = manner_.subject, .strBody = body};
 }

@@ -1,5 +1,5 @@
-// What the four resource monitors share: their address and its default, the settings on the screen and in the file, the mails and
-// the test mail. A window shows what its monitor says and passes on what the operator does.
+// The common part of the four resource monitors: their address and its default, the settings on the screen and in the file, the
+// mails and the test mail. A window shows the state of its monitor and passes on the operator's actions.
 #pragma once
 
 #include <functional>
@@ -17,9 +17,9 @@
 
 namespace korvane {
 
-/// What they work with; all of it outlives them.
+/// What the monitors use; all of it must outlive them.
 struct MonitorPorts {
-    std::string dir;  ///< of the settings files and the database
+    std::string dir;  ///< folder of the settings files and the database
     const Clock& clock;
     Timers& timers;
     Store& store;
@@ -30,35 +30,35 @@ struct MonitorPorts {
     Log& log;
 };
 
-/// The texts and ways in which they differ.
+/// The texts and the behaviour in which they differ.
 struct MonitorManner {
     std::string subject;
     std::string testSent;
-    bool refusalDisablesTest = false;  ///< a test with an address that is none leaves the command disabled until Shown
+    bool refusalDisablesTest = false;  ///< a test with an invalid address leaves the command disabled until Shown
 };
 
-/// A monitor may go at any time, also while its mail is under way.
+/// A monitor may be destroyed at any time, even while its mail is being sent.
 class AlertMonitor {
 public:
     virtual ~AlertMonitor() = default;
 
-    // What is on the screen, which the alerts go by, saved or not. The window writes here what the operator types.
+    // The values on the screen, which the alerts use, saved or not. The window writes the operator's input here.
     std::string txtEmail;
     bool ckDisable = false;
 
-    /// Something that the window shows has changed: figures, settings, or whether the test command is enabled. From within it the
-    /// monitor must not be destroyed.
+    /// Called when something that the window shows has changed: figures, settings, or whether the test command is enabled. The
+    /// callback must not destroy the monitor.
     void OnChanged(std::function<void()> changed) { changed_ = std::move(changed); }
-    /// The address has to be corrected: the box should get the focus.
+    /// Called when the address must be corrected: its box should get the focus.
     void OnFocusEmail(std::function<void()> focus) { focusEmail_ = std::move(focus); }
 
-    /// The operator has opened the window anew.
+    /// Called when the operator has opened the window again.
     void Shown();
 
-    /// Each time the window becomes active: the settings of the file take the place of what is on the screen.
+    /// Called each time the window becomes active: the settings in the file replace those on the screen.
     virtual void LoadData() = 0;
 
-    /// Saves what is on the screen.
+    /// Saves the values on the screen.
     void cmdSave();
 
     void cmdTest();
@@ -69,9 +69,9 @@ protected:
     AlertMonitor(const AlertMonitor&) = delete;
     AlertMonitor& operator=(const AlertMonitor&) = delete;
 
-    /// Starts or stops the timer that the disable mark is meant for.
+    /// Starts or stops the timer controlled by the disable mark.
     virtual void Switch(bool on) = 0;
-    /// Writes the file; address and mark have been set.
+    /// Writes the file; address and mark are already set.
     virtual void UpdateFile() = 0;
     virtual std::string TestBody() const = 0;
 
@@ -82,7 +82,7 @@ protected:
     void Changed() const;
     void ShowError(const std::string& text) const;
 
-    /// For what is called later and must not find a monitor that has gone.
+    /// Wraps a deed that is called later, so that it does nothing when the monitor no longer exists.
     std::function<void()> IfAlive(std::function<void()> deed) const;
 
     MonitorPorts ports_;
@@ -101,7 +101,7 @@ private:
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 
-/// The level as a 16-bit whole number; 0 when it can't be read as one.
+/// Returns the level as a 16-bit whole number; 0 when it is not one.
 int LevelOf(const std::string& text);
 
 }  // namespace korvane

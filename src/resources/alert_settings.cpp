@@ -9,7 +9,7 @@
 namespace korvane {
 namespace {
 
-// Any of the three line ends that systems have.
+// Any of the three common line ends.
 std::string_view TakeFirstLine(std::string_view& text) {
     const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
     text.remove_prefix(line.size());
@@ -54,7 +54,7 @@ void AlertSettings::UpdateData() {
     lines.insert(lines.end(), others.begin(), others.end());
     std::string text;
     for (const std::string& line : lines)
-        text += WithoutLineEnds(line) + "\r\n";  // one in a value would make a line of its own
+        text += WithoutLineEnds(line) + "\r\n";  // a line end in a value would start a new line
     IgnoreErrors([&] { files_.Replace(path_, text); });
 }
 

@@ -1,5 +1,4 @@
-// The small text file in which a resource monitor keeps its settings: a line for each key, and the values as text, whatever they
-// stand for.
+// The small text file with the settings of a resource monitor: one line per key, with all values as text.
 #pragma once
 
 #include <cstddef>
@@ -13,20 +12,20 @@
 
 namespace korvane {
 
-/// What all the monitors have. `files` must outlive this.
+/// The settings common to all monitors. `files` must outlive this.
 class AlertSettings {
 public:
     virtual ~AlertSettings() = default;
 
-    /// Reads the file. A key may stand anywhere in its line, in its own upper and lower case; the value is what follows the first
-    /// "=" of the line. Lines without a key are passed over, and the last line of a key counts. What the file does not name stays
-    /// as it is, and so does everything when it can't be read.
+    /// Reads the file. A key may be anywhere in its line and is case-sensitive; the value is what follows the first "=" of the
+    /// line. Lines without a key are ignored, and the last line of a key counts. Settings that are not in the file stay
+    /// unchanged, and so do all when the file cannot be read.
     virtual void OpenFile();
 
-    /// Writes the file anew. What could not be written is reported by nothing.
+    /// Writes the whole file. A write error is not reported.
     void UpdateData();
 
-    /// The address to notify; blank: that of the first server entry.
+    /// The address to notify; empty: that of the first server entry.
     const std::string& getEmail() const { return Get(kEmail); }
     void setEmail(std::string_view text) { Set(kEmail, text); }
 
@@ -38,7 +37,7 @@ protected:
     static constexpr std::string_view kEmail = "EMAIL=";
     static constexpr std::string_view kDisable = "DISABLE=";
 
-    /// `keys` in the order in which they are looked for and written; every one is a literal.
+    /// `keys` in the order in which they are searched and written; every one must be a literal.
     AlertSettings(Files& files, const std::string& dir, std::string_view file, std::initializer_list<std::string_view> keys);
     AlertSettings(const AlertSettings&) = delete;
     AlertSettings& operator=(const AlertSettings&) = delete;
@@ -46,9 +45,9 @@ protected:
     const std::string& Get(std::string_view key) const { return values_[IndexOf(key)].second; }
     void Set(std::string_view key, std::string_view text) { values_[IndexOf(key)].second = text; }
 
-    /// A line without any of the keys, and what stands behind its first "=".
+    /// Receives a line without any of the keys, and the text after its first "=".
     virtual void TakeOther(std::string_view /*line*/, std::string_view /*value*/) {}
-    /// Lines behind those of the keys, without their ends.
+    /// Returns the lines after those of the keys, without line ends.
     virtual std::vector<std::string> OtherLines() const { return {}; }
 
 private:
@@ -60,10 +59,10 @@ private:
     std::vector<std::pair<std::string_view, std::string>> values_;
 };
 
-/// What the monitors of a share have beside: the level at which they alert.
+/// Adds the level at which a monitor of a percentage alerts.
 class LevelSettings : public AlertSettings {
 public:
-    /// In percent; blank: no alert.
+    /// In percent; empty: no alert.
     const std::string& getAlert() const { return Get(kAlert); }
     void setAlert(std::string_view text) { Set(kAlert, text); }
 

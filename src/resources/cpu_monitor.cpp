@@ -15,7 +15,7 @@ constexpr auto kRefresh = 3000ms;
 constexpr const char* kCannotRead = "Error while retrieving CPU usage";
 constexpr const char* kNoFigure = ":(";
 
-// As a calendar counts them: from 3:00:59 to 3:01:00 is one.
+// Counts minute changes: from 3:00:59 to 3:01:00 is one.
 std::int64_t MinutesBetween(DateTime from, DateTime to) {
     return to.Seconds() / 60 - from.Seconds() / 60;
 }
@@ -62,7 +62,7 @@ void CpuMonitor::tmrRefresh_Timer() {
     if (load < 0) ShowError(kCannotRead);
 }
 
-// After a failure nothing is sampled until the settings are loaded or saved again.
+// After a failure no sample is taken until the settings are loaded or saved again.
 void CpuMonitor::TakeSample(int load) {
     dtSample_ = ports_.clock.Now();
     if (load < 0) {
@@ -75,7 +75,7 @@ void CpuMonitor::TakeSample(int load) {
     loadLabel_ = std::to_string(load) + "%";
 }
 
-// A time below the level does not count against the alert, so "consistently" in its text says more than is known.
+// A time below the level does not reset the alert, so "consistently" in its text claims more than is known.
 void CpuMonitor::AlertAt(int load) {
     if (cboAlert.empty() || cboDuration.empty() || load < LevelOf(cboAlert)) return;
     const std::int64_t duration = WholeOrNone(cboDuration);
@@ -85,7 +85,7 @@ void CpuMonitor::AlertAt(int load) {
     dtLastAlert_ = now;
 }
 
-// The minutes of an alert stand close to the word before them, those of a test do not.
+// In an alert no space separates the minutes from the word before them, in a test there is one.
 std::string CpuMonitor::Body(const std::string& minutes) const {
     return "Your CPU usage has crossed the threshold limit of " + cboAlert + "% for approx." + minutes + " minutes consistently";
 }

@@ -1,5 +1,5 @@
-// Watches the load of the processors: samples it every three seconds and mails when it is at the operator's level at a moment
-// when the chosen number of minutes has passed since the last mail.
+// Watches the load of the processors: takes a sample every three seconds, and sends a mail when a sample reaches the operator's
+// level and the chosen number of minutes has passed since the last mail.
 #pragma once
 
 #include <cstdint>
@@ -13,20 +13,20 @@
 
 namespace korvane {
 
-/// Takes no sample before the first LoadData: who never opens the window is told nothing.
+/// Takes no sample before the first LoadData: a user who never opens the window gets no alerts.
 class CpuMonitor : public AlertMonitor {
 public:
     static constexpr std::size_t kSamples = 100;
 
-    /// The window is loaded. `system` must outlive this.
+    /// Called when the window is loaded. `system` must outlive this.
     CpuMonitor(const MonitorPorts& ports, const SystemInfo& system);
 
-    std::string cboAlert;     ///< in percent; blank: no alert
-    std::string cboDuration;  ///< in minutes; blank: no alert
+    std::string cboAlert;     ///< in percent; empty: no alert
+    std::string cboDuration;  ///< in minutes; empty: no alert
 
     void LoadData() override;
 
-    /// "17%", ":(" after a failure, blank before the first sample.
+    /// "17%", ":(" after a failure, empty before the first sample.
     const std::string& LoadLabel() const { return loadLabel_; }
     /// The last samples in percent, the oldest first; always kSamples of them, 0 before the first.
     const std::vector<std::int32_t>& History() const { return history_; }

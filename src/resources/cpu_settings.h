@@ -11,7 +11,7 @@ public:
     clsCPUMon(Files& files, const std::string& dir)
         : LevelSettings(files, dir, "CPUMon.dat", {kAlert, kEmail, kDisable, kDuration}) {}
 
-    /// In minutes; blank: no alert.
+    /// In minutes; empty: no alert.
     const std::string& getDuration() const { return Get(kDuration); }
     void setDuration(std::string_view text) { Set(kDuration, text); }
 

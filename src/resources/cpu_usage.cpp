@@ -28,7 +28,7 @@ int clsCPUUsageNT::Query() {
     const double time = TimeOf(*now) - lastTime_;
     const double ratio = time == 0 ? idle : ToFourDecimals(idle / time);
     Keep(*now);
-    // The kernel's idle counters are known to go back at times.
+    // The kernel's idle counters sometimes go back.
     return static_cast<int>(std::clamp(std::trunc(100 - ratio * 100 / now->processors + 0.5), 0.0, 100.0));
 }
 

@@ -1,4 +1,4 @@
-// The load of the processors between two looks at their counters.
+// The load of the processors between two readings of their counters.
 #pragma once
 
 #include "platform/system_info.h"
@@ -10,10 +10,11 @@ public:
     /// `system` must outlive this.
     explicit clsCPUUsageNT(const SystemInfo& system) : system_(system) {}
 
-    /// Where the first Query counts from.
+    /// Sets the start for the first Query.
     void Initialize();
 
-    /// In whole percent since the last call, 0 to 100, all processors together; -1 when the counters can't be read.
+    /// Returns the load of all processors together since the last call, in whole percent, 0 to 100; -1 when the counters cannot
+    /// be read.
     int Query();
 
 private:
@@ -21,7 +22,7 @@ private:
 
     const SystemInfo& system_;
     double lastIdle_ = 0;  ///< of all processors
-    double lastTime_ = 0;  ///< the time that has passed for each of them
+    double lastTime_ = 0;  ///< the time that has passed for each processor
 };
 
 }  // namespace korvane

@@ -78,7 +78,7 @@ void DiskMonitor::Display() {
     nDiskAlertCount_ = 0;
 }
 
-// Whether there is a share: without a disk there is none, and nothing is counted.
+// Returns whether there is a share: without a disk there is none, and nothing is counted.
 bool DiskMonitor::ShowFigures() {
     figures_.lblTotal = Amount(disks_.total, unit_);
     figures_.lblUsed = Amount(disks_.used, unit_);

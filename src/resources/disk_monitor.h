@@ -1,5 +1,5 @@
-// Watches the space of all local fixed disks together, every half minute, and mails while the free share has been below the
-// operator's level for eleven looks in a row.
+// Watches the total space of all local fixed disks, every half minute, and sends a mail after the free share was below the
+// operator's level eleven times in a row.
 #pragma once
 
 #include <cstdint>
@@ -26,20 +26,20 @@ public:
         std::string lblTotal;  ///< "931.51 Gb"
         std::string lblUsed;
         std::string lblAvailable;
-        std::string lblShare;  ///< "Space Available:42.42%"; blank while there is no disk
+        std::string lblShare;  ///< "Space Available:42.42%"; empty while there is no disk
         double percent = 0;    ///< of the bar
     };
 
-    /// The window is loaded: the figures are shown at once. `system` must outlive this.
+    /// Called when the window is loaded: the figures are shown at once. `system` must outlive this.
     DiskMonitor(const MonitorPorts& ports, const SystemInfo& system);
 
-    std::string cboAlert;  ///< in percent; blank: no alert
+    std::string cboAlert;  ///< in percent; empty: no alert
 
     void LoadData() override;
     const Figures& Shows() const { return figures_; }
 
     Unit SelectedUnit() const { return unit_; }
-    /// A change shows the figures anew, and counts as a look at the disks does.
+    /// A change updates the figures, and counts like a regular check of the disks.
     void Select(Unit unit);
 
 private:

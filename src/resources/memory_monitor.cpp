@@ -20,7 +20,7 @@ constexpr std::size_t kTexts = 100;
 constexpr std::size_t kCharacters[] = {500000, 5000000, 50000000};  // by level
 constexpr const char* kShortText = "";
 
-// As the pattern "#.## MB" has it: only the digits that say something, and always the point.
+// Follows the pattern "#.## MB": no needless zeros, but always the point.
 std::string Megabytes(std::uint64_t bytes) {
     std::string text = FormatFixed(static_cast<double>(bytes) / kMegabyte, 2);
     text.erase(text.find_last_not_of('0') + 1);
@@ -67,7 +67,7 @@ void MemoryMonitor::Timer1_Timer() {
     nMemAlertCount_ = 0;
 }
 
-// Whether there is a share: a machine that does not tell has none, and the look ends before the count.
+// Returns whether there is a share: a machine that reports no figures has none, and the check ends before the count.
 bool MemoryMonitor::ShowMemory() {
     const PhysicalMemory memory = system_.Memory().value_or(PhysicalMemory{});
     figures_.lblTotal = Megabytes(memory.total);
@@ -95,7 +95,7 @@ void MemoryMonitor::Recover_Memory(std::int16_t level) {
     Timer1_->SetEnabled(false);
     std::vector<std::string> texts(kTexts);
     for (std::string& text : texts) {
-        // More than there is would end this program, and not move the others.
+        // Filling more than is available would end this program instead of moving others out.
         if (system_.Memory().value_or(PhysicalMemory{}).available / 2 > characters) {
             IgnoreErrors([&] { text.assign(characters, ' '); });
         }

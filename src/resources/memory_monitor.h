@@ -1,5 +1,5 @@
-// Watches the physical memory, every half minute. With a level chosen it mails on every eleventh look, whatever the level is and
-// however much memory is free; the disable mark is kept and shown, and stops nothing.
+// Watches the physical memory, every half minute. If a level is chosen, it sends a mail on every eleventh check, whatever the
+// level and the free memory are; the disable mark is stored and shown, but stops nothing.
 #pragma once
 
 #include <cstdint>
@@ -12,27 +12,27 @@
 
 namespace korvane {
 
-/// Lives as long as its window: with the window it goes, and its count with it.
+/// Lives as long as its window; its count ends with it.
 class MemoryMonitor : public AlertMonitor {
 public:
     struct Figures {
         std::string lblTotal;  ///< "24105.55 MB"
         std::string lblUsed;
         std::string lblAvailable;
-        std::string lblUsage;  ///< "Usage:98%", the available share in spite of the word; blank until the machine tells
+        std::string lblUsage;  ///< "Usage:98%", although it is the available share; empty until the machine reports it
         int percent = 0;       ///< of the bar
     };
 
-    /// The window is loaded: the first look is taken at once. `events` and `system` must outlive this.
+    /// Called when the window is loaded: the first check is made at once. `events` and `system` must outlive this.
     MemoryMonitor(const MonitorPorts& ports, Events& events, const SystemInfo& system);
 
-    std::string cboAlert;  ///< in percent; blank: no alert
+    std::string cboAlert;  ///< in percent; empty: no alert
 
     void LoadData() override;
     const Figures& Shows() const { return figures_; }
 
-    /// Has the system page other programs out: fills memory with 100 texts of 500,000, 5,000,000 or 50,000,000 characters at
-    /// level 1, 2 or 3 and lets go of them. Stops short of what the machine has available. Events are delivered meanwhile.
+    /// Makes the system page other programs out: fills memory with 100 texts of 500,000, 5,000,000 or 50,000,000 characters at
+    /// level 1, 2 or 3 and releases them. Stops short of the available memory. Events are delivered meanwhile.
     void Recover_Memory(std::int16_t level);
 
 private:
@@ -48,7 +48,7 @@ private:
     const SystemInfo& system_;
     Figures figures_;
     std::int32_t nMemAlertCount_ = 0;
-    bool tim_ = false;  ///< a timer that does nothing: all that the disable mark switches
+    bool tim_ = false;  ///< a timer without effect: the only thing that the disable mark controls
     std::unique_ptr<Timer> Timer1_;
 };
 

@@ -70,7 +70,7 @@ void ServiceMonitor::ClickMonitor(std::size_t row) {
     Changed();
 }
 
-// A manager that has not answered is no reason to forget what is to be watched.
+// If the manager has not answered, the watched services must not be lost.
 void ServiceMonitor::UpdateFile() {
     if (listed_) saved_ = std::make_shared<std::vector<std::string>>(WatchedNames());
     clsSvcMon file(ports_.files, ports_.dir);
@@ -104,7 +104,8 @@ void ServiceMonitor::Check(const ServiceList& list) {
     Changed();
 }
 
-// Whatever does not run is mailed about as stopped, also what is paused or on its way. Only what really had stopped can restart.
+// Every service that is not running is reported as stopped, even a paused one or one that is changing its state. Only a service
+// that had really stopped can restart.
 void ServiceMonitor::CheckRow(Row& row, const ServiceRecord& service) {
     const bool running = service.state == ServiceRecord::kRunning;
     if (!running) {

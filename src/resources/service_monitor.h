@@ -1,5 +1,5 @@
-// Watches the services that the operator has marked: every minute it mails for each of them that does not run, and if wanted once
-// for one that runs again after it had stopped. It never starts a service.
+// Watches the services that the operator has marked: every minute it sends a mail for each of them that is not running and, if
+// wanted, one mail for a service that runs again after it had stopped. It never starts a service.
 #pragma once
 
 #include <cstddef>
@@ -13,32 +13,32 @@
 
 namespace korvane {
 
-/// Watches nothing before the first LoadData. The manager answers later than it is asked, so rows and mails come a moment after
-/// LoadData and after each tick.
+/// Watches nothing before the first LoadData. The manager answers with a delay, so rows and mails come a moment after LoadData
+/// and after each tick.
 class ServiceMonitor : public AlertMonitor {
 public:
-    /// A row of grdSvc without its header; its blank last row is the window's.
+    /// A row of grdSvc without its header; the blank last row belongs to the window.
     struct Row {
         std::string name;
         bool watched = false;
-        std::string status;  ///< "Stopped", "Running", "Paused" or blank
+        std::string status;  ///< "Stopped", "Running", "Paused" or empty
         std::string previous;
         bool operator==(const Row&) const = default;
     };
 
-    /// The window is loaded. `services` must outlive this.
+    /// Called when the window is loaded. `services` must outlive this.
     ServiceMonitor(const MonitorPorts& ports, Services& services);
 
-    bool ckRestart = false;  ///< a mail when a service runs again after a failure
+    bool ckRestart = false;  ///< send a mail when a service runs again after a failure
 
     void LoadData() override;
 
-    /// In the order of the manager. They are made anew after LoadData only; a service that is gone keeps its row until then.
+    /// In the manager's order. They are rebuilt only after LoadData; a service that no longer exists keeps its row until then.
     const std::vector<Row>& Rows() const { return rows_; }
-    /// A click on the mark of a row, counted from 0. The mark of the first row can't be changed by clicks.
+    /// Handles a click on the mark of a row, counted from 0. Clicks cannot change the mark of the first row.
     void ClickMonitor(std::size_t row);
 
-    /// Blank, or why the manager did not answer, in words for the operator.
+    /// Why the manager did not answer, in words for the operator; empty if it did.
     const std::string& WhyNoServices() const { return whyNot_; }
 
 private:
@@ -54,7 +54,7 @@ private:
 
     Services& services_;
     std::vector<Row> rows_;
-    bool listed_ = false;  ///< rows_ are what the manager said, not what it left unsaid
+    bool listed_ = false;  ///< rows_ come from an answer of the manager
     clsSvcMon::SvcList saved_ = std::make_shared<std::vector<std::string>>();
     std::string whyNot_;
     std::unique_ptr<Timer> tim_;

@@ -1,4 +1,4 @@
-// The settings of the service monitor: with a line for each service that is watched.
+// The settings of the service monitor, with one line for each watched service.
 #pragma once
 
 #include <memory>
@@ -15,18 +15,18 @@ public:
     /// The file is `<dir>/SvcMon.dat`. `files` must outlive this.
     clsSvcMon(Files& files, const std::string& dir) : AlertSettings(files, dir, "SvcMon.dat", {kEmail, kDisable, kRestart}) {}
 
-    /// With a new list, that of the file.
+    /// Replaces the list by that of the file.
     void OpenFile() override {
         services_ = std::make_shared<std::vector<std::string>>();
         AlertSettings::OpenFile();
     }
 
-    /// The names of the services as the system has them, never null. The list that is set is shared with the caller, not copied,
+    /// The names of the services as the system knows them, never null. The caller shares the list that is set; it is not copied
     /// and must not be null.
     const SvcList& getSvcList() const { return services_; }
     void setSvcList(SvcList services) { services_ = std::move(services); }
 
-    /// "1": a notice when a service that had stopped runs again. Any other text: none.
+    /// "1": a mail when a service that had stopped runs again. Any other text: none.
     const std::string& getRestart() const { return Get(kRestart); }
     void setRestart(std::string_view text) { Set(kRestart, text); }
 
