@@ -1,5 +1,5 @@
-// The one executable. Where there is a display it loads the windows, which are a part of their own beside it, so that a start
-// without one needs no desktop library and no memory for it.
+// The only executable. If there is a display, it loads the windows from a separate module, so that a start without a display
+// needs neither desktop libraries nor memory for them.
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -29,7 +29,7 @@ bool HasDisplay() {
 
 using DesktopMain = int(int argc, char** argv);
 
-/// The windows' own main, or null when they are not installed or the libraries they need are not.
+/// Returns the main function of the windows, or null when they or the libraries they need are not installed.
 DesktopMain* LoadWindows() {
     const std::filesystem::path beside = std::filesystem::read_symlink("/proc/self/exe").parent_path() / kWindows;
     void* library = dlopen(beside.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -12,7 +12,7 @@ namespace {
 using Fields = EntryFields;
 
 constexpr std::string_view kDefaultPort = "80";
-constexpr std::string_view kNameMark = "XXX";  // in a mail subject: stands for the server name
+constexpr std::string_view kNameMark = "XXX";  // in a mail subject: replaced by the server name
 
 bool IsFilled(const std::string& text) {
     return !Trim(text).empty();
@@ -28,7 +28,7 @@ std::string TrimmedName(const Fields& fields) {
     return Trim(fields.strDesc);
 }
 
-// The group names a folder of the reports.
+// The group becomes the name of a report folder.
 std::string GroupOf(const Fields& fields) {
     std::string group = ReplaceAll(Trim(fields.strGroup), " ", "_");
     for (const std::string_view sign : {".", ",", ";"})

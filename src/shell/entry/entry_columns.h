@@ -1,4 +1,4 @@
-// Which input of the editor goes to which column of `Servers`, in which order, and what becomes of its text on the way.
+// Maps the inputs of the editor to the columns of `Servers`: their order, and how each text is converted.
 #pragma once
 
 #include <cstddef>
@@ -13,17 +13,17 @@ namespace korvane {
 struct EntryColumn {
     std::string_view column;
     std::string EntryFields::*text = nullptr;
-    bool EntryFields::*mark = nullptr;  ///< where there is no text
-    /// What is stored of the text; null: the text as typed.
+    bool EntryFields::*mark = nullptr;  ///< if there is no text
+    /// Returns the stored form of the text; null: the text as typed.
     std::string (*stored)(const EntryFields& fields) = nullptr;
-    /// Whether it is stored at all; null: always.
+    /// Returns whether the text is stored at all; null: always.
     bool (*wanted)(const std::string& text) = nullptr;
 };
 
-/// All, in the order in which they are stored.
+/// All columns, in the order in which they are stored.
 std::span<const EntryColumn> EntryColumns();
 
-/// How many of them come before the server name is looked at and stored.
+/// How many of them come before the server name is checked and stored.
 constexpr std::size_t kColumnsBeforeName = 5;
 
 }  // namespace korvane

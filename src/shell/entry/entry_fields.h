@@ -1,13 +1,13 @@
-// Room `entry`: adding, editing, saving and trying out one entry, with its rules.
+// Room `entry`: adding, editing, saving and testing one entry, with its rules.
 //
-// What the editor of a server entry has in its inputs: every text as typed, and the marks.
+// The values of the entry editor's inputs: every text as typed, and the check marks.
 #pragma once
 
 #include <string>
 
 namespace korvane {
 
-/// Named after the columns of `Servers` that they go to.
+/// Named after the columns of `Servers` in which they are stored.
 struct EntryFields {
     std::string strDownTime1;
     std::string strDownTime2;
@@ -32,7 +32,7 @@ struct EntryFields {
     std::string strPassword;
     std::string strExpectedText;
     std::string nTimeout;
-    std::string strType;  ///< blank when none is selected
+    std::string strType;  ///< empty when none is selected
     std::string strPort;
     std::string strRequestText;
 };

@@ -66,7 +66,7 @@ std::string ExplainConversation(const EntryFields& fields) {
     std::string text =
         "The case sensitive request, response sequence must be as follows: Connect to '" + fields.strAddress_IP + "'.";
     if (fields.strExpectedText.empty()) return text;
-    bool returned = true;  // items take turns
+    bool returned = true;  // items alternate
     for (const std::string& item : Split(fields.strExpectedText, ',')) {
         text += returned ? " Response '" + item + "' must be returned." : " Request '" + item + "' sent.";
         returned = !returned;

@@ -1,4 +1,4 @@
-// For routines that go on whatever happens and only say at their end what went wrong last.
+// For routines that continue after errors and only report the last one at their end.
 #pragma once
 
 #include <exception>
@@ -10,7 +10,7 @@ namespace korvane {
 
 class LastError {
 public:
-    /// Runs the statement; an error in it is remembered in place of earlier ones. Returns whether it ran to its end.
+    /// Runs the statement; an error in it replaces earlier ones. Returns whether it ran to its end.
     template <class Statement>
     bool Try(Statement statement) {
         try {
@@ -24,7 +24,7 @@ public:
         return false;
     }
 
-    /// Blank and 0 as long as all went well.
+    /// Empty and 0 as long as there was no error.
     const std::string& Text() const { return text_; }
     int Number() const { return number_; }
 

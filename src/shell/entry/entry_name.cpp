@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kSchemes[] = {"http://", "https://", "ftp://"};
 
-// Without regard to case: people type "Http://" where the keyboard capitalises.
+// Case-insensitive: people type "Http://" where the keyboard capitalises.
 std::string WithoutAnyCase(std::string text, std::string_view part) {
     for (auto at = ToLower(text).find(part); at != std::string::npos; at = ToLower(text).find(part))
         text.erase(at, part.size());

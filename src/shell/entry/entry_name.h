@@ -1,4 +1,4 @@
-// The server name of an entry goes without a scheme: what the editor takes away while it is typed, and what saving takes away.
+// The server name of an entry has no scheme: what the editor removes from it while the user types, and what saving removes.
 #pragma once
 
 #include <optional>
@@ -6,15 +6,15 @@
 
 namespace korvane {
 
-/// As it is typed: without http://, https:// and ftp:// in any case where it begins with one, and without blanks around it.
+/// While the user types: removes a leading http://, https:// or ftp:// in any case, and spaces around the name.
 std::string CleanTypedName(const std::string& typed);
 
 /// At saving only lower-case beginnings count: "http" and "ftp:".
 bool BeginsWithScheme(const std::string& name);
-/// Without all lower-case http://, https:// and ftp:// in it.
+/// Removes all lower-case http://, https:// and ftp://, wherever they are.
 std::string WithoutSchemes(std::string name);
 
-/// What takes the place of a time-out that is below one second or no number; nothing for one that may stay.
+/// Returns the replacement for a time-out that is below one second or not a number; nothing if the time-out is valid.
 std::optional<std::string> MendedTimeout(const std::string& typed);
 
 }  // namespace korvane

@@ -1,4 +1,4 @@
-// The row of a server entry when its editor opens: added with defaults for a new entry, then read into the inputs.
+// The row of a server entry when its editor opens: for a new entry it is added with defaults, then it is read into the inputs.
 #pragma once
 
 #include <string>
@@ -9,17 +9,17 @@
 namespace korvane {
 
 struct OpenedEntry {
-    std::string strID;   ///< of a new entry the id that it was given
-    bool found = false;  ///< false: there is no such row, and the operator has been told
+    std::string strID;   ///< for a new entry, its new id
+    bool found = false;  ///< false: there is no such row, and the operator has been notified
     EntryFields fields;
     std::string strLastResponse;
 };
 
-/// Adds the row first if `isAddUrl`; it is in the store then, whatever the operator does next. `strID` names the row
-/// otherwise. Shows a message when there is no row. Throws nothing: what fails is passed over and logged.
+/// First adds the row if `isAddUrl`; it is then in the store, whatever the operator does next. Otherwise `strID` selects the row.
+/// Shows a message when there is no row. Throws nothing: errors are ignored and logged.
 OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID);
 
-/// The query by which the editor finds its row.
+/// Returns the query by which the editor finds its row.
 std::string EntryQuery(const std::string& strID);
 
 }  // namespace korvane

@@ -31,7 +31,7 @@ constexpr TimeAndMinutes kDownTimes[] = {{&EntryFields::strDownTime1, &EntryFiel
 void Write(Recordset& row, const EntryColumn& each, const EntryFields& fields, LastError& last) {
     if (each.mark != nullptr) {
         last.Try([&] { row.Fields(each.column) = fields.*each.mark; });
-        // An entry that is watched again begins as one that answers.
+        // An entry whose monitoring is switched on again starts as "UP".
         const bool isWatched = each.mark == &EntryFields::bIsMonitoring && fields.bIsMonitoring;
         if (isWatched) last.Try([&] { row.Fields("strCurStatus") = status::kUp; });
         return;

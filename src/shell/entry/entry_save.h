@@ -1,5 +1,5 @@
-// How the editor's inputs become the row of a server entry: what is refused, what is only warned of, and the writing, which
-// nothing stops once it has begun.
+// Saving the editor's inputs to the row of a server entry: what is refused, what only causes a warning, and the writing, which
+// continues after errors.
 #pragma once
 
 #include <functional>
@@ -11,20 +11,20 @@
 
 namespace korvane {
 
-/// What keeps the inputs from being saved.
+/// An input that cannot be saved.
 struct EntryRefusal {
-    std::string EntryFields::*field;  ///< the text at fault
+    std::string EntryFields::*field;  ///< the invalid text
     std::string message;
 };
 
 std::optional<EntryRefusal> CheckDownTimes(const EntryFields& fields);
 
-/// What the operator is told of a host name where only an address can be pinged.
+/// Returns the message about a host name where ping needs an address.
 std::string NotAnAddressMessage(const std::string& name);
 
-/// Warns with messages, then writes the columns in their order. A field that cannot be written keeps its old value.
-/// `nameCleaned` hears the server name when a scheme was taken from it. False when the row is not there, with a message. Shows
-/// messages, so anything may have happened to the window when it returns. Throws nothing; errors of the store are logged.
+/// Warns with messages, then writes the columns in order. A field that cannot be written keeps its old value. `nameCleaned`
+/// receives the server name when a scheme was removed from it. Returns false, after a message, when the row does not exist. Shows
+/// messages, so the window may be gone when it returns. Throws nothing; store errors are logged.
 bool SaveEntry(const Desk& desk, const std::string& strID, EntryFields fields,
                const std::function<void(const std::string& name)>& nameCleaned);
 

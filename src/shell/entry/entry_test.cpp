@@ -14,7 +14,7 @@
 namespace korvane {
 namespace {
 
-constexpr std::int16_t kWebPort = 80;  // of an entry without one
+constexpr std::int16_t kWebPort = 80;  // default of an entry without a port
 
 std::int64_t WholeOrZero(const std::string& text) {
     std::int64_t number = 0;
@@ -28,7 +28,7 @@ std::chrono::seconds TimeoutOf(const EntryFields& fields) {
     return std::chrono::seconds(number);
 }
 
-// The cycle refuses a port that is no number in 16 bits, so the test does.
+// The cycle refuses a port that does not fit in 16 bits, so the test refuses it too.
 CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
     const std::string url = ToLower(fields.strType) + "://" + fields.strAddress_IP;
     desk.conversation.setRequest("Port [" + fields.strPort + "] GET " + url);
@@ -95,7 +95,7 @@ TestVerdict JudgeExpectedText(const EntryFields& fields, const std::string& resp
         return {true, "Failure! " + fields.strType + " " + WithTimeout(fields) + "The text '" + expected +
                           "' was not found in the response."};
     }
-    // The conversation has judged the sequence: a response at all means that it passed.
+    // The conversation has already checked the sequence: any response means that it passed.
     return {false, "Success! " + WithTimeout(fields) + "\r\n The string request/response sequence '" + expected +
                        "' was executed correctly with expected results. "};
 }

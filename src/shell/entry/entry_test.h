@@ -1,4 +1,4 @@
-// The editor's test run: one check of what is in the inputs, not of what is stored, and what is said of it.
+// The editor's test: one check of the values in the inputs, not of the stored ones, and its result in words.
 #pragma once
 
 #include <functional>
@@ -12,12 +12,12 @@
 
 namespace korvane {
 
-/// "Doing HTTP request to www.example.com"
+/// Returns "Doing HTTP request to www.example.com".
 std::string TestBegins(const EntryFields& fields);
 
-/// Runs the check by the operator's own checkers and shows the conversation. Nothing for a ping of something that is no IPv4
-/// address, of which the operator has been told. Waits through the event pump: anything may have happened to the window when
-/// it returns. Throws nothing.
+/// Runs the check with the operator's own checkers and shows the conversation. Returns nothing for a ping of something that is
+/// not an IPv4 address, after notifying the operator. Waits through the event pump: the window may be gone when it returns.
+/// Throws nothing.
 std::optional<CheckResult> RunEntryTest(const Desk& desk, const EntryFields& fields);
 
 struct TestVerdict {
@@ -25,13 +25,13 @@ struct TestVerdict {
     std::string text;  ///< for the status line, and for a message when it failed
 };
 
-/// `findFailure` looks for texts that mean failure; it is asked only for web pages.
+/// `findFailure` searches for texts that mean failure; it is called only for web pages.
 TestVerdict JudgeEntryTest(const EntryFields& fields, const CheckResult& result, const std::function<UrlFailure()>& findFailure);
 
-/// The rules of entry `strID` applied to the answer, over a connection of their own. What fails is passed over.
+/// Applies the rules of entry `strID` to the answer, over a separate connection. Errors are ignored.
 UrlFailure FindUrlFailure(const Desk& desk, const std::string& response, const std::string& strID);
 
-/// After a failure: that the port belongs to the other of HTTP and HTTPS. Blank when it does not.
+/// After a failure: notes that the port is the usual one of HTTPS instead of HTTP, or the reverse. Otherwise empty.
 std::string PortAdvice(const EntryFields& fields);
 
 }  // namespace korvane

@@ -21,7 +21,7 @@ constexpr EntryTypeScreen kWebScreen{.portEnabled = true,
                                      .timeoutShown = true,
                                      .addressLabel = "Web Page URL:",
                                      .expectedLabel = kResponseLabel};
-// Here the expected text is the limit in milliseconds, and takes the place of the time-out.
+// Here the expected text is the limit in milliseconds, and replaces the time-out.
 constexpr EntryTypeScreen kPingScreen{.portEnabled = false,
                                       .requestEnabled = false,
                                       .expectedEnabled = true,

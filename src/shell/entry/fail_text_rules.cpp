@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kRestAfterRow = 100ms;
 
-/// The windows once showed here how many failures in a row it takes. Nothing fills it, and people know the texts without it.
+/// This once showed how many failures in a row it takes. It is always empty now, and the texts have become known without it.
 constexpr std::string_view kTimesToTry;
 
 bool IdTaken(Store& store, Connection& conn, std::int64_t id) {
@@ -52,7 +52,7 @@ std::string FailTextRules::Save(const FailTextRows& rows) {
     try {
         const auto conn = OpenConnection();
         const auto server = OpenServer(*conn, CursorType::Keyset);
-        if (server->Eof()) return "";  // the entry is gone: there is nothing to count
+        if (server->Eof()) return "";  // the entry no longer exists: there is nothing to count
         server->Fields("nFailScanText") = SaveRows(*conn, rows);
         server->Update();
         return "";
@@ -62,7 +62,7 @@ std::string FailTextRules::Save(const FailTextRows& rows) {
     }
 }
 
-// Returns how many rules there are.
+// Returns the number of rules.
 int FailTextRules::SaveRows(Connection& conn, const FailTextRows& rows) {
     const auto stored = ports_.store.NewRecordset();
     stored->Open("SELECT id,idparent,strFailText,strFailCommand from ResponseFailText where idParent =" + id_, conn,
@@ -85,7 +85,7 @@ int FailTextRules::SaveRows(Connection& conn, const FailTextRows& rows) {
     return count;
 }
 
-// Different moments can give the same time stamp, and no two rows the same id.
+// Different moments can give the same time stamp, but ids must be unique.
 void FailTextRules::AddRow(Connection& conn, Recordset& stored, std::size_t row) {
     std::int64_t id = std::stoll(NewTimeStampID(ports_.clock) + std::to_string(row));
     while (IdTaken(ports_.store, conn, id))

@@ -1,6 +1,5 @@
-// The texts of one entry's answers that mean failure, with a command for each: how the operator's ten rows are read from the
-// table
-// `ResponseFailText` and saved to it, and what the window says about them.
+// The texts in one entry's answers that mean failure, with a command for each: how the operator's ten rows are read from the
+// table `ResponseFailText` and saved to it, and what the window says about them.
 #pragma once
 
 #include <array>
@@ -15,7 +14,7 @@
 
 namespace korvane {
 
-/// Upper and lower case of the search text count. A blank command runs nothing.
+/// The search text is case-sensitive. An empty command runs nothing.
 struct FailTextRule {
     std::string strFailText;
     std::string strFailCommand;
@@ -34,19 +33,19 @@ public:
     };
 
     struct Opened {
-        bool found = true;  ///< false: there is no entry with this id
-        FailTextRows rows;  ///< those that are stored, in the order of the table; the others are blank
+        bool found = true;  ///< false: no entry has this id
+        FailTextRows rows;  ///< the stored rules, in the order of the table; the others are empty
     };
 
-    /// `connectionText` names the database, `id` is the entry's, all digits.
+    /// `connectionText` selects the database; `id` is the entry's, digits only.
     FailTextRules(const Ports& ports, std::string connectionText, std::string id);
 
-    /// Stands still for 100 ms after each stored row. A failure ends the reading with what has been read and goes to the log.
+    /// Blocks for 100 ms after each stored row. A failure ends the reading, keeps what has been read and is logged.
     Opened Open();
 
-    /// Stored rows are used again in their stored order and keep their ids, so a blank row between two filled ones removes a
-    /// stored row and those behind it move up. Each row is durable by itself: a failure leaves what was written before it, goes
-    /// to the log, and is returned; blank when all went well, and when the entry is gone, where nothing is written.
+    /// Stored rows are reused in their order and keep their ids, so an empty row between two filled ones removes a stored row and
+    /// the following ones move up. Each row is durable by itself: a failure leaves the rows written before it, is logged, and is
+    /// returned. Returns an empty text on success, and when the entry no longer exists, in which case nothing is written.
     std::string Save(const FailTextRows& rows);
 
 private:
@@ -61,11 +60,11 @@ private:
     std::string id_;
 };
 
-/// What the window says about the search text that is being typed.
+/// Returns the explanation of the search text that is being typed.
 std::string FailTextHelp();
-/// What it says about the command that is being typed, with its search text.
+/// Returns the explanation of the command that is being typed, with its search text.
 std::string FailCommandHelp(const FailTextRule& rule);
-/// Its help message.
+/// Returns the window's help message.
 std::string FailTextRulesHelp();
 
 }  // namespace korvane

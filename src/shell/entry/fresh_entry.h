@@ -1,4 +1,4 @@
-// What the columns of a server entry hold that nobody has edited yet: an example, up, without any checks behind it.
+// The column values of a new server entry: an example, "UP", without any checks so far.
 #pragma once
 
 #include <string_view>
@@ -10,15 +10,15 @@
 
 namespace korvane {
 
-/// Names that are reserved for examples (RFC 2606); the first has a page.
+/// Names reserved for examples (RFC 2606); the first has a page.
 inline constexpr std::string_view kSampleWebHost = "www.example.com";
 inline constexpr std::string_view kSampleMailHost = "mail.example.com";
 
-/// By the name of the column, in the order in which they are stored.
+/// Values by column name, in the order in which they are stored.
 using ColumnValues = std::vector<std::pair<std::string_view, Value>>;
 
-/// `own` (id, group, e-mail and interval, by the way in which the entry comes), followed by what every fresh entry has. It is
-/// checked next at `now`.
+/// `own` has the values that depend on how the entry is created (id, group, e-mail and interval); the common values of every new
+/// entry follow. Its next check is at `now`.
 ColumnValues FreshEntry(ColumnValues own, DateTime now);
 
 }  // namespace korvane

@@ -1,14 +1,14 @@
-// What the window for the text that must appear in an answer says about it.
+// Texts of the window for the text that must appear in an answer.
 #pragma once
 
 #include <string>
 
 namespace korvane {
 
-/// The line above the box. `server` is the entry's address as the editor shows it.
+/// Returns the line above the box. `server` is the entry's address as the editor shows it.
 std::string TextToFindHeading(const std::string& server);
 
-/// The explanation below it. `upperCase` is the same text in upper case.
+/// Returns the explanation below it. `upperCase` is the same text in upper case.
 std::string TextToFindHelp(const std::string& text, const std::string& upperCase);
 
 }  // namespace korvane

@@ -30,7 +30,7 @@ constexpr const char* kResetSummary =
 constexpr const char* kRepairing =
     "During Compact and Repair, Korvane will freeze and refuse user input for up to 2 minutes.  Please wait...";
 
-/// What a copy does not take over.
+/// Values that a copy does not take over.
 const std::pair<std::string_view, Value> kFreshValues[] = {
     {"strCurStatus", std::string(status::kUp)},
     {"strLastResponse", ""},

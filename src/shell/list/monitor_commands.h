@@ -1,5 +1,5 @@
-// What the commands of the main window do, whatever pressed them: a button, a menu, a key, the tray. The window adds the
-// selected row and shows the outcome.
+// The commands of the main window, whether they come from a button, a menu, a key or the tray. The window adds the selected row
+// and shows the outcome.
 #pragma once
 
 #include <functional>
@@ -15,24 +15,23 @@ class MonitorCommands {
 public:
     explicit MonitorCommands(Run& run);
 
-    /// Stops what runs, starts again and makes every entry due at once; starts when monitoring is stopped.
+    /// While monitoring runs: stops it, starts it again and makes every entry due at once. Otherwise starts it.
     void cmdStopWaiting();
-    /// The tray's two: only a running monitor pauses and only a stopped one resumes.
+    /// The tray's two commands: only a running monitor can be paused, and only a stopped one resumed.
     void mnuTrayOff();
     void mnuTrayOn();
 
-    /// Whether there is room for one more entry; the operator is told when there is none. The editor may then be opened.
+    /// Returns whether one more entry is allowed, so that the editor may be opened; notifies the operator if not.
     bool BeginAdd();
-    /// Before and behind the editor of an entry that is there.
+    /// To be called before and after the editor of an existing entry.
     void BeginEdit();
     void EndEdit();
 
-    /// A copy of the entry with its counters at their beginning, without its rules. Returns its id, blank when nothing was
-    /// copied.
+    /// Copies the entry with reset counters and without its rules. Returns the new id, empty when nothing was copied.
     std::string CopyURL(const std::string& id);
 
-    /// Asks, and removes the entry with all that hangs on it. Monitoring is stopped first. A blank id: nothing is selected, and
-    /// the operator is told. `answered` is called behind what the answer led to.
+    /// Asks, and removes the entry with everything that belongs to it. Monitoring is stopped first. With an empty id nothing is
+    /// selected, and the operator is notified. `answered` is called after the answer has taken effect.
     void DeleteURL(
         const std::string& id, const std::string& name, const std::function<void()>& answered = [] {});
 

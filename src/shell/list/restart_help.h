@@ -1,4 +1,4 @@
-// What the help menu says of restarting computers: this one by a failing entry's own command, and others the same way.
+// Texts of the help menu about restarting computers: this one by a failing entry's own command, and others in the same way.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace korvane {
 
-/// How this computer is restarted when a server fails. Looks at the disk for the command.
+/// Explains how to restart this computer when a server fails. Reads the disk to find the command.
 std::string ShutdownHelp(Files& files);
 
-/// What has to be set so that the program comes back after a restart.
+/// Explains what must be set so that the program starts again after a restart.
 std::string RestartHelp();
 
-/// How another computer is restarted.
+/// Explains how to restart another computer.
 std::string ShutdownRemoteHelp();
 
 }  // namespace korvane

@@ -36,7 +36,7 @@ constexpr std::pair<std::string_view, RowIcon> kIcons[] = {
     {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},
 };
 
-/// The columns whose cells are what the table holds.
+/// Columns whose cells show the stored value unchanged.
 constexpr std::pair<column::Column, std::string_view> kPlainCells[] = {
     {column::Group, "strGroup"},
     {column::Type, "strType"},
@@ -47,7 +47,7 @@ constexpr std::pair<column::Column, std::string_view> kPlainCells[] = {
     {column::LastResponse, "strLastResponse"},
 };
 
-// A status that another tool has left has the picture of no state in particular.
+// An unknown status, written by another tool, has the picture of an inactive entry.
 RowIcon IconOf(std::string_view strCurStatus) {
     for (const auto& [word, icon] : kIcons) {
         if (word == strCurStatus) return icon;
@@ -81,7 +81,7 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, strCurStatus);
     for (const auto& [column, name] : kPlainCells)
         cell(column) = rs.Fields(name).Value().Text();
-    // One value that makes no sense must not hide the entry, least of all the others.
+    // One invalid value must hide neither its entry nor the others.
     IgnoreErrors([&] { cell(column::NextTry) = NextTryCell(rs.Fields("dtnextcheck").Value(), now, requested); });
     cell(column::Interval) = FormatDuration(rs.Fields("nIntervalSeconds").Value().Text());
     IgnoreErrors([&] {

@@ -1,7 +1,6 @@
 // Room `list`: the list of all entries and the commands of the main window.
 //
-// The list of all entries as the main window shows it: a row of texts for each, and the picture of its state. Read anew from
-// the table each time.
+// The list of all entries in the main window: each row has texts and a picture of its state. It is read from the table each time.
 #pragma once
 
 #include <array>
@@ -36,7 +35,7 @@ enum Column {
 };
 }
 
-/// The heads of the columns; the first has none.
+/// The column headings; the first column has none.
 extern const std::array<std::string_view, column::Count> kColumnHeads;
 
 struct ServerRow {
@@ -44,14 +43,15 @@ struct ServerRow {
     RowIcon icon = RowIcon::Good;
 
     const std::string& Id() const { return cells[column::ServerID]; }
-    /// What messages call the entry: its short name, or its address without one.
+    /// Returns the entry's name in messages: its short name, or its address if there is none.
     const std::string& Name() const { return cells[cells[column::ShortName].empty() ? column::FullName : column::ShortName]; }
 };
 
-/// All rows, the entry that is due next first. `requesting` marks the first row as the one that is being requested. Throws Error.
+/// Returns all rows, starting with the entry that is due next. `requesting` marks the first row as the one that is being
+/// requested. Throws Error.
 std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting);
 
-/// "1.50 min.", "2.00 hrs.", "45 secs.", "250 ms."; "N/A secs." never: a text that is no number gives "N/A".
+/// Returns "1.50 min.", "2.00 hrs.", "45 secs." or "250 ms."; for a text that is not a number "N/A", without a unit.
 std::string FormatDuration(const std::string& seconds);
 
 }  // namespace korvane

@@ -154,7 +154,7 @@ std::string GlobalEmailWalk::UpdateAll(const GlobalEmailFields& fields,
     });
 }
 
-// A row that is gone by now gives an empty result.
+// A row that no longer exists gives an empty result.
 std::string GlobalEmailWalk::OnCurrentServer(std::string_view routine, const std::function<void(Recordset& row)>& work) {
     const std::int64_t id = position_ < ids_.size() ? ids_[position_] : -1;
     hasServer_ = false;

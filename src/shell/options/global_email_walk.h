@@ -1,5 +1,5 @@
-// The notification addresses of everything in one place: those that new entries begin with, those of the four resource monitors,
-// and those of the server entries, one at a time or all at once.
+// All notification addresses in one place: those that new entries start with, those of the four resource monitors, and those of
+// the server entries, one at a time or all at once.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 namespace korvane {
 
-/// What the window has in its boxes, as typed.
+/// The texts in the window's boxes, as typed.
 struct GlobalEmailFields {
     std::string strToList1;
     std::string strToList2;
@@ -39,51 +39,52 @@ enum class ResourceMonitor { CPU, Disk, Memory, Services };
 class ResourceEmails {
 public:
     virtual ~ResourceEmails() = default;
-    /// From its settings file; blank when there is none.
+    /// Reads the address from the monitor's settings file; empty when there is none.
     virtual std::string getEmail(ResourceMonitor monitor) = 0;
-    /// Into its settings file, the rest of which stays.
+    /// Writes the address to the monitor's settings file; the rest of the file stays unchanged.
     virtual void setEmail(ResourceMonitor monitor, const std::string& email) = 0;
-    /// The four monitors read their settings files again.
+    /// Makes the four monitors read their settings files again.
     virtual void LoadData() = 0;
 };
 
-/// Each routine works on the database by itself: nothing is open between two of them. Throws nothing; errors of the store are
-/// logged and returned, blank when all went well.
+/// Each routine opens the database separately: nothing stays open between two of them. Throws nothing; store errors are logged
+/// and returned, with an empty text for success.
 class GlobalEmailWalk {
 public:
     /// `monitors` must outlive this.
     GlobalEmailWalk(const Desk& desk, ResourceEmails& monitors);
 
-    /// Once, before everything else: the global values and the addresses of the monitors. Stands on the first entry then.
+    /// Call it once, before everything else: reads the global values and the addresses of the monitors, and goes to the first
+    /// entry.
     std::string Open(GlobalEmailFields& fields);
 
-    /// Writes both to their files and says that it is done.
+    /// Writes both to their files and reports that it is done.
     void SaveGlobalValues(const GlobalEmailFields& fields);
 
-    // Inside the entries: there is nothing before the first and behind the last.
+    // The moves stay within the entries.
     void MoveFirst() { position_ = 0; }
     void MovePrevious();
     void MoveNext();
     void MoveLast();
 
-    /// Fills in the addresses of the current entry; they and the title are blank when there is none.
+    /// Fills in the addresses of the current entry; if there is none, they and the title become empty.
     std::string ReadServer(GlobalEmailFields& fields);
 
-    /// Whether the entry that was read or updated last was there.
+    /// Returns whether the entry that was read or updated last existed.
     bool HasServer() const { return hasServer_; }
     /// The name of the entry that was read last.
     const std::string& Title() const { return title_; }
     /// "Server: 1 of 20".
     std::string Position() const;
 
-    /// Writes its four fields to the current entry. A message says so when there is none.
+    /// Writes its four fields to the current entry. Shows a message if there is none.
     std::string UpdateServer(const GlobalEmailFields& fields);
 
-    /// Asks whether all entries are to be updated, and goes on.
+    /// Asks whether to update all entries, without waiting for the answer.
     void AskUpdateAll(std::function<void()> yes) const;
 
-    /// Writes the global values to all entries, or to none when that fails. `shown` hears the position at each of them.
-    /// Stands on the last entry then.
+    /// Writes the global values to all entries, or to none if that fails. `shown` receives the position at each entry. Goes to
+    /// the last entry.
     std::string UpdateAll(const GlobalEmailFields& fields, const std::function<void(const std::string& position)>& shown);
 
 private:
@@ -98,7 +99,7 @@ private:
     bool hasServer_ = false;
 };
 
-/// What the status line says on an input of the window, by the name of the control; blank for one without help.
+/// Returns the status line's text about an input of the window, by the name of the control; empty if there is no help.
 std::string_view HelpOnGlobalEmailInput(std::string_view control);
 
 }  // namespace korvane

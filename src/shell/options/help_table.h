@@ -1,4 +1,4 @@
-// What the status line says of the inputs and pages of a dialog, looked up by their names.
+// The status line's texts about the inputs and pages of a dialog, by their names.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ struct Help {
     std::string_view text;
 };
 
-/// Blank for what is not in the table.
+/// Returns an empty text for an unknown name.
 template <std::size_t size>
 std::string_view FindHelp(const Help (&table)[size], std::string_view of) {
     for (const Help& help : table) {

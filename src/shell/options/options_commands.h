@@ -1,4 +1,4 @@
-// What the settings dialog tries out and resets, and the words that go with it.
+// The test and reset commands of the settings dialog, with their texts.
 #pragma once
 
 #include <functional>
@@ -10,18 +10,18 @@
 
 namespace korvane {
 
-/// Asks for one line of text and goes on; `answered` gets it, blank when the operator thinks better of it. Nothing is called when
-/// the window over which the question stands goes before that.
+/// Asks for one line of text without waiting; `answered` receives it, empty when the operator cancels. Nothing is called when the
+/// parent window of the question closes before that.
 using AskText = std::function<void(const std::string& title, const std::string& prompt,
                                    std::function<void(const std::string& text)> answered)>;
 
-/// Puts the mail settings of the inputs into the collection, asks for both addresses and goes on; once there are answers it
-/// sends. `setStatus` hears how it goes. Sending waits through the event pump, so anything may have happened to the window when
-/// `setStatus` and `done` are called. `done` comes last, unless a question was never answered.
+/// Puts the mail settings of the inputs into the collection, asks for both addresses and returns; sends once there are answers.
+/// `setStatus` receives the progress. Sending waits through the event pump, so the window may be gone when `setStatus` and `done`
+/// are called. `done` comes last, unless a question was never answered.
 void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskText& ask,
                       const std::function<void(const std::string& text)>& setStatus, const std::function<void()>& done);
 
-/// The status behind a test of the restart.
+/// The status after a test of the restart.
 extern const std::string_view kRestartTested;
 
 /// The reactions to the marks of the restart.
@@ -32,10 +32,10 @@ extern const std::string_view kRestartsForAll;
 
 enum class OptionsReset { Summary, ResponseData, All };
 
-/// Asks and goes on; after a Yes it resets all entries and makes the reports anew.
+/// Asks without waiting; after a Yes it resets all entries and generates the reports again.
 void ResetForAll(const Desk& desk, OptionsReset reset);
 
-/// What is left of a chosen path without its file.
+/// Returns a chosen path without its file name.
 std::string FolderOfFile(const std::string& path);
 
 }  // namespace korvane

@@ -1,6 +1,6 @@
-// Room `options`: the global settings and the addresses that all entries and monitors share.
+// Room `options`: the global settings and the addresses shared by all entries and monitors.
 //
-// What the settings dialog has in its inputs: every text as typed, and the marks.
+// The values of the settings dialog's inputs: every text as typed, and the check marks.
 #pragma once
 
 #include <string>

@@ -1,14 +1,14 @@
-// What the status line of the settings dialog says on its pages and inputs.
+// The status line's texts about the pages and inputs of the settings dialog.
 #pragma once
 
 #include <string_view>
 
 namespace korvane {
 
-/// By the title of the page; blank for anything else.
+/// Help by the title of the page; empty for anything else.
 std::string_view HelpOnOptionsPage(std::string_view page);
 
-/// By the name of the control; blank for one without help.
+/// Help by the name of the control; empty if there is none.
 std::string_view HelpOnOptionsInput(std::string_view control);
 
 }  // namespace korvane

@@ -1,4 +1,4 @@
-// What the settings dialog opens with: the global settings as texts and marks, and what there is to say about them.
+// The initial content of the settings dialog: the global settings as texts and marks, with hints about them.
 #pragma once
 
 #include <string>
@@ -9,13 +9,13 @@
 
 namespace korvane {
 
-/// From the settings collection; a setting that is not there is blank.
+/// Reads the settings collection; a missing setting is empty.
 OptionsFields OptionsFromSettings(const SettingsCollection& settings);
 
-/// The status where no service manager is there.
+/// The status if there is no service manager.
 extern const std::string_view kNoServiceHint;
 
-/// What the box of the mail server is filled with where none is set. The name is one that is reserved for examples (RFC 2606).
+/// The initial text of the mail server box if none is set. The name is reserved for examples (RFC 2606).
 std::string NoMailServerHint();
 std::string NoMailServerMessage();
 

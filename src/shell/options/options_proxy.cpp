@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kScheme = "http://";
 
-/// Where it is, counted from 1; 0 when it is not there.
+/// Returns the position, counted from 1; 0 when there is none.
 std::int64_t Position(const std::string& text, char character) {
     return static_cast<std::int64_t>(text.find(character) + 1);
 }

@@ -87,7 +87,7 @@ bool IsBetween(const std::string& typed, std::int64_t least, std::int64_t most) 
     return isBetween;
 }
 
-// The entries of older settings files are not what this dialog changes.
+// This dialog does not change the entries of older settings files.
 void WriteToFile(const Desk& desk) {
     desk.legacyLog.setLogTimer();
     desk.entries.setServerEntryChangedIndex(kNoServerEntry);

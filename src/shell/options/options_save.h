@@ -1,4 +1,4 @@
-// How the inputs of the settings dialog become the global settings: in which order, what is refused, and the writing to file.
+// Saving the inputs of the settings dialog as global settings: their order, what is refused, and writing the file.
 #pragma once
 
 #include <optional>
@@ -9,15 +9,15 @@
 
 namespace korvane {
 
-/// What keeps the inputs from being saved.
+/// An input that cannot be saved.
 struct OptionsRefusal {
-    std::string OptionsFields::*field;  ///< the text at fault
+    std::string OptionsFields::*field;  ///< the invalid text
     std::string message;
 };
 
-/// Puts the inputs into the settings collection one after the other and writes the settings file. At a refusal it stops: what
-/// came before it is in the collection then and not in the file. Writing may deliver events. Throws nothing; what the file did
-/// not take is reported by nothing.
+/// Puts the inputs into the settings collection one after the other and writes the settings file. Stops at a refusal: earlier
+/// inputs are then in the collection but not in the file. Writing may deliver events. Throws nothing; an error while writing the
+/// file is not reported.
 std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& fields);
 
 }  // namespace korvane

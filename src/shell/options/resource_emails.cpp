@@ -11,7 +11,7 @@
 namespace korvane {
 namespace {
 
-/// With what its file holds.
+/// The settings of the monitor, as read from its file.
 std::unique_ptr<AlertSettings> SettingsOf(ResourceMonitor monitor, Files& files, const std::string& dir) {
     std::unique_ptr<AlertSettings> settings;
     switch (monitor) {

@@ -1,5 +1,5 @@
-// The addresses that the four resource monitors notify, in their settings files: they can be read and set whether the monitors
-// run or not.
+// The addresses that the four resource monitors notify, in their settings files: they can be read and set whether or not the
+// monitors are running.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@ namespace korvane {
 
 class ResourceEmailFiles : public ResourceEmails {
 public:
-    /// `dir` is the home. `loadData` has the monitors read their files again; it may be blank. `files` must outlive this.
+    /// `dir` is the home. `loadData` makes the monitors read their files again; it may be empty. `files` must outlive this.
     ResourceEmailFiles(Files& files, std::string dir, std::function<void()> loadData = {});
 
     std::string getEmail(ResourceMonitor monitor) override;

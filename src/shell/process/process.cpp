@@ -54,7 +54,7 @@ std::string CommandLine(int argc, char** argv) {
     return line;
 }
 
-/// The folder of the executable, or the one that KORVANE_HOME names; it is made when it is not there.
+/// Returns the folder of the executable, or the one that KORVANE_HOME names; it is created when it does not exist.
 Run::Options OptionsOf(int argc, char** argv) {
     const std::string folder = QCoreApplication::applicationDirPath().toStdString();
     const std::string home = EnvironmentVariable("KORVANE_HOME");
@@ -70,21 +70,21 @@ Run::Options OptionsOf(int argc, char** argv) {
     return options;
 }
 
-/// The process ends here and now: a name server that does not answer or a check that is under way must not hold it up, and there
-/// is nothing left to write.
+/// The process ends at once: it must not wait for a name server that does not answer or a running check, and there is nothing
+/// left to write.
 [[noreturn]] void EndProcess(int status) {
     std::cout.flush();
     std::cerr.flush();
     std::_Exit(status);
 }
 
-/// Everything that is learnt goes there. Without this, a start would find out at one file after the other, in other words.
+/// All collected data goes there. Without this check, a start would fail at one file after the other, with other messages.
 void RequireWritable(const std::string& folder) {
     if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return;
     throw Error("The folder " + folder + " cannot be written: " + std::strerror(errno));
 }
 
-/// Everything outside, as this process has it.
+/// The real implementations of all ports in this process.
 struct Adapters {
     explicit Adapters(const std::string& version)
         : inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + version} {}
@@ -145,7 +145,7 @@ Run::Ports PortsOf(Adapters& adapters, const Face& face, std::function<void()> e
             .mailTrace = face.mailTrace};
 }
 
-/// From the start of the run to the end of the process.
+/// Lives from the start of the run to the end of the process.
 class Life {
 public:
     Life(Run::Options options, const std::function<Face(Timers&)>& makeFace)
@@ -172,13 +172,13 @@ private:
     TerminationSignals termination_{adapters_.events, [this] { WhenLoaded(&Life::StopAsAsked); }};
     PauseSignals pauses_{adapters_.events, [this] { run_.Service().Pause(); }, [this] { run_.Service().Continue(); }};
     bool started_ = false;
-    bool frozen_ = false;  ///< at work during which no event may be delivered
+    bool frozen_ = false;  ///< work is running during which no event may be delivered
 };
 
 void Life::Live() {
     face_.attach(run_, [this] { WhenLoaded(&Life::Exit); });
     adapters_.store.WhileCompacting([this] { GlanceWhileFrozen(); });
-    // When the display goes, with the session, its library ends the process by itself.
+    // When the display closes at the end of the session, its library ends the process by itself.
     on_exit(
         [](int, void* life) {
             auto& self = *static_cast<Life*>(life);
@@ -191,7 +191,7 @@ void Life::Live() {
     EndProcess(QCoreApplication::exec());
 }
 
-// A start that can't go on ends the process, behind its message.
+// A start that cannot continue ends the process after its message.
 void Life::Start() {
     try {
         adapters_.files.CreatePrivateFolder(options_.dir);
@@ -221,7 +221,7 @@ void Life::Exit() {
     EndProcess(EXIT_SUCCESS);
 }
 
-// A large database is compacted for minutes: the service manager must not take the program for dead, nor wait for it.
+// Compacting a large database takes minutes: the service manager must neither consider the program dead nor wait for it.
 void Life::GlanceWhileFrozen() {
     const RaisedFlag frozen(frozen_);
     if (adapters_.serviceManager.AliveInterval()) adapters_.serviceManager.Alive();
@@ -232,15 +232,15 @@ void Life::GlanceWhileFrozen() {
 
 void PrepareProcess() {
     ReturnLargeBlocks();  // an answer of 50 MB must not stay in the memory of a program that runs for a year
-    // The plain event loop wakes for our own timers and sockets only, and needs less memory.
+    // The plain event loop wakes only for our own timers and sockets, and needs less memory.
     setenv(kNoGlib, "1", 1);
     IgnoreBrokenPipes();
     KeepOthersFromWriting();
 }
 
 void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace) {
-    unsetenv(kNoGlib);  // what we start is not to inherit it
-    // The adapters read the greeting; nothing is started before they are made.
+    unsetenv(kNoGlib);  // our child processes must not inherit it
+    // The adapters read the greeting, so nothing may be started before they exist.
     Life life(OptionsOf(argc, argv), makeFace);
     KeepGreetingFromChildren();
     life.Live();

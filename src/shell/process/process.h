@@ -1,5 +1,5 @@
-// One life of the program as a process: its folders, arguments and signals, the adapters that are handed to the run, and its
-// end. The same with and without a window.
+// The program as a process: its folders, arguments and signals, the adapters for the run, and its end. The same with and without
+// a window.
 #pragma once
 
 #include <functional>
@@ -13,22 +13,22 @@
 
 namespace korvane {
 
-/// How this process meets the person at the desk. The parts must live as long as the process.
+/// How this process communicates with the user. The parts must live as long as the process.
 struct Face {
     Operator& person;
     MonitorWindow* window = nullptr;
     ConversationWindow* conversation = nullptr;
     MailTrace* mailTrace = nullptr;
-    /// Called once, before start-up; what it is given saves everything and ends the process.
+    /// Called once, before start-up; the `exit` argument saves everything and ends the process.
     std::function<void(Run& run, std::function<void()> exit)> attach = [](Run&, const std::function<void()>&) {};
-    /// Called when the process is about to end as File, Exit ends it, before anything is saved.
+    /// Called when File, Exit or an equivalent is about to end the process, before anything is saved.
     std::function<void()> beforeExit = [] {};
 };
 
-/// Before any Qt application object is made: what this process sets for itself and for the libraries it stands on.
+/// Sets up this process and the libraries that it uses. Must be called before any Qt application object is created.
 void PrepareProcess();
 
-/// Runs the program on the application object that is there, and ends the process. `makeFace` gets the timers of the process.
+/// Runs the program on the existing application object, and ends the process. `makeFace` receives the timers of the process.
 [[noreturn]] void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeFace);
 
 /// The same without a window: status lines on standard output, messages on standard error.

@@ -1,4 +1,4 @@
-// The reports as the monitor cycle asks for them: everything is written anew.
+// Publishes the reports for the monitor cycle: always writes everything.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// What the windows work with: the rooms of the run, and the ports that it was given. Everything is borrowed from the run,
-// which outlives every window.
+// Everything that the windows use: the rooms of the run, and its ports. All of it belongs to the run, which outlives every
+// window.
 #pragma once
 
 #include <functional>
@@ -51,7 +51,7 @@ struct Desk {
     Sound& sound;
     const SystemInfo& systemInfo;
     Services& services;
-    std::function<std::string()> proxyServer;  ///< that this session goes through, as "host:port"; blank: none
+    std::function<std::string()> proxyServer;  ///< the proxy of this session, as "host:port"; empty: none
     Log& log;
     StatusLog& status;
     ServerIds& ids;
@@ -73,7 +73,7 @@ struct Desk {
     AlertMails& alertMails;
     ConversationWindow& conversation;
 
-    // The checkers for what the operator tries out. They share nothing with those of the cycle, whose check may be under way.
+    // The checkers for the operator's tests. They share nothing with those of the cycle, which may be running a check.
     HttpRequester& http;
     TcpChecker& tcp;
     PingChecker& ping;

@@ -1,5 +1,4 @@
-// The main window as the run sees it: what start-up and the service do to it. As it stands it is the window of a program without
-// one.
+// The main window as the run uses it: at start-up and for the service. This base class stands for a program without a window.
 #pragma once
 
 #include <string>
@@ -12,30 +11,30 @@ class MonitorWindow : public SettingsHost {
 public:
     virtual void SetTitle(const std::string& /*title*/) {}
 
-    /// The two commands whose captions name files.
+    /// The two commands whose captions contain file names.
     struct Captions {
         std::string mnuFileGlobal;
         std::string mnufilekvsettings;
     };
     virtual void SetCaptions(const Captions& /*captions*/) {}
 
-    /// At its place at the left upper corner of the screen. `shown`: on the screen too, so that a first start can be seen.
+    /// Moves the window to the upper left corner of the screen. `shown`: also shows it, so that a first start can be seen.
     virtual void Place(bool /*shown*/) {}
 
-    /// Out of sight, with the tray icon as the way back; where there is none the window stays in the task bar. Marks the
-    /// program as minimised.
+    /// Hides the window, with the tray icon as the way back; without a tray the window stays in the task bar. Marks the program
+    /// as minimised.
     virtual void MinimizeToTray() {}
 
     virtual void Form_Resize() {}
 
-    /// Makes the windows of this machine's own resources, hidden.
+    /// Creates the windows of this machine's own resources, hidden.
     virtual void LoadResourceMonitors() {}
 
-    /// The check marks of the tray's commands: installed as a service, in the startup group.
+    /// Sets the check marks of the tray's commands: installed as a service, in the startup group.
     virtual void SetStartMarks(bool /*mnuTrayNTService*/, bool /*mnuTrayStartup*/) {}
 
-    /// Asks the person at the desk the questions of a first start and makes what the answers say. Waits through the event pump,
-    /// for days if need be.
+    /// Asks the user the questions of a first start and sets up what the answers say. Waits through the event pump, for days if
+    /// necessary.
     virtual void SetUpForTheFirstTime() {}
 };
 

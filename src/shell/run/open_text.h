@@ -1,4 +1,4 @@
-// A file of this program in the operator's text editor.
+// Opens a file of this program in the operator's text editor.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace korvane {
 
-/// Says so, at once or a little later, when no program opens it. `person` must outlive `processes`.
+/// Shows a message, at once or a little later, when no program opens the file. `person` must outlive `processes`.
 inline void OpenInEditor(Processes& processes, Operator& person, const std::string& path) {
     processes.OpenText(path, [&person, path](const std::string& why) {
         person.ShowError(kMessageTitle, "The file " + path + " could not be opened in a text editor: " + why);

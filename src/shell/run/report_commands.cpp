@@ -8,7 +8,7 @@
 namespace korvane {
 namespace {
 
-/// Characters of a message: each group may have an error of its own.
+/// Longest message, in characters: each group may have its own error.
 constexpr std::size_t kMostOfAnError = 1000;
 
 }  // namespace

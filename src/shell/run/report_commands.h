@@ -1,4 +1,4 @@
-// What the operator does with the reports: have them published, and read them in the browser.
+// The operator's report commands: publishing, and reading in the browser.
 #pragma once
 
 #include <string>
@@ -23,14 +23,14 @@ public:
         StatusLog& status;
     };
 
-    /// `dir` is where the database is. Everything borrowed must outlive this.
+    /// `dir` is the folder of the database. All referenced objects must outlive this.
     ReportCommands(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {}
 
-    /// Publishes for an operator who waits for it: what went wrong is said in the status log and in a message.
+    /// Publishes for an operator who waits for it: errors go to the status log and to a message.
     void PublishReports(bool bQuiet);
 
-    /// Opens the page of a group, or of all groups of the customer when `strGroup` is blank; publishes first when it is not there
-    /// yet. A person without a browser is told so.
+    /// Opens the page of a group, or of all groups of the customer when `strGroup` is empty; publishes first if the page does not
+    /// exist yet. Shows a message if there is no browser.
     void DisplayReport(const std::string& idCustomer, const std::string& strGroup);
 
     /// Publishes, quietly when the database can be opened, and shows the page of customer 0.

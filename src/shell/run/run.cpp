@@ -13,8 +13,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Whether a start with a window, or with entries, has been there before: a file of its own, which outlives a settings file that
-/// is lost or damaged, and a key of the settings file, for older programs.
+/// Marks that there was a start with a window, or with entries: a file of its own, which survives a lost or damaged settings
+/// file, and a key of the settings file for older programs.
 constexpr const char* kSetupFile = "/kvsetup.dat";
 constexpr std::string_view kSetupSection = "Setup";
 constexpr std::string_view kSetupDone = "Done";
@@ -92,7 +92,7 @@ ServiceMode::Commands Run::CommandsOfService() {
 std::unique_ptr<Timer> Run::NewTimer(const NamedTimer& timer) {
     auto made = ports_.timers.NewTimer(std::string(timer.name));
     made->SetInterval(timer.period);
-    // Each tick handles its own errors; nothing may reach the event loop, which knows no exceptions.
+    // Each tick handles its own errors; no exception may reach the event loop, which cannot handle them.
     made->OnTick([tick = timer.tick] { IgnoreErrors(tick); });
     return made;
 }
@@ -157,7 +157,7 @@ bool Run::IsFirstRun() {
 }
 
 bool Run::IsSetUp() {
-    bool marked = true;  // a mark that cannot be looked at may be there
+    bool marked = true;  // if the mark cannot be checked, it may exist
     IgnoreErrors([&] { marked = ports_.files.Exists(options_.dir + kSetupFile); });
     return marked || settingsFile_.Read(kSetupSection, kSetupDone, "") == kYes;
 }
@@ -172,7 +172,7 @@ void Run::MarkSetUp() {
     }
 }
 
-// Without a window only a home with entries counts as set up: somebody who comes with a window later is to be asked for them.
+// Without a window only a home with entries counts as set up: a user who starts with a window later must be asked.
 void Run::SetUpForTheFirstTime() {
     window_.SetUpForTheFirstTime();
     if (window_.HasWindow() || HasEntries()) MarkSetUp();

@@ -1,7 +1,8 @@
-// Room `run`: the start and the end of the program, what lives as long as it runs, and what it lends to the windows.
+// Room `run`: the start and the end of the program, the objects that live as long as it runs, and what it provides to the
+// windows.
 //
-// Everything that lives as long as the program runs, with or without a window: settings, sockets, transfer slots, timers
-// and the state of the cycle. It makes the rooms, hands them their ports and starts the timers.
+// Owns everything that lives as long as the program runs, with or without a window: settings, sockets, transfer slots, timers and
+// the state of the cycle. It creates the rooms, passes them their ports and starts the timers.
 #pragma once
 
 #include <chrono>
@@ -75,11 +76,11 @@ public:
         Store& store;
         Operator& person;
         Files& files;
-        TcpSocket& tcpSocket;    ///< of the conversations with servers
-        TcpSocket& sckesmtp;     ///< of mail with a login
-        TcpSocket& plainSocket;  ///< of mail without one
-        TcpSocket& testSocket;   ///< of conversations that the operator tries out while the cycle holds its own
-        TcpSocket& alertEsmtp;   ///< of the mails of the resource monitors, which go out beside those of the cycle
+        TcpSocket& tcpSocket;    ///< for conversations with servers
+        TcpSocket& sckesmtp;     ///< for mail with a login
+        TcpSocket& plainSocket;  ///< for mail without a login
+        TcpSocket& testSocket;   ///< for the operator's tests while the cycle uses its own
+        TcpSocket& alertEsmtp;   ///< for mails of the resource monitors, which are sent independently of those of the cycle
         TcpSocket& alertPlain;
         IcmpEcho& echo;
         Sound& sound;
@@ -91,63 +92,64 @@ public:
         Autostart& autostart;
         const SystemInfo& systemInfo;
         std::function<std::unique_ptr<Inet>()> newInet;
-        std::function<std::string()> proxyServer;    ///< that this session goes through, as "host:port"; blank: none
+        std::function<std::string()> proxyServer;    ///< the proxy of this session, as "host:port"; empty: none
         std::function<void()> exit;                  ///< mnuExit_Click and the end of the process
         MonitorWindow* window = nullptr;             ///< null without a display
-        ConversationWindow* conversation = nullptr;  ///< null: nobody looks on
+        ConversationWindow* conversation = nullptr;  ///< null: no window
         MailTrace* mailTrace = nullptr;              ///< the same for mail
     };
 
     struct Options {
-        std::string dir;      ///< where settings, database and log are, without a slash at the end
-        std::string dataDir;  ///< where the installation's templates and blank database are; may be the same
+        std::string dir;      ///< folder of settings, database and log, without a slash at the end
+        std::string dataDir;  ///< folder of the installation's templates and empty database; may be the same
         std::string commandLine;
         std::string version;       ///< "major.minor.revision"
         std::string program = {};  ///< the executable's path
-        std::string icon = {};     ///< of the program, by its name in the desktop's theme or its path
+        std::string icon = {};     ///< the program's icon, by its name in the desktop's theme or its path
     };
 
     Run(const Ports& ports, Options options);
 
     enum class Started { Running, SecondInstance, CannotGoOn };
 
-    /// The whole start in its fixed order, messages included. After Running the first timer is armed; after anything else the
-    /// program must end with status 1, and what there was to say has been said.
+    /// Performs the whole start in its fixed order, including messages. After Running the first timer is armed; after any other
+    /// result all messages have been shown and the program must end with status 1.
     Started StartUp();
 
-    /// Somebody wants the program to end. Whether it may right now: during StartUp nothing can be saved yet, so the wish is kept,
-    /// and the caller looks at ExitAsked when StartUp has returned.
+    /// Called when the program is asked to end. Returns whether it may end now: during StartUp nothing can be saved yet, so the
+    /// request is kept, and the caller must check ExitAsked after StartUp has returned.
     bool MayExit();
-    /// The start can't go on and tells so: there is nothing to save, and the process may end at any time, with status 1.
+    /// True while a start that cannot continue shows its message: there is nothing to save, and the process may end at any time,
+    /// with status 1.
     bool OnlyTelling() const { return onlyTelling_; }
     bool ExitAsked() const { return exitAsked_; }
 
-    /// File, Exit and its like: saves, logs, and leaves the timers off. The caller ends the process at once; a check that is
-    /// under way is abandoned, and its row stays as it was and due.
+    /// File, Exit and equivalents: saves, logs, and leaves the timers off. The caller must end the process at once; a running
+    /// check is abandoned, and its row stays unchanged and due.
     void mnuExit_Click();
 
-    /// Saves the settings as an exit does, if it does.
+    /// Saves the settings at an exit, if SavesOnExit.
     void SaveOnExit();
-    /// Not in a service, whose changes last as long as its run: at its end nothing is written to the settings file.
+    /// False in a service, whose changes last only as long as it runs: at its end nothing is written to the settings file.
     bool SavesOnExit() const { return !noSaveOnExit_; }
 
     void cmdStopStart() { stopStart_.cmdStopStart(); }
 
     ServiceMode& Service() { return service_; }
 
-    /// What the windows work with.
+    /// Returns what the windows use.
     Desk TheDesk();
 
-    /// While StartUp runs.
+    /// True while StartUp runs.
     const bool& Loading() const { return bFormLoading_; }
-    /// Before monitoring begins: in the wait that the settings ask for.
+    /// True before monitoring begins, during the wait defined in the settings.
     bool WaitingToStart() const { return Timer2_->Enabled(); }
-    /// The cycle runs and is not asleep: the entry that is due first is being requested. A sleep whose seconds have run out is
-    /// none, although its length is still known.
+    /// True if the cycle runs and is not asleep: the entry that is due first is being requested. A sleep whose seconds have run
+    /// out no longer counts, although its length is still known.
     bool Requesting() const { return TimerMonitorDB_->Enabled() && state_.nSleepLeft <= 0; }
-    /// The sleep until the next check is over.
+    /// Ends the sleep before the next check.
     void WakeUp();
-    /// The operator looks at the window again in the middle of a request: its estimate goes on.
+    /// Called when the operator looks at the window again in the middle of a request: its estimate continues.
     void ResumeProgress() { progress_.Resume(); }
 
     const CycleState& State() const { return state_; }
@@ -196,7 +198,7 @@ private:
     Options options_;
     bool bFormLoading_ = false;
     bool noSaveOnExit_ = false;
-    std::string moreTitle_;  ///< behind that of every run
+    std::string moreTitle_;  ///< follows the title of every run
     bool exitAsked_ = false;
     bool onlyTelling_ = false;
 
@@ -212,7 +214,7 @@ private:
     Settings settings_;
     LegacyLog legacyLog_;
 
-    // The timers come before what switches them.
+    // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2_;
     std::unique_ptr<Timer> TimerMonitorDB_;
     std::unique_ptr<Timer> TimerProgress_;

@@ -102,8 +102,8 @@ void Run::ReadSettings() {
     legacyLog_.setLogTimer();
 }
 
-// What an installation keeps beside the program is brought to a home of its own when it is not there yet. Throws Error when the
-// home does not take it.
+// Returns whether the home has the file, after copying it from the installation if it was missing. Throws Error when the home
+// cannot be written.
 bool Run::Has(const std::string& name) {
     if (ports_.files.Exists(options_.dir + name)) return true;
     if (options_.dataDir == options_.dir || !ports_.files.Exists(options_.dataDir + name)) return false;
@@ -129,7 +129,8 @@ bool Run::HasDatabase() {
     }
     if (Has(blank)) {
         log_.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
-        // In the file first: a program killed behind the copy would take the new database for the old one at its next start.
+        // This is written to the file first: a program killed after the copy would otherwise take the new database for the old
+        // one at its next start.
         if (settings_.AllInDB()) settingsFile_.Write(kSettingsSection, "bALLInDB", "False");
         collection_.setKvSettingsColValue("bAllInDB", "False");
         RemoveJournals(ports_.files, database);
@@ -170,7 +171,7 @@ bool Run::DatabaseOpens() {
 bool Run::HasAllItNeeds() {
     try {
         return HasDatabase() && HasTemplates() && DatabaseOpens();
-    } catch (const std::exception& error) {  // the disk is full, or a folder cannot even be looked at
+    } catch (const std::exception& error) {  // the disk is full, or a folder is not accessible
         TellTheEnd(kMessageTitle, error.what());
         log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
         return false;
@@ -185,7 +186,7 @@ void Run::NameMissingColumns() {
     }
 }
 
-// Monitoring goes on: whoever looks at the window or the log learns why its results are not kept.
+// Monitoring continues: window and log tell the operator why its results are not stored.
 void Run::NameWriteProblem() {
     const std::string problem = WriteProblemOf(ports_.store, options_.dir);
     if (problem.empty()) return;
@@ -201,7 +202,7 @@ void Run::PrepareEntries() {
     IgnoreErrors([&] { MendBlankTimes(); });
 }
 
-// The cycle asks for the rows due by a time and never meets one without: such a row, left by another tool, becomes due now.
+// The cycle's query finds only rows with a due time: a row without one, left by another tool, becomes due now.
 void Run::MendBlankTimes() {
     const auto conn = ports_.store.NewConnection();
     conn->SetConnectionString(OleDbConnectionText(options_.dir));

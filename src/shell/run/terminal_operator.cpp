@@ -8,7 +8,7 @@
 namespace korvane {
 namespace {
 
-// What a server answered may hold escape sequences; they must not reach the operator's terminal.
+// A server's answer may contain escape sequences; they must not reach the operator's terminal.
 std::string Printable(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');

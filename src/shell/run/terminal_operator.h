@@ -1,4 +1,5 @@
-// The operator of a program without a display: status lines go to one stream, messages to another, and nobody answers questions.
+// The operator of a program without a display: status lines go to one stream, messages to another, and questions are not
+// answered.
 #pragma once
 
 #include <iosfwd>

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kControlShutdown = 4;
 
-/// The report folder, where it is not in the home.
+/// Returns the report folder if it is outside the home.
 std::vector<std::string> FoldersBeside(const std::string& home, std::string reports) {
     while (reports.size() > 1 && reports.ends_with('/'))
         reports.pop_back();
@@ -81,7 +81,7 @@ void ServiceMode::Start() {
     WatchOverLife();
 }
 
-// A pump that no longer delivers events does not deliver this one either.
+// If the pump no longer delivers events, it does not deliver this one either.
 void ServiceMode::WatchOverLife() {
     const auto interval = ports_.manager.AliveInterval();
     if (!interval) return;

@@ -1,7 +1,7 @@
 // Room `service`: running as a service, and starting with the desktop.
 //
-// How the program comes back by itself: as a service of the system's manager, or from the desktop's startup group. What the
-// manager asks of a running service, and what the operator sets in the tray's menu and the settings dialog.
+// Makes the program start automatically, as a service of the system's manager or from the desktop's startup group: handles the
+// manager's requests to a running service, and the operator's choices in the tray's menu and the settings dialog.
 #pragma once
 
 #include <functional>
@@ -28,48 +28,49 @@ public:
         SettingsCollection& collection;
     };
 
-    /// What the run and its window do for the service. All must be set.
+    /// Callbacks to the run and its window. All must be set.
     struct Commands {
         std::function<void()> Save;
-        std::function<bool()> isMonitoring;  ///< the caption of the start-stop button is "Stop"
+        std::function<bool()> isMonitoring;  ///< true if the caption of the start-stop button is "Stop"
         std::function<void()> cmdStopStart;
         std::function<void()> keepSettingsOnExit;  ///< sets the no-save-on-exit flag
         std::function<void(const std::string& more)> appendToTitle;
-        std::function<void()> unload;     ///< ends the program as an exit of its own does
+        std::function<void()> unload;     ///< ends the program like its own exit
         std::function<void()> showMarks;  ///< the marks below may have changed
     };
 
-    /// What is started. Absolute paths.
+    /// The program that is started. Absolute paths.
     struct Program {
         std::string path;  ///< the executable
         std::string home;
-        std::string icon;  ///< of the startup entry; may be blank
+        std::string icon;  ///< of the startup entry; may be empty
     };
 
     ServiceMode(const Ports& ports, Commands commands, Program program);
 
     // The life of this process.
 
-    /// Connects this process to the manager that started it and says how that went. The first success is the Start event. On a
-    /// desktop it fails, and that is the desktop case.
+    /// Connects this process to the manager that started it and reports the result. The first success is the Start event. On a
+    /// desktop the connection fails; that is the normal desktop case.
     void StartService();
     bool RunningAsService() const { return runningAsService_; }
-    /// Start-up is through: tells the manager, and does what it asked for meanwhile.
+    /// Called when start-up is complete: notifies the manager, and handles the requests that came meanwhile.
     void Loaded();
-    /// A program that ends starts the service that it has installed, which had to wait for the home. Last of all, when everything
-    /// is saved; waits 3 s at most.
+    /// A program that ends starts the service that it has installed, which had to wait for the home. Must be called last, when
+    /// everything is saved; waits 3 s at most.
     void HandOver();
 
     // The events of a running service, from the pump.
 
-    /// `frozen`: from work that must not meet an event. The manager is then not asked what the stop is for.
+    /// `frozen`: called during work that must not be interrupted by events. The manager is then not asked for the reason of the
+    /// stop.
     void Stop(bool frozen = false);
     void Pause();
     void Continue();
-    /// 4 is the shutdown of the system; other codes are nothing.
+    /// Code 4 is the shutdown of the system; other codes are ignored.
     void Control(int code);
 
-    // The tray's commands, and what start-up and the settings dialog ask.
+    // The tray's commands, and queries for start-up and the settings dialog.
 
     /// The two check marks of the tray's menu.
     bool mnuTrayNTService() const { return mnuTrayNTService_; }
@@ -80,7 +81,7 @@ public:
     void CheckTrayStartup();
 
     bool IsWindowsNT() const { return ports_.manager.IsPresent(); }
-    /// The family of systems that have a startup group and no services.
+    /// True for systems that have a startup group and no services.
     bool IsWindows95() const { return !IsWindowsNT(); }
     bool IsInStartupGroup() const;
 
@@ -88,17 +89,17 @@ public:
     void mnuTrayNTService_Click();
     void mnuTrayStartup_Click();
 
-    /// The dialog's check boxes, after they were clicked: `checked` is what they show now. Returns what they are to show.
+    /// Called after the dialog's check boxes were clicked: `checked` is their new state. Return the state that they must show.
     bool chkService_Click(bool checked);
     bool chkStartup_Click(bool checked);
 
-    /// Waits for the manager through the event pump. True on success; what the manager said goes to the status too.
+    /// Waits for the manager through the event pump. Returns true on success; the manager's words also go to the status.
     bool InstallService(const std::string& name, bool install);
-    /// The settings have changed: a service that is installed learns where it publishes reports.
+    /// Called after the settings have changed: updates the report folder of an installed service.
     void FollowSettings();
-    /// Says why when it fails. Whether it was done.
+    /// Returns whether it succeeded, and reports the reason if not.
     bool AddOrRemoveGroupShortCut(bool add);
-    /// Asks whether the shortcut is to go, if there is one.
+    /// Asks whether to remove the shortcut, if there is one.
     void WarnIfInStartupGroup();
 
     struct ShortCut {

@@ -1,5 +1,5 @@
-// Every text with which the program speaks of its service and of the startup group. Line ends are "\r\n"; "<name>", "<file>" and
-// "<why>" stand for what is put in.
+// All texts about the program's service and the startup group. Line ends are "\r\n"; "<name>", "<file>" and "<why>" are
+// placeholders.
 #pragma once
 
 #include <string>
@@ -66,11 +66,11 @@ constexpr const char* kShortcutStays =
     "From there, you should be able to select and delete any shortcut you do not want.";
 constexpr const char* kShortcutFailed = "The shortcut <file> could not be created: <why>";
 
-/// After what is said about the service, where there is more to know. The second stands before words of the manager alone.
+/// Follows the message about the service if there is a note. The second one precedes words of the manager alone.
 constexpr const char* kMore = "\r\n\r\n";
 constexpr const char* kManagerSays = "The service manager says: ";
 
-/// After each installation: the running program holds the home that the service needs.
+/// Shown after each installation: the running program holds the home that the service needs.
 constexpr const char* kHandOver = "The service starts as soon as you end this Korvane with File, Exit.";
 
 // The settings dialog's two check boxes.

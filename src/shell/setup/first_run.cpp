@@ -12,13 +12,13 @@
 namespace korvane {
 namespace {
 
-// Names that are reserved for examples (RFC 2606).
+// Names reserved for examples (RFC 2606).
 constexpr std::string_view kSampleAddress = "someone@example.com";
 
 constexpr std::string_view kFirstPage = "/default.htm";
 constexpr std::string_view kSubject = "Server XXX Down.";
 
-/// Each comes in above those before it.
+/// Each is inserted above the previous ones.
 constexpr std::string_view kHints[] = {"5) Click the 'NOW' button (upper left) to begin monitoring right now!",
                                        "4) Click the 'ADD' button  (top row of buttons) to create a new server entry.",
                                        "3) Click the [X] in the upper right corner of the window to minimize Korvane.",
@@ -102,7 +102,7 @@ std::string AddressOf(const std::string& answer) {
     return ReplaceAll(ReplaceAll(ToLower(answer), "http://", ""), "https://", "");
 }
 
-// Wherever the letters stand: what is left is a name to tell entries apart, which the operator can change.
+// Removes these letters wherever they are: the result is only a name to distinguish entries, which the operator can change.
 std::string NameOf(const std::string& address) {
     return ReplaceAll(ReplaceAll(ReplaceAll(address, ".", ""), "com", ""), "www", "");
 }
@@ -125,8 +125,8 @@ public:
     }
 
 private:
-    // As it was typed or pasted, without what no address holds: blanks around it, and characters that nobody sees and no
-    // settings file keeps.
+    // Returns the answer as typed or pasted, without what no address contains: spaces around it, and invisible characters that no
+    // settings file stores.
     std::string Ask(const WizardPage& page) const {
         std::string answer = commands_.ask(page);
         std::erase_if(answer, [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
@@ -154,7 +154,7 @@ private:
     void WriteServer(Recordset& row, const std::string& url) {
         strAddress_IP_ = kSampleWebHost;
         const std::string address = AddressOf(url);
-        if (address.empty()) return;  // "http://" alone names no server either
+        if (address.empty()) return;  // "http://" alone is not a server either
         const std::string name = NameOf(address);
         strAddress_IP_ = address;
         row.Fields("strAddress_IP") = address;
@@ -179,7 +179,7 @@ private:
         commands_.checkTrayStartup();
     }
 
-    // The mark is put even when the installation failed: it is what the operator finds and unchecks to try again.
+    // The mark is set even if the installation failed: the operator finds it and unchecks it to try again.
     void StartAsService() {
         const std::string name = desk_.collection.getKvSettingsColVal("ServiceName");
         const bool installed = commands_.InstallService(name);
@@ -192,7 +192,7 @@ private:
     const Desk& desk_;
     const FirstRunCommands& commands_;
     std::string strAddress_IP_;
-    std::string email_;  ///< blank: the question was not answered
+    std::string email_;  ///< empty: the question was not answered
 };
 
 }  // namespace

@@ -12,7 +12,7 @@ constexpr std::size_t kBetweenEvents = 256;  ///< bytes
 }  // namespace
 
 std::string URLEncodeText(std::string_view text, Events& events) {
-    const std::string lines = ReplaceAll(text, "\r\n", "DA");  // what the website takes for a line end
+    const std::string lines = ReplaceAll(text, "\r\n", "DA");  // the website's form of a line end
     std::string encoded;
     for (std::size_t at = 0; at < lines.size(); ++at) {
         if (at % kBetweenEvents == 0) events.DoEvents();

@@ -1,4 +1,4 @@
-// Text as a value in the address of a page of the website, in the encoding that its pages read.
+// Encodes a text as a value in the address of a page of the website, in the encoding that its pages expect.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace korvane {
 
-/// Each CR LF becomes the letters "DA", then "%", ",", blank, "/", "~", ":", "$" and "&" their hexadecimal form behind "%". Every
-/// other byte stays. Long texts let the pump run in between.
+/// Replaces each CR LF by the letters "DA", then "%", ",", space, "/", "~", ":", "$" and "&" by "%" and their hexadecimal form.
+/// Every other byte stays. Long texts let the pump run in between.
 std::string URLEncodeText(std::string_view text, Events& events);
 
 }  // namespace korvane

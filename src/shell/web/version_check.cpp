@@ -21,14 +21,14 @@ constexpr std::size_t kBeforeVersion = 8;
 constexpr std::size_t kVersionLength = 5;
 constexpr std::size_t kBeforeFeatures = 14;
 
-/// Of the features in a message box: a file of any size may stand at the address.
+/// Longest text of the features in a message box: the file at the address may have any size.
 constexpr std::size_t kMostShown = 4000;
 
 std::string_view Behind(const std::string& text, std::size_t characters) {
     return std::string_view(text).substr(Left(text, characters).size());
 }
 
-// An error page in place of the file has some text there too.
+// An error page instead of the file also has some text there.
 bool LooksLikeVersion(const std::string& text) {
     return !text.empty() && text.front() >= '0' && text.front() <= '9';
 }

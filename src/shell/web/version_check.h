@@ -1,4 +1,4 @@
-// Whether this is the newest version, by the version file of the website, and what the operator is told of it.
+// Checks whether this is the newest version, by the version file of the website, and reports the result to the operator.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace korvane {
 struct LatestVersion {
     bool isLatest = true;
     std::string strCurrent;
-    std::string strLatest;    ///< blank when the file names none
+    std::string strLatest;    ///< empty when the file contains none
     std::string strFeatures;  ///< the whole rest of the file, however long
 };
 
@@ -28,10 +28,10 @@ public:
     /// `version` is "major.minor.revision" of this program.
     VersionCheck(const Ports& ports, std::string version) : ports_(ports), version_(std::move(version)) {}
 
-    /// Versions are compared as text: "10.0.0" is older than "9.9.9". No answer counts as the latest version.
+    /// Versions are compared as text: "10.0.0" is older than "9.9.9". Without an answer this version counts as the latest.
     LatestVersion IsLatestVersion();
 
-    /// The check-for-version command: looks, and tells or asks. Does nothing while it is under way.
+    /// The command that checks for a new version: checks, and then reports or asks. Does nothing while it is already running.
     void CheckForVersion();
 
 private:

@@ -1,15 +1,14 @@
-// Every address on the web, and of mail, that the program speaks of. The host is reserved for documentation until there is a
-// real one.
+// Every web and mail address that the program uses. The host is reserved for documentation until there is a real one.
 #pragma once
 
 #include <string_view>
 
 namespace korvane {
 
-/// Where the pages of the product are, without a slash at the end.
+/// The folder of the product's pages, without a slash at the end.
 inline constexpr std::string_view kWebsite = "https://www.example.com";
 
-/// Asked for over plain HTTP, by its scheme.
+/// Requested over plain HTTP, as its scheme says.
 inline constexpr std::string_view kVersionFileAddress = "http://www.example.com/zshared/version.txt";
 inline constexpr std::string_view kDownloadPageAddress = "https://www.example.com/download.asp";
 inline constexpr std::string_view kInstallerAddress = "https://www.example.com/download/korvanecore.deb";
@@ -18,7 +17,7 @@ inline constexpr std::string_view kTellAFriendAddress = "https://www.example.com
 
 inline constexpr std::string_view kDatabaseHelpAddress = "https://www.example.com/korvane/database-help.htm";
 
-/// The mailbox of those who make this program.
+/// The mailbox of the program's makers.
 inline constexpr std::string_view kContactAddress = "korvane@example.com";
 
 }  // namespace korvane

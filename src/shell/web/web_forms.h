@@ -1,5 +1,5 @@
-// What the operator writes to the website, as addresses that the browser opens: feedback to its makers, and word of the program
-// to friends.
+// Texts that the operator sends to the website, as addresses that the browser opens: feedback to the program's makers, and
+// recommendations to friends.
 #pragma once
 
 #include <array>
@@ -10,14 +10,14 @@
 
 namespace korvane {
 
-/// For a feedback window that finds no browser.
+/// Shown by a feedback window that finds no browser.
 inline constexpr std::string_view kFeedbackNeedsBrowser =
     "We're sorry, but the Send Feedback function needs to open your browser to work properly.  "
     "However, your computer is not configured for a default browser.";
 inline constexpr std::string_view kFeedbackDisabled =
     "The Send Feedback function is disabled until you configure a default browser.";
 
-/// An address to open, or what to tell the operator instead; the other one is blank.
+/// An address to open, or a message for the operator instead; the other one is empty.
 struct WebForm {
     std::string refusal;
     std::string address;
@@ -27,11 +27,11 @@ struct Feedback {
     std::string email;
     std::string comment;
     std::string version;      ///< "major.minor.revision" of this program
-    std::string browserType;  ///< as WebPages::BrowserType says it
+    std::string browserType;  ///< as returned by WebPages::BrowserType
 };
 
 struct TellAFriend {
-    std::array<std::string, 3> emails;  ///< of friends; a blank one is left out of the checks
+    std::array<std::string, 3> emails;  ///< of friends; an empty one is not checked
     std::string fromEmail;
     std::string fromName;
     std::string message;

@@ -1,6 +1,6 @@
-// Room `web`: everything that goes to the website: help, version check, feedback.
+// Room `web`: everything that uses the website: help, version check, feedback.
 //
-// The pages of the website that commands lead to, and the browser that opens them.
+// The pages of the website that commands open, and the browser that shows them.
 #pragma once
 
 #include <functional>
@@ -12,10 +12,10 @@
 
 namespace korvane {
 
-/// By the command that leads there.
+/// Named after the command that opens the page.
 enum class WebPage { mnuHelpWeb, mnuHelpFeatures, mnuTerms, AboutLink, ServiceHelp, ShutdownHelp, RulesHelp };
 
-/// `uniqueid` is that of this installation; some of the pages are told it.
+/// `uniqueid` is that of this installation; some of the pages receive it.
 std::string AddressOf(WebPage page, const std::string& uniqueid);
 
 class WebPages {
@@ -26,29 +26,30 @@ public:
         IniFile& settingsFile;
     };
 
-    /// The help address is that of the help page at first.
+    /// The initial help address is that of the help page.
     explicit WebPages(const Ports& ports);
 
     const std::string& GetHelpURL() const { return helpUrl_; }
     void SetHelpURL(const std::string& text) { helpUrl_ = text; }
 
-    /// How frmHelp is shown. Without it the page is opened all the same.
+    /// How to show frmHelp. Without it the page is opened anyway.
     void OnShow(std::function<void()> frmHelp_Show) { frmHelp_Show_ = std::move(frmHelp_Show); }
 
-    /// Set the help address and show frmHelp, which opens it.
+    /// Both set the help address and show frmHelp, which opens it.
     void Show(WebPage page);
     void Show(const std::string& address);
 
-    /// Opens the help address, as frmHelp does when it loads. Whether a browser was started; if not, the operator has been told.
+    /// Opens the help address, as frmHelp does when it loads. Returns whether a browser was started; if not, the operator has
+    /// been notified.
     bool OpenHelpURL();
-    /// Opens any address, the same way but without the question whether there is a browser.
+    /// Opens any address in the same way, but without checking first whether there is a browser.
     bool OpenAddress(const std::string& address);
 
-    /// Whether the person at the desk has a browser. The first tells the operator when there is none.
+    /// Returns whether the user has a browser. The first one notifies the operator if there is none.
     bool TheirBrowser();
     bool TheirBrowser2();
     bool IsInternetExplorerBrowser();
-    /// The kind of browser, in the words of the feedback page.
+    /// Returns the kind of browser, in the words of the feedback page.
     std::string BrowserType();
 
 private:
