@@ -20,8 +20,8 @@
 namespace korvane {
 namespace {
 
-constexpr int kRuleCharacters = 100;  ///< across the window, where there is room
-constexpr int kFewest = 12;           ///< of a box
+constexpr int kRuleCharacters = 100;  ///< across the window, if there is room
+constexpr int kFewest = 12;           ///< in a box
 constexpr int kRuleHelpLines = 5;
 
 enum Column { kNumber, kSuccess, kCommand };
@@ -57,7 +57,7 @@ frmCommands::frmCommands(const Desk& desk, std::string connectionText, int listP
     Explain(rows_[0].txtSuccess);
 }
 
-// The focus still moves while the controls go, one after the other, and nobody is left to explain it.
+// Destroying the controls still moves the focus, and nothing is left to explain it.
 frmCommands::~frmCommands() {
     disconnect(qApp, nullptr, this, nullptr);
 }
@@ -131,7 +131,7 @@ void frmCommands::LoadRules() {
     }
 }
 
-// The message comes over the dialog, once that stands.
+// The message must appear over the dialog, so it is shown after the dialog.
 void frmCommands::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(found_, true)) return;

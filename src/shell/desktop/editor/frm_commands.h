@@ -1,4 +1,4 @@
-// The dialog of the texts that mean failure: ten rows of a search text and a command for one entry.
+// The dialog for the texts that mean failure: ten rows of a search text and a command for one entry.
 #pragma once
 
 #include <QDialog>
@@ -17,10 +17,10 @@ namespace korvane {
 
 class ReadingText;
 
-/// Shown with open(); deleted when it is closed. What it shows is saved by OK and by nothing else; when that fails it stays open.
+/// Shown with open(); deleted when it is closed. Only OK saves the content; when that fails the dialog stays open.
 class frmCommands : public QDialog {
 public:
-    /// `id` is the entry's. `listPosition` is kept for whoever asks. Reading the rules stands still for 100 ms for each of them.
+    /// `id` is the entry's. `listPosition` is only stored for callers. Reading the rules blocks for 100 ms per rule.
     frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent);
     ~frmCommands() override;
 

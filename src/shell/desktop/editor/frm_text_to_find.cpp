@@ -51,9 +51,9 @@ void frmTextToFind::AddHeading(QVBoxLayout& layout) {
     auto* heading = new QLabel(this);
     heading->setObjectName("lblHeading");
     heading->setTextFormat(Qt::PlainText);
-    heading->setText(QString(text).replace("&", "&&"));  // beside a buddy one alone would be a key
+    heading->setText(QString(text).replace("&", "&&"));  // in a label with a buddy a single "&" would define a key
     heading->setWordWrap(true);
-    heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // an address without a blank does not widen the dialog
+    heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // an address without a space must not widen the dialog
     heading->setBuddy(txtExpected_);
     txtExpected_->setAccessibleName(text);
     layout.addWidget(heading);
@@ -91,7 +91,7 @@ void frmTextToFind::cmdOk_Click() {
     accept();
 }
 
-// The test waits through the event pump: it is run once at a time, and this dialog and the editor may be gone when it returns.
+// The test waits through the event pump: only one runs at a time, and this dialog and the editor may be gone when it returns.
 void frmTextToFind::cmdTest_Click() {
     const QPointer<frmTextToFind> self = this;
     const auto test = editor_.cmdTestURL_Click;
@@ -101,7 +101,7 @@ void frmTextToFind::cmdTest_Click() {
     test();
     if (self == nullptr) return;
     cmdTest_->setEnabled(true);
-    if (hadFocus) cmdTest_->setFocus();  // it went away with the command
+    if (hadFocus) cmdTest_->setFocus();  // disabling the command moved it
 }
 
 }  // namespace korvane

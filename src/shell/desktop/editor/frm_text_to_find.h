@@ -1,5 +1,4 @@
-// The dialog for the text that must appear in the answer of a server. It works on the editor's own box, and can run the
-// editor's test.
+// The dialog for the text that must appear in a server's answer. It works on the editor's own box, and can run the editor's test.
 #pragma once
 
 #include <QDialog>
@@ -14,15 +13,15 @@ namespace korvane {
 
 class ReadingText;
 
-/// The editor, as far as this dialog knows it. All of it must be set.
+/// The parts of the editor that this dialog uses. All of it must be set.
 struct TextToFindEditor {
     std::function<std::string()> expectedText;
     std::function<void(const std::string&)> setExpectedText;
     std::function<std::string()> getURLText;
-    std::function<void()> cmdTestURL_Click;  ///< may wait through the event pump, and may see this dialog closed when it returns
+    std::function<void()> cmdTestURL_Click;  ///< may wait through the event pump; this dialog may be closed when it returns
 };
 
-/// Made with open(); deleted when it is closed. Nothing reaches the database before the editor saves.
+/// Shown with open(); deleted when it is closed. Nothing is written to the database before the editor saves.
 class frmTextToFind : public QDialog {
 public:
     frmTextToFind(TextToFindEditor editor, QWidget* parent);

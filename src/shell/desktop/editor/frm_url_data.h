@@ -1,7 +1,6 @@
 // Room `editor`: the editor of an entry and the dialogs that it opens.
 //
-// The editor of one server entry: six pages of inputs, a status line that explains them, and commands that try out what they
-// say.
+// The editor of one server entry: six pages of inputs, a status line that explains them, and commands that test their values.
 #pragma once
 
 #include <cstdint>
@@ -22,28 +21,27 @@ class EMailPage;
 class ScanTextPage;
 class ServerPage;
 
-/// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a test of its own
-/// waits: that test then ends without a word.
+/// Shown with open(); deleted when it is closed. It closes after a save and on cancel, even while a test of its own waits: that
+/// test then ends without a message.
 class frmURLData : public TabbedDialog {
 public:
-    /// Adds a row first if `isAddUrl`, and reads the row; `strID` names it otherwise. Shows a message when there is no such
+    /// First adds a row if `isAddUrl`, otherwise `strID` selects it; then reads the row. Shows a message when there is no such
     /// row. `saved` is called after a save, before the dialog closes.
     frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent);
 
-    /// Checks the server once with what is in the inputs and tells how it went. Does nothing while such a test is under way.
+    /// Checks the server once with the values in the inputs and reports the result. Does nothing while such a test is running.
     /// Waits through the event pump and shows messages: this dialog may be gone when it returns.
     void cmdTestURL_Click();
 
-    /// The server name as typed.
+    /// Returns the server name as typed.
     std::string getURLText() const;
-    /// 0 for a text that is no number in 16 bits.
+    /// Returns 0 for a text that is not a 16-bit number.
     std::int16_t GetAttempts() const;
 
     std::string ExpectedText() const;
     void SetExpectedText(const std::string& text);
 
-    /// Asks for a file and calls back with its path; never calls back when the operator thinks better of it. Tests put their
-    /// own in.
+    /// Asks for a file and calls back with its path; does not call back when the operator cancels. Tests replace it.
     std::function<void(const QString& title, std::function<void(const QString& path)> chosen)> askForFile;
 
 protected:
@@ -83,14 +81,14 @@ private:
     const Desk desk_;
     std::string strID_;
     std::function<void()> saved_;
-    bool loading_ = true;       ///< the reactions to changes do nothing
-    bool typeChanged_ = false;  ///< in the refill that follows a change of type
-    bool busyPointer_ = false;  ///< a test is under way; after one of no IPv4 address it stays
-    bool mailing_ = false;      ///< a test mail is under way
-    bool resetting_ = false;    ///< the history is being taken away, or asked about
+    bool loading_ = true;       ///< the handlers of changes do nothing
+    bool typeChanged_ = false;  ///< during the refill after a change of type
+    bool busyPointer_ = false;  ///< a test is running; stays set after a test without an IPv4 address
+    bool mailing_ = false;      ///< a test mail is being sent
+    bool resetting_ = false;    ///< the history is being deleted, or the question about it is open
     std::string savedExpectedText_;
     std::string savedLastResponse_;
-    QString savedCommand_;  ///< before the command to restart took its place
+    QString savedCommand_;  ///< the command before the restart command replaced it
     std::vector<EntryTypeTexts> types_;
 
     EntryInputs inputs_;

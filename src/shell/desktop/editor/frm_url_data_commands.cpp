@@ -1,4 +1,4 @@
-// The editor's commands that try out, show and reset, beside saving.
+// The editor's commands except saving: those that test, show and reset.
 #include <QCursor>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -72,7 +72,8 @@ void frmURLData::cmdTestURL_Click() {
     desk.conversation.Show();
     SetBusy(true);
     const auto result = RunEntryTest(desk, fields);
-    // Without a result the pointer stays busy: what is no address is mended first, and tested when the editor is opened again.
+    // Without a result the pointer stays busy: an invalid address must be corrected first, and can be tested when the editor is
+    // opened again.
     if (isGone()) return;
     if (!result) {
         ShowPageOf(server_->txtAddress_IP);
@@ -80,7 +81,7 @@ void frmURLData::cmdTestURL_Click() {
         return;
     }
     SetBusy(false);
-    if (hadFocus) cmdTestURL_->setFocus();  // it went away with the command
+    if (hadFocus) cmdTestURL_->setFocus();  // disabling the command moved it
     const TestVerdict verdict =
         JudgeEntryTest(fields, *result, [&, strID = strID_] { return FindUrlFailure(desk, result->response, strID); });
     SetStatus(verdict.text);
@@ -143,7 +144,7 @@ void frmURLData::AskForFile(const QString& title, const std::function<void(const
     dialog->setObjectName("fileDialog");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setOption(QFileDialog::DontUseNativeDialog);
-    // Not ExistingFile, which would add the extension to programs that have none.
+    // ExistingFile would add the extension to programs that have none.
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilter("*.* (*)");
     dialog->setOption(QFileDialog::HideNameFilterDetails);
@@ -167,7 +168,7 @@ void frmURLData::cmdLastResponse_Click() {
     desk_.conversation.setRequest("Server: " + getURLText() + "\r\n" + savedLastResponse_);
 }
 
-// Publishing lets events through: it is done once at a time.
+// Publishing delivers events, so only one reset runs at a time.
 void frmURLData::cmdReset_Click() {
     if (resetting_) return;
     resetting_ = true;

@@ -1,5 +1,5 @@
-// The boxes and marks of the server entry editor as one set: filled from the texts of an entry and read into them. The type is
-// no box.
+// The boxes and marks of the entry editor as one set: filled from the texts of an entry and read into them. The type is not a
+// box.
 #pragma once
 
 #include "shell/desktop/toolkit/form_inputs.h"

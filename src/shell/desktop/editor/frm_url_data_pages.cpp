@@ -43,7 +43,7 @@ DownTimesPage::DownTimesPage(EntryInputs& inputs, QWidget* parent) : QWidget(par
     layout->addSpacing(fontMetrics().height() / 2);
     auto* form = NewForm(this);
     layout->addLayout(form);
-    // The boxes are made in the order in which the keyboard goes through them.
+    // The boxes are created in the order of keyboard navigation.
     const auto add = [&](const QString& label, const char* labelName, QLineEdit* time, QLineEdit* minutes) {
         KeepShort(*time);
         KeepShort(*minutes);

@@ -1,4 +1,4 @@
-// The pages of the server entry editor behind the first: mail, daily pauses, log-in, texts that mean failure, and commands.
+// The pages of the entry editor after the first: mail, daily pauses, log-in, texts that mean failure, and commands.
 #pragma once
 
 #include <QWidget>

@@ -19,16 +19,16 @@ namespace {
 constexpr int kTypesAtOnce = 20;  // in the open list: all of them
 constexpr int kAddressCharacters = 52;
 
-/// Type and expected text change their labels: the widest of them keeps the boxes where they are.
+/// Type and expected text change their labels: reserving the widest label keeps the boxes in place.
 void KeepWidthOf(QLabel& label, const QString& widest) {
     label.setMinimumWidth(label.fontMetrics().horizontalAdvance(widest));
 }
 
-// Letters that no other control of this page has. The labels change with the type, and each has one of them.
+// Letters that no other control of this page uses. The labels change with the type, and each contains one of them.
 constexpr const char* kAddressKeys = "WN";
 constexpr const char* kExpectedKeys = "E";
 
-/// The first of the keys that is in the label becomes its key.
+/// The first of these letters that the label contains becomes its key.
 QString WithKey(QString label, const char* keys) {
     for (const char* key = keys; *key != '\0'; ++key) {
         const auto at = label.indexOf(QLatin1Char(*key), 0, Qt::CaseInsensitive);
@@ -58,7 +58,7 @@ void ServerPage::AddIdentity(EntryInputs& inputs) {
     cmbType->setAccessibleName("Server type");
     cmbType->setMaxVisibleItems(kTypesAtOnce);
     cmbType->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    cmbType->setFocusPolicy(Qt::StrongFocus);  // not by the wheel
+    cmbType->setFocusPolicy(Qt::StrongFocus);  // not by the mouse wheel
     QWidget* const ckIsMonitoring = inputs.AddMark(&EntryFields::bIsMonitoring, "ckIsMonitoring", "&Monitor this server", this);
     auto* typeRow = NewRow({cmbType});
     typeRow->addStretch();
@@ -110,7 +110,7 @@ void ServerPage::AddExpectedText(EntryInputs& inputs) {
     cmdTextToFind->setObjectName("cmdTextToFind");
     cmdTextToFind->setAccessibleName("Edit the expected text");
     cmdTextToFind->setText("...");
-    cmdTextToFind->setShortcut(QKeySequence("Alt+X"));  // there is no letter in its text to underline
+    cmdTextToFind->setShortcut(QKeySequence("Alt+X"));  // no letter in its text can be underlined
     cmdTextToFind->setToolTip("Edit the expected text (Alt+X)");
     cmdTextToFind->setFocusPolicy(Qt::StrongFocus);
     lblExpected =

@@ -17,7 +17,7 @@ class ServerPage : public QWidget {
 public:
     ServerPage(EntryInputs& inputs, QWidget* parent);
 
-    /// Shows and enables what this type allows.
+    /// Shows and enables the inputs that this type allows.
     void SetScreen(const EntryTypeScreen& screen);
 
     QComboBox* cmbType = nullptr;

@@ -1,4 +1,4 @@
-// What the editor does as its inputs change or get the focus.
+// The editor's reactions to changes of its inputs and to the focus.
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
@@ -37,7 +37,7 @@ void frmURLData::ConnectTyping() {
         onChange(box, [this] { SetStatus(ExplainDownTime(Read().strDownTime1, Read().nDownDuration1)); });
     for (QLineEdit* box : {inputs_.Box(&EntryFields::strDownTime2), inputs_.Box(&EntryFields::nDownDuration2)})
         onChange(box, [this] { SetStatus(ExplainDownTime(Read().strDownTime2, Read().nDownDuration2)); });
-    // The label belongs to the number as it is, also while it is being loaded.
+    // The label must match the number even while it is being loaded.
     connect(server_->txtIntervalSeconds, &QLineEdit::textChanged, this,
             [this](const QString& seconds) { server_->lblInterval->setText(Q(IntervalInMinutes(S(seconds)))); });
     connect(server_->cmbType, &QComboBox::currentIndexChanged, this, [this] {
@@ -67,7 +67,7 @@ void frmURLData::TimeoutChanged() {
     if (!mended) return;
     const QSignalBlocker quiet(box);
     box.setText(Q(*mended));
-    box.selectAll();  // what is typed next takes its place
+    box.selectAll();  // the next typed text replaces it
 }
 
 void frmURLData::TypeChanged() {
@@ -111,7 +111,7 @@ bool frmURLData::ExplainFixedBox(const QObject* label) {
 
 bool frmURLData::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonRelease && ExplainFixedBox(watched)) return true;
-    // The wheel is for scrolling past; a type changed by it goes unnoticed.
+    // The wheel is for scrolling past; a type changed by it would go unnoticed.
     if (event->type() == QEvent::Wheel && watched == server_->cmbType && !server_->cmbType->hasFocus()) return true;
     return TabbedDialog::eventFilter(watched, event);
 }

@@ -14,8 +14,7 @@ struct Place {
 };
 using Places = std::initializer_list<Place>;
 
-/// A sheet of 16 by 16 with a pen. A place is where the middle of a line goes: it is moved so that the edges of the line
-/// lie between pixels.
+/// A sheet of 16 by 16 with a pen. A place is the middle of a line: it is moved so that the edges of the line lie between pixels.
 class Sheet {
 public:
     Sheet(QPainter& painter, int side, const QColor& ink)
@@ -28,7 +27,7 @@ public:
     void Shape(Places places) { painter_.drawPolygon(Polygon(places)); }
     void Box(Place from, Place to) { painter_.drawRect(QRectF(At(from), At(to))); }
 
-    /// As Shape, all of it inked.
+    /// Like Shape, but filled.
     void Solid(Places places) {
         painter_.setBrush(ink_);
         Shape(places);
@@ -37,7 +36,7 @@ public:
 
     void Circle(Place centre, double radius) { painter_.drawEllipse(At(centre), radius * unit_, radius * unit_); }
 
-    /// Two bows between the places, as an eye is.
+    /// Draws two arcs between the places, like an eye.
     void Lens(Place from, Place to, double bend) {
         const QPointF left = At(from), right = At(to);
         const QPointF bow(0, bend * unit_), third((right.x() - left.x()) / 3.4, 0);

@@ -1,4 +1,4 @@
-// How the pictures of commands are drawn: lines of one width, which lie on whole pixels wherever they are straight.
+// Draws the pictures of commands: lines of one width, aligned to whole pixels wherever they are straight.
 #pragma once
 
 #include <QColor>

@@ -15,14 +15,14 @@
 namespace korvane {
 namespace {
 
-/// Draws one picture into a square of this many pixels of the device, its corner at 0, 0.
+/// Draws one picture into a square of this many device pixels, with its corner at 0, 0.
 using DrawPicture = std::function<void(QPainter& painter, int side, QIcon::Mode mode)>;
 
 class DrawnIcon : public QIconEngine {
 public:
     explicit DrawnIcon(DrawPicture draw) : draw_(std::move(draw)) {}
 
-    // In whole pixels of the device, wherever the painter's scale puts the rectangle.
+    // Paints in whole device pixels, wherever the painter's scale puts the rectangle.
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/) override {
         const QRectF device = painter->deviceTransform().mapRect(QRectF(rect));
         const int side = static_cast<int>(std::lround(std::min(device.width(), device.height())));
@@ -60,7 +60,7 @@ QIcon Drawn(DrawPicture draw) {
     return QIcon(new DrawnIcon(std::move(draw)));
 }
 
-/// On a pixmap of its own, since parts of a picture overlap.
+/// Draws on a separate pixmap, since parts of a picture overlap.
 QPixmap Whole(int side, const std::function<void(QPainter& painter, int side)>& draw) {
     QPixmap whole(side, side);
     whole.fill(Qt::transparent);
@@ -77,7 +77,7 @@ QPixmap Tinted(QPixmap shape, const QColor& colour) {
     return shape;
 }
 
-/// So that the picture stands off a selection of its own colour.
+/// Separates the picture from a selection of the same colour.
 void DrawSeam(QPainter& painter, const QPixmap& seam) {
     const int width = std::max(1, seam.width() / 20);
     for (const int x : {-width, 0, width})
@@ -87,8 +87,8 @@ void DrawSeam(QPainter& painter, const QPixmap& seam) {
 
 enum class Kind { Filled, Lines };
 
-/// A coloured picture keeps its meaning where it is disabled, only paler. In a selection a filled one has a seam, and
-/// lines are in the colour of its text.
+/// A disabled coloured picture keeps its colours, only paler. In a selection a filled picture has a seam, and lines have the
+/// colour of the text.
 DrawPicture Coloured(std::function<void(QPainter& painter, int side)> draw, Kind kind = Kind::Filled) {
     return [draw = std::move(draw), kind](QPainter& painter, int side, QIcon::Mode mode) {
         if (mode == QIcon::Disabled) {

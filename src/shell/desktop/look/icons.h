@@ -1,5 +1,5 @@
-// The one family of pictures of the windows, drawn at the size that is asked for, on a screen of any resolution. They
-// are cousins of the pictures in the reports.
+// The pictures of the windows, in one common design, drawn at the requested size for any screen resolution. They resemble the
+// pictures in the reports.
 #pragma once
 
 #include <QIcon>
@@ -9,7 +9,7 @@
 
 namespace korvane {
 
-/// The pictures of commands: lines in the text colour of the application's palette, followed when that changes.
+/// The pictures of commands: lines in the text colour of the application's palette, which they follow when it changes.
 enum class CommandPicture {
     Start,
     Stop,
@@ -31,13 +31,13 @@ enum class CommandPicture {
     Hide
 };
 
-/// The state of an entry, told by its shape as well as by its colour.
+/// Returns the picture of an entry's state, which shape and colour both show.
 QIcon StateIcon(RowIcon icon);
 
-/// The program's emblem in the colour of the state with a badge of the state's shape, outlined for panels of any colour.
+/// Returns the program's emblem in the colour of the state with a badge of the state's shape, outlined for panels of any colour.
 QIcon TrayIcon(TrayPicture picture);
 
-/// The emblem for the windows: green while monitoring is on.
+/// Returns the emblem for the windows: green while monitoring is on.
 QIcon ProgramIcon(bool on);
 
 QIcon CommandIcon(CommandPicture picture);

@@ -1,5 +1,5 @@
-// The style of the windows: that of the desktop, with an outline around check boxes and radio buttons where its own can't be seen
-// on a dark ground.
+// The style of the windows: the desktop's style, with an outline around check boxes and radio buttons where theirs is invisible
+// on a dark background.
 #pragma once
 
 #include <QProxyStyle>
@@ -8,7 +8,7 @@ namespace korvane {
 
 class MarkStyle : public QProxyStyle {
 public:
-    /// Over the style that the application has now.
+    /// Wraps the application's current style.
     MarkStyle();
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

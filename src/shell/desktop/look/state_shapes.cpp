@@ -9,7 +9,7 @@
 namespace korvane {
 namespace {
 
-// The colours of the pictures in the reports: middle tones, which stand off white and dark alike.
+// The colours of the pictures in the reports: middle tones, visible on both white and dark backgrounds.
 const QColor kUp(0x1f, 0x9a, 0x58);
 const QColor kDown(0xd4, 0x3c, 0x3c);
 const QColor kFailing(0xed, 0xa2, 0x11);
@@ -19,7 +19,7 @@ const QColor kInactive(0x83, 0x8c, 0x98);
 const QColor kCurrent(0x22, 0x92, 0x9b);
 const QColor kGlyph(0xff, 0xff, 0xff);
 
-/// Shapes are given on a sheet of 32 by 32.
+/// Coordinates of shapes refer to a sheet of 32 by 32.
 constexpr double kSheet = 32;
 
 QPen Line(const QColor& colour, double width) {
@@ -37,7 +37,7 @@ QPainterPath Octagon() {
     return Closed({{10, 1}, {22, 1}, {31, 10}, {31, 22}, {22, 31}, {10, 31}, {1, 22}, {1, 10}});
 }
 
-/// With its corners rounded by a pen of 4.
+/// A pen of width 4 rounds its corners.
 QPainterPath Triangle() {
     return Closed({{16, 4}, {28.7, 28}, {3.3, 28}});
 }
@@ -100,7 +100,7 @@ void DownTimeShape(QPainter& painter) {
     DrawBars(painter, kGlyph);
 }
 
-/// Nearly half a round with an arrow head at its end.
+/// Draws almost half a circle with an arrow head at its end.
 void DrawTurn(QPainter& painter) {
     painter.setPen(QPen(kCurrent, 4.5, Qt::SolidLine, Qt::FlatCap));
     painter.setBrush(Qt::NoBrush);
@@ -117,12 +117,12 @@ void Current(QPainter& painter) {
     DrawTurn(painter);
 }
 
-/// How far the emblem's tile is from the edge: room for its outline, in whole pixels.
+/// Returns the distance of the emblem's tile from the edge: space for its outline, in whole pixels.
 int Outline(int side) {
     return std::max(1, side / 24);
 }
 
-/// A tile with the line of a pulse, or with another sign.
+/// Draws a tile with a pulse line or another sign.
 void DrawTile(QPainter& painter, int side, const QColor& colour, const std::function<void(QPainter& painter)>& sign) {
     const double edge = Outline(side);
     const double corner = side * 0.2;
@@ -160,7 +160,7 @@ QColor ColourOf(TrayPicture picture) {
     }
 }
 
-/// The shape of the state in white, kept apart from what is below it, with its sign in it.
+/// Draws the shape of the state in white, separated from the picture below it, with its sign inside.
 void DrawBadge(QPainter& painter, const QColor& tile, bool warning) {
     constexpr double kApart = 7;
     const double rounding = warning ? 4 : 0;

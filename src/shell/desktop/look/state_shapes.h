@@ -1,5 +1,5 @@
-// How the coloured pictures are drawn: the states of entries, and the program's emblem. Each fills a square of `side`
-// pixels with its corner at 0, 0.
+// Draws the coloured pictures: the states of entries, and the program's emblem. Each fills a square of `side` pixels with its
+// corner at 0, 0.
 #pragma once
 
 #include <QPainter>

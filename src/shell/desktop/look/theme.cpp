@@ -26,23 +26,23 @@ bool IsDark(const QPalette& palette) {
 
 void SetDark(bool dark) {
     if (dark == IsDark(QApplication::palette())) return;
-    QApplication::setPalette(dark ? DarkPalette() : QPalette());  // an empty one is the style's own
+    QApplication::setPalette(dark ? DarkPalette() : QPalette());  // an empty palette stands for the style's own
 }
 
-/// Whether the choice is still open. GTK_THEME overrules the desktop's own, as it does for the desktop's programs.
+/// Returns whether the choice is still open. GTK_THEME overrides the desktop's choice, as it does for the desktop's own programs.
 bool IsOpen() {
     const QString named = qEnvironmentVariable("GTK_THEME");
     if (named.endsWith(":dark")) SetDark(true);
     return named.isEmpty() && !IsDark(QApplication::palette());
 }
 
-/// Whether a session bus is told of. Without this the D-Bus library would start one, and hold up the start for it.
+/// Returns whether a session bus is known. Without this check the D-Bus library would start one, which delays the start.
 bool HasSessionBus() {
     return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
            QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
 }
 
-/// The portal wraps the value in one variant more than its description says.
+/// The portal wraps the value in one more variant than documented.
 QVariant Unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
@@ -51,7 +51,7 @@ QVariant Unwrapped(QVariant value) {
 
 }  // namespace
 
-/// A change makes the portal be read again, so that what is told and what is asked take one way.
+/// Every change signal causes a new read of the portal, so that signals and answers are handled in the same way.
 class DesktopTheme::Portal {
 public:
     explicit Portal(const QDBusConnection& bus) : bus_(bus) {

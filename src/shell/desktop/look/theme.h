@@ -1,7 +1,7 @@
 // Room `look`: pictures, colours and styles.
 //
-// Light or dark, as the desktop is: where Qt's own platform theme does not see to it, the desktop's settings portal is
-// asked and listened to.
+// Follows the desktop's choice of light or dark: if Qt's own platform theme does not handle it, this reads and watches the
+// desktop's settings portal.
 #pragma once
 
 #include <QPalette>
@@ -13,11 +13,11 @@ namespace korvane {
 
 class DesktopTheme {
 public:
-    /// Of the application that there is. Does not wait: where the desktop answers, the palette of the application changes
-    /// then, and again with each change of the desktop's choice. Nothing happens where Qt already has a dark palette.
-    /// A theme that GTK_THEME names is taken as it is.
+    /// Concerns the current application. Does not wait: the application's palette changes when the desktop answers, and again
+    /// with each change of the desktop's choice. Does nothing if Qt already has a dark palette. A theme named by GTK_THEME stays
+    /// unchanged.
     DesktopTheme();
-    /// As above, on a bus of the caller's.
+    /// The same, on the caller's bus.
     explicit DesktopTheme(const QDBusConnection& bus);
     ~DesktopTheme();
     DesktopTheme(const DesktopTheme&) = delete;

@@ -65,7 +65,7 @@ int frmMonitor::ScreenWidth() const {
     return screen()->availableGeometry().width() * kTwipsAPixel;
 }
 
-// What a maximised window goes back to; a size that fills this screen would be wrong on the next.
+// Uses the size that a maximised window returns to; a size that fills this screen would be wrong on the next one.
 int frmMonitor::Width() const {
     return width_.Twips(isMaximized() ? normalGeometry().width() : width());
 }
@@ -79,7 +79,7 @@ int frmMonitor::SavedLength::Twips(int pixelsNow) const {
     return pixelsNow == pixels ? twips : pixelsNow * kTwipsAPixel;
 }
 
-// Settings may come from a larger screen, or from anywhere. The frame has to find room too.
+// The settings may come from a larger screen, or contain anything. The window frame needs space too.
 void frmMonitor::SetWidth(int twips) {
     resize(std::min(twips / kTwipsAPixel, screen()->availableGeometry().width() - 2 * kPlace.x()), height());
     width_ = {std::max(twips, kLeastWidth), width()};
@@ -106,14 +106,14 @@ void frmMonitor::Place(bool shown) {
     placed_ = true;
     const bool outOfSight = !shown || hiddenAtStart_;
     if (outOfSight && MonitorTray::Available()) return HideOrIconify();
-    // Without an icon a start out of sight would look like no start at all: not every desktop has a task bar either.
+    // Without an icon, a hidden start would look like no start at all, since some desktops have no task bar either.
     run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
     show();
 }
 
 void frmMonitor::MinimizeToTray() {
     run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "True");
-    hiddenAtStart_ = !placed_;  // the start has not given it its size yet; nobody has seen it either
+    hiddenAtStart_ = !placed_;  // the start has not set its size yet, and nobody has seen it
     if (hiddenAtStart_) return;
     RememberColumns();
     HideOrIconify();
@@ -135,10 +135,10 @@ void frmMonitor::mnuTraySettings_Click() {
     welcomed_ = false;
     showNormal();
     SetWindowToFrontForeground();
-    if (!welcomed_) WelcomeBack();  // out of the task bar it has been already
+    if (!welcomed_) WelcomeBack();  // when it left the task bar, this was done already
 }
 
-// The keys belong to the dialog that stands over the window.
+// The keyboard stays with the dialog over the window, if there is one.
 void frmMonitor::SetWindowToFrontForeground() {
     raise();
     QWidget* const dialog = QApplication::activeModalWidget();
@@ -157,7 +157,7 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
     if (run_ != nullptr) MinimizeToTray();
 }
 
-// Somebody has taken the window out of the task bar.
+// The operator has restored the window from the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
@@ -172,7 +172,7 @@ void frmMonitor::resizeEvent(QResizeEvent* event) {
     Form_Resize();
 }
 
-// As many rows as there are entries and one more, as far as the window has room for them; the status log has the rest.
+// The list has room for one row more than there are entries, as far as the window allows; the status log gets the rest.
 void frmMonitor::Form_Resize() {
     const int hint = ListView1->sizeHintForRow(0);
     const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
@@ -184,7 +184,8 @@ void frmMonitor::RememberColumns() {
     columns_->Remember(run_->TheDesk().settingsFile);
 }
 
-// The keyboard comes back to the list from a window that the operator has left; one that its mark has closed did not have it.
+// The keyboard returns to the list when the operator has closed a resource window in that window; a window closed by its mark did
+// not have it.
 void frmMonitor::ResourceWindowHidden(ResourceMonitor monitor) {
     QCheckBox& mark = *ckResources_[static_cast<std::size_t>(monitor)];
     const bool left = mark.isChecked();
@@ -196,7 +197,7 @@ void frmMonitor::ResourceWindowHidden(ResourceMonitor monitor) {
 
 // The desktop may lose the icon, or its notification area with all icons: then the window must be reachable in the task bar.
 void frmMonitor::Timer3_Timer() {
-    if (run_->Loading()) return;  // nothing is ours to show before the start is through
+    if (run_->Loading()) return;  // nothing may be shown before the start is complete
     Timer3_->SetInterval(kTimer3Interval);
     if (!monitoring_) SetTray(TrayPicture::Off, kPausedTip);
     if (!MonitorTray::Available()) {

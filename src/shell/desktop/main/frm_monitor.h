@@ -1,7 +1,7 @@
 // Room `main`: the main window with its list, menus and tray icon.
 //
 // The main window: the list of all entries, the status log, start and stop, and every command, by button, menu, key and tray
-// icon. It shows what the rooms below tell it as their Operator, and hands them what the person at the desk wants; it decides
+// icon. As the Operator of the lower rooms it shows what they report, and it passes the user's commands to them; it decides
 // nothing itself.
 #pragma once
 
@@ -39,22 +39,22 @@ class Run;
 
 class frmMonitor : public QMainWindow, public Operator, public MonitorWindow {
 public:
-    /// `timers` gives `Timer3` and `Timer4`. The window does nothing before Attach.
+    /// `timers` provides `Timer3` and `Timer4`. The window does nothing before Attach.
     explicit frmMonitor(Timers& timers);
     ~frmMonitor() override;
 
-    /// The run that this window shows and commands; `exit` ends the process. Before the run's StartUp. The run must outlive
-    /// this window's events.
+    /// Sets the run that this window shows and controls; `exit` ends the process. Must be called before the run's StartUp. The
+    /// run must outlive this window's events.
     void Attach(Run& run, std::function<void()> exit);
 
     /// For the Ports of the run.
     ConversationWindow& Conversation() { return conversation_; }
     MailTrace& Mail() { return mailTrace_; }
 
-    /// The process is about to end: the columns are stored, the tray icon is taken away.
+    /// Called before the process ends: stores the columns and removes the tray icon.
     void BeforeExit();
 
-    // The person at the desk.
+    // Implementation of Operator.
     bool WindowVisible() const override;
     void StatusLine(const std::string& time, const std::string& text) override;
     void ClearStatus() override { txtStatus->clear(); }
@@ -75,7 +75,7 @@ public:
     void Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
              const std::function<void()>& no) override;
 
-    // The window of start-up and of the settings.
+    // Implementation of MonitorWindow, for start-up and the settings.
     bool HasWindow() const override { return true; }
     int ScreenWidth() const override;
     int Width() const override;
@@ -100,7 +100,7 @@ public:
     void SetIsAddUrl(bool isAddUrl) { isAddUrl_ = isAddUrl; }
     bool IsAddUrl() const { return isAddUrl_; }
 
-    // What the person sees.
+    // Widgets.
     QTreeView* ListView1;
     StatusBox* txtStatus;
     QLabel* lblServers;
@@ -120,7 +120,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// A width or height of the settings file, and the pixels that it became: on a small screen fewer.
+    /// A width or height in the settings file, and the pixels that it became: fewer on a small screen.
     struct SavedLength {
         int twips = 0;
         int pixels = -1;

@@ -1,4 +1,4 @@
-// The main window's commands on entries: the selected row, the editor over it, and the row that is selected behind them.
+// The main window's commands on entries: the selected row, its editor, and the row that is selected afterwards.
 #include <QClipboard>
 #include <QGuiApplication>
 #include <algorithm>
@@ -25,8 +25,8 @@ void frmMonitor::cmdEditURL_Click() {
     OpenEditor(false, id);
 }
 
-// One editor at a time: the commands are out of reach while it is open, but the tray menu and keys that are already on their
-// way are not.
+// Only one editor at a time: while it is open the commands are disabled, but the tray menu and key events that were already
+// queued are not.
 void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     if (editor_ != nullptr) return;
     SetIsAddUrl(isAddUrl);
@@ -51,7 +51,8 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     editor->open();
 }
 
-// Stopping makes the list anew, perhaps in another order, so the entry is looked for again; when it has gone the row has another.
+// Stopping rebuilds the list, perhaps in another order, so the entry is searched again; if it is gone, its row now belongs to
+// another entry.
 void frmMonitor::cmdDeleteURL_Click() {
     const int row = ListView1->currentIndex().row();
     const std::string id = SelectedId();
@@ -67,7 +68,7 @@ void frmMonitor::cmdCopyPaste_Click() {
     if (!copy.empty()) SelectEntry(copy);
 }
 
-// As the list shows it, for a mail or a spreadsheet.
+// Copies the row as the list shows it, for a mail or a spreadsheet.
 void frmMonitor::CopyRowText() {
     QStringList cells;
     for (int column = 0; column < column::Count; ++column)

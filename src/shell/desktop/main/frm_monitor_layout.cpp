@@ -1,4 +1,4 @@
-// How the main window is put together; what it does is in frm_monitor.cpp.
+// The layout of the main window; its behaviour is in frm_monitor.cpp.
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -20,7 +20,7 @@
 namespace korvane {
 namespace {
 
-/// What a new window has: room for some entries and the status log.
+/// Size of a new window: room for some entries and the status log.
 constexpr QSize kFirstSize{980, 640};
 /// 3310 and 5030 twips.
 constexpr QSize kLeastSize{221, 336};
@@ -32,7 +32,7 @@ Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
     return widget;
 }
 
-/// In a narrow window the captions give way; the pictures and the tips remain.
+/// In a narrow window the captions disappear; the pictures and the tool tips remain.
 class CommandButton : public QPushButton {
 public:
     using QPushButton::QPushButton;
@@ -47,7 +47,7 @@ protected:
     }
 };
 
-// What stands beside it stays where it is while this is hidden.
+// While the widget is hidden, its neighbours stay in place.
 void KeepPlace(QWidget& widget) {
     QSizePolicy stays = widget.sizePolicy();
     stays.setRetainSizeWhenHidden(true);
@@ -91,7 +91,7 @@ void frmMonitor::BuildList() {
     header.setSectionsClickable(true);
     header.setStretchLastSection(true);
     header.setSectionsMovable(false);
-    // No column is the key of the order until somebody clicks one: the entry that is due next stands on top.
+    // No column determines the order until the operator clicks one: the entry that is due next is at the top.
     header.setSortIndicator(-1, Qt::AscendingOrder);
     ListView1->setSortingEnabled(true);
     ListView1->setItemDelegate(new CutCellTips(ListView1));
@@ -145,7 +145,7 @@ QLayout* frmMonitor::BuildButtons() {
     return row;
 }
 
-// Both texts give way to the window's width: a long tip must not make it wider.
+// Both texts adapt to the window's width: a long one must not make it wider.
 QLayout* frmMonitor::BuildProgress() {
     auto* row = new QHBoxLayout;
     lblCount = Named(new QLabel, "lblCount", "State of the cycle");
@@ -175,7 +175,7 @@ void frmMonitor::BuildStatusBar() {
     statusBar()->addPermanentWidget(lblTime);
 }
 
-// A mark for each window on this machine's own resources: set while it is seen.
+// One mark for each window on this machine's own resources, set while that window is visible.
 QWidget* frmMonitor::ResourceMarks() {
     auto* marks = new QWidget(this);
     auto* row = new QHBoxLayout(marks);
@@ -262,7 +262,7 @@ void frmMonitor::BuildMenus() {
 }
 
 void frmMonitor::BuildTray() {
-    const auto tell = [this] { tray_->SetMonitoring(monitoring_); };  // a click has turned the mark, whatever came of it
+    const auto tell = [this] { tray_->SetMonitoring(monitoring_); };  // a click toggles the mark, whatever the outcome
     tray_ = std::make_unique<MonitorTray>(MonitorTray::Commands{
         .mnuTraySettings = [this] { mnuTraySettings_Click(); },
         .mnuTrayOn =
@@ -284,7 +284,7 @@ void frmMonitor::BuildTray() {
     });
 }
 
-// Hidden from the eye alone: the place, the focus and the key stay.
+// Only invisible: its place, the focus and the key remain.
 void frmMonitor::ShowStopStart(bool shown) {
     const bool isShown = cmdStopStart->graphicsEffect() == nullptr;
     if (shown == isShown) return;

@@ -1,4 +1,4 @@
-// What the main window shows and asks for the rooms below it.
+// What the main window shows and asks on behalf of the lower rooms.
 #include <QApplication>
 #include <algorithm>
 
@@ -12,7 +12,7 @@
 
 namespace korvane {
 
-// A window in the task bar is as far out of sight as one in the tray.
+// A minimised window is as invisible as one in the tray.
 bool frmMonitor::WindowVisible() const {
     return isVisible() && !isMinimized();
 }
@@ -75,7 +75,7 @@ void frmMonitor::RefreshURLList() {
     std::vector<ServerRow> rows;
     try {
         rows = LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), run_->Requesting());
-    } catch (const std::exception& error) {  // what was shown stays until the store can be read again
+    } catch (const std::exception& error) {  // the current rows stay until the store can be read again
         desk.log.WriteLog(kLogFatal, kLogError, "RefreshURLList: " + std::string(error.what()));
         desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
         return;
@@ -88,10 +88,10 @@ void frmMonitor::RefreshURLList() {
         Form_Resize();
         columns_->Fit();
     }
-    if (before == 0) SelectRow(0);  // the keys have something to begin with
+    if (before == 0) SelectRow(0);  // so that the keyboard has a row to start from
 }
 
-// Over this window alone: dialogs stay as they are while a check runs behind them.
+// Only over this window: dialogs stay unchanged while a check runs in the background.
 void frmMonitor::SetWaitCursor(bool wait) {
     if (wait) {
         setCursor(Qt::BusyCursor);
@@ -100,10 +100,10 @@ void frmMonitor::SetWaitCursor(bool wait) {
     }
 }
 
-// A window that nobody sees would take its messages along.
+// A hidden window would hide its messages too.
 QWidget* frmMonitor::MessageParent() const {
     if (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr) return dialog;
-    // What a window beside this one has led to is told over it, and the keyboard comes back to it.
+    // A message caused by another window appears over that window, and the keyboard returns to it.
     if (auto* const form = dynamic_cast<ResourceForm*>(QApplication::activeWindow()); form != nullptr) return form;
     return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
 }

@@ -19,14 +19,14 @@ constexpr std::string_view kWidthsKey = "ListColumns";
 constexpr std::string_view kOrderKey = "ListOrder";
 constexpr int kWidest = 2000;
 
-/// What a column whose text changes by itself always has room for, so that it need not grow later.
+/// Space reserved in columns whose text changes by itself, so that they need not grow later.
 constexpr const char* kUsualTexts[column::Count] = {
     "", "", "", "Requesting...", "59 secs. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
 
-/// The texts of the operator share the room that the other columns leave.
+/// The operator's texts share the space that the other columns leave.
 constexpr int kSharing[] = {column::Group, column::ScanText, column::ShortName, column::FullName};
 constexpr int kLeastCharacters = 6;
-/// Of the last column, which has the rest.
+/// Of the last column, which gets the remaining width.
 constexpr int kReasonCharacters = 32;
 
 std::string Joined(const std::vector<int>& numbers) {
@@ -36,7 +36,7 @@ std::string Joined(const std::vector<int>& numbers) {
     return text;
 }
 
-/// The whole numbers between commas; empty unless there are `count` of them.
+/// Returns the whole numbers between commas; empty unless there are `count` of them.
 std::vector<int> Numbers(const std::string& text, std::size_t count) {
     std::vector<int> numbers;
     IgnoreErrors([&] {
@@ -82,7 +82,7 @@ void ListColumns::Share() {
     if (Chosen()) return;
     const int character = list_.fontMetrics().averageCharWidth();
     int room = list_.viewport()->width() - kReasonCharacters * character;
-    std::vector<std::pair<int, int>> sharing;  // need and column
+    std::vector<std::pair<int, int>> sharing;  // required width and column
     for (int column = 0; column < column::LastResponse; ++column) {
         const int need = needs_[static_cast<std::size_t>(column)];
         if (std::find(std::begin(kSharing), std::end(kSharing), column) != std::end(kSharing)) {
@@ -92,7 +92,7 @@ void ListColumns::Share() {
             room -= need;
         }
     }
-    // Who needs less than an even share leaves the rest to the others.
+    // Columns that need less than an equal share leave the rest to the others.
     std::sort(sharing.begin(), sharing.end());
     for (auto left = static_cast<int>(sharing.size()); const auto& [need, column] : sharing) {
         const int width = std::clamp(room / left--, kLeastCharacters * character, std::max(need, kLeastCharacters * character));

@@ -1,5 +1,5 @@
-// The columns of the main window's list: as wide as what stands in them until the operator draws one to another width. Widths
-// and the column of the order come back after a restart.
+// The columns of the main window's list: as wide as their content until the operator changes the width. Widths and the sort
+// column are restored after a restart.
 #pragma once
 
 #include <QObject>
@@ -13,14 +13,14 @@ namespace korvane {
 
 class ListColumns : public QObject {
 public:
-    /// `list` must outlive this; it has its model already.
+    /// `list` must outlive this and must already have its model.
     ListColumns(QTreeView& list, QObject* parent);
 
-    /// After rows have come, gone or got other texts. A change of the list's own width is followed without it.
+    /// To be called after rows were added, removed or changed. A change of the list's own width is handled automatically.
     void Fit();
 
     void Restore(IniFile& file);
-    /// Writes only what the operator has changed.
+    /// Writes only the operator's changes.
     void Remember(IniFile& file);
 
 protected:

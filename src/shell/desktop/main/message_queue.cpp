@@ -17,7 +17,7 @@ void MessageQueue::ShowNext() {
     shown_->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(shown_, &QDialog::finished, &context_,
                      [closed = std::move(next.closed)](int result) { closed(result == QDialog::Accepted); });
-    // Also when it goes with its parent.
+    // This also happens when its parent destroys it.
     QObject::connect(shown_, &QObject::destroyed, &context_,
                      [this] { QTimer::singleShot(0, &context_, [this] { ShowNext(); }); });
     shown_->show();

@@ -1,4 +1,4 @@
-// Messages and questions that wait for nobody: each is shown when the one before it is closed, and everything else goes on
+// Messages and questions that block nothing: each is shown when the previous one is closed, and everything else continues
 // meanwhile.
 #pragma once
 
@@ -22,18 +22,17 @@ public:
         std::function<void(bool accepted)> closed = [](bool) {};
     };
 
-    /// `parent` gives the window over which a message is shown at that moment; null is allowed.
+    /// `parent` returns the window over which to show a message at that moment; null is allowed.
     explicit MessageQueue(std::function<QWidget*()> parent) : parent_(std::move(parent)) {}
 
-    /// Shows the message from the event loop, so that a window that is about to close is not its parent. When its parent goes
-    /// before it is answered,
-    /// `closed` is never called.
+    /// Shows the message from the event loop, so that its parent is not a window that is about to close. `closed` is never called
+    /// if the parent is destroyed before the answer.
     void Add(Message message);
 
 private:
     void ShowNext();
 
-    QObject context_;  ///< what is still to be called from the event loop ends with this
+    QObject context_;  ///< its destruction cancels pending calls from the event loop
     std::function<QWidget*()> parent_;
     std::deque<Message> waiting_;
     QPointer<frmMSG> shown_;

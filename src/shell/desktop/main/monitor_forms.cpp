@@ -21,7 +21,7 @@ MonitorForms::MonitorForms(Desk desk, QWidget& owner, std::function<void()> load
     desk_.pages.OnShow([this] { help_.Show(); });
 }
 
-// A window that nobody sees would hide its dialogs.
+// A hidden window would hide its dialogs.
 QWidget* MonitorForms::Parent() const {
     return owner_.isVisible() ? &owner_ : nullptr;
 }

@@ -1,5 +1,5 @@
-// The dialogs that the main window leads to beside the editor of an entry: the settings, the first-run setup, and what the help
-// menu offers. Of each there is one at a time.
+// The main window's dialogs except the editor of an entry: the settings, the first-run setup, and those of the help menu. Only
+// one of each can be open.
 #pragma once
 
 #include <QDialog>
@@ -18,20 +18,21 @@ namespace korvane {
 
 class MonitorForms {
 public:
-    /// `owner` is the main window; it must outlive this. `loadMonitors` has the resource monitors read their settings files again.
+    /// `owner` is the main window; it must outlive this. `loadMonitors` makes the resource monitors read their settings files
+    /// again.
     MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors);
 
     void ShowOptions();
-    /// To the settings dialog, if it is open.
+    /// Passed on to the settings dialog, if it is open.
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
     void ShowAbout();
     void ShowFeedback();
     void ShowTellFriend();
 
-    /// The three questions and what becomes of the answers; waits through the event pump until it is through.
+    /// Asks the three questions and applies the answers; waits through the event pump until setup is complete.
     void SetUpForTheFirstTime();
 
-    /// How the pages of the setup are asked. Tests put their own in.
+    /// How to ask the pages of the setup. Tests replace it.
     std::function<std::string(const WizardPage& page)> ask;
 
 private:

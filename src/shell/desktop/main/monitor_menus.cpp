@@ -7,12 +7,12 @@
 namespace korvane {
 namespace {
 
-/// Where the keys of a command are heard: everywhere in the window, or only where an entry of the list is meant.
+/// Where the keys of a command are active: in the whole window, or only in the list, for commands on an entry.
 enum class Keys { Window, List };
 
 struct Command {
-    const char* menu;  ///< caption of the menu
-    const char* name;  ///< blank: a line between groups
+    const char* menu;  ///< the menu's caption
+    const char* name;  ///< empty: a separator between groups
     const char* caption = "";
     const char* keys = "";
     Keys where = Keys::Window;

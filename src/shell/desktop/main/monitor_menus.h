@@ -1,5 +1,5 @@
-// The commands of the main window as one table: name, caption, keys and place in the menus. Buttons, menus, context menu and
-// tray all use the same actions.
+// The commands of the main window as one table: name, caption, keys and place in the menus. Buttons, menus, context menu and tray
+// all use the same actions.
 #pragma once
 
 #include <QAction>
@@ -14,14 +14,14 @@ class MonitorMenus {
 public:
     using Handlers = std::map<std::string, std::function<void()>>;
 
-    /// Fills the bar. `list` is the widget with the keys of entries, `owner` the one with those of the whole window. Each
-    /// action bears its name as objectName.
+    /// Fills the bar. `list` receives the keys for entries, `owner` those of the whole window. Each action has its name as
+    /// objectName.
     MonitorMenus(QMenuBar& bar, QWidget& list, QWidget& owner, Handlers handlers);
 
-    /// By its name ("mnuFileSave"); every command of the table is there.
+    /// Returns the action by name ("mnuFileSave"); every command of the table exists.
     QAction& Action(const std::string& name) const { return *actions_.at(name); }
 
-    /// What the right button on the list offers.
+    /// Returns the context menu of the list.
     QMenu& ContextMenu() const { return *context_; }
 
 private:

@@ -1,4 +1,4 @@
-// The icon in the notification area with its tip and its menu, kept alive where the desktop loses it.
+// The icon in the notification area with its tip and its menu, restored if the desktop loses it.
 #pragma once
 
 #include <QMenu>
@@ -26,22 +26,22 @@ public:
 
     explicit MonitorTray(Commands commands);
 
-    /// Whether this desktop shows such icons right now.
+    /// Returns whether this desktop shows such icons right now.
     static bool Available() { return QSystemTrayIcon::isSystemTrayAvailable(); }
 
     void SetPicture(TrayPicture picture);
     /// At most 64 characters are shown.
     void SetTip(const std::string& tip);
-    /// The marks and captions of the two commands that resume and pause.
+    /// Sets the marks and captions of the two commands that resume and pause.
     void SetMonitoring(bool on);
-    /// Those of the two commands by which the program comes back by itself. `hasServices`: there is a service manager; without
-    /// one its command is not shown.
+    /// Sets those of the two commands for an automatic start. `hasServices`: there is a service manager; without one its command
+    /// is not shown.
     void SetStartMarks(bool hasServices, bool mnuTrayNTService, bool mnuTrayStartup);
 
-    /// Adds the icon if the desktop does not have it, or takes it away.
+    /// Adds the icon if the desktop does not have it, or removes it.
     void Show() { icon_.show(); }
     void Remove() { icon_.hide(); }
-    /// Gives the desktop the picture and tip that it has already, in case that it has lost them.
+    /// Sends picture and tip to the desktop again, in case it has lost them.
     void Modify();
 
     const QSystemTrayIcon& Icon() const { return icon_; }

@@ -21,7 +21,7 @@ Ids RowsById(const std::vector<ServerRow>& rows) {
     return ids;
 }
 
-// Most cells are plain letters and digits: no text is made for them.
+// Most cells are plain ASCII letters and digits, for which no string is created.
 char Folded(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
@@ -32,12 +32,12 @@ bool ComesBefore(const std::string& a, const std::string& b) {
     });
 }
 
-// In one line; apart from that as it is, blanks included.
+// Returns the cell in one line, otherwise unchanged, including spaces.
 QString InOneLine(const std::string& cell) {
     return Lines(cell).replace('\n', ' ').replace('\r', ' ').replace('\t', ' ');
 }
 
-// What a server has sent is shown as it came: a tip would take tags for its own and load what they name.
+// A server's text is escaped, since a tool tip would interpret tags in it and load what they name.
 QVariant TipOf(const std::string& cell) {
     if (cell.empty()) return {};
     return "<p style='white-space:pre-wrap'>" + Lines(cell).toHtmlEscaped() + "</p>";
@@ -50,7 +50,7 @@ void ServerListModel::SetRows(std::vector<ServerRow> rows) {
     RemoveGone(rows);
     const int more = static_cast<int>(rows.size()) - rowCount();
     if (more > 0) {
-        // Which row is where is told by the change of order that follows.
+        // The following change of order announces which row is where.
         beginInsertRows({}, rowCount(), rowCount() + more - 1);
         rows_.resize(rows.size());
         endInsertRows();

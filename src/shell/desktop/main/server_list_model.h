@@ -1,5 +1,5 @@
 // The list of all entries for a view: thirteen columns of text with the picture of the state, sorted by the text of one column. A
-// refresh keeps rows apart by their id, so that what is selected stays selected wherever it moves to.
+// refresh identifies rows by their id, so that the selection follows its row to any place.
 #pragma once
 
 #include <QAbstractTableModel>
@@ -14,17 +14,17 @@ class ServerListModel : public QAbstractTableModel {
 public:
     explicit ServerListModel(QObject* parent) : QAbstractTableModel(parent) {}
 
-    /// Takes the place of all rows and sorts them as those before.
+    /// Replaces all rows and keeps the current order.
     void SetRows(std::vector<ServerRow> rows);
     const ServerRow& Row(int row) const { return rows_[static_cast<std::size_t>(row)]; }
-    /// -1 when no row has the id.
+    /// Returns -1 when no row has the id.
     int RowOf(const std::string& id) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    /// By the cells' text, as people write it: upper and lower case alike. -1: the order of the rows as they were set.
+    /// Sorts by the cells' text, case-insensitively. -1: the order in which the rows were set.
     void sort(int column, Qt::SortOrder order) override;
 
 private:

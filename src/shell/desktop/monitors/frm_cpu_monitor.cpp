@@ -9,7 +9,7 @@
 namespace korvane {
 namespace {
 
-constexpr double kLoadSize = 1.8;  ///< of the window's letters
+constexpr double kLoadSize = 1.8;  ///< times the size of the window's font
 const std::vector<std::string> kMinutes{"1", "2", "5", "10"};
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The window of the processor load: the number, and the chart of its last samples.
+// The window of the processor load: the percentage, and a chart of its last samples.
 #pragma once
 
 #include "resources/cpu_monitor.h"

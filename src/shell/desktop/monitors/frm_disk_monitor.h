@@ -1,4 +1,4 @@
-// The window of the local fixed disks, all together: three figures in the unit of choice, and a bar.
+// The window of all local fixed disks together: three figures in the selected unit, and a bar.
 #pragma once
 
 #include "resources/disk_monitor.h"

@@ -7,7 +7,7 @@
 
 namespace korvane {
 
-/// Watches as long as it exists, so it is destroyed when the operator closes it.
+/// It watches as long as it exists, so it is destroyed when the operator closes it.
 class frmMemoryMon : public ResourceForm {
 public:
     frmMemoryMon(const MonitorPorts& ports, Events& events, const SystemInfo& system);

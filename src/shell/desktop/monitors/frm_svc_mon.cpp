@@ -64,7 +64,7 @@ QTableWidget* frmSvcMon::NewGrid() {
     return grid;
 }
 
-// The blank key does what a click does.
+// The space key acts like a click.
 bool frmSvcMon::eventFilter(QObject* watched, QEvent* event) {
     const bool isKey = watched == grdSvc_ && event->type() == QEvent::KeyPress;
     if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Space) return ResourceForm::eventFilter(watched, event);
@@ -85,7 +85,8 @@ void frmSvcMon::ShowRow(int row, const ServiceMonitor::Row& service) {
     SetCell(row, Name, Q(service.name));
     SetCell(row, Monitored, "");
     grdSvc_->item(row, Monitored)->setCheckState(service.watched ? Qt::Checked : Qt::Unchecked);
-    grdSvc_->item(row, Monitored)->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);  // its click is the monitor's to judge
+    grdSvc_->item(row, Monitored)->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);  // the monitor decides the effect of a
+                                                                                        // click
     SetCell(row, Status, Q(service.status));
     SetCell(row, Previous, Q(service.previous));
 }
@@ -97,7 +98,7 @@ void frmSvcMon::ShowFigures() {
     const int count = static_cast<int>(services.size());
     if (grdSvc_->rowCount() != count + 1) {
         grdSvc_->setRowCount(0);
-        grdSvc_->setRowCount(count + 1);  // the last one stays blank
+        grdSvc_->setRowCount(count + 1);  // the last row stays blank
     }
     for (int row = 0; row < count; ++row)
         ShowRow(row, services[static_cast<std::size_t>(row)]);

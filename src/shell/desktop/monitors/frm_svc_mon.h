@@ -1,4 +1,4 @@
-// The window of the services: a grid with a row for each, in which those to watch are marked.
+// The window of the services: a grid with a row for each, in which the watched ones are marked.
 #pragma once
 
 #include "resources/service_monitor.h"

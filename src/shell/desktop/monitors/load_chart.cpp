@@ -12,7 +12,7 @@ constexpr int kRows = 4;
 constexpr int kColumns = 10;
 constexpr double kFull = 100;
 constexpr int kGridAlpha = 40;
-constexpr double kFillShare = 0.35;  ///< of the line's colour in that of the area
+constexpr double kFillShare = 0.35;  ///< share of the line's colour in that of the area
 
 void DrawGrid(QPainter& painter, const QRectF& area, const QColor& ink) {
     painter.setPen(QPen(ink, 1));
@@ -41,7 +41,7 @@ QColor Mixed(const QColor& ink, const QColor& base) {
     return {mix(ink.red(), base.red()), mix(ink.green(), base.green()), mix(ink.blue(), base.blue())};
 }
 
-// Opaque and column by column: a polygon with a hundred peaks, or one that lets the grid through, takes fifty times as long.
+// Opaque and column by column: a polygon with a hundred peaks, or a transparent one, takes fifty times as long.
 void FillBelow(QPainter& painter, const QPolygonF& line, const QRectF& area, const QColor& colour) {
     int after = 1;
     for (int x = static_cast<int>(area.left()); x < area.right(); ++x) {

@@ -1,4 +1,4 @@
-// The moving chart of a load: a filled area over a grid, the newest sample at the right.
+// A moving chart of a load: a filled area over a grid, the newest sample at the right.
 #pragma once
 
 #include <QWidget>
@@ -11,7 +11,7 @@ class LoadChart : public QWidget {
 public:
     explicit LoadChart(QWidget* parent);
 
-    /// In percent, the oldest first. At least two.
+    /// In percent, the oldest first. At least two are required.
     void SetSamples(const std::vector<std::int32_t>& samples);
 
     QSize sizeHint() const override;

@@ -30,7 +30,7 @@ constexpr int kNoteCharacters = 48;
 constexpr int kLevelStep = 5;
 constexpr int kLastLevel = 100;
 
-/// What is in a file stays, also where it is none of those offered.
+/// The value in a file stays, even if it is not one of those offered.
 void Select(QComboBox& box, const std::string& text) {
     if (S(box.currentText()) == text) return;
     const QSignalBlocker quiet(box);
@@ -47,7 +47,7 @@ std::vector<std::string> OfferedLevels() {
     return levels;
 }
 
-// What the desktop takes for a dialog goes into the middle of the screen, each over the one before.
+// The desktop places what it considers a dialog in the middle of the screen, each over the previous one.
 ResourceForm::ResourceForm(const char* name, const QString& title)
     : QDialog(nullptr, Qt::Window), layout_(new QVBoxLayout(this)) {
     setObjectName(name);
@@ -153,8 +153,8 @@ void ResourceForm::Refresh() {
     cmdTest_->setEnabled(Monitor().TestEnabled());
 }
 
-// The window grows and shrinks by what its settings need, so that the figures keep their size; where the screen has no room for
-// that, they give way.
+// The window grows and shrinks by the height of its settings, so that the figures keep their size; if the screen is too small,
+// they shrink.
 void ResourceForm::cmdExpand_Click(bool expand) {
     cmdExpand_->setText(expand ? kShrink : kExpand);
     const QRect room = screen()->availableGeometry();
@@ -169,7 +169,7 @@ void ResourceForm::cmdExpand_Click(bool expand) {
     if (expand && y() > lowest) move(x(), std::max(room.top(), lowest));
 }
 
-// Not QDialog's, which puts the window into the middle, too.
+// QDialog's own version would also move the window to the middle.
 void ResourceForm::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous()) return;
@@ -180,11 +180,11 @@ void ResourceForm::showEvent(QShowEvent* event) {
 void ResourceForm::hideEvent(QHideEvent* event) {
     QDialog::hideEvent(event);
     if (event->spontaneous()) return;
-    move(pos());  // that is where it comes back
+    move(pos());  // so that it reappears there
     if (hidden_) hidden_();
 }
 
-// The operator who comes back from one of the program's own messages has not been away.
+// An operator who returns from one of the program's own messages has not been away.
 void ResourceForm::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || txtEmail_ == nullptr) return;

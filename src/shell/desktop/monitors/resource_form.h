@@ -1,7 +1,7 @@
 // Room `monitors`: the windows on the resources of this machine.
 //
-// What the four windows on this machine's own resources have in common: figures above, and below them the settings of the alert,
-// which show in the expanded size only. The window shows what its monitor says; what is typed counts at once, saved or not.
+// The common part of the four windows on this machine's own resources: figures above, and below them the settings of the alert,
+// visible only in the expanded size. The window shows the state of its monitor; typed values apply at once, saved or not.
 #pragma once
 
 #include <QDialog>
@@ -23,13 +23,13 @@ class QVBoxLayout;
 
 namespace korvane {
 
-/// What a level may be: "5", "10" and so on to "100".
+/// The possible levels: "5", "10" and so on to "100".
 std::vector<std::string> OfferedLevels();
 
-/// A window beside the others. Closing hides it.
+/// A modeless window. Closing hides it.
 class ResourceForm : public QDialog {
 public:
-    /// The operator has closed it. The window must not be destroyed from within.
+    /// Called when the operator has closed it. The callback must not destroy the window.
     void OnHidden(std::function<void()> hidden) { hidden_ = std::move(hidden); }
 
     virtual AlertMonitor& Monitor() = 0;
@@ -37,19 +37,19 @@ public:
 protected:
     ResourceForm(const char* name, const QString& title);
 
-    // The constructor of a window calls these in this order.
+    // The constructor of a window must call these in this order.
 
-    /// The figures, above everything else.
+    /// Adds the figures, above everything else.
     void AddFigures(QWidget* figures, int stretch);
-    /// Buttons and the page of the settings, without inputs yet.
+    /// Adds the buttons and the page of the settings, without inputs yet.
     void AddSettings();
-    /// An input of the settings with what it may be, a blank included; `text` is what it stands for.
+    /// Adds an input of the settings with its possible values and an empty one; it is bound to `text`.
     QComboBox* AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered, std::string& text);
     QCheckBox* AddMark(const char* name, const QString& text, bool& on);
-    /// Address, mark and commands, below the choices. `what` is monitored, in the words of the note.
+    /// Adds address, mark and commands, below the choices. `what` is the monitored resource, as worded in the note.
     void AddAlert(const QString& what);
 
-    /// Shows what the monitor says.
+    /// Shows the monitor's current state.
     void Refresh();
     virtual void ShowFigures() = 0;
 
@@ -79,7 +79,7 @@ private:
     QLineEdit* txtEmail_ = nullptr;
     std::vector<Choice> choices_;
     std::vector<Mark> marks_;
-    int grown_ = 0;  ///< in height, by the last change of size
+    int grown_ = 0;  ///< height added by the last change of size
     bool leftForMessage_ = false;
 };
 

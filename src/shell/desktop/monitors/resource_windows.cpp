@@ -51,7 +51,7 @@ void ResourceWindows::Load() {
         Make(monitor);
 }
 
-// The window of the memory goes when it is closed, and its watching with it; the others go on behind the scenes.
+// The memory window is destroyed when it is closed and then stops watching; the others continue in the background.
 void ResourceWindows::Hidden(ResourceMonitor monitor) {
     if (monitor == ResourceMonitor::Memory) {
         if (ResourceForm* form = forms_[Index(monitor)].release(); form != nullptr) form->deleteLater();

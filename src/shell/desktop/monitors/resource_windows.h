@@ -1,4 +1,4 @@
-// The four windows on this machine's own resources, hidden from the start: which of them are there, and which are seen.
+// The four windows on this machine's own resources, hidden at first: which of them exist, and which are visible.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace korvane {
 
-/// What a monitor of resources needs of the desk.
+/// Returns the parts of the desk that a resource monitor needs.
 MonitorPorts MonitorPortsOf(const Desk& desk);
 
 class ResourceWindows {
@@ -23,16 +23,16 @@ public:
     ResourceWindows(const ResourceWindows&) = delete;
     ResourceWindows& operator=(const ResourceWindows&) = delete;
 
-    /// Makes all of them, hidden. Watching begins, as far as each of them watches before it was opened.
+    /// Creates all of them, hidden. Watching begins, for those that watch before they are opened.
     void Load();
 
-    /// A window that is gone is made anew.
+    /// A destroyed window is created again.
     void Show(ResourceMonitor monitor, bool shown);
 
-    /// Those that are there read their settings files again.
+    /// Makes the existing ones read their settings files again.
     void LoadData();
 
-    /// Null when it is gone.
+    /// Returns null when the window is destroyed.
     ResourceForm* Form(ResourceMonitor monitor) const { return forms_[Index(monitor)].get(); }
 
 private:
@@ -46,7 +46,7 @@ private:
     std::array<std::unique_ptr<ResourceForm>, 4> forms_;
 };
 
-/// In the order in which they stand in the main window.
+/// In the order of their marks in the main window.
 inline constexpr std::array kResourceMonitors{ResourceMonitor::CPU, ResourceMonitor::Disk, ResourceMonitor::Memory,
                                               ResourceMonitor::Services};
 

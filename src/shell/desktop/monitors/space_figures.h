@@ -1,4 +1,4 @@
-// The figures of something that fills up: how much there is in all, used and available, and a bar with the available share.
+// The figures of something that fills up: total, used and available amount, and a bar with the available share.
 #pragma once
 
 #include <QFormLayout>
@@ -14,11 +14,11 @@ public:
     /// `what` in lower case, for the accessible names: "memory".
     SpaceFigures(const QString& what, QWidget* parent);
 
-    /// `share` stands below the bar, which is filled to `percent`.
+    /// `share` is shown below the bar, which is filled to `percent`.
     void SetFigures(const std::string& total, const std::string& used, const std::string& available, const std::string& share,
                     int percent);
 
-    /// One more row below.
+    /// Adds one more row below.
     void AddRow(const QString& caption, QWidget* content) { rows_->addRow(caption, content); }
 
 private:

@@ -17,7 +17,7 @@
 namespace korvane {
 namespace {
 
-constexpr int kEmailCharacters = 30;  ///< across a box at least
+constexpr int kEmailCharacters = 30;  ///< minimum width of a box
 constexpr int kEmailStatusLines = 2;
 
 using Field = std::string GlobalEmailFields::*;
@@ -65,7 +65,7 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidg
     inputs_.Box(&GlobalEmailFields::strToList1)->setFocus();
 }
 
-// The focus still moves while the controls go, one after the other, and nobody is left to explain it.
+// Destroying the controls still moves the focus, and nothing is left to explain it.
 frmGlobalEmail::~frmGlobalEmail() {
     disconnect(qApp, nullptr, this, nullptr);
 }
@@ -116,7 +116,7 @@ QWidget* frmGlobalEmail::Server() {
     lblTitle_ = new QLabel(fraServer_);
     lblTitle_->setObjectName("lblTitle");
     lblTitle_->setTextFormat(Qt::PlainText);
-    lblTitle_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long name does not widen the dialog
+    lblTitle_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long name must not widen the dialog
     QFont heading = lblTitle_->font();
     heading.setBold(true);
     lblTitle_->setFont(heading);
@@ -166,7 +166,7 @@ QPushButton* frmGlobalEmail::NewMove(const char* name, const QString& text, void
     return button;
 }
 
-// Return saves the part of the dialog in which the operator is.
+// Return saves the part of the dialog that has the focus.
 void frmGlobalEmail::WatchForHelp() {
     for (QWidget* input : findChildren<QWidget*>()) {
         const std::string_view help = HelpOnGlobalEmailInput(S(input->objectName()));

@@ -1,4 +1,5 @@
-// The dialog of the notification addresses: the global ones and those of the monitors above, the server entries one by one below.
+// The dialog of the notification addresses: the global ones and those of the monitors at the top, the server entries one by one
+// below.
 #pragma once
 
 #include <QDialog>
@@ -14,7 +15,7 @@ namespace korvane {
 
 class ReadingText;
 
-/// Made with open(); deleted when it is closed. Each part is saved by its own command; closing saves nothing.
+/// Shown with open(); deleted when it is closed. Each part is saved by its own command; closing saves nothing.
 class frmGlobalEmail : public QDialog {
 public:
     /// `monitors` must outlive this.

@@ -51,7 +51,7 @@ void frmOptions::BuildPages() {
     AddPage(proxy_, "Proxy");
     AddPage(service_, "Service");
     AddPage(resets_, "Resets");
-    tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // no page is behind a scroll button
+    tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
 }
 
 void frmOptions::Form_Load() {

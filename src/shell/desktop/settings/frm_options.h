@@ -1,7 +1,7 @@
-// Room `settings`: the settings dialog and the one of the shared addresses.
+// Room `settings`: the settings dialog and the dialog of the shared addresses.
 //
-// The dialog of the global settings: pages of inputs, a status line that explains them, and commands that try out what they say
-// or reset what was gathered.
+// The dialog of the global settings: pages of inputs, a status line that explains them, and commands that test them or reset
+// collected data.
 #pragma once
 
 #include <functional>
@@ -17,13 +17,13 @@ class QPushButton;
 
 namespace korvane {
 
-/// What the dialog commands and does not do itself. All of it must be set. Each may wait through the event pump and show
-/// messages, and may see the dialog gone when it returns.
+/// Commands of the dialog that are implemented elsewhere. All of it must be set. Each may wait through the event pump and show
+/// messages, and the dialog may be gone when it returns.
 struct OptionsCommands {
-    std::function<std::string()> proxyServer;  ///< that the desktop uses, such as "host:80"; blank: none
+    std::function<std::string()> proxyServer;  ///< the desktop's proxy, such as "host:80"; empty: none
     std::function<void(const std::string& path)> PlaySound;
-    std::function<bool()> IsWindowsNT;  ///< whether a service manager is there
-    /// The marks after they were clicked: `checked` is what they show. Return what they are to show.
+    std::function<bool()> IsWindowsNT;  ///< whether there is a service manager
+    /// Called after the marks were clicked: `checked` is their new state. Return the state that they must show.
     std::function<bool(bool checked)> chkService_Click;
     std::function<bool(bool checked)> chkStartup_Click;
     std::function<bool()> IsInStartupGroup;
@@ -34,27 +34,26 @@ struct OptionsCommands {
     std::function<void()> HelpShutDown;
 };
 
-/// What a file dialog is opened with.
+/// The parameters of a file dialog.
 struct FileQuestion {
     QString title;
     QString name;
-    QString extension;  ///< of a name that is typed without one; blank: none
+    QString extension;  ///< added to a name that is typed without one; empty: none
     QString filter;
 };
 
-/// Made with open(); deleted when it is closed. It closes after a save and on cancel, and may do so while a command of its own
-/// waits: that command then ends without a word.
+/// Shown with open(); deleted when it is closed. It closes after a save and on cancel, even while a command of its own waits:
+/// that command then ends without a message.
 class frmOptions : public TabbedDialog {
 public:
     frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent);
 
-    /// The tray's commands install and remove too while this is open.
+    /// The tray's commands can also install and remove while this is open.
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
 
-    /// Asks for a line of text, as AskText does. Tests put their own in.
+    /// Asks for a line of text, as AskText does. Tests replace it.
     AskText askText;
-    /// Asks for a file and calls back with its path; never calls back when the operator thinks better of it. Tests put their own
-    /// in.
+    /// Asks for a file and calls back with its path; does not call back when the operator cancels. Tests replace it.
     std::function<void(const FileQuestion& question, std::function<void(const QString& path)> chosen)> askForFile;
 
 private:
@@ -92,10 +91,10 @@ private:
     const OptionsCommands commands_;
     std::string proxyServer_;  ///< as detected
     std::string serviceName_;
-    bool loading_ = true;        ///< it fills itself, and the reactions to changes do nothing
-    bool proxyChanged_ = false;  ///< the name of the proxy, since loading
+    bool loading_ = true;        ///< the dialog is being filled, and the handlers of changes do nothing
+    bool proxyChanged_ = false;  ///< the proxy's name, since loading
     bool saving_ = false;
-    bool mailing_ = false;  ///< a test mail is under way
+    bool mailing_ = false;  ///< a test mail is being sent
 
     OptionsInputs inputs_;
     OptionsMonitoringPage* monitoring_ = nullptr;

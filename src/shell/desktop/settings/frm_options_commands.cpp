@@ -1,4 +1,4 @@
-// The commands of the settings dialog that try out, choose, install and reset, beside saving.
+// The commands of the settings dialog except saving: those that test, choose, install and reset.
 #include <QFileDialog>
 #include <QPointer>
 #include <QPushButton>
@@ -38,8 +38,8 @@ void frmOptions::ConnectCommands() {
     resets(resets_->cmdDeleteAll, OptionsReset::All);
 }
 
-// However the mark was changed, also by a screen reader, which does not click. What follows may be the end of this dialog, and
-// Qt still needs the mark when it has told of the change: so it follows from the pump.
+// Covers every way to change the mark, including a screen reader, which does not click. The handler may destroy this dialog, and
+// Qt still needs the mark after its signal, so the handler runs from the pump.
 void frmOptions::ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked)) {
     connect(mark, &QCheckBox::toggled, this, [this, changed](bool checked) {
         if (loading_) return;
@@ -66,7 +66,7 @@ void frmOptions::cmdSetProxy_Click() {
     if (self != nullptr) proxy_->txtProxyPort->setText(Q(boxes.port));
 }
 
-// The manager takes its time: neither mark can be clicked meanwhile, and the focus comes back to the one that was.
+// The manager is slow: neither mark can be clicked meanwhile, and the focus then returns to the one that had it.
 void frmOptions::chkService_Click(bool checked) {
     const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;

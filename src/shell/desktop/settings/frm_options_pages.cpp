@@ -208,7 +208,7 @@ OptionsResetsPage::OptionsResetsPage(QWidget* parent) : QWidget(parent) {
     auto* layout = NewPage("Each of these takes effect at once, for all servers, and is not undone by Cancel.", this);
     const auto add = [&](const char* name, const QString& text, const QString& what) {
         QPushButton* button = NewButton(name, text, QString(text).remove('&').remove("..."), this);
-        button->setAutoDefault(false);  // Return is for OK, also where it finds the focus on what cannot be undone
+        button->setAutoDefault(false);  // Return means OK, even if the focus is on a command that cannot be undone
         layout->addWidget(button, 0, Qt::AlignLeft);
         layout->addWidget(NewExplanation(what, this));
         layout->addSpacing(fontMetrics().height());

@@ -1,4 +1,4 @@
-// What the settings dialog does as its inputs change or get the focus.
+// The settings dialog's reactions to changes of its inputs and to the focus.
 #include <QLabel>
 #include <QPointer>
 #include <QRadioButton>
@@ -16,7 +16,7 @@ void frmOptions::ConnectTyping() {
     connect(proxy_->txtProxyName, &QLineEdit::textChanged, this, [this] {
         if (!loading_) ProxyNameChanged();
     });
-    // The label belongs to the number as it is, also while it is being loaded.
+    // The label must match the number even while it is being loaded.
     connect(monitoring_->txtGlobalRetryDuration, &QLineEdit::textChanged, this,
             [this](const QString& seconds) { monitoring_->lblInterval->setText(Q(IntervalInMinutes(S(seconds)))); });
     connect(restart_->ckReboot, &QCheckBox::toggled, this, [this](bool reboot) {

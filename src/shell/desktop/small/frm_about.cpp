@@ -29,7 +29,7 @@ QLabel* NewText(const char* name, const QString& text, QWidget* parent) {
     return label;
 }
 
-/// A link that the Tab key reaches ready for Return; a label alone wants the key once more to come to its link.
+/// A link that Return opens as soon as the Tab key reaches it; in a plain label one more Tab is needed to reach its link.
 class LinkLabel : public QLabel {
 public:
     using QLabel::QLabel;

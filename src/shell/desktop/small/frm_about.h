@@ -1,4 +1,4 @@
-// What this program is: its version, the machine it runs on, and the way to the website.
+// The About box: the program's version, the machine it runs on, and the link to the website.
 #pragma once
 
 #include <QDialog>
@@ -12,11 +12,11 @@ namespace korvane {
 
 struct AboutKorvane {
     std::string version;             ///< "major.minor.revision"
-    std::string systemInfo;          ///< two lines, as GetSysInfoString says them
-    std::function<void()> showPage;  ///< the link was clicked
+    std::string systemInfo;          ///< two lines, from GetSysInfoString
+    std::function<void()> showPage;  ///< called when the link was clicked
 };
 
-/// Made with open(); deleted when it is closed.
+/// Shown with open(); deleted when it is closed.
 class frmAbout : public QDialog {
 public:
     frmAbout(AboutKorvane about, QWidget* parent);

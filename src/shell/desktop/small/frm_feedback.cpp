@@ -24,7 +24,7 @@ frmFeedback::frmFeedback(const WebFormPorts& ports, std::string version, QWidget
     txtComment_->setFocus();
 }
 
-// The operator may come back from choosing a browser.
+// The operator may have chosen a browser meanwhile.
 void frmFeedback::changeEvent(QEvent* event) {
     WebFormDialog::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && cmdSend_ != nullptr && isActiveWindow()) CanSend();

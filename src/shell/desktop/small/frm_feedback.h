@@ -1,4 +1,4 @@
-// A comment or question to those who make this program, sent by the operator's browser.
+// A comment or question to the program's makers, sent through the operator's browser.
 #pragma once
 
 #include "shell/desktop/small/web_form_dialog.h"

@@ -1,5 +1,5 @@
-// The window that opens a page of the website in the operator's browser. It shows the address, so that it can be copied
-// where no browser opens it.
+// The window that opens a page of the website in the operator's browser. It shows the address, so that it can be copied if no
+// browser opens it.
 #pragma once
 
 #include <QDialog>
@@ -16,7 +16,7 @@ class frmHelp : public QDialog {
 public:
     explicit frmHelp(QWidget* parent);
 
-    /// Shows the help address of `pages`, which must outlive this, and opens it. The operator is told what went wrong.
+    /// Shows the help address of `pages`, which must outlive this, and opens it. The operator is notified of errors.
     void Form_Load(WebPages& pages);
 
 private:
@@ -28,16 +28,16 @@ private:
     QLineEdit* txtURL_ = nullptr;
 };
 
-/// The one window of its kind, for the commands that lead to a page.
+/// The single window of this kind, for the commands that open a page.
 class HelpViewer {
 public:
     explicit HelpViewer(WebPages& pages) : pages_(pages) {}
 
-    /// The window over which Show puts it. When that goes, this window goes with it.
+    /// Sets the window over which Show puts it. When that is destroyed, this window is too.
     void SetParent(QWidget* parent) { form_.SetParent(parent); }
-    /// Brings it to the front and has it open the help address.
+    /// Brings it to the front and makes it open the help address.
     void Show();
-    /// Null when it is not open.
+    /// Returns null when it is not open.
     frmHelp* TheForm() const { return form_.TheForm(); }
 
 private:

@@ -51,7 +51,7 @@ QWidget* frmInput::Buttons() {
     return buttons;
 }
 
-// What the answer leads to may be the end of the window over which this stands, and of this dialog with it.
+// The handler of the answer may destroy the parent window, and this dialog with it.
 void frmInput::done(int result) {
     const std::string text = result == Accepted ? S(txtInput_->text()) : "";
     const auto answered = std::exchange(answered_, {});

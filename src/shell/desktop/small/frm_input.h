@@ -1,4 +1,4 @@
-// The general question for one line of text.
+// The general dialog that asks for one line of text.
 #pragma once
 
 #include <QDialog>
@@ -9,11 +9,11 @@ class QLineEdit;
 
 namespace korvane {
 
-/// Made with open(); deleted when it is closed.
+/// Shown with open(); deleted when it is closed.
 class frmInput : public QDialog {
 public:
-    /// `answered` is called when it is closed, with the text as typed, or a blank one when that was not with OK; it is not when
-    /// the dialog goes together with its parent. Texts may have CR LF or LF at their line ends.
+    /// `answered` is called when the dialog is closed, with the text as typed, or with an empty one unless OK closed it. It is
+    /// not called when the dialog is destroyed together with its parent. Texts may have CR LF or LF as line ends.
     frmInput(const std::string& title, const std::string& prompt, std::function<void(const std::string& text)> answered,
              QWidget* parent);
 

@@ -18,7 +18,7 @@
 namespace korvane {
 namespace {
 
-constexpr int kMessageWidest = 72;  ///< characters of a line
+constexpr int kMessageWidest = 72;  ///< characters per line
 constexpr int kMessageMostLines = 15;
 
 struct Picture {
@@ -44,7 +44,7 @@ QLabel* NewLine(const char* name, const QString& text, QWidget* parent) {
     line->setTextFormat(Qt::PlainText);
     line->setTextInteractionFlags(Qt::TextSelectableByMouse);
     line->setWordWrap(true);
-    line->setIndent(static_cast<int>(QTextDocument().documentMargin()));  // in line with the text above
+    line->setIndent(static_cast<int>(QTextDocument().documentMargin()));  // aligned with the text above
     line->setVisible(!text.isEmpty());
     return line;
 }
@@ -56,7 +56,7 @@ frmMSG::frmMSG(Kind kind, const std::string& title, const std::string& text, Ans
     : QDialog(parent), text_(Lines(text)) {
     setObjectName("frmMSG");
     setWindowTitle(Q(title));
-    // Beside a window-modal dialog and what stands open next to it, a message of that kind would not get the keyboard.
+    // A window-modal message would not get the keyboard beside another window-modal dialog and a window next to it.
     setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(Message(kind, Lines(line1), Lines(line2)));
@@ -103,7 +103,7 @@ QWidget* frmMSG::Buttons(Answers answers) {
     QPushButton* first = nullptr;
     if (answers == Answers::YesNo) {
         add("cmdYes", "&Yes", QDialogButtonBox::AcceptRole);
-        first = add("cmdNo", "&No", QDialogButtonBox::RejectRole);  // what is asked for most often can't be undone
+        first = add("cmdNo", "&No", QDialogButtonBox::RejectRole);  // most questions are about something that cannot be undone
     } else {
         first = add("cmdOk", "O&K", QDialogButtonBox::AcceptRole);
     }
@@ -123,7 +123,7 @@ void frmMSG::keyPressEvent(QKeyEvent* event) {
 
 namespace {
 
-// The window over which it stands may be gone before the answer comes, and the message with it.
+// The parent window may be gone before the answer comes, and the message with it.
 bool Execute(frmMSG* message) {
     const QPointer<frmMSG> form = message;
     const bool accepted = form->exec() == QDialog::Accepted;

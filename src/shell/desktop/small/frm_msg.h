@@ -16,16 +16,15 @@ public:
     enum class Kind { Information, StopSign, Question };
     enum class Answers { Ok, YesNo };
 
-    /// Texts may have CR LF or LF at their line ends. `line1` and `line2` stand below the text where they are not blank. Not
-    /// deleted when it is closed.
-    /// With Yes and No, Escape and closing it mean No; exec() gives Accepted for Yes and OK.
+    /// Texts may have CR LF or LF as line ends. `line1` and `line2` are shown below the text unless they are empty. Not deleted
+    /// when it is closed. With Yes and No, Escape and closing it mean No; exec() returns Accepted for Yes and OK.
     frmMSG(Kind kind, const std::string& title, const std::string& text, Answers answers, QWidget* parent,
            const std::string& line1 = "", const std::string& line2 = "");
 
-    /// Shows the message over `parent`, which may be null, and returns when it is closed. Everything else goes on meanwhile,
+    /// Shows the message over `parent`, which may be null, and returns when it is closed. Everything else continues meanwhile,
     /// and `parent` may be gone afterwards.
     static void Show(QWidget* parent, Kind kind, const std::string& title, const std::string& text);
-    /// As Show; true when the answer was Yes.
+    /// Like Show; returns true when the answer was Yes.
     static bool Ask(QWidget* parent, const std::string& title, const std::string& text);
 
 protected:

@@ -30,7 +30,7 @@ WebForm frmTellFriend::Form() {
                            ports_.events);
 }
 
-// In the order in which they are looked at: the message, and then the address that the refusal quotes.
+// In the order of the checks: the message, then the address that the refusal quotes.
 void frmTellFriend::MarkInput(const QString& refusal) {
     if (txtMessage_->toPlainText().trimmed().isEmpty()) return MarkRefused(*txtMessage_, refusal);
     const auto quoted = [&](const QLineEdit* box) { return !box->text().isEmpty() && refusal.contains("'" + box->text() + "'"); };

@@ -1,4 +1,4 @@
-// Word of this program to up to three friends, sent by the operator's browser.
+// A recommendation of this program to up to three friends, sent through the operator's browser.
 #pragma once
 
 #include <array>

@@ -17,10 +17,10 @@ namespace korvane {
 namespace {
 
 constexpr std::chrono::minutes kLook{
-    1};  ///< how long at most until the next look; closing the page is an event, so nobody waits for it
+    1};  ///< longest time until the next check; closing the page is an event, so it causes no delay
 constexpr int kWizardCharacters = 62;
 constexpr int kWizardMostLines = 10;
-constexpr int kPageLines = 15;  ///< the height of every page, whatever it says
+constexpr int kPageLines = 15;  ///< the height of every page, whatever its text
 constexpr int kWizardPictureLines = 5;
 constexpr double kWizardHeadingSize = 1.3;
 

@@ -1,5 +1,5 @@
-// The one dialog of the first-run setup: a page with a text, an input box where something is asked, and one or two buttons.
-// There is no way back and nothing to cancel.
+// The dialog of the first-run setup: each page has a text, an input box if it asks something, and one or two buttons. There is no
+// way back and no Cancel.
 #pragma once
 
 #include <QDialog>
@@ -19,16 +19,16 @@ public:
     /// Not deleted when it is closed.
     frmWizard(const WizardPage& page, QWidget* parent);
 
-    /// False on a page that only tells something.
+    /// False on a page that only shows information.
     void TextboxVisible(bool flag);
 
-    /// The button that closed the page, 1 or 2, and the text of the input box then. 0 and blank before that, and for good
-    /// when the page was left by its close box or with Escape.
+    /// The button that closed the page, 1 or 2, and the text of the input box at that moment. Before that, 0 and an empty text;
+    /// they stay so when the page was closed by its close box or with Escape.
     int Button() const { return button_; }
     const std::string& Answer() const { return answer_; }
 
-    /// Shows the page over `parent`, which may be null, waits through the pump until it is closed, and gives its answer.
-    /// `parent` may be gone by then; the answer is blank in that case.
+    /// Shows the page over `parent`, which may be null, waits through the pump until it is closed, and returns its answer.
+    /// `parent` may be gone by then; the answer is then empty.
     static std::string Ask(Events& events, QWidget* parent, const WizardPage& page);
 
 private:
@@ -39,7 +39,7 @@ private:
     void Click(int number);
 
     QLineEdit* txtAnswer_ = nullptr;
-    QPushButton* last_ = nullptr;  ///< of the buttons that there are: Return presses it
+    QPushButton* last_ = nullptr;  ///< the last visible button: Return presses it
     int button_ = 0;
     std::string answer_;
 };

@@ -21,7 +21,7 @@ constexpr int kFewestLines = 3;
 constexpr int kWebNoteCharacters = 70;
 constexpr int kNoteLines = 6;
 
-/// A label as a name: without the sign of its key and its colon.
+/// Returns the label as a name: without the key's "&" and the colon.
 QString WithoutSigns(QString label) {
     return label.remove('&').remove(':');
 }
@@ -39,7 +39,7 @@ WebFormDialog::WebFormDialog(const WebFormPorts& ports, const char* name, const 
     layout->addLayout(form_, 1);
 }
 
-// Of a height that does not hang on its width, which the layout of a small screen would cut.
+// Its height does not depend on its width; the layout of a small screen would otherwise cut it.
 ReadingText* WebFormDialog::AddNote(const char* name, const QString& text) {
     auto* note = new ReadingText(this);
     note->setObjectName(name);
@@ -81,7 +81,7 @@ void WebFormDialog::AddButtons(const QString& send) {
     layout()->addWidget(buttons);
 }
 
-// Long texts are encoded with the pump running: one try at a time, and the dialog may be gone behind it.
+// The pump runs while long texts are encoded: only one attempt runs at a time, and the dialog may be gone afterwards.
 void WebFormDialog::cmdSend_Click() {
     if (sending_ || !CanSend()) return;
     TakeMarksAway();

@@ -1,5 +1,5 @@
-// What the dialogs have in common whose texts go to the website through the browser: boxes with labels, a box for a
-// longer text, and one command that sends.
+// The common part of the dialogs that send texts to the website through the browser: boxes with labels, a box for a longer text,
+// and one command that sends.
 #pragma once
 
 #include <QDialog>
@@ -20,7 +20,7 @@ namespace korvane {
 
 class ReadingText;
 
-/// Borrowed by the dialogs; they must outlive them.
+/// The dialogs hold references; the objects must outlive them.
 struct WebFormPorts {
     WebPages& pages;
     Events& events;
@@ -32,17 +32,17 @@ class WebFormDialog : public QDialog {
 protected:
     WebFormDialog(const WebFormPorts& ports, const char* name, const QString& title, QWidget* parent);
 
-    // From above to below. A "&" in a label makes a key.
+    // Add controls from top to bottom. A "&" in a label defines a key.
     ReadingText* AddNote(const char* name, const QString& text);
     QLineEdit* AddBox(const char* name, const QString& label);
     QPlainTextEdit* AddTextBox(const char* name, const QString& label);
     void AddButtons(const QString& send);
 
-    /// The address of what was entered, or why there is none. May let the pump run.
+    /// Returns the address for the entered texts, or why there is none. May let the pump run.
     virtual WebForm Form() = 0;
-    /// The operator has been told: marks the input and gives it the focus.
+    /// Called after the operator has seen the refusal: marks the input and gives it the focus.
     virtual void MarkInput(const QString& refusal) = 0;
-    /// Looked at before each try; whoever says no shows why.
+    /// Called before each attempt; an implementation that returns false shows why.
     virtual bool CanSend() { return true; }
 
     WebFormPorts ports_;

@@ -1,4 +1,4 @@
-// The tips of a table: a cell whose text has no room shows it whole under the pointer, the others show nothing.
+// The tool tips of a table: under the pointer, a cell that is too narrow shows its whole text; other cells show nothing.
 #pragma once
 
 #include <QAbstractItemView>

@@ -13,7 +13,7 @@ namespace {
 constexpr int kShortCharacters = 10;
 constexpr const char* kDescription = "unmarkedDescription";
 
-/// Red that stands out from this background.
+/// Returns a red that is visible on this background.
 QColor MarkColour(const QPalette& palette) {
     return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
 }
@@ -26,7 +26,7 @@ void Unmark(QWidget& box) {
     box.setToolTip(QString());
 }
 
-// A box that is marked already keeps the description from before its first mark.
+// A box that is already marked keeps the description from before its first mark.
 template <class Box>
 void Mark(Box& box, const QString& kind, const QString& why) {
     if (!box.property(kDescription).isValid()) box.setProperty(kDescription, box.accessibleDescription());
@@ -86,7 +86,7 @@ QFormLayout* NewForm(const QWidget* page) {
     return form;
 }
 
-// With a vertical spacing of its own a form hands none on to the rows in it.
+// A form with its own vertical spacing passes none on to the rows in it.
 QHBoxLayout* NewRow(std::initializer_list<QWidget*> widgets) {
     auto* row = new QHBoxLayout;
     row->setSpacing((*widgets.begin())->style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));

@@ -1,7 +1,7 @@
-// Room `toolkit`: what forms and dialogs are built from.
+// Room `toolkit`: the building blocks of forms and dialogs.
 //
-// The boxes and marks of a dialog as one set, filled from the fields that they stand for and read into them; and how the forms of
-// dialogs are laid out.
+// The boxes and marks of a dialog as one set, filled from the fields that they represent and read into them; and helpers for the
+// layout of the dialogs' forms.
 #pragma once
 
 #include <QCheckBox>
@@ -26,15 +26,15 @@ namespace korvane {
 
 QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page);
 
-/// A "&" in the text makes a key; the accessible name is the text without it.
+/// A "&" in the text defines a key; the accessible name is the text without it.
 QCheckBox* NewMark(const char* name, const QString& text, QWidget* page);
 
 QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page);
 
-/// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, its text selected.
+/// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, with its text selected.
 void MarkRefused(QLineEdit& box, const QString& why);
 void MarkRefused(QPlainTextEdit& box, const QString& why);
-/// Nothing for a box without a mark.
+/// Does nothing for a box without a mark.
 void TakeMarkAway(QLineEdit& box);
 void TakeMarkAway(QPlainTextEdit& box);
 
@@ -42,7 +42,7 @@ void TakeMarkAway(QPlainTextEdit& box);
 template <class Fields>
 class FormInputs {
 public:
-    /// Each becomes a child of `page` and keeps belonging to it.
+    /// Each becomes a child of `page`, which owns it.
     QLineEdit* AddBox(std::string Fields::*field, const char* name, const QString& accessibleName, QWidget* page) {
         return boxes_.emplace_back(field, NewBox(name, accessibleName, page)).second;
     }
@@ -50,7 +50,7 @@ public:
         return marks_.emplace_back(field, NewMark(name, text, page)).second;
     }
 
-    /// Null for a field without a box.
+    /// Returns null for a field without a box.
     QLineEdit* Box(std::string Fields::*field) const {
         for (const auto& [each, box] : boxes_) {
             if (each == field) return box;
@@ -67,7 +67,7 @@ public:
             mark->setChecked(fields.*field);
     }
 
-    /// What has no input stays as it is in a Fields of its own.
+    /// Fields without an input keep their default values.
     Fields Read() const {
         Fields fields;
         for (const auto& [field, box] : boxes_)
@@ -87,25 +87,25 @@ private:
     std::vector<std::pair<bool Fields::*, QCheckBox*>> marks_;
 };
 
-/// A form with boxes as wide as the page and some air between them.
+/// Returns a form with boxes as wide as the page and some space between them.
 QFormLayout* NewForm(const QWidget* page);
 
-/// What stands side by side.
+/// Returns a row of widgets side by side.
 QHBoxLayout* NewRow(std::initializer_list<QWidget*> widgets);
 
-/// A label for `box` at the side of the form. A "&" in the text makes a key.
+/// Adds a label for `box` at the side of the form. A "&" in the text defines a key.
 QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget* box);
 QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget* box, QLayout* row);
 
-/// For short numbers: no wider than it needs to be.
+/// For short numbers: makes the box no wider than necessary.
 void KeepShort(QLineEdit& box);
 
-/// A label for text that changes and can be copied. The accessible name says what it tells.
+/// Returns a label for text that changes and can be copied. The accessible name says what the text means.
 QLabel* NewFigure(const char* name, const QString& accessibleName, QWidget* page);
 
 QLabel* NewLabel(const char* name, const QString& text, QWidget* page);
 
-/// An explanation that wraps.
+/// Returns an explanation that wraps.
 QLabel* NewExplanation(const QString& text, QWidget* page);
 
 }  // namespace korvane

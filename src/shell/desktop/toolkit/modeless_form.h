@@ -1,5 +1,5 @@
-// One window of its kind that stands beside the others: made when it is asked for, gone when the operator closes it, and when
-// the window goes over which it stands.
+// A modeless window of which only one exists: created on request, destroyed when the operator closes it or its parent window is
+// destroyed.
 #pragma once
 
 #include <QApplication>
@@ -8,7 +8,7 @@
 
 namespace korvane {
 
-/// Form is a window that is deleted when it is closed and takes its parent as its only argument.
+/// Form must be a window that is deleted when it is closed and has its parent as its only constructor argument.
 template <class Form>
 class ModelessForm {
 public:
@@ -17,12 +17,12 @@ public:
     ModelessForm(const ModelessForm&) = delete;
     ModelessForm& operator=(const ModelessForm&) = delete;
 
-    /// The window over which the next Show makes it; null: none.
+    /// Sets the parent for the next Show that creates the window; null: none.
     void SetParent(QWidget* parent) { parent_ = parent; }
 
-    /// Brings it to the front, over the dialog that is open, or else over the parent. What it shows stays.
+    /// Brings it to the front, over the open dialog if there is one, else over the parent. Its content stays.
     void Show() {
-        // A window beside a dialog that is open could not be reached; one over it can.
+        // A window beside an open modal dialog could not be used; a child of the dialog can.
         QWidget* dialog = QApplication::activeModalWidget();
         QWidget* const parent = dialog != nullptr ? dialog : parent_.data();
         if (form_ == nullptr) form_ = new Form(parent);
@@ -32,10 +32,9 @@ public:
         form_->activateWindow();
     }
 
-    /// On the screen.
     bool Visible() const { return form_ != nullptr && form_->isVisible(); }
 
-    /// Null when it is not open.
+    /// Returns null when it is not open.
     Form* TheForm() const { return form_; }
 
 private:

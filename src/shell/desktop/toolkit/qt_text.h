@@ -1,4 +1,4 @@
-// Text between the rooms, where it is UTF-8 in std::string, and the windows, where it is QString.
+// Conversion of text between the rooms (UTF-8 in std::string) and the windows (QString).
 #pragma once
 
 #include <QString>
@@ -11,7 +11,7 @@ inline QString Q(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// As Q, with the line ends that a window shows.
+/// Like Q, with the line ends of a window.
 inline QString Lines(std::string_view text) {
     return Q(text).replace("\r\n", "\n");
 }

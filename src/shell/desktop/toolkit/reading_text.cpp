@@ -11,7 +11,7 @@
 namespace korvane {
 namespace {
 
-constexpr int kSpare = 2;  ///< pixels without which the box takes its last line for one that is cut off
+constexpr int kSpare = 2;  ///< spare pixels, without which the box considers its last line cut off
 
 }  // namespace
 
@@ -35,7 +35,7 @@ void ReadingText::SetLines(int lines) {
     setFixedHeight(HeightOfLines(lines));
 }
 
-// Measured on a document of its own, since this one is laid out only where it is seen.
+// Measured in a separate document, since this one is laid out only when it is visible.
 void ReadingText::FitText(int characters, int lines) {
     const QString text = toPlainText();
     QTextDocument measured;
@@ -45,13 +45,13 @@ void ReadingText::FitText(int characters, int lines) {
     wrapping.setWrapMode(wordWrapMode());
     measured.setDefaultTextOption(wrapping);
     measured.setPlainText(
-        text.left(qsizetype{characters} * (lines + 1)));  // the rest of a text of a megabyte cannot be seen at once
+        text.left(qsizetype{characters} * (lines + 1)));  // the rest of a megabyte of text cannot be seen at once
     measured.setTextWidth(fontMetrics().averageCharWidth() * characters);
 
     const int height = static_cast<int>(std::ceil(measured.size().height())) + kSpare + 2 * frameWidth();
     const int most = HeightOfLines(lines);
     const bool scrolls = height > most;
-    // A scroll bar that comes and goes takes the width by which the text wraps, and then it is needed.
+    // A scroll bar that appears would reduce the width for wrapping, and would then become necessary.
     setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     const int scrollBar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
     const int margins = 2 * (frameWidth() + static_cast<int>(std::ceil(document()->documentMargin())));

@@ -1,4 +1,4 @@
-// A page of a dialog that scrolls where the screen has no room for it, and otherwise is as large as what stands on it.
+// A page of a dialog that scrolls if the screen is too small for it, and otherwise is as large as its content.
 #pragma once
 
 #include <QScrollArea>
@@ -7,7 +7,7 @@ namespace korvane {
 
 class ScrolledPage : public QScrollArea {
 public:
-    /// `page` belongs to this from here on.
+    /// Takes ownership of `page`.
     explicit ScrolledPage(QWidget* page) {
         setFrameShape(QFrame::NoFrame);
         setWidgetResizable(true);

@@ -1,4 +1,4 @@
-// The status log of the main window: the newest line on top, and an end.
+// The status log of the main window: the newest line at the top, and a limited length.
 #pragma once
 
 #include <QPlainTextEdit>
@@ -10,7 +10,7 @@ class StatusBox : public QPlainTextEdit {
 public:
     StatusBox();
 
-    /// Puts the line on top. Of all of them 15000 characters stay. Somebody who has scrolled to older lines goes on reading them.
+    /// Adds the line at the top and keeps 15000 characters in all. The view does not move while the operator reads older lines.
     void AddLine(const QString& line);
 };
 

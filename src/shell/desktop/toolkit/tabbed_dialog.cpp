@@ -16,7 +16,7 @@ namespace korvane {
 namespace {
 
 constexpr int kStatusLines = 5;
-constexpr qsizetype kStatusCharacters = 15000;  // what a server answers may have megabytes
+constexpr qsizetype kStatusCharacters = 15000;  // a server's answer may be megabytes
 
 QPushButton* Named(QPushButton* button, const char* name) {
     button->setObjectName(name);
@@ -74,8 +74,8 @@ void TabbedDialog::WatchForHelp(Help helpOnInput) {
     }
 }
 
-// A focus that only comes back with the window, behind a message for one, is not: the status line keeps what the message was
-// about.
+// Returns false for a focus that only returns with the window, such as after a message: the status line then keeps the text that
+// belongs to the message.
 bool TabbedDialog::IsNews(const QFocusEvent& event) const {
     return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
 }
@@ -103,7 +103,7 @@ void TabbedDialog::ShowPageOf(QWidget* input) {
     if (page >= 0) static_cast<ScrolledPage*>(tabPages_->widget(page))->ensureWidgetVisible(input);
 }
 
-// Showing a dialog focuses its first input, which is no reason to talk over what the status line begins with.
+// Showing a dialog focuses its first input, which must not replace the initial text of the status line.
 void TabbedDialog::setVisible(bool visible) {
     const RaisedFlag showing(showing_);
     QDialog::setVisible(visible);

@@ -1,5 +1,5 @@
-// What the dialogs of settings have in common: pages behind tabs, which scroll where the screen has no room for them, a status
-// line that explains the page and the input where the operator is, and OK and Cancel.
+// The common part of the settings dialogs: pages in tabs, which scroll if the screen is too small for them, a status line that
+// explains the current page and input, and OK and Cancel.
 #pragma once
 
 #include <QDialog>
@@ -15,31 +15,31 @@ namespace korvane {
 
 class ReadingText;
 
-/// Window-modal, made with open(); deleted when it is closed.
+/// Window-modal, shown with open(); deleted when it is closed.
 class TabbedDialog : public QDialog {
 public:
     void setVisible(bool visible) override;
     void done(int result) override;
 
 protected:
-    /// Finds what the status line says, by the name of an input; blank for one without help.
+    /// Returns the status line's text by the name of an input; empty if there is no help.
     using Help = std::string_view (*)(std::string_view);
 
     TabbedDialog(const char* name, const QString& title, QWidget* parent);
 
     void AddPage(QWidget* page, const QString& title);
-    /// Once, behind the last page, for the keyboard goes through them in this order. Gives the dialog's own command, which stands
-    /// at the left of "cmdOk" and "cmdCancel".
+    /// Must be called once, after the last page, since keyboard navigation follows this order. Returns the dialog's own command,
+    /// which is at the left of "cmdOk" and "cmdCancel".
     QPushButton* AddStatusAndButtons(const char* name, const QString& command, const std::function<void()>& cmdOk_Click);
 
-    /// Every input that there is by now tells about itself as it gets the focus.
+    /// From now on every existing input shows its help when it gets the focus.
     void WatchForHelp(Help helpOnInput);
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     void SetStatus(std::string_view text);
     int IndexOfPage(const QWidget* input) const;
     void ShowPageOf(QWidget* input);
-    /// It has been: commands that waited for something end without a word.
+    /// Returns whether it has been closed: commands that waited then end without a message.
     bool IsClosed() const { return closed_; }
 
     QTabWidget* tabPages_;

@@ -1,4 +1,4 @@
-// What a test sends and receives, in a window of its own as long as the operator has it open.
+// Shows what a test sends and receives, in a separate window while the operator has it open.
 #pragma once
 
 #include <string>
@@ -11,9 +11,9 @@ namespace korvane {
 
 class ConversationViewer : public ConversationWindow {
 public:
-    /// The window over which Show puts it. When that goes, this window goes with it.
+    /// Sets the window over which Show puts it. When that is destroyed, this window is too.
     void SetParent(QWidget* parent) { form_.SetParent(parent); }
-    /// Null when it is not open.
+    /// Returns null when it is not open.
     frmReqRes* TheForm() const { return form_.TheForm(); }
 
     bool Visible() const override { return form_.Visible(); }

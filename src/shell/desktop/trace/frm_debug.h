@@ -1,4 +1,4 @@
-// The window with the conversations with mail servers, line by line.
+// The window that shows the conversations with mail servers, line by line.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace korvane {
 
-/// Shown with show(): mail goes on writing to it.
+/// Shown with show(), while mail continues to write to it.
 class frmDebug : public TraceWindow {
 public:
     explicit frmDebug(QWidget* parent);

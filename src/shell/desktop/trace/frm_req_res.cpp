@@ -13,7 +13,7 @@ QString Ruled(const QString& text) {
     return text + "\n" + QString(kRule, '-') + "\n";
 }
 
-/// The lowest of the dialogs over which it opens, which is the editor. Null where there is none.
+/// Returns the lowest of the dialogs over which it opens, which is the editor, or null if there is none.
 const QWidget* EditorBelow(const QWidget* parent) {
     const QWidget* editor = nullptr;
     for (; parent != nullptr; parent = parent->parentWidget()) {
@@ -32,7 +32,7 @@ frmReqRes::frmReqRes(QWidget* parent) : TraceWindow("Request and Response", pare
 void frmReqRes::PlaceBeside(const QWidget& editor) {
     const QRect screen = editor.screen()->availableGeometry();
     const QRect taken = editor.frameGeometry();
-    const QSize frame = taken.size() - editor.size();  // this window gets the same one
+    const QSize frame = taken.size() - editor.size();  // this window gets a frame of the same size
     const QSize wanted = size() + frame;
     const int left = taken.left() - screen.left();
     const int right = screen.right() - taken.right();
@@ -50,7 +50,7 @@ void frmReqRes::setRequest(const std::string& text) {
 }
 
 void frmReqRes::setResponse(const std::string& text) {
-    // The window keeps no more than this, and a page may have many megabytes.
+    // The window keeps no more than this, and a page may be many megabytes.
     const std::size_t kept = std::min(text.size(), std::size_t{4} * kMostOfATrace);
     Append(Ruled("Response: " + Lines(std::string_view(text).substr(text.size() - kept))));
 }

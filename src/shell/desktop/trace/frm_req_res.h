@@ -1,4 +1,4 @@
-// The window with what a test sent to a server and what came back.
+// The window that shows what a test sent to a server and what came back.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace korvane {
 
-/// Shown with show(): the test goes on writing to it. It opens beside the editor, narrower where there is less room, and over it
-/// only where there is not half of the room that it wants.
+/// Shown with show(), while the test continues to write to it. It opens beside the editor, narrower if there is less space, and
+/// over the editor only if there is less than half of the space that it needs.
 class frmReqRes : public TraceWindow {
 public:
     explicit frmReqRes(QWidget* parent);

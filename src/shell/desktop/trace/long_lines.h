@@ -1,5 +1,5 @@
-// Lines without an end, as a page of a server may be: a text box lays each line out at once, in a time that grows with the
-// square of its length.
+// Handles extremely long lines, which a server's page may contain: a text box lays out each line at once, in a time that grows
+// with the square of its length.
 #pragma once
 
 #include <QString>

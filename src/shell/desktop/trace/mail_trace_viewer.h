@@ -1,4 +1,4 @@
-// What mail servers are told and answer, in a window of its own as long as the operator has it open.
+// Shows the conversations with mail servers in a separate window while the operator has it open.
 #pragma once
 
 #include <string>
@@ -11,9 +11,9 @@ namespace korvane {
 
 class MailTraceViewer : public MailTrace {
 public:
-    /// The window over which Show puts it. When that goes, this window goes with it.
+    /// Sets the window over which Show puts it. When that is destroyed, this window is too.
     void SetParent(QWidget* parent) { form_.SetParent(parent); }
-    /// Null when it is not open.
+    /// Returns null when it is not open.
     frmDebug* TheForm() const { return form_.TheForm(); }
 
     bool Visible() const { return form_.Visible(); }

@@ -42,7 +42,7 @@ QSize TraceBox::sizeHint() const {
 void TraceBox::Append(const QString& text) {
     QScrollBar& bar = *verticalScrollBar();
     const bool atEnd = bar.value() == bar.maximum();
-    const QTextCursor top(firstVisibleBlock());  // goes with its line when those above it are dropped
+    const QTextCursor top(firstVisibleBlock());  // moves with its line when the lines above it are dropped
     const int below = bar.value() - top.block().firstLineNumber();
 
     QTextCursor selection = textCursor();
@@ -51,14 +51,14 @@ void TraceBox::Append(const QString& text) {
     QTextCursor end(document());
     end.movePosition(QTextCursor::End);
     end.insertText(WithoutEndlessLines(text.right(kMostOfATrace)));
-    selection.setPosition(anchor);  // what comes does not lengthen a selection at the end
+    selection.setPosition(anchor);  // so that new text does not lengthen a selection at the end
     selection.setPosition(position, QTextCursor::KeepAnchor);
     setTextCursor(selection);
     DropOldest();
     bar.setValue(atEnd ? bar.maximum() : top.block().firstLineNumber() + below);
 }
 
-// More than the excess goes at once, so that a window that is full does not drop lines with each one that comes.
+// Drops more than the excess at once, so that a full window does not drop lines with each new one.
 void TraceBox::DropOldest() {
     const int count = document()->characterCount();
     if (count <= kMostOfATrace) return;

@@ -1,7 +1,7 @@
 // Room `trace`: the windows that show conversations as they happen.
 //
-// A window that text is added to as long as it is open: read only, with letters of one width, and a limit that no session of
-// ordinary length comes to, so that it may stay open for a year.
+// A read-only window to which text is added while it is open, in a fixed-width font, with a limit that no ordinary session
+// reaches, so that it may stay open for a year.
 #pragma once
 
 #include <QDialog>
@@ -9,10 +9,10 @@
 
 namespace korvane {
 
-/// Characters that are kept. The oldest lines go first, and a line at the top says so.
+/// Characters that are kept. The oldest lines are dropped first, and a line at the top says so.
 constexpr int kMostOfATrace = 10'000'000;
 
-/// Stays at the end when it is at the end, and on the same lines otherwise. A selection stays.
+/// Follows the end if it shows the end, and otherwise stays on the same lines. A selection stays.
 class TraceBox : public QPlainTextEdit {
 public:
     explicit TraceBox(QWidget* parent);
