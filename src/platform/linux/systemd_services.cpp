@@ -132,7 +132,7 @@ private:
         }
     }
 
-    // One descriptor stands for the bus, whose wanted events change, and for the limit.
+    // Combines the bus, whose awaited events change, and the limit in one descriptor.
     int WatchBus() {
         const int descriptor = ::sd_bus_get_fd(bus_.get());
         const int wanted = ::sd_bus_get_events(bus_.get());

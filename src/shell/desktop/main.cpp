@@ -1,4 +1,4 @@
-// The program with its windows: what the executable loads where there is a display.
+// The program with its windows: the module that the executable loads if there is a display.
 #include <QApplication>
 #include <QByteArray>
 #include <QSessionManager>
@@ -18,8 +18,8 @@ namespace {
 constexpr const char* kPlatforms = "QT_QPA_PLATFORM";
 constexpr const char* kNoDisplay = "minimal";
 
-/// The application, on a platform that bears a dead display: one that is named but not there ends a Qt program on the spot,
-/// unless there is one more platform to fall back on. What we start inherits none of that.
+/// The application, which survives a dead display: Qt ends a program at once if the named display does not answer, unless there
+/// is another platform to fall back on. Child processes do not inherit this setting.
 class Application : public QApplication {
 public:
     static std::unique_ptr<Application> Make(int& argc, char** argv) {
@@ -38,7 +38,7 @@ public:
 
     using QApplication::QApplication;
 
-    /// Nothing that a command throws may end the monitor.
+    /// An exception in a command must not end the monitor.
     bool notify(QObject* receiver, QEvent* event) override {
         try {
             return QApplication::notify(receiver, event);
@@ -49,7 +49,7 @@ public:
     }
 };
 
-// The session ends, perhaps with the power: everything is saved, and the program goes on until it is ended with the session.
+// The session ends, perhaps with a power-off: everything is saved, and the program continues until the session ends it.
 void SaveWithTheSession(Run& run) {
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, [&run](QSessionManager&) { run.SaveOnExit(); });
 }

@@ -44,7 +44,7 @@ namespace {
 
 constexpr int kCannotGoOn = 1;
 constexpr const char* kNoGlib = "QT_NO_GLIB";
-/// Of the desktop's theme.
+/// The icon's name in the desktop's theme.
 constexpr const char* kIconName = "korvane";
 
 std::string CommandLine(int argc, char** argv) {

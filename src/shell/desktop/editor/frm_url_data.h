@@ -48,14 +48,14 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // frm_url_data.cpp
+    // Implemented in frm_url_data.cpp.
     void BuildPages();
     void Form_Load(bool isAddUrl);
     void InitServerTypes(const EntryFields& fields, bool fillList);
     EntryFields Read() const;
     void cmdOk_Click();
 
-    // frm_url_data_typing.cpp
+    // Implemented in frm_url_data_typing.cpp.
     void ConnectTyping();
     void NameChanged();
     void TimeoutChanged();
@@ -64,7 +64,7 @@ private:
     bool ExplainFixedBox(const QObject* label);
     void WatchFixedBoxes();
 
-    // frm_url_data_commands.cpp
+    // Implemented in frm_url_data_commands.cpp.
     void ConnectCommands();
     void SetBusy(bool busy);
     void cmdTestEmail_Click();

@@ -98,7 +98,7 @@ void frmSvcMon::ShowFigures() {
     const int count = static_cast<int>(services.size());
     if (grdSvc_->rowCount() != count + 1) {
         grdSvc_->setRowCount(0);
-        grdSvc_->setRowCount(count + 1);  // the last row stays blank
+        grdSvc_->setRowCount(count + 1);
     }
     for (int row = 0; row < count; ++row)
         ShowRow(row, services[static_cast<std::size_t>(row)]);

@@ -57,7 +57,7 @@ public:
     std::function<void(const FileQuestion& question, std::function<void(const QString& path)> chosen)> askForFile;
 
 private:
-    // frm_options.cpp
+    // Implemented in frm_options.cpp.
     void BuildPages();
     void Form_Load();
     void LoadService();
@@ -68,13 +68,13 @@ private:
     void cmdOk_Click();
     void Refuse(QLineEdit& box, const std::string& message);
 
-    // frm_options_typing.cpp
+    // Implemented in frm_options_typing.cpp.
     void ConnectTyping();
     void ProxyNameChanged();
     void ShowChoices(bool reboot);
     void RebootToggled(bool reboot);
 
-    // frm_options_commands.cpp
+    // Implemented in frm_options_commands.cpp.
     void ConnectCommands();
     void ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked));
     void cmdTestEmail_Click();
