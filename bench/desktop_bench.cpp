@@ -6,11 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/qt_desktop.h"
-#include "shell/desktop/main/frm_monitor.h"
+#include "desktop/desktop_test.h"
 #include "shell/list/server_list.h"
-#include "shell/program.h"
-#include "support/test_database.h"
 
 namespace korvane {
 namespace {
@@ -34,21 +31,20 @@ std::vector<Entry> Entries() {
 /// The whole program with its window, in virtual time.
 struct Desktop {
     Desktop() {
-        database.AddMany(Entries());
-        window->Attach(program->run, [] {});
-        program->run.StartUp();
+        window->Attach(world->run, [] {});
+        world->Start();
+        world->rows.AddMany(Entries());
         window->show();
         QApplication::processEvents();
     }
-    ~Desktop() { window.reset(); }  // its timers are the program's
+    ~Desktop() { window.reset(); }  // its timers are those of the program
 
-    const QtDesktop first;
-    TestDatabase database;
     std::unique_ptr<frmMonitor> window;
-    std::unique_ptr<Program> program = std::make_unique<Program>(database.Folder(), KORVANE_DIST_DIR, "", [this](Timers& timers) {
+    std::unique_ptr<World> world = std::make_unique<World>(World::Setup{.makeFace = [this](Timers& timers) {
+        NeedDesktop();
         window = std::make_unique<frmMonitor>(timers);
-        return DesktopOfProgram{.person = window.get(), .window = window.get()};
-    });
+        return WorldFace{.person = window.get(), .window = window.get()};
+    }});
 };
 
 void Refresh(benchmark::State& state) {

@@ -15,9 +15,9 @@
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/qt_timer.h"
 #include "support/loopback_server.h"
-#include "support/memory_files.h"
 #include "support/qt_application.h"
 #include "support/recording_operator.h"
+#include "support/temporary_folder.h"
 
 namespace korvane {
 namespace {
@@ -46,10 +46,10 @@ struct Desk {
     LinuxFiles files;
     LinuxGuidSource guids;
     QtTcpSocket socket;
-    MemoryFiles logFiles;
+    TemporaryFolder home;
     RecordingOperator person;
     StatusLog status{person, clock};
-    Log log{logFiles, clock, "/home/korvane", "1.0.0"};
+    Log log{files, clock, home.Path(), "1.0.0"};
 };
 
 double CpuSeconds() {
@@ -109,7 +109,8 @@ BENCHMARK(BM_SilentServer)->Unit(benchmark::kSecond)->UseRealTime()->Iterations(
 /// Reading and encoding 20 MB with a timer of 10 ms beside it: `longest_ms` is the longest time that timer had to wait.
 void BM_AttachmentOf20MB(benchmark::State& state) {
     Desk desk;
-    desk.logFiles.Replace("/big.bin", std::string(20 << 20, '\xA5'));
+    const std::string file = desk.home.Path() + "/big.bin";
+    desk.files.Replace(file, std::string(20 << 20, '\xA5'));
     QtTimers timers;
     auto last = desk.clock.GetTickCount();
     std::chrono::milliseconds longest{0};
@@ -122,8 +123,8 @@ void BM_AttachmentOf20MB(benchmark::State& state) {
     timer->SetEnabled(true);
     for (auto _ : state) {
         MailProperties mail;
-        mail.AttachFiles = {"/big.bin"};
-        MailMessage message({desk.logFiles, desk.clock, desk.events, desk.guids}, mail);
+        mail.AttachFiles = {file};
+        MailMessage message({desk.files, desk.clock, desk.events, desk.guids}, mail);
         last = desk.clock.GetTickCount();
         message.Prepare({});
     }

@@ -13,9 +13,12 @@
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
 #include "platform/qt/sql_store.h"
-#include "reports/reports_rig.h"
+#include "reports/pipeline.h"
+#include "store/ini_file.h"
 #include "store/schema.h"
 #include "support/qt_application.h"
+#include "support/recording_operator.h"
+#include "support/virtual_world.h"
 
 namespace korvane {
 namespace {
@@ -102,6 +105,39 @@ public:
 
 private:
     std::string path_;
+};
+
+/// The room of reports. Templates, pictures and database are in `dir`, the pages go below `dir`/Reports.
+struct ReportsRig {
+    ReportsRig(Files& theFiles, Store& theStore, Events& events, VirtualWorld& theWorld, const std::string& dir,
+               const Clock& clock)
+        : world(theWorld),
+          files(theFiles),
+          store(theStore),
+          root(dir + "/Reports"),
+          ini(theFiles, dir + "/ids.ini"),
+          ids(ini, world.clock),
+          status(person, world.clock),
+          reports({store, clock, events, person, files, status, settings, ids}, dir) {
+        settings.setKvSettingsColValue("ReportPath", root);
+    }
+
+    std::string Publish(bool bQuiet = false) {
+        std::string strErr = "";
+        reports.PublishReports(bQuiet, strErr);
+        return strErr;
+    }
+
+    VirtualWorld& world;
+    Files& files;
+    Store& store;
+    std::string root;
+    RecordingOperator person;
+    SettingsCollection settings;
+    IniFile ini;
+    ServerIds ids;
+    StatusLog status;
+    Reports reports;
 };
 
 void FullPublish(benchmark::State& state, bool hourBegins) {

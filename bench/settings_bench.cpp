@@ -1,28 +1,28 @@
 // The cost of the settings file: a Save of all entries into a new file, over itself and over changed values, reading them back,
-// and one id. Files are in memory, so that no disk is in the figures, but for NewIdOnDisk, whose file is in /dev/shm; entries
-// have all their 27 keys.
+// and one id. Files are in /dev/shm, so that no disk is in the figures; entries have all their 27 keys.
 #include <benchmark/benchmark.h>
 
-#include "platform/linux/linux_files.h"
-#include "store/store_rig.h"
+#include "support/world.h"
 
 namespace korvane {
 namespace {
 
-struct SettingsBench : StoreRig {
-    explicit SettingsBench(std::int64_t entries) {
-        PutSettings("bAllInDB=True\nNumURLs=" + std::to_string(entries) + "\n");
-        run = std::make_unique<LoadedRun>(*this);
-        run->settings.cmdSave();
+struct SettingsBench {
+    explicit SettingsBench(std::int64_t entries) : world({.settings = "bAllInDB=True\nNumURLs=" + std::to_string(entries)}) {
+        desk.settings.ReadInGlobalSettings();
+        desk.entries.readURLData(desk.settings.GetTotalURLs());
+        desk.settings.cmdSave();
     }
-    std::unique_ptr<LoadedRun> run;
+    World world;
+    Desk desk = world.run.TheDesk();
+    const std::string file = desk.settingsFile.Path();
 };
 
 void SaveNewFile(benchmark::State& state) {
     SettingsBench bench(state.range(0));
     for (auto _ : state) {
-        bench.disk.Remove(bench.run->file.Path());
-        bench.run->settings.cmdSave();
+        bench.world.disk.Remove(bench.file);
+        bench.desk.settings.cmdSave();
     }
     state.SetComplexityN(state.range(0));
 }
@@ -31,17 +31,17 @@ BENCHMARK(SaveNewFile)->Arg(50)->Arg(500)->Complexity()->Unit(benchmark::kMillis
 void SaveUnchanged(benchmark::State& state) {
     SettingsBench bench(state.range(0));
     for (auto _ : state)
-        bench.run->settings.cmdSave();
+        bench.desk.settings.cmdSave();
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(SaveUnchanged)->Arg(50)->Arg(500)->Complexity()->Unit(benchmark::kMillisecond);
 
 void SaveOverChangedFile(benchmark::State& state) {
     SettingsBench bench(state.range(0));
-    const std::string changed = ReplaceAll(bench.SettingsText(), "notepad.exe", "gedit");
+    const std::string changed = ReplaceAll(ReadAll(bench.file), "notepad.exe", "gedit");
     for (auto _ : state) {
-        bench.disk.Replace(bench.run->file.Path(), changed);
-        bench.run->settings.cmdSave();
+        bench.world.disk.Replace(bench.file, changed);
+        bench.desk.settings.cmdSave();
     }
     state.SetComplexityN(state.range(0));
 }
@@ -50,7 +50,7 @@ BENCHMARK(SaveOverChangedFile)->Arg(50)->Arg(500)->Complexity()->Unit(benchmark:
 void ReadEntries(benchmark::State& state) {
     SettingsBench bench(state.range(0));
     for (auto _ : state)
-        bench.run->entries.readURLData(bench.run->settings.GetTotalURLs());
+        bench.desk.entries.readURLData(bench.desk.settings.GetTotalURLs());
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(ReadEntries)->Arg(50)->Arg(500)->Complexity()->Unit(benchmark::kMillisecond);
@@ -58,21 +58,9 @@ BENCHMARK(ReadEntries)->Arg(50)->Arg(500)->Complexity()->Unit(benchmark::kMillis
 void NewId(benchmark::State& state) {
     SettingsBench bench(state.range(0));
     for (auto _ : state)
-        benchmark::DoNotOptimize(bench.run->ids.NewServerID());
+        benchmark::DoNotOptimize(bench.desk.ids.NewServerID());
 }
 BENCHMARK(NewId)->Arg(0)->Arg(500)->Unit(benchmark::kMicrosecond);
-
-void NewIdOnDisk(benchmark::State& state) {
-    const SettingsBench bench(state.range(0));
-    const std::string path = SettingsFilePath(bench.dir);
-    LinuxFiles files;
-    files.Replace(path, bench.SettingsText());
-    IniFile file(files, path);
-    ServerIds ids(file, bench.run->world.clock);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(ids.NewServerID());
-}
-BENCHMARK(NewIdOnDisk)->Arg(0)->Arg(500)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace korvane

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "desktop/qt_desktop.h"
+#include "desktop/desktop_test.h"
 #include "platform/linux/linux_system_info.h"
 #include "shell/desktop/monitors/frm_cpu_monitor.h"
 #include "shell/desktop/monitors/frm_disk_monitor.h"
@@ -14,8 +14,6 @@
 #include "shell/desktop/monitors/frm_svc_mon.h"
 #include "shell/desktop/monitors/load_chart.h"
 #include "shell/desktop/monitors/resource_windows.h"
-#include "shell/program.h"
-#include "support/test_database.h"
 
 namespace korvane {
 namespace {
@@ -26,7 +24,7 @@ constexpr int kServices = 300;
 constexpr QSize kChart(600, 200);
 
 void ChartRedraw(benchmark::State& state) {
-    const QtDesktop first;
+    NeedDesktop();
     LoadChart chart(nullptr);
     chart.resize(kChart);
     std::vector<std::int32_t> samples(CpuMonitor::kSamples);
@@ -70,9 +68,10 @@ struct Windows {
         }
     }
 
-    const QtDesktop first;
-    TestDatabase database;
-    Program program{database.Folder()};
+    World program{[] {
+        NeedDesktop();
+        return World::Setup{};
+    }()};
     LinuxSystemInfo machine;
     MonitorPorts ports = MonitorPortsOf(program.run.TheDesk());
     frmCPUMonitor cpu{ports, machine};

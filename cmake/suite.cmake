@@ -2,6 +2,7 @@
 # process, so that what its cases share is made once; its results stand in results/<name>.xml of the build folder.
 function(korvane_suite name)
   add_executable(test_${name} ${ARGN})
+  set_target_properties(test_${name} PROPERTIES UNITY_BUILD ${KORVANE_UNITY} UNITY_BUILD_BATCH_SIZE 5)
   target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(test_${name} PRIVATE korvane_test_support GTest::gtest GTest::gtest_main)
   target_compile_definitions(test_${name} PRIVATE

@@ -1,204 +1,134 @@
 // The accounts of an entry: every short sequence of successes and failures, the numbers, and the times of the next check.
-#include "engine/outcome.h"
-
-#include <gtest/gtest.h>
-
 #include <limits>
+#include <map>
 
-#include "base/text.h"
-#include "engine/engine_world.h"
+#include "engine/engine_test.h"
 
 namespace korvane {
 namespace {
 
-using namespace std::chrono_literals;
-using std::chrono::seconds;
-
-/// One entry whose checks the test decides, without a cycle.
-struct Account {
-    explicit Account(const Entry& entry = {}) {
-        engine.TimerMonitorDB->SetEnabled(false);
-        id = engine.database.Add(entry);
-    }
-
-    void Check(bool success, std::chrono::milliseconds took = 100ms, const std::string& reason = "no answer") {
-        const auto conn = engine.store.NewConnection();
-        conn->SetConnectionString(engine.database.DriverString());
-        conn->Open();
-        const auto rs = engine.store.NewRecordset();
-        rs->Open("SELECT * from servers where id=" + std::to_string(id), *conn, CursorType::Keyset, LockType::Pessimistic);
-        if (success) {
-            engine.accounting.DoSuccess(*rs, took);
-        } else {
-            engine.accounting.DoFailure(*rs, *conn, "", reason);
-        }
-        row = engine.database.Server(id);
-    }
-
-    seconds UntilNext() { return row.at("dtNextCheck").When() - engine.world.clock.Now(); }
-    std::string Status() { return row.at("strCurStatus").Text(); }
-
-    EngineWorld engine;
-    std::int64_t id = 0;
-    Row row;
-};
-
 TEST(Accounting, FollowsTheStateTableForEveryShortSequence) {
-    constexpr int kLength = 6;
-    for (int nTries = 1; nTries <= 3; ++nTries) {
-        for (int sequence = 0; sequence < (1 << kLength); ++sequence) {
-            Account account({.strDesc = "x", .nTries = nTries});
-            std::vector<std::string> expectedCalls;
-            int inARow = 0;
-            int failures = 0;
-            for (int i = 0; i < kLength; ++i) {
-                const bool success = ((sequence >> i) & 1) != 0;
-                account.Check(success);
-                if (success) {
-                    if (inARow >= nTries) expectedCalls.push_back("up x");
-                    inARow = 0;
-                } else {
-                    ++failures;
-                    if (++inARow == nTries) expectedCalls.push_back("down x");
-                }
-                const std::string expected = inARow == 0 ? "UP" : inARow < nTries ? "Failing" : "DOWN";
-                ASSERT_EQ(account.Status(), expected) << "sequence " << sequence << " step " << i << " nTries " << nTries;
-                ASSERT_EQ(account.row.at("nTriesCur"), Value(inARow));
-            }
-            ASSERT_EQ(account.engine.actions.calls, expectedCalls) << "sequence " << sequence << " nTries " << nTries;
-            ASSERT_EQ(account.engine.database.Count("Failures"), failures);
+    constexpr int kLength = 6, kSequences = 1 << kLength, kTenHours = 36000;
+    Engine engine({}, "GlobalRetryDuration=" + std::to_string(kTenHours));
+    std::map<std::string, Texts> expected, started;
+    std::vector<int> inARow(3 * kSequences);
+    int failures = 0;
+    const auto triesOf = [](std::size_t i) { return 1 + static_cast<int>(i) / kSequences; };
+    for (std::size_t i = 0; i < inARow.size(); ++i) {
+        const std::string name = std::to_string(i);
+        const Value nTries = triesOf(i) == 3 ? Value() : Value(triesOf(i));  // an empty one counts as three
+        engine.Add(Web(Columns("strAddress_IP nTries nIntervalSeconds strCMD strCMDUP", name, nTries, kTenHours, "down " + name,
+                               "up " + name)));
+        for (int step = 0; step < kLength; ++step) {
+            VirtualPage& page = engine.net.Page("http://" + name);
+            ((i >> step) & 1) != 0 ? page.Answer("ok") : page.Fail("no", 500ms);
         }
     }
+    for (int step = 0; step < kLength; ++step) {
+        engine.RunFor(5min);
+        const std::vector<Row> rows = engine.rows.Rows("Servers");
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            const bool success = ((i >> step) & 1) != 0;
+            if (success && inARow[i] >= triesOf(i)) expected[std::to_string(i)].push_back("up");
+            inARow[i] = success ? 0 : inARow[i] + 1;
+            if (inARow[i] == triesOf(i)) expected[std::to_string(i)].push_back("down");
+            failures += success ? 0 : 1;
+            ASSERT_EQ(rows[i].at("strCurStatus").Text(), success                  ? "UP"
+                                                         : inARow[i] < triesOf(i) ? "Failing"
+                                                                                  : "DOWN")
+                << i << " " << step;
+            ASSERT_EQ(rows[i].at("nTriesCur"), Value(inARow[i])) << i << " " << step;
+        }
+        engine.world.MoveClock(std::chrono::seconds(kTenHours));
+    }
+    for (const std::string& command : engine.TakeStarted())
+        if (command[0] != '/') started[command.substr(command.find(' ') + 1)].push_back(command.substr(0, command.find(' ')));
+    EXPECT_EQ(started, expected);
+    EXPECT_EQ(engine.rows.Count("Failures"), failures);
 }
 
 TEST(Accounting, KeepsTheAverages) {
-    Account account;
-    account.Check(true, 200ms);
-    EXPECT_EQ(account.row.at("nPercentUp"), Value(100.0));
-    EXPECT_EQ(account.row.at("nAveResponse"), Value(200.0));
-    account.Check(false);
-    EXPECT_EQ(account.row.at("nPercentUp"), Value(50.0));
-    EXPECT_EQ(account.row.at("nAveResponse"), Value(200.0));
-    account.Check(true, 100ms);
-    EXPECT_DOUBLE_EQ(account.row.at("nPercentUp").Double(), 100.0 - 1.0 / 3 * 100);
-    EXPECT_DOUBLE_EQ(account.row.at("nAveResponse").Double(), (2 * 200.0 + 100) / 3);  // the failure counts in the divisor
-    EXPECT_DOUBLE_EQ(account.row.at("nAveSession").Double(), 150.0);
-    EXPECT_EQ(account.row.at("nTotalSession"), Value(2));
-
-    Account failedFirst;
-    failedFirst.Check(false);
-    EXPECT_EQ(failedFirst.row.at("nPercentUp"), Value(0.0));
+    Engine engine({Web({{"nIntervalSeconds", 3}})});
+    engine.page.Answer("ok", 200ms).Fail("no", 500ms).Answer("ok", 150ms).Silent();
+    engine.RunFor(6s);
+    EXPECT_EQ(engine.Of(1, "nPercentUp,nAveResponse"), "50,200");
+    engine.RunFor(4s);
+    EXPECT_EQ(engine.Of(1, "nAveSession,nTotalSession,nAveResponse"),
+              "175,2," + Value(550 / 3.0).Text());  // the failure counts in the divisor
+    EXPECT_EQ(engine.Of(1, "nPercentUp"), Value(100.0 - 1.0 / 3 * 100).Text());
 }
 
 TEST(Accounting, ChoosesTheNextCheck) {
     struct Case {
-        const char* name;
-        int interval, nTries, nTriesCur;
+        std::int64_t interval;
+        int nTriesCur;
         bool success;
-        int earliest, latest;
+        std::int64_t next;
     };
-    const Case cases[] = {
-        {"success", 300, 3, 0, true, 299, 300},
-        {"no interval", 0, 3, 0, true, 14999, 15000},
-        {"retry at the global pace", 300, 3, 0, false, 60, 60},
-        {"the failure that makes it DOWN", 300, 3, 2, false, 60, 60},
-        {"DOWN for longer", 300, 3, 3, false, 300, 300},
-        {"fiftieth failure", 300, 3, 49, false, 300, 300},
-        {"long outage", 300, 3, 50, false, 1500, 1500},
-        {"own interval shorter than the global pace", 30, 3, 0, false, 30, 30},
-        {"own interval equal to it", 60, 3, 0, false, 60, 60},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Account account({.nTries = c.nTries, .nTriesCur = c.nTriesCur, .nIntervalSeconds = c.interval});
-        account.Check(c.success);
-        EXPECT_GE(account.UntilNext(), seconds(c.earliest));
-        EXPECT_LE(account.UntilNext(), seconds(c.latest));
+    const Case cases[] = {{300, 0, true, 300},  {0, 0, true, 15000},   {300, 0, false, 60},    {300, 2, false, 60},
+                          {300, 3, false, 300}, {300, 49, false, 300}, {300, 50, false, 1500}, {30, 0, false, 30}};
+    Engine engine;
+    for (const Case& c : cases)
+        engine.Add(Ping(
+            Columns("strAddress_IP nTriesCur nIntervalSeconds", c.success ? "10.0.0.1" : "10.0.0.9", c.nTriesCur, c.interval)));
+    engine.Add(Ping({{"nIntervalSeconds", std::int64_t{300000000000}}}));
+    engine.RunFor(40s);
+    for (std::int64_t id = 0; const Case& c : cases) {
+        const Row row = engine.rows.Server(++id);
+        const auto until = (row.at("dtNextCheck").When() - row.at("datelastcheck").When()).count();
+        EXPECT_EQ(std::clamp(until, c.success ? c.next - engine.last : c.next, c.next), until) << id;  // successes are spread
     }
-    Account never;
-    never.engine.database.Change("Servers", never.id, {{"nIntervalSeconds", std::int64_t{300000000000}}});
-    never.Check(true);
-    EXPECT_EQ(never.row.at("dtNextCheck"), Value(DateTime::Last()));
-    Account clamped({.nIntervalSeconds = 0});
-    clamped.Check(true);
-    EXPECT_EQ(clamped.row.at("nIntervalSeconds"), Value(15000));
-}
-
-TEST(Accounting, BlankTriesCountAsThree) {
-    Account account({.strDesc = "x"});
-    account.engine.database.Change("Servers", account.id, {{"nTries", Value()}, {"nIntervalSeconds", 300}});
-    for (const bool success : {false, false, false, true})
-        account.Check(success);
-    EXPECT_EQ(account.engine.actions.calls, (std::vector<std::string>{"down x", "up x"}));
-    EXPECT_EQ(account.engine.database.Count("Failures", "nFailMax = 3"), 3);
+    EXPECT_EQ(engine.Of(engine.last, "dtNextCheck"), DateTime::Last().Text());
 }
 
 TEST(Accounting, RecordsEachFailureWithACopyOfTheEntry) {
-    Account account(
-        {.strGroup = "G", .strDesc = "web", .strAddress_IP = "10.9.9.9", .strType = "HTTP", .strPort = "8080", .nTries = 2});
-    account.Check(false, 0ms, std::string(300, 'r'));
-    account.Check(false, 0ms, "second");
-    const auto failures = account.engine.database.Rows("Failures");
-    ASSERT_EQ(failures.size(), 2u);
-    EXPECT_EQ(failures[0].at("IDParent"), Value(account.id));
-    EXPECT_EQ(failures[0].at("strReason"), Value(std::string(249, 'r')));
-    EXPECT_EQ(failures[0].at("strAction"), Value("None."));
-    EXPECT_EQ(failures[1].at("strAction"), Value(account.engine.actions.strAction));
-    EXPECT_EQ(failures[1].at("strAddress_IP"), Value("10.9.9.9"));
-    EXPECT_EQ(failures[1].at("nFailCount"), Value(2));
-    EXPECT_EQ(failures[1].at("nFailMax"), Value(2));
-    EXPECT_EQ(account.row.at("strLastResponse"), Value("second "));
-}
-
-TEST(Accounting, CountersOverflowAsErrors) {
-    EngineWorld engine;
-    engine.net.Host("10.0.0.1").EchoSilent();
-    engine.database.Add({.nTriesCur = std::numeric_limits<std::int16_t>::max(), .strExpectedText = "1000"});
+    Engine engine({Web({{"strPort", "8080"}, {"nTries", 2}, {"nIntervalSeconds", 5}})});
+    const std::string umlauts = ReplaceAll(std::string(300, 'u'), "u", "ü");
+    engine.page.Fail(umlauts, 500ms).Fail("second", 500ms).Silent();
     engine.RunFor(10s);
-    EXPECT_TRUE(engine.person.Said("DoFailure: Error: Overflow"));
-    EXPECT_EQ(engine.database.Count("Failures"), 0);
-    EXPECT_EQ(engine.settingsFile.Read("KEYGEN", "LASTID", "none"), "none");
-
-    Account failures({.nFail = std::numeric_limits<std::int32_t>::max()});
-    failures.Check(false);
-    EXPECT_TRUE(failures.engine.person.Said("DoFailure: Error: Overflow"));
+    const Row row = engine.rows.Rows("Failures").at(0);
+    EXPECT_EQ(row.at("strReason").Text(), "Reason '" + umlauts.substr(0, 2 * 241));  // 249 characters, not bytes
+    for (const auto& [column, value] : Columns("IDParent nFailCount nFailMax strAction", 1, 1, 2, "None."))
+        EXPECT_EQ(row.at(column), value) << column;
+    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"})
+        EXPECT_EQ(row.at(column).Text(), engine.Of(1, column)) << column;
+    EXPECT_EQ(engine.Of(1, "strLastResponse,nTriesCur"), "Reason 'second' ,2");
 }
 
-TEST(Accounting, SuccessGoesOnPastAColumnThatCannotBeWritten) {
-    Account account({.nTries = 1, .nTriesCur = 1});
-    account.engine.store.faults.Add({.operation = StoreOperation::Write, .forever = true, .about = "nAveSession"});
-    account.engine.store.faults.Add({.operation = StoreOperation::Write, .forever = true, .about = "nSuccess"});
-    account.Check(true);
-    EXPECT_EQ(account.Status(), "UP");
-    EXPECT_EQ(account.row.at("nTriesCur"), Value(0));
-    EXPECT_EQ(account.engine.actions.calls, (std::vector<std::string>{"up entry"}));
+TEST(Accounting, AFailureWhoseCounterOverflowsHasNoRow) {
+    for (const Row& full :
+         {Row{{"nTriesCur", std::numeric_limits<std::int16_t>::max()}}, {{"nFail", std::numeric_limits<std::int32_t>::max()}}}) {
+        Engine engine({Web(full)});
+        engine.page.Fail("no", 500ms);
+        engine.RunFor(10s);
+        EXPECT_TRUE(engine.person.Said("DoFailure: Error: Overflow") && engine.Logged("# DoFailure: Error: Overflow"));
+        EXPECT_EQ(engine.rows.Count("Failures"), 0);
+        EXPECT_EQ(engine.run.TheDesk().settingsFile.Read("KEYGEN", "LASTID", "none"), "none");
+        engine.files.FillDisk();  // ids differ although their counter can't be written
+        const std::string id = engine.run.TheDesk().ids.NewServerID();
+        EXPECT_NE(engine.run.TheDesk().ids.NewServerID(), id);
+    }
 }
 
-TEST(Accounting, ActionsAreNotRepeatedWhileTheRowCannotBeWritten) {
-    using Calls = std::vector<std::string>;
-    Account account({.nTries = 1});
-    const auto breakUpdates = [&] {
-        account.engine.store.faults.Add(
-            {.operation = StoreOperation::Update, .forever = true, .about = "Servers", .description = "disk full"});
-    };
-    breakUpdates();
-    for (int i = 0; i < 3; ++i)
-        account.Check(false);
-    EXPECT_EQ(account.engine.actions.calls, Calls{"down entry"});
-    account.engine.store.faults.Heal();
-    account.Check(false);
-    EXPECT_EQ(account.engine.actions.calls, Calls{"down entry"});
-    EXPECT_EQ(account.engine.database.Query("SELECT strAction FROM Failures ORDER BY dateFail DESC").at(0).at("strAction"),
-              Value(account.engine.actions.strAction));
-
-    breakUpdates();
-    for (int i = 0; i < 3; ++i)
-        account.Check(true);
-    account.engine.store.faults.Heal();
-    account.Check(true);
-    EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry"}));
-    account.Check(false);  // and the next outage is one of its own
-    EXPECT_EQ(account.engine.actions.calls, (Calls{"down entry", "up entry", "down entry"}));
+TEST(Accounting, SaysOnceThatNothingCanBeStoredAndOnceThatItCanAgain) {
+    using Op = StoreOperation;
+    for (const auto& [operation, entry] : {std::pair{Op::Update, Ping()},
+                                           {Op::Commit, Ping({{"strAddress_IP", "10.0.0.9"}})},
+                                           {Op::Update, Web({{"strExpectedText", "Welcome"}})}}) {
+        Engine engine({entry});
+        engine.person.windowVisible = true;
+        engine.page.Answer("an error page", 30ms);
+        engine.store.faults.Add({.operation = operation, .forever = true, .description = "disk full"});
+        engine.RunFor(20s);
+        EXPECT_EQ(engine.person.tray, (Tray{TrayPicture::Error, "Korvane: Outcomes of checks can't be stored! "}));
+        engine.store.faults.Heal();
+        engine.RunFor(20s);
+        EXPECT_NE(engine.person.tray.picture, TrayPicture::Error);
+        const std::string begins = "Outcomes of checks can't be stored, and are lost: disk full";
+        std::erase_if(engine.serviceManager.told, [](const std::string& text) { return !text.starts_with("Outcomes"); });
+        EXPECT_EQ(engine.serviceManager.told, (Texts{begins, "Outcomes of checks are stored again."}));
+        EXPECT_TRUE(engine.person.Said(begins) && engine.Logged("# " + begins));
+    }
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-// The entry that libFuzzer calls.
+// The entry that libFuzzer calls. KORVANE_TARGET is the function of the target.
 #include "fuzz/fuzz.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+#include <cstddef>
+#include <cstdint>
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    korvane::Fuzz({reinterpret_cast<const char*>(data), size});
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    korvane::KORVANE_TARGET({reinterpret_cast<const char*>(data), size});
     return 0;
 }

@@ -1,30 +1,27 @@
-// What every fuzz target stands on: the entry that libFuzzer calls, and a check that ends the run and keeps the input that broke
-// it.
+// What the fuzz targets stand on: a function each, which test_notify calls with the seeds, and a check of what must hold for any input.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
+#include <stdexcept>
 #include <string_view>
 
 namespace korvane {
 
-/// One input. Everything it does must be over when it returns.
-void Fuzz(std::string_view input);
+// One input. Everything that it does is over when it returns.
+void FuzzIni(std::string_view input);
+void FuzzTexts(std::string_view input);
+void FuzzSmtp(std::string_view input);
+void FuzzTcp(std::string_view input);
 
-/// What must hold for any input; `what` says it in words. An exception that leaves Fuzz ends the run in the same way.
+/// An exception that leaves a target ends the run of libFuzzer, which keeps the input.
 inline void Require(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "fuzz: not so: %s\n", what);
-    std::abort();
+    if (!holds) throw std::logic_error(what);
 }
 
-/// Takes the first line, without its line feed, from `input`.
-inline std::string_view TakeLine(std::string_view& input) {
-    const std::string_view line = input.substr(0, input.find('\n'));
-    input.remove_prefix(line.size() < input.size() ? line.size() + 1 : input.size());
-    return line;
+/// Takes what stands before the first `end`, or all, from `input`, with the `end`.
+inline std::string_view TakeUpTo(char end, std::string_view& input) {
+    const std::string_view taken = input.substr(0, input.find(end));
+    input.remove_prefix(taken.size() < input.size() ? taken.size() + 1 : taken.size());
+    return taken;
 }
 
 }  // namespace korvane

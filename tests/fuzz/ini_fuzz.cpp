@@ -1,31 +1,25 @@
-// Settings files as somebody's editor leaves them. An input is a section, a key and a value, a line each, and then the file.
+// Settings files as somebody's editor leaves them. An input is a section, a key and a value, with a "|" after each, and then the file.
 #include <map>
-#include <set>
-#include <string>
-#include <utility>
 
 #include "base/text.h"
 #include "fuzz/fuzz.h"
+#include "platform/linux/linux_files.h"
 #include "store/ini_document.h"
 #include "store/ini_file.h"
-#include "support/memory_files.h"
+#include "support/temporary_folder.h"
 
 namespace korvane {
 namespace {
 
-using Values = std::map<std::pair<std::string, std::string>, std::string>;
+using IniValues = std::map<std::pair<std::string, std::string>, std::string>;
 
 // The values of all keys that the file may hold.
-Values AllValues(const IniDocument& document, std::string_view file) {
-    constexpr std::size_t kMostKeys = 50;
-    std::set<std::string, LessNoCase> keys;
-    while (!file.empty() && keys.size() < kMostKeys) {
-        const std::string_view line = TakeLine(file);
-        keys.insert(Trim(line.substr(0, line.find('='))));
-    }
-    Values values;
-    for (const std::string& section : document.SectionNames()) {
-        for (const std::string& key : keys) {
+IniValues AllValues(const IniDocument& document, std::string_view file) {
+    IniValues values;
+    for (int lines = 0; !file.empty() && lines < 50; ++lines) {
+        const std::string_view line = TakeUpTo('\n', file);
+        const std::string key = Trim(line.substr(0, line.find('=')));
+        for (const std::string& section : document.SectionNames()) {
             const auto value = document.Find(section, key);
             if (value) values[{ToLower(section), ToLower(key)}] = *value;
         }
@@ -33,69 +27,63 @@ Values AllValues(const IniDocument& document, std::string_view file) {
     return values;
 }
 
-struct Setting {
-    std::string section;
-    std::string key;
-    std::string value;
+struct IniSetting {
+    std::string section, key, value;
 };
 
 // Names and values of this program are single lines; names are without blanks around them.
-Setting TakeSetting(std::string_view& input) {
+IniSetting TakeSetting(std::string_view& input) {
     const auto clean = [&input](std::string_view without) {
-        std::string text(TakeLine(input));
-        std::erase_if(text, [&](char c) { return c == '\r' || c == '\0' || without.find(c) != std::string_view::npos; });
+        std::string text(TakeUpTo('|', input));
+        std::erase_if(text, [&](char c) { return IsControl(c) || Holds(without, std::string_view(&c, 1)); });
         return Trim(text);
     };
     return {clean("]"), clean("=;["), clean("")};
 }
 
-void CheckDocument(std::string_view file, const Setting& setting) {
+void CheckDocument(std::string_view file, const IniSetting& setting) {
     IniDocument document(file);
     Require(document.Text() == file, "a file that is only read stays byte for byte");
-    Values values = AllValues(document, file);
+    IniValues values = AllValues(document, file);
 
-    const std::string before = document.Text();
     const IniDocument::Result result = document.Set(setting.section, setting.key, setting.value);
     const std::string after = document.Text();
-    Require(document.Find(setting.section, setting.key) == setting.value, "a key that was set is there");
-    if (result.change == IniDocument::Change::None) Require(before == after, "no change changes nothing");
+    if (result.change == IniDocument::Change::None) Require(after == file, "no change changes nothing");
     if (result.change == IniDocument::Change::SameLength) {
-        std::string overwritten = before;
+        std::string overwritten(file);
         overwritten.replace(result.offset, setting.value.size(), setting.value);
         Require(overwritten == after, "a value of the same length goes over the old one");
     }
-
-    const IniDocument again(after);
-    Require(again.Find(setting.section, setting.key) == setting.value, "it is there when the file is read again");
     values[{ToLower(setting.section), ToLower(setting.key)}] = setting.value;
-    for (const auto& [name, value] : values) {
-        const auto found = again.Find(name.first, name.second);
-        Require(found && *found == value, "all other keys stay as they were");
+    IniDocument again(after);
+    for (const IniDocument* read : {&document, &again}) {
+        for (const auto& [name, value] : values)
+            Require(read->Find(name.first, name.second) == value,
+                    "the key is there, also when the file is read again, and all others");
     }
 }
 
-void CheckFile(std::string_view text, const Setting& setting) {
-    MemoryFiles files;
-    files.Replace("/kv.ini", text);
-    IniFile file(files, "/kv.ini");
-    if (!file.Problem().empty()) {
-        file.Write(setting.section, setting.key, setting.value);
-        Require(files.Text("/kv.ini") == text, "a file that makes no sense is not written to");
-        return;
-    }
+void CheckFile(std::string_view text, const IniSetting& setting) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path() + "/kv.ini";
+    LinuxFiles files;
+    files.Replace(path, text);
+    IniFile file(files, path);
+    const bool usable = file.Problem().empty();
     file.Write(setting.section, setting.key, setting.value);
+    if (!usable) return Require(ReadAll(path) == text, "a file that makes no sense is not written to");
     Require(file.LastWriteError().empty(), "the write succeeded");
-    const std::string value = Trim(Left(ToUtf8(setting.value), kIniValueLimit));
-    const std::string expected = value.empty() ? "default" : value;
-    Require(file.Read(setting.section, setting.key, "default") == expected, "a key that was written is read");
-    IniFile fresh(files, "/kv.ini");
-    Require(fresh.Read(setting.section, setting.key, "default") == expected, "also by the next start");
+    const std::string expected = Or(Trim(Left(ToUtf8(setting.value), kIniValueLimit)), "default");
+    IniFile fresh(files, path);
+    for (IniFile* read : {&file, &fresh})
+        Require(read->Read(setting.section, setting.key, "default") == expected,
+                "a key that was written is read, also after a start");
 }
 
 }  // namespace
 
-void Fuzz(std::string_view input) {
-    const Setting setting = TakeSetting(input);
+void FuzzIni(std::string_view input) {
+    const IniSetting setting = TakeSetting(input);
     if (setting.key.empty()) return;
     CheckDocument(input, setting);
     CheckFile(input, setting);

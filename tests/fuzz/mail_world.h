@@ -1,49 +1,83 @@
-// A mail that clsEsmtp sends in the virtual world, for the targets that play its servers.
+// Both mailers in the virtual world, with a mail of one line to one recipient, and a server for SMTP and for POP on one host. They
+// need no other room, nor a home: what they log goes nowhere.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
-#include "fuzz/conversation.h"
+#include "fuzz/script.h"
 #include "notify/esmtp.h"
-#include "support/memory_files.h"
+#include "notify/plain_mailer.h"
+#include "platform/linux/linux_files.h"
+#include "support/recording_operator.h"
 #include "support/virtual_net.h"
 #include "support/virtual_world.h"
 
 namespace korvane {
 
-class SameGuid : public GuidSource {
+/// 00000001..., 00000002...; the first `failures` calls give nothing.
+class CountingGuids : public GuidSource {
 public:
-    std::optional<Guid> CoCreateGuid() override { return Guid{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}; }
-};
-
-/// What all waits of one mail together stay below: 30 or so replies of up to 60 seconds, and as many pieces that go out slowly.
-constexpr std::chrono::hours kLongestMail(4);
-
-struct MailWorld {
-    explicit MailWorld(std::string_view script) : world(BeginningOf(script)) {
-        mail.SmtpHost = "10.0.0.1";
-        mail.emailFromAddress = "monitor@korvane.test";
-        mail.emailTo = "admin@korvane.test;second@korvane.test";
-        mail.subject = "web is DOWN";
-        mail.plainMessage = "The server is down.\r\n.\r\nSince noon.\r\n";
-        mail.UserID = "monitor";
-        mail.Password = "secret";
-        clsEsmtp::Handlers handlers;
-        handlers.RequestESMTPLogin = handlers.RequestPOPLogin = [this](std::string&, std::string& password, bool& cancel) {
-            password += "2";
-            cancel = ++refusedLogins > kMoreLogins;
-        };
-        mail.SetHandlers(handlers);
+    int failures = 0;
+    std::optional<Guid> CoCreateGuid() override {
+        if (failures-- > 0) return std::nullopt;
+        return Guid{++last_, 0x0A0B, 0x0C0D, {1, 2, 3, 4, 5, 6, 7, 8}};
     }
 
-    static constexpr int kMoreLogins = 2;
-    int refusedLogins = 0;
+private:
+    std::uint32_t last_ = 0;
+};
+
+struct MailWorld : private MailTrace {
+    explicit MailWorld(DateTime start = BeginningOf("")) : world(start, std::chrono::hours(-5)) {
+        mail.SmtpHost = "mail.example";
+        mail.emailFromAddress = "me@example.com";
+        mail.emailTo = "you@example.com";
+        mail.subject = "Hello";
+        mail.plainMessage = "How are you?";
+        mail.UserID = "tim";
+        mail.Password = "tanstaaftanstaaf";
+        Listen({});
+    }
+
+    /// The states are noted in any case.
+    void Listen(clsEsmtp::Handlers handlers) {
+        handlers.StateChange = [this](int state) { states.push_back(state); };
+        mail.SetHandlers(std::move(handlers));
+    }
+
+    bool SendPlain(const std::string& body = "How are you?", const std::string& subject = "Hello") {
+        return plain.SendPlainMail("you@example.com", "you@example.com", "Me", "me@example.com", subject, body, mail.SmtpHost, "",
+                                   strError, "", "");
+    }
+
     VirtualWorld world;
     VirtualNet net{world};
-    MemoryFiles files;
-    SameGuid guids;
+    VirtualServer& smtp = net.Host("mail.example").Port(25);
+    VirtualServer& pop = net.Host("mail.example").Port(110);
     TranscriptSocket socket{net};
-    clsEsmtp mail{{files, world.clock, world.events, guids}, socket};
+    TranscriptSocket plainSocket{net};
+    LinuxFiles files;
+    CountingGuids guids;
+    RecordingOperator person;
+    StatusLog status{person, world.clock};
+    Log log{files, world.clock, "/dev/null", "1.0.0"};
+    std::vector<int> states;
+    std::string strError = "of an earlier mail";
+    std::string trace;  ///< ">" and each line that was sent, "<" and each reply, a "|" after each
+    bool tidy = false;  ///< when the last line of the trace came, the plain mailer had closed its socket and put the cursor back
+    std::size_t saidBefore = 0;  ///< status lines, by then
+    clsEsmtp mail{{files, world.clock, world.events, guids, this}, socket};
+    PlainMailer plain{{plainSocket, world.clock, world.events, person, status, log, this}};
+
+private:
+    void setMsg(const std::string& sent) override {
+        trace += ">" + sent + "|";
+        tidy = plainSocket.State() == SocketState::Closed && !person.waitCursor;
+        saidBefore = person.status.size();
+    }
+    void setReceiveMsg(const std::string& received) override { trace += "<" + received + "|"; }
 };
 
 }  // namespace korvane

@@ -10,8 +10,7 @@ home=/var/lib/korvane
 
 inside() { "${enter[@]}" "$@"; }
 package() { inside dpkg --force-unsafe-io "$1" "$2" >"$root/tmp/dpkg.log" 2>&1 || fail "dpkg $1 $2: $(cat "$root/tmp/dpkg.log")"; }
-# shellcheck disable=SC2016
-version() { inside dpkg-query -W -f '${Version}' korvane; }
+deb() { inside sh -c "echo /tmp/korvane_*-$1_*.deb"; }
 in_unit() { sed -n "s/^$1=//p" "$root/usr/lib/systemd/system/korvane.service" | tr -d '"'; }
 
 make_view() {
@@ -25,8 +24,7 @@ make_view() {
     mount --bind /dev "$root/dev"
     # Without the folders of a running service manager nobody tries to reach it.
     for folder in run tmp home; do mount -t tmpfs -o mode=1777 "$folder" "$root/$folder"; done
-    printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
-    chmod 755 "$root/usr/sbin/policy-rc.d"
+    install -m 755 /dev/stdin "$root/usr/sbin/policy-rc.d" <<<$'#!/bin/sh\nexit 101'
     rm -f "$root/var/lib/man-db/auto-update"  # the index of all manual pages takes long and tells nothing about this package
     # What the machine itself has of Korvane is not to be seen in the view.
     if inside dpkg-query -W korvane >/dev/null 2>&1; then package --purge korvane; fi
@@ -41,88 +39,80 @@ start_as() {
 
 # Starts it as the unit says, and listens as the manager does: a service of this type has not started before it says so.
 start_service() {
-    python3 "$(dirname "$0")/manager.py" "$root/run/notify" >"$root/tmp/told" &
+    python3 -c 'import os, socket, sys
+os.umask(0)
+ears = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+ears.bind(sys.argv[1])
+while True: print(ears.recv(4096).decode(), flush=True)' "$root/run/notify" >"$root/tmp/told" &
     local manager=$!
     wait_until [ -S "$root/run/notify" ] || fail "nobody listens"
     start_as "$home" "$(in_unit User)" env "$(in_unit Environment)" NOTIFY_SOCKET=/run/notify "$(in_unit ExecStart)"
-    kill "$manager"
-    wait "$manager" || true
+    kill "$manager"; wait "$manager" || true
     rm "$root/run/notify"
-    if [ "$(in_unit Type)" = notify ]; then
-        grep -qx READY=1 "$root/tmp/told" || fail "the unit waits for READY=1, and the program said: $(cat "$root/tmp/told")"
-    fi
+    [ "$(in_unit Type)" != notify ] || grep -qx READY=1 "$root/tmp/told" || fail "no READY=1, but: $(cat "$root/tmp/told")"
+}
+
+# is <pattern> <what> <command>...
+is() {
+    local found
+    found=$("${@:3}" 2>&1) || true
+    # shellcheck disable=SC2053
+    [[ $found == $1 ]] || fail "$2: $found"
 }
 
 check_installed() {
-    [ -z "$(inside dpkg --verify korvane)" ] || fail "not as packed: $(inside dpkg --verify korvane)"
-    local owner
-    owner=$(inside stat -c '%U:%G %a' "$home")
-    [ "$owner" = "korvane:korvane 750" ] || fail "the home is $owner"
-    if inside sh -c 'command -v systemd-analyze' >/dev/null; then
-        local complaints
-        complaints=$(inside systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane || true)
-        [ -z "$complaints" ] || fail "$complaints"
-    fi
+    is "" "not as packed" inside dpkg --verify korvane
+    is "korvane:korvane 750" "the home" inside stat -c '%U:%G %a' "$home"
+    is "" "the unit" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane'
 }
+
+sum_of_database() { md5sum <"$root$home/kvdata2.mdb"; }
 
 live() {
     make_view
     cp "$work"/korvane_*.deb "$root/tmp"
-    local first second
-    first=$(cd "$root" && echo tmp/korvane_*-1_*.deb)
-    second=$(cd "$root" && echo tmp/korvane_*-2_*.deb)
+    local database
 
-    package --install "/$first"
+    package --install "$(deb 1)"
     check_installed
-    [ -z "$(inside find /etc/systemd -name 'korvane*')" ] || fail "the service is enabled though nobody asked for it"
+    is "" "the service is enabled though nobody asked for it" inside find /etc/systemd -name 'korvane*'
     start_service
-    [ -e "$root$home/kvdata2.mdb" ] || fail "no database was made in the home of the service"
 
     # Somebody starts it by hand: the home is that user's own, and nobody else's.
     mkdir "$root/home/games"
     inside chown games: /home/games
     start_as /home/games/.local/share/korvane games korvanecore
-    [ "$(stat -c %a "$root/home/games/.local/share/korvane")" = 700 ] || fail "others can look into a user's home"
+    is 700 "the home of a user" stat -c %a "$root/home/games/.local/share/korvane"
 
-    local database
-    database=$(md5sum <"$root$home/kvdata2.mdb")
+    database=$(sum_of_database) || fail "no database was made in the home of the service"
     inside chmod 700 "$home"
-    package --install "/$second"
-    [[ "$(version)" == *-2 ]] || fail "after the upgrade the version is $(version)"
-    [ "$(md5sum <"$root$home/kvdata2.mdb")" = "$database" ] || fail "the upgrade changed the database"
-    [ "$(inside stat -c %a "$home")" = 700 ] || fail "the upgrade changed the rights that the administrator gave the home"
+    package --install "$(deb 2)"
+    is "*-2" "the version" inside dpkg-query -W korvane
+    is "$database" "the database after an upgrade" sum_of_database
+    is 700 "the rights that the administrator gave the home" inside stat -c %a "$home"
     inside chmod 750 "$home"
-    package --install "/$second"
+    package --install "$(deb 2)"
     check_installed
     start_service
 
-    database=$(md5sum <"$root$home/kvdata2.mdb")
+    database=$(sum_of_database)
     package --remove korvane
-    for file in usr/lib/korvane usr/bin/korvanecore; do
-        [ ! -e "$root/$file" ] || fail "/$file is still there after the removal"
-    done
-    [ "$(md5sum <"$root$home/kvdata2.mdb")" = "$database" ] || fail "the removal changed the database"
-    package --install "/$second"
+    is "" "left after the removal" find "$root"/usr/{bin,lib} -maxdepth 1 -name 'korvane*'
+    is "$database" "the database after the removal" sum_of_database
+    package --install "$(deb 2)"
     check_installed
-    [ "$(md5sum <"$root$home/kvdata2.mdb")" = "$database" ] || fail "another installation changed the database"
+    is "$database" "the database after another installation" sum_of_database
 
     package --remove korvane
     package --purge korvane
-    [ ! -e "$root$home" ] || fail "the home is still there after a purge"
-    if inside getent passwd korvane; then fail "the user is still there after a purge"; fi
+    is "" "the user after a purge" inside getent passwd korvane
     # What is deleted stands as a character device there.
-    local left
-    left=$(find "$work/view/changed" -name '*korvane*' ! -type c)
-    [ -z "$left" ] || fail "left behind: $left"
+    is "" "left after a purge" find "$work/view/changed" -name '*korvane*' ! -type c
 }
 
 # On the machine ---------------------------------------------------------------------------------------------------------------
 
-if [ "$1" = --inside ]; then
-    work=$2
-    live
-    exit 0
-fi
+if [ "$1" = --inside ]; then work=$2; live; exit 0; fi
 
 build=$(realpath "$1")
 needs dpkg dpkg-deb dpkg-shlibdeps adduser unshare setpriv python3
@@ -130,9 +120,8 @@ needs dpkg dpkg-deb dpkg-shlibdeps adduser unshare setpriv python3
 
 on_machine() { dpkg-query -W korvane 2>&1 || getent passwd korvane || stat -c '%U %a %Y %i' "$home" 2>&1 || true; }
 before=$(on_machine)
-work=$(mktemp -d)
+work=$(mktemp -d) && mkdir "$work/view"
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/view"
 for revision in 1 2; do
     "$(dirname "$0")/../../scripts/package" --build "$build" --output "$work" --revision "$revision" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 done

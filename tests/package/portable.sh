@@ -17,7 +17,7 @@ undefined=$(ldd -r "$work/a folder/korvanedesktop.so" 2>&1 | grep -E 'undefined 
 [ -z "$undefined" ] || fail "$undefined"
 
 # Whatever is there beside the home's own files is what the build has laid out.
-compare=$(diff -rq "$build/dist" "$work/a folder" | grep -v "^Only in $work/a folder: \(Logs\|Reports\|kvdata2.mdb\|kvurlwatchn.ini\)$" || true)
+compare=$(diff -rq "$build/dist" "$work/a folder" | grep -v "^Only in $work/a folder: \(Logs\|Reports\|kvdata2.mdb\|kvurlwatchn.ini\|korvane.lock\)$" || true)
 # Installing takes the paths of the build machine out of the programs, so these may differ.
 compare=$(grep -v '^Files .*/\(korvanecore\|korvanedesktop.so\) differ$' <<<"$compare" || true)
 [ -z "$compare" ] || fail "$compare"

@@ -22,7 +22,7 @@ public:
         std::optional<Operation> operation = std::nullopt;  ///< nothing: any operation
         int nth = 1;             ///< which one fails, counted from Add among those that match; 1 is the next
         bool forever = false;    ///< whether all after it fail too
-        std::string about = "";  ///< what must be found, in any case, in the path, query, column or table; blank: whatever it is
+        std::string about = "";  ///< what must be found, in any case, in the path, query, column or table; empty: whatever it is
         std::string description = "disk I/O error";
         int number = 0;
     };
@@ -32,35 +32,24 @@ public:
     /// Everything works again.
     void Heal() { faults_.clear(); }
 
-    /// Operations that were asked for so far, failed ones included.
-    std::uint64_t Calls() const { return calls_; }
     /// Operations that failed so far.
     std::uint64_t Failures() const { return failures_; }
 
     /// For the fake, before each operation: throws Error when a fault says so.
     void Pass(Operation operation, std::string_view about) {
-        ++calls_;
         for (auto fault = faults_.begin(); fault != faults_.end(); ++fault) {
-            if (!Matches(*fault, operation, about) || --fault->nth > 0) continue;
-            const Error error(fault->description, fault->number);
+            const bool meant = fault->operation.value_or(operation) == operation && Holds(ToLower(about), ToLower(fault->about));
+            if (!meant || --fault->nth > 0) continue;
+            fault->nth = 1;
             ++failures_;
-            if (fault->forever) {
-                fault->nth = 1;
-            } else {
-                faults_.erase(fault);
-            }
+            const Error error(fault->description, fault->number);
+            if (!fault->forever) faults_.erase(fault);
             throw error;
         }
     }
 
 private:
-    static bool Matches(const Fault& fault, Operation operation, std::string_view about) {
-        if (fault.operation && *fault.operation != operation) return false;
-        return fault.about.empty() || Holds(ToLower(about), ToLower(fault.about));
-    }
-
     std::vector<Fault> faults_;
-    std::uint64_t calls_ = 0;
     std::uint64_t failures_ = 0;
 };
 

@@ -2,12 +2,13 @@
 // laid down before.
 #pragma once
 
-#include <cstdint>
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/operator.h"
 
 namespace korvane {
@@ -15,8 +16,7 @@ namespace korvane {
 class RecordingOperator : public Operator {
 public:
     struct Status {
-        std::string time;
-        std::string text;
+        std::string time, text;
     };
     struct Tray {
         TrayPicture picture = TrayPicture::Normal;
@@ -24,58 +24,70 @@ public:
         bool operator==(const Tray&) const = default;
     };
     struct Message {
-        std::string title;
-        std::string text;
+        std::string title, text;
         bool operator==(const Message&) const = default;
     };
 
     // What the test sets.
     bool windowVisible = false;
     std::deque<bool> answers;     ///< to the next questions, in order; No when there are none left
-    bool keepOnlyCounts = false;  ///< for long runs: the lists below stay as they are, everything else goes on
+    bool keepOnlyCounts = false;  ///< for long runs: no status lines
 
     // What the program did, in order.
     std::vector<Status> status;
-    std::vector<Tray> trays;  ///< each SetTray, and each SetTrayTip with the picture of that moment
-    std::vector<std::string> cycleTexts;
-    std::vector<Message> messages;
-    std::vector<Message> questions;
+    std::vector<Message> messages, questions;
 
-    // What shows now, and how often things were done.
+    // What shows now.
     Tray tray;
-    std::string clockText;
-    std::string cycleText;
-    bool progressShown = false;
-    int progressValue = 0;
-    int progressMax = 0;
-    std::string progressTip;
-    bool waitCursor = false;
-    std::uint64_t statusCount = 0;
-    std::uint64_t trayCount = 0;
-    std::uint64_t refreshCount = 0;
-    std::uint64_t messageCount = 0;
+    std::string clockText, cycleText, progressTip;
+    bool progressShown = false, waitCursor = false;
+    int progressValue = 0, progressMax = 0;
+    int refreshCount = 0;
 
     /// The texts of the status lines, oldest first.
-    std::vector<std::string> StatusTexts() const;
+    std::vector<std::string> StatusTexts() const {
+        std::vector<std::string> texts;
+        for (const Status& line : status)
+            texts.push_back(line.text);
+        return texts;
+    }
     /// Whether a status line with exactly this text, or with this in it, came.
-    bool Said(std::string_view text) const;
-    bool SaidPart(std::string_view part) const;
+    bool Said(std::string_view text) const {
+        return std::any_of(status.begin(), status.end(), [text](const Status& line) { return line.text == text; });
+    }
+    bool SaidPart(std::string_view part) const {
+        return std::any_of(status.begin(), status.end(), [part](const Status& line) { return Holds(line.text, part); });
+    }
     /// Empties the lists, so that a test sees what came after.
-    void Forget();
+    void Forget() {
+        status.clear();
+        messages.clear();
+        questions.clear();
+    }
 
     bool WindowVisible() const override { return windowVisible; }
-    void StatusLine(const std::string& time, const std::string& text) override;
+    void StatusLine(const std::string& time, const std::string& text) override {
+        if (!keepOnlyCounts) status.push_back({time, text});
+    }
     void SetClockText(const std::string& time) override { clockText = time; }
-    void SetCycleText(const std::string& text) override;
+    void SetCycleText(const std::string& text) override { cycleText = text; }
     void ShowProgress(bool shown) override { progressShown = shown; }
-    void SetProgress(int value, int max) override;
+    void SetProgress(int value, int max) override {
+        progressValue = value;
+        progressMax = max;
+    }
     void SetProgressTip(const std::string& text) override { progressTip = text; }
-    void SetTray(TrayPicture picture, const std::string& tip) override;
-    void SetTrayTip(const std::string& tip) override;
+    void SetTray(TrayPicture picture, const std::string& tip) override { tray = {picture, tip}; }
+    void SetTrayTip(const std::string& tip) override { SetTray(tray.picture, tip); }
     void RefreshURLList() override { ++refreshCount; }
     void SetWaitCursor(bool wait) override { waitCursor = wait; }
-    void ShowMessage(const std::string& title, const std::string& text) override;
-    bool AskYesNo(const std::string& title, const std::string& text) override;
+    void ShowMessage(const std::string& title, const std::string& text) override { messages.push_back({title, text}); }
+    bool AskYesNo(const std::string& title, const std::string& text) override {
+        questions.push_back({title, text});
+        const bool answer = !answers.empty() && answers.front();
+        if (!answers.empty()) answers.pop_front();
+        return answer;
+    }
 };
 
 }  // namespace korvane

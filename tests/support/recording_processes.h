@@ -20,13 +20,11 @@ public:
 
     std::vector<Started> started;
     int pid = 4711;       ///< of all of them; 0: the system gives none
-    std::string missing;  ///< a command that holds this is not there; blank: all are
+    std::string missing;  ///< a command that holds this is not there; empty: all are
     bool keep = true;     ///< off for long runs
 
-    bool hasBrowser = true;
+    bool hasBrowser = true, browserStarts = true, hasEditor = true;
     std::string browser = "firefox.desktop";
-    bool browserStarts = true;
-    bool hasEditor = true;
     std::vector<std::string> opened;       ///< pages
     std::vector<std::string> openedTexts;  ///< files in the editor
 
@@ -35,15 +33,14 @@ public:
         if (keep) started.push_back({command, style});
         return pid;
     }
-
     std::string DefaultProgram(const std::string&) override { return hasBrowser ? browser : ""; }
-    bool OpenPage(const std::string& path, const NotOpened& notOpened) override {
-        browserStarts ? opened.push_back(path) : notOpened("No such file or directory");
-        return browserStarts;
-    }
-    bool OpenText(const std::string& path, const NotOpened& notOpened) override {
-        hasEditor ? openedTexts.push_back(path) : notOpened("No such file or directory");
-        return hasEditor;
+    bool OpenPage(const std::string& path, const NotOpened& no) override { return Open(browserStarts, opened, path, no); }
+    bool OpenText(const std::string& path, const NotOpened& no) override { return Open(hasEditor, openedTexts, path, no); }
+
+private:
+    static bool Open(bool opens, std::vector<std::string>& list, const std::string& path, const NotOpened& notOpened) {
+        opens ? list.push_back(path) : notOpened("No such file or directory");
+        return opens;
     }
 };
 

@@ -1,4 +1,4 @@
-// The service manager and the startup group that only write down what they are told, and answer as the test has laid down.
+// The service manager and the startup group that only write down what they are asked, and answer as the test has laid down.
 #pragma once
 
 #include <optional>
@@ -13,12 +13,12 @@
 namespace korvane {
 
 class RecordingServiceManager : public ServiceManager {
+    using Name = const std::string&;
+
 public:
-    bool present = true;
-    bool startedThis = false;
-    bool shuttingDown = false;
+    bool present = true, startedThis = false, shuttingDown = false;
     std::optional<std::chrono::milliseconds> aliveInterval;
-    std::string refusal;     ///< of whatever is asked next; blank: everything is done
+    std::string refusal;     ///< of whatever is asked next; empty: everything is done
     std::string remark;      ///< goes with what is done
     bool ofManager = false;  ///< the refusal is in its own words
 
@@ -35,35 +35,32 @@ public:
     void Stopping() override { told.push_back("STOPPING"); }
     void Status(const std::string& text) override { told.push_back(text); }
     bool IsShuttingDown() override { return shuttingDown; }
-    bool IsInstalled(const std::string& name) override { return installed.contains(name); }
+    bool IsInstalled(Name name) override { return installed.contains(name); }
 
-    ManagerAnswer Install(const std::string& name, const ServiceProgram& what) override {
+    ManagerAnswer Install(Name name, const ServiceProgram& what) override {
         program = what;
-        return Answer("install " + name, [&] { return installed.insert(name).second; });
+        return Answer("install " + name, refusal.empty() && installed.insert(name).second);
     }
-    ManagerAnswer Update(const std::string& name, const ServiceProgram& what) override {
+    ManagerAnswer Update(Name name, const ServiceProgram& what) override {
         program = what;
-        return Answer("update " + name, [] { return true; });
+        return Answer("update " + name, true);
     }
-    ManagerAnswer Uninstall(const std::string& name, const std::string& home) override {
-        return Answer("uninstall " + name + " of " + home, [&] { return installed.erase(name) == 1; });
+    ManagerAnswer Uninstall(Name name, Name home) override {
+        return Answer("uninstall " + name + " of " + home, refusal.empty() && installed.erase(name) == 1);
     }
-    ManagerAnswer Start(const std::string& name) override {
-        return Answer("start " + name, [&] { return installed.contains(name); });
-    }
+    ManagerAnswer Start(Name name) override { return Answer("start " + name, installed.contains(name)); }
 
 private:
-    template <class Deed>
-    ManagerAnswer Answer(const std::string& question, Deed deed) {
+    ManagerAnswer Answer(Name question, bool done) {
         asked.push_back(question);
-        if (!refusal.empty() || !deed()) return {.done = false, .words = refusal, .ofManager = ofManager};
+        if (!refusal.empty() || !done) return {.done = false, .words = refusal, .ofManager = ofManager};
         return {.done = true, .words = remark};
     }
 };
 
 class RecordingAutostart : public Autostart {
 public:
-    std::string refusal;  ///< of each change; blank: they are done
+    std::string refusal;  ///< of each change; empty: they are done
     std::set<std::string> names;
     AutostartEntry last;
 

@@ -1,13 +1,12 @@
 // A service manager in the virtual world: it answers with the list of the moment, after a while if wanted.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "platform/services.h"
 #include "support/virtual_world.h"
@@ -18,48 +17,37 @@ class ScriptedServices : public Services {
 public:
     explicit ScriptedServices(VirtualWorld& world) : world_(world) {}
 
-    std::string whyNot;  ///< not blank: there is no manager
+    std::string whyNot;  ///< not empty: there is no manager
     std::chrono::milliseconds answersAfter{0};
     int asked = 0;
 
     /// Adds the service, or changes its state.
-    void Set(const std::string& name, int state) {
-        const auto known = std::find_if(list_.begin(), list_.end(), [&](const auto& each) { return each.name == name; });
-        if (known != list_.end()) {
-            known->state = state;
-            return;
-        }
-        list_.push_back({.name = name, .displayName = "the " + name, .state = state});
-        std::sort(list_.begin(), list_.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
-    }
-    void Remove(const std::string& name) {
-        std::erase_if(list_, [&](const auto& each) { return each.name == name; });
-    }
+    void Set(const std::string& name, int state) { states_[name] = state; }
+    void Remove(const std::string& name) { states_.erase(name); }
 
     std::unique_ptr<Question> EnumServices(std::function<void(const ServiceList&)> answer) override {
         ++asked;
-        return std::make_unique<Pending>(*this, std::move(answer));
+        return std::make_unique<Pending>(world_,
+                                         world_.After(answersAfter, [this, answer = std::move(answer)] { answer(List()); }));
     }
 
 private:
-    class Pending : public Question {
-    public:
-        Pending(ScriptedServices& services, std::function<void(const ServiceList&)> answer)
-            : world_(services.world_), event_(world_.After(services.answersAfter, [&services, answer = std::move(answer)] {
-                  const bool there = services.whyNot.empty();
-                  answer({.whyNot = services.whyNot, .services = there ? services.list_ : std::vector<ServiceRecord>()});
-              })) {}
-        ~Pending() override { world_.Cancel(event_); }
-        Pending(const Pending&) = delete;
-        Pending& operator=(const Pending&) = delete;
-
-    private:
-        VirtualWorld& world_;
-        EventId event_;
+    struct Pending : Question {
+        Pending(VirtualWorld& in, EventId of) : world(in), event(of) {}
+        ~Pending() override { world.Cancel(event); }
+        VirtualWorld& world;
+        EventId event;
     };
 
+    ServiceList List() const {
+        ServiceList list{.whyNot = whyNot, .services = {}};
+        for (const auto& [name, state] : states_)
+            if (whyNot.empty()) list.services.push_back({.name = name, .displayName = "the " + name, .state = state});
+        return list;
+    }
+
     VirtualWorld& world_;
-    std::vector<ServiceRecord> list_;
+    std::map<std::string, int> states_;
 };
 
 }  // namespace korvane

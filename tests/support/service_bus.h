@@ -1,7 +1,6 @@
 // A D-Bus of a test's own, with a service manager on it that answers as systemd does, from a table.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,13 +11,10 @@ namespace korvane {
 class ServiceBus {
 public:
     struct Unit {
-        std::string name;
-        std::string loadState;
-        std::string activeState;
+        std::string name, loadState, activeState;
     };
     struct UnitFile {
-        std::string path;
-        std::string state;
+        std::string path, state;
     };
     enum class Manager { None, Silent, Answers };
 

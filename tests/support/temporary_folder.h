@@ -2,25 +2,38 @@
 // goes.
 #pragma once
 
+#include <stdlib.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <system_error>
 
 namespace korvane {
 
 /// The bytes of a file; empty when there is none.
-std::string ReadAll(const std::string& path);
+inline std::string ReadAll(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 class TemporaryFolder {
 public:
-    TemporaryFolder();
-    ~TemporaryFolder();
+    TemporaryFolder() {
+        if (mkdtemp(path_.data()) == nullptr) throw std::system_error(errno, std::generic_category(), path_);
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_, ignored_); }
     TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     /// Without a "/" at its end.
     const std::string& Path() const { return path_; }
 
 private:
-    std::string path_;
+    std::error_code ignored_;
+    std::string path_ =
+        (std::filesystem::is_directory("/dev/shm", ignored_) ? "/dev/shm" : "/tmp") + std::string("/korvane-test-XXXXXX");
 };
 
 }  // namespace korvane

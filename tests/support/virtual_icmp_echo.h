@@ -2,6 +2,8 @@
 // nothing is delivered.
 #pragma once
 
+#include <arpa/inet.h>
+
 #include <string>
 #include <string_view>
 
@@ -14,17 +16,24 @@ class VirtualIcmpEcho : public IcmpEcho {
 public:
     explicit VirtualIcmpEcho(VirtualNet& net) : net_(net) {}
 
-    std::optional<Ipv4Address> InetAddr(std::string_view text) const override;
-    bool IcmpCreateFile(std::string& whyNot) override;
-    EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, std::chrono::milliseconds wait) override;
-    void IcmpCloseHandle() override { --openHandles; }
-
-    // What the program did.
-    int openHandles = 0;
-    int echoes = 0;
-    std::string lastData;
-    int lastTimeToLive = 0;
-    std::chrono::milliseconds lastWait{0};
+    std::optional<Ipv4Address> InetAddr(std::string_view text) const override {
+        const Ipv4Address address = inet_addr(std::string(text).c_str());
+        return address == INADDR_NONE ? std::nullopt : std::optional(address);
+    }
+    bool IcmpCreateFile(std::string& whyNot) override {
+        whyNot = net_.EchoForbidden();
+        return whyNot.empty();
+    }
+    EchoReply IcmpSendEcho(Ipv4Address address, std::string_view, int, std::chrono::milliseconds wait) override {
+        if (!net_.NetworkThere()) return {};
+        const VirtualHost* const host = net_.FindHost(inet_ntoa(in_addr{address}));
+        const bool reachable = host != nullptr && !host->IsDown();
+        const VirtualHost::EchoAnswer answer = reachable ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
+        const bool inTime = answer.comes && answer.after <= wait;
+        net_.World().events.Sleep(inTime ? answer.after : wait);
+        return inTime ? EchoReply{true, answer.status, answer.after, address} : EchoReply{};
+    }
+    void IcmpCloseHandle() override {}
 
 private:
     VirtualNet& net_;

@@ -6,8 +6,10 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "support/virtual_server.h"
 
 namespace korvane {
@@ -29,14 +31,42 @@ public:
     std::vector<Mail> mails;          ///< the accepted ones
     std::vector<std::string> logins;  ///< the Base64 texts
 
-    void Serve(VirtualServer& port);
+    void Serve(VirtualServer& port) {
+        port.Anew().Speak("220 mail.example ready\r\n").Answer([this](const std::string& line) { return Answer(line); });
+    }
 
 private:
-    std::string Answer(const std::string& line);
-    std::string AnswerCommand(const std::string& line);
-    std::string TakeText(const std::string& line);
-
     enum class Waiting { Command, Login, Text };
+
+    std::string Answer(const std::string& line) {
+        if (waiting_ == Waiting::Text && line != ".") {
+            mail_.text += line.substr(line.starts_with('.') ? 1 : 0) + "\r\n";
+            return "";
+        }
+        switch (std::exchange(waiting_, Waiting::Command)) {
+            case Waiting::Text:
+                mails.push_back(std::exchange(mail_, {}));
+                return "250 queued\r\n";
+            case Waiting::Login:
+                logins.push_back(line);
+                return "235 welcome\r\n";
+            default:
+                return refuse && refuse(line) ? "550 5.7.1 refused\r\n" : AnswerCommand(line, ToLower(line));
+        }
+    }
+    std::string AnswerCommand(const std::string& line, const std::string& command) {
+        const bool extended = command.starts_with("ehlo");
+        if (extended || command.starts_with("helo")) mail_ = {};  // a new conversation
+        if (command.starts_with("mail from:")) mail_.from = line.substr(10);
+        if (command.starts_with("rcpt to:")) mail_.recipients.push_back(line.substr(8));
+        if (command == "auth plain") waiting_ = Waiting::Login;
+        if (command == "data" && !mail_.recipients.empty()) waiting_ = Waiting::Text;
+        if (waiting_ != Waiting::Command) return waiting_ == Waiting::Login ? "334 \r\n" : "354 go on\r\n";
+        if (command == "data") return "503 no recipient\r\n";
+        if (command == "quit") return "221 bye\r\n";
+        return extended ? "250-mail.example\r\n250 AUTH PLAIN\r\n" : "250 ok\r\n";
+    }
+
     Waiting waiting_ = Waiting::Command;
     Mail mail_;
 };

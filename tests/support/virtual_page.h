@@ -5,7 +5,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/inet.h"
@@ -20,27 +22,46 @@ struct PageAnswer {
 };
 
 class VirtualPage {
+    using Milliseconds = std::chrono::milliseconds;
+    using Kind = PageAnswer::Kind;
+
 public:
-    VirtualPage& Answer(std::string body, std::chrono::milliseconds after = std::chrono::milliseconds(1));
-    VirtualPage& AnswerBinary(std::chrono::milliseconds after = std::chrono::milliseconds(1));
-    VirtualPage& Fail(std::string reason, std::chrono::milliseconds after = std::chrono::milliseconds(1));
+    VirtualPage& Answer(const std::string& body, Milliseconds after = Milliseconds(1)) { return Add({Kind::Body, body, after}); }
+    VirtualPage& AnswerBinary(Milliseconds after = Milliseconds(1)) { return Add({Kind::Binary, "", after}); }
+    VirtualPage& Fail(const std::string& why, Milliseconds after = Milliseconds(1)) { return Add({Kind::Failure, why, after}); }
     /// Nothing comes until the time of the request is over. So does a page without any answer.
-    VirtualPage& Silent();
+    VirtualPage& Silent() { return Add({}); }
     /// An answer as data.
-    VirtualPage& Add(PageAnswer answer);
+    VirtualPage& Add(const PageAnswer& answer) {
+        return Decide([answer] { return answer; });
+    }
+    /// The answer is made when it is asked for.
+    VirtualPage& Decide(std::function<PageAnswer()> answer) {
+        answers_.push_back(std::move(answer));
+        return *this;
+    }
 
     /// Forgets the answers.
-    VirtualPage& Anew();
+    VirtualPage& Anew() {
+        answers_.clear();
+        next_ = 0;
+        return *this;
+    }
 
     int Requests() const { return requests_; }
-    /// The latest request; a blank one before the first.
+    /// The latest request; an empty one before the first.
     const Inet::Request& LastRequest() const { return lastRequest_; }
 
     // For VirtualInet.
-    PageAnswer Take(const Inet::Request& request);
+    PageAnswer Take(const Inet::Request& request) {
+        ++requests_;
+        lastRequest_ = request;
+        if (answers_.empty()) return {};
+        return answers_[next_ + 1 < answers_.size() ? next_++ : next_]();
+    }
 
 private:
-    std::vector<PageAnswer> answers_;
+    std::vector<std::function<PageAnswer()>> answers_;
     std::size_t next_ = 0;
     int requests_ = 0;
     Inet::Request lastRequest_;

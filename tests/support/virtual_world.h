@@ -2,7 +2,7 @@
 // costs as much as its events, nothing depends on the machine, and the same script always gives the same run.
 //
 //     VirtualWorld world(DateTime::Of(2026, 11, 21, 15, 0, 0));
-//     world.After(30s, [&] { ... });                       // by the tick count
+//     world.After(30s, [&] { ... });                            // by the tick count
 //     world.At(DateTime::Of(2026, 11, 22, 2, 0), [&] { ... });  // by the wall clock
 //     MonitorCycle cycle(world.clock, world.events, world.timers, ...);
 //     world.RunFor(24h);
@@ -12,138 +12,174 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <list>
+#include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/timer.h"
-#include "support/event_queue.h"
 
 namespace korvane {
 
-class VirtualWorld;
+/// Names one action, by its moment and the order of coming in; never used twice. The default names none.
+using EventId = std::pair<std::chrono::milliseconds, std::uint64_t>;
 
-class VirtualClock : public Clock {
-public:
-    explicit VirtualClock(const VirtualWorld& world) : world_(world) {}
-    DateTime Now() const override;
-    DateTime UtcNow() const override;
-    double Timer() const override;
-    std::chrono::milliseconds GetTickCount() const override;
+class VirtualWorld : Clock, Events, Timers {
+    using Milliseconds = std::chrono::milliseconds;
+    using Seconds = std::chrono::seconds;
 
-private:
-    const VirtualWorld& world_;
-};
-
-/// As the port says, with one check more: a loop that pumps and pumps while time stands still would burn a core in the real
-/// world and never end in this one; after 100,000 vain calls it ends in std::logic_error.
-class VirtualEvents : public Events {
-public:
-    explicit VirtualEvents(VirtualWorld& world) : world_(world) {}
-
-    /// Delivers all that is due at the time of the call.
-    void DoEvents() override;
-    /// As DoEvents if something is due; otherwise jumps to the next event within `limit` and delivers all that is due at its
-    /// moment, or jumps by `limit`.
-    void WaitForEvent(std::chrono::milliseconds limit) override;
-    /// Moves time on; events due meanwhile stay pending.
-    void Sleep(std::chrono::milliseconds time) override;
-    /// Throws std::logic_error: there are no descriptors in here.
-    std::unique_ptr<Watch> WatchReadable(int descriptor, std::function<void()> readable) override;
-
-private:
-    VirtualWorld& world_;
-    int vainCalls_ = 0;
-    std::chrono::milliseconds lastCall_{-1};
-};
-
-/// Timers keep their phase; periods that were missed during a Sleep give one tick, not many.
-class VirtualTimers : public Timers {
-public:
-    explicit VirtualTimers(VirtualWorld& world) : world_(world) {}
-    std::unique_ptr<Timer> NewTimer(const std::string& name) override;
-
-private:
-    VirtualWorld& world_;
-};
-
-class VirtualWorld {
 public:
     using Action = std::function<void()>;
 
     /// `start` is local time; `eastOfUtc` is how far local time is ahead of UTC. Tick counts start at 0.
-    explicit VirtualWorld(DateTime start, std::chrono::minutes eastOfUtc = std::chrono::minutes(0));
+    explicit VirtualWorld(DateTime start, std::chrono::minutes eastOfUtc = std::chrono::minutes(0))
+        : start_(Seconds(start.Seconds()) - eastOfUtc), zone_(eastOfUtc) {}
     VirtualWorld(const VirtualWorld&) = delete;
-    VirtualWorld& operator=(const VirtualWorld&) = delete;
 
-    VirtualClock clock;
-    VirtualEvents events;
-    VirtualTimers timers;
+    // The ports. Whoever pumps 100,000 times while nothing can happen would never end in here: std::logic_error.
+    Clock& clock = *this;
+    Events& events = *this;
+    Timers& timers = *this;  ///< they keep their phase; periods that were missed during a Sleep give one tick
 
-    std::chrono::milliseconds Ticks() const { return now_; }
+    Milliseconds Ticks() const { return now_; }
 
     /// Calls `action` from the pump when the time has passed. Actions of one moment run in the order in which they were put in.
-    EventId After(std::chrono::milliseconds delay, Action action);
+    EventId After(Milliseconds delay, Action action) {
+        return queue_.emplace(EventId(now_ + std::max(delay, Milliseconds(0)), ++lastNumber_), std::move(action)).first->first;
+    }
 
     /// Calls `action` from the pump as soon as the wall clock reads `local` or later, however it got there. A moment that is over
     /// already is due at once.
-    void At(DateTime local, Action action);
+    void At(DateTime local, Action action) {
+        alarms_.push_back({local, std::move(action)});
+        Arm(std::prev(alarms_.end()));
+    }
 
     /// Takes an action back; one that has run or was taken back before is no error.
-    void Cancel(EventId id) { queue_.Cancel(id); }
+    void Cancel(EventId id) { queue_.erase(id); }
 
     /// The operator sets the clock: local time and UTC jump by as much, the tick count does not.
-    void MoveClock(std::chrono::seconds by);
+    void MoveClock(Seconds by) { Jump(moved_, by); }
 
     /// Local time jumps by `by`, UTC goes on: +1h where summer time begins, -1h where it ends.
-    void MoveZone(std::chrono::seconds by);
+    void MoveZone(Seconds by) { Jump(zone_, by); }
 
     /// The two changes of a year by the wall clock: at `begins` (2:00 of winter time) to 3:00, at `ends` (3:00 of summer time)
     /// back to 2:00.
-    void ScheduleSummerTime(DateTime begins, DateTime ends);
+    void ScheduleSummerTime(DateTime begins, DateTime ends) {
+        At(begins, [this] { MoveZone(std::chrono::hours(1)); });
+        At(ends, [this] { MoveZone(-std::chrono::hours(1)); });
+    }
 
     /// The test's own pump: delivers everything due within `duration` and leaves time at its end, or later when an action that
     /// waits for something itself was still running then.
-    void RunFor(std::chrono::milliseconds duration);
+    void RunFor(Milliseconds duration) {
+        RunUntil([] { return false; }, duration);
+    }
 
     /// As RunFor up to `local` on the wall clock.
-    void RunTo(DateTime local);
+    void RunTo(DateTime local) {
+        bool reached = false;
+        At(local, [&reached] { reached = true; });
+        while (!reached)
+            DeliverDueBy(Next());
+    }
 
     /// Whether the condition came true within `limit`. It is looked at first at once, then after every moment with events.
-    bool RunUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit);
-
-    /// For the parts of this world: events delivered so far.
-    std::uint64_t Delivered() const { return delivered_; }
+    bool RunUntil(const std::function<bool()>& condition, Milliseconds limit) {
+        const Milliseconds end = now_ + limit;
+        for (; !condition(); DeliverDueBy(Next())) {
+            if (DueBy(end)) continue;
+            now_ = std::max(now_, end);
+            return false;
+        }
+        return true;
+    }
 
 private:
-    friend class VirtualClock;
-    friend class VirtualEvents;
-
     struct Alarm {
         DateTime when;
         Action action;
-        std::uint64_t number;
         EventId id = {};
     };
 
-    std::chrono::milliseconds LocalMilliseconds() const { return start_ + now_ + zone_ + moved_; }
-    bool DueBy(std::chrono::milliseconds moment);
-    void DeliverDueBy(std::chrono::milliseconds moment);
-    void AdvanceTo(std::chrono::milliseconds moment) { now_ = std::max(now_, moment); }
-    void Arm(Alarm& alarm);
-    void Ring(std::uint64_t number);
-    void ClockJumped();
+    struct Periodic : korvane::Timer {
+        explicit Periodic(VirtualWorld& in) : world(in) {}
+        ~Periodic() override { Periodic::Disarm(); }
+        void Arm(Milliseconds interval) override { Next(world.now_ + interval); }
+        void Disarm() override { world.Cancel(pending); }
+        void Next(Milliseconds due) {
+            Disarm();
+            pending = world.After(due - world.now_, [this, due] {
+                Next(due + Interval() < world.now_ ? world.now_ + Interval() : due + Interval());
+                Fire();
+            });
+        }
+        VirtualWorld& world;
+        EventId pending;
+    };
 
-    EventQueue queue_;
-    std::vector<Alarm> alarms_;
-    std::chrono::milliseconds now_{0};
-    std::chrono::milliseconds start_;     ///< UTC at tick 0, since 1970
-    std::chrono::milliseconds zone_;      ///< local time minus UTC
-    std::chrono::milliseconds moved_{0};  ///< by the operator
-    std::uint64_t delivered_ = 0;
-    std::uint64_t lastAlarm_ = 0;
+    DateTime Now() const override { return WithoutFraction(Local()); }
+    DateTime UtcNow() const override { return WithoutFraction(start_ + now_ + moved_); }
+    double Timer() const override {
+        return std::chrono::duration<double>(Local() - std::chrono::floor<std::chrono::days>(Local())).count();
+    }
+    Milliseconds GetTickCount() const override { return now_; }
+    void DoEvents() override {
+        const bool vain = now_ == std::exchange(lastCall_, now_) && !DueBy(now_);
+        vainCalls_ = vain ? vainCalls_ + 1 : 0;
+        if (vainCalls_ > 100'000) throw std::logic_error("DoEvents is called over and over while nothing can happen");
+        DeliverDueBy(now_);
+    }
+    void WaitForEvent(Milliseconds limit) override {
+        if (limit <= Milliseconds(0) || DueBy(now_)) return DoEvents();
+        DueBy(now_ + limit) ? DeliverDueBy(Next()) : Sleep(limit);
+    }
+    void Sleep(Milliseconds time) override { now_ += time; }
+    std::unique_ptr<Watch> WatchReadable(int, std::function<void()>) override {
+        throw std::logic_error("no descriptors in here");
+    }
+    std::unique_ptr<korvane::Timer> NewTimer(const std::string&) override { return std::make_unique<Periodic>(*this); }
+
+    static DateTime WithoutFraction(Milliseconds time) {
+        return DateTime::FromSeconds(std::chrono::floor<Seconds>(time).count());
+    }
+    Milliseconds Local() const { return start_ + now_ + zone_ + moved_; }
+    Milliseconds Next() const { return queue_.begin()->first.first; }
+    bool DueBy(Milliseconds moment) const { return !queue_.empty() && Next() <= moment; }
+    void DeliverDueBy(Milliseconds moment) {
+        while (DueBy(moment)) {
+            now_ = std::max(now_, Next());
+            queue_.extract(queue_.begin()).mapped()();
+        }
+        now_ = std::max(now_, moment);
+    }
+    void Arm(std::list<Alarm>::iterator alarm) {
+        Cancel(alarm->id);
+        alarm->id = After(Seconds(alarm->when.Seconds()) - Local(), [this, alarm] {
+            const Action action = std::move(alarm->action);
+            alarms_.erase(alarm);
+            action();
+        });
+    }
+    void Jump(Milliseconds& part, Seconds by) {
+        part += by;
+        for (auto alarm = alarms_.begin(); alarm != alarms_.end(); ++alarm)
+            Arm(alarm);
+    }
+
+    std::map<EventId, Action> queue_;
+    std::list<Alarm> alarms_;
+    std::uint64_t lastNumber_ = 0;
+    Milliseconds now_{0}, lastCall_{-1};
+    Milliseconds start_;     ///< UTC at tick 0, since 1970
+    Milliseconds zone_;      ///< local time minus UTC
+    Milliseconds moved_{0};  ///< by the operator
+    int vainCalls_ = 0;
 };
 
 }  // namespace korvane

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -17,6 +18,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
 #include "platform/qt/sql_store.h"
@@ -24,6 +26,7 @@
 #include "store/schema.h"
 #include "support/faulty_files.h"
 #include "support/faulty_store.h"
+#include "support/qt_application.h"
 #include "support/recording_operator.h"
 #include "support/recording_power.h"
 #include "support/recording_processes.h"
@@ -61,10 +64,25 @@ public:
     };
 
     World() : World(Setup{}) {}
-    explicit World(const Setup& setup);
+    explicit World(const Setup& setup)
+        : folder_(setup.home.empty() ? std::make_unique<TemporaryFolder>() : nullptr),
+          time_(setup.start, std::chrono::hours(-5)),
+          home(folder_ ? folder_->Path() : setup.home),
+          face(setup.makeFace(time_.timers)),
+          run(Ports(), {.dir = home,
+                        .dataDir = setup.dataDir,
+                        .commandLine = setup.commandLine,
+                        .version = "1.0.0",
+                        .program = "/opt/korvane/korvanecore",
+                        .icon = "korvane"}) {
+        NeedQtApplication();
+        // A key that comes first counts, so the test's own stands before.
+        if (folder_ && setup.settings)
+            Write("kvurlwatchn.ini", "[Settings]\n" + *setup.settings + "\nBegin=0\nServer=mail.example\n");
+    }
 
     /// The start of the program. What it says of it is in `started`.
-    void Start();
+    void Start() { started = run.StartUp(); }
     Run::Started started = Run::Started::CannotGoOn;
 
     void RunFor(std::chrono::milliseconds time) { time_.RunFor(time); }
@@ -72,16 +90,40 @@ public:
     /// Below the home.
     std::string PathOf(const std::string& name) const { return home + "/" + name; }
     std::string Text(const std::string& name) const { return ReadAll(PathOf(name)); }
-    void Write(const std::string& name, std::string_view text);
+    void Write(const std::string& name, std::string_view text) { std::ofstream(PathOf(name), std::ios::binary) << text; }
 
     /// The texts of today's log, without date, time and version; with "# " in front where they are errors.
-    std::vector<std::string> LogTexts();
-    bool Logged(const std::string& part);
+    std::vector<std::string> LogTexts() {
+        const std::string today = time_.clock.Now().Stored();
+        std::vector<std::string> texts;
+        for (const std::string& line :
+             Split(Text("Logs/kvmonlog " + today.substr(0, 4) + " " + today.substr(5, 5) + ".txt"), '\n')) {
+            const auto tab = line.find('\t');
+            if (tab != std::string::npos && tab != 0) texts.push_back((line[tab - 1] == '#' ? "# " : "") + line.substr(tab + 1));
+        }
+        return texts;
+    }
+    bool Logged(const std::string& part) {
+        const std::vector<std::string> texts = LogTexts();
+        return std::any_of(texts.begin(), texts.end(), [&](const std::string& text) { return Holds(text, part); });
+    }
 
     /// Sets a key in the settings that the running program consults.
     void Set(std::string_view key, std::string value) { run.TheDesk().collection.setKvSettingsColValue(key, std::move(value)); }
 
 private:
+    /// In the order of Run::Ports.
+    Run::Ports Ports() {
+        Operator& who = face.person ? *face.person : person;
+        const std::function<std::unique_ptr<Inet>()> newInet = [this] { return std::make_unique<VirtualInet>(net); };
+        const std::function<std::string()> proxy = [this] { return proxyServer; };
+        const std::function<void()> exit = [this] { ++exits; };
+        return {time_.clock, time_.events,     time_.timers, store,      who,        files,   socket,    sckesmtp,
+                plainSocket, testSocket,       alertEsmtp,   alertPlain, echo,       sound,   processes, guids,
+                power,       serviceManager,   services,     autostart,  systemInfo, newInet, proxy,     exit,
+                face.window, face.conversation};
+    }
+
     std::unique_ptr<TemporaryFolder> folder_;
     VirtualWorld time_;
 
@@ -93,15 +135,10 @@ public:
     FaultyFiles files{disk};
     QtSqlStore database{KindOfColumn};
     FaultyStore store{database};
-    TestDatabase rows;
+    TestDatabase rows{home, database};
     RecordingOperator person;
     RecordingSound sound;
-    VirtualTcpSocket socket{net};
-    VirtualTcpSocket sckesmtp{net};
-    VirtualTcpSocket plainSocket{net};
-    VirtualTcpSocket testSocket{net};
-    VirtualTcpSocket alertEsmtp{net};
-    VirtualTcpSocket alertPlain{net};
+    VirtualTcpSocket socket{net}, sckesmtp{net}, plainSocket{net}, testSocket{net}, alertEsmtp{net}, alertPlain{net};
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;

@@ -1,101 +1,58 @@
 // Where a service manager runs that this user can install services with: the program as one of its services, from the
 // installation to the removal.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <filesystem>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include "base/text.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/program_runner.h"
 #include "platform/linux/systemd_manager.h"
 #include "platform/qt/qt_events.h"
 #include "support/qt_application.h"
+#include "system/program.h"
 
 namespace korvane::test {
 namespace {
 
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-
-constexpr auto kLimit = 60s;
-constexpr auto kLongestStop = 5s;
-
-SystemdPlace PlaceWithoutLinger() {
-    SystemdPlace place = SystemdPlaceOfThisUser(EnvironmentVariable);
-    place.lingerFile.clear();  // it must not be changed for a test
-    return place;
+std::string Variable(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    return value == nullptr ? "" : value;
 }
 
-class RealManager : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!manager_.IsPresent()) GTEST_SKIP() << "no service manager runs here for this user";
-        if (program_.program.starts_with("/tmp/") || program_.program.starts_with("/var/tmp/")) {
-            GTEST_SKIP() << "a service has temporary folders of its own and does not see " << program_.program;
-        }
-        std::string home =
-            (place_.scope == UnitScope::System ? "/var/lib" : EnvironmentVariable("HOME")) + "/korvane-test-XXXXXX";
-        if (mkdtemp(home.data()) == nullptr) throw std::runtime_error("no folder " + home);
-        program_.home = home;
-    }
-    void TearDown() override {
-        if (program_.home.empty()) return;
-        manager_.Uninstall(name_, program_.home);
-        fs::remove_all(program_.home);
-    }
+TEST(RealManager, StartsRestartsAndStopsTheProgram) {
+    NeedQtApplication();
+    const SystemClock clock;
+    QtEvents events;
+    LinuxFiles files;
+    SystemdPlace place = SystemdPlaceOfThisUser(Variable);
+    place.lingerFile.clear();  // it must not be changed for a test
+    SystemdManager manager{
+        {files, ProgramRunner(events, clock)}, place, SystemdGreeting([](const std::string&) { return ""; }, 1)};
+    if (!manager.IsPresent()) GTEST_SKIP() << "no service manager runs here for this user";
+    if (kDist.starts_with("/tmp/")) GTEST_SKIP() << "a service has temporary folders of its own and does not see " << kDist;
+    const bool user = place.scope == UnitScope::User;
+    const std::string name = "korvane-test-" + std::to_string(getpid());
+    const std::string home = (user ? Variable("HOME") : "/var/lib") + "/" + name;
+    fs::create_directory(home);
+    const auto ask = [&](const std::string& words) {
+        return TrimAll(Answer("systemctl " + std::string(user ? "--user " : "") + words + " " + UnitName(name) + " 2>&1"));
+    };
+    const auto runsAsNot = [&](const std::string& process) {
+        return Waited([&] { return ask("show -P ActiveState") == "active" && ask("show -P MainPID") != process; });
+    };
 
-    ProgramResult Ask(std::vector<std::string> words) const {
-        if (place_.scope == UnitScope::User) words.insert(words.begin(), "--user");
-        words.insert(words.begin(), "systemctl");
-        words.push_back(UnitName(name_));
-        return run_(words, kLimit);
-    }
-    std::string Property(const std::string& property) const { return TrimAll(Ask({"show", "-P", property}).output); }
-    template <class Condition>
-    bool Waited(Condition condition) {
-        const auto deadline = clock_.GetTickCount() + kLimit;
-        while (!condition()) {
-            if (clock_.GetTickCount() > deadline) return false;
-            events_.WaitForEvent(100ms);
-        }
-        return true;
-    }
-
-    const bool application_ = (NeedQtApplication(), true);
-    SystemClock clock_;
-    QtEvents events_;
-    LinuxFiles files_;
-    const RunProgram run_ = ProgramRunner(events_, clock_);
-    const SystemdPlace place_ = PlaceWithoutLinger();
-    const std::string name_ = "korvane-test-" + std::to_string(getpid());
-    ServiceProgram program_{.program = std::string(KORVANE_DIST_DIR) + "/korvanecore", .home = ""};
-    SystemdManager manager_{{files_, run_}, place_, SystemdGreeting([](const std::string&) { return ""; }, getpid())};
-};
-
-TEST_F(RealManager, StartsRestartsAndStopsTheProgram) {
-    const ManagerAnswer installed = manager_.Install(name_, program_);
-    ASSERT_TRUE(installed.done) << installed.words;
-    ASSERT_TRUE(manager_.Start(name_).done);
-    ASSERT_TRUE(Waited([&] { return Property("ActiveState") == "active"; })) << Ask({"status"}).output;
-    EXPECT_EQ(Property("StatusText"), "Service Started.");
-
-    const std::string first = Property("MainPID");
-    Ask({"kill", "--signal=KILL"});
-    EXPECT_TRUE(Waited([&] { return Property("ActiveState") == "active" && Property("MainPID") != first; }));
-
-    const auto begun = clock_.GetTickCount();
-    EXPECT_EQ(Ask({"stop"}).status, 0);
-    EXPECT_LT(clock_.GetTickCount() - begun, kLongestStop);
-    EXPECT_EQ(Property("Result"), "success");
-    EXPECT_EQ(Property("ExecMainStatus"), "0");
-
-    EXPECT_TRUE(manager_.Uninstall(name_, program_.home).done);
-    EXPECT_EQ(Property("LoadState"), "not-found");
+    const ManagerAnswer installed = manager.Install(name, {.program = kDist + "/korvanecore", .home = home});
+    EXPECT_TRUE(installed.done) << installed.words;
+    EXPECT_TRUE(manager.Start(name).done);
+    EXPECT_TRUE(runsAsNot("0")) << ask("status");
+    EXPECT_EQ(ask("show -P StatusText"), "Service Started.");
+    const std::string first = ask("show -P MainPID");
+    ask("kill --signal=KILL");
+    EXPECT_TRUE(runsAsNot(first)) << ask("status");
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(ask("stop"), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
+    EXPECT_EQ(ask("show -P Result") + ask("show -P ExecMainStatus"), "success0");
+    EXPECT_TRUE(manager.Uninstall(name, home).done);
+    EXPECT_EQ(ask("show -P LoadState"), "not-found");
+    fs::remove_all(home);
 }
 
 }  // namespace

@@ -1,0 +1,180 @@
+// What holds for every form: its controls have names and keys of their own, Return presses its default button, Escape writes nothing,
+// and it may go at each point where something that it began still waits. And what needs more than a script.
+#include "desktop/desktop_test.h"
+
+namespace korvane {
+namespace {
+
+struct AllForms : DesktopTest {
+    AllForms() {
+        world->rows.Add({.strDesc = "shop", .strAddress_IP = "shop.example", .strType = "HTTP", .strPort = "80"});
+        world->net.Page("http://shop.example").Answer("Welcome", 3ms);
+        window->RefreshURLList();
+        const auto page = [this] { (new frmWizard({.title = "page", .prompt = ""}, window.get()))->open(); };
+        window->addAction("page", page)->setObjectName("page");
+    }
+
+    /// Controls without a name, and keys that two of a page have.
+    std::string Faults() {
+        std::string faults;
+        QStringList keys;
+        for (const auto* bar : form->findChildren<QMenuBar*>())
+            for (const QAction* menu : bar->actions())
+                keys += QKeySequence::mnemonic(menu->text()).toString();
+        for (QWidget* each : form->findChildren<QWidget*>()) {
+            if (each->window() != form || !each->isVisibleTo(form) || each->objectName().startsWith("qt_")) continue;
+            const auto* const label = qobject_cast<QLabel*>(each);
+            if (label != nullptr && label->buddy() != nullptr && label->text().contains('&'))
+                keys += QKeySequence::mnemonic(label->text()).toString();
+            if (const auto* const button = qobject_cast<QAbstractButton*>(each)) keys += button->shortcut().toString();
+            const bool isNamed = !QAccessible::queryAccessibleInterface(each)->text(QAccessible::Name).isEmpty();
+            if (each->focusPolicy() != Qt::NoFocus && (each->objectName().isEmpty() || !isNamed))
+                faults += S(each->objectName()) + each->metaObject()->className() + " has no name, ";
+        }
+        return faults + (keys.contains("") || keys.removeDuplicates() > 0 ? "keys" : "");
+    }
+};
+
+TEST_F(AllForms, HaveNamesAndKeysAndADefaultButtonAndEscapeWritesNothing) {
+    EXPECT_EQ(Faults(), "");
+    for (const QMenu* menu : window->menuBar()->findChildren<QMenu*>()) {
+        QStringList keys;
+        for (const QAction* each : menu->actions())
+            if (each->text().contains('&')) keys += QKeySequence::mnemonic(each->text()).toString();
+        EXPECT_EQ(keys.removeDuplicates(), 0) << S(menu->title());
+    }
+    const auto settings = [&] { return world->run.SaveOnExit(), world->Text("kvurlwatchn.ini"); };
+    for (const Opening& each : Forms()) {
+        SCOPED_TRACE(each.command);
+        Open(each);
+        const auto before = settings();
+        world->files.faults.Add({.operation = FilesOperation::Replace, .forever = true});
+        world->store.faults.Add({.operation = StoreOperation::Update, .forever = true});
+        auto* const pages = form->findChild<QTabWidget*>("tabPages");
+        for (int page = pages == nullptr ? 0 : pages->count() - 1; page >= 0; --page) {
+            if (pages != nullptr) pages->setCurrentIndex(page);
+            EXPECT_EQ(Faults(), "") << page;
+        }
+        for (QLineEdit* box : form->findChildren<QLineEdit*>())
+            QTest::keyClicks(box, "7");
+        QTest::keyClick(form, Qt::Key_Escape);
+        EXPECT_TRUE(IsGone());
+        EXPECT_EQ(world->files.faults.Failures() + world->store.faults.Failures(), 0u);
+        world->files.faults.Heal();
+        world->store.faults.Heal();
+        EXPECT_EQ(settings(), before);
+        CloseAll();
+        std::string pressed = "-";
+        for (const QPushButton* button : Open(each).findChildren<QPushButton*>())
+            QObject::connect(button, &QPushButton::clicked, form, [&, name = S(button->objectName())] { pressed = name; });
+        QTest::keyClick(form, Qt::Key_Return);
+        EXPECT_EQ(pressed, each.onReturn);
+        CloseAll();
+    }
+}
+
+// By each command of each form: gone with the message or question open that it leads to, as something is said, and a little later.
+TEST_F(AllForms, MayGoAtEachPointWhereTheyWait) {
+    world->run.cmdStopStart();
+    window->yes = true;
+    for (const Opening& each : Forms()) {
+        QStringList names;
+        for (const auto* button : Open(each).findChildren<QAbstractButton*>(QRegularExpression("^(cmd|chk)")))
+            names += button->objectName();
+        for (int run = 0, points = getenv("KORVANE_LONG") == nullptr ? 4 : 12; run < names.size() * points; ++run) {
+            const int point = run % points;
+            SCOPED_TRACE(each.form + " " + S(names[run / points]) + " " + std::to_string(point));
+            CloseAll();
+            Open(each);
+            for (QLineEdit* box : form->findChildren<QLineEdit*>(QRegularExpression("Email|Input")))
+                QTest::keyClicks(box, "a@b.de");
+            if (auto* const message = form->findChild<QPlainTextEdit*>("txtMessage")) message->setPlainText(QString(1000, 'a'));
+            window->boxes |= point == 0;
+            int left = point;
+            window->onSaid = [&] { --left == 0 ? CloseAll() : void(); };
+            for (const auto later : {1ms, 2ms, 5ms, 10ms})
+                world->world.After(later, [&] { window->onSaid(), Settle(); });
+            Get<QAbstractButton>(S(names[run / points])).click();
+            Settle();
+            if (point == 0) CloseAll();
+            world->RunFor(5s);
+            window->onSaid = [] {};
+        }
+    }
+}
+
+TEST_F(AllForms, TheWindowUnderAQuestionMayGo) {
+    for (const bool goes : {false, true}) {
+        auto over = std::make_unique<QWidget>();
+        QTimer::singleShot(0, qApp, [&] { goes ? over.reset() : over->findChild<QPushButton*>("cmdYes")->click(); });
+        EXPECT_EQ(frmMSG::Ask(over.get(), "Korvane", "Proceed?"), !goes);
+        over = std::make_unique<QWidget>();
+        world->world.After(1s, [&] { goes ? over.reset() : (void)over->findChild<QDialog*>()->close(); });
+        EXPECT_EQ(frmWizard::Ask(world->world.events, over.get(), {.title = "page", .prompt = "", .defaultText = "text"}), "");
+    }
+}
+
+TEST_F(AllForms, TracesStayWhereTheirReaderIsKeepAWholeSessionAndOpenBesideTheEditor) {
+    Open("frmReqRes");
+    QScrollBar& bar = *Get<QPlainTextEdit>("txtTrace").verticalScrollBar();
+    const auto write = [&](int count, const std::string& text) {
+        for (int i = 0; i < count; ++i)
+            window->Conversation().setResponse(text);
+        Settle();
+        return S(Get<QPlainTextEdit>("txtTrace").toPlainText());
+    };
+    write(200, "answer");
+    EXPECT_EQ(bar.value(), bar.maximum());
+    bar.setValue(100);
+    write(10, "answer");
+    EXPECT_EQ(bar.value(), 100);
+    const std::string text = write(7, std::string(1'500'000, 'W') + "the end");
+    EXPECT_TRUE(text.size() <= kMostOfATrace && text.size() >= kMostOfATrace / 2 && Holds(text, "the end\n"));
+    EXPECT_TRUE(text.starts_with("[The oldest lines of this window have gone: it keeps the newest 10,000,000 characters.]\n"));
+    for (const int width : {100, 300, 600}) {  // room beside the editor, for a narrow window, and none: the screen has 800
+        QDialog editor;
+        editor.setGeometry(10, 10, width, 300);
+        editor.show();
+        ConversationViewer viewer;
+        viewer.SetParent(&editor);
+        viewer.Show();
+        const QRect place = viewer.TheForm()->frameGeometry();
+        EXPECT_EQ(place.intersects(editor.frameGeometry()), width == 600) << width;
+        EXPECT_TRUE(editor.screen()->geometry().contains(place)) << width;
+    }
+}
+
+TEST_F(AllForms, CellsShowTextsAsTheyAreAndTipsThoseThatAreCutAndButtonsKeepTheirPlace) {
+    for (int i = 0; i < 100; ++i)
+        world->rows.Add(
+            {.id = 112126150405 + i, .strGroup = "a group", .strDesc = "a rather long name", .strAddress_IP = "www/path"});
+    world->rows.Change("Servers", 112126150405, {{"strLastResponse", "<img src='/etc/x'>\r\n  two"}});
+    window->resize(1240, 640);  // the room at a width of 1280 pixels, with a frame
+    window->RefreshURLList();
+    Settle();
+    QTreeView& list = *window->ListView1;
+    EXPECT_EQ(list.horizontalScrollBar()->maximum(), 0);
+    for (const int fits : {column::Number, column::ServerID})
+        EXPECT_EQ(list.columnWidth(fits), static_cast<QAbstractItemView&>(list).sizeHintForColumn(fits));
+    const QModelIndex cell = list.model()->index(1, column::LastResponse);
+    EXPECT_EQ(cell.data(), "<img src='/etc/x'>   two");
+    EXPECT_EQ(cell.data(Qt::ToolTipRole), "<p style='white-space:pre-wrap'>&lt;img src='/etc/x'&gt;\n  two</p>");
+    for (const bool cut : {false, true}) {
+        list.setColumnWidth(column::Group, cut ? 30 : 300);
+        const QPoint at = list.visualRect(cell.siblingAtColumn(column::Group)).center();
+        QHelpEvent pointed(QEvent::ToolTip, at, list.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list.viewport(), &pointed);
+        EXPECT_EQ(Holds(S(QToolTip::text()), "a group"), cut);
+    }
+    world->RunFor(2s);
+    const QPoint place = Get("cmdAddURL").pos();
+    for (const bool waits : {true, false}) {
+        EXPECT_EQ(window->cmdStopWaiting->isVisible(), waits);
+        EXPECT_EQ(Get("cmdAddURL").pos(), place);
+        Do("cmdStopWaiting");
+        world->RunFor(2s);
+    }
+}
+
+}  // namespace
+}  // namespace korvane

@@ -1,0 +1,279 @@
+// Servers and mail servers that fail and recover at random, for days: what people, traces and commands get, and what the store
+// holds, is compared check by check with a ledger that knows only what the servers answered, what the mail servers took and that
+// the store refused. KORVANE_LONG plays weeks.
+#include <array>
+#include <cstdlib>
+#include <random>
+#include <set>
+
+#include "engine/down_time.h"
+#include "engine/engine_test.h"
+
+namespace korvane {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::seconds;
+
+const bool kLong = std::getenv("KORVANE_LONG") != nullptr;
+
+struct Trial {
+    DateTime start;
+    std::string ServerBackup, SMTPUser1;  ///< without a user: the plain mailer
+    bool usesBackup;
+    enum { Works, Refuses, Errs } store;  ///< refuses what is written, or breaks at any operation
+    hours jumpAfter, jump;
+    void (VirtualWorld::*move)(seconds);
+};
+
+/// A mail server that has good and bad times.
+struct MoodyServer {
+    explicit MoodyServer(VirtualServer& of) : port(of) {}
+
+    VirtualServer& port;
+    VirtualMailServer server{port};
+    bool takes = true;
+    int connections = 0;  ///< that were seen before
+
+    void ChangeMood(int mood) {
+        takes = mood < 6;
+        server.refuse = [mood](const std::string& line) { return mood == 6 && ToLower(line).starts_with("rcpt to:"); };
+        if (mood < 7) server.Serve(port);
+        if (mood == 5) port.Accept(4s);
+        if (mood == 7) port.Anew().Refuse();
+        if (mood == 8) port.Anew().Silent();
+        if (mood == 9) port.Anew().Speak("220 ready\r\n").ExpectAnyLine().Speak("250 ok\r\n", 1ms).ExpectAnyLine().Reset(1ms);
+    }
+};
+
+/// An entry as it was set up, and its page in the ledger.
+struct Account {
+    std::string Text(const std::string& column) const { return row.at(column).Text(); }
+    std::string SentTo() const { return "successfully sent to: '" + Text("strEmailList1") + " " + Text("strEmailList2") + "'"; }
+
+    Row row;
+    std::int64_t id, nTries;
+    std::array<std::int64_t, 3> stored;     ///< nTriesCur, nSuccess, nFail
+    int troubles = 0;                       ///< checks that are still to fail
+    bool toldDown = false, toldUp = false;  ///< of what is not stored yet
+    std::string strAction = "None.";        ///< of the outage
+    std::multiset<std::string> failures = {};
+};
+
+class Ledger {
+public:
+    explicit Ledger(const Trial& trial) : trial_(trial) {
+        engine_.person.keepOnlyCounts = true;
+        accounts_.reserve(kLong ? 30 : 14);
+        while (accounts_.size() < accounts_.capacity())
+            Enter(static_cast<int>(accounts_.size()));
+        engine_.world.After(trial.jumpAfter, [this] { Jump(); });
+        Look();
+    }
+
+    /// Gives what tells one run from another.
+    std::string Play() {
+        engine_.world.RunUntil([] { return testing::Test::HasFailure(); }, kLong ? 168h : 12h);
+        CloseCheck();
+        std::string digest = std::to_string(checks_);
+        EXPECT_GT(checks_, 300);
+        if (trial_.store == Trial::Errs) return digest;
+        std::map<std::int64_t, std::multiset<std::string>> failures;
+        for (const Row& row : engine_.rows.Query("SELECT * FROM Failures ORDER BY dateFail, ID")) {
+            digest += row.at("dateFail").Text() + row.at("strReason").Text();
+            const Account& account = accounts_.at(static_cast<std::size_t>(row.at("IDParent").Int64() - 1));
+            std::string action = row.at("strAction").Text();
+            for (const std::string& told : {std::string("FAILED"), account.SentTo()})
+                if (Holds(action, told)) action = told;
+            EXPECT_EQ(row.at("nFailMax"), Value(account.nTries));
+            failures[account.id].insert(row.at("nFailCount").Text() + action);
+        }
+        for (const Account& account : accounts_) {
+            EXPECT_EQ(failures[account.id], account.failures) << account.id;
+            const auto bad = static_cast<double>(account.stored[2]), all = bad + static_cast<double>(account.stored[1]);
+            EXPECT_EQ(all > 0 ? engine_.Of(account.id, "nPercentUp") : "",
+                      all > 0 ? Value(100.0 - bad / all * 100.0).Text() : "");
+        }
+        EXPECT_TRUE(told_[0] > 0 && told_[2] > 0 && (told_[1] > 0) == trial_.usesBackup) << told_[0] << "," << told_[1];
+        std::erase_if(engine_.serviceManager.told, [](const std::string& text) { return !text.starts_with("Outcomes"); });
+        for (bool stored = true; const std::string& text : engine_.serviceManager.told)
+            EXPECT_EQ(text == "Outcomes of checks are stored again.", stored = !stored) << text;
+        EXPECT_EQ(engine_.serviceManager.told.empty(), trial_.store == Trial::Works);
+        return digest;
+    }
+
+private:
+    int Pick(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
+
+    void Enter(int i) {
+        const std::string name = "e" + std::to_string(i), address = "10.1.0." + std::to_string(i + 1);
+        const int nTries = 1 + Pick(4), nTriesCur = i % 4 == 1 ? nTries + 1 : 0;  // some are down since before this start
+        accounts_.push_back(
+            {.row = Columns(
+                 "idCustomer strDesc strAddress_IP nTries nTriesCur nIntervalSeconds bIsMonitoring strDownTime1 nDownDuration1 "
+                 "strDownTime2 nDownDuration2 strCMD strCMDUP strEmailList1 strEmailList2 strEmailText bSendUpNotify",
+                 Value(), name, address, nTries, nTriesCur, 600 * (1 + Pick(6)), i % 11 != 10, i % 12 == 3 ? "3:30" : "", 90,
+                 i % 12 == 9 ? "9:30 PM" : "", 70, i % 2 == 0 ? "" : "mend " + name, i % 3 == 0 ? "" : "greet " + name,
+                 i % 10 == 9 ? "" : name + "@x", i % 3 == 2 ? name + "@y" : "", "alarm", i % 5 != 3),
+             .id = i + 1,
+             .nTries = nTries,
+             .stored = {nTriesCur, 0, 0}});
+        Account& account = accounts_.back();
+        engine_.net.Host(address).DecideEcho([&] {
+            const VirtualHost::EchoAnswer bad[] = {{false, 0, 0ms}, {true, 769, 1ms}, {true, 0, 1500ms}};
+            return Ask(account) ? VirtualHost::EchoAnswer{} : bad[Pick(3)];
+        });
+        engine_.net.Host(address).Port(25).Speak("220 hello\r\n", 20ms).Answer([&](const std::string&) {
+            return Ask(account) ? "221 bye\r\n" : Pick(9) == 0 ? "" : "500 no\r\n";
+        });
+        engine_.net.Page("http://" + address).Decide([&] {
+            using enum PageAnswer::Kind;
+            if (Ask(account)) return PageAnswer{Body, "all ok", 20ms};
+            // A page without its text fails without the step that makes up for a row that the store refused.
+            const bool page = trial_.store == Trial::Works && Pick(2) == 0;
+            return page ? PageAnswer{Body, "an error", 20ms} : PageAnswer{Failure, "refused", 600ms};
+        });
+        const Entry kinds[] = {{.strExpectedText = "1000"},
+                               {.strType = "SMTP", .strPort = "25", .strExpectedText = "220,QUIT,221"},
+                               {.strType = "HTTP", .strPort = "80", .strExpectedText = "ok"}};
+        engine_.Add(With(account.row, kinds[i % 3]));
+    }
+
+    // A check asks a server; all that is seen from here to the next one follows from the answer.
+    bool Ask(Account& account) {
+        CloseCheck();
+        checked_ = &account;
+        ++checks_;
+        EXPECT_TRUE(account.row.at("bIsMonitoring").Bool());
+        for (const std::string window : {"1", "2"}) {
+            const std::string start = account.Text("strDownTime" + window), minutes = account.Text("nDownDuration" + window);
+            EXPECT_FALSE(IsDownTime(start, minutes, engine_.world.clock.Now()).bIsDown);
+        }
+        good_ = account.troubles == 0;
+        if (!good_) --account.troubles;
+        if (good_ && Pick(6) == 0) account.troubles = 1 + (Pick(40) == 0 ? 60 : Pick(Pick(2) == 0 ? 4 : 20));
+        const std::int64_t before = account.stored[0];
+        count_ = good_ ? 0 : before + 1;
+        return_ = good_ && (before >= account.nTries || account.toldDown) && !account.toldUp;
+        if (!good_ && (count_ != account.nTries || account.toldUp)) account.toldDown = account.toldUp = false;  // another outage
+        outage_ = !good_ && count_ == account.nTries && !account.toldDown;
+        account.toldDown |= outage_;
+        account.toldUp |= return_;
+        refusals_ = engine_.store.faults.Failures();
+        if (trial_.store != Trial::Works && Pick(6) == 0) BreakStore();
+        if (Pick(4) == 0) (Pick(2) == 0 ? primary_ : backup_).ChangeMood(Pick(10));
+        return good_;
+    }
+
+    void BreakStore() {
+        using enum StoreOperation;
+        const bool full = Pick(4) == 0, any = trial_.store == Trial::Errs;
+        const StoreOperation once[] = {Connect, Open, Update, Commit, AddNew, MoveNext, Read, Write, Read, Write};
+        engine_.store.faults.Heal();
+        engine_.store.faults.Add(
+            {.operation = full ? Update : once[Pick(any ? 10 : 6)], .nth = full ? 1 : 1 + Pick(any ? 30 : 4), .forever = full});
+        if (full) engine_.world.After(seconds(10 + Pick(200)), [this] { engine_.store.faults.Heal(); });
+    }
+
+    // Compares what was seen since the answer with what had to follow from it.
+    void CloseCheck() {
+        if (checked_ == nullptr) return;
+        Account& account = *std::exchange(checked_, nullptr);
+        SCOPED_TRACE(account.Text("strDesc") + " before " + engine_.world.clock.Now().Text());
+        if (trial_.store == Trial::Errs) return;  // nothing is known but that nobody is forgotten
+        const bool wanted = outage_ || (return_ && account.row.at("bSendUpNotify").Bool());
+        const bool asked = wanted && !account.Text("strEmailList1").empty();
+        const bool byPrimary = Took(primary_, asked, account);
+        const bool byBackup = Took(backup_, asked && !byPrimary && trial_.usesBackup, account);
+        if (asked) ++told_[byPrimary ? 0 : byBackup ? 1 : 2];
+        if (outage_) account.strAction = byPrimary || byBackup ? account.SentTo() : "FAILED";
+        const std::string trace = outage_ ? "/bin/sh '~/kvlogs/KvTR" + std::to_string(account.id) + ".bat'" : "";
+        Texts started{trace, outage_ || return_ ? account.Text(outage_ ? "strCMD" : "strCMDUP") : ""};
+        std::erase(started, "");
+        EXPECT_EQ(engine_.TakeStarted(), started);
+
+        const auto text = [](std::int64_t tries, std::int64_t good, std::int64_t bad) {
+            return std::to_string(tries) + "," + std::to_string(good) + "," + std::to_string(bad);
+        };
+        auto& [nTriesCur, nSuccess, nFail] = account.stored;
+        const std::string now = engine_.Of(account.id, "nTriesCur,nSuccess,nFail");
+        if (now == text(nTriesCur, nSuccess, nFail) && engine_.store.faults.Failures() > refusals_)
+            return;  // lost, and still due
+        nTriesCur = count_;
+        ++(good_ ? nSuccess : nFail);
+        EXPECT_EQ(now, text(nTriesCur, nSuccess, nFail));
+        account.toldDown = account.toldUp = false;
+        if (!good_) account.failures.insert(std::to_string(count_) + (count_ == account.nTries ? account.strAction : "None."));
+    }
+
+    /// Whether the server took the mail to everybody.
+    bool Took(MoodyServer& server, bool asked, const Account& account) const {
+        Texts to{account.Text("strEmailList1"), account.Text("strEmailList2")};
+        std::erase(to, "");
+        const auto mails = std::exchange(server.server.mails, {});
+        const int before = std::exchange(server.connections, server.port.Connections());
+        EXPECT_EQ(server.connections - before, !asked ? 0 : server.takes ? std::ssize(to) : 1);
+        EXPECT_EQ(mails.size(), asked && server.takes ? to.size() : 0);
+        const std::string name = account.Text("strDesc");
+        for (std::size_t i = 0; i < std::min(mails.size(), to.size()); ++i) {
+            EXPECT_EQ(mails[i].recipients, Texts{"<" + to[i] + ">"});
+            EXPECT_TRUE(Holds(mails[i].text,
+                              outage_ ? "\r\nSubject: alarm (" + name + ") " : "\r\nSubject: SERVER BACK UP (alarm) " + name));
+        }
+        return !mails.empty();
+    }
+
+    // Nobody is forgotten. Each other entry may go first, with mails to two silent servers, and the cycle may have gone to sleep.
+    seconds Backlog() const { return 90s * std::ssize(accounts_) + 10min; }
+    void Look() {
+        for (const Row& row : engine_.rows.Query("SELECT ID, dtNextCheck, nIntervalSeconds FROM Servers")) {
+            const seconds late = engine_.world.clock.Now() - row.at("dtNextCheck").When();
+            EXPECT_LE(checks_ > 100 ? late : 0s, Backlog() + forward_) << row.at("ID").Text();
+            EXPECT_LE(-late, std::max<seconds>(5 * seconds(row.at("nIntervalSeconds").Int64()), 6h) + back_)
+                << row.at("ID").Text();
+        }
+        engine_.world.After(10min, [this] { Look(); });
+    }
+    void Jump() {
+        (trial_.jump > 0h ? forward_ : back_) = std::chrono::abs(trial_.jump);
+        (engine_.world.*trial_.move)(trial_.jump);
+        engine_.world.After(Backlog(), [this] { forward_ = 0s; });
+    }
+
+    const Trial trial_;
+    std::mt19937 random_{static_cast<unsigned>(trial_.start.Seconds())};
+    Engine engine_{
+        {}, "GlobalRetryDuration=300\nServerBackup=" + trial_.ServerBackup + "\nSMTPUser1=" + trial_.SMTPUser1, trial_.start};
+    MoodyServer primary_{engine_.net.Host("mail.example").Port(25)}, backup_{engine_.net.Host(trial_.ServerBackup).Port(25)};
+    std::vector<Account> accounts_;
+
+    // The check under way.
+    Account* checked_ = nullptr;
+    bool good_ = false, outage_ = false, return_ = false;
+    std::int64_t count_ = 0;
+    std::uint64_t refusals_ = 0;
+
+    int checks_ = 0;
+    std::array<int, 3> told_{};  ///< through the primary server, the backup, and nowhere
+    seconds forward_{0}, back_{0};
+};
+
+TEST(Ledger, EachOutageIsToldOnceAndNobodyIsForgotten) {
+    const Trial trials[] = {
+        {DateTime::Of(2027, 3, 27, 22, 0, 0), "mail12", "watch", true, Trial::Works, 4h, 1h,
+         &VirtualWorld::MoveZone},  // summer time
+        {DateTime::Of(2027, 10, 30, 22, 0, 0), "mail2", "", false, Trial::Works, 5h, -1h, &VirtualWorld::MoveZone},
+        {DateTime::Of(2028, 2, 28, 18, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, -2h, &VirtualWorld::MoveClock},
+        {DateTime::Of(2026, 11, 21, 15, 0, 0), "backup.example", "", true, Trial::Refuses, 9h, 960h, &VirtualWorld::MoveClock},
+        {DateTime::Of(2026, 11, 22, 15, 0, 0), "backup.example", "", true, Trial::Errs, 9h, 1h, &VirtualWorld::MoveClock},
+    };
+    for (const Trial& trial : trials) {
+        SCOPED_TRACE(trial.start.Text());
+        Ledger(trial).Play();
+        if (HasFailure()) return;
+    }
+    EXPECT_TRUE(kLong || Ledger(trials[2]).Play() == Ledger(trials[2]).Play()) << "the same seed, another run";
+}
+
+}  // namespace
+}  // namespace korvane

@@ -1,0 +1,154 @@
+// A tour of the windows by real keys, from the first start to the end, while the program goes on checking a real page.
+#include "system/desktop.h"
+#include "system/servers.h"
+
+namespace korvane::test {
+namespace {
+
+const std::string kMain = "Korvane Network Monitoring & Server Monitor v";
+const std::string kEditor = "Server Settings for ";
+const std::string kMessage = "Korvane\n";  // the whole title of messages and questions
+const std::string kOldTime = "'2026-01-01 00:00:00'";
+
+class Tour : public testing::Test {
+protected:
+    void SetUp() override {
+        KORVANE_NEEDS("Xvfb openbox trayer xdotool xprop nginx");
+        if (!OwnMounts()) GTEST_SKIP() << "no service manager can be played here";
+        Real("nginx");
+        desktop = std::make_unique<Desktop>();
+    }
+    // A field of the window that has the keyboard, by its letter.
+    void Fill(const std::string& key, const std::string& text) const {
+        desktop->Key(key + " ctrl+a");
+        desktop->Type(text);
+    }
+    bool Monitors() const {
+        const auto checks = [&] { return std::stoi(program.Query("SELECT total(nSuccess) FROM Servers")); };
+        return Waited([&, before = checks()] { return checks() > before; });
+    }
+    std::unique_ptr<Desktop> desktop;
+    Program program;
+};
+
+TEST_F(Tour, OfAnOperator) {
+    // A new home, and a service manager that refuses what it is asked.
+    for (const char* file : {"kvurlwatchn.ini", "kvdata2.mdb"})
+        fs::remove(program.home.At(file));
+    program.home.WriteScript("systemctl", "echo $* >>" + program.home.At("asked") + "; case $* in enable*) exit 1 ;; esac");
+    program.Start(desktop->Words() + "PATH=" + program.home.Path() + ":$PATH " +
+                  Mounted("mount -t tmpfs none /run; mkdir -p /run/systemd/system; mount -t tmpfs none /etc/systemd; mkdir "
+                          "/etc/systemd/system"));
+    desktop->Press("", "Korvane Setup Question 1 of 3");
+    desktop->Type("http://127.0.0.1/page");
+    desktop->Press("Return", "Korvane Setup Question 2 of 3");
+    desktop->Type("operator@korvane.example");
+    desktop->Press("Return", "Korvane Setup Question 3 of 3");
+    desktop->Press("Return", "Korvane Setup Info 2 of 3");
+    EXPECT_TRUE(Holds(program.home.Read("asked"), "enable")) << program.home.Read("asked");
+    EXPECT_TRUE(fs::is_empty("/proc/" + std::to_string(program.process->Id()) + "/root/etc/systemd/system"));
+    desktop->Press("Return", "Korvane Setup Info 3 of 3");
+    desktop->Press("Return", kMain);
+    EXPECT_EQ(program.Query("SELECT strAddress_IP, strEmailList1, strEmailFrom FROM Servers"),
+              "127.0.0.1/page|operator@korvane.example|operator@korvane.example\n");
+
+    // The entry is corrected, tried out and checked.
+    desktop->Press("End Return", kEditor);
+    Fill("alt+p", std::to_string(kBase));
+    desktop->Press("alt+t", kMessage);
+    desktop->Press("Return", kEditor);
+    desktop->Press("Return", kMain);
+    desktop->Press("F5", kMain);
+    EXPECT_TRUE(program.Becomes("SELECT nSuccess > 0 FROM Servers", "1\n"));
+    program.Query("UPDATE Servers SET nIntervalSeconds = 1, dtNextCheck = " + kOldTime);
+
+    // A new one is refused for its down time, then saved.
+    desktop->Press("ctrl+n", kEditor);
+    desktop->Type("http://127.0.0.1/late");
+    Fill("alt+d", "New page");
+    desktop->Press("ctrl+Tab ctrl+Tab", kEditor);
+    Fill("alt+1", "tomorrow");
+    desktop->Press("Return", kMessage);
+    desktop->Press("Return", kEditor);
+    EXPECT_EQ(program.Query("SELECT count(*) FROM Servers WHERE strDesc = 'New page'"), "0\n");
+    desktop->Type("3:00am");
+    EXPECT_TRUE(Monitors()) << "while the editor is open";
+    desktop->Press("Return", kMain);
+    EXPECT_TRUE(
+        program.Becomes("SELECT strAddress_IP, strDownTime1 FROM Servers WHERE strDesc = 'New page'", "127.0.0.1/late|3:00am\n"));
+
+    // The copy is selected. Deleting asks first, with monitoring stopped.
+    const std::string entries = "SELECT ID FROM Servers ORDER BY ID", before = program.Query(entries);
+    desktop->Press("ctrl+d", kMain);
+    EXPECT_TRUE(program.Becomes("SELECT count(*) FROM Servers", "3\n"));
+    const std::string withCopy = program.Query(entries);
+    for (const auto& [answer, left] : {std::pair{"alt+n", withCopy}, std::pair{"alt+y", before}}) {
+        desktop->Press("Delete", kMessage);
+        desktop->Press(answer, kMain);
+        EXPECT_TRUE(program.Becomes(entries, left));
+    }
+    EXPECT_TRUE(program.Becomes("SELECT dtNextCheck < datetime('now', 'localtime', '-3 seconds') FROM Servers LIMIT 1", "1\n"));
+    desktop->Press("F9", kMain);
+    EXPECT_TRUE(Monitors());
+
+    desktop->Press("ctrl+comma", "Settings");
+    Fill("alt+r", "31");
+    desktop->Press("Return", kMain);
+    EXPECT_TRUE(Waited([&] { return Holds(program.Settings(), "GlobalRetryDuration=31"); })) << program.Settings();
+
+    // The other windows open and close.
+    for (const auto& [keys, title] :
+         {std::pair{"alt+w s", "Request and Response"}, std::pair{"alt+w m", "Conversation with Mail Servers"},
+          std::pair{"alt+h a", "About Korvane"}, std::pair{"alt+h f", "Send Feedback"}, std::pair{"alt+h n", "Tell a Friend"},
+          std::pair{"ctrl+1", "Korvane CPU Monitor"}, std::pair{"ctrl+2", "Korvane Disk Monitor"},
+          std::pair{"ctrl+3", "Korvane Memory Monitor"}, std::pair{"ctrl+4", "Korvane Service Monitor"}}) {
+        desktop->Press(keys, title);
+        EXPECT_TRUE(desktop->PressUntil("Escape", [&] { return Holds(desktop->Active(), kMain); })) << title;
+    }
+
+    // Hidden it goes on, until somebody looks at it again.
+    for (const char* hide : {"ctrl+m", "alt+F4"}) {
+        EXPECT_TRUE(desktop->PressUntil(hide, [&] { return !desktop->InTaskBar(kMain); })) << hide;
+        EXPECT_TRUE(Monitors());
+        desktop->ClickTrayIcon();
+        desktop->Press("", kMain);
+    }
+    const Folder elsewhere;
+    const Process second(program.Command(desktop->Words()), elsewhere);
+    desktop->Press("", "Multiple Instance");
+    desktop->Press("Return", kMain);
+    ASSERT_TRUE(second.Ended());
+    EXPECT_EQ(second.Status(), 1);
+
+    desktop->Key("ctrl+q");
+    ASSERT_TRUE(program.process->Ended());
+    EXPECT_EQ(program.process->Status(), 0);
+    EXPECT_TRUE(Waited([&] { return !desktop->HasTrayIcon(); }));
+    EXPECT_EQ(program.Output(), "");
+    EXPECT_TRUE(Holds(program.Settings(), "bMinimized=False")) << program.Settings();
+    program.ExpectWhole();
+}
+
+// Without a notification area the window stays in the task bar; and a service that has a window ends amid a publication.
+TEST_F(Tour, OfAServiceWithoutANotificationArea) {
+    desktop->tray.reset();
+    program.Query(Due("HTTP", "127.0.0.1/page", kBase, "Welcome", ", nIntervalSeconds = 1") +
+                  "WITH n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 1500) INSERT INTO Servers (ID, strDesc, "
+                  "nAveResponse, nAveSession, dtNextCheck, "
+                  "datelastfail) SELECT i, 'entry ' || i, 5, 5, '2099-01-01 00:00:00', datetime('now', 'localtime') FROM n");
+    program.StartAsService(desktop->Words());
+    desktop->Press("", kMain);
+    EXPECT_TRUE(desktop->PressUntil("alt+F4", [&] { return !desktop->Shows(kMain) && desktop->InTaskBar(kMain); }));
+    EXPECT_TRUE(Monitors());
+    desktop->Activate(kMain);
+    desktop->Press("", kMain);
+    const auto pages = [&] { return Count(Answer("find " + program.home.At("Reports") + " -name '*.htm'"), "\n"); };
+    desktop->Press("ctrl+r", kMain);
+    ASSERT_TRUE(Waited([&] { return pages() > 20; })) << program.Output();
+    program.Stop();
+    EXPECT_LT(pages(), 1500);
+    EXPECT_EQ(Answer("grep -rLi '</html>' --include='*.htm' " + program.home.At("Reports")), "");
+}
+
+}  // namespace
+}  // namespace korvane::test
