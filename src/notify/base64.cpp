@@ -1,7 +1,6 @@
 #include "notify/base64.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -27,25 +26,15 @@ void AppendEncoded(std::string& out, std::string_view text) {
     }
 }
 
-constexpr std::uint8_t kNoDigit = 64;
-
-constexpr std::array<std::uint8_t, 256> kDigits = [] {
-    std::array<std::uint8_t, 256> digits{};
-    digits.fill(kNoDigit);
-    for (std::uint8_t value = 0; value < kAlphabet.size(); ++value)
-        digits[static_cast<std::uint8_t>(kAlphabet[value])] = value;
-    return digits;
-}();
-
 // Returns the one to three bytes of a group of four characters.
 std::optional<std::string> DecodeGroup(std::string_view group) {
     const std::size_t length = std::min(group.find('='), group.size());
     if (length < 2 || group.substr(length).find_first_not_of('=') != std::string_view::npos) return std::nullopt;
     std::uint32_t bits = 0;
     for (std::size_t i = 0; i < group.size(); ++i) {
-        const std::uint8_t digit = i < length ? kDigits[static_cast<std::uint8_t>(group[i])] : std::uint8_t{0};
-        if (digit == kNoDigit) return std::nullopt;
-        bits = bits << 6 | digit;
+        const std::size_t digit = i < length ? kAlphabet.find(group[i]) : 0;
+        if (digit == std::string_view::npos) return std::nullopt;
+        bits = bits << 6 | static_cast<std::uint32_t>(digit);
     }
     const char bytes[] = {static_cast<char>(bits >> 16), static_cast<char>(bits >> 8), static_cast<char>(bits)};
     return std::string(bytes, length - 1);
@@ -72,17 +61,14 @@ std::string Base64Decode(std::string_view text) {
 }
 
 std::string Base64EncodeLines(std::string_view contents, const std::function<void()>& afterLine) {
-    const std::size_t rest = contents.size() % kLineInput;
-    std::size_t room = contents.size() / kLineInput * (kLineOutput + kLineEnd.size());
-    if (rest > 0) room += 4 * rest / 3 + 4 * rest % 3 + kLineEnd.size();
     std::string out;
-    out.reserve(room + kLineEnd.size());
+    out.reserve((contents.size() / kLineInput + 1) * (kLineOutput + kLineEnd.size()));
     for (std::size_t at = 0; at < contents.size(); at += kLineInput) {
         AppendEncoded(out, contents.substr(at, kLineInput));
         out += kLineEnd;
         if (afterLine) afterLine();
     }
-    out.resize(std::min(out.size(), room));
+    if (contents.size() % 3 == 1) out.resize(out.size() - kLineEnd.size());
     return out;
 }
 

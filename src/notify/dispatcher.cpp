@@ -1,7 +1,6 @@
 #include "notify/dispatcher.h"
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <utility>
 
@@ -33,10 +32,6 @@ struct ServerKeys {
 constexpr ServerKeys kPrimaryKeys = {"Server", "SMTPUser1", "SMTPPass1", "SMTPPopHost1"};
 constexpr ServerKeys kBackupKeys = {"ServerBackup", "SMTPUser2", "SMTPPass2", "SMTPPopHost2"};
 
-const ServerKeys& KeysOf(MailServer server) {
-    return server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
-}
-
 }  // namespace
 
 Dispatcher::Dispatcher(const Ports& ports, Options options)
@@ -45,26 +40,21 @@ Dispatcher::Dispatcher(const Ports& ports, Options options)
       plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
                    options_.smtpPort) {}
 
-bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject,
-                           std::string& strBody, const std::string& /*reserved*/, std::string strServer, std::string& strUser,
-                           std::string& strPass, std::string& strPopHost, std::string& strError) {
-    if (strTo1.empty()) return false;
+bool Dispatcher::SendEmail(Notification mail, const Account& account, std::string& strError) {
+    if (mail.strTo1.empty()) return false;
     if (sending_) {
         strError = "Another message is still being sent.";
         return false;
     }
     const RaisedFlag guard(sending_);
     // A line end in one of these would add a header line or a command.
-    for (std::string* text : std::array{&strTo1, &strTo2, &strFrom, &strSubject})
+    for (std::string* text : {&mail.strTo1, &mail.strTo2, &mail.strFrom, &mail.strSubject})
         *text = WithoutLineEnds(*text);
-    strTo1 = NormaliseRecipients(strTo1);
-    strTo2 = NormaliseRecipients(strTo2);
-    const Account account{strServer, strUser, strPass, strPopHost};
-    Message message{strFrom.empty() ? kOwnName : strFrom, strFrom, strSubject.empty() ? kOwnSubject : strSubject,
-                    WithMailLineEnds(WithoutControls(strBody))};
+    const std::string strTo1 = NormaliseRecipients(mail.strTo1);
+    const std::string strTo2 = NormaliseRecipients(mail.strTo2);
+    Message message{Or(mail.strFrom, kOwnName), mail.strFrom, Or(mail.strSubject, kOwnSubject),
+                    WithMailLineEnds(WithoutControls(mail.strBody))};
     const bool sent = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message, account, strError);
-    strFrom = message.strFrom;
-    strSubject = message.strSubject;
     SetProgress(0);
     return sent;
 }
@@ -152,15 +142,14 @@ void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
     if (State >= 0 && State < static_cast<int>(std::size(texts))) ports_.status.setStatusMSG(texts[State]);
 }
 
+Dispatcher::Account Dispatcher::AccountOf(MailServer server) const {
+    const ServerKeys& keys = server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
+    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost)};
+}
+
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {
-    const ServerKeys& keys = KeysOf(server);
-    Notification mail = notification;  // SendEmail changes its arguments, and a second attempt needs the same message
-    std::string strUser = Setting(keys.user);
-    std::string strPass = Setting(keys.password);
-    std::string strPopHost = Setting(keys.popHost);
     SendOutcome outcome;
-    outcome.sent = SendEmail(mail.strTo1, mail.strTo2, mail.strFrom, mail.strSubject, mail.strBody, "", Setting(keys.server),
-                             strUser, strPass, strPopHost, outcome.strError);
+    outcome.sent = SendEmail(notification, AccountOf(server), outcome.strError);
     return outcome;
 }
 

@@ -59,19 +59,13 @@ public:
 
     Dispatcher(const Ports& ports, Options options);
 
-    /// Sends one message to all recipients in `strTo1` and `strTo2`, one mail each. Returns false with the reason in `strError`
-    /// at the first recipient whose mail was refused; later recipients get none. A login name in `strUser` selects clsEsmtp, an
-    /// empty one the plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are set to the values that were used. A call
-    /// from an event of a running call fails with a reason, at every server: a caller with its own timer must keep the message
-    /// and try again. Waits as the mailers do. Throws nothing.
-    bool SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject, std::string& strBody,
-                   const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
-                   std::string& strPopHost, std::string& strError);
-
-    /// Returns whether a SendEmail is on the stack, so that another one would be refused.
+    /// Returns whether a message is being sent, so that another one would be refused.
     bool Sending() const { return sending_; }
 
-    /// The same through the server in the settings.
+    /// Sends one message to all recipients in `strTo1` and `strTo2`, one mail each, through the server in the settings: with
+    /// clsEsmtp if it has a login name, with the plain mailer if not. Fails at the first recipient whose mail was refused; later
+    /// recipients get none. A call from an event of a running call fails with a reason, at every server: a caller with its own
+    /// timer must keep the message and try again. Waits as the mailers do. Throws nothing.
     SendOutcome SendThrough(MailServer server, const Notification& notification);
 
     /// Used for every notification: tries the primary server and, when that failed, the backup if a name longer than 5 characters
@@ -101,6 +95,8 @@ private:
         std::string strPopHost;
     };
 
+    Account AccountOf(MailServer server) const;
+    bool SendEmail(Notification mail, const Account& account, std::string& strError);
     bool SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
                     std::string& strError);
     bool SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -71,8 +72,7 @@ std::string MultipartHead(std::string_view kind, const std::string& boundary) {
            Delimiter(boundary);
 }
 
-}  // namespace
-
+// Returns 32 upper-case hexadecimal digits, or "00000000" when the system provides none.
 std::string NewGuidText(GuidSource& guids) {
     const std::optional<Guid> guid = guids.CoCreateGuid();
     if (!guid) return std::string(kGuidFailed);
@@ -82,6 +82,20 @@ std::string NewGuidText(GuidSource& guids) {
                   tail[0], tail[1], tail[2], tail[3], tail[4], tail[5], tail[6], tail[7]);
     return text;
 }
+
+// Returns the bytes of a file, which is empty when it cannot be read.
+std::string ContentsOf(Files& files, const std::string& path, const MailMessage::ReadFileError& failed) {
+    try {
+        std::optional<std::string> contents = files.Read(path);
+        if (!contents) throw Error("File not found", kFileNotFound);
+        return std::move(*contents);
+    } catch (const Error& error) {
+        if (failed) failed(error.Number() != 0 ? error.Number() : kFileAccessError, error.what(), LeftTrimmed(path));
+        return "";
+    }
+}
+
+}  // namespace
 
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone) {
     const DateTime when = zone.empty() ? utc : local;
@@ -106,19 +120,6 @@ std::string StuffDots(std::string_view text) {
     return stuffed.starts_with('.') ? "." + stuffed : stuffed;
 }
 
-int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description) {
-    contents.clear();
-    try {
-        std::optional<std::string> read = files.Read(path);
-        if (!read) throw Error("File not found", kFileNotFound);
-        contents = std::move(*read);
-        return 0;
-    } catch (const Error& error) {
-        description = error.what();
-        return error.Number() != 0 ? error.Number() : kFileAccessError;
-    }
-}
-
 void MailMessage::Prepare(const ReadFileError& failed) {
     EncodeAttachments(failed);
     ChooseBoundaries();
@@ -137,10 +138,7 @@ void MailMessage::EncodeAttachments(const ReadFileError& failed) {
     };
     const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the owner may change the list
     for (const std::string& path : paths) {
-        std::string contents;
-        std::string description;
-        const int number = ReadFileBytes(ports_.files, path, contents, description);
-        if (number != 0 && failed) failed(number, description, LeftTrimmed(path));
+        const std::string contents = ContentsOf(ports_.files, path, failed);
         attachments_.push_back({BaseNameOf(path) + ExtensionOf(path), Base64EncodeLines(contents, pump)});
     }
 }

@@ -41,9 +41,6 @@ struct MailProperties {
     std::string emailTimeZoneAdjust;  ///< zone of the Date header, which then has local time; empty: UTC
 };
 
-/// Returns 32 upper-case hexadecimal digits, or "00000000" when the system provides none.
-std::string NewGuidText(GuidSource& guids);
-
 /// Returns "Sat, 21 Nov 2026 15:04:05 -0500" for the zone "-0500", with local time; without a zone UTC and "-0000".
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
 
@@ -56,10 +53,6 @@ std::string WithMailLineEnds(std::string_view text);
 
 /// Doubles a "." at the beginning of a line (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
-
-/// Reads a whole file as raw bytes into `contents`. Returns 0, or the error number with its text in `description`. Blocks on the
-/// disk.
-int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description);
 
 class MailMessage {
 public:

@@ -1,8 +1,9 @@
 #include "notify/md5.h"
 
-#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 
 namespace korvane {
 namespace {
@@ -78,10 +79,6 @@ std::string LastBlocks(std::string_view rest, std::uint64_t length) {
     return last;
 }
 
-std::string Raw(const Md5Digest& digest) {
-    return {digest.begin(), digest.end()};
-}
-
 std::string Padded(std::string_view key, char pad) {
     std::string padded(key);
     padded.resize(kBlock, '\0');
@@ -92,7 +89,7 @@ std::string Padded(std::string_view key, char pad) {
 
 }  // namespace
 
-Md5Digest Md5(std::string_view bytes) {
+std::string Md5(std::string_view bytes) {
     State state = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
     const std::size_t whole = bytes.size() / kBlock * kBlock;
     for (std::size_t at = 0; at < whole; at += kBlock)
@@ -100,16 +97,19 @@ Md5Digest Md5(std::string_view bytes) {
     const std::string last = LastBlocks(bytes.substr(whole), bytes.size());
     for (std::size_t at = 0; at < last.size(); at += kBlock)
         AddBlock(state, std::string_view(last).substr(at, kBlock));
-    Md5Digest digest{};
-    for (std::size_t i = 0; i < digest.size(); ++i)
-        digest[i] = static_cast<std::uint8_t>(state[i / 4] >> 8 * (i % 4));
+    std::string digest;
+    for (const std::uint32_t word : state) {
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            digest += static_cast<char>(word >> shift);
+    }
     return digest;
 }
 
-std::string HexOf(const Md5Digest& digest) {
+std::string HexOf(std::string_view bytes) {
     constexpr std::string_view kHex = "0123456789abcdef";
     std::string text;
-    for (const std::uint8_t byte : digest) {
+    for (const char c : bytes) {
+        const auto byte = static_cast<std::uint8_t>(c);
         text += kHex[byte >> 4];
         text += kHex[byte & 15];
     }
@@ -117,8 +117,8 @@ std::string HexOf(const Md5Digest& digest) {
 }
 
 std::string HmacMd5Hex(std::string_view key, std::string_view text) {
-    const std::string shortKey = key.size() > kBlock ? Raw(Md5(key)) : std::string(key);
-    const std::string inner = Raw(Md5(Padded(shortKey, kInnerPad).append(text)));
+    const std::string shortKey = key.size() > kBlock ? Md5(key) : std::string(key);
+    const std::string inner = Md5(Padded(shortKey, kInnerPad).append(text));
     return HexOf(Md5(Padded(shortKey, kOuterPad) + inner));
 }
 

@@ -2,21 +2,18 @@
 // today.
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace korvane {
 
-using Md5Digest = std::array<std::uint8_t, 16>;
-
-Md5Digest Md5(std::string_view bytes);
+/// Returns the 16 bytes of the digest.
+std::string Md5(std::string_view bytes);
 
 /// Returns 32 lower-case hexadecimal digits.
 std::string HmacMd5Hex(std::string_view key, std::string_view text);
 
 /// Returns two lower-case hexadecimal digits per byte.
-std::string HexOf(const Md5Digest& digest);
+std::string HexOf(std::string_view bytes);
 
 }  // namespace korvane

@@ -5,8 +5,6 @@
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
-
 constexpr const char* kNoBackupYet =
     "You have not yet named a backup SMTP server.  It's not necessary for this test, but you may want to consider it later.  "
     "Choose the 'Settings' menu to set the backup SMTP server value.";
@@ -50,7 +48,7 @@ void Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefau
     const Notification test{strTo1, strTo2, strFrom.empty() ? strFromDefault : strFrom, SubjectOf(strText, strEmailDesc),
                             BodyOf(bNoDefaultBody, strBody1, strText)};
     ports_.person.Ask(
-        kTitle, Question(strTo1, strTo2, Setting("Server"), backup), [=, this] { done(RunTest(test, backup)); },
+        kMessageTitle, Question(strTo1, strTo2, Setting("Server"), backup), [=, this] { done(RunTest(test, backup)); },
         [=] { done(false); });
 }
 
@@ -67,12 +65,12 @@ bool Dispatcher::TestThrough(MailServer server, const std::string& name, const N
     const SendOutcome outcome = SendThrough(server, test);
     const std::string to = test.strTo1 + ", " + test.strTo2;
     if (outcome.sent) {
-        ports_.person.ShowMessage(kTitle, "Email Test SUCCEEDED! Sent to " + to + " using SMTP server " + name + ".");
+        ports_.person.ShowMessage(kMessageTitle, "Email Test SUCCEEDED! Sent to " + to + " using SMTP server " + name + ".");
     } else {
         ports_.log.WriteLog(kLogFatal, kLogError,
                             "TestEmail: Email Test Failed to " + to + " using " + name + ". " + outcome.strError);
-        ports_.person.ShowError(kTitle, "Email Test Failed to " + to + " from " + test.strFrom + " using SMTP server " + name +
-                                            ".\r\n\r\nError: " + outcome.strError);
+        ports_.person.ShowError(kMessageTitle, "Email Test Failed to " + to + " from " + test.strFrom + " using SMTP server " +
+                                                   name + ".\r\n\r\nError: " + outcome.strError);
     }
     return outcome.sent;
 }

@@ -8,6 +8,9 @@
 
 namespace korvane {
 
+/// The title of the messages to the user.
+constexpr const char* kMessageTitle = "Korvane";
+
 enum class TrayPicture { Normal, Warning, Error, Off };
 
 class Operator {

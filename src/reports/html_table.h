@@ -12,14 +12,14 @@ constexpr std::string_view kTableEnd = "\r\n\r\n</table>";
 constexpr std::string_view kRowBegin = "<tr>";
 constexpr std::string_view kRowEnd = "\r\n</tr>";
 
-/// Returns the opening of a report table with its row of headings; each heading is a whole cell.
-std::string TableHead(const std::vector<std::string_view>& headings);
+/// Returns the opening of a report table with its row of headings.
+std::string TableHead(const std::vector<std::string>& headings);
+
+/// Returns a centred bold cell, of the headings or of the row of averages.
+std::string BoldCell(std::string_view contents, std::string_view width = "");
 
 /// Returns "<td>" or an opening with attributes, the font of all cells, the contents and the closing tags.
 std::string Cell(std::string_view contents, std::string_view opening = "<td>");
-
-/// Returns a cell of the row of averages.
-std::string CentredCell(std::string_view contents);
 
 /// Returns "<td  align=center><font face=verdana size=2>Average: <b>", followed by the text with its own "</b>".
 std::string AverageCell(std::string_view average);
