@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "notify/recipients.h"
 
 namespace korvane {
 namespace {

@@ -1,8 +1,7 @@
 // The two logins of clsEsmtp: at a POP server before the mail (RFC 1939), and at the SMTP server itself (RFC 4954).
 #include "base/text.h"
-#include "notify/base64.h"
+#include "notify/encodings.h"
 #include "notify/esmtp.h"
-#include "notify/md5.h"
 
 namespace korvane {
 namespace {

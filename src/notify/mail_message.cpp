@@ -6,8 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "notify/base64.h"
-#include "notify/recipients.h"
+#include "notify/encodings.h"
 
 namespace korvane {
 namespace {
@@ -95,6 +94,18 @@ std::string ContentsOf(Files& files, const std::string& path, const MailMessage:
     }
 }
 
+std::string ReplaceUntilGone(std::string text, std::string_view from, std::string_view to) {
+    while (Holds(text, from))
+        text = ReplaceAll(text, from, to);
+    return text;
+}
+
+std::string InBrackets(std::string address) {
+    if (!address.starts_with('<')) address.insert(0, "<");
+    if (!address.ends_with('>')) address += '>';
+    return address;
+}
+
 }  // namespace
 
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone) {
@@ -118,6 +129,30 @@ std::string WithMailLineEnds(std::string_view text) {
 std::string StuffDots(std::string_view text) {
     const std::string stuffed = ReplaceAll(text, "\r\n.", "\r\n..");
     return stuffed.starts_with('.') ? "." + stuffed : stuffed;
+}
+
+std::string NormaliseRecipients(std::string_view text) {
+    std::string list = ReplaceAll(Trim(text), ",", ";");
+    list = ReplaceUntilGone(std::move(list), "  ", " ");
+    list = ReplaceUntilGone(std::move(list), "; ", ";");
+    list = ReplaceUntilGone(std::move(list), ";;", ";");
+    return Trim(ReplaceAll(list, " ", ";"));
+}
+
+std::string ParseRecipients(std::string_view list, std::vector<std::string>& recipients) {
+    const std::string spaced = ReplaceAll(ReplaceAll(Trim(list), ",", " , "), ";", " ; ");
+    if (spaced.empty()) return "";
+    recipients.clear();
+    std::string normalised;
+    for (std::string& piece : Split(spaced, ' ')) {
+        if (Holds(piece, "@")) {
+            piece = InBrackets(std::move(piece));
+            recipients.push_back(piece);
+        }
+        normalised += piece + " ";
+    }
+    normalised.pop_back();
+    return ReplaceAll(ReplaceAll(normalised, " , ", ","), " ; ", ";");
 }
 
 void MailMessage::Prepare(const ReadFileError& failed) {

@@ -1,4 +1,5 @@
-// The content of a mail and its form after DATA: ordered header lines, text, HTML and attachments, one piece after the other.
+// The content of a mail and its form after DATA: ordered header lines, text, HTML and attachments, one piece after the other. Lists
+// of recipients have two normal forms: one address after the other for the dispatcher, addresses in angle brackets for SMTP.
 #pragma once
 
 #include <cstdint>
@@ -53,6 +54,13 @@ std::string WithMailLineEnds(std::string_view text);
 
 /// Doubles a "." at the beginning of a line (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
+
+/// Turns "a@x, b@y  c@z" into "a@x;b@y;c@z": one ";" replaces each run of separators.
+std::string NormaliseRecipients(std::string_view text);
+
+/// Takes every word with an "@" as an address; words end at spaces, "," and ";". Returns the list for a header, with words kept
+/// and addresses in angle brackets, and replaces `recipients` by the addresses in brackets. An empty list leaves them unchanged.
+std::string ParseRecipients(std::string_view list, std::vector<std::string>& recipients);
 
 class MailMessage {
 public:

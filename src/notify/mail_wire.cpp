@@ -140,10 +140,10 @@ EsmtpWire::Arrived EsmtpWire::WaitForArrival() {
 
 // An incomplete line stays in the socket.
 bool EsmtpWire::TakeWholeLines() {
-    const WholeReply reply = FindReply(socket_.PeekData());
-    if (reply.length == 0) return false;
-    taken_ = socket_.GetData(reply.length);
-    lastReply_ = ToUtf8(reply.text);
+    const std::size_t length = ReplyLength(socket_.PeekData());
+    if (length == 0) return false;
+    taken_ = socket_.GetData(length);
+    lastReply_ = ToUtf8(taken_.substr(0, length - 2));
     ShowReceived(lastReply_);
     return true;
 }
@@ -154,7 +154,7 @@ std::optional<int> EsmtpWire::CodeOfReply(bool& multiLine, int& greeting) {
     if (first == "250-") {
         multiLine = true;
         ParseAuthMechanisms(lastReply_, mechanisms_);
-        if (!HoldsLastLine(lastReply_, "250")) return std::nullopt;
+        if (!Holds(lastReply_, "\r\n250 ")) return std::nullopt;
     } else if (first == "250 " || first == "\r250") {
         if (multiLine) ParseAuthMechanisms(lastReply_, mechanisms_);
     } else if (first == "220-") {

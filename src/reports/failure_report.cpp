@@ -1,9 +1,8 @@
 // The page with the failures of one server, and the trimming of those records.
 #include <exception>
 
-#include "reports/html_table.h"
+#include "reports/page_parts.h"
 #include "reports/pages.h"
-#include "reports/records.h"
 
 namespace korvane {
 namespace {

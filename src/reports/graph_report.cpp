@@ -3,10 +3,8 @@
 
 #include "base/error.h"
 #include "base/numbers.h"
-#include "reports/format_seconds.h"
-#include "reports/html_table.h"
+#include "reports/page_parts.h"
 #include "reports/pages.h"
-#include "reports/records.h"
 
 namespace korvane {
 namespace {

@@ -1,4 +1,4 @@
-// The pages of a publish below the page of all groups, and what they work with.
+// The pages of a publish below the page of all groups, what they work with, and their use of the store.
 #pragma once
 
 #include <memory>
@@ -7,18 +7,68 @@
 #include <vector>
 
 #include "base/datetime.h"
+#include "base/ignore_errors.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
 #include "platform/files.h"
 #include "platform/operator.h"
-#include "reports/records.h"
 #include "reports/report_folder.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
 
 namespace korvane {
+
+/// The rows of a query. Throws Error.
+inline std::unique_ptr<Recordset> RowsToRead(Store& store, Connection& connection, std::string_view query) {
+    auto rows = store.NewRecordset();
+    rows->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);
+    return rows;
+}
+
+/// The rows of a query, which can be changed one by one. Throws Error.
+inline std::unique_ptr<Recordset> RowsToChange(Store& store, Connection& connection, std::string_view query) {
+    auto rows = store.NewRecordset();
+    rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic);
+    return rows;
+}
+
+/// Columns contain what an operator typed or an old version left, so any may be blank, and one blank must not cost a whole group its
+/// page: it is returned as the empty text here, and as 0 below.
+inline std::string TextOf(Recordset& rs, std::string_view column) {
+    return rs.Fields(column).Value().Text();
+}
+
+/// Throws Error for a text that is not a number.
+inline double NumberOf(Recordset& rs, std::string_view column) {
+    const Value value = rs.Fields(column).Value();
+    return value.IsEmpty() ? 0 : value.Double();
+}
+
+/// Several changes of the store that become durable together, so that a loop waits for the disk once instead of once per row. No
+/// event may be delivered while a batch exists: the store is locked for everyone else.
+class WriteBatch {
+public:
+    /// Throws Error when the store cannot be written now.
+    explicit WriteBatch(Connection& connection) : connection_(connection) { connection_.BeginTrans(); }
+    /// Changes from before a failure stay.
+    ~WriteBatch() {
+        if (!ended_) IgnoreErrors([&] { connection_.CommitTrans(); });
+    }
+    WriteBatch(const WriteBatch&) = delete;
+    WriteBatch& operator=(const WriteBatch&) = delete;
+
+    /// Throws Error; nothing of the batch is then written.
+    void Commit() {
+        ended_ = true;
+        connection_.CommitTrans();
+    }
+
+private:
+    Connection& connection_;
+    bool ended_ = false;
+};
 
 struct ReportPorts {
     Store& store;

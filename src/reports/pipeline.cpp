@@ -6,7 +6,6 @@
 #include "base/raised_flag.h"
 #include "base/text.h"
 #include "platform/wait_cursor.h"
-#include "reports/records.h"
 #include "store/database_files.h"
 
 namespace korvane {

@@ -7,7 +7,6 @@
 
 #include "base/error.h"
 #include "reports/pages.h"
-#include "reports/records.h"
 
 namespace korvane {
 namespace {
@@ -35,110 +34,99 @@ public:
     explicit SessionAverages(const Publication& publication) : publication_(publication) {}
 
     /// Returns whether the current server of `server` has an average that was saved.
-    bool Save(Recordset& server);
-    bool Commit();
+    bool Save(Recordset& server) {
+        double ave = 0;
+        const bool done = OrSay([&] {
+            ave = NumberOf(server, "nAveSession");
+            if (ave == 0) return;
+            if (!batch_) batch_.emplace(publication_.connection);
+            SaveHour(server, ave);
+            DropOldHours();
+            SaveDay(server, ave);
+        });
+        return done && ave != 0;
+    }
+
+    bool Commit() {
+        return !batch_ || OrSay([&] { batch_->Commit(); });
+    }
 
 private:
     template <class Work>
-    bool OrSay(Work work);
-    void SaveHour(Recordset& server, double ave);
-    void BeginSession(Recordset& server);
-    void DropOldHours();
-    void SaveDay(Recordset& server, double ave);
-    void AddRow(Recordset& rows, Recordset& server, const char* txtType, double ave);
+    bool OrSay(Work work) {
+        try {
+            work();
+            return true;
+        } catch (const std::exception& error) {
+            publication_.status.setStatusMSG("SaveResponseTimeData: " + std::string(error.what()));
+            return false;
+        }
+    }
+
+    // A new hour begins a new session.
+    void SaveHour(Recordset& server, double ave) {
+        const DateTime now = publication_.clock.Now();
+        const auto rows = publication_.Change(ResponsesOf(server, "hour", Moment(now - minutes(now.Minute()))));
+        if (!rows->Eof()) {
+            rows->Fields("dtCur") = now;
+            rows->Fields("nAveResponse") = ave;
+            return rows->Update();
+        }
+        AddRow(*rows, server, "hour", ave);
+        BeginSession(server);
+        rows->Update();
+        PublishHourlyResponseTimeReport(publication_, server);
+    }
+
+    // Uses a recordset of its own: a change that cannot be written, because the entry was deleted or the store is locked, must not
+    // stay pending in the caller's recordset.
+    void BeginSession(Recordset& server) {
+        const auto rs = publication_.Change("SELECT * FROM Servers where ID = " + TextOf(server, "ID"));
+        rs->Fields("nTotalSession") = 0;
+        rs->Fields("nAveSession") = 0.0;
+        rs->Update();
+    }
+
+    // Of all servers. Within a batch nothing else changes, so a second check in the same second would find nothing.
+    void DropOldHours() {
+        const DateTime since = publication_.clock.Now() - kHoursKept;
+        if (oldHoursGone_ == since) return;
+        const auto rows = publication_.Change("SELECT * FROM Response where txtType = 'hour' and dtCur < " + Moment(since));
+        for (; !rows->Eof(); rows->MoveNext())
+            rows->Delete();
+        oldHoursGone_ = since;
+    }
+
+    // The stored value counts as many hours as have passed, the new one as one hour, however often it is published within the hour.
+    void SaveDay(Recordset& server, double ave) {
+        const DateTime now = publication_.clock.Now();
+        const auto rows = publication_.Change(ResponsesOf(server, "day", "#" + now.DateText() + "#"));
+        if (rows->Eof()) {
+            AddRow(*rows, server, "day", ave);
+            rows->Update();
+            return PublishDailyResponseTimeReport(publication_, server);
+        }
+        rows->Fields("dtCur") = now;
+        const double stored = NumberOf(*rows, "nAveResponse");
+        const int h = now.Hour();
+        if (h == 0) throw Error("Division by zero", 11);  // in the hour after midnight the day's row stays unchanged
+        rows->Fields("nAveResponse") = ((stored == 0 ? ave : stored) * (h - 1) + ave) / h;
+        rows->Update();
+    }
+
+    void AddRow(Recordset& rows, Recordset& server, const char* txtType, double ave) {
+        rows.AddNew();
+        rows.Fields("id") = publication_.ids.NewServerID();
+        rows.Fields("idParent") = server.Fields("ID").Value();
+        rows.Fields("txtType") = txtType;
+        rows.Fields("dtCur") = publication_.clock.Now();
+        rows.Fields("nAveResponse") = ave;
+    }
 
     const Publication& publication_;
     std::optional<WriteBatch> batch_;       ///< begun with the first change
     std::optional<DateTime> oldHoursGone_;  ///< up to this moment
 };
-
-bool SessionAverages::Save(Recordset& server) {
-    double ave = 0;
-    const bool done = OrSay([&] {
-        ave = NumberOf(server, "nAveSession");
-        if (ave == 0) return;
-        if (!batch_) batch_.emplace(publication_.connection);
-        SaveHour(server, ave);
-        DropOldHours();
-        SaveDay(server, ave);
-    });
-    return done && ave != 0;
-}
-
-bool SessionAverages::Commit() {
-    return !batch_ || OrSay([&] { batch_->Commit(); });
-}
-
-template <class Work>
-bool SessionAverages::OrSay(Work work) {
-    try {
-        work();
-        return true;
-    } catch (const std::exception& error) {
-        publication_.status.setStatusMSG("SaveResponseTimeData: " + std::string(error.what()));
-        return false;
-    }
-}
-
-// A new hour begins a new session.
-void SessionAverages::SaveHour(Recordset& server, double ave) {
-    const DateTime now = publication_.clock.Now();
-    const auto rows = publication_.Change(ResponsesOf(server, "hour", Moment(now - minutes(now.Minute()))));
-    if (!rows->Eof()) {
-        rows->Fields("dtCur") = now;
-        rows->Fields("nAveResponse") = ave;
-        return rows->Update();
-    }
-    AddRow(*rows, server, "hour", ave);
-    BeginSession(server);
-    rows->Update();
-    PublishHourlyResponseTimeReport(publication_, server);
-}
-
-// Uses a recordset of its own: a change that cannot be written, because the entry was deleted or the store is locked, must not
-// stay pending in the caller's recordset.
-void SessionAverages::BeginSession(Recordset& server) {
-    const auto rs = publication_.Change("SELECT * FROM Servers where ID = " + TextOf(server, "ID"));
-    rs->Fields("nTotalSession") = 0;
-    rs->Fields("nAveSession") = 0.0;
-    rs->Update();
-}
-
-// Of all servers. Within a batch nothing else changes, so a second check in the same second would find nothing.
-void SessionAverages::DropOldHours() {
-    const DateTime since = publication_.clock.Now() - kHoursKept;
-    if (oldHoursGone_ == since) return;
-    const auto rows = publication_.Change("SELECT * FROM Response where txtType = 'hour' and dtCur < " + Moment(since));
-    for (; !rows->Eof(); rows->MoveNext())
-        rows->Delete();
-    oldHoursGone_ = since;
-}
-
-// The stored value counts as many hours as have passed, the new one as one hour, however often it is published within the hour.
-void SessionAverages::SaveDay(Recordset& server, double ave) {
-    const DateTime now = publication_.clock.Now();
-    const auto rows = publication_.Change(ResponsesOf(server, "day", "#" + now.DateText() + "#"));
-    if (rows->Eof()) {
-        AddRow(*rows, server, "day", ave);
-        rows->Update();
-        return PublishDailyResponseTimeReport(publication_, server);
-    }
-    rows->Fields("dtCur") = now;
-    const double stored = NumberOf(*rows, "nAveResponse");
-    const int h = now.Hour();
-    if (h == 0) throw Error("Division by zero", 11);  // in the hour after midnight the day's row stays unchanged
-    rows->Fields("nAveResponse") = ((stored == 0 ? ave : stored) * (h - 1) + ave) / h;
-    rows->Update();
-}
-
-void SessionAverages::AddRow(Recordset& rows, Recordset& server, const char* txtType, double ave) {
-    rows.AddNew();
-    rows.Fields("id") = publication_.ids.NewServerID();
-    rows.Fields("idParent") = server.Fields("ID").Value();
-    rows.Fields("txtType") = txtType;
-    rows.Fields("dtCur") = publication_.clock.Now();
-    rows.Fields("nAveResponse") = ave;
-}
 
 }  // namespace
 

@@ -5,10 +5,8 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "reports/format_seconds.h"
-#include "reports/html_table.h"
+#include "reports/page_parts.h"
 #include "reports/pages.h"
-#include "reports/records.h"
 
 namespace korvane {
 namespace {

@@ -6,10 +6,8 @@
 
 #include "fuzz/fuzz.h"
 #include "fuzz/mail_world.h"
-#include "notify/base64.h"
+#include "notify/encodings.h"
 #include "notify/global_email.h"
-#include "notify/md5.h"
-#include "notify/recipients.h"
 #include "support/temporary_folder.h"
 #include "support/world.h"
 

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "base/numbers.h"
-#include "reports/format_seconds.h"
+#include "reports/page_parts.h"
 #include "support/world.h"
 
 namespace korvane {

@@ -10,7 +10,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "notify/recipients.h"
+#include "notify/mail_message.h"
 #include "shell/desktop/editor/frm_commands.h"
 #include "shell/desktop/editor/frm_text_to_find.h"
 #include "shell/desktop/editor/frm_url_data.h"

@@ -1,4 +1,5 @@
-// The tables of the report pages, cell by cell. Other tools read these pages, so the mark-up stays as it has always been,
+// The parts of the report pages: tables, cell by cell, and readable durations ("250 ms.", "30 secs.", "1.50 min.", "2.00 hrs.").
+// Other tools read these pages, so the mark-up stays as it has always been,
 // including its order, its line ends, unclosed rows and attributes without quotes.
 #pragma once
 
@@ -26,5 +27,12 @@ std::string AverageCell(std::string_view average);
 
 /// Returns the grey row at the end of a table.
 std::string GreyRow(const std::vector<std::string>& cells);
+
+/// Formats a `seconds` text that contains a number; returns "N/A" for any other. Whole seconds below 10 stay as given.
+std::string FormatSeconds(std::string_view seconds);
+
+/// Formats an average with two decimals ("0.20" for 0.2), followed by "</b>" and its unit. The unit follows from the sum of the
+/// values, as these pages have always had it: ten times 200 ms is "0.20 sec.". `count` is at least 1.
+std::string AverageText(double sum, int count);
 
 }  // namespace korvane
