@@ -1,6 +1,5 @@
 #include "notify/dispatcher.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -69,12 +68,9 @@ Dispatcher::Dispatcher(const Ports& ports, Options options)
       plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
                    options_.smtpPort) {}
 
-bool Dispatcher::SendEmail(Notification mail, const Account& account, std::string& strError) {
-    if (mail.strTo1.empty()) return false;
-    if (sending_) {
-        strError = "Another message is still being sent.";
-        return false;
-    }
+SendOutcome Dispatcher::SendEmail(Notification mail, const Account& account) {
+    if (mail.strTo1.empty()) return {};
+    if (sending_) return {false, "Another message is still being sent."};
     const RaisedFlag guard(sending_);
     // A line end in one of these would add a header line or a command.
     for (std::string* text : {&mail.strTo1, &mail.strTo2, &mail.strFrom, &mail.strSubject})
@@ -82,74 +78,72 @@ bool Dispatcher::SendEmail(Notification mail, const Account& account, std::strin
     const std::string strTo1 = NormaliseRecipients(mail.strTo1);
     const std::string strTo2 = NormaliseRecipients(mail.strTo2);
     Message message{Or(mail.strFrom, kOwnName), mail.strFrom, Or(mail.strSubject, kOwnSubject),
-                    WithMailLineEnds(WithoutControls(mail.strBody))};
-    const bool sent = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message, account, strError);
+                    WithMailLineEnds(WithoutControls(mail.strBody)), account};
+    const SendOutcome outcome = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message);
     SetProgress(0);
-    return sent;
+    return outcome;
 }
 
-bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
-                            std::string& strError) {
+SendOutcome Dispatcher::SendToEach(const std::string& strTo1, const std::string& everybody, Message& message) {
     std::vector<std::string> recipients = Split(everybody, ';');
     std::erase_if(recipients, [](const std::string& recipient) { return Trim(recipient).empty(); });
-    if (recipients.empty()) strError = "There is no recipient.";
     SetProgress(0);
+    if (recipients.empty()) return {false, "There is no recipient."};
     for (std::size_t i = 0; i < recipients.size(); ++i) {
         const std::string recipient = Trim(recipients[i]);
         if (!Holds(message.strFrom, "@")) message.strFrom = recipient;
-        if (!SendToOne(recipient, message, account, strError)) {
-            ports_.status.setStatusMSG(strTo1 + " Email failed because " + strError);
-            return false;
+        const SendOutcome outcome = SendToOne(recipient, message);
+        if (!outcome.sent) {
+            ports_.status.setStatusMSG(strTo1 + " Email failed because " + outcome.strError);
+            return outcome;
         }
         if (recipient != options_.contactAddress) ports_.status.setStatusMSG(strTo1 + " sent successfully.");
         SetProgress(kProgressMax * static_cast<double>(i + 1) / static_cast<double>(recipients.size()));
     }
-    return !recipients.empty();
+    return {true, ""};
 }
 
 // Only clsEsmtp can log in; a server without a login always uses the plain mailer.
-bool Dispatcher::SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError) {
-    bool sent = false;
+SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
+    SendOutcome outcome;
     try {
-        sent = account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
-                                       : SendThroughEsmtp(recipient, message, account, strError);
+        outcome =
+            message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message) : SendThroughEsmtp(recipient, message);
     } catch (const std::exception& error) {
-        strError = error.what();
+        outcome.strError = error.what();
     }
-    strError = WithoutControls(strError);  // it contains the server's words
-    return sent;
+    outcome.strError = WithoutControls(outcome.strError);  // it contains the server's words
+    return outcome;
 }
 
-bool Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
-                                        std::string& strError) {
-    return plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
-                                      message.strBody, account.strServer, Zone(), strError, "", "");
+SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message) {
+    SendOutcome outcome;
+    outcome.sent = plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
+                                              message.strBody, message.account.strServer, Zone(), outcome.strError, "", "");
+    return outcome;
 }
 
-bool Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account,
-                                  std::string& strError) {
+SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message) {
     clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, ports_.trace}, ports_.sckesmtp);
     mycls.SetHandlers({.StateChange = [&](int State) { mycls_StateChange(mycls, State); }});
-    mycls.SmtpHost = account.strServer;
+    mycls.SmtpHost = message.account.strServer;
     mycls.smtpport = options_.smtpPort;
+    mycls.POPhost = message.account.strPopHost;
+    mycls.popPort = options_.popPort;
+    mycls.UserID = message.account.strUser;
+    mycls.Password = message.account.strPass;
+    mycls.emailTo = recipient;
     mycls.emailFromAddress = message.strFrom;
     mycls.emailFromName = message.strFrom;
+    mycls.subject = DatedSubject(message);
+    mycls.plainMessage = message.strBody;
     mycls.emailXMailer = kMailer;
     mycls.emailXPriority = kHighPriority;
     mycls.emailTimeZoneAdjust = Zone();
-    mycls.emailTo = recipient;
-    mycls.subject = DatedSubject(message);
-    mycls.POPhost = account.strPopHost;
-    mycls.popPort = options_.popPort;
-    mycls.UserID = account.strUser;
-    mycls.Password = account.strPass;
-    mycls.plainMessage = message.strBody;
 
     const WaitCursor cursor(ports_.person);
-    strError.clear();
     const bool sent = mycls.SendMail();
-    if (!sent) strError = mycls.ErrorLog;
-    return sent;
+    return {sent, sent ? "" : mycls.ErrorLog};
 }
 
 // The operator is meant to see the login as it is used.
@@ -177,9 +171,7 @@ Dispatcher::Account Dispatcher::AccountOf(MailServer server) const {
 }
 
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {
-    SendOutcome outcome;
-    outcome.sent = SendEmail(notification, AccountOf(server), outcome.strError);
-    return outcome;
+    return SendEmail(notification, AccountOf(server));
 }
 
 SendOutcome Dispatcher::SendWithBackup(const Notification& notification,

@@ -81,28 +81,27 @@ public:
                    const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done);
 
 private:
-    /// The message while it goes to one recipient after the other; its sender may become the first of them.
-    struct Message {
-        std::string strFromName;
-        std::string strFrom;
-        std::string strSubject;
-        std::string strBody;
-    };
     struct Account {
         std::string strServer;
         std::string strUser;
         std::string strPass;
         std::string strPopHost;
     };
+    /// The message while it goes to one recipient after the other; its sender may become the first of them.
+    struct Message {
+        std::string strFromName;
+        std::string strFrom;
+        std::string strSubject;
+        std::string strBody;
+        Account account;
+    };
 
     Account AccountOf(MailServer server) const;
-    bool SendEmail(Notification mail, const Account& account, std::string& strError);
-    bool SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
-                    std::string& strError);
-    bool SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError);
-    bool SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
-                                std::string& strError);
-    bool SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account, std::string& strError);
+    SendOutcome SendEmail(Notification mail, const Account& account);
+    SendOutcome SendToEach(const std::string& strTo1, const std::string& everybody, Message& message);
+    SendOutcome SendToOne(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message);
     void mycls_StateChange(const clsEsmtp& mycls, int State);
     bool RunTest(const Notification& test, const std::string& backup);
     bool TestThrough(MailServer server, const std::string& name, const Notification& test);

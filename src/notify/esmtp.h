@@ -98,6 +98,7 @@ private:
     void AuthorizePop();
     bool SendPopUser();
     bool SendPopPassword();
+    bool ExpectOk(std::string_view problem);
     void LeavePop();
 
     /// The result of a login attempt, which decides how the loop over the mechanisms continues.

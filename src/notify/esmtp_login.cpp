@@ -38,10 +38,7 @@ void clsEsmtp::LoginToPop() {
 bool clsEsmtp::ConnectToPop() {
     wire_.Open(POPhost, popPort, ReplyKind::Pop);
     Raise(kPopConnecting);
-    if (!wire_.PopReply()) {
-        Complain("Unable to connect to POP host for authorization");
-        return false;
-    }
+    if (!ExpectOk("Unable to connect to POP host for authorization")) return false;
     Raise(kPopConnected);
     popUser_ = UserID;
     popPassword_ = Password;
@@ -57,20 +54,21 @@ void clsEsmtp::AuthorizePop() {
 bool clsEsmtp::SendPopUser() {
     SendLine("USER " + popUser_);
     Raise(kPopAuthorizing);
-    if (wire_.PopReply()) return true;
-    Complain("Unable to authorize POP server, server refused user");
-    return false;
+    return ExpectOk("Unable to authorize POP server, server refused user");
 }
 
 bool clsEsmtp::SendPopPassword() {
     SendSecret("PASS " + popPassword_);
-    if (!wire_.PopReply()) {
-        Complain("Unable to authorize POP server, server refused password");
-        return false;
-    }
+    if (!ExpectOk("Unable to authorize POP server, server refused password")) return false;
     SendLine("STAT");
     wire_.PopReply();
     return true;
+}
+
+bool clsEsmtp::ExpectOk(std::string_view problem) {
+    const bool ok = wire_.PopReply();
+    if (!ok) Complain(problem);
+    return ok;
 }
 
 void clsEsmtp::LeavePop() {

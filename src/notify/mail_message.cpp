@@ -1,5 +1,6 @@
 #include "notify/mail_message.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <utility>
@@ -65,6 +66,19 @@ std::string MultipartType(std::string_view kind, const std::string& boundary) {
     return "Content-Type: multipart/" + std::string(kind) + ";\r\n\tboundary=" + Quoted(boundary) + "\r\n";
 }
 
+std::string AttachmentPiece(const std::string& path, const std::string& base64, const std::string& boundary) {
+    const std::string name = Quoted(BaseNameOf(path) + ExtensionOf(path));
+    return Delimiter(boundary) +
+           "Content-Type: application/octet-stream;\r\n"
+           "\tname=" +
+           name +
+           "\r\n"
+           "Content-Transfer-Encoding: base64\r\n"
+           "Content-Disposition: attachment;\r\n"
+           "\tfilename=" +
+           name + "\r\n\r\n" + base64 + "\r\n\r\n";
+}
+
 // There is no empty line before the sentence; readers take it for a broken header and continue.
 std::string MultipartHead(std::string_view kind, const std::string& boundary) {
     return "MIME-Version: 1.0\r\n" + MultipartType(kind, boundary) + "This is a multi-part Message in MIME format.\r\n\r\n" +
@@ -126,6 +140,10 @@ std::string WithMailLineEnds(std::string_view text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
 }
 
+std::string Mailbox(const std::string& name, const std::string& address) {
+    return Quoted(name) + " <" + address + ">";
+}
+
 std::string StuffDots(std::string_view text) {
     const std::string stuffed = ReplaceAll(text, "\r\n.", "\r\n..");
     return stuffed.starts_with('.') ? "." + stuffed : stuffed;
@@ -156,8 +174,8 @@ std::string ParseRecipients(std::string_view list, std::vector<std::string>& rec
 }
 
 void MailMessage::Prepare(const ReadFileError& failed) {
-    EncodeAttachments(failed);
     ChooseBoundaries();
+    EncodeAttachments(failed);
     mail_.plainMessage = StuffDots(mail_.plainMessage);
     mail_.htmlMessage = StuffDots(mail_.htmlMessage);
 }
@@ -174,7 +192,7 @@ void MailMessage::EncodeAttachments(const ReadFileError& failed) {
     const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the owner may change the list
     for (const std::string& path : paths) {
         const std::string contents = ContentsOf(ports_.files, path, failed);
-        attachments_.push_back({BaseNameOf(path) + ExtensionOf(path), Base64EncodeLines(contents, pump)});
+        attachments_.push_back(AttachmentPiece(path, Base64EncodeLines(contents, pump), boundaryOne_));
     }
 }
 
@@ -198,7 +216,7 @@ bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece&
     std::vector<std::string> unused;
     const std::string replyTo = ParseRecipients(mail_.emailReplyTo, unused);
 
-    return line("From: " + Quoted(mail_.emailFromName) + " <" + mail_.emailFromAddress + ">\r\nTo:" + mail_.emailTo) &&
+    return line("From: " + Mailbox(mail_.emailFromName, mail_.emailFromAddress) + "\r\nTo:" + mail_.emailTo) &&
            (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                   //
            optional("Cc: ", mail_.emailCC) &&                                                //
            line("Subject: " + mail_.subject) &&                                              //
@@ -218,10 +236,7 @@ bool MailMessage::SendBody(const SendPiece& send) const {
     if (attached && html && !send(MultipartType(kAlternative, boundaryTwo_) + "\r\n" + Delimiter(boundaryTwo_))) return false;
     if (!send(TextPiece())) return false;
     if (html && !send(HtmlPiece())) return false;
-    for (const Attachment& attachment : attachments_) {
-        if (!send(AttachmentPiece(attachment, boundaryOne_))) return false;
-    }
-    return true;
+    return std::all_of(attachments_.begin(), attachments_.end(), send);
 }
 
 // All text is labelled us-ascii, whatever it contains.
@@ -232,19 +247,6 @@ std::string MailMessage::TextPiece() const {
 
 std::string MailMessage::HtmlPiece() const {
     return PartHead("text/html") + mail_.htmlMessage + "\r\n\r\n" + Delimiter(boundaryTwo_) + "\r\n";
-}
-
-std::string MailMessage::AttachmentPiece(const Attachment& attachment, const std::string& boundary) {
-    const std::string name = Quoted(attachment.name);
-    return Delimiter(boundary) +
-           "Content-Type: application/octet-stream;\r\n"
-           "\tname=" +
-           name +
-           "\r\n"
-           "Content-Transfer-Encoding: base64\r\n"
-           "Content-Disposition: attachment;\r\n"
-           "\tfilename=" +
-           name + "\r\n\r\n" + attachment.base64 + "\r\n\r\n";
 }
 
 }  // namespace korvane

@@ -52,6 +52,9 @@ std::string WithoutLineEnds(std::string_view text);
 /// others too.
 std::string WithMailLineEnds(std::string_view text);
 
+/// Returns "\"name\" <address>".
+std::string Mailbox(const std::string& name, const std::string& address);
+
 /// Doubles a "." at the beginning of a line (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
 
@@ -78,7 +81,7 @@ public:
     /// Holds references; everything must outlive this.
     MailMessage(const Ports& ports, MailProperties& mail) : ports_(ports), mail_(mail) {}
 
-    /// Must run before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries
+    /// Must run before the connection: chooses the boundaries, reads and encodes the attachments (delivering events meanwhile),
     /// and dot-stuffs both bodies in place. `failed` is called for an attachment that cannot be read, which is then sent empty;
     /// an entry without a name is removed from the list.
     void Prepare(const ReadFileError& failed);
@@ -88,22 +91,16 @@ public:
     bool Send(const std::string& localHostName, const SendPiece& send) const;
 
 private:
-    struct Attachment {
-        std::string name;
-        std::string base64;
-    };
-
     void EncodeAttachments(const ReadFileError& failed);
     void ChooseBoundaries();
     bool SendHeaders(const std::string& localHostName, const SendPiece& send) const;
     bool SendBody(const SendPiece& send) const;
     std::string TextPiece() const;
     std::string HtmlPiece() const;
-    static std::string AttachmentPiece(const Attachment& attachment, const std::string& boundary);
 
     Ports ports_;
     MailProperties& mail_;
-    std::vector<Attachment> attachments_;
+    std::vector<std::string> attachments_;  ///< each as its piece
     std::string boundaryOne_;
     std::string boundaryTwo_;
 };

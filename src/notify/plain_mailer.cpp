@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "notify/mail_message.h"
 #include "notify/smtp_reply.h"
@@ -24,10 +23,6 @@ constexpr auto kSilence = 61s;  ///< limit for the socket while it sends
 
 constexpr const char* kReplyTimedOut = "SMTP service error, timed out while waiting for Email Server Response.";
 constexpr const char* kSendTimedOut = "SMTP service error, timed out while sending the message.";
-
-std::string Mailbox(const std::string& name, const std::string& address) {
-    return "\"" + name + "\" <" + address + ">";
-}
 
 }  // namespace
 

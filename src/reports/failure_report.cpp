@@ -1,6 +1,4 @@
 // The page with the failures of one server, and the trimming of those records.
-#include <exception>
-
 #include "reports/page_parts.h"
 #include "reports/pages.h"
 
@@ -71,15 +69,9 @@ void WriteFailures(const Publication& publication, const std::string& id, const 
 
 void PublishFailureReport(const Publication& publication, const std::string& id, const std::string& idCustomer,
                           const std::string& strGroup) {
-    const auto orAdd = [&](const auto& work) {
-        try {
-            work();
-        } catch (const std::exception& error) {
-            publication.strErr += " PublishFailureReport: " + std::string(error.what());
-        }
-    };
-    orAdd([&] { WriteFailures(publication, id, idCustomer, strGroup); });
-    orAdd([&] { TrimFailures(publication, id); });
+    constexpr const char* kRoutine = " PublishFailureReport: ";
+    publication.OrAdd(kRoutine, [&] { WriteFailures(publication, id, idCustomer, strGroup); });
+    publication.OrAdd(kRoutine, [&] { TrimFailures(publication, id); });
 }
 
 // The page of this run still shows all of them.

@@ -1,6 +1,4 @@
 // The response times of one server as bars, one row per hour or one row per day: two pages of one design.
-#include <exception>
-
 #include "base/error.h"
 #include "base/numbers.h"
 #include "reports/page_parts.h"
@@ -19,12 +17,9 @@ struct GraphKind {
     int mostRows;   ///< 0: all
     bool showGaps;  ///< a row for each day without data
     const char* file;
-    const char* routine;
 };
-constexpr GraphKind kHourly = {"hour", "Last 24 hours:", "Hourly Average Response Time",     26,
-                               false,  "hourly",         "PublishHourlyResponseTimeReport: "};
-constexpr GraphKind kDaily = {"day", "Daily Date:", "Daily Average Response Time",     0,
-                              true,  "daily",       "PublishDailyResponseTimeReport: "};
+constexpr GraphKind kHourly = {"hour", "Last 24 hours:", "Hourly Average Response Time", 26, false, "hourly"};
+constexpr GraphKind kDaily = {"day", "Daily Date:", "Daily Average Response Time", 0, true, "daily"};
 
 DateTime OnTheHour(DateTime when) {
     return when - std::chrono::minutes(when.Minute()) - std::chrono::seconds(when.Second());
@@ -85,22 +80,14 @@ void WriteGraph(const GraphKind& kind, const Publication& publication, Recordset
                              page);
 }
 
-void WriteOrSay(const GraphKind& kind, const Publication& publication, Recordset& serverRecord) {
-    try {
-        WriteGraph(kind, publication, serverRecord);
-    } catch (const std::exception& error) {
-        publication.status.setStatusMSG(kind.routine + std::string(error.what()));
-    }
-}
-
 }  // namespace
 
 void PublishHourlyResponseTimeReport(const Publication& publication, Recordset& serverRecord) {
-    WriteOrSay(kHourly, publication, serverRecord);
+    publication.OrSay("PublishHourlyResponseTimeReport: ", [&] { WriteGraph(kHourly, publication, serverRecord); });
 }
 
 void PublishDailyResponseTimeReport(const Publication& publication, Recordset& serverRecord) {
-    WriteOrSay(kDaily, publication, serverRecord);
+    publication.OrSay("PublishDailyResponseTimeReport: ", [&] { WriteGraph(kDaily, publication, serverRecord); });
 }
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 // The pages of a publish below the page of all groups, what they work with, and their use of the store.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,17 +21,11 @@
 
 namespace korvane {
 
-/// The rows of a query. Throws Error.
-inline std::unique_ptr<Recordset> RowsToRead(Store& store, Connection& connection, std::string_view query) {
+/// Returns the rows of a query. Throws Error.
+inline std::unique_ptr<Recordset> OpenRows(Store& store, Connection& connection, std::string_view query, CursorType cursor,
+                                           LockType lock) {
     auto rows = store.NewRecordset();
-    rows->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);
-    return rows;
-}
-
-/// The rows of a query, which can be changed one by one. Throws Error.
-inline std::unique_ptr<Recordset> RowsToChange(Store& store, Connection& connection, std::string_view query) {
-    auto rows = store.NewRecordset();
-    rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic);
+    rows->Open(query, connection, cursor, lock);
     return rows;
 }
 
@@ -89,8 +84,18 @@ struct Publication : ReportPorts {
     DateTime lastPublish;  ///< servers that failed then or later get a new failure page
     std::string& strErr;   ///< the errors are added to it
 
-    std::unique_ptr<Recordset> Read(std::string_view query) const { return RowsToRead(store, connection, query); }
-    std::unique_ptr<Recordset> Change(std::string_view query) const { return RowsToChange(store, connection, query); }
+    std::unique_ptr<Recordset> Read(std::string_view query) const {
+        return OpenRows(store, connection, query, CursorType::Static, LockType::BatchOptimistic);
+    }
+    /// Returns rows that can be changed one by one.
+    std::unique_ptr<Recordset> Change(std::string_view query) const {
+        return OpenRows(store, connection, query, CursorType::Keyset, LockType::Optimistic);
+    }
+
+    /// Both run the work and return whether it succeeded. A failure is added to `strErr`, or goes to the status line, each after
+    /// `routine`.
+    bool OrAdd(const char* routine, const std::function<void()>& work) const;
+    bool OrSay(const char* routine, const std::function<void()>& work) const;
 };
 
 /// The page of a group: a row for each server, worst first, and the averages of those that are up. It also stores each server's

@@ -48,6 +48,26 @@ void Reports::PublishReports(bool bQuiet, std::string& strErr) {
     }
 }
 
+bool Publication::OrAdd(const char* routine, const std::function<void()>& work) const {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        strErr += routine + std::string(error.what());
+        return false;
+    }
+}
+
+bool Publication::OrSay(const char* routine, const std::function<void()>& work) const {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        status.setStatusMSG(routine + std::string(error.what()));
+        return false;
+    }
+}
+
 std::unique_ptr<Connection> Reports::Connect() {
     auto connection = ports_.store.NewConnection();
     connection->SetConnectionString(OleDbConnectionText(dir_));
@@ -66,25 +86,17 @@ void Reports::PublishAll(bool bQuiet, std::string& strErr) {
         ports_.events.DoEvents();
         const std::string idCustomer = TextOf(*rs, "idCustomer");
         ports_.status.setStatusMSG("   Reading Server Records " + idCustomer + "...");
-        PublishReportsPerCust(publication, idCustomer);
-    }
-}
-
-void Reports::PublishReportsPerCust(const Publication& publication, const std::string& idCustomer) {
-    try {
-        PublishGroups(publication, idCustomer);
-    } catch (const std::exception& error) {
-        publication.strErr += " Err - PublishReportsPerCust: " + std::string(error.what());
+        publication.OrAdd(" Err - PublishReportsPerCust: ", [&] { PublishReportsPerCust(publication, idCustomer); });
     }
 }
 
 std::unique_ptr<Recordset> Reports::GroupsOf(const std::string& idCustomer, Connection& connection) {
-    return RowsToRead(
-        ports_.store, connection,
-        "SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup");
+    return OpenRows(ports_.store, connection,
+                    "SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup",
+                    CursorType::Static, LockType::BatchOptimistic);
 }
 
-void Reports::PublishGroups(const Publication& publication, const std::string& idCustomer) {
+void Reports::PublishReportsPerCust(const Publication& publication, const std::string& idCustomer) {
     const auto rs = GroupsOf(idCustomer, publication.connection);
     const int groups = rs->RecordCount();
     ports_.status.setStatusMSG(std::to_string(groups) + " distinct server groups returned.");

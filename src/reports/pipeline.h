@@ -33,7 +33,6 @@ private:
     std::unique_ptr<Recordset> GroupsOf(const std::string& idCustomer, Connection& connection);
     void PublishAll(bool bQuiet, std::string& strErr);
     void PublishReportsPerCust(const Publication& publication, const std::string& idCustomer);
-    void PublishGroups(const Publication& publication, const std::string& idCustomer);
 
     Ports ports_;
     std::string dir_;

@@ -2,7 +2,6 @@
 // per day.
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 #include <optional>
 
 #include "base/error.h"
@@ -18,6 +17,8 @@ constexpr hours kHoursKept{25};
 
 /// Events are delayed by this time, plus one wait for the disk.
 constexpr std::chrono::milliseconds kLongestBatch{8};
+
+constexpr const char* kRoutine = "SaveResponseTimeData: ";
 
 std::string Moment(DateTime when) {
     return "#" + when.DateText() + " " + when.TimeText() + "#";
@@ -36,7 +37,7 @@ public:
     /// Returns whether the current server of `server` has an average that was saved.
     bool Save(Recordset& server) {
         double ave = 0;
-        const bool done = OrSay([&] {
+        const bool done = publication_.OrSay(kRoutine, [&] {
             ave = NumberOf(server, "nAveSession");
             if (ave == 0) return;
             if (!batch_) batch_.emplace(publication_.connection);
@@ -48,21 +49,10 @@ public:
     }
 
     bool Commit() {
-        return !batch_ || OrSay([&] { batch_->Commit(); });
+        return !batch_ || publication_.OrSay(kRoutine, [&] { batch_->Commit(); });
     }
 
 private:
-    template <class Work>
-    bool OrSay(Work work) {
-        try {
-            work();
-            return true;
-        } catch (const std::exception& error) {
-            publication_.status.setStatusMSG("SaveResponseTimeData: " + std::string(error.what()));
-            return false;
-        }
-    }
-
     // A new hour begins a new session.
     void SaveHour(Recordset& server, double ave) {
         const DateTime now = publication_.clock.Now();

@@ -1,6 +1,5 @@
 // The page of a group.
 #include <algorithm>
-#include <exception>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -182,12 +181,8 @@ void TrimFailuresOf(const Publication& publication, const std::string& strGroup)
 }  // namespace
 
 void PublishSummaryReport(const Publication& publication, const std::string& strGroup) {
-    try {
-        WriteSummary(publication, strGroup);
-    } catch (const std::exception& error) {
-        publication.strErr += " PublishSummaryReport: " + std::string(error.what());
-        IgnoreErrors([&] { TrimFailuresOf(publication, strGroup); });
-    }
+    if (publication.OrAdd(" PublishSummaryReport: ", [&] { WriteSummary(publication, strGroup); })) return;
+    IgnoreErrors([&] { TrimFailuresOf(publication, strGroup); });
 }
 
 }  // namespace korvane
