@@ -7,6 +7,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "platform/wait_cursor.h"
+#include "store/safeguards.h"
 #include "store/server_id.h"
 
 namespace korvane {
@@ -103,6 +104,15 @@ void Settings::ReadInGlobalSettings() {
         ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
         if (step.then != nullptr) (this->*step.then)();
     }
+    ReadSafeguards();
+}
+
+// Only a key that is in the file comes into the collection, and so only such a key is saved again.
+void Settings::ReadSafeguards() {
+    for (const Safeguard& safeguard : AllSafeguards()) {
+        const std::string value = ports_.file.Read(kSettingsSection, safeguard.key, "");
+        if (!value.empty()) ports_.collection.setKvSettingsColValue(safeguard.key, value);
+    }
 }
 
 std::string Settings::DefaultOf(const ReadStep& step) const {
@@ -166,6 +176,8 @@ void Settings::SaveGlobalKeys() {
     const IniFile::Batch batch(ports_.file);
     for (const std::string_view key : kSaveOrder)
         SaveKey(key);
+    for (const Safeguard& safeguard : AllSafeguards())
+        SaveKey(safeguard.key);
 }
 
 void Settings::SaveKey(std::string_view key) {

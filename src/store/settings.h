@@ -101,6 +101,7 @@ private:
     void StartService();
     void RestoreWindowSize();
     void ReadNumURLs();
+    void ReadSafeguards();
     void SaveGlobalKeys();
     void SaveKey(std::string_view key);
 

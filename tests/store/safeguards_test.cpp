@@ -1,0 +1,39 @@
+// The table of safeguards: what an operator may write, and that a key that is not written leaves no trace.
+#include <gtest/gtest.h>
+
+#include "store/safeguards.h"
+#include "support/world.h"
+
+namespace korvane {
+namespace {
+
+TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
+    World world({.settings = "CatchUp=true\nOwnNetwork=10.0.0.1; a b\nHeartbeat=ftp://x\nSMTPSecurity1=ssl\nSMTPPort1=65536\n"
+                             "ProveMailTime=24:00\nProveMail=True\nHTTPStatusFails= True \nSMTPPort2=65535"});
+    world.Start();
+    Safeguards guards(world.run.TheDesk().collection, world.run.TheDesk().log, world.run.TheDesk().status);
+    for (const int again : {1, 2}) {
+        guards.TellProblems();
+        const auto texts = world.LogTexts();
+        EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard off. "); }), 9) << again;
+    }
+    EXPECT_TRUE(world.Logged("# Safeguard off. CatchUp: 'true' is not \"True\" or \"False\"."));
+    for (const Safeguard& safeguard : AllSafeguards())
+        EXPECT_EQ(guards.IsOn(safeguard.key), safeguard.key == "HTTPStatusFails") << safeguard.key;
+    EXPECT_EQ(guards.Text("Heartbeat") + guards.Text("SMTPSecurity1"), "");
+    EXPECT_EQ(guards.Port("SMTPPort1", 25), 25);
+    EXPECT_EQ(guards.Port("SMTPPort2", 25), 65535);
+    world.Set("OwnNetwork", "10.0.0.1;;[::1]; gate.example");
+    EXPECT_EQ(guards.Hosts("OwnNetwork"), (std::vector<std::string>{"10.0.0.1", "[::1]", "gate.example"}));
+}
+
+TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {
+    World world({.settings = "catchup=True"});
+    world.Start();
+    world.run.mnuExit_Click();
+    for (const Safeguard& safeguard : AllSafeguards())
+        EXPECT_EQ(Holds(ToLower(world.Text("kvurlwatchn.ini")), "\n" + ToLower(safeguard.key) + "="), safeguard.key == "CatchUp");
+}
+
+}  // namespace
+}  // namespace korvane
