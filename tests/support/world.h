@@ -112,16 +112,16 @@ public:
     void Set(std::string_view key, std::string value) { run.TheDesk().collection.setKvSettingsColValue(key, std::move(value)); }
 
 private:
-    /// In the order of Run::Ports.
-    Run::Ports Ports() {
-        Operator& who = face.person ? *face.person : person;
-        const std::function<std::unique_ptr<Inet>()> newInet = [this] { return std::make_unique<VirtualInet>(net); };
-        const std::function<std::string()> proxy = [this] { return proxyServer; };
-        const std::function<void()> exit = [this] { ++exits; };
-        return {time_.clock, time_.events,     time_.timers, store,      who,        files,   socket,    sckesmtp,
-                plainSocket, testSocket,       alertEsmtp,   alertPlain, echo,       sound,   processes, guids,
-                power,       serviceManager,   services,     autostart,  systemInfo, newInet, proxy,     exit,
-                face.window, face.conversation};
+    RunPorts Ports() {
+        const auto newInet = [this] { return std::make_unique<VirtualInet>(net); };
+        const auto proxy = [this] { return proxyServer; };
+        const auto exit = [this] { ++exits; };
+        return {{socket, testSocket, echo, newInet},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
+                {store, files},
+                {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
+                 systemInfo, proxy, exit},
+                {face.person ? *face.person : person, face.window, face.conversation}};
     }
 
     std::unique_ptr<TemporaryFolder> folder_;
