@@ -88,21 +88,6 @@ void RunRooms::StopMonitor() {
     if (state.bMonitoring) stopStart.cmdStopStart();
 }
 
-void RunRooms::SaveOnExit() {
-    if (!service.RunningAsService()) settings.Save();
-}
-
-void RunRooms::Form_Unload() {
-    for (Timer* timer : std::array{Timer2.get(), TimerMonitorDB.get(), TimerProgress.get(), TimerLog.get()})
-        timer->SetEnabled(false);
-    IgnoreErrors([&] { http.CloseInets(); });
-    SaveOnExit();
-    if (const std::string& error = settingsFile.LastWriteError(); !error.empty())
-        log.WriteLog(kLogFatal, kLogError, "Save: " + error);
-    log.Info("Korvane Closing: Form_Unload:----------------------");
-    log.Info("Korvane Closing: Form_Terminate:----------------------");
-}
-
 Run::Run(const RunPorts& ports, Options options) : rooms_(std::make_unique<RunRooms>(ports, std::move(options))) {}
 
 Run::~Run() = default;
@@ -119,11 +104,23 @@ bool Run::OnlyTelling() const {
 
 void Run::mnuExit_Click() {
     SaveOnExit();
-    rooms_->Form_Unload();
+    Form_Unload();
 }
 
 void Run::SaveOnExit() {
-    rooms_->SaveOnExit();
+    if (SavesOnExit()) rooms_->settings.Save();
+}
+
+void Run::Form_Unload() {
+    RunRooms& run = *rooms_;
+    for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get()})
+        timer->SetEnabled(false);
+    IgnoreErrors([&] { run.http.CloseInets(); });
+    SaveOnExit();
+    if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())
+        run.log.WriteLog(kLogFatal, kLogError, "Save: " + error);
+    run.log.Info("Korvane Closing: Form_Unload:----------------------");
+    run.log.Info("Korvane Closing: Form_Terminate:----------------------");
 }
 
 void Run::cmdStopStart() {

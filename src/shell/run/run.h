@@ -66,6 +66,8 @@ public:
     const CycleState& State() const;
 
 private:
+    void Form_Unload();
+
     std::unique_ptr<RunRooms> rooms_;
     bool exitAsked_ = false;
 };

@@ -25,8 +25,6 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
-    void SaveOnExit();
-    void Form_Unload();
 
     RunOptions options;
     bool bFormLoading = false;

@@ -237,7 +237,7 @@ Run::Started Run::StartUp() {
     run.mainWindow.Place(firstRun);
     run.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + run.clock.Now().Text());
     if (!HasAllItNeeds(run)) {
-        run.Form_Unload();
+        Form_Unload();
         return Started::CannotGoOn;
     }
     PrepareEntries(run);

@@ -64,10 +64,7 @@ void ServiceMode::StartService() {
         return;
     }
     ports_.status.setStatusMSG(texts::kConnected);
-    if (!runningAsService_) Start();
-}
-
-void ServiceMode::Start() {
+    if (runningAsService_) return;
     runningAsService_ = true;
     Tell(texts::kStarted);
     ports_.window.SetTitle(MainTitle(options_.version) + texts::kRunningAsService);

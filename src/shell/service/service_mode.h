@@ -94,7 +94,6 @@ private:
     std::string ServiceName() const;
     ServiceProgram WhatRuns() const;
     bool ServiceIsSet() const;
-    void Start();
     void WatchOverLife();
     void SetMonitoring(bool on);
     void Tell(const std::string& text);
