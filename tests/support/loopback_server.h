@@ -143,14 +143,13 @@ private:
             static_cast<int>(TEMP_FAILURE_RETRY(::accept4(bound_.first.Number(), nullptr, nullptr, SOCK_CLOEXEC)))}) {
             const std::lock_guard lock(mutex_);
             if (stopping_) return;
-            played_.emplace_back([this, &client = clients_.emplace_back(std::move(accepted))] { Play(client); });
+            played_.emplace_back([this, &client = clients_.emplace_back(std::move(accepted))] {
+                Peer peer(*this, client.Number());
+                script_(peer);
+                const std::lock_guard closing(mutex_);
+                client = Descriptor();
+            });
         }
-    }
-    void Play(Descriptor& client) {
-        Peer peer(*this, client.Number());
-        script_(peer);
-        const std::lock_guard lock(mutex_);
-        client = Descriptor();
     }
 
     const Script script_;
