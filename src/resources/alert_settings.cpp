@@ -54,25 +54,18 @@ std::string PathOf(const std::string& dir, const WatcherKind& kind) {
 
 constexpr WatcherKind kCpuWatcher = {.file = "CPUMon.dat",
                                      .lines = kLoadLines,
-                                     .serviceKey = "",
                                      .timer = "tmrRefresh",
                                      .period = 3s,
-                                     .disableStopsTimer = true,
                                      .subject = "Kv CPU Monitor Alert",
-                                     .testSent = "Test email for CPU Monitor has been sent",
-                                     .refusalDisablesTest = false};
+                                     .testSent = "Test email for CPU Monitor has been sent"};
 constexpr WatcherKind kDiskWatcher = {.file = "DiskMon.dat",
                                       .lines = kSpaceLines,
-                                      .serviceKey = "",
                                       .timer = "tim",
                                       .period = 30s,
-                                      .disableStopsTimer = true,
                                       .subject = "Kv Disk Monitor Alert",
-                                      .testSent = "Test email for Disk Monitor has been sent",
-                                      .refusalDisablesTest = false};
+                                      .testSent = "Test email for Disk Monitor has been sent"};
 constexpr WatcherKind kMemoryWatcher = {.file = "MemoryMon.dat",
                                         .lines = kSpaceLines,
-                                        .serviceKey = "",
                                         .timer = "Timer1",
                                         .period = 30s,
                                         .disableStopsTimer = false,
@@ -84,7 +77,6 @@ constexpr WatcherKind kServiceWatcher = {.file = "SvcMon.dat",
                                          .serviceKey = "SVC=",
                                          .timer = "tim",
                                          .period = 60s,
-                                         .disableStopsTimer = true,
                                          .subject = "Kv Service Monitor Alert",
                                          .testSent = "Test email for Services Monitor has been sent",
                                          .refusalDisablesTest = true};

@@ -30,13 +30,13 @@ struct SettingsLine {
 struct WatcherKind {
     std::string_view file;                ///< of the settings, in the program's folder
     std::span<const SettingsLine> lines;  ///< in the order in which keys are searched and written
-    std::string_view serviceKey;          ///< of the lines after them; empty: no services
+    std::string_view serviceKey = {};     ///< of the lines after them; empty: no services
     const char* timer;
     std::chrono::milliseconds period;  ///< between two looks
-    bool disableStopsTimer;
+    bool disableStopsTimer = true;
     const char* subject;
     const char* testSent;
-    bool refusalDisablesTest;  ///< a test with an invalid address leaves the command disabled until Shown
+    bool refusalDisablesTest = false;  ///< a test with an invalid address leaves the command disabled until Shown
 };
 
 extern const WatcherKind kCpuWatcher;

@@ -1,6 +1,5 @@
 #include "resources/memory_monitor.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "base/ignore_errors.h"

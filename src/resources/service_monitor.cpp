@@ -6,20 +6,12 @@ namespace korvane {
 namespace {
 
 constexpr const char* kStopped = "Stopped";
-constexpr const char* kRunning = "Running";
-constexpr const char* kPaused = "Paused";
 
 const char* TextOf(int state, const char* otherwise) {
-    switch (state) {
-        case ServiceRecord::kStopped:
-            return kStopped;
-        case ServiceRecord::kRunning:
-            return kRunning;
-        case ServiceRecord::kPaused:
-            return kPaused;
-        default:
-            return otherwise;
-    }
+    if (state == ServiceRecord::kStopped) return kStopped;
+    if (state == ServiceRecord::kRunning) return "Running";
+    if (state == ServiceRecord::kPaused) return "Paused";
+    return otherwise;
 }
 
 std::string StoppedBody(const std::string& name) {

@@ -1,6 +1,6 @@
 #include "shell/list/restart_help.h"
 
-#include "engine/shutdown_path.h"
+#include "engine/machine_restart.h"
 
 namespace korvane {
 

@@ -12,20 +12,16 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/begin_wait.h"
 #include "engine/collaborators.h"
 #include "engine/cycle_state.h"
-#include "engine/cycle_timers.h"
 #include "engine/failure_actions.h"
 #include "engine/http_requester.h"
 #include "engine/machine_restart.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
-#include "engine/request_progress.h"
 #include "engine/run_command.h"
 #include "engine/stop_start.h"
-#include "engine/store_alarm.h"
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
