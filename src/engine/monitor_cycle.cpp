@@ -158,9 +158,7 @@ void MonitorCycle::PublishReports() {
 
 void MonitorCycle::SleepWithNothingDue(Tick& tick) {
     Sleep(kSleepWithNothingDue);
-    const std::string message = "No servers need monitoring at this time. Sleeping for 60 seconds...";
-    Say(message);
-    LogOfTick(message);
+    SayAndLog("No servers need monitoring at this time. Sleeping for 60 seconds...");
     Step("open db 2nd time");
     tick.rs->Close();
     tick.rs->Open(query::kAllByNextCheck, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
@@ -283,11 +281,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);
-    if (!result.strReason.empty()) {
-        const std::string failure = ColumnText(rs, "strType") + " failure: " + result.strReason;
-        Say(failure);
-        LogOfTick(failure);
-    }
+    if (!result.strReason.empty()) SayAndLog(ColumnText(rs, "strType") + " failure: " + result.strReason);
     return result;
 }
 
@@ -380,6 +374,11 @@ void MonitorCycle::UpdateRow(Tick& tick) {
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
+}
+
+void MonitorCycle::SayAndLog(const std::string& message) {
+    Say(message);
+    LogOfTick(message);
 }
 
 // Covers only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.

@@ -67,6 +67,7 @@ private:
 
     void Step(std::string name) { state_.strLastStep = std::move(name); }
     void Say(std::string_view text) { ports_.status.setStatusMSG(text); }
+    void SayAndLog(const std::string& message);
     void LogOfTick(const std::string& message, std::string_view messageClass = kLogInformation);
     void DoTick();
     void CountDownSleep();

@@ -19,7 +19,7 @@ constexpr std::string_view kAllServers = "SELECT * from servers order by id";
 
 }  // namespace
 
-AlertMonitor::AlertMonitor(const MonitorPorts& ports, const WatcherKind& kind)
+AlertMonitor::AlertMonitor(const MonitorPorts& ports, const MonitorKind& kind)
     : ports_(ports), timer_(ports.timers.NewTimer(kind.timer)), kind_(kind) {
     timer_->SetInterval(kind.period);
     timer_->OnTick([this] { Look(); });

@@ -36,7 +36,7 @@ class AlertMonitor {
 public:
     virtual ~AlertMonitor() = default;
 
-    // The values on the screen, which the alerts use, saved or not. The window writes the operator's input here. A watcher uses
+    // The values on the screen, which the alerts use, saved or not. The window writes the operator's input here. A monitor uses
     // those that its settings have.
     std::string txtEmail;
     bool ckDisable = false;
@@ -64,7 +64,7 @@ public:
 
 protected:
     /// The timer is off at first. `kind` must outlive this.
-    AlertMonitor(const MonitorPorts& ports, const WatcherKind& kind);
+    AlertMonitor(const MonitorPorts& ports, const MonitorKind& kind);
     AlertMonitor(const AlertMonitor&) = delete;
     AlertMonitor& operator=(const AlertMonitor&) = delete;
 
@@ -94,7 +94,7 @@ private:
     std::string DefaultAddress() const;
     bool RefusedTest();
 
-    const WatcherKind& kind_;
+    const MonitorKind& kind_;
     std::function<void()> changed_;
     std::function<void()> focusEmail_;
     bool testRefused_ = false;

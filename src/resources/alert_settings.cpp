@@ -29,7 +29,7 @@ std::string_view TakeFirstLine(std::string_view& text) {
     return line;
 }
 
-void TakeLine(std::string_view line, const WatcherKind& kind, AlertSettings& settings) {
+void TakeLine(std::string_view line, const MonitorKind& kind, AlertSettings& settings) {
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) return;
     const std::string_view value = line.substr(equals + 1);
@@ -46,25 +46,25 @@ std::string Line(std::string_view key, const std::string& value) {
     return WithoutLineEnds(std::string(key) + value) + "\r\n";
 }
 
-std::string PathOf(const std::string& dir, const WatcherKind& kind) {
+std::string PathOf(const std::string& dir, const MonitorKind& kind) {
     return dir + "/" + std::string(kind.file);
 }
 
 }  // namespace
 
-constexpr WatcherKind kCpuWatcher = {.file = "CPUMon.dat",
+constexpr MonitorKind kCpuMonitor = {.file = "CPUMon.dat",
                                      .lines = kLoadLines,
                                      .timer = "tmrRefresh",
                                      .period = 3s,
                                      .subject = "Kv CPU Monitor Alert",
                                      .testSent = "Test email for CPU Monitor has been sent"};
-constexpr WatcherKind kDiskWatcher = {.file = "DiskMon.dat",
+constexpr MonitorKind kDiskMonitor = {.file = "DiskMon.dat",
                                       .lines = kSpaceLines,
                                       .timer = "tim",
                                       .period = 30s,
                                       .subject = "Kv Disk Monitor Alert",
                                       .testSent = "Test email for Disk Monitor has been sent"};
-constexpr WatcherKind kMemoryWatcher = {.file = "MemoryMon.dat",
+constexpr MonitorKind kMemoryMonitor = {.file = "MemoryMon.dat",
                                         .lines = kSpaceLines,
                                         .timer = "Timer1",
                                         .period = 30s,
@@ -72,7 +72,7 @@ constexpr WatcherKind kMemoryWatcher = {.file = "MemoryMon.dat",
                                         .subject = "Kv Memory Monitor Alert",
                                         .testSent = "Test email for Memory Monitor has been sent",
                                         .refusalDisablesTest = true};
-constexpr WatcherKind kServiceWatcher = {.file = "SvcMon.dat",
+constexpr MonitorKind kServiceMonitor = {.file = "SvcMon.dat",
                                          .lines = kServiceLines,
                                          .serviceKey = "SVC=",
                                          .timer = "tim",
@@ -81,7 +81,7 @@ constexpr WatcherKind kServiceWatcher = {.file = "SvcMon.dat",
                                          .testSent = "Test email for Services Monitor has been sent",
                                          .refusalDisablesTest = true};
 
-AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const WatcherKind& kind) {
+AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind) {
     AlertSettings settings;
     IgnoreErrors([&] {
         const std::string contents = ToUtf8(files.Read(PathOf(dir, kind)).value_or(""));
@@ -91,7 +91,7 @@ AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const Watc
     return settings;
 }
 
-void WriteAlertSettings(Files& files, const std::string& dir, const WatcherKind& kind, const AlertSettings& settings) {
+void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind, const AlertSettings& settings) {
     std::string text;
     for (const auto& [key, member] : kind.lines)
         text += Line(key, settings.*member);

@@ -1,4 +1,4 @@
-// How the four watchers of this machine differ from each other, in one description; and their settings, each in a small text
+// How the four resource monitors differ from each other, in one description; and their settings, each in a small text
 // file: one line per key, with all values as text.
 #pragma once
 
@@ -12,10 +12,10 @@
 
 namespace korvane {
 
-/// A watcher has those for which its description names a line; the others stay empty.
+/// A monitor has those for which its description names a line; the others stay empty.
 struct AlertSettings {
     std::string email;                  ///< the address to notify; empty: that of the first server entry
-    std::string disable;                ///< "1": the watcher is switched off. Any other text: it is on
+    std::string disable;                ///< "1": the monitor is switched off. Any other text: it is on
     std::string alert;                  ///< the level in percent; empty: no alert
     std::string duration;               ///< in minutes; empty: no alert
     std::string restart;                ///< "1": a mail when a service that had stopped runs again. Any other text: none
@@ -27,7 +27,7 @@ struct SettingsLine {
     std::string AlertSettings::*value;
 };
 
-struct WatcherKind {
+struct MonitorKind {
     std::string_view file;                ///< of the settings, in the program's folder
     std::span<const SettingsLine> lines;  ///< in the order in which keys are searched and written
     std::string_view serviceKey = {};     ///< of the lines after them; empty: no services
@@ -39,17 +39,17 @@ struct WatcherKind {
     bool refusalDisablesTest = false;  ///< a test with an invalid address leaves the command disabled until Shown
 };
 
-extern const WatcherKind kCpuWatcher;
-extern const WatcherKind kDiskWatcher;
-extern const WatcherKind kMemoryWatcher;
-extern const WatcherKind kServiceWatcher;
+extern const MonitorKind kCpuMonitor;
+extern const MonitorKind kDiskMonitor;
+extern const MonitorKind kMemoryMonitor;
+extern const MonitorKind kServiceMonitor;
 
 /// A key may be anywhere in its line and is case-sensitive; the value is what follows the first "=" of the line. Lines without a
 /// key are ignored, and the last line of a key counts. Settings that are not in the file are empty, and so are all when the file
 /// cannot be read.
-AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const WatcherKind& kind);
+AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind);
 
 /// Writes the whole file. A write error is not reported.
-void WriteAlertSettings(Files& files, const std::string& dir, const WatcherKind& kind, const AlertSettings& settings);
+void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind, const AlertSettings& settings);
 
 }  // namespace korvane

@@ -61,7 +61,7 @@ void clsCPUUsageNT::Keep(const ProcessorTimes& now) {
 }
 
 CpuMonitor::CpuMonitor(const MonitorPorts& ports, const SystemInfo& system)
-    : AlertMonitor(ports, kCpuWatcher), reader_(system), dtLastAlert_(ports.clock.Now()) {
+    : AlertMonitor(ports, kCpuMonitor), reader_(system), dtLastAlert_(ports.clock.Now()) {
     reader_.Initialize();
 }
 

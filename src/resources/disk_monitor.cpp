@@ -6,7 +6,7 @@
 namespace korvane {
 
 DiskMonitor::DiskMonitor(const MonitorPorts& ports, const SystemInfo& system)
-    : AlertMonitor(ports, kDiskWatcher), system_(system) {
+    : AlertMonitor(ports, kDiskMonitor), system_(system) {
     timer_->SetEnabled(true);
     Look();
 }

@@ -24,7 +24,7 @@ std::string Megabytes(std::uint64_t bytes) {
 }  // namespace
 
 MemoryMonitor::MemoryMonitor(const MonitorPorts& ports, Events& events, const SystemInfo& system)
-    : AlertMonitor(ports, kMemoryWatcher), events_(events), system_(system) {
+    : AlertMonitor(ports, kMemoryMonitor), events_(events), system_(system) {
     timer_->SetEnabled(true);
     Look();
 }

@@ -21,7 +21,7 @@ std::string StoppedBody(const std::string& name) {
 }  // namespace
 
 ServiceMonitor::ServiceMonitor(const MonitorPorts& ports, Services& services)
-    : AlertMonitor(ports, kServiceWatcher), services_(services) {}
+    : AlertMonitor(ports, kServiceMonitor), services_(services) {}
 
 void ServiceMonitor::Loaded(const AlertSettings& settings) {
     saved_ = settings.services;

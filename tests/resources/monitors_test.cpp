@@ -224,17 +224,17 @@ TEST_F(MonitorsTest, SettingsFilesAreReadLineByLineAndWrittenInOrder) {
          "ALERT_AT=\r\nEMAIL= \"\xC3\xA9\", b \r\nDISABLE=\r\nDURATION=\r\n"}};
     for (const auto& [contents, written] : cases) {
         world.Write("CPUMon.dat", contents);
-        WriteAlertSettings(world.files, world.home, kCpuWatcher, ReadAlertSettings(world.files, world.home, kCpuWatcher));
+        WriteAlertSettings(world.files, world.home, kCpuMonitor, ReadAlertSettings(world.files, world.home, kCpuMonitor));
         EXPECT_EQ(world.Text("CPUMon.dat"), written);
     }
     const std::string lines = "DISABLE=\r\nRESTART=1\r\nSVC=b\r\nSVC=a,\"b\"\r\nSVC=\r\n";
     world.Write("SvcMon.dat", lines + "mySVC=c=d");
-    AlertSettings services = ReadAlertSettings(world.files, world.home, kServiceWatcher);
+    AlertSettings services = ReadAlertSettings(world.files, world.home, kServiceMonitor);
     services.email = "me\r\nSVC=slipped in";
     world.files.faults.Add({.nth = 2, .forever = true});
     for (int i = 0; i < 2; ++i)
-        WriteAlertSettings(world.files, world.home, kServiceWatcher, services);
-    EXPECT_EQ(ReadAlertSettings(world.files, world.home, kServiceWatcher).email, "") << "what cannot be read is empty";
+        WriteAlertSettings(world.files, world.home, kServiceMonitor, services);
+    EXPECT_EQ(ReadAlertSettings(world.files, world.home, kServiceMonitor).email, "") << "what cannot be read is empty";
     EXPECT_EQ(world.Text("SvcMon.dat"), "EMAIL=me SVC=slipped in\r\n" + lines + "SVC=c=d\r\n") << "what fails changes nothing";
 }
 

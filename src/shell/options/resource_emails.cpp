@@ -7,18 +7,18 @@
 namespace korvane {
 namespace {
 
-const WatcherKind& KindOf(ResourceMonitor monitor) {
+const MonitorKind& KindOf(ResourceMonitor monitor) {
     switch (monitor) {
         case ResourceMonitor::CPU:
-            return kCpuWatcher;
+            return kCpuMonitor;
         case ResourceMonitor::Disk:
-            return kDiskWatcher;
+            return kDiskMonitor;
         case ResourceMonitor::Memory:
-            return kMemoryWatcher;
+            return kMemoryMonitor;
         case ResourceMonitor::Services:
             break;
     }
-    return kServiceWatcher;
+    return kServiceMonitor;
 }
 
 }  // namespace
