@@ -39,7 +39,6 @@ class SilentActions : public FailureActions {
 public:
     std::string DoFailureStateStuff(Connection&, Recordset&, const std::string&) override { return "None."; }
     void DoUpAgainStuff(Recordset&) override {}
-    void SendStartupNotice() override {}
 };
 
 /// Checks are what is measured, not pages.

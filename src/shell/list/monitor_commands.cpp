@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
+#include "engine/machine_restart.h"
 #include "engine/server_table.h"
-#include "engine/shutdown_path.h"
 #include "platform/wait_cursor.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"

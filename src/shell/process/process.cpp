@@ -14,7 +14,7 @@
 
 #include "base/error.h"
 #include "base/raised_flag.h"
-#include "engine/shutdown_path.h"
+#include "engine/machine_restart.h"
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/autostart.h"
 #include "platform/linux/desktop_proxy.h"

@@ -4,13 +4,10 @@
 
 #include <memory>
 
-#include "engine/begin_wait.h"
 #include "engine/failure_actions.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
-#include "engine/request_progress.h"
 #include "engine/stop_start.h"
-#include "engine/store_alarm.h"
 #include "reports/pipeline.h"
 #include "shell/run/desk.h"
 #include "shell/run/ports.h"
