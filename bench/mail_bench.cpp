@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "notify/base64.h"
+#include "notify/encodings.h"
 #include "notify/esmtp.h"
 #include "notify/plain_mailer.h"
 #include "platform/linux/linux_clock.h"

@@ -12,18 +12,6 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-std::chrono::sys_days DayOf(std::int64_t seconds) {
-    return std::chrono::floor<std::chrono::days>(std::chrono::sys_seconds(std::chrono::seconds(seconds)));
-}
-
-std::chrono::year_month_day YmdOf(std::int64_t seconds) {
-    return std::chrono::year_month_day(DayOf(seconds));
-}
-
-int SecondOfDay(std::int64_t seconds) {
-    return static_cast<int>(seconds - DayOf(seconds).time_since_epoch().count() * kSecondsPerDay);
-}
-
 template <class... Parts>
 std::string Printed(const char* format, Parts... parts) {
     char buffer[64];
@@ -42,13 +30,20 @@ std::optional<std::vector<int>> NumbersBetween(std::string_view text, char separ
     return numbers;
 }
 
+// `year`, `month` and `day` are their places among the three numbers.
+std::optional<DateTime> DateBetween(std::string_view text, char separator, std::size_t year, std::size_t month, std::size_t day) {
+    const auto numbers = NumbersBetween(text, separator);
+    if (!numbers || numbers->size() != 3) return std::nullopt;
+    return DateTime::Of((*numbers)[year], (*numbers)[month], (*numbers)[day]);
+}
+
+std::optional<DateTime> IsoDate(std::string_view text) {
+    return DateBetween(text, '-', 0, 1, 2);
+}
+
 DateTime ParseDate(std::string_view text) {
-    if (const auto american = NumbersBetween(text, '/'); american && american->size() == 3) {
-        return DateTime::Of((*american)[2], (*american)[0], (*american)[1]);
-    }
-    if (const auto iso = NumbersBetween(text, '-'); iso && iso->size() == 3) {
-        return DateTime::Of((*iso)[0], (*iso)[1], (*iso)[2]);
-    }
+    if (const auto american = DateBetween(text, '/', 2, 0, 1)) return *american;
+    if (const auto iso = IsoDate(text)) return *iso;
     throw TypeMismatchError();
 }
 
@@ -108,46 +103,16 @@ DateTime DateTime::MovedBy(std::int64_t seconds) const {
 std::optional<DateTime> DateTime::FromStored(std::string_view text) {
     try {
         const auto blank = text.find(' ');
-        const auto date = NumbersBetween(text.substr(0, blank), '-');
-        if (!date || date->size() != 3) return std::nullopt;
-        const DateTime day = Of((*date)[0], (*date)[1], (*date)[2]);
-        if (blank == std::string_view::npos) return day;
-        return day + ParseTime(text.substr(blank + 1), HalfOfDay::None);
+        const std::optional<DateTime> day = IsoDate(text.substr(0, blank));
+        if (!day || blank == std::string_view::npos) return day;
+        return *day + ParseTime(text.substr(blank + 1), HalfOfDay::None);
     } catch (const Error&) {
         return std::nullopt;
     }
 }
 
-int DateTime::Year() const {
-    return static_cast<int>(YmdOf(seconds_).year());
-}
-
-int DateTime::Month() const {
-    return static_cast<int>(static_cast<unsigned>(YmdOf(seconds_).month()));
-}
-
-int DateTime::Day() const {
-    return static_cast<int>(static_cast<unsigned>(YmdOf(seconds_).day()));
-}
-
-int DateTime::Hour() const {
-    return SecondOfDay(seconds_) / 3600;
-}
-
-int DateTime::Minute() const {
-    return SecondOfDay(seconds_) / 60 % 60;
-}
-
-int DateTime::Second() const {
-    return SecondOfDay(seconds_) % 60;
-}
-
-DateTime DateTime::Date() const {
-    return DateTime(seconds_ - SecondOfDay(seconds_));
-}
-
 std::string DateTime::Text() const {
-    return SecondOfDay(seconds_) == 0 ? DateText() : DateText() + " " + TimeText();
+    return SecondOfDay() == 0 ? DateText() : DateText() + " " + TimeText();
 }
 
 std::string DateTime::DateText() const {

@@ -28,15 +28,15 @@ public:
 
     constexpr std::int64_t Seconds() const { return seconds_; }
 
-    int Year() const;
-    int Month() const;
-    int Day() const;
-    int Hour() const;
-    int Minute() const;
-    int Second() const;
+    int Year() const { return static_cast<int>(Ymd().year()); }
+    int Month() const { return static_cast<int>(static_cast<unsigned>(Ymd().month())); }
+    int Day() const { return static_cast<int>(static_cast<unsigned>(Ymd().day())); }
+    int Hour() const { return SecondOfDay() / 3600; }
+    int Minute() const { return SecondOfDay() / 60 % 60; }
+    int Second() const { return SecondOfDay() % 60; }
 
     /// Midnight of the same day.
-    DateTime Date() const;
+    DateTime Date() const { return DateTime(seconds_ - SecondOfDay()); }
 
     /// "11/21/2026 3:04:05 PM"; at exactly midnight the date alone.
     std::string Text() const;
@@ -62,6 +62,13 @@ public:
 private:
     constexpr explicit DateTime(std::int64_t seconds) : seconds_(seconds) {}
 
+    std::chrono::sys_days Midnight() const {
+        return std::chrono::floor<std::chrono::days>(std::chrono::sys_seconds(std::chrono::seconds(seconds_)));
+    }
+    std::chrono::year_month_day Ymd() const { return Midnight(); }
+    int SecondOfDay() const {
+        return static_cast<int>(seconds_ - std::chrono::sys_seconds(Midnight()).time_since_epoch().count());
+    }
     DateTime MovedBy(std::int64_t seconds) const;
 
     std::int64_t seconds_ = 0;

@@ -1,14 +1,11 @@
 #include "notify/dispatcher.h"
 
-#include <algorithm>
-#include <array>
 #include <exception>
 #include <utility>
 
 #include "base/numbers.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "notify/recipients.h"
 #include "platform/wait_cursor.h"
 
 namespace korvane {
@@ -33,8 +30,34 @@ struct ServerKeys {
 constexpr ServerKeys kPrimaryKeys = {"Server", "SMTPUser1", "SMTPPass1", "SMTPPopHost1"};
 constexpr ServerKeys kBackupKeys = {"ServerBackup", "SMTPUser2", "SMTPPass2", "SMTPPopHost2"};
 
-const ServerKeys& KeysOf(MailServer server) {
-    return server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
+constexpr const char* kNoBackupYet =
+    "You have not yet named a backup SMTP server.  It's not necessary for this test, but you may want to consider it later.  "
+    "Choose the 'Settings' menu to set the backup SMTP server value.";
+
+std::string Question(const std::string& strTo1, const std::string& strTo2, const std::string& primary,
+                     const std::string& backup) {
+    std::string text = "You are about to test whether you can send email to '" + strTo1 + "'";
+    if (!strTo2.empty()) text += " and to '" + strTo2 + "'";
+    text += "\r\n\r\nThe Primary SMTP server is '" + primary + "'.\r\n\r\n";
+    text += backup.empty() ? kNoBackupYet : "A Duplicate email will also be sent using the backup SMTP server '" + backup + "'.";
+    return text + "\r\n\r\nClick YES to test, NO to cancel.";
+}
+
+std::string BodyOf(bool bNoDefaultBody, const std::string& strBody1, const std::string& strText) {
+    if (!bNoDefaultBody) {
+        return "[TEST ONLY:]" + strBody1 + "\r\nThis is just a test from Korvane.  Email success!\r\n\r\n" + strText;
+    }
+    return "[TEST ONLY:] " + strBody1 +
+           "\r\nNotification emails will contain no 'Body' part of the message except what you typed into the 'Body (Line 1)' "
+           "field.  In other words, in an actual email notification, the body of the email would be completely blank (except for "
+           "'" +
+           strBody1 +
+           "'). This is to save space if your email is forwarded to your pager. You've checked the \"Do not use the default "
+           "Korvane Email Body Text. Use only what's on  'Body (Line 1) below:\" option.";
+}
+
+std::string SubjectOf(const std::string& strText, const std::string& strEmailDesc) {
+    return "[TEST MSG] " + (strEmailDesc.empty() ? strText : strText + " (" + strEmailDesc + ")");
 }
 
 }  // namespace
@@ -45,92 +68,82 @@ Dispatcher::Dispatcher(const Ports& ports, Options options)
       plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
                    options_.smtpPort) {}
 
-bool Dispatcher::SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject,
-                           std::string& strBody, const std::string& /*reserved*/, std::string strServer, std::string& strUser,
-                           std::string& strPass, std::string& strPopHost, std::string& strError) {
-    if (strTo1.empty()) return false;
-    if (sending_) {
-        strError = "Another message is still being sent.";
-        return false;
-    }
+SendOutcome Dispatcher::SendEmail(Notification mail, const Account& account) {
+    if (mail.strTo1.empty()) return {};
+    if (sending_) return {false, "Another message is still being sent."};
     const RaisedFlag guard(sending_);
     // A line end in one of these would add a header line or a command.
-    for (std::string* text : std::array{&strTo1, &strTo2, &strFrom, &strSubject})
+    for (std::string* text : {&mail.strTo1, &mail.strTo2, &mail.strFrom, &mail.strSubject})
         *text = WithoutLineEnds(*text);
-    strTo1 = NormaliseRecipients(strTo1);
-    strTo2 = NormaliseRecipients(strTo2);
-    const Account account{strServer, strUser, strPass, strPopHost};
-    Message message{strFrom.empty() ? kOwnName : strFrom, strFrom, strSubject.empty() ? kOwnSubject : strSubject,
-                    WithMailLineEnds(WithoutControls(strBody))};
-    const bool sent = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message, account, strError);
-    strFrom = message.strFrom;
-    strSubject = message.strSubject;
+    const std::string strTo1 = NormaliseRecipients(mail.strTo1);
+    const std::string strTo2 = NormaliseRecipients(mail.strTo2);
+    Message message{Or(mail.strFrom, kOwnName), mail.strFrom, Or(mail.strSubject, kOwnSubject),
+                    WithMailLineEnds(WithoutControls(mail.strBody)), account};
+    const SendOutcome outcome = SendToEach(strTo1, strTo2.empty() ? strTo1 : strTo1 + ";" + strTo2, message);
     SetProgress(0);
-    return sent;
+    return outcome;
 }
 
-bool Dispatcher::SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
-                            std::string& strError) {
+SendOutcome Dispatcher::SendToEach(const std::string& strTo1, const std::string& everybody, Message& message) {
     std::vector<std::string> recipients = Split(everybody, ';');
     std::erase_if(recipients, [](const std::string& recipient) { return Trim(recipient).empty(); });
-    if (recipients.empty()) strError = "There is no recipient.";
     SetProgress(0);
+    if (recipients.empty()) return {false, "There is no recipient."};
     for (std::size_t i = 0; i < recipients.size(); ++i) {
         const std::string recipient = Trim(recipients[i]);
         if (!Holds(message.strFrom, "@")) message.strFrom = recipient;
-        if (!SendToOne(recipient, message, account, strError)) {
-            ports_.status.setStatusMSG(strTo1 + " Email failed because " + strError);
-            return false;
+        const SendOutcome outcome = SendToOne(recipient, message);
+        if (!outcome.sent) {
+            ports_.status.setStatusMSG(strTo1 + " Email failed because " + outcome.strError);
+            return outcome;
         }
         if (recipient != options_.contactAddress) ports_.status.setStatusMSG(strTo1 + " sent successfully.");
         SetProgress(kProgressMax * static_cast<double>(i + 1) / static_cast<double>(recipients.size()));
     }
-    return !recipients.empty();
+    return {true, ""};
 }
 
 // Only clsEsmtp can log in; a server without a login always uses the plain mailer.
-bool Dispatcher::SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError) {
-    bool sent = false;
+SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
+    SendOutcome outcome;
     try {
-        sent = account.strUser.empty() ? SendThroughPlainMailer(recipient, message, account, strError)
-                                       : SendThroughEsmtp(recipient, message, account, strError);
+        outcome =
+            message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message) : SendThroughEsmtp(recipient, message);
     } catch (const std::exception& error) {
-        strError = error.what();
+        outcome.strError = error.what();
     }
-    strError = WithoutControls(strError);  // it contains the server's words
-    return sent;
+    outcome.strError = WithoutControls(outcome.strError);  // it contains the server's words
+    return outcome;
 }
 
-bool Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
-                                        std::string& strError) {
-    return plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
-                                      message.strBody, account.strServer, Zone(), strError, "", "");
+SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message) {
+    SendOutcome outcome;
+    outcome.sent = plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
+                                              message.strBody, message.account.strServer, Zone(), outcome.strError, "", "");
+    return outcome;
 }
 
-bool Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account,
-                                  std::string& strError) {
+SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message) {
     clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, ports_.trace}, ports_.sckesmtp);
     mycls.SetHandlers({.StateChange = [&](int State) { mycls_StateChange(mycls, State); }});
-    mycls.SmtpHost = account.strServer;
+    mycls.SmtpHost = message.account.strServer;
     mycls.smtpport = options_.smtpPort;
+    mycls.POPhost = message.account.strPopHost;
+    mycls.popPort = options_.popPort;
+    mycls.UserID = message.account.strUser;
+    mycls.Password = message.account.strPass;
+    mycls.emailTo = recipient;
     mycls.emailFromAddress = message.strFrom;
     mycls.emailFromName = message.strFrom;
+    mycls.subject = DatedSubject(message);
+    mycls.plainMessage = message.strBody;
     mycls.emailXMailer = kMailer;
     mycls.emailXPriority = kHighPriority;
     mycls.emailTimeZoneAdjust = Zone();
-    mycls.emailTo = recipient;
-    mycls.subject = DatedSubject(message);
-    mycls.POPhost = account.strPopHost;
-    mycls.popPort = options_.popPort;
-    mycls.UserID = account.strUser;
-    mycls.Password = account.strPass;
-    mycls.plainMessage = message.strBody;
 
     const WaitCursor cursor(ports_.person);
-    strError.clear();
     const bool sent = mycls.SendMail();
-    if (!sent) strError = mycls.ErrorLog;
-    return sent;
+    return {sent, sent ? "" : mycls.ErrorLog};
 }
 
 // The operator is meant to see the login as it is used.
@@ -152,16 +165,13 @@ void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
     if (State >= 0 && State < static_cast<int>(std::size(texts))) ports_.status.setStatusMSG(texts[State]);
 }
 
+Dispatcher::Account Dispatcher::AccountOf(MailServer server) const {
+    const ServerKeys& keys = server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
+    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost)};
+}
+
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {
-    const ServerKeys& keys = KeysOf(server);
-    Notification mail = notification;  // SendEmail changes its arguments, and a second attempt needs the same message
-    std::string strUser = Setting(keys.user);
-    std::string strPass = Setting(keys.password);
-    std::string strPopHost = Setting(keys.popHost);
-    SendOutcome outcome;
-    outcome.sent = SendEmail(mail.strTo1, mail.strTo2, mail.strFrom, mail.strSubject, mail.strBody, "", Setting(keys.server),
-                             strUser, strPass, strPopHost, outcome.strError);
-    return outcome;
+    return SendEmail(notification, AccountOf(server));
 }
 
 SendOutcome Dispatcher::SendWithBackup(const Notification& notification,
@@ -171,6 +181,44 @@ SendOutcome Dispatcher::SendWithBackup(const Notification& notification,
     if (primaryFailed) primaryFailed(primary.strError);
     if (Setting(kBackupKeys.server).size() <= kTooShortForBackup) return primary;
     return SendThrough(MailServer::Backup, notification);
+}
+
+void Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
+                           const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
+                           const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done) {
+    if (!strOverrideTo.empty()) {
+        strTo1 = strOverrideTo;
+        strTo2.clear();
+    }
+    const std::string backup = Setting("ServerBackup");
+    const Notification test{strTo1, strTo2, strFrom.empty() ? strFromDefault : strFrom, SubjectOf(strText, strEmailDesc),
+                            BodyOf(bNoDefaultBody, strBody1, strText)};
+    ports_.person.Ask(
+        kMessageTitle, Question(strTo1, strTo2, Setting("Server"), backup), [=, this] { done(RunTest(test, backup)); },
+        [=] { done(false); });
+}
+
+bool Dispatcher::RunTest(const Notification& test, const std::string& backup) {
+    if (ports_.stopMonitor) ports_.stopMonitor();
+    ports_.status.setStatusMSG("Testing Email... Please wait.");
+    if (test.strTo1.empty()) return true;  // nothing was tried
+    const bool primarySent = TestThrough(MailServer::Primary, Setting("Server"), test);
+    const bool backupSent = Trim(backup).empty() || TestThrough(MailServer::Backup, backup, test);
+    return primarySent && backupSent;
+}
+
+bool Dispatcher::TestThrough(MailServer server, const std::string& name, const Notification& test) {
+    const SendOutcome outcome = SendThrough(server, test);
+    const std::string to = test.strTo1 + ", " + test.strTo2;
+    if (outcome.sent) {
+        ports_.person.ShowMessage(kMessageTitle, "Email Test SUCCEEDED! Sent to " + to + " using SMTP server " + name + ".");
+    } else {
+        ports_.log.WriteLog(kLogFatal, kLogError,
+                            "TestEmail: Email Test Failed to " + to + " using " + name + ". " + outcome.strError);
+        ports_.person.ShowError(kMessageTitle, "Email Test Failed to " + to + " from " + test.strFrom + " using SMTP server " +
+                                                   name + ".\r\n\r\nError: " + outcome.strError);
+    }
+    return outcome.sent;
 }
 
 std::string Dispatcher::Setting(const char* key) const {

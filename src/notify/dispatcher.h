@@ -59,19 +59,13 @@ public:
 
     Dispatcher(const Ports& ports, Options options);
 
-    /// Sends one message to all recipients in `strTo1` and `strTo2`, one mail each. Returns false with the reason in `strError`
-    /// at the first recipient whose mail was refused; later recipients get none. A login name in `strUser` selects clsEsmtp, an
-    /// empty one the plain mailer. `strTo1`, `strTo2`, `strFrom` and `strSubject` are set to the values that were used. A call
-    /// from an event of a running call fails with a reason, at every server: a caller with its own timer must keep the message
-    /// and try again. Waits as the mailers do. Throws nothing.
-    bool SendEmail(std::string& strTo1, std::string& strTo2, std::string& strFrom, std::string& strSubject, std::string& strBody,
-                   const std::string& reserved, std::string strServer, std::string& strUser, std::string& strPass,
-                   std::string& strPopHost, std::string& strError);
-
-    /// Returns whether a SendEmail is on the stack, so that another one would be refused.
+    /// Returns whether a message is being sent, so that another one would be refused.
     bool Sending() const { return sending_; }
 
-    /// The same through the server in the settings.
+    /// Sends one message to all recipients in `strTo1` and `strTo2`, one mail each, through the server in the settings: with
+    /// clsEsmtp if it has a login name, with the plain mailer if not. Fails at the first recipient whose mail was refused; later
+    /// recipients get none. A call from an event of a running call fails with a reason, at every server: a caller with its own
+    /// timer must keep the message and try again. Waits as the mailers do. Throws nothing.
     SendOutcome SendThrough(MailServer server, const Notification& notification);
 
     /// Used for every notification: tries the primary server and, when that failed, the backup if a name longer than 5 characters
@@ -87,26 +81,27 @@ public:
                    const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done);
 
 private:
-    /// The message while it goes to one recipient after the other; its sender may become the first of them.
-    struct Message {
-        std::string strFromName;
-        std::string strFrom;
-        std::string strSubject;
-        std::string strBody;
-    };
     struct Account {
         std::string strServer;
         std::string strUser;
         std::string strPass;
         std::string strPopHost;
     };
+    /// The message while it goes to one recipient after the other; its sender may become the first of them.
+    struct Message {
+        std::string strFromName;
+        std::string strFrom;
+        std::string strSubject;
+        std::string strBody;
+        Account account;
+    };
 
-    bool SendToEach(const std::string& strTo1, const std::string& everybody, Message& message, const Account& account,
-                    std::string& strError);
-    bool SendToOne(const std::string& recipient, const Message& message, const Account& account, std::string& strError);
-    bool SendThroughPlainMailer(const std::string& recipient, const Message& message, const Account& account,
-                                std::string& strError);
-    bool SendThroughEsmtp(const std::string& recipient, const Message& message, const Account& account, std::string& strError);
+    Account AccountOf(MailServer server) const;
+    SendOutcome SendEmail(Notification mail, const Account& account);
+    SendOutcome SendToEach(const std::string& strTo1, const std::string& everybody, Message& message);
+    SendOutcome SendToOne(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message);
     void mycls_StateChange(const clsEsmtp& mycls, int State);
     bool RunTest(const Notification& test, const std::string& backup);
     bool TestThrough(MailServer server, const std::string& name, const Notification& test);

@@ -1,11 +1,9 @@
-// The conversation of clsEsmtp from its first step to its report. esmtp_login.cpp contains the logins, esmtp_wire.cpp sending and
-// waiting.
+// The conversation of clsEsmtp from its first step to its report. esmtp_login.cpp contains the logins.
 #include "notify/esmtp.h"
 
-#include <utility>
+#include <algorithm>
 
 #include "base/text.h"
-#include "notify/recipients.h"
 
 namespace korvane {
 namespace {
@@ -26,18 +24,17 @@ bool WantsHelo(int code) {
 }  // namespace
 
 clsEsmtp::clsEsmtp(const Ports& ports, TcpSocket& socket)
-    : ports_(ports), sckInternet(socket), message_({ports.files, ports.clock, ports.events, ports.guids}, *this) {
-    ListenToSocket();
-}
-
-clsEsmtp::~clsEsmtp() {
-    sckInternet.SetHandlers({});
-}
+    : sckInternet(socket),
+      wire_(socket, ports.clock, ports.events, ports.trace,
+            [this](int number, const std::string& description) {
+                if (handlers_.WinsockError) handlers_.WinsockError(number, description);
+            }),
+      message_({ports.files, ports.clock, ports.events, ports.guids}, *this) {}
 
 void clsEsmtp::Reset() {
     static_cast<MailProperties&>(*this) = MailProperties();
+    wire_.ForgetLastData();
     recipients_.clear();
-    strLastData_.clear();
     popUser_.clear();
     popPassword_.clear();
 }
@@ -45,12 +42,12 @@ void clsEsmtp::Reset() {
 bool clsEsmtp::SendMail() {
     Prepare();
     if (!Trim(POPhost).empty()) LoginToPop();
-    delivered_ = Connect() && SayHello() && Authenticate() && NameSender() && NameRecipients() && BeginData() && SendMessage() &&
-                 EndData();
-    if (delivered_) Quit();
+    const bool delivered = Connect() && SayHello() && Authenticate() && NameSender() && NameRecipients() && BeginData() &&
+                           SendMessage() && EndData();
+    if (delivered) Quit();
     Hangup();
-    if (!delivered_) Report();
-    return delivered_;
+    if (!delivered) Report();
+    return delivered;
 }
 
 void clsEsmtp::Prepare() {
@@ -61,13 +58,12 @@ void clsEsmtp::Prepare() {
 }
 
 bool clsEsmtp::Connect() {
-    phase_ = Phase::Smtp;
-    OpenConnection(SmtpHost, smtpport);
+    wire_.Open(SmtpHost, smtpport, ReplyKind::Smtp);
     Raise(kConnecting);
-    if (GetSmtpReply(kSmtpTries, true) != kServiceReady) {
+    if (wire_.SmtpReply() != kServiceReady) {
         Complain(
             sckInternet.State() == SocketState::Connected
-                ? "Connected to " + SmtpHost + " but didn't receive the expected 220 response. Received '" + strLastData_ + "'"
+                ? "Connected to " + SmtpHost + " but didn't receive the expected 220 response. Received '" + strLastData() + "'"
                 : "Couldn't connect to " + SmtpHost + ". Are you sure this is the correct name for your server?  Try to ping it");
         return false;
     }
@@ -77,11 +73,14 @@ bool clsEsmtp::Connect() {
 
 bool clsEsmtp::SayHello() {
     if (!SendLine("EHLO " + OwnAddress())) return End("Couldn't send EHLO ");
-    const int code = GetSmtpReply(kSmtpTries, true);
-    if (code == kDone) return true;
+    const int code = wire_.SmtpReply();
     if (WantsHelo(code)) return SayPlainHello();
-    Complain(kNotPositive);
-    return End("Expected 250. Didn't receive it.");
+    return Expect({kDone}, code, kNotPositive, "Expected 250. Didn't receive it.");
+}
+
+bool clsEsmtp::SayPlainHello() {
+    if (!SendLine("HELO " + OwnAddress())) return End("Couldn't send fallback HELO");
+    return Expect({kDone}, wire_.SmtpReply(), kNotPositive, "Got 500,502, or 554 and expected 250. Didn't receive it.");
 }
 
 // Servers accept a bare IPv4 address; an IPv6 address must be a literal (RFC 5321, section 4.1.3), which has no zone.
@@ -90,60 +89,46 @@ std::string clsEsmtp::OwnAddress() const {
     return Holds(address, ":") ? "[IPv6:" + address.substr(0, address.find('%')) + "]" : address;
 }
 
-bool clsEsmtp::SayPlainHello() {
-    if (!SendLine("HELO " + OwnAddress())) return End("Couldn't send fallback HELO");
-    if (GetSmtpReply(kSmtpTries, true) == kDone) return true;
-    Complain(kNotPositive);
-    return End("Got 500,502, or 554 and expected 250. Didn't receive it.");
-}
-
 bool clsEsmtp::NameSender() {
     emailFromAddress = Trim(emailFromAddress);
     if (emailFromAddress.starts_with('<')) emailFromAddress.erase(0, 1);
     // Two characters are compared, so only an address that is just ">" loses it; users' mail rules rely on addresses in this
     // form.
     if (emailFromAddress == ">") emailFromAddress.clear();
-    emailFromName = Trim(ReplaceAll(emailFromName, "\"", ""));
-    if (emailFromName.empty()) emailFromName = emailFromAddress;
-
-    if (Ask("MAIL FROM:<" + emailFromAddress + ">") == kDone) return true;
-    Complain(kNotPositive);
-    return End("Sent MAIL FROM... Expected 250. Didn't receive it.");
+    emailFromName = Or(Trim(ReplaceAll(emailFromName, "\"", "")), emailFromAddress);
+    return Expect({kDone}, Ask("MAIL FROM:<" + emailFromAddress + ">"), kNotPositive,
+                  "Sent MAIL FROM... Expected 250. Didn't receive it.");
 }
 
 bool clsEsmtp::NameRecipients() {
     emailTo = ParseRecipients(emailTo, recipients_);
-    for (const std::string& recipient : recipients_) {
-        const int code = Ask("RCPT TO:" + recipient);
-        if (code == kDone || code == kWillForward) continue;
-        Complain(kNotPositive);
-        return End("TO User: Send RCPT TO:... Expected 250 or 251. Didn't receive it.");
-    }
-    return true;
+    return std::all_of(recipients_.begin(), recipients_.end(), [this](const std::string& recipient) {
+        return Expect({kDone, kWillForward}, Ask("RCPT TO:" + recipient), kNotPositive,
+                      "TO User: Send RCPT TO:... Expected 250 or 251. Didn't receive it.");
+    });
 }
 
 bool clsEsmtp::BeginData() {
-    const int code = Ask("DATA");
-    if (code != kStartMailInput && code != kDone) {
-        Complain(kRefusedMessage);
-        return false;
-    }
+    if (!Expect({kStartMailInput, kDone}, Ask("DATA"), kRefusedMessage)) return false;
     Raise(kSendingMail);
     return true;
 }
 
+// The trace shows only the size of the message.
 bool clsEsmtp::SendMessage() {
-    messageBytes_ = 0;
-    const bool sent = message_.Send(sckInternet.LocalHostName(), [this](const std::string& piece) { return SendPiece(piece); });
-    TraceSent(BytesOfMessage(messageBytes_));
+    std::size_t bytes = 0;
+    const bool sent = message_.Send(sckInternet.LocalHostName(), [&](const std::string& piece) {
+        bytes += piece.size();
+        return Send(piece, "");
+    });
+    wire_.ShowSent(BytesOfMessage(bytes));
     return sent;
 }
 
 bool clsEsmtp::EndData() {
     const bool ended = SendLine(".");  // a reply that came before the dot does not answer it, nor does a close after that reply
-    if (GetSmtpReply(kSmtpTries, true) == kDone && ended) return true;
-    Complain("EOM: " + std::string(kRefusedMessage));
-    return false;
+    const int code = wire_.SmtpReply();
+    return Expect({kDone}, ended ? code : 0, "EOM: " + std::string(kRefusedMessage));
 }
 
 void clsEsmtp::Quit() {
@@ -157,15 +142,32 @@ void clsEsmtp::Hangup() {
 }
 
 void clsEsmtp::Report() {
-    if (!lastReply_.empty()) {
-        if (!lastCommand_.empty()) ErrorLog += "\r\nClient sent: " + lastCommand_ + "\r\n";
-        ErrorLog += "Server replied: " + Left(lastReply_, kMostOfAReply);
+    if (!wire_.LastReply().empty()) {
+        if (!wire_.LastCommand().empty()) ErrorLog += "\r\nClient sent: " + wire_.LastCommand() + "\r\n";
+        ErrorLog += "Server replied: " + Left(wire_.LastReply(), kMostOfAReply);
     }
     ErrorLog += " " + note_;
 }
 
-bool clsEsmtp::End(std::string note) {
-    note_ = std::move(note);
+bool clsEsmtp::Send(std::string_view text, const std::string& shown) {
+    const std::string_view problem = wire_.Send(text, shown);
+    if (!problem.empty()) Complain(problem);
+    return problem.empty();
+}
+
+int clsEsmtp::Ask(const std::string& line) {
+    SendLine(line);
+    return wire_.SmtpReply();
+}
+
+bool clsEsmtp::Expect(std::initializer_list<int> good, int code, std::string_view problem, std::string_view note) {
+    if (std::find(good.begin(), good.end(), code) != good.end()) return true;
+    Complain(problem);
+    return End(note);
+}
+
+bool clsEsmtp::End(std::string_view note) {
+    note_ = note;
     return false;
 }
 

@@ -1,8 +1,7 @@
 // The two logins of clsEsmtp: at a POP server before the mail (RFC 1939), and at the SMTP server itself (RFC 4954).
 #include "base/text.h"
-#include "notify/base64.h"
+#include "notify/encodings.h"
 #include "notify/esmtp.h"
-#include "notify/md5.h"
 
 namespace korvane {
 namespace {
@@ -14,6 +13,15 @@ constexpr int kLoginRefused = 535;
 // "Username:" and "Password:".
 constexpr std::string_view kAsksUser = "VXNlcm5hbWU6";
 constexpr std::string_view kAsksPassword = "UGFzc3dvcmQ6";
+
+constexpr std::string_view kLoginFailed = "Authenticating user on SMTP server failed";
+
+// Returns whether the owner has corrected the login.
+bool HasBetterLogin(const clsEsmtp::RequestLogin& request, std::string& user, std::string& password) {
+    bool bCancel = true;
+    if (request) request(user, password, bCancel);
+    return !bCancel;
+}
 
 }  // namespace
 
@@ -28,13 +36,9 @@ void clsEsmtp::LoginToPop() {
 }
 
 bool clsEsmtp::ConnectToPop() {
-    phase_ = Phase::Pop;
-    OpenConnection(POPhost, popPort);
+    wire_.Open(POPhost, popPort, ReplyKind::Pop);
     Raise(kPopConnecting);
-    if (!GetPopReply(kPopTries, true)) {
-        Complain("Unable to connect to POP host for authorization");
-        return false;
-    }
+    if (!ExpectOk("Unable to connect to POP host for authorization")) return false;
     Raise(kPopConnected);
     popUser_ = UserID;
     popPassword_ = Password;
@@ -44,36 +48,33 @@ bool clsEsmtp::ConnectToPop() {
 void clsEsmtp::AuthorizePop() {
     bool again = true;
     while (again)
-        again = (!SendPopUser() || !SendPopPassword()) && HasBetterPopLogin();
+        again = !(SendPopUser() && SendPopPassword()) && HasBetterLogin(handlers_.RequestPOPLogin, popUser_, popPassword_);
 }
 
 bool clsEsmtp::SendPopUser() {
     SendLine("USER " + popUser_);
     Raise(kPopAuthorizing);
-    if (GetPopReply(kPopTries, true)) return true;
-    Complain("Unable to authorize POP server, server refused user");
-    return false;
+    return ExpectOk("Unable to authorize POP server, server refused user");
 }
 
 bool clsEsmtp::SendPopPassword() {
-    if (AskPop("PASS " + popPassword_, Shown::Not)) {
-        AskPop("STAT");
-        return true;
-    }
-    Complain("Unable to authorize POP server, server refused password");
-    return false;
+    SendSecret("PASS " + popPassword_);
+    if (!ExpectOk("Unable to authorize POP server, server refused password")) return false;
+    SendLine("STAT");
+    wire_.PopReply();
+    return true;
 }
 
-bool clsEsmtp::HasBetterPopLogin() {
-    bool bCancel = true;
-    if (handlers_.RequestPOPLogin) handlers_.RequestPOPLogin(popUser_, popPassword_, bCancel);
-    return !bCancel;
+bool clsEsmtp::ExpectOk(std::string_view problem) {
+    const bool ok = wire_.PopReply();
+    if (!ok) Complain(problem);
+    return ok;
 }
 
 void clsEsmtp::LeavePop() {
     Raise(kPopDisconnecting);
     SendLine("QUIT");
-    if (sckInternet.State() == SocketState::Connected) GetPopReply(kPopTries, true);
+    if (sckInternet.State() == SocketState::Connected) wire_.PopReply();
 }
 
 // A refused login does not end the conversation: the answer to MAIL FROM decides.
@@ -93,7 +94,7 @@ clsEsmtp::Attempt clsEsmtp::TryMechanisms() {
                                                 {&AuthMechanisms::login, &clsEsmtp::TryLogin},
                                                 {&AuthMechanisms::plain, &clsEsmtp::TryPlain}};
     for (const Mechanism& mechanism : kMechanisms) {
-        if (!(mechanisms_.*mechanism.offered)) continue;
+        if (!(wire_.Mechanisms().*mechanism.offered)) continue;
         Raise(kAuthorizing);
         const Attempt ended = (this->*mechanism.attempt)();
         if (ended != Attempt::NextMechanism) return ended;
@@ -107,48 +108,50 @@ clsEsmtp::Attempt clsEsmtp::TryCramMD5() {
         End("Couldn't send AUTH CRAM-MD5");
         return Attempt::CannotSend;
     }
-    int code = GetSmtpReply(kSmtpTries, true);
+    int code = wire_.SmtpReply();
     if (code == kChallenge) {
-        const std::string digest = HmacMd5Hex(Password, Base64Decode(challenge_));
-        if (!SendLine(Base64Encode(UserID + " " + digest), Shown::Not)) return Attempt::CannotSend;
-        code = GetSmtpReply(kSmtpTries, true);
+        const std::string digest = HmacMd5Hex(Password, Base64Decode(wire_.Challenge()));
+        if (!SendSecret(Base64Encode(UserID + " " + digest))) return Attempt::CannotSend;
+        code = wire_.SmtpReply();
     }
-    if (code == kAuthenticated) return Attempt::Over;
-    if (code != kLoginRefused) return Attempt::NextMechanism;
-    return HasBetterLogin("authenticating user on SMTP server failed") ? Attempt::StartAgain : Attempt::NextMechanism;
+    return AfterAnswer(code, "authenticating user on SMTP server failed");
 }
 
 // Each of the two lines is sent only in answer to its own question.
 clsEsmtp::Attempt clsEsmtp::TryLogin() {
     if (!SendLine("AUTH LOGIN")) return Attempt::CannotSend;
-    int code = GetSmtpReply(kSmtpTries, true);
+    int code = wire_.SmtpReply();
     if (code == kChallenge) {
-        if (challenge_ == kAsksUser) SendLine(Base64Encode(UserID), Shown::Not);
-        code = GetSmtpReply(kSmtpTries, true);
-        if (code == kChallenge && challenge_ == kAsksPassword) code = Ask(Base64Encode(Password), Shown::Not);
+        if (wire_.Challenge() == kAsksUser) SendSecret(Base64Encode(UserID));
+        code = wire_.SmtpReply();
     }
-    if (code == kAuthenticated) return Attempt::Over;
-    if (code != kLoginRefused) return Attempt::NextMechanism;
-    if (!HasBetterLogin("Authenticating user on SMTP server failed")) return Attempt::NextMechanism;
-    Ask("*");
-    return Attempt::StartAgain;
+    if (code == kChallenge && wire_.Challenge() == kAsksPassword) {
+        SendSecret(Base64Encode(Password));
+        code = wire_.SmtpReply();
+    }
+    const Attempt attempt = AfterAnswer(code, kLoginFailed);
+    if (attempt == Attempt::StartAgain) Ask("*");
+    return attempt;
 }
 
 // RFC 4616.
 clsEsmtp::Attempt clsEsmtp::TryPlain() {
     if (!SendLine("AUTH PLAIN")) return Attempt::CannotSend;
-    if (GetSmtpReply(kSmtpTries, true) != kChallenge) return Attempt::Over;
+    if (wire_.SmtpReply() != kChallenge) return Attempt::NextMechanism;
     const std::string nul(1, '\0');
-    if (!SendLine(Base64Encode(nul + UserID + nul + Password), Shown::Not)) return Attempt::CannotSend;
-    if (GetSmtpReply(kSmtpTries, true) != kLoginRefused) return Attempt::Over;
-    return HasBetterLogin("Authenticating user on SMTP server failed") ? Attempt::StartAgain : Attempt::Over;
+    if (!SendSecret(Base64Encode(nul + UserID + nul + Password))) return Attempt::CannotSend;
+    return AfterAnswer(wire_.SmtpReply(), kLoginFailed);
 }
 
-bool clsEsmtp::HasBetterLogin(std::string_view problem) {
+clsEsmtp::Attempt clsEsmtp::AfterAnswer(int code, std::string_view problem) {
+    if (code == kAuthenticated) return Attempt::Over;
+    if (code != kLoginRefused) return Attempt::NextMechanism;
     Complain(problem);
-    bool bCancel = true;
-    if (handlers_.RequestESMTPLogin) handlers_.RequestESMTPLogin(UserID, Password, bCancel);
-    return !bCancel;
+    return HasBetterLogin(handlers_.RequestESMTPLogin, UserID, Password) ? Attempt::StartAgain : Attempt::NextMechanism;
+}
+
+bool clsEsmtp::SendSecret(const std::string& line) {
+    return Send(line + "\r\n", std::string(kNotShown));
 }
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 #include "notify/global_email.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
@@ -9,56 +10,41 @@
 namespace korvane {
 namespace {
 
-constexpr std::string_view kToList1 = "TO_LIST1=";
-constexpr std::string_view kToList2 = "TO_LIST2=";
-constexpr std::string_view kFrom = "FROM=";
-constexpr std::string_view kSubject = "SUBJECT=";
-
-/// Returns the items of a text one by one. A quoted item may contain commas and line ends; text after its closing quote is a
-/// separate item, unless it is empty.
-class Items {
-public:
-    explicit Items(std::string_view text) : rest_(text) {}
-
-    bool Next(std::string_view& item) {
-        DropBlanks();
-        if (rest_.empty()) return false;
-        if (rest_.front() != '"') {
-            item = TakeUpTo(",\r\n");
+// Returns the items of a text. A quoted item may contain commas and line ends; text after its closing quote is a separate item,
+// unless it is empty.
+std::vector<std::string_view> ItemsOf(std::string_view rest) {
+    std::vector<std::string_view> items;
+    const auto drop = [&](std::size_t count) { rest.remove_prefix(std::min(count, rest.size())); };
+    const auto dropBlanks = [&] { drop(rest.find_first_not_of(" \t")); };
+    const auto takeUpTo = [&](const char* ends) {
+        items.push_back(rest.substr(0, rest.find_first_of(ends)));
+        drop(items.back().size());
+    };
+    for (dropBlanks(); !rest.empty(); dropBlanks()) {
+        if (rest.front() == '"') {
+            drop(1);
+            takeUpTo("\"");
+            drop(1);
+            dropBlanks();
         } else {
-            rest_.remove_prefix(1);
-            item = TakeUpTo("\"");
-            rest_.remove_prefix(std::min<std::size_t>(1, rest_.size()));
-            DropBlanks();
+            takeUpTo(",\r\n");
         }
-        DropDelimiter();
-        return true;
+        if (rest.find_first_of(",\r\n") == 0) drop(rest.starts_with("\r\n") ? 2 : 1);
     }
-
-private:
-    void DropBlanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t"), rest_.size())); }
-
-    std::string_view TakeUpTo(const char* ends) {
-        const std::string_view taken = rest_.substr(0, rest_.find_first_of(ends));
-        rest_.remove_prefix(taken.size());
-        return taken;
-    }
-
-    void DropDelimiter() {
-        const bool lineEnd = rest_.starts_with("\r\n");
-        if (lineEnd || rest_.find_first_of(",\r\n") == 0) rest_.remove_prefix(lineEnd ? 2 : 1);
-    }
-
-    std::string_view rest_;
-};
+    return items;
+}
 
 }  // namespace
+
+const clsGlobalEmail::Line clsGlobalEmail::kLines[] = {{"TO_LIST1=", &clsGlobalEmail::strToList1_},
+                                                       {"TO_LIST2=", &clsGlobalEmail::strToList2_},
+                                                       {"FROM=", &clsGlobalEmail::strFrom_},
+                                                       {"SUBJECT=", &clsGlobalEmail::strSubject_}};
 
 void clsGlobalEmail::OpenFile() {
     IgnoreErrors([&] {
         const std::string contents = ToUtf8(files_.Read(path_).value_or(""));
-        Items items(contents);
-        for (std::string_view item; items.Next(item);)
+        for (const std::string_view item : ItemsOf(contents))
             TakeItem(item);
     });
 }
@@ -67,26 +53,18 @@ void clsGlobalEmail::OpenFile() {
 void clsGlobalEmail::TakeItem(std::string_view item) {
     const std::size_t equals = item.find('=');
     if (equals == std::string_view::npos) return;
-    const std::string_view value = item.substr(equals + 1);
     const std::string folded = ToLower(item);
-    const auto take = [&](std::string_view key, std::string& text) {
-        if (Holds(folded, ToLower(key))) text = value;
-    };
-    take(kToList1, strToList1_);
-    take(kToList2, strToList2_);
-    take(kFrom, strFrom_);
-    take(kSubject, strSubject_);
+    for (const Line& line : kLines) {
+        if (Holds(folded, ToLower(line.key))) this->*line.text = item.substr(equals + 1);
+    }
 }
 
 // A line end in one of the texts would start a new line of the file.
 void clsGlobalEmail::UpdateData() {
-    const auto line = [](std::string_view key, const std::string& text) {
-        return std::string(key) + WithoutLineEnds(text) + "\r\n";
-    };
-    IgnoreErrors([&] {
-        files_.Replace(path_, line(kToList1, strToList1_) + line(kToList2, strToList2_) + line(kFrom, strFrom_) +
-                                  line(kSubject, strSubject_));
-    });
+    std::string contents;
+    for (const Line& line : kLines)
+        contents += std::string(line.key) + WithoutLineEnds(this->*line.text) + "\r\n";
+    IgnoreErrors([&] { files_.Replace(path_, contents); });
 }
 
 }  // namespace korvane

@@ -32,6 +32,12 @@ public:
     void setSubject(std::string_view text) { strSubject_ = text; }
 
 private:
+    struct Line {
+        std::string_view key;
+        std::string clsGlobalEmail::*text;
+    };
+    static const Line kLines[4];
+
     void TakeItem(std::string_view item);
 
     Files& files_;

@@ -1,12 +1,13 @@
 #include "notify/mail_message.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
-#include "notify/base64.h"
-#include "notify/recipients.h"
+#include "notify/encodings.h"
 
 namespace korvane {
 namespace {
@@ -65,14 +66,26 @@ std::string MultipartType(std::string_view kind, const std::string& boundary) {
     return "Content-Type: multipart/" + std::string(kind) + ";\r\n\tboundary=" + Quoted(boundary) + "\r\n";
 }
 
+std::string AttachmentPiece(const std::string& path, const std::string& base64, const std::string& boundary) {
+    const std::string name = Quoted(BaseNameOf(path) + ExtensionOf(path));
+    return Delimiter(boundary) +
+           "Content-Type: application/octet-stream;\r\n"
+           "\tname=" +
+           name +
+           "\r\n"
+           "Content-Transfer-Encoding: base64\r\n"
+           "Content-Disposition: attachment;\r\n"
+           "\tfilename=" +
+           name + "\r\n\r\n" + base64 + "\r\n\r\n";
+}
+
 // There is no empty line before the sentence; readers take it for a broken header and continue.
 std::string MultipartHead(std::string_view kind, const std::string& boundary) {
     return "MIME-Version: 1.0\r\n" + MultipartType(kind, boundary) + "This is a multi-part Message in MIME format.\r\n\r\n" +
            Delimiter(boundary);
 }
 
-}  // namespace
-
+// Returns 32 upper-case hexadecimal digits, or "00000000" when the system provides none.
 std::string NewGuidText(GuidSource& guids) {
     const std::optional<Guid> guid = guids.CoCreateGuid();
     if (!guid) return std::string(kGuidFailed);
@@ -82,6 +95,32 @@ std::string NewGuidText(GuidSource& guids) {
                   tail[0], tail[1], tail[2], tail[3], tail[4], tail[5], tail[6], tail[7]);
     return text;
 }
+
+// Returns the bytes of a file, which is empty when it cannot be read.
+std::string ContentsOf(Files& files, const std::string& path, const MailMessage::ReadFileError& failed) {
+    try {
+        std::optional<std::string> contents = files.Read(path);
+        if (!contents) throw Error("File not found", kFileNotFound);
+        return std::move(*contents);
+    } catch (const Error& error) {
+        if (failed) failed(error.Number() != 0 ? error.Number() : kFileAccessError, error.what(), LeftTrimmed(path));
+        return "";
+    }
+}
+
+std::string ReplaceUntilGone(std::string text, std::string_view from, std::string_view to) {
+    while (Holds(text, from))
+        text = ReplaceAll(text, from, to);
+    return text;
+}
+
+std::string InBrackets(std::string address) {
+    if (!address.starts_with('<')) address.insert(0, "<");
+    if (!address.ends_with('>')) address += '>';
+    return address;
+}
+
+}  // namespace
 
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone) {
     const DateTime when = zone.empty() ? utc : local;
@@ -101,27 +140,42 @@ std::string WithMailLineEnds(std::string_view text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
 }
 
+std::string Mailbox(const std::string& name, const std::string& address) {
+    return Quoted(name) + " <" + address + ">";
+}
+
 std::string StuffDots(std::string_view text) {
     const std::string stuffed = ReplaceAll(text, "\r\n.", "\r\n..");
     return stuffed.starts_with('.') ? "." + stuffed : stuffed;
 }
 
-int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description) {
-    contents.clear();
-    try {
-        std::optional<std::string> read = files.Read(path);
-        if (!read) throw Error("File not found", kFileNotFound);
-        contents = std::move(*read);
-        return 0;
-    } catch (const Error& error) {
-        description = error.what();
-        return error.Number() != 0 ? error.Number() : kFileAccessError;
+std::string NormaliseRecipients(std::string_view text) {
+    std::string list = ReplaceAll(Trim(text), ",", ";");
+    list = ReplaceUntilGone(std::move(list), "  ", " ");
+    list = ReplaceUntilGone(std::move(list), "; ", ";");
+    list = ReplaceUntilGone(std::move(list), ";;", ";");
+    return Trim(ReplaceAll(list, " ", ";"));
+}
+
+std::string ParseRecipients(std::string_view list, std::vector<std::string>& recipients) {
+    const std::string spaced = ReplaceAll(ReplaceAll(Trim(list), ",", " , "), ";", " ; ");
+    if (spaced.empty()) return "";
+    recipients.clear();
+    std::string normalised;
+    for (std::string& piece : Split(spaced, ' ')) {
+        if (Holds(piece, "@")) {
+            piece = InBrackets(std::move(piece));
+            recipients.push_back(piece);
+        }
+        normalised += piece + " ";
     }
+    normalised.pop_back();
+    return ReplaceAll(ReplaceAll(normalised, " , ", ","), " ; ", ";");
 }
 
 void MailMessage::Prepare(const ReadFileError& failed) {
-    EncodeAttachments(failed);
     ChooseBoundaries();
+    EncodeAttachments(failed);
     mail_.plainMessage = StuffDots(mail_.plainMessage);
     mail_.htmlMessage = StuffDots(mail_.htmlMessage);
 }
@@ -137,11 +191,8 @@ void MailMessage::EncodeAttachments(const ReadFileError& failed) {
     };
     const std::vector<std::string> paths = mail_.AttachFiles;  // events run below, and the owner may change the list
     for (const std::string& path : paths) {
-        std::string contents;
-        std::string description;
-        const int number = ReadFileBytes(ports_.files, path, contents, description);
-        if (number != 0 && failed) failed(number, description, LeftTrimmed(path));
-        attachments_.push_back({BaseNameOf(path) + ExtensionOf(path), Base64EncodeLines(contents, pump)});
+        const std::string contents = ContentsOf(ports_.files, path, failed);
+        attachments_.push_back(AttachmentPiece(path, Base64EncodeLines(contents, pump), boundaryOne_));
     }
 }
 
@@ -165,7 +216,7 @@ bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece&
     std::vector<std::string> unused;
     const std::string replyTo = ParseRecipients(mail_.emailReplyTo, unused);
 
-    return line("From: " + Quoted(mail_.emailFromName) + " <" + mail_.emailFromAddress + ">\r\nTo:" + mail_.emailTo) &&
+    return line("From: " + Mailbox(mail_.emailFromName, mail_.emailFromAddress) + "\r\nTo:" + mail_.emailTo) &&
            (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                   //
            optional("Cc: ", mail_.emailCC) &&                                                //
            line("Subject: " + mail_.subject) &&                                              //
@@ -185,10 +236,7 @@ bool MailMessage::SendBody(const SendPiece& send) const {
     if (attached && html && !send(MultipartType(kAlternative, boundaryTwo_) + "\r\n" + Delimiter(boundaryTwo_))) return false;
     if (!send(TextPiece())) return false;
     if (html && !send(HtmlPiece())) return false;
-    for (const Attachment& attachment : attachments_) {
-        if (!send(AttachmentPiece(attachment, boundaryOne_))) return false;
-    }
-    return true;
+    return std::all_of(attachments_.begin(), attachments_.end(), send);
 }
 
 // All text is labelled us-ascii, whatever it contains.
@@ -199,19 +247,6 @@ std::string MailMessage::TextPiece() const {
 
 std::string MailMessage::HtmlPiece() const {
     return PartHead("text/html") + mail_.htmlMessage + "\r\n\r\n" + Delimiter(boundaryTwo_) + "\r\n";
-}
-
-std::string MailMessage::AttachmentPiece(const Attachment& attachment, const std::string& boundary) {
-    const std::string name = Quoted(attachment.name);
-    return Delimiter(boundary) +
-           "Content-Type: application/octet-stream;\r\n"
-           "\tname=" +
-           name +
-           "\r\n"
-           "Content-Transfer-Encoding: base64\r\n"
-           "Content-Disposition: attachment;\r\n"
-           "\tfilename=" +
-           name + "\r\n\r\n" + attachment.base64 + "\r\n\r\n";
 }
 
 }  // namespace korvane

@@ -1,4 +1,5 @@
-// The content of a mail and its form after DATA: ordered header lines, text, HTML and attachments, one piece after the other.
+// The content of a mail and its form after DATA: ordered header lines, text, HTML and attachments, one piece after the other. Lists
+// of recipients have two normal forms: one address after the other for the dispatcher, addresses in angle brackets for SMTP.
 #pragma once
 
 #include <cstdint>
@@ -41,9 +42,6 @@ struct MailProperties {
     std::string emailTimeZoneAdjust;  ///< zone of the Date header, which then has local time; empty: UTC
 };
 
-/// Returns 32 upper-case hexadecimal digits, or "00000000" when the system provides none.
-std::string NewGuidText(GuidSource& guids);
-
 /// Returns "Sat, 21 Nov 2026 15:04:05 -0500" for the zone "-0500", with local time; without a zone UTC and "-0000".
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
 
@@ -54,12 +52,18 @@ std::string WithoutLineEnds(std::string_view text);
 /// others too.
 std::string WithMailLineEnds(std::string_view text);
 
+/// Returns "\"name\" <address>".
+std::string Mailbox(const std::string& name, const std::string& address);
+
 /// Doubles a "." at the beginning of a line (RFC 5321, section 4.5.2). Only CR LF ends a line.
 std::string StuffDots(std::string_view text);
 
-/// Reads a whole file as raw bytes into `contents`. Returns 0, or the error number with its text in `description`. Blocks on the
-/// disk.
-int ReadFileBytes(Files& files, const std::string& path, std::string& contents, std::string& description);
+/// Turns "a@x, b@y  c@z" into "a@x;b@y;c@z": one ";" replaces each run of separators.
+std::string NormaliseRecipients(std::string_view text);
+
+/// Takes every word with an "@" as an address; words end at spaces, "," and ";". Returns the list for a header, with words kept
+/// and addresses in angle brackets, and replaces `recipients` by the addresses in brackets. An empty list leaves them unchanged.
+std::string ParseRecipients(std::string_view list, std::vector<std::string>& recipients);
 
 class MailMessage {
 public:
@@ -77,7 +81,7 @@ public:
     /// Holds references; everything must outlive this.
     MailMessage(const Ports& ports, MailProperties& mail) : ports_(ports), mail_(mail) {}
 
-    /// Must run before the connection: reads and encodes the attachments (delivering events meanwhile), chooses the boundaries
+    /// Must run before the connection: chooses the boundaries, reads and encodes the attachments (delivering events meanwhile),
     /// and dot-stuffs both bodies in place. `failed` is called for an attachment that cannot be read, which is then sent empty;
     /// an entry without a name is removed from the list.
     void Prepare(const ReadFileError& failed);
@@ -87,22 +91,16 @@ public:
     bool Send(const std::string& localHostName, const SendPiece& send) const;
 
 private:
-    struct Attachment {
-        std::string name;
-        std::string base64;
-    };
-
     void EncodeAttachments(const ReadFileError& failed);
     void ChooseBoundaries();
     bool SendHeaders(const std::string& localHostName, const SendPiece& send) const;
     bool SendBody(const SendPiece& send) const;
     std::string TextPiece() const;
     std::string HtmlPiece() const;
-    static std::string AttachmentPiece(const Attachment& attachment, const std::string& boundary);
 
     Ports ports_;
     MailProperties& mail_;
-    std::vector<Attachment> attachments_;
+    std::vector<std::string> attachments_;  ///< each as its piece
     std::string boundaryOne_;
     std::string boundaryTwo_;
 };

@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "notify/mail_message.h"
 #include "notify/smtp_reply.h"
@@ -25,10 +24,6 @@ constexpr auto kSilence = 61s;  ///< limit for the socket while it sends
 constexpr const char* kReplyTimedOut = "SMTP service error, timed out while waiting for Email Server Response.";
 constexpr const char* kSendTimedOut = "SMTP service error, timed out while sending the message.";
 
-std::string Mailbox(const std::string& name, const std::string& address) {
-    return "\"" + name + "\" <" + address + ">";
-}
-
 }  // namespace
 
 struct PlainMailer::Mail {
@@ -39,23 +34,21 @@ struct PlainMailer::Mail {
     std::string body;
 };
 
-PlainMailer::PlainMailer(const Ports& ports, std::int32_t port) : ports_(ports), port_(port) {
-    ports_.socket.SetHandlers({
-        .dataArrival =
-            [this] {
-                const std::string arrived = ports_.socket.GetData();
-                if (reply_.size() < kMostKept) reply_ += ToUtf8(arrived);
-            },
-        .close = {},
-        .error = {},
-        .sendProgress = [this](std::size_t sent, std::size_t) { sentCount_ += sent; },
-        .sendComplete = [this] { sendComplete_ = true; },
-    });
-}
-
-PlainMailer::~PlainMailer() {
-    ports_.socket.SetHandlers({});
-}
+PlainMailer::PlainMailer(const Ports& ports, std::int32_t port)
+    : ports_(ports),
+      port_(port),
+      wire_(ports.socket, ports.trace,
+            {
+                .dataArrival =
+                    [this] {
+                        const std::string arrived = ports_.socket.GetData();
+                        if (reply_.size() < kMostKept) reply_ += ToUtf8(arrived);
+                    },
+                .close = {},
+                .error = {},
+                .sendProgress = [this](std::size_t sent, std::size_t) { sentCount_ += sent; },
+                .sendComplete = [this] { sendComplete_ = true; },
+            }) {}
 
 bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::string& strToName, const std::string& strFromName,
                                 const std::string& strFromAddress, const std::string& strSubject, const std::string& strBody,
@@ -79,8 +72,11 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
     const bool sent = Converse({strServer, from, to, headers, StuffDots(body)});
     if (!sent) ports_.socket.Close();
     ports_.person.SetWaitCursor(false);
-    if (!sent) GiveUp(strError);
-    return sent;
+    if (sent) return true;
+    ports_.log.WriteLog(kLogOrdinary, kLogError, "SendPlainMail: " + error_);
+    wire_.ShowSent(error_);
+    strError = error_;
+    return FailWithStatus(error_);
 }
 
 bool PlainMailer::Converse(const Mail& mail) {
@@ -101,12 +97,8 @@ bool PlainMailer::Converse(const Mail& mail) {
 bool PlainMailer::Connect(const Mail& mail) {
     if (ports_.socket.State() != SocketState::Closed) return Fail("The connection of another message is still open.");
     reply_.clear();
-    ports_.socket.SetLocalPort(0);
-    ports_.socket.SetRemoteHost(mail.server);
-    ports_.socket.SetRemotePort(port_);
-    ports_.socket.SetProtocol(SocketProtocol::Tcp);
     ports_.status.setStatusMSG("Connect to " + mail.server);
-    ports_.socket.Connect();
+    wire_.Open(mail.server, port_);
     return WaitForReply("220");
 }
 
@@ -122,23 +114,17 @@ bool PlainMailer::Command(const std::string& line, std::string_view expectedCode
     return WaitForReply(expectedCode);
 }
 
-void PlainMailer::SendLine(const std::string& line) {
-    ports_.socket.SendData(line + "\r\n");
-    if (ports_.trace != nullptr) ports_.trace->setMsg(line);
-}
-
 std::string PlainMailer::TakeReply() {
     const std::string reply = std::exchange(reply_, {});
-    if (ports_.trace != nullptr && !reply.empty()) ports_.trace->setReceiveMsg(Left(TrimAll(reply), kMostOfAReply));
+    if (!reply.empty()) wire_.ShowReceived(TrimAll(reply));
     return reply;
 }
 
 bool PlainMailer::SendMessage(const Mail& mail) {
-    ports_.socket.SendData(mail.headers + "\r\n");
+    wire_.Send(mail.headers + "\r\n", "");
     sendComplete_ = false;
     sentCount_ = 0;
-    ports_.socket.SendData(mail.body + "\r\n");
-    if (ports_.trace != nullptr) ports_.trace->setMsg(BytesOfMessage(mail.headers.size() + mail.body.size() + 4));
+    wire_.Send(mail.body + "\r\n", BytesOfMessage(mail.headers.size() + mail.body.size() + 4));
     return WaitForSend();
 }
 
@@ -165,9 +151,7 @@ bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     }
     const std::string reply = TakeReply();
     if (reply.size() <= 2 || reply.starts_with(expectedCode)) return true;
-    Fail("Expected: " + std::string(expectedCode) + " Recieved: " + Left(reply, kMostOfAReply));
-    ports_.status.setStatusMSG(error_);
-    return false;
+    return FailWithStatus("Expected: " + std::string(expectedCode) + " Recieved: " + Left(reply, kMostOfAReply));
 }
 
 bool PlainMailer::WaitForSend() {
@@ -179,9 +163,8 @@ bool PlainMailer::WaitForSend() {
             limit.Restart();
         }
         if (limit.Over()) {
-            ports_.status.setStatusMSG(kSendTimedOut);
             reply_.clear();
-            return Fail(kSendTimedOut);
+            return FailWithStatus(kSendTimedOut);
         }
         ports_.events.WaitForEvent(kWaitStep);
     }
@@ -194,11 +177,9 @@ bool PlainMailer::Fail(const std::string& error) {
     return false;
 }
 
-void PlainMailer::GiveUp(std::string& strError) {
-    ports_.log.WriteLog(kLogOrdinary, kLogError, "SendPlainMail: " + error_);
-    if (ports_.trace != nullptr) ports_.trace->setMsg(error_);
-    ports_.status.setStatusMSG(error_);
-    strError = error_;
+bool PlainMailer::FailWithStatus(const std::string& error) {
+    ports_.status.setStatusMSG(error);
+    return Fail(error);
 }
 
 }  // namespace korvane

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "notify/mail_trace.h"
+#include "notify/mail_wire.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/operator.h"
@@ -31,9 +31,6 @@ public:
 
     /// `port` is 25 except in tests.
     explicit PlainMailer(const Ports& ports, std::int32_t port = 25);
-    ~PlainMailer();
-    PlainMailer(const PlainMailer&) = delete;
-    PlainMailer& operator=(const PlainMailer&) = delete;
 
     /// Returns whether the server accepted the mail; if not, `strError` has the reason. Line ends in addresses, names and subject
     /// become spaces. If `strBoundary` is not empty, the headers of a multipart are added and its sentence follows the body.
@@ -54,16 +51,17 @@ private:
     bool Quit();
 
     bool Command(const std::string& line, std::string_view expectedCode);
-    void SendLine(const std::string& line);
+    void SendLine(const std::string& line) { wire_.Send(line + "\r\n", line); }
     std::string TakeReply();
     bool WaitForReply(std::string_view expectedCode);
     bool WaitForSend();
     bool Fail(const std::string& error);
-    void GiveUp(std::string& strError);
+    bool FailWithStatus(const std::string& error);
 
     Ports ports_;
     std::int32_t port_;
-    std::string reply_;
+    MailWire wire_;
+    std::string reply_;  ///< what arrived since the last check
     std::string error_;
     bool sendComplete_ = false;
     std::size_t sentCount_ = 0;

@@ -29,10 +29,6 @@ bool IsSmtpWord(std::string_view text) {
     return IsOneOf(kSmtpCodes, text);
 }
 
-bool IsWord(std::string_view word, std::string_view lowerCase) {
-    return ToLower(word) == lowerCase;
-}
-
 }  // namespace
 
 ReplyKind KindOfReply(std::string_view firstFour) {
@@ -52,23 +48,18 @@ int ReplyCode(std::string_view firstFour) {
 
 void ParseAuthMechanisms(std::string_view text, AuthMechanisms& mechanisms) {
     for (const std::string& line : Split(ReplaceAll(text, "\r\n", std::string(1, kLineMark)), kLineMark)) {
-        if (line.size() < 9 || !IsWord(std::string_view(line).substr(4, 5), "auth ")) continue;
+        if (line.size() < 9 || !EqualsNoCase(std::string_view(line).substr(4, 5), "auth ")) continue;
         for (const std::string& word : Split(line.substr(5), ' ')) {
-            mechanisms.cramMD5 |= IsWord(word, "cram-md5");
-            mechanisms.login |= IsWord(word, "login");
-            mechanisms.plain |= IsWord(word, "plain");
+            mechanisms.cramMD5 |= EqualsNoCase(word, "cram-md5");
+            mechanisms.login |= EqualsNoCase(word, "login");
+            mechanisms.plain |= EqualsNoCase(word, "plain");
         }
     }
 }
 
-WholeReply FindReply(std::string_view arrived) {
+std::size_t ReplyLength(std::string_view arrived) {
     const std::size_t end = arrived.rfind("\r\n");
-    if (end == std::string_view::npos) return {};
-    return {.length = end + 2, .text = std::string(arrived.substr(0, end))};
-}
-
-bool HoldsLastLine(std::string_view text, std::string_view code) {
-    return Holds(text, "\r\n" + std::string(code) + " ");
+    return end == std::string_view::npos ? 0 : end + 2;
 }
 
 }  // namespace korvane

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace korvane {
@@ -30,14 +29,7 @@ struct AuthMechanisms {
 /// Adds the mechanisms in the lines of an EHLO reply (RFC 4954, section 3). The old form "AUTH=LOGIN" is ignored.
 void ParseAuthMechanisms(std::string_view text, AuthMechanisms& mechanisms);
 
-/// All bytes up to the last CR LF are a reply, which may have several lines.
-struct WholeReply {
-    std::size_t length = 0;  ///< including its CR LF; 0: no line is complete yet
-    std::string text;        ///< without its last CR LF
-};
-WholeReply FindReply(std::string_view arrived);
-
-/// Returns whether one of the lines after the first is "<code> ...", the last of its reply, as opposed to "<code>-...".
-bool HoldsLastLine(std::string_view text, std::string_view code);
+/// Returns the length of the reply, with its last CR LF: all whole lines that have arrived. 0: no line is complete yet.
+std::size_t ReplyLength(std::string_view arrived);
 
 }  // namespace korvane

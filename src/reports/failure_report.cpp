@@ -1,10 +1,6 @@
-#include "reports/failure_report.h"
-
-#include <exception>
-
-#include "reports/columns.h"
-#include "reports/html_table.h"
-#include "reports/write_batch.h"
+// The page with the failures of one server, and the trimming of those records.
+#include "reports/page_parts.h"
+#include "reports/pages.h"
 
 namespace korvane {
 namespace {
@@ -22,11 +18,17 @@ constexpr std::string_view kDown =
     "<img src=../../i/down.gif width=16 height=16 alt=\"Reached maximum failure count. Email Notification send and any failure "
     "commands executed.\">";
 
-std::string QueryOf(const std::string& id) {
+std::string FailuresOf(const std::string& id) {
     return "SELECT * FROM failures where idparent=" + id + " order by datefail desc";
 }
 
-std::string RowOf(Recordset& rs) {
+std::string FailureHead() {
+    return TableHead({BoldCell("Level", "width=10%"), BoldCell("Failure Date", "width=15%"),
+                      BoldCell("Server Description", "width=15%"), BoldCell("Fail Count", "width=10%"),
+                      BoldCell("Timeout", "width=10%"), BoldCell("Reason", "width=25%"), BoldCell("Action Taken", "width=25%")});
+}
+
+std::string FailureRow(Recordset& rs) {
     const auto text = [&](const char* column) { return TextOf(rs, column); };
     const double nFailCount = NumberOf(rs, "nFailCount");
     const double nFailMax = NumberOf(rs, "nFailMax");
@@ -43,60 +45,44 @@ std::string RowOf(Recordset& rs) {
     return row.append(kRowEnd);
 }
 
-}  // namespace
-
-void FailureReport::PublishFailureReport(const std::string& id, const std::string& idCustomer, const std::string& strGroup,
-                                         Connection& connection, std::string& strErr) {
-    const auto orAdd = [&](const auto& work) {
-        try {
-            work();
-        } catch (const std::exception& error) {
-            strErr += " PublishFailureReport: " + std::string(error.what());
-        }
-    };
-    orAdd([&] { Publish(id, idCustomer, strGroup, connection); });
-    orAdd([&] { Trim(id, connection); });
-}
-
-void FailureReport::Publish(const std::string& id, const std::string& idCustomer, const std::string& strGroup,
-                            Connection& connection) {
-    const int total = RecordsOf(id, connection)->RecordCount();
+void WriteFailures(const Publication& publication, const std::string& id, const std::string& idCustomer,
+                   const std::string& strGroup) {
+    const int total = publication.Change(FailuresOf(id))->RecordCount();
     const auto table = [&](const TakeText& take) {
-        take(TableHead({"<td width=10% align=center><b>Level</b></td>", "<td width=15% align=center><b>Failure Date</b></td>",
-                        "<td width=15% align=center><b>Server Description</b></td>",
-                        "<td width=10% align=center><b>Fail Count</b></td>", "<td width=10% align=center><b>Timeout</b></td>",
-                        "<td width=25% align=center><b>Reason</b></td>", "<td width=25% align=center><b>Action Taken</b></td>"}));
-        for (int first = 0; first < total; first += kRowsHeld)
-            TakeRows(QueryOf(id) + " limit " + std::to_string(kRowsHeld) + " offset " + std::to_string(first), connection, take);
+        take(FailureHead());
+        for (int first = 0; first < total; first += kRowsHeld) {
+            const auto rs =
+                publication.Read(FailuresOf(id) + " limit " + std::to_string(kRowsHeld) + " offset " + std::to_string(first));
+            std::string rows;
+            for (; !rs->Eof(); rs->MoveNext())
+                rows += FailureRow(*rs);
+            take(rows);
+        }
         take(kTableEnd);
     };
-    const std::string folder = folder_.GroupFolder(idCustomer, strGroup);
-    folder_.CreateFolder(folder);
-    folder_.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate, {"", total, strGroup}, table);
+    const std::string folder = publication.folder.GroupFolder(idCustomer, strGroup);
+    publication.folder.CreateFolder(folder);
+    publication.folder.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate, {"", total, strGroup}, table);
 }
 
-void FailureReport::TakeRows(const std::string& query, Connection& connection, const TakeText& take) {
-    const auto rs = store_.NewRecordset();
-    std::string rows;
-    for (rs->Open(query, connection, CursorType::Static, LockType::BatchOptimistic); !rs->Eof(); rs->MoveNext())
-        rows += RowOf(*rs);
-    take(rows);
+}  // namespace
+
+void PublishFailureReport(const Publication& publication, const std::string& id, const std::string& idCustomer,
+                          const std::string& strGroup) {
+    constexpr const char* kRoutine = " PublishFailureReport: ";
+    publication.OrAdd(kRoutine, [&] { WriteFailures(publication, id, idCustomer, strGroup); });
+    publication.OrAdd(kRoutine, [&] { TrimFailures(publication, id); });
 }
 
-void FailureReport::Trim(const std::string& id, Connection& connection) {
-    const auto rs = RecordsOf(id, connection);
+// The page of this run still shows all of them.
+void TrimFailures(const Publication& publication, const std::string& id) {
+    const auto rs = publication.Change(FailuresOf(id));
     if (rs->RecordCount() <= kTrimAbove) return;
-    WriteBatch batch(connection);
+    WriteBatch batch(publication.connection);
     for (int row = 0; !rs->Eof(); ++row, rs->MoveNext()) {
         if (row >= kKept) rs->Delete();
     }
     batch.Commit();
-}
-
-std::unique_ptr<Recordset> FailureReport::RecordsOf(const std::string& id, Connection& connection) {
-    auto rs = store_.NewRecordset();
-    rs->Open(QueryOf(id), connection, CursorType::Keyset, LockType::Optimistic);
-    return rs;
 }
 
 }  // namespace korvane

@@ -6,7 +6,6 @@
 #include "base/raised_flag.h"
 #include "base/text.h"
 #include "platform/wait_cursor.h"
-#include "reports/columns.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -30,10 +29,6 @@ Reports::Reports(const Ports& ports, std::string dir)
     : ports_(ports),
       dir_(std::move(dir)),
       folder_(ports.files, ports.clock, ports.settings, dir_),
-      graphs_({ports.store, ports.clock, ports.status, folder_}),
-      responseTimes_({ports.store, ports.clock, ports.status, ports.ids, graphs_}),
-      failures_(ports.store, folder_),
-      summary_({ports.store, ports.events, ports.status, folder_, graphs_, responseTimes_, failures_}),
       lastPublish_(ports.clock.Now() - kRecentAtStart) {}
 
 void Reports::PublishReports(bool bQuiet, std::string& strErr) {
@@ -53,6 +48,26 @@ void Reports::PublishReports(bool bQuiet, std::string& strErr) {
     }
 }
 
+bool Publication::OrAdd(const char* routine, const std::function<void()>& work) const {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        strErr += routine + std::string(error.what());
+        return false;
+    }
+}
+
+bool Publication::OrSay(const char* routine, const std::function<void()>& work) const {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        status.setStatusMSG(routine + std::string(error.what()));
+        return false;
+    }
+}
+
 std::unique_ptr<Connection> Reports::Connect() {
     auto connection = ports_.store.NewConnection();
     connection->SetConnectionString(OleDbConnectionText(dir_));
@@ -63,36 +78,26 @@ std::unique_ptr<Connection> Reports::Connect() {
 void Reports::PublishAll(bool bQuiet, std::string& strErr) {
     ports_.status.setStatusMSG("Connecting to Database...");
     const auto connection = Connect();
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open("SELECT distinct idCustomer FROM Servers order by idCustomer", *connection, CursorType::Static,
-             LockType::BatchOptimistic);
+    const Publication publication{ports_, folder_, *connection, bQuiet, lastPublish_, strErr};
+    const auto rs = publication.Read("SELECT distinct idCustomer FROM Servers order by idCustomer");
     ports_.status.setStatusMSG("-->" + std::to_string(rs->RecordCount()) + " distinct customers returned.");
     if (rs->RecordCount() > 1) ports_.person.SetCustomerCount(rs->RecordCount());
     for (; !rs->Eof(); rs->MoveNext()) {
         ports_.events.DoEvents();
         const std::string idCustomer = TextOf(*rs, "idCustomer");
         ports_.status.setStatusMSG("   Reading Server Records " + idCustomer + "...");
-        PublishReportsPerCust(idCustomer, *connection, bQuiet, strErr);
-    }
-}
-
-void Reports::PublishReportsPerCust(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
-    try {
-        PublishGroups(idCustomer, connection, bQuiet, strErr);
-    } catch (const std::exception& error) {
-        strErr += " Err - PublishReportsPerCust: " + std::string(error.what());
+        publication.OrAdd(" Err - PublishReportsPerCust: ", [&] { PublishReportsPerCust(publication, idCustomer); });
     }
 }
 
 std::unique_ptr<Recordset> Reports::GroupsOf(const std::string& idCustomer, Connection& connection) {
-    auto rs = ports_.store.NewRecordset();
-    rs->Open("SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup",
-             connection, CursorType::Static, LockType::BatchOptimistic);
-    return rs;
+    return OpenRows(ports_.store, connection,
+                    "SELECT distinct strGroup, idCustomer FROM Servers where idCustomer = " + idCustomer + " order by strGroup",
+                    CursorType::Static, LockType::BatchOptimistic);
 }
 
-void Reports::PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr) {
-    const auto rs = GroupsOf(idCustomer, connection);
+void Reports::PublishReportsPerCust(const Publication& publication, const std::string& idCustomer) {
+    const auto rs = GroupsOf(idCustomer, publication.connection);
     const int groups = rs->RecordCount();
     ports_.status.setStatusMSG(std::to_string(groups) + " distinct server groups returned.");
     std::string table(kGroupsHead);
@@ -100,14 +105,14 @@ void Reports::PublishGroups(const std::string& idCustomer, Connection& connectio
         ports_.events.DoEvents();
         const std::string strGroup = TextOf(*rs, "strGroup");
         table += GroupRow(strGroup);
-        summary_.PublishSummaryReport(strGroup, connection, strErr, bQuiet, lastPublish_);
+        PublishSummaryReport(publication, strGroup);
     }
     rs->Close();
     table += "</table>";
     const std::string page = folder_.Merge(kGroupTemplate, {table, groups, ""});
     const std::string path = PageOf(idCustomer, "");
     folder_.CreateFolder(folder_.CustomerFolder(idCustomer));
-    if (!bQuiet) {
+    if (!publication.bQuiet) {
         ports_.events.DoEvents();
         ports_.status.setStatusMSG("Publishing Group Report " + path);
     }

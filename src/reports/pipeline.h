@@ -5,34 +5,15 @@
 #include <string>
 
 #include "base/datetime.h"
-#include "platform/clock.h"
 #include "platform/connection.h"
-#include "platform/events.h"
-#include "platform/files.h"
-#include "platform/operator.h"
-#include "reports/failure_report.h"
-#include "reports/graph_report.h"
+#include "reports/pages.h"
 #include "reports/report_folder.h"
-#include "reports/response_times.h"
-#include "reports/summary_report.h"
-#include "store/server_id.h"
-#include "store/settings_collection.h"
-#include "store/status_log.h"
 
 namespace korvane {
 
 class Reports {
 public:
-    struct Ports {
-        Store& store;
-        const Clock& clock;
-        Events& events;
-        Operator& person;
-        Files& files;
-        StatusLog& status;
-        const SettingsCollection& settings;
-        ServerIds& ids;
-    };
+    using Ports = ReportPorts;
 
     /// `dir` is the folder of templates, pictures and database. All referenced objects must outlive this.
     Reports(const Ports& ports, std::string dir);
@@ -51,16 +32,11 @@ private:
     std::unique_ptr<Connection> Connect();
     std::unique_ptr<Recordset> GroupsOf(const std::string& idCustomer, Connection& connection);
     void PublishAll(bool bQuiet, std::string& strErr);
-    void PublishReportsPerCust(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr);
-    void PublishGroups(const std::string& idCustomer, Connection& connection, bool bQuiet, std::string& strErr);
+    void PublishReportsPerCust(const Publication& publication, const std::string& idCustomer);
 
     Ports ports_;
     std::string dir_;
     ReportFolder folder_;
-    GraphReports graphs_;
-    ResponseTimes responseTimes_;
-    FailureReport failures_;
-    SummaryReport summary_;
     DateTime lastPublish_;  ///< the last complete publish
     bool publishing_ = false;
 };

@@ -21,29 +21,17 @@ constexpr std::size_t kPageLevels = 3;
 
 constexpr std::string_view kReportMark = "[[REPORT]]";
 
-}  // namespace
-
-std::string ReadFileText(Files& files, const std::string& path) {
+// Returns an empty text when the file does not exist or cannot be read.
+std::string FileText(Files& files, const std::string& path) {
     std::optional<std::string> text;
     IgnoreErrors([&] { text = files.Read(path); });
     return text.value_or("");
 }
 
-bool WriteFileText(Files& files, const std::string& path, const Pieces& text, std::string& strReason) {
-    try {
-        files.PublishPage(path, [&](const TakeText& take) {
-            text(take);
-            take("\r\n");
-        });
-        return true;
-    } catch (const std::exception& error) {
-        strReason = error.what();
-        return false;
-    }
-}
+}  // namespace
 
 std::string ReportFolder::CustomerFolder(const std::string& idCustomer) const {
-    return settings_.getKvSettingsColVal("ReportPath") + "/R" + idCustomer;
+    return Root() + "/R" + idCustomer;
 }
 
 std::string ReportFolder::GroupFolder(const std::string& idCustomer, const std::string& strGroup) const {
@@ -52,7 +40,7 @@ std::string ReportFolder::GroupFolder(const std::string& idCustomer, const std::
 
 // The names come unchecked from the database and may contain anything.
 bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const {
-    const std::string root = settings_.getKvSettingsColVal("ReportPath") + "/";
+    const std::string root = Root() + "/";
     if (!path.starts_with(root) || path.find('\0') != std::string::npos) return false;
     const std::vector<std::string> names = Split(std::string_view(path).substr(root.size()), '/');
     const bool leadsAway =
@@ -62,22 +50,18 @@ bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const 
 
 // Someone who may write into the report folder must not be able to make this program write elsewhere. The report folder itself
 // may be a link.
-bool ReportFolder::LeadsOut(const std::string& folder, std::string& strReason) {
-    try {
-        std::string root = files_.RealPath(settings_.getKvSettingsColVal("ReportPath"));
-        if (!root.ends_with('/')) root += '/';
-        if (files_.RealPath(folder).starts_with(root)) return false;
-        strReason = "a link leads out of the report folder";
-    } catch (const std::exception& error) {
-        strReason = error.what();
-    }
-    return true;
+void ReportFolder::RequireInside(const std::string& folder) {
+    std::string root = files_.RealPath(Root());
+    if (!root.ends_with('/')) root += '/';
+    if (!files_.RealPath(folder).starts_with(root)) throw Error("a link leads out of the report folder");
 }
 
 void ReportFolder::CreateFolder(const std::string& path) {
-    std::string strReason;
-    if (!IsInPlace(path, kFolderLevels) || LeadsOut(path, strReason)) return;
-    IgnoreErrors([&] { files_.CreateFolder(path); });
+    if (!IsInPlace(path, kFolderLevels)) return;
+    IgnoreErrors([&] {
+        RequireInside(path);
+        files_.CreateFolder(path);
+    });
 }
 
 std::string ReportFolder::Merge(std::string_view templateFile, const PageContents& contents) {
@@ -96,7 +80,7 @@ void ReportFolder::MergeInPieces(std::string_view templateFile, const PageConten
     const TakeText fillIn = [&](std::string_view piece) {
         take(ReplaceAll(ReplaceAll(ReplaceAll(piece, "[[TOTAL]]", total), "[[DATE]]", date), "[[GROUP]]", contents.group));
     };
-    const std::string page = ReadFileText(files_, dir_ + "/" + std::string(templateFile));
+    const std::string page = FileText(files_, dir_ + "/" + std::string(templateFile));
     std::size_t at = 0;
     for (std::size_t end; (end = page.find(kReportMark, at)) != std::string::npos; at = end + kReportMark.size()) {
         fillIn(std::string_view(page).substr(at, end - at));
@@ -115,10 +99,16 @@ void ReportFolder::WriteLong(const std::string& path, std::string_view templateF
 }
 
 void ReportFolder::WritePieces(const std::string& path, const Pieces& page) {
-    std::string strReason = "it is not below the report folder";
-    const bool written = IsInPlace(path, kPageLevels) && !LeadsOut(path.substr(0, path.rfind('/')), strReason) &&
-                         WriteFileText(files_, path, page, strReason);
-    if (!written) throw Error("The page " + path + " can't be written: " + strReason);
+    try {
+        if (!IsInPlace(path, kPageLevels)) throw Error("it is not below the report folder");
+        RequireInside(path.substr(0, path.rfind('/')));
+        files_.PublishPage(path, [&](const TakeText& take) {
+            page(take);
+            take("\r\n");
+        });
+    } catch (const std::exception& error) {
+        throw Error("The page " + path + " can't be written: " + error.what());
+    }
 }
 
 bool ReportFolder::Exists(const std::string& path) {
@@ -130,11 +120,14 @@ bool ReportFolder::Exists(const std::string& path) {
 // Pictures get the same access rights as pages, so that everyone who may read a page sees them too.
 void ReportFolder::EnsurePictures() {
     const std::string from = dir_ + "/i/";
-    const std::string to = settings_.getKvSettingsColVal("ReportPath") + "/i/";
+    const std::string to = Root() + "/i/";
     if (files_.Exists(to + kPictureMark)) return;
-    std::string strReason;
-    if (LeadsOut(to, strReason)) throw Error("The pictures can't be written: " + strReason);
-    files_.CreateFolder(settings_.getKvSettingsColVal("ReportPath") + "/i");
+    try {
+        RequireInside(to);
+    } catch (const std::exception& error) {
+        throw Error("The pictures can't be written: " + std::string(error.what()));
+    }
+    files_.CreateFolder(Root() + "/i");
     std::vector<std::string> names = files_.FileNames(dir_ + "/i");
     const bool hasMark = std::erase(names, kPictureMark) > 0;
     if (hasMark) names.emplace_back(kPictureMark);  // last: the set is complete once it exists

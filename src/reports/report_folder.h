@@ -16,15 +16,8 @@ constexpr std::string_view kSummaryTemplate = "summaryreporttmp.htm";
 constexpr std::string_view kFailureTemplate = "failurereporttmp.htm";
 constexpr std::string_view kGraphTemplate = "dailyreporttmp.htm";
 
-/// Returns the whole file, or an empty text when it does not exist or cannot be read.
-std::string ReadFileText(Files& files, const std::string& path);
-
 /// Passes on a text piece by piece; can be called again for the same text.
 using Pieces = std::function<void(const TakeText& take)>;
-
-/// Replaces the file in one step with the text and a line end, so that a browser never reads half a page. Returns whether that
-/// succeeded; if not, `strReason` says why.
-bool WriteFileText(Files& files, const std::string& path, const Pieces& text, std::string& strReason);
 
 /// The replacements for [[REPORT]], [[TOTAL]], [[DATE]] and [[GROUP]] in a page.
 struct PageContents {
@@ -55,7 +48,8 @@ public:
     /// Empty without the template.
     std::string Merge(std::string_view templateFile, const PageContents& contents);
 
-    /// Throws Error with the path when the page cannot be written, or when a name or a link would lead outside its place below
+    /// Replaces the page in one step by the text and a line end, so that a browser never reads half a page. Throws Error with the
+    /// path when the page cannot be written, or when a name or a link would lead outside its place below
     /// "ReportPath". A page that is a link itself is replaced.
     void Write(const std::string& path, const std::string& page);
 
@@ -73,7 +67,8 @@ private:
     void MergeInPieces(std::string_view templateFile, const PageContents& contents, const Pieces& report, const TakeText& take);
     void WritePieces(const std::string& path, const Pieces& page);
     bool IsInPlace(const std::string& path, std::size_t levels) const;
-    bool LeadsOut(const std::string& folder, std::string& strReason);
+    void RequireInside(const std::string& folder);
+    std::string Root() const { return settings_.getKvSettingsColVal("ReportPath"); }
 
     Files& files_;
     const Clock& clock_;

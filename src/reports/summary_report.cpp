@@ -1,14 +1,11 @@
-#include "reports/summary_report.h"
-
+// The page of a group.
 #include <algorithm>
-#include <exception>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "reports/columns.h"
-#include "reports/format_seconds.h"
-#include "reports/html_table.h"
+#include "reports/page_parts.h"
+#include "reports/pages.h"
 
 namespace korvane {
 namespace {
@@ -81,10 +78,31 @@ bool FailedSince(DateTime lastPublish, Recordset& rs) {
     return !dateLastFail.IsEmpty() && dateLastFail.When() >= lastPublish;
 }
 
-}  // namespace
+std::string GraphLinks(ReportFolder& folder, const std::string& groupFolder, const std::string& id) {
+    const auto link = [&](const char* kind, const char* label, const std::string& before) {
+        const std::string page = kind + id + ".htm";
+        if (!folder.Exists(groupFolder + "/" + page)) return before + "None yet";
+        return before + "<a href=\"" + page + "\">" + std::string(kGraphPicture) + " " + label + "</a>";
+    };
+    return link("hourly", "Hourly", "\r\n") + link("daily", "Daily", "\r\n<br>");
+}
+
+std::string ServerRow(Recordset& rs, ReportFolder& folder, const std::string& groupFolder) {
+    const std::string id = TextOf(rs, "ID");
+    const double nPercentUp = NumberOf(rs, "nPercentUp");
+    std::string row(kRowBegin);
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")));
+    row += Cell(TypeContents(TextOf(rs, "strType"), TextOf(rs, "strPort")));
+    row += Cell("\r\n" + FormatSeconds(TextOf(rs, "nIntervalSeconds")));
+    row += Cell(DescriptionContents(rs));
+    row += Cell(ActivityContents(rs, id, nPercentUp));
+    row += Cell(UpTimeContents(rs, id, nPercentUp));
+    row += Cell(GraphLinks(folder, groupFolder, id));
+    return row.append(kRowEnd);
+}
 
 /// Averages of the servers that are up.
-struct SummaryReport::Averages {
+struct UpAverages {
     int up = 0;
     double response = 0;
     double percentUp = 0;
@@ -98,107 +116,73 @@ struct SummaryReport::Averages {
 
     std::string Row() const {
         if (up == 0) return "";
-        const std::string dash = CentredCell("-");
+        const std::string dash = BoldCell("-");
         return GreyRow({dash, dash, dash, AverageCell(AverageText(response, up)), dash,
                         AverageCell(FormatGrouped(percentUp / up, 2) + "</b>%"), dash});
     }
 };
 
-void SummaryReport::PublishSummaryReport(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet,
-                                         DateTime lastPublish) {
-    try {
-        Publish(strGroup, connection, strErr, bQuiet, lastPublish);
-    } catch (const std::exception& error) {
-        strErr += " PublishSummaryReport: " + std::string(error.what());
-        IgnoreErrors([&] { TrimFailures(strGroup, connection, lastPublish); });
-    }
-}
-
-// For a group whose page failed before all of its servers were handled.
-void SummaryReport::TrimFailures(const std::string& strGroup, Connection& connection, DateTime lastPublish) {
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open("SELECT * FROM Servers where strGroup = '" + ReplaceAll(strGroup, "'", "''") + "'", connection, CursorType::Static,
-             LockType::BatchOptimistic);
-    for (; !rs->Eof(); rs->MoveNext()) {
-        if (FailedSince(lastPublish, *rs)) ports_.failures.Trim(TextOf(*rs, "ID"), connection);
-    }
-}
-
-void SummaryReport::Publish(const std::string& strGroup, Connection& connection, std::string& strErr, bool bQuiet,
-                            DateTime lastPublish) {
-    ports_.status.setStatusMSG("Summary Report: Getting " + strGroup + " Records...");
-    const std::string query =
-        "SELECT * FROM Servers where strGroup = '" + strGroup + "' order by strCurStatus, nAveResponse desc";
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);
-    const int total = rs->RecordCount();
-    ports_.status.setStatusMSG("     " + std::to_string(total) + " " + strGroup + " records found.");
-    const std::string idCustomer = TextOf(*rs, "idCustomer");
-    ports_.folder.EnterGroup(strGroup);
-    const std::string groupFolder = ports_.folder.GroupFolder(idCustomer, strGroup);
-    ports_.folder.CreateFolder(groupFolder);  // the pages of its servers are written first
-
-    std::string table = TableHead({"<td  align=center><b>Status</b></td>", "<td  align=center><b>Type</b></td>",
-                                   "<td  align=center><b>Interval</b></td>", "<td  align=center><b>Server Description</b></td>",
-                                   "<td  align=center><b>Recent Activity</b></td>", "<td  align=center><b>Up-Time</b></td>",
-                                   "<td  align=center><b>Graphs</b></td>"});
-    const std::vector<bool> saved = SaveAverages(query, connection);
-    Averages averages;
-    for (std::size_t row = 0; !rs->Eof(); ++row, rs->MoveNext()) {
-        ports_.events.DoEvents();
-        if (!bQuiet && row < saved.size() && saved[row]) PublishGraphs(connection, *rs);
-        table += RowOf(*rs, groupFolder);
-        averages.Add(*rs);
-        if (!FailedSince(lastPublish, *rs)) continue;
-        ports_.status.setStatusMSG("Recent failure recorded for " + TextOf(*rs, "strAddress_IP") +
-                                   ". Updating Failure Report...");
-        ports_.failures.PublishFailureReport(TextOf(*rs, "ID"), idCustomer, strGroup, connection, strErr);
-    }
-    table += averages.Row();
-    table += kTableEnd;
-    ports_.folder.Write(groupFolder + "/summary.htm", ports_.folder.Merge(kSummaryTemplate, {table, total, strGroup}));
-    ports_.folder.EnsurePictures();
-}
-
 // Runs before the rows are written, so that it waits for the disk a few times instead of hundreds of times. Nothing else runs
 // between the two queries, so their rows are the same.
-std::vector<bool> SummaryReport::SaveAverages(const std::string& query, Connection& connection) {
-    const auto servers = ports_.store.NewRecordset();
-    servers->Open(query, connection, CursorType::Static, LockType::BatchOptimistic);
+std::vector<bool> SaveAverages(const Publication& publication, const std::string& query) {
+    const auto servers = publication.Read(query);
     std::vector<bool> saved;
     while (!servers->Eof()) {
-        if (!saved.empty()) ports_.events.DoEvents();
-        ports_.responseTimes.SaveSome(connection, *servers, saved);
+        if (!saved.empty()) publication.events.DoEvents();
+        SaveSomeResponseTimes(publication, *servers, saved);
     }
     return saved;
 }
 
-void SummaryReport::PublishGraphs(Connection& connection, Recordset& server) {
-    ports_.graphs.PublishHourlyResponseTimeReport(connection, server);
-    ports_.graphs.PublishDailyResponseTimeReport(connection, server);
+void WriteSummary(const Publication& publication, const std::string& strGroup) {
+    StatusLog& status = publication.status;
+    ReportFolder& folder = publication.folder;
+    status.setStatusMSG("Summary Report: Getting " + strGroup + " Records...");
+    const std::string query =
+        "SELECT * FROM Servers where strGroup = '" + strGroup + "' order by strCurStatus, nAveResponse desc";
+    const auto rs = publication.Read(query);
+    const int total = rs->RecordCount();
+    status.setStatusMSG("     " + std::to_string(total) + " " + strGroup + " records found.");
+    const std::string idCustomer = TextOf(*rs, "idCustomer");
+    folder.EnterGroup(strGroup);
+    const std::string groupFolder = folder.GroupFolder(idCustomer, strGroup);
+    folder.CreateFolder(groupFolder);  // the pages of its servers are written first
+
+    std::string table = TableHead({BoldCell("Status"), BoldCell("Type"), BoldCell("Interval"), BoldCell("Server Description"),
+                                   BoldCell("Recent Activity"), BoldCell("Up-Time"), BoldCell("Graphs")});
+    const std::vector<bool> saved = SaveAverages(publication, query);
+    UpAverages averages;
+    for (std::size_t row = 0; !rs->Eof(); ++row, rs->MoveNext()) {
+        publication.events.DoEvents();
+        if (!publication.bQuiet && row < saved.size() && saved[row]) {
+            PublishHourlyResponseTimeReport(publication, *rs);
+            PublishDailyResponseTimeReport(publication, *rs);
+        }
+        table += ServerRow(*rs, folder, groupFolder);
+        averages.Add(*rs);
+        if (!FailedSince(publication.lastPublish, *rs)) continue;
+        status.setStatusMSG("Recent failure recorded for " + TextOf(*rs, "strAddress_IP") + ". Updating Failure Report...");
+        PublishFailureReport(publication, TextOf(*rs, "ID"), idCustomer, strGroup);
+    }
+    table += averages.Row();
+    table += kTableEnd;
+    folder.Write(groupFolder + "/summary.htm", folder.Merge(kSummaryTemplate, {table, total, strGroup}));
+    folder.EnsurePictures();
 }
 
-std::string SummaryReport::RowOf(Recordset& rs, const std::string& groupFolder) {
-    const std::string id = TextOf(rs, "ID");
-    const double nPercentUp = NumberOf(rs, "nPercentUp");
-    std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")));
-    row += Cell(TypeContents(TextOf(rs, "strType"), TextOf(rs, "strPort")));
-    row += Cell("\r\n" + FormatSeconds(TextOf(rs, "nIntervalSeconds")));
-    row += Cell(DescriptionContents(rs));
-    row += Cell(ActivityContents(rs, id, nPercentUp));
-    row += Cell(UpTimeContents(rs, id, nPercentUp));
-    row += Cell(GraphLinks(groupFolder, id));
-    return row.append(kRowEnd);
+// For a group whose page failed before all of its servers were handled.
+void TrimFailuresOf(const Publication& publication, const std::string& strGroup) {
+    const auto rs = publication.Read("SELECT * FROM Servers where strGroup = '" + ReplaceAll(strGroup, "'", "''") + "'");
+    for (; !rs->Eof(); rs->MoveNext()) {
+        if (FailedSince(publication.lastPublish, *rs)) TrimFailures(publication, TextOf(*rs, "ID"));
+    }
 }
 
-std::string SummaryReport::GraphLinks(const std::string& groupFolder, const std::string& id) {
-    const auto link = [&](const char* kind, const char* label, const std::string& before) {
-        const std::string page = kind + id + ".htm";
-        if (!ports_.folder.Exists(groupFolder + "/" + page)) return before + "None yet";
-        return before + "<a href=\"" + page + "\">" + std::string(kGraphPicture) + " " + label + "</a>";
-    };
-    return link("hourly", "Hourly", "\r\n") + link("daily", "Daily", "\r\n<br>");
+}  // namespace
+
+void PublishSummaryReport(const Publication& publication, const std::string& strGroup) {
+    if (publication.OrAdd(" PublishSummaryReport: ", [&] { WriteSummary(publication, strGroup); })) return;
+    IgnoreErrors([&] { TrimFailuresOf(publication, strGroup); });
 }
 
 }  // namespace korvane

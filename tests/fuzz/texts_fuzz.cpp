@@ -8,8 +8,8 @@
 #include "base/text.h"
 #include "base/value.h"
 #include "fuzz/fuzz.h"
-#include "notify/base64.h"
-#include "notify/recipients.h"
+#include "notify/encodings.h"
+#include "notify/mail_message.h"
 #include "notify/smtp_reply.h"
 
 namespace korvane {
@@ -94,10 +94,9 @@ void AsReply(std::string_view input) {
     if (kind == ReplyKind::Pop) Require(code == 0, "a POP reply has no number");
     for (std::size_t arrived = 0; arrived <= input.size(); arrived += arrived < 80 ? 1 : input.size()) {
         const std::string_view part = input.substr(0, arrived);
-        const WholeReply reply = FindReply(part);
-        Require(part.find("\r\n", reply.length) == std::string_view::npos, "a reply takes all whole lines");
-        Require(part.substr(0, reply.length) == (reply.length == 0 ? "" : reply.text + "\r\n"),
-                "a reply is its text and a line end");
+        const std::size_t length = ReplyLength(part);
+        Require(part.find("\r\n", length) == std::string_view::npos, "a reply takes all whole lines");
+        Require(length == 0 || part.substr(0, length).ends_with("\r\n"), "a reply is whole lines");
     }
     // A reply may come in two pieces, each of whole lines.
     const std::string first(input.substr(0, input.size() / 2)), second(input.substr(input.size() / 2));

@@ -6,10 +6,8 @@
 
 #include "fuzz/fuzz.h"
 #include "fuzz/mail_world.h"
-#include "notify/base64.h"
+#include "notify/encodings.h"
 #include "notify/global_email.h"
-#include "notify/md5.h"
-#include "notify/recipients.h"
 #include "support/temporary_folder.h"
 #include "support/world.h"
 
@@ -35,15 +33,6 @@ std::string Each(const std::string& input, OfOne ofOne) {
     for (std::string& text : texts)
         text = ofOne(text);
     return Joined(texts);
-}
-
-/// Of a key and a text; "aa*3" is three bytes of 0xAA.
-std::string HmacOf(const std::string& input) {
-    Texts fields = Fields(input);
-    for (std::string& field : fields) {
-        if (Holds(field, "*")) field = std::string(std::stoul(field.substr(3)), static_cast<char>(std::stoi(field, nullptr, 16)));
-    }
-    return HmacMd5Hex(fields[0], fields[1]);
 }
 
 std::string OfEveryLength(const std::string& kind) {
@@ -210,7 +199,6 @@ std::string TestMail(const std::string& input) {
 
 std::string OutcomeOf(const std::string& kind, const std::string& input) {
     if (kind == "md5") return Each(input, [](const std::string& text) { return HexOf(Md5(text)); });
-    if (kind == "hmac") return Each(input, HmacOf);
     if (kind == "lengths") return Each(input, OfEveryLength);
     if (kind == "base64") return Each(input, Base64Encode);
     if (kind == "decode") return Each(input, Base64Decode);

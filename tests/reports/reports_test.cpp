@@ -5,7 +5,7 @@
 #include <set>
 
 #include "base/numbers.h"
-#include "reports/format_seconds.h"
+#include "reports/page_parts.h"
 #include "support/world.h"
 
 namespace korvane {
@@ -50,11 +50,6 @@ protected:
         Add("Response", "id=" + std::to_string(id) + "|idParent=" + idParent + "|txtType=" + txtType +
                             "|dtCur=" + dtCur.Stored() + "|nAveResponse=" + FormatGeneral(nAveResponse));
     }
-    void AddFailure(int id, int idParent, int nFailCount, DateTime dateFail, const std::string& columns = "") {
-        Add("Failures", "ID=" + std::to_string(id) + "|IDParent=" + std::to_string(idParent) +
-                            "|nFailCount=" + std::to_string(nFailCount) + "|dateFail=" + dateFail.Stored() +
-                            "|nFailMax=3|nTimeout=15|strPort=4000|strDesc=d|strAddress_IP=10.0.0.3" + columns);
-    }
     /// As the cycle does it, and as an operator does who looks at the reports. What went wrong.
     std::string Publish() { return world.run.TheDesk().publisher.PublishReports(); }
     void PublishQuietly() { world.run.TheDesk().reports.PublishReports(true); }
@@ -89,32 +84,11 @@ TEST(FormatSeconds, WritesEachRangeInItsUnit) {
         EXPECT_EQ(each.substr(0, each.find('=') + 1) + FormatSeconds(each.substr(0, each.find('='))), each);
 }
 
-// In the files a row has one line: "¶" stands for the line ends within it.
+// rows.txt has the rows of the store: a table, and columns as Add takes them. In the pages a row has one line: "¶" stands for the line
+// ends within it.
 TEST_F(ReportsTest, GoldenPages) {
-    AddServer(101, "|strCurStatus=UP|nAveResponse=1000|nIntervalSeconds=300");
-    AddServer(102,
-              "|strDesc=gate|strAddress_IP=10.0.0.2|strType=PING|strPort=ICMP|nTimeout=2000|strCurStatus=up|nAveResponse=1500500|"
-              "nIntervalSeconds=5|nPercentUp=99.456|nSuccess=1234|nFail=5|nAveSession=250|datelastcheck=2026-11-21 15:03:00|"
-              "datelastfail=2026-11-20 00:00:00|datelastreset=2026-01-01 00:00:00");
-    AddServer(
-        103,
-        "|strDesc=<i>x</i> [[REPORT]] [[TOTAL]] [[DATE]] [[GROUP]] [[group]]|strType=OTHER PORT|strPort=4000|strCurStatus=DOWN|"
-        "nPercentUp=0|nFail=7|datelastcheck=2026-11-21 15:04:00|datelastfail=2026-11-21 15:04:00|"
-        "datelastreset=2026-01-02 09:05:00");
-    AddServer(104,
-              "|strDesc=|strAddress_IP=|nTimeout=|strCurStatus=Down-Time|nAveResponse=|nAveSession=|nIntervalSeconds=7200|"
-              "nPercentUp=-1|nSuccess=|nFail=");
-    AddServer(105, "|strType=ping|strPort=ICMP|strCurStatus=Failing|nAveResponse=12.4|nIntervalSeconds=90|nPercentUp=50|nFail=1");
-    AddServer(106, "|strCurStatus=Inactive|nIntervalSeconds=");
-    AddServer(107, "|strCurStatus=odd|nIntervalSeconds=1");
-    AddServer(108, "|strGroup=Other");
-    AddFailure(1, 103, 2, DateTime::Of(2026, 11, 21));
-    AddFailure(2, 103, 4, now, "|strReason=slow & late|strAction=None.<ul><li>noted</ul>");
-    AddFailure(3, 103, 3, now - hours(1), "|strReason=r|strAction=a");
-    AddResponse(1, "102", "hour", DateTime::Of(2026, 11, 21, 14, 59, 59), 500.75);
-    AddResponse(2, "102", "hour", DateTime::Of(2026, 11, 21, 0, 10), 3.125);
-    AddResponse(3, "102", "day", DateTime::Of(2026, 11, 19, 23, 50), 2000);
-    AddResponse(4, "102", "day", DateTime::Of(2026, 10, 18, 23, 50), 9000);
+    for (const std::string& row : Split(TrimAll(ReadAll(KORVANE_SOURCE_DIR "/tests/reports/golden/rows.txt")), '\n'))
+        Add(row.substr(0, row.find(' ')), row.substr(row.find(' ') + 1));
     EXPECT_EQ(Publish(), "");
     for (const std::string page :
          {"groups.htm", "Web/summary.htm", "Web/failure103.htm", "Web/hourly102.htm", "Web/daily102.htm"}) {
@@ -243,7 +217,8 @@ TEST_F(ReportsTest, AHistoryOfMoreThanFiftyIsCutToForty) {
     for (int id = 1, row = 0; const auto& [group, failures] : servers) {
         AddServer(id, "|datelastfail=2026-11-21 15:04:05|strGroup=" + std::string(group));
         for (int i = 0; i < failures; ++i)
-            AddFailure(++row, id, i, now - minutes(i));
+            Add("Failures", "nFailMax=3|ID=" + std::to_string(++row) + "|IDParent=" + std::to_string(id) +
+                                "|nFailCount=" + std::to_string(i) + "|dateFail=" + (now - minutes(i)).Stored());
         ++id;
     }
     EXPECT_NE(Publish(), "") << "the pages of the last two groups can't be written";

@@ -1,8 +1,4 @@
-// The title of the messages to the operator.
+// The title of the messages to the operator, kMessageTitle.
 #pragma once
 
-namespace korvane {
-
-constexpr const char* kMessageTitle = "Korvane";
-
-}  // namespace korvane
+#include "platform/operator.h"

@@ -10,7 +10,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "notify/recipients.h"
+#include "notify/mail_message.h"
 #include "shell/desktop/editor/frm_commands.h"
 #include "shell/desktop/editor/frm_text_to_find.h"
 #include "shell/desktop/editor/frm_url_data.h"
@@ -21,7 +21,6 @@
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
 #include "shell/run/message_title.h"
-#include "shell/run/open_text.h"
 #include "store/database_files.h"
 
 namespace korvane {
