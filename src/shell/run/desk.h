@@ -20,6 +20,7 @@
 #include "store/legacy_log.h"
 #include "store/log.h"
 #include "store/maintenance.h"
+#include "store/safeguards.h"
 #include "store/server_entries.h"
 #include "store/server_id.h"
 #include "store/settings.h"
@@ -39,6 +40,7 @@ struct Desk : StorePorts, SystemPorts {
     Settings& settings;
     ServerEntries& entries;
     LegacyLog& legacyLog;
+    Safeguards& safeguards;
     Dispatcher& mail;
     TraceRoute& trace;
     CommandRunner& commands;

@@ -38,6 +38,7 @@ struct RunRooms : RunPorts {
     ServerEntries entries;
     Settings settings;
     LegacyLog legacyLog;
+    Safeguards safeguards;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;

@@ -208,6 +208,7 @@ void ReadSettings(RunRooms& run) {
     run.settings.ReadInGlobalSettings();
     if (const std::string problem = run.settingsFile.Problem(); !problem.empty()) TellProblem(run, problem);
     run.legacyLog.setLogTimer();
+    run.safeguards.TellProblems();
 }
 
 }  // namespace
