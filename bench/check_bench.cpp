@@ -26,9 +26,8 @@
 #include "platform/qt/qt_timer.h"
 #include "store/ini_file.h"
 #include "support/loopback_server.h"
+#include "support/played_machine.h"
 #include "support/recording_operator.h"
-#include "support/recording_service_manager.h"
-#include "support/recording_sound.h"
 #include "support/test_database.h"
 
 namespace korvane {
@@ -40,7 +39,6 @@ class SilentActions : public FailureActions {
 public:
     std::string DoFailureStateStuff(Connection&, Recordset&, const std::string&) override { return "None."; }
     void DoUpAgainStuff(Recordset&) override {}
-    void SendStartupNotice() override {}
 };
 
 /// Checks are what is measured, not pages.

@@ -9,7 +9,7 @@
 #include "platform/linux/systemd_services.h"
 #include "platform/qt/qt_events.h"
 #include "platform/wait.h"
-#include "resources/cpu_usage.h"
+#include "resources/cpu_monitor.h"
 #include "support/qt_application.h"
 #include "support/service_bus.h"
 

@@ -17,7 +17,6 @@ void SimulatedDay(benchmark::State& state) {
         World world({.start = DateTime::Of(2026, 11, 21, 0, 0, 1)});
         world.Start();
         world.person.keepOnlyCounts = true;
-        world.sound.keep = false;
         std::vector<Entry> rows;
         std::int64_t lastId = 0;
         for (int i = 0; i < entries; ++i) {

@@ -1,8 +1,11 @@
-// The result of a checker.
+// The result of a check, and the rules by which the text of an HTTP or HTTPS answer makes it fail: a text of the entry's list that
+// means failure, then the one text that must be there.
 #pragma once
 
 #include <chrono>
 #include <string>
+
+#include "platform/connection.h"
 
 namespace korvane {
 
@@ -14,5 +17,15 @@ struct CheckResult {
 struct TimedCheckResult : CheckResult {
     std::chrono::milliseconds nResponseMs{0};
 };
+
+struct UrlFailure {
+    bool bFailed = false;
+    std::string strFailText;
+    std::string strFailCommand;
+};
+
+/// Searches the answer for the texts of `ResponseFailText`, case-sensitively; the first row that matches decides. An empty fail
+/// text matches every answer that is not empty. Store errors are passed to the caller.
+UrlFailure IsURLFailure(Store& store, Connection& conn, const std::string& strResponse, const std::string& strID);
 
 }  // namespace korvane

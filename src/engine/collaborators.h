@@ -18,9 +18,6 @@ public:
 
     /// Called when the entry answered again after it was DOWN.
     virtual void DoUpAgainStuff(Recordset& rs) = 0;
-
-    /// Notifies the operator that the program has started, if the settings ask for it.
-    virtual void SendStartupNotice() = 0;
 };
 
 /// The static pages.

@@ -1,8 +1,10 @@
-// The state that the cycle keeps from tick to tick, and that its steps share.
+// The state that the cycle keeps from tick to tick, and that its steps share; and the timers that start and stop monitoring.
 #pragma once
 
 #include <cstdint>
 #include <string>
+
+#include "platform/timer.h"
 
 namespace korvane {
 
@@ -17,6 +19,13 @@ struct CycleState {
     bool bReportsOK = false;          ///< whether reports may be published
     std::string strReportsProblem;    ///< why reports may not be published
     std::string strLastStep;          ///< the step in progress, for the error message of the tick
+};
+
+/// The run owns them; the engine enables and disables them.
+struct CycleTimers {
+    Timer& Timer2;          ///< the wait before monitoring begins
+    Timer& TimerMonitorDB;  ///< the cycle
+    Timer& TimerLog;        ///< the count of legacy log files
 };
 
 }  // namespace korvane

@@ -1,8 +1,9 @@
 #include "engine/failure_actions.h"
 
 #include <exception>
+#include <future>
+#include <initializer_list>
 
-#include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
 #include "engine/server_table.h"
@@ -17,46 +18,12 @@ constexpr seconds kDueSoon{360};
 
 constexpr int kUnused = 0;
 
-// The texts of the mails and of the list in the `Failures` row, including mistakes and double spaces: people filter their mail by
-// them.
-constexpr const char* kLine = "\r\n";
-constexpr const char* kParagraph = "\r\n\r\n";
-
-constexpr const char* kNoAction = "None.";
-constexpr const char* kCommandFollows = "The following command will be executed:";
-constexpr const char* kNoCommand = "No commands will be executed (none are configured).";
-constexpr const char* kNoCommandItem = "<ul><li>No commands are configured to be executed.";
-
-struct RebootWords {
-    const char* inMail;
-    const char* item;
-};
-constexpr RebootWords kRebootAny = {
-    "Korvane will shutdown and restart the computer Korvane is running on.  Set to reboot if ANY server fails.",
-    "<li>Korvane shut down and restarted the computer it was running on.  Set to reboot if ANY server fails."};
-constexpr RebootWords kRebootAll = {
-    "Korvane will shutdown and restart the computer Korvane is running on. ALL SERVERS ARE FAILING.",
-    "<li>Korvane shut down and restarted the computer it was running on.  ALL SERVERS ARE FAILING."};
-
-constexpr const char* kMailFailed = "Server DOWN Email Notification <font color=red>FAILED</font>  because '";
-constexpr const char* kMailSent = "Server DOWN Email Notification successfully sent to: '";
-constexpr const char* kUpNoticeWanted =
-    "<li>Server configured so a Server UP Notification <b>will</b> be sent with tracert information when the server comes back "
-    "up. ";
-constexpr const char* kUpNoticeNotWanted = "<li>Server configured so a Server UP Notification <b>WILL NOT</b> be sent.";
-
-constexpr const char* kReachedAgain = " can be reached again! Previously, an email was sent notifying failure.";
-
-constexpr const char* kStartupSubject = "Korvane Just Started. This server is up.";
-constexpr const char* kStartupGreeting =
-    "Korvane Just Started.  You have the global setting turned on to reboot the computer upon Server failure.  "
-    "(Checkbox on the Settings Menu). ";
-constexpr const char* kStartupRebootAny = "A reboot will occur if ANY of the servers fail x times in a row.";
-constexpr const char* kStartupRebootAll = "A reboot will occur only when ALL of the servers are in a failing state. ";
-constexpr const char* kStartupReason =
-    "This message is sent to you to notify you that Korvane just started (and most likely it's because the server just came back "
-    "up). The only way to turn off this startup email notification is if you turn off the setting to automatically restart the "
-    "server upon Server failure (Checkbox on the Settings Menu).";
+std::string Lines(std::initializer_list<std::string> lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += (&line == lines.begin() ? "" : "\r\n") + line;
+    return text;
+}
 
 std::string UrlOf(const std::string& strType, const std::string& strAddress_IP) {
     const CheckKind kind = CheckKindOf(strType);
@@ -67,14 +34,10 @@ bool IsBlank(const std::string& text) {
     return Trim(text).empty();
 }
 
-std::string TextOf(Recordset& rs, const char* column) {
-    return rs.Fields(column).Value().Text();
-}
-
 // The up notice continues with what can be read.
-std::string TextOrBlank(Recordset& rs, const char* column) {
+std::string TextOrEmpty(Recordset& rs, const char* column) {
     std::string text;
-    IgnoreErrors([&] { text = TextOf(rs, column); });
+    IgnoreErrors([&] { text = ColumnText(rs, column); });
     return text;
 }
 
@@ -84,76 +47,51 @@ bool IsSet(Recordset& rs, const char* column, bool otherwise) {
     return set;
 }
 
-/// A column that is read now and used in a later step. If it could not be read, the error is raised in that step.
-class ReadAhead {
-public:
-    ReadAhead(Recordset& rs, const char* column) {
-        try {
-            value_ = rs.Fields(column).Value();
-        } catch (const std::exception&) {
-            error_ = std::current_exception();
-        }
-    }
-    const Value& Get() const {
-        if (error_) std::rethrow_exception(error_);
-        return value_;
-    }
-
-private:
-    Value value_;
-    std::exception_ptr error_;
-};
+// Reads a column now that is used in a later step. If it could not be read, the error is raised in that step.
+std::future<Value> ReadAhead(Recordset& rs, const char* column) {
+    std::packaged_task<Value()> read([&] { return rs.Fields(column).Value(); });
+    read();
+    return read.get_future();
+}
 
 }  // namespace
 
 /// The row as it is before the mail: while the mail is sent, an editor may change or remove the row.
 struct ServerActions::FailedEntry {
-    explicit FailedEntry(Recordset& rs)
-        : strAddress_IP(TextOf(rs, "strAddress_IP")),
-          strURL(UrlOf(TextOf(rs, "strType"), strAddress_IP)),
-          strDesc(TextOf(rs, "strDesc")),
-          strEmailBody(TextOf(rs, "strEmailBody")),
-          strEmailText(TextOf(rs, "strEmailText")),
-          strEmailList1(TextOf(rs, "strEmailList1")),
-          strEmailList2(TextOf(rs, "strEmailList2")),
-          strEmailFrom(TextOf(rs, "strEmailFrom")),
-          strCMD(TextOf(rs, "strCMD")),
-          nTries(TriesOf(rs).Text()),
-          bNotSendBody(rs.Fields("bNotSendBody").Value().Bool()),
-          bSendUpNotify(rs, "bSendUpNotify"),
-          ID(rs, "ID") {}
-
-    std::string strAddress_IP;
-    std::string strURL;
-    std::string strDesc;
-    std::string strEmailBody;
-    std::string strEmailText;
-    std::string strEmailList1;
-    std::string strEmailList2;
-    std::string strEmailFrom;
-    std::string strCMD;
-    std::string nTries;
-    bool bNotSendBody;
-    ReadAhead bSendUpNotify;
-    ReadAhead ID;
+    Recordset& rs;
+    std::string strAddress_IP = ColumnText(rs, "strAddress_IP");
+    std::string strURL = UrlOf(ColumnText(rs, "strType"), strAddress_IP);
+    std::string strDesc = ColumnText(rs, "strDesc");
+    std::string strEmailBody = ColumnText(rs, "strEmailBody");
+    std::string strEmailText = ColumnText(rs, "strEmailText");
+    std::string strEmailList1 = ColumnText(rs, "strEmailList1");
+    std::string strEmailList2 = ColumnText(rs, "strEmailList2");
+    std::string strEmailFrom = ColumnText(rs, "strEmailFrom");
+    std::string strCMD = ColumnText(rs, "strCMD");
+    std::string nTries = TriesOf(rs).Text();
+    bool bNotSendBody = rs.Fields("bNotSendBody").Value().Bool();
+    std::future<Value> bSendUpNotify = ReadAhead(rs, "bSendUpNotify");
+    std::future<Value> ID = ReadAhead(rs, "ID");
 };
 
+// The texts of the mails and of the list in the `Failures` row include mistakes and double spaces: people filter their mail by
+// them.
+
 std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) {
-    std::string strAction = kNoAction;
+    std::string strAction = "None.";
     try {
-        const FailedEntry entry(rs);
-        std::string body = entry.strEmailBody + kLine + "Time: " + ports_.clock.Now().Text() + kParagraph + "The Server " +
-                           entry.strURL + " could not be reached " + kLine + entry.nTries + " times in a row.  " + kLine +
-                           "Reason: " + strReason;
-        const bool hasCommand = !IsBlank(entry.strCMD);
-        body += kParagraph + (hasCommand ? std::string(kCommandFollows) + kLine + entry.strCMD : kNoCommand);
-        strAction += hasCommand ? "<ul><li>" + entry.strCMD + " was executed. " : kNoCommandItem;
-        AddRebootWords(conn, body, strAction);
-        body += kParagraph + entry.strEmailText;
-        MailFailure(entry, entry.bNotSendBody ? "" : body, strAction);
-        strAction += entry.bSendUpNotify.Get().Bool() ? kUpNoticeWanted : kUpNoticeNotWanted;
+        FailedEntry entry{rs};
+        strAction += IsBlank(entry.strCMD) ? "<ul><li>No commands are configured to be executed."
+                                           : "<ul><li>" + entry.strCMD + " was executed. ";
+        const RebootWords reboot = WordsOfReboot(conn);
+        strAction += reboot.item;
+        strAction += "\r\n<li>" + MailFailure(entry, entry.bNotSendBody ? "" : FailureMail(entry, strReason, reboot.inMail));
+        strAction += entry.bSendUpNotify.get().Bool()
+                         ? "<li>Server configured so a Server UP Notification <b>will</b> be sent with tracert information when "
+                           "the server comes back up. "
+                         : "<li>Server configured so a Server UP Notification <b>WILL NOT</b> be sent.";
         strAction += "</ul>";
-        ports_.trace.RunTraceRoute(entry.strAddress_IP, entry.ID.Get().Int64());
+        ports_.trace.RunTraceRoute(entry.strAddress_IP, entry.ID.get().Int64());
         RunCommandOf(entry.strCMD);
     } catch (const std::exception& error) {
         ports_.status.setStatusMSG("DoFailureStateStuff: Error: " + std::string(error.what()));
@@ -162,17 +100,36 @@ std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, 
     return strAction;
 }
 
-// Adds only text: the machine restarts only if the entry's command does it.
-void ServerActions::AddRebootWords(Connection& conn, std::string& body, std::string& strAction) {
-    if (!ports_.settings.IsTrue("Reboot")) return;
-    const bool any = ports_.settings.IsTrue("RebootAny");
-    if (!any && !AreAllServersFailing(conn)) return;
-    const RebootWords& words = any ? kRebootAny : kRebootAll;
-    body += kParagraph + std::string(words.inMail);
-    strAction += words.item;
+std::string ServerActions::FailureMail(const FailedEntry& entry, const std::string& strReason, const std::string& reboot) const {
+    return Lines({
+        entry.strEmailBody,
+        "Time: " + ports_.clock.Now().Text(),
+        "",
+        "The Server " + entry.strURL + " could not be reached ",
+        entry.nTries + " times in a row.  ",
+        "Reason: " + strReason,
+        "",
+        IsBlank(entry.strCMD) ? "No commands will be executed (none are configured)."
+                              : "The following command will be executed:\r\n" + entry.strCMD,
+        "",
+        (reboot.empty() ? "" : reboot + "\r\n\r\n") + entry.strEmailText,
+    });
 }
 
-void ServerActions::MailFailure(const FailedEntry& entry, const std::string& body, std::string& strAction) {
+// Only words: the machine restarts only if the entry's command does it.
+ServerActions::RebootWords ServerActions::WordsOfReboot(Connection& conn) {
+    if (!ports_.settings.IsTrue("Reboot")) return {};
+    if (ports_.settings.IsTrue("RebootAny")) {
+        return {"Korvane will shutdown and restart the computer Korvane is running on.  Set to reboot if ANY server fails.",
+                "<li>Korvane shut down and restarted the computer it was running on.  Set to reboot if ANY server fails."};
+    }
+    if (!AreAllServersFailing(conn)) return {};
+    return {"Korvane will shutdown and restart the computer Korvane is running on. ALL SERVERS ARE FAILING.",
+            "<li>Korvane shut down and restarted the computer it was running on.  ALL SERVERS ARE FAILING."};
+}
+
+// Returns what was done, for the operator.
+std::string ServerActions::MailFailure(const FailedEntry& entry, const std::string& body) {
     const std::string kRoutine = "frmMonitor:DoFailureStateStuff: ";
     const std::string subject = entry.strDesc.empty() ? entry.strEmailText : entry.strEmailText + " (" + entry.strDesc + ")";
     const SendOutcome outcome = ports_.mail.SendWithBackup(
@@ -180,10 +137,12 @@ void ServerActions::MailFailure(const FailedEntry& entry, const std::string& bod
             LogError(kRoutine + "primary Email to " + entry.strEmailList1 + " failed. " + strError + " using " +
                      ports_.settings.getKvSettingsColVal("Server"));
         });
-    const std::string told =
-        outcome.sent ? kMailSent + entry.strEmailList1 + " " + entry.strEmailList2 + "'." : kMailFailed + outcome.strError + "'.";
-    strAction += kLine + ("<li>" + told);
-    outcome.sent ? ports_.log.Info(kRoutine + told) : LogError(kRoutine + told);
+    const std::string done =
+        outcome.sent
+            ? "Server DOWN Email Notification successfully sent to: '" + entry.strEmailList1 + " " + entry.strEmailList2 + "'."
+            : "Server DOWN Email Notification <font color=red>FAILED</font>  because '" + outcome.strError + "'.";
+    outcome.sent ? ports_.log.Info(kRoutine + done) : LogError(kRoutine + done);
+    return done;
 }
 
 void ServerActions::RunCommandOf(const std::string& strCommand) {
@@ -198,30 +157,36 @@ bool ServerActions::AreAllServersFailing(Connection& conn) {
     rs->Open(query::MonitoredAndDueBy(when), conn, CursorType::Static, LockType::Optimistic);
     bool bAll = !rs->Eof();
     for (; bAll && !rs->Eof(); rs->MoveNext())
-        bAll = TextOf(*rs, "strCurStatus") != status::kUp;
+        bAll = ColumnText(*rs, "strCurStatus") != status::kUp;
     return bAll;
 }
 
 void ServerActions::DoUpAgainStuff(Recordset& rs) {
-    const std::string strDesc = TextOrBlank(rs, "strDesc");
-    const std::string strCMDUP = TextOrBlank(rs, "strCMDUP");
-    const std::string strTitle = UrlOf(TextOrBlank(rs, "strType"), TextOrBlank(rs, "strAddress_IP")) + " (" + strDesc + ")";
-    const std::string now = ports_.clock.Now().Text();
-    std::string body = "Time: " + now + kParagraph + "The Server " + strTitle + kReachedAgain;
-    if (!IsBlank(strCMDUP)) body += kParagraph + ("Running Server Up command '" + strCMDUP + "'");
-    if (IsSet(rs, "bNotSendBody", false)) {
-        body = "UP " + now;
-    } else {
-        IgnoreErrors([&] { body += ports_.trace.GetTraceRouteText(rs.Fields("ID").Value().Int64()); });
-    }
-    const std::string subject = "SERVER BACK UP (" + TextOrBlank(rs, "strEmailText") + ") " + strDesc;
+    const std::string strDesc = TextOrEmpty(rs, "strDesc");
+    const std::string strCMDUP = TextOrEmpty(rs, "strCMDUP");
+    const std::string body = UpMail(rs, strDesc, strCMDUP);
+    const std::string subject = "SERVER BACK UP (" + TextOrEmpty(rs, "strEmailText") + ") " + strDesc;
     if (IsSet(rs, "bSendUpNotify", true)) {  // an unneeded mail is better than a missing one
         const SendOutcome outcome = ports_.mail.SendWithBackup(
-            {TextOrBlank(rs, "strEmailList1"), TextOrBlank(rs, "strEmailList2"), TextOrBlank(rs, "strEmailFrom"), subject, body});
+            {TextOrEmpty(rs, "strEmailList1"), TextOrEmpty(rs, "strEmailList2"), TextOrEmpty(rs, "strEmailFrom"), subject, body});
         if (!outcome.sent)
             LogError("frmMonitor:DoUpAgainStuff: Server UP Email Notification FAILED because '" + outcome.strError + "'.");
     }
     RunCommandOf(strCMDUP);
+}
+
+std::string ServerActions::UpMail(Recordset& rs, const std::string& strDesc, const std::string& strCMDUP) {
+    const std::string url = UrlOf(TextOrEmpty(rs, "strType"), TextOrEmpty(rs, "strAddress_IP"));
+    const std::string now = ports_.clock.Now().Text();
+    if (IsSet(rs, "bNotSendBody", false)) return "UP " + now;
+    std::string trace;
+    IgnoreErrors([&] { trace = ports_.trace.GetTraceRouteText(rs.Fields("ID").Value().Int64()); });
+    return Lines({
+        "Time: " + now,
+        "",
+        "The Server " + url + " (" + strDesc + ") can be reached again! Previously, an email was sent notifying failure." +
+            (IsBlank(strCMDUP) ? "" : "\r\n\r\nRunning Server Up command '" + strCMDUP + "'") + trace,
+    });
 }
 
 void ServerActions::SendStartupNotice() {
@@ -230,15 +195,29 @@ void ServerActions::SendStartupNotice() {
         if (ports_.entries.Entries().empty())
             return LogError(kRoutine + "There is no entry in memory whose people could be told.");
         const ServerEntry& first = ports_.entries.Entries().front();
-        const std::string body = "Time: " + ports_.clock.Now().Text() + kParagraph + kStartupGreeting + kParagraph +
-                                 (ports_.settings.IsTrue("RebootAny") ? kStartupRebootAny : kStartupRebootAll) + kParagraph +
-                                 kStartupReason;
-        const SendOutcome outcome = ports_.mail.SendThrough(
-            MailServer::Primary, {first.strEmailList1, first.strEmailList2, first.strEmailFrom, kStartupSubject, body});
+        const SendOutcome outcome =
+            ports_.mail.SendThrough(MailServer::Primary, {first.strEmailList1, first.strEmailList2, first.strEmailFrom,
+                                                          "Korvane Just Started. This server is up.", StartupMail()});
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {
         LogError(kRoutine + error.what());
     }
+}
+
+std::string ServerActions::StartupMail() const {
+    return Lines({
+        "Time: " + ports_.clock.Now().Text(),
+        "",
+        "Korvane Just Started.  You have the global setting turned on to reboot the computer upon Server failure.  (Checkbox on "
+        "the Settings Menu). ",
+        "",
+        ports_.settings.IsTrue("RebootAny") ? "A reboot will occur if ANY of the servers fail x times in a row."
+                                            : "A reboot will occur only when ALL of the servers are in a failing state. ",
+        "",
+        "This message is sent to you to notify you that Korvane just started (and most likely it's because the server just came "
+        "back up). The only way to turn off this startup email notification is if you turn off the setting to automatically "
+        "restart the server upon Server failure (Checkbox on the Settings Menu).",
+    });
 }
 
 }  // namespace korvane

@@ -43,7 +43,7 @@ public:
 
     /// Sends to the recipients of the first entry in memory, through the primary server alone. If that fails, it is only
     /// logged.
-    void SendStartupNotice() override;
+    void SendStartupNotice();
 
     /// Returns whether at least one entry is due within six minutes and none of these is "UP". Store errors are passed to the
     /// caller.
@@ -51,9 +51,16 @@ public:
 
 private:
     struct FailedEntry;
+    struct RebootWords {
+        std::string inMail;
+        std::string item;  ///< of strAction
+    };
 
-    void AddRebootWords(Connection& conn, std::string& body, std::string& strAction);
-    void MailFailure(const FailedEntry& entry, const std::string& body, std::string& strAction);
+    std::string FailureMail(const FailedEntry& entry, const std::string& strReason, const std::string& reboot) const;
+    std::string UpMail(Recordset& rs, const std::string& strDesc, const std::string& strCMDUP);
+    std::string StartupMail() const;
+    RebootWords WordsOfReboot(Connection& conn);
+    std::string MailFailure(const FailedEntry& entry, const std::string& body);
     void RunCommandOf(const std::string& strCommand);
     void LogError(const std::string& message) { ports_.log.WriteLog(kLogFatal, kLogError, message); }
 

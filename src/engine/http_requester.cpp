@@ -1,10 +1,10 @@
 #include "engine/http_requester.h"
 
+#include <algorithm>
 #include <optional>
-#include <utility>
 
-#include "base/error.h"
 #include "base/ignore_errors.h"
+#include "base/numbers.h"
 #include "base/text.h"
 #include "platform/wait.h"
 
@@ -18,14 +18,41 @@ constexpr auto kHiccupLimit = 500ms;   // an empty answer faster than this is re
 constexpr int kMostAttempts = 11;
 constexpr std::string_view kBinaryAnswer = "Binary Data Returned";
 
+constexpr double kFullAtAverages = 1.2;
+constexpr int kBarMaximum = 100;
+
 }  // namespace
 
-/// The outcome of all attempts. An error stays pending even when a later attempt gets an answer.
-struct HttpRequester::Attempts {
-    std::string response;
-    std::optional<std::string> pendingError;
-    std::chrono::milliseconds lastTook{0};
-};
+void RequestProgress::Begin() {
+    nProgressTicks_.push_back(0);
+    const bool watched = ports_.person.WindowVisible();
+    ports_.TimerProgress.SetEnabled(watched);
+    if (watched) ports_.person.SetWaitCursor(true);
+}
+
+void RequestProgress::End() {
+    nProgressTicks_.pop_back();
+    if (!nProgressTicks_.empty()) return;
+    ports_.TimerProgress.SetEnabled(false);
+    ports_.person.SetWaitCursor(false);
+    ports_.person.SetProgress(0, kBarMaximum);
+}
+
+void RequestProgress::Resume() {
+    if (!nProgressTicks_.empty()) ports_.TimerProgress.SetEnabled(true);
+}
+
+void RequestProgress::TimerProgress_Timer() {
+    const double averageSeconds = ports_.state.nLastAverage > 0 ? ports_.state.nLastAverage / 1000.0 : 1.0;
+    ports_.person.SetProgressTip("Waiting for response. Average has been " + FormatFixed(averageSeconds, 2) + " seconds...");
+    ports_.events.DoEvents();
+    for (std::int32_t& ticks : nProgressTicks_)
+        ++ticks;
+    const std::int32_t shown = nProgressTicks_.empty() ? 0 : nProgressTicks_.back();
+    const auto elapsed = static_cast<double>(shown * ports_.TimerProgress.Interval().count());
+    const double share = elapsed / (averageSeconds * 1000.0 * kFullAtAverages);
+    ports_.person.SetProgress(static_cast<int>(std::min(share, 1.0) * kBarMaximum), kBarMaximum);
+}
 
 void HttpRequester::LoadInets(const std::function<std::unique_ptr<Inet>()>& newInet) {
     for (auto& inet : inets_)
@@ -50,18 +77,7 @@ int HttpRequester::getOpenInetIndex() {
 TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
-    Attempts attempts = FetchWatched(slot, TransferOf(request));
-
-    TimedCheckResult result;
-    result.nResponseMs = attempts.lastTook;
-    if (attempts.pendingError && Holds(ToLower(*attempts.pendingError), "type mismatch")) {
-        result.response = kBinaryAnswer;
-    } else if (attempts.pendingError) {
-        result.strReason = "Reason '" + *attempts.pendingError + "'";
-    } else {
-        result.response = std::move(attempts.response);  // it may be many megabytes
-        if (result.response.empty()) result.strReason = "No Response Returned.";
-    }
+    TimedCheckResult result = Fetch(slot, TransferOf(request));
     IgnoreErrors([&] { slot.Cancel(); });
     return result;
 }
@@ -82,28 +98,29 @@ Inet::Request HttpRequester::TransferOf(const Request& request) const {
     return transfer;
 }
 
-void HttpRequester::LetEarlierRequestSettle(const Inet& slot) {
-    WaitFor(ports_.events, ports_.clock, kSettleLimit, [&] { return !slot.StillExecuting(); });
-}
-
-HttpRequester::Attempts HttpRequester::FetchWatched(Inet& slot, const Inet::Request& transfer) {
+TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer) {
     const RequestProgress::Request running(ports_.progress);
-    LetEarlierRequestSettle(slot);
-    return Fetch(slot, transfer);
-}
-
-HttpRequester::Attempts HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer) {
-    Attempts attempts;
-    for (int n = 0; n < kMostAttempts && attempts.response.empty() && attempts.lastTook < kHiccupLimit; ++n) {
+    WaitFor(ports_.events, ports_.clock, kSettleLimit, [&] { return !slot.StillExecuting(); });
+    TimedCheckResult result;
+    std::optional<std::string> error;  // it counts even when a later attempt gets an answer
+    for (int n = 0; n < kMostAttempts && result.response.empty() && result.nResponseMs < kHiccupLimit; ++n) {
         const auto start = ports_.clock.GetTickCount();
         try {
-            attempts.response = slot.OpenURL(transfer);
-        } catch (const std::exception& error) {
-            attempts.pendingError = error.what();
+            result.response = slot.OpenURL(transfer);
+        } catch (const std::exception& failure) {
+            error = failure.what();
         }
-        attempts.lastTook = ports_.clock.GetTickCount() - start;
+        result.nResponseMs = ports_.clock.GetTickCount() - start;
     }
-    return attempts;
+    if (error && Holds(ToLower(*error), "type mismatch")) {
+        result.response = kBinaryAnswer;
+    } else if (error) {
+        result.response.clear();
+        result.strReason = "Reason '" + *error + "'";
+    } else if (result.response.empty()) {
+        result.strReason = "No Response Returned.";
+    }
+    return result;
 }
 
 }  // namespace korvane

@@ -1,5 +1,5 @@
 // Fetches one URL for a check, with a pool of six transfer slots and a retry of hiccups, and puts failures in words. No failure
-// leaves it as an exception.
+// leaves it as an exception. The operator sees meanwhile how long it will take.
 #pragma once
 
 #include <array>
@@ -8,16 +8,59 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/check_result.h"
-#include "engine/request_progress.h"
+#include "engine/cycle_state.h"
 #include "engine/server_table.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/inet.h"
+#include "platform/operator.h"
+#include "platform/timer.h"
 #include "store/settings_collection.h"
 
 namespace korvane {
+
+/// The estimate that the operator sees while a page is being fetched: the bar fills in a little more than the entry's average
+/// time. A test by the operator may run inside a request of the cycle, or the reverse: the bar belongs to the request that began
+/// last, and returns to the other when that one ends.
+class RequestProgress {
+public:
+    struct Ports {
+        Events& events;
+        Operator& person;
+        const CycleState& state;
+        Timer& TimerProgress;
+    };
+
+    explicit RequestProgress(const Ports& ports) : ports_(ports) {}
+
+    /// A request runs as long as this lives. Requests must end in the reverse order of their beginning.
+    class Request {
+    public:
+        explicit Request(RequestProgress& progress) : progress_(progress) { progress_.Begin(); }
+        ~Request() { progress_.End(); }
+        Request(const Request&) = delete;
+        Request& operator=(const Request&) = delete;
+
+    private:
+        RequestProgress& progress_;
+    };
+
+    /// Called when the operator looks again: the estimate of a running request continues.
+    void Resume();
+
+    /// Handles one tick, each quarter of a second while a request runs.
+    void TimerProgress_Timer();
+
+private:
+    void Begin();
+    void End();
+
+    Ports ports_;
+    std::vector<std::int32_t> nProgressTicks_;  ///< of each running request
+};
 
 class HttpRequester {
 public:
@@ -54,11 +97,8 @@ public:
     TimedCheckResult getURLData2(const Request& request);
 
 private:
-    struct Attempts;
     Inet::Request TransferOf(const Request& request) const;
-    void LetEarlierRequestSettle(const Inet& slot);
-    Attempts FetchWatched(Inet& slot, const Inet::Request& transfer);
-    Attempts Fetch(Inet& slot, const Inet::Request& transfer);
+    TimedCheckResult Fetch(Inet& slot, const Inet::Request& transfer);
 
     Ports ports_;
     std::array<std::unique_ptr<Inet>, kSlots> inets_;

@@ -1,13 +1,8 @@
 #include "engine/machine_restart.h"
 
-#include <string>
+#include "base/ignore_errors.h"
 
 namespace korvane {
-namespace {
-
-constexpr const char* kTitle = "Korvane";
-
-}  // namespace
 
 void clsShutdown::Request(PowerAction action, std::string_view routine) {
     try {
@@ -25,7 +20,7 @@ void MachineRestart::RebootCommand() {
 
 void MachineRestart::TestShutDown(const std::function<void()>& answered) {
     ports_.person.Ask(
-        kTitle, "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?",
+        "Korvane", "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?",
         [this, answered] {
             if (ports_.state.bMonitoring) ports_.cmdStopStart();
             ports_.status.setStatusMSG("Testing Shutdown command...");
@@ -33,6 +28,16 @@ void MachineRestart::TestShutDown(const std::function<void()>& answered) {
             answered();
         },
         answered);
+}
+
+std::string getShudownEXEPath(Files& files) {
+    static constexpr const char* kPlaces[] = {"/usr/sbin/shutdown", "/sbin/shutdown", "/usr/bin/shutdown", "/bin/shutdown"};
+    for (const char* place : kPlaces) {
+        bool exists = false;
+        IgnoreErrors([&] { exists = files.Exists(place); });
+        if (exists) return place;
+    }
+    return kPlaces[0];
 }
 
 }  // namespace korvane

@@ -1,11 +1,13 @@
-// The restart of this machine that the operator can test. A failing server restarts the machine only through its entry's own
-// command.
+// The restart of this machine that the operator can test, and the command for it that the editor offers. A failing server
+// restarts the machine only through its entry's own command.
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "engine/cycle_state.h"
+#include "platform/files.h"
 #include "platform/operator.h"
 #include "platform/power.h"
 #include "store/log.h"
@@ -54,5 +56,9 @@ public:
 private:
     Ports ports_;
 };
+
+/// Returns this machine's `shutdown` command: the first existing path among those that distributions use, or the usual one when
+/// none exists. Reads the disk, throws nothing.
+std::string getShudownEXEPath(Files& files);
 
 }  // namespace korvane

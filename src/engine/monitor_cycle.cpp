@@ -1,14 +1,16 @@
 #include "engine/monitor_cycle.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/down_time.h"
 #include "engine/server_table.h"
-#include "engine/text_rules.h"
 
 namespace korvane {
 namespace {
@@ -32,16 +34,13 @@ bool IsOn(Recordset& rs, std::string_view column) {
     return rs.Fields(column).Value().Bool();
 }
 
-std::string TextOf(Recordset& rs, std::string_view column) {
-    return rs.Fields(column).Value().Text();
-}
-
-}  // namespace
-
+// Cuts the seconds of both off. Negative when `to` is earlier.
 std::int64_t MinutesBetween(DateTime from, DateTime to) {
     const auto minuteOf = [](DateTime when) { return (when.Seconds() - when.Second()) / 60; };
     return minuteOf(to) - minuteOf(from);
 }
+
+}  // namespace
 
 void MonitorCycle::TimerMonitorDB_Timer() {
     DoTick();
@@ -59,7 +58,7 @@ void MonitorCycle::DoTick() {
         ++state_.nReportTicks;
         ports_.person.SetClockText(ports_.clock.Now().TimeText());
         Step("checking sleep time");
-        if (CountDownSleep()) return;
+        if (state_.nSleepLeft > 0) return CountDownSleep();
         ports_.person.SetCycleText("Monitoring. Please Wait...");
         ports_.person.ShowProgress(false);
         Step("refresh url list");
@@ -70,33 +69,30 @@ void MonitorCycle::DoTick() {
     }
 }
 
-bool MonitorCycle::CountDownSleep() {
-    if (state_.nSleepLeft <= 0) return false;
+void MonitorCycle::CountDownSleep() {
     --state_.nSleepLeft;
-    if (!ports_.person.WindowVisible()) return true;
+    if (!ports_.person.WindowVisible()) return;
     if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
-    if (state_.nSleepTotal > 0) {
-        const std::string left = std::to_string(state_.nSleepLeft);
-        ports_.person.SetProgress(state_.nSleepTotal - state_.nSleepLeft, state_.nSleepTotal);
-        ports_.person.SetProgressTip("Next Monitoring Event scheduled to occur in " + left + " seconds.");
-        ports_.person.SetCycleText("Sleeping for " + left + " seconds.");
-        ports_.person.ShowProgress(true);
-    }
-    return true;
+    if (state_.nSleepTotal <= 0) return;
+    const std::string left = std::to_string(state_.nSleepLeft);
+    ports_.person.SetProgress(state_.nSleepTotal - state_.nSleepLeft, state_.nSleepTotal);
+    ports_.person.SetProgressTip("Next Monitoring Event scheduled to occur in " + left + " seconds.");
+    ports_.person.SetCycleText("Sleeping for " + left + " seconds.");
+    ports_.person.ShowProgress(true);
 }
 
 void MonitorCycle::LookAtDatabase(Tick& tick) {
     OpenDueRows(tick);
     const bool alarmed = ports_.alarm.Raised();
-    AfterCheck after = AfterCheck::UpdateRow;
+    bool goesOn = true;
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
     } else if (const seconds diff = SecondsUntilDue(tick); diff > 0s || state_.nReportTicks > kReportTicksAtMost) {
         SleepUntilDue(diff);
     } else {
-        after = HandleRow(tick);
+        goesOn = HandleRow(tick);
     }
-    if (after == AfterCheck::UpdateRow) SummariseInTray(*tick.rs, alarmed);
+    if (goesOn) SummariseInTray(*tick.rs, alarmed);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
 }
@@ -110,7 +106,7 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.rs = ports_.store.NewRecordset();
     tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
-    ports_.accounting.BeginEntry(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
+    ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
 }
 
@@ -137,39 +133,32 @@ void MonitorCycle::SleepUntilDue(seconds diff) {
     }
     Step("closeinets");
     ports_.http.CloseInets();
-    ports_.status.setStatusMSG(kDashes);
-    ports_.status.setStatusMSG("WAITING " + std::to_string(state_.nSleepLeft) +
-                               " SECONDS before checking database for next scheduled monitor event.");
-    ports_.status.setStatusMSG(kDashes);
+    Say(kDashes);
+    Say("WAITING " + std::to_string(state_.nSleepLeft) + " SECONDS before checking database for next scheduled monitor event.");
+    Say(kDashes);
     ports_.person.RefreshURLList();
 }
 
 void MonitorCycle::PublishReports() {
-    ports_.status.setStatusMSG(kDashes);
+    Say(kDashes);
     if (state_.bReportsOK) {
-        ports_.status.setStatusMSG("Publishing Up-Time Reports...");
+        Say("Publishing Up-Time Reports...");
         ports_.events.DoEvents();
         Step("PublishReports");
         const std::string problem = ports_.reports.PublishReports();
-        if (problem.empty()) {
-            ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Reports Success.");
-        } else {
-            ports_.status.setStatusMSG("Reporting Error: " + problem);
-            ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Reports Failure: " + problem);
-        }
+        if (!problem.empty()) Say("Reporting Error: " + problem);
+        LogOfTick(problem.empty() ? "Publishing Reports Success." : "Publishing Reports Failure: " + problem);
     } else {
-        ports_.status.setStatusMSG("Can't Publish Up-Time Reports:  Please click the Reports Button for more info.");
-        ports_.status.setStatusMSG("--" + state_.strReportsProblem);
-        ports_.log.Info("frmMonitor:TimerMonitorDB: Publishing Failure: DBConnect Failed.");
+        Say("Can't Publish Up-Time Reports:  Please click the Reports Button for more info.");
+        Say("--" + state_.strReportsProblem);
+        LogOfTick("Publishing Failure: DBConnect Failed.");
     }
-    ports_.status.setStatusMSG(kDashes);
+    Say(kDashes);
 }
 
 void MonitorCycle::SleepWithNothingDue(Tick& tick) {
     Sleep(kSleepWithNothingDue);
-    const std::string message = "No servers need monitoring at this time. Sleeping for 60 seconds...";
-    ports_.status.setStatusMSG(message);
-    ports_.log.Info("frmMonitor:TimerMonitorDB: " + message);
+    SayAndLog("No servers need monitoring at this time. Sleeping for 60 seconds...");
     Step("open db 2nd time");
     tick.rs->Close();
     tick.rs->Open(query::kAllByNextCheck, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
@@ -179,13 +168,13 @@ void MonitorCycle::SleepWithNothingDue(Tick& tick) {
         tick.rs->Update();
     }
     const DateTime next = tick.rs->Fields("dtNextCheck").Value().When();
-    ports_.log.Info("frmMonitor:TimerMonitorDB: Next Scheduled DATABASE SERVER event at " + next.Text() + " which is in " +
-                    std::to_string(MinutesBetween(ports_.clock.Now(), next)) + " minutes.");
+    LogOfTick("Next Scheduled DATABASE SERVER event at " + next.Text() + " which is in " +
+              std::to_string(MinutesBetween(ports_.clock.Now(), next)) + " minutes.");
 }
 
-MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
+bool MonitorCycle::HandleRow(Tick& tick) {
     Recordset& rs = *tick.rs;
-    ports_.status.setStatusMSG(">" + std::string(kDashes));
+    Say(">" + std::string(kDashes));
     state_.nSleepLeft = 0;
     state_.nSleepTotal = 0;
     Step("check downtime");
@@ -194,58 +183,50 @@ MonitorCycle::AfterCheck MonitorCycle::HandleRow(Tick& tick) {
     if (rs.Fields("strCurStatus").Value().IsEmpty()) rs.Fields("strCurStatus") = status::kUp;
     if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
         SkipRow(rs, inDownTime);
-    } else if (CheckRow(tick) == AfterCheck::TickIsOver) {
-        ports_.alarm.Note(ports_.accounting.Refusal());
-        return AfterCheck::TickIsOver;
+    } else if (!CheckRow(tick)) {
+        ports_.alarm.Note(tick.owed.refusal);
+        return false;
     }
     UpdateRow(tick);
-    return AfterCheck::UpdateRow;
+    return true;
 }
 
 bool MonitorCycle::SuspendForDownTime(Recordset& rs) {
-    bool inDownTime = false;
-    bool holds[2] = {false, false};
-    for (const int window : {1, 2}) {
-        const std::string number = std::to_string(window);
-        const std::string start = TextOf(rs, "strDownTime" + number);
+    std::vector<DownTimeWindow> holding;
+    for (const std::string number : {"1", "2"}) {
+        const std::string start = ColumnText(rs, "strDownTime" + number);
         if (start.empty()) continue;
-        holds[window - 1] = IsDownTime(start, TextOf(rs, "nDownDuration" + number), ports_.clock.Now()).bIsDown;
+        const DownTimeWindow window{number, start, ColumnText(rs, "nDownDuration" + number)};
+        if (IsDownTime(window.start, window.minutes, ports_.clock.Now()).bIsDown) holding.push_back(window);
     }
-    for (const int window : {1, 2}) {
-        if (!holds[window - 1]) continue;
+    for (const DownTimeWindow& window : holding)
         EnterDownTime(rs, window);
-        inDownTime = true;
-    }
-    return inDownTime;
+    return !holding.empty();
 }
 
-void MonitorCycle::EnterDownTime(Recordset& rs, int window) {
-    const std::string number = std::to_string(window);
-    Step("is downtime " + number);
-    std::string start;
-    std::string duration;
-    DateTime resume;
-    IgnoreErrors([&] { start = TextOf(rs, "strDownTime" + number); });
-    IgnoreErrors([&] { duration = TextOf(rs, "nDownDuration" + number); });
+void MonitorCycle::EnterDownTime(Recordset& rs, const DownTimeWindow& window) {
+    Step("is downtime " + window.number);
     IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kDownTime; });
-    ports_.status.setStatusMSG("Down time (" + start + ") for " + duration + " minutes. - monitoring stopped.");
+    Say("Down time (" + window.start + ") for " + window.minutes + " minutes. - monitoring stopped.");
+    const DateTime now = ports_.clock.Now();
+    DateTime resume;
     IgnoreErrors([&] {
-        resume = DownTimeEnd(start, std::chrono::minutes(ParseWhole(duration)), ports_.clock.Now());
+        resume = DownTimeEnd(window.start, std::chrono::minutes(ParseWhole(window.minutes)), now);
         rs.Fields("dtNextCheck") = resume;
     });
     IgnoreErrors([&] { rs.Update(); });
-    ports_.status.setStatusMSG("DownTime " + number + " (Begins: " + start + "). Server Checks Begin Again at " + resume.Text() +
-                               " which is in " + std::to_string(MinutesBetween(ports_.clock.Now(), resume)) + " Minutes.");
+    Say("DownTime " + window.number + " (Begins: " + window.start + "). Server Checks Begin Again at " + resume.Text() +
+        " which is in " + std::to_string(MinutesBetween(now, resume)) + " Minutes.");
 }
 
 void MonitorCycle::SkipRow(Recordset& rs, bool inDownTime) {
-    const std::string address = TextOf(rs, "strAddress_IP");
-    ports_.status.setStatusMSG("Skipping " + address);
+    const std::string address = ColumnText(rs, "strAddress_IP");
+    Say("Skipping " + address);
     const DateTime now = ports_.clock.Now();
     if (inDownTime) {
         const auto minutes = MinutesBetween(now, rs.Fields("dtNextCheck").Value().When());
-        ports_.log.Info("frmMonitor:TimerMonitorDB: Skipping " + address + " because of server down time (set to resume in " +
-                        std::to_string(minutes) + " minutes).");
+        LogOfTick("Skipping " + address + " because of server down time (set to resume in " + std::to_string(minutes) +
+                  " minutes).");
     }
     if (!IsOn(rs, "bIsMonitoring")) {
         rs.Fields("strCurStatus") = status::kInactive;
@@ -253,14 +234,14 @@ void MonitorCycle::SkipRow(Recordset& rs, bool inDownTime) {
     }
 }
 
-MonitorCycle::AfterCheck MonitorCycle::CheckRow(Tick& tick) {
+bool MonitorCycle::CheckRow(Tick& tick) {
     Recordset& rs = *tick.rs;
     ports_.events.DoEvents();
     Step("set ave response");
     if (rs.Fields("nAveResponse").Value().IsEmpty()) rs.Fields("nAveResponse") = 0.0;
     state_.nLastAverage = rs.Fields("nAveResponse").Value().Double();
 
-    const CheckKind kind = CheckKindOf(TextOf(rs, "strType"));
+    const CheckKind kind = CheckKindOf(ColumnText(rs, "strType"));
     const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
     const TimedCheckResult result =
         isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
@@ -270,41 +251,37 @@ MonitorCycle::AfterCheck MonitorCycle::CheckRow(Tick& tick) {
     if (!result.strReason.empty()) {
         Step("call DoFailure");
         ports_.log.Info("1 calling DoFailure. strReason=" + result.strReason);
-        ports_.accounting.DoFailure(rs, *tick.conn, result.response, result.strReason);
-        return AfterCheck::UpdateRow;
+        tick.owed = ports_.accounting.DoFailure(rs, *tick.conn, result.response, result.strReason);
+        return true;
     }
-    if (isUrl && !PassesTextRules(tick, result.response)) return AfterCheck::TickIsOver;
+    if (isUrl && !PassesTextRules(tick, result.response)) return false;
     Step("dosuccess");
     ports_.accounting.DoSuccess(rs, result.nResponseMs);
     ports_.events.DoEvents();
-    return AfterCheck::UpdateRow;
+    return true;
 }
 
 TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& scheme) {
-    const std::string address = TextOf(rs, "strAddress_IP");
-    const std::string user = TextOf(rs, "strUserName");
+    const std::string address = ColumnText(rs, "strAddress_IP");
+    const std::string user = ColumnText(rs, "strUserName");
     const std::string proxy = ports_.settings.getKvSettingsColVal("ProxyName");
-    if (!proxy.empty()) ports_.status.setStatusMSG("Using Proxy Server: " + proxy);
-    if (!user.empty()) ports_.status.setStatusMSG("Basic Authentication UserName='" + user + "' Password=[not shown]");
-    ports_.status.setStatusMSG("Timeout [" + TimeoutOf(rs).Text() + " sec.] - Port[" + TextOf(rs, "strPort") + "] getting '" +
-                               address + "'. Please wait...");
+    if (!proxy.empty()) Say("Using Proxy Server: " + proxy);
+    if (!user.empty()) Say("Basic Authentication UserName='" + user + "' Password=[not shown]");
+    Say("Timeout [" + TimeoutOf(rs).Text() + " sec.] - Port[" + ColumnText(rs, "strPort") + "] getting '" + address +
+        "'. Please wait...");
     ports_.person.SetProgress(0, 100);
     Step("get urldata2");
     if (rs.Fields("strPort").Value().IsEmpty()) rs.Fields("strPort") = "80";
     TimedCheckResult result = ports_.http.getURLData2({
         .strURL = scheme + "://" + address,
         .strUser = user,
-        .strPassword = TextOf(rs, "strPassword"),
+        .strPassword = ColumnText(rs, "strPassword"),
         .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = rs.Fields("strPort").Value().Int16(),
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);
-    if (!result.strReason.empty()) {
-        const std::string failure = TextOf(rs, "strType") + " failure: " + result.strReason;
-        ports_.status.setStatusMSG(failure);
-        ports_.log.Info("frmMonitor:TimerMonitorDB: " + failure);
-    }
+    if (!result.strReason.empty()) SayAndLog(ColumnText(rs, "strType") + " failure: " + result.strReason);
     return result;
 }
 
@@ -320,14 +297,14 @@ TimedCheckResult MonitorCycle::PingOrTalk(Recordset& rs, bool ping) {
 
 CheckResult MonitorCycle::Ping(Recordset& rs) {
     if (rs.Fields("strExpectedText").Value().IsEmpty()) rs.Fields("strExpectedText") = kDefaultPingLimit;
-    const std::string address = TextOf(rs, "strAddress_IP");
+    const std::string address = ColumnText(rs, "strAddress_IP");
     Step("dopingrequest");
     CheckResult result = ports_.ping.DoPingRequest(address, rs.Fields("strExpectedText").Value().Int16());
     if (!result.response.empty()) {
-        ports_.status.setStatusMSG(result.response);
+        Say(result.response);
     } else {
         const std::string failure = "Ping failed " + address + " " + result.strReason;
-        ports_.status.setStatusMSG(failure);
+        Say(failure);
         ports_.log.Info(failure);
     }
     return result;
@@ -335,18 +312,18 @@ CheckResult MonitorCycle::Ping(Recordset& rs) {
 
 CheckResult MonitorCycle::Talk(Recordset& rs) {
     Step("DoTCPRequest s=strexpectedtext");
-    const std::string expected = TextOf(rs, "strExpectedText");
-    CheckResult result =
-        ports_.tcp.DoTCPRequest(TextOf(rs, "strAddress_IP"), expected, seconds(TimeoutOf(rs).Int16()), TextOf(rs, "strPort"));
+    const std::string expected = ColumnText(rs, "strExpectedText");
+    CheckResult result = ports_.tcp.DoTCPRequest(ColumnText(rs, "strAddress_IP"), expected, seconds(TimeoutOf(rs).Int16()),
+                                                 ColumnText(rs, "strPort"));
     if (!result.strReason.empty()) {
-        ports_.status.setStatusMSG("Failure: TCP Error: " + result.strReason);
+        Say("Failure: TCP Error: " + result.strReason);
         ports_.log.Info("DoTCPRequest failure = " + result.strReason);
     } else if (Holds(expected, ",")) {
-        ports_.status.setStatusMSG("Success: TCP Request/Response steps '" + expected + "' worked correctly.");
+        Say("Success: TCP Request/Response steps '" + expected + "' worked correctly.");
     } else if (!expected.empty()) {
-        ports_.status.setStatusMSG("Success: TCP Server Responded with '" + result.response + "'.");
+        Say("Success: TCP Server Responded with '" + result.response + "'.");
     } else {
-        ports_.status.setStatusMSG("Success: TCP Server Connected.");
+        Say("Success: TCP Server Connected.");
     }
     return result;
 }
@@ -356,35 +333,31 @@ bool MonitorCycle::PassesTextRules(Tick& tick, const std::string& response) {
     const Value scanned = rs.Fields("nFailScanText").Value();
     if (!scanned.IsBlank() && scanned.Int64() > 0) {
         Step("check if failure text");
-        const UrlFailure failure = IsURLFailure(ports_.store, *tick.conn, response, TextOf(rs, "id"));
+        const UrlFailure failure = IsURLFailure(ports_.store, *tick.conn, response, ColumnText(rs, "id"));
         if (failure.bFailed) {
             tick.strReason =
                 "Server Error: '" + failure.strFailText +
                 "' found in the response.  You have set this value in the 'URL Scan Text' tab (text that indicates url "
                 "failure) for this URL.";
-            ports_.status.setStatusMSG(tick.strReason);
+            Say(tick.strReason);
             Step("dofailure2");
             ports_.log.Info("2 Calling DoFailure. Unexpected Text Returned. strReason=" + tick.strReason);
-            ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
+            tick.owed = ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
             return false;
         }
     }
-    const std::string expected = TextOf(rs, "strExpectedText");
-    if (expected.empty()) {
-        ports_.status.setStatusMSG("Success: Response returned.");
-        return true;
-    }
-    if (Holds(response, expected)) {
-        ports_.status.setStatusMSG("Success: Found '" + expected + "' in the response...");
+    const std::string expected = ColumnText(rs, "strExpectedText");
+    if (expected.empty() || Holds(response, expected)) {
+        Say(expected.empty() ? "Success: Response returned." : "Success: Found '" + expected + "' in the response...");
         return true;
     }
     // The reason stays empty: this message goes to the status line and the log, but neither to the `Failures` row nor to the
     // mail.
     const std::string message = "Failure: Didn't find '" + expected + "' in the response...";
-    ports_.status.setStatusMSG(message);
+    Say(message);
     Step("dofailure3");
     ports_.log.Info("3 calling DoFailure. " + message);
-    ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
+    tick.owed = ports_.accounting.DoFailure(rs, *tick.conn, response, tick.strReason);
     return false;
 }
 
@@ -392,15 +365,20 @@ void MonitorCycle::UpdateRow(Tick& tick) {
     Step("Update record");
     try {
         tick.rs->Update();
-        ports_.accounting.AddOwedFailureRow(*tick.rs, *tick.conn);
-        ports_.alarm.Note(ports_.accounting.Refusal());
+        ports_.accounting.Settle(*tick.rs, *tick.conn, tick.owed);
+        ports_.alarm.Note(tick.owed.refusal);
     } catch (const std::exception& error) {
-        LogError("frmMonitor:TimerMonitorDB: tried to update record. err = " + std::string(error.what()));
+        LogOfTick("tried to update record. err = " + std::string(error.what()), kLogError);
         ports_.alarm.Note(RefusalOf(error));
         // The row keeps its pending changes, and the first cursor move of the summary would try to write them again.
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
+}
+
+void MonitorCycle::SayAndLog(const std::string& message) {
+    Say(message);
+    LogOfTick(message);
 }
 
 // Covers only the rows of the open result, from the current one on: the rows due soon, or all of them when nothing is due.
@@ -411,7 +389,7 @@ void MonitorCycle::SummariseInTray(Recordset& rs, bool atOnce) {
     bool failing = false;
     bool down = false;
     for (; !rs.Eof() && !down; rs.MoveNext()) {
-        const std::string current = ToLower(TextOf(rs, "strCurStatus"));
+        const std::string current = ToLower(ColumnText(rs, "strCurStatus"));
         failing = failing || current == "failing";
         down = current == "down";
     }
@@ -424,14 +402,14 @@ void MonitorCycle::SummariseInTray(Recordset& rs, bool atOnce) {
     }
 }
 
-void MonitorCycle::LogError(const std::string& message) {
-    ports_.log.WriteLog(kLogOrdinary, kLogError, message);
+void MonitorCycle::LogOfTick(const std::string& message, std::string_view messageClass) {
+    ports_.log.WriteLog(kLogOrdinary, messageClass, "frmMonitor:TimerMonitorDB: " + message);
 }
 
 void MonitorCycle::Fail(const Tick& tick, const std::string& description) {
     const std::string where = description + " Last Step " + state_.strLastStep;
-    ports_.status.setStatusMSG("Monitor Timer Error: " + where);
-    LogError("frmMonitor:TimerMonitorDB: Errors block: " + where + ": Reason ='" + tick.strReason + "'");
+    Say("Monitor Timer Error: " + where);
+    LogOfTick("Errors block: " + where + ": Reason ='" + tick.strReason + "'", kLogError);
 }
 
 }  // namespace korvane

@@ -2,17 +2,15 @@
 // is due soonest, and writes the outcome back. There is no queue: the next tick queries again.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "engine/collaborators.h"
 #include "engine/cycle_state.h"
-#include "engine/down_time.h"
 #include "engine/http_requester.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
-#include "engine/store_alarm.h"
 #include "engine/tcp_checker.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -57,12 +55,22 @@ private:
         std::unique_ptr<Recordset> rs;
         std::string due;  ///< the query of `rs`
         std::string strReason;
+        OwedFailure owed;
     };
-    enum class AfterCheck { UpdateRow, TickIsOver };
+
+    /// A daily window of an entry, as its row has it.
+    struct DownTimeWindow {
+        std::string number;
+        std::string start;
+        std::string minutes;
+    };
 
     void Step(std::string name) { state_.strLastStep = std::move(name); }
+    void Say(std::string_view text) { ports_.status.setStatusMSG(text); }
+    void SayAndLog(const std::string& message);
+    void LogOfTick(const std::string& message, std::string_view messageClass = kLogInformation);
     void DoTick();
-    bool CountDownSleep();
+    void CountDownSleep();
     void LookAtDatabase(Tick& tick);
     void OpenDueRows(Tick& tick);
     std::chrono::seconds SecondsUntilDue(Tick& tick);
@@ -70,26 +78,25 @@ private:
     void SleepUntilDue(std::chrono::seconds diff);
     void PublishReports();
     void SleepWithNothingDue(Tick& tick);
-    AfterCheck HandleRow(Tick& tick);
     bool SuspendForDownTime(Recordset& rs);
-    void EnterDownTime(Recordset& rs, int window);
+    void EnterDownTime(Recordset& rs, const DownTimeWindow& window);
     void SkipRow(Recordset& rs, bool inDownTime);
-    AfterCheck CheckRow(Tick& tick);
     TimedCheckResult RequestUrl(Recordset& rs, const std::string& scheme);
     TimedCheckResult PingOrTalk(Recordset& rs, bool ping);
     CheckResult Ping(Recordset& rs);
     CheckResult Talk(Recordset& rs);
+
+    // They return whether the tick goes on: a page that breaks a text rule ends it without the Update and the summary.
+    bool HandleRow(Tick& tick);
+    bool CheckRow(Tick& tick);
     bool PassesTextRules(Tick& tick, const std::string& response);
+
     void UpdateRow(Tick& tick);
     void SummariseInTray(Recordset& rs, bool atOnce);
-    void LogError(const std::string& message);
     void Fail(const Tick& tick, const std::string& description);
 
     Ports ports_;
     CycleState& state_;
 };
-
-/// Returns the minutes between two moments, with the seconds of both cut off. Negative when `to` is earlier.
-std::int64_t MinutesBetween(DateTime from, DateTime to);
 
 }  // namespace korvane

@@ -7,7 +7,6 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/server_table.h"
-#include "engine/store_alarm.h"
 
 namespace korvane {
 namespace {
@@ -18,6 +17,10 @@ constexpr std::int64_t kIntervalWithoutOne = 15000;
 constexpr int kLongOutageTries = 50;
 constexpr int kLongOutageFactor = 5;
 constexpr seconds kLongestInterval = std::chrono::years(9999);
+
+constexpr const char* kTip = "Korvane: Outcomes of checks can't be stored! ";
+constexpr const char* kBegins = "Outcomes of checks can't be stored, and are lost: ";
+constexpr const char* kIsOver = "Outcomes of checks are stored again.";
 
 // A counter that was never written counts as zero.
 std::int64_t CounterOf(Recordset& rs, std::string_view column) {
@@ -56,6 +59,10 @@ double WithSample(double average, double count, double sample) {
 
 }  // namespace
 
+std::string RefusalOf(const std::exception& error) {
+    return dynamic_cast<const RowGoneError*>(&error) == nullptr ? error.what() : "";
+}
+
 void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
     const DateTime now = ports_.clock.Now();
     IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kUp; });
@@ -67,25 +74,15 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
     });
     IgnoreErrors([&] { rs.Fields("dtNextCheck") = NextCheck(base, seconds(rs.Fields("nIntervalSeconds").Value().Int64())); });
     IgnoreErrors([&] {
-        if (HasComeBack(rs)) ActOnRecovery(rs);
+        if (HasComeBack(rs)) once_.OnRecovery(CounterOf(rs, "ID"), [&] { ports_.actions.DoUpAgainStuff(rs); });
     });
     IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
     CountSuccess(rs, nResponseMs);
-    if (IgnoreErrors([&] { rs.Update(); })) ForgetActions(rs);
+    if (IgnoreErrors([&] { rs.Update(); })) once_.Forget(CounterOf(rs, "ID"));
 }
 
 bool OutcomeAccounting::HasComeBack(Recordset& rs) const {
-    return CounterOf(rs, "nTriesCur") >= TriesOf(rs).Int64() || actedOnOutage_.contains(CounterOf(rs, "ID"));
-}
-
-void OutcomeAccounting::ActOnRecovery(Recordset& rs) {
-    if (actedOnRecovery_.insert(CounterOf(rs, "ID")).second) ports_.actions.DoUpAgainStuff(rs);
-}
-
-void OutcomeAccounting::ForgetActions(Recordset& rs) {
-    const std::int64_t id = CounterOf(rs, "ID");
-    actedOnOutage_.erase(id);
-    actedOnRecovery_.erase(id);
+    return CounterOf(rs, "nTriesCur") >= TriesOf(rs).Int64() || once_.ActedOnOutage(CounterOf(rs, "ID"));
 }
 
 // Returns how far into the past the interval starts: up to a second for each row that was due, so that entries that are checked
@@ -112,9 +109,9 @@ void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nR
     IgnoreErrors([&] { rs.Fields("nAveSession") = WithSample(AverageOf(rs, "nAveSession"), session, ms); });
 }
 
-void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason) {
-    owed_.reset();
-    refusal_.clear();
+OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse,
+                                         const std::string& strReason) {
+    OwedFailure owed;
     try {
         const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
         rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
@@ -128,56 +125,57 @@ void OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const std::st
         rs.Fields("datelastfail") = now;
         rs.Fields("datelastcheck") = now;
         rs.Fields("dtNextCheck") = NextCheckAfterFailure(rs, tries);
-        Record(rs, conn, {strAction, strReason});
+        owed.row = {strAction, strReason};
+        Record(rs, conn, owed);
         ports_.events.DoEvents();
     } catch (const std::exception& error) {
         const std::string message = "DoFailure: Error: " + std::string(error.what());
         ports_.status.setStatusMSG(message);
-        if (refusal_.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
+        if (owed.refusal.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
     }
+    return owed;
 }
 
-void OutcomeAccounting::Record(Recordset& rs, Connection& conn, const FailureNote& note) {
+void OutcomeAccounting::Record(Recordset& rs, Connection& conn, OwedFailure& owed) {
     try {
-        WriteTogether(rs, conn, note);
+        WriteTogether(rs, conn, owed);
     } catch (const std::exception& error) {
-        refusal_ = RefusalOf(error);
+        owed.refusal = RefusalOf(error);
         throw;
     }
-    ForgetActions(rs);
+    once_.Forget(CounterOf(rs, "ID"));
 }
 
 // The counters and their row are written together or not at all: a program that is killed in between must not leave one without
 // the other.
-void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, const FailureNote& note) {
-    owed_ = note;
+void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed) {
     bool counted = false;
     conn.BeginTrans();
     try {
         rs.Update();
         counted = true;
-        AddFailureRow(rs, conn, note);
+        AddFailureRow(rs, conn, *owed.row);
     } catch (const std::exception&) {
         const bool kept = IgnoreErrors([&] { conn.CommitTrans(); });
-        if (counted && !kept) owed_.reset();
+        if (counted && !kept) owed.row.reset();
         throw;
     }
-    owed_.reset();  // if this fails, neither was written, and the entry is still due
+    owed.row.reset();  // if this fails, neither was written, and the entry is still due
     conn.CommitTrans();
 }
 
-void OutcomeAccounting::AddOwedFailureRow(Recordset& rs, Connection& conn) {
-    if (!owed_) return;
-    AddFailureRow(rs, conn, *owed_);
-    owed_.reset();
-    refusal_.clear();
+void OutcomeAccounting::Settle(Recordset& rs, Connection& conn, OwedFailure& owed) {
+    if (!owed.row) return;
+    AddFailureRow(rs, conn, *owed.row);
+    owed = {};
 }
 
 std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries,
                                                  const std::string& strReason) {
     const std::int64_t nTries = TriesOf(rs).Int64();
     const std::string strDesc = rs.Fields("strDesc").Value().Text();
-    if (tries != nTries || actedOnRecovery_.contains(CounterOf(rs, "ID"))) ForgetActions(rs);  // another outage
+    const std::int64_t id = CounterOf(rs, "ID");
+    if (tries != nTries || once_.ActedOnRecovery(id)) once_.Forget(id);  // another outage
     const bool down = tries >= nTries;
     rs.Fields("strCurStatus") = down ? status::kDown : status::kFailing;
     rs.Fields("nTriesCur") = tries;
@@ -188,14 +186,8 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
     }
     ports_.person.SetTray(TrayPicture::Error, "Korvane: " + strDesc + " in failure state! ");
     SoundAlert("bRedAlert", "RedAlertWav");
-    // Once per outage, however long it lasts.
-    return tries == nTries ? ActOnOutage(rs, conn, strReason) : "None.";
-}
-
-std::string OutcomeAccounting::ActOnOutage(Recordset& rs, Connection& conn, const std::string& strReason) {
-    const std::int64_t id = CounterOf(rs, "ID");
-    if (const auto done = actedOnOutage_.find(id); done != actedOnOutage_.end()) return done->second;
-    return actedOnOutage_[id] = ports_.actions.DoFailureStateStuff(conn, rs, strReason);
+    if (tries != nTries) return "None.";
+    return once_.OnOutage(id, [&] { return ports_.actions.DoFailureStateStuff(conn, rs, strReason); });
 }
 
 void OutcomeAccounting::SoundAlert(const char* wantedKey, const char* fileKey) {
@@ -211,7 +203,7 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
     return NextCheck(now, tries > kLongOutageTries ? std::min(interval, kLongestInterval) * kLongOutageFactor : interval);
 }
 
-void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const FailureNote& note) {
+void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row) {
     const auto failures = ports_.store.NewRecordset();
     failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
     failures->AddNew();
@@ -222,11 +214,23 @@ void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const Fai
     }
     failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
     failures->Fields("nFailMax") = TriesOf(rs);
-    failures->Fields("strAction") = note.strAction;
-    failures->Fields("strReason") = Left(note.strReason, kMostStoredCharacters);
+    failures->Fields("strAction") = row.strAction;
+    failures->Fields("strReason") = Left(row.strReason, kMostStoredCharacters);
     failures->Fields("dateFail") = ports_.clock.Now();
     failures->Update();
     failures->Close();
+}
+
+void StoreAlarm::Note(const std::string& refusal) {
+    const bool refused = !refusal.empty();
+    // Set each time: the failure of an entry, or a new start of monitoring, sets its own picture.
+    if (refused) ports_.person.SetTray(TrayPicture::Error, kTip);
+    if (refused == raised_) return;
+    raised_ = refused;
+    const std::string text = refused ? kBegins + refusal : kIsOver;
+    ports_.status.setStatusMSG(text);
+    ports_.log.WriteLog(kLogOrdinary, kLogError, text);
+    ports_.manager.Status(text);
 }
 
 }  // namespace korvane

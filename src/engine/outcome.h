@@ -1,21 +1,23 @@
 // The accounting of an entry: what one finished check changes in its row. An entry is "UP" after any success, "Failing" for fewer
 // than `nTries` failures in a row, and "DOWN" from the `nTries`-th on. Exactly that failure triggers the failure actions, the
-// success after it the recovery actions. The time of the next check is also chosen here.
+// success after it the recovery actions. The time of the next check is also chosen here, and the operator is notified when the
+// store refuses the outcomes.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
-#include <map>
+#include <exception>
 #include <optional>
 #include <random>
-#include <set>
 #include <string>
 
 #include "engine/collaborators.h"
+#include "engine/once_an_outage.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
 #include "platform/operator.h"
+#include "platform/service_manager.h"
 #include "platform/sound.h"
 #include "store/log.h"
 #include "store/server_id.h"
@@ -23,6 +25,20 @@
 #include "store/status_log.h"
 
 namespace korvane {
+
+/// Returns why the store as a whole refused a write; empty if only the entry was removed meanwhile.
+std::string RefusalOf(const std::exception& error);
+
+/// What the store still owes a failure: that it was recorded, and its row in `Failures`.
+struct OwedFailure {
+    /// The content of the row besides the copy of the entry.
+    struct Row {
+        std::string strAction;
+        std::string strReason;
+    };
+    std::string refusal;     ///< why the store refused to record the failure; empty: it did not
+    std::optional<Row> row;  ///< still to be added once the entry's counters are written
+};
 
 class OutcomeAccounting {
 public:
@@ -46,53 +62,53 @@ public:
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
     /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
-    /// far stay pending in `rs`. If the store refused, AddOwedFailureRow must follow the Update that succeeds.
-    void DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
+    /// far stay pending in `rs`. What is returned must be settled after the Update that follows.
+    OwedFailure DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
-    /// Adds the `Failures` row of a failure that was counted in `rs` by a later Update than DoFailure's own. Does nothing if no
-    /// row is missing. Store errors are passed to the caller.
-    void AddOwedFailureRow(Recordset& rs, Connection& conn);
+    /// Adds the row of `Failures` that is owed, if any; nothing is owed then. Store errors are passed to the caller.
+    void Settle(Recordset& rs, Connection& conn, OwedFailure& owed);
 
-    /// Returns why the store refused to record the failure of this entry; empty when it did not, or has accepted it since.
-    const std::string& Refusal() const { return refusal_; }
-
-    /// Called before each entry: the stagger of the next checks is random and reseeded from the clock, and a missing row of an
-    /// earlier entry is forgotten.
-    void BeginEntry(std::uint32_t seed) {
-        random_.seed(seed);
-        owed_.reset();
-        refusal_.clear();
-    }
+    /// Called before each entry: the stagger of the next checks is random and reseeded from the clock.
+    void Reseed(std::uint32_t seed) { random_.seed(seed); }
 
 private:
-    /// The content of a `Failures` row besides the copy of the entry.
-    struct FailureNote {
-        std::string strAction;
-        std::string strReason;
-    };
-
     std::chrono::seconds Stagger(int recordCount);
     void CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
     bool HasComeBack(Recordset& rs) const;
-    void ActOnRecovery(Recordset& rs);
-    std::string ActOnOutage(Recordset& rs, Connection& conn, const std::string& strReason);
-    void ForgetActions(Recordset& rs);
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
-    void Record(Recordset& rs, Connection& conn, const FailureNote& note);
-    void WriteTogether(Recordset& rs, Connection& conn, const FailureNote& note);
-    void AddFailureRow(Recordset& rs, Connection& conn, const FailureNote& note);
+    void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
+    void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
+    void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
 
     Ports ports_;
     std::minstd_rand random_;
-    std::optional<FailureNote> owed_;  ///< refused by the store, or counted without its row
-    std::string refusal_;
+    OnceAnOutage once_;
+};
 
-    // What was done, by `ID`, for an entry whose row could not be written since: the store has no record of it, and it must not
-    // be repeated at each check.
-    std::map<std::int64_t, std::string> actedOnOutage_;  ///< strAction
-    std::set<std::int64_t> actedOnRecovery_;
+/// Reports once that the store refuses the outcomes of checks, and once that it accepts them again. Otherwise a full disk would
+/// only mean successful checks that are forgotten.
+class StoreAlarm {
+public:
+    struct Ports {
+        Operator& person;
+        StatusLog& status;
+        Log& log;
+        ServiceManager& manager;
+    };
+
+    explicit StoreAlarm(const Ports& ports) : ports_(ports) {}
+
+    /// Called after each entry with the reason why its outcome could not be written; empty when it was.
+    void Note(const std::string& refusal);
+
+    /// While true, the tray shows nothing else.
+    bool Raised() const { return raised_; }
+
+private:
+    Ports ports_;
+    bool raised_ = false;
 };
 
 }  // namespace korvane

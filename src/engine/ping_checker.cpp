@@ -1,6 +1,5 @@
 #include "engine/ping_checker.h"
 
-#include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -46,7 +45,7 @@ int PingChecker::PingHost(const std::string& strServer, std::string& strReason) 
     std::string whyNot;
     if (!ports_.echo.IcmpCreateFile(whyNot)) {
         strReason = "Unable to create handle to ICMP:  PING may not be supported for Windows 95 users.";
-        TellWhatToAllow(whyNot);
+        LogWhatToAllow(whyNot);
         return kPingNoHandle;
     }
     const EchoReply reply = ports_.echo.IcmpSendEcho(*address, kEchoData, kTimeToLive, kEchoWait);
@@ -58,9 +57,9 @@ int PingChecker::PingHost(const std::string& strServer, std::string& strReason) 
     return kPingBadReply;
 }
 
-void PingChecker::TellWhatToAllow(const std::string& whyNot) {
-    if (whyNot == toldWhyNot_) return;  // log it once, not at every ping
-    toldWhyNot_ = whyNot;
+void PingChecker::LogWhatToAllow(const std::string& whyNot) {
+    if (whyNot == loggedWhyNot_) return;  // log it once, not at every ping
+    loggedWhyNot_ = whyNot;
     ports_.log.WriteLog(kLogOrdinary, kLogError, "PingHost: " + whyNot);
 }
 

@@ -42,10 +42,10 @@ public:
     int PingHost(const std::string& strServer, std::string& strReason);
 
 private:
-    void TellWhatToAllow(const std::string& whyNot);
+    void LogWhatToAllow(const std::string& whyNot);
 
     Ports ports_;
-    std::string toldWhyNot_;
+    std::string loggedWhyNot_;
 };
 
 /// Returns whether the text is four numbers from 0 to 255 separated by ".".

@@ -44,6 +44,11 @@ inline constexpr std::chrono::seconds kNewTimeout{15};
 /// Responses and reasons are stored up to this length.
 inline constexpr std::size_t kMostStoredCharacters = 249;
 
+/// Returns the text of a column of the current row.
+inline std::string ColumnText(Recordset& rs, std::string_view column) {
+    return rs.Fields(column).Value().Text();
+}
+
 /// Return `nTries`, and `nTimeout` in seconds, of the current row.
 Value TriesOf(Recordset& rs);
 Value TimeoutOf(Recordset& rs);

@@ -51,19 +51,23 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
             return {.response = "", .strReason = "Socket wasn't closed "};
         }
         const RaisedFlag talking(talking_);  // one conversation at a time, even if this one's socket is closed meanwhile
-        bTCPTimedOut_ = false;
+        strTCPTimeoutText_.clear();
         strRecvBuffer_.clear();
         ports_.socket.SetProtocol(SocketProtocol::Tcp);
         // The reason for every failure that does not set its own.
         result.strReason = "Could Not Connect to " + strServer + " Double check for typos. ";
-        const Connecting connecting = Connect(strServer, nTimeout, strPort);
-        TalkOrExplain(connecting, strExpected, result);
+        if (Connect(strServer, nTimeout, strPort)) {
+            TalkOrExplain(strExpected, result);
+        } else {
+            ports_.status.setStatusMSG("Connection Timed out.  Failure!");
+            result.strReason = "Connection Timeout Failure.  Failed to connect in a timely manner. ";
+        }
         ports_.socket.Close();
-        if (bTCPTimedOut_) {
+        if (strTCPTimeoutText_.empty()) {
+            ports_.status.setStatusMSG("Done.");
+        } else {
             result.response.clear();
             result.strReason += " " + strTCPTimeoutText_;
-        } else {
-            ports_.status.setStatusMSG("Done.");
         }
     } catch (const std::exception& error) {
         const auto* described = dynamic_cast<const Error*>(&error);
@@ -75,8 +79,8 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
     return result;
 }
 
-TcpChecker::Connecting TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTimeout,
-                                           const std::string& strPort) {
+// Returns false when the time for it has run out.
+bool TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort) {
     TcpSocket& socket = ports_.socket;
     socket.SetRemoteHost(strServer);
     socket.SetRemotePort(CheckedInt32(ParseWhole(strPort)));
@@ -104,35 +108,21 @@ TcpChecker::Connecting TcpChecker::Connect(const std::string& strServer, std::ch
         WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return !underWay(); });
         elapsed += kWaitStep;
     }
-    return elapsed < limit ? Connecting::Done : Connecting::OutOfTime;
+    return elapsed < limit;
 }
 
-void TcpChecker::TalkOrExplain(Connecting connecting, const std::string& strExpected, CheckResult& result) {
-    if (connecting == Connecting::OutOfTime) {
-        ports_.status.setStatusMSG("Connection Timed out.  Failure!");
-        result.strReason = "Connection Timeout Failure.  Failed to connect in a timely manner. ";
-        return;
-    }
-    switch (ports_.socket.State()) {
-        case SocketState::ResolvingHost:
-            result.strReason = "Could not resolve server name or IP.  Double check for typos. ";
-            break;
-        case SocketState::Connecting:
-            result.strReason = "Server Connection Timeout (didn't respond in a timely manner).  Double check for typos. ";
-            break;
-        case SocketState::Connected:
-            Converse(strExpected, result);
-            break;
-        case SocketState::Closing:
-            ports_.status.setStatusMSG("Closing.");
-            break;
-        case SocketState::Error:
-            ports_.status.setStatusMSG("Failed!");
-            ports_.status.setStatusMSG("Failed to connect.  The server Name or IP address may be incorrect.");
-            break;
-        case SocketState::Closed:
-        case SocketState::HostResolved:
-            break;
+void TcpChecker::TalkOrExplain(const std::string& strExpected, CheckResult& result) {
+    const SocketState state = ports_.socket.State();
+    if (state == SocketState::Connected) return Converse(strExpected, result);
+    if (state == SocketState::ResolvingHost) {
+        result.strReason = "Could not resolve server name or IP.  Double check for typos. ";
+    } else if (state == SocketState::Connecting) {
+        result.strReason = "Server Connection Timeout (didn't respond in a timely manner).  Double check for typos. ";
+    } else if (state == SocketState::Closing) {
+        ports_.status.setStatusMSG("Closing.");
+    } else if (state == SocketState::Error) {
+        ports_.status.setStatusMSG("Failed!");
+        ports_.status.setStatusMSG("Failed to connect.  The server Name or IP address may be incorrect.");
     }
 }
 
@@ -181,7 +171,6 @@ bool TcpChecker::WaitForTCPText(const std::string& strExpected) {
     const ReplyLimit limit(ports_.clock, kReplyLimit);
     while (strRecvBuffer_.empty()) {
         if (limit.Over()) {
-            bTCPTimedOut_ = true;
             strTCPTimeoutText_ = "Server error, timed out while waiting for a response." + strExpected;
             return false;
         }

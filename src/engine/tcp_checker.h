@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <string>
-#include <string_view>
 
 #include "engine/check_result.h"
 #include "engine/collaborators.h"
@@ -41,9 +40,8 @@ public:
     bool WaitForTCPText(const std::string& strExpected);
 
 private:
-    enum class Connecting { Done, OutOfTime };
-    Connecting Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort);
-    void TalkOrExplain(Connecting connecting, const std::string& strExpected, CheckResult& result);
+    bool Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort);
+    void TalkOrExplain(const std::string& strExpected, CheckResult& result);
     void Converse(const std::string& strExpected, CheckResult& result);
     bool ExpectElement(const std::string& element, CheckResult& result);
     void SendElement(const std::string& element);
@@ -51,8 +49,7 @@ private:
     Ports ports_;
     std::string strRecvBuffer_;  ///< the latest arrival alone, unchanged
     bool talking_ = false;
-    bool bTCPTimedOut_ = false;
-    std::string strTCPTimeoutText_;
+    std::string strTCPTimeoutText_;  ///< empty: no reply was late
 };
 
 }  // namespace korvane

@@ -43,7 +43,7 @@ void TraceRoute::RunTraceRoute(const std::string& strAddress, std::int64_t id) {
         ports_.processes.Shell("/bin/sh " + Quoted(script), WindowStyle::Hidden);
     } catch (const std::exception& error) {
         const std::string message = "RunTraceRoute: Error: " + std::string(error.what());
-        TellFailure(message, "frmMonitor:" + message);
+        ReportFailure(message, "frmMonitor:" + message);
     }
 }
 
@@ -58,7 +58,7 @@ std::string TraceRoute::MakeTraceBatFile(const std::string& strAddress, std::int
         ports_.files.Replace(script, "#!/bin/sh\n" + line + "\n");
     } catch (const std::exception& error) {
         const std::string message = "Creation of Tracert Bat file failed. couldn't create " + script;
-        TellFailure(message, "frmMonitor:MakeTraceBatFile: " + message + " because " + error.what());
+        ReportFailure(message, "frmMonitor:MakeTraceBatFile: " + message + " because " + error.what());
         return "";
     }
     ports_.status.setStatusMSG("Trace Command =  '" + line + "'");
@@ -79,7 +79,7 @@ std::string TraceRoute::FileOf(std::int64_t id, const char* ending) const {
     return folder_ + "/KvTR" + std::to_string(id) + ending;
 }
 
-void TraceRoute::TellFailure(const std::string& statusText, const std::string& logText) {
+void TraceRoute::ReportFailure(const std::string& statusText, const std::string& logText) {
     ports_.status.setStatusMSG(statusText);
     ports_.log.WriteLog(kLogFatal, kLogError, logText);
 }

@@ -41,7 +41,7 @@ public:
 
 private:
     std::string FileOf(std::int64_t id, const char* ending) const;
-    void TellFailure(const std::string& statusText, const std::string& logText);
+    void ReportFailure(const std::string& statusText, const std::string& logText);
 
     Ports ports_;
     std::string folder_;

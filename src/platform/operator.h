@@ -26,17 +26,19 @@ public:
     /// Empties the status log, if it is a lasting one.
     virtual void ClearStatus() {}
 
-    virtual void SetClockText(const std::string& time) = 0;
+    // What only a display shows: without one nothing happens.
+
+    virtual void SetClockText(const std::string& /*time*/) {}
     /// Sets the short message of the cycle ("Sleeping for 20 seconds.").
-    virtual void SetCycleText(const std::string& text) = 0;
+    virtual void SetCycleText(const std::string& /*text*/) {}
 
-    virtual void ShowProgress(bool shown) = 0;
+    virtual void ShowProgress(bool /*shown*/) {}
     /// 0 <= value <= max.
-    virtual void SetProgress(int value, int max) = 0;
-    virtual void SetProgressTip(const std::string& text) = 0;
+    virtual void SetProgress(int /*value*/, int /*max*/) {}
+    virtual void SetProgressTip(const std::string& /*text*/) {}
 
-    virtual void SetTray(TrayPicture picture, const std::string& tip) = 0;
-    virtual void SetTrayTip(const std::string& tip) = 0;
+    virtual void SetTray(TrayPicture /*picture*/, const std::string& /*tip*/) {}
+    virtual void SetTrayTip(const std::string& /*tip*/) {}
 
     /// Called when monitoring has been switched on or off, or begins with the program.
     virtual void SetMonitoring(bool /*on*/) {}
@@ -44,8 +46,8 @@ public:
     /// Sets "Number of distinct company names", which is shown once there is more than one.
     virtual void SetCustomerCount(int /*count*/) {}
 
-    virtual void RefreshURLList() = 0;
-    virtual void SetWaitCursor(bool wait) = 0;
+    virtual void RefreshURLList() {}
+    virtual void SetWaitCursor(bool /*wait*/) {}
 
     /// Shows the message; several are shown one after another. While the program starts, the call waits until the message is
     /// closed; later it returns at once. Without a display the message goes to standard error.

@@ -23,14 +23,10 @@ void AlertMails::Alert(const Notification& mail) {
     const bool known = std::any_of(waiting_.begin(), waiting_.end(), [&](const Waiting& other) {
         return !other.done && other.mail.strTo1 == mail.strTo1 && other.mail.strBody == mail.strBody;
     });
-    if (!known) Add(mail, {});
+    if (!known) Send(mail, {});
 }
 
 void AlertMails::Send(const Notification& mail, std::function<void()> done) {
-    Add(mail, std::move(done));
-}
-
-void AlertMails::Add(const Notification& mail, std::function<void()> done) {
     waiting_.push_back({mail, std::move(done)});
     if (timer_->Enabled()) return;  // a mail is being sent or waiting
     timer_->SetInterval(kAtOnce);
@@ -39,7 +35,7 @@ void AlertMails::Add(const Notification& mail, std::function<void()> done) {
 
 bool AlertMails::HasToWait() {
     if (mail_.Sending()) return true;
-    if (busy_ && busy_() && waits_ < kMostWaits) {
+    if (busy_() && waits_ < kMostWaits) {
         ++waits_;
         return true;
     }

@@ -17,7 +17,7 @@ public:
     /// `mail` should be a separate dispatcher: while a mail of the monitors is being sent, a shared one refuses those of the
     /// cycle. A busy dispatcher is waited for. While `busy` returns true, mails wait too, for a minute at most: the mail would
     /// otherwise delay a check whose pump delivers the timer, and the check would take that for a slow answer.
-    AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy = {});
+    AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy);
 
     /// Sends the alert when its turn comes, through the primary server and only once; a failure is only logged. An alert that is
     /// already waiting is not added a second time, so a dead server causes no endless queue.
@@ -32,7 +32,6 @@ private:
         std::function<void()> done;
     };
 
-    void Add(const Notification& mail, std::function<void()> done);
     bool HasToWait();
     void timer_Timer();
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "store/database_files.h"
 
@@ -15,34 +14,49 @@ constexpr const char* kSaved = "Settings updated";
 constexpr const char* kNoAddress = "The email id entered is not a valid email id";
 constexpr const char* kNoServer = "No SMTP server has been specified to send email";
 constexpr const char* kServerKey = "Server";
+constexpr int kLooksWithoutMail = 10;
 constexpr std::string_view kAllServers = "SELECT * from servers order by id";
 
 }  // namespace
 
-AlertMonitor::AlertMonitor(const MonitorPorts& ports, MonitorManner manner) : ports_(ports), manner_(std::move(manner)) {}
+AlertMonitor::AlertMonitor(const MonitorPorts& ports, const MonitorKind& kind)
+    : ports_(ports), timer_(ports.timers.NewTimer(kind.timer)), kind_(kind) {
+    timer_->SetInterval(kind.period);
+    timer_->OnTick([this] { Look(); });
+}
 
 void AlertMonitor::Shown() {
     testRefused_ = false;
     Changed();
 }
 
-void AlertMonitor::Load(AlertSettings& file) {
-    file.OpenFile();
-    txtEmail = file.getEmail();
-    ckDisable = file.getDisable() == "1";
+void AlertMonitor::LoadData() {
+    const AlertSettings settings = ReadAlertSettings(ports_.files, ports_.dir, kind_);
+    txtEmail = settings.email;
+    ckDisable = settings.disable == "1";
+    cboAlert = settings.alert;
+    cboDuration = settings.duration;
+    ckRestart = settings.restart == "1";
     noAddressLogged_ = false;
-    Switch(!ckDisable);
+    Switch();
+    Changed();
+    Loaded(settings);
 }
 
 void AlertMonitor::cmdSave() {
-    Switch(!ckDisable);
-    UpdateFile();
+    Switch();
+    WriteAlertSettings(ports_.files, ports_.dir, kind_,
+                       {.email = txtEmail,
+                        .disable = ckDisable ? "1" : "0",
+                        .alert = cboAlert,
+                        .duration = cboDuration,
+                        .restart = ckRestart ? "1" : "0",
+                        .services = WatchedServices()});
     ports_.person.ShowMessage(kTitle, kSaved);
 }
 
-void AlertMonitor::Fill(AlertSettings& file) const {
-    file.setEmail(txtEmail);
-    file.setDisable(ckDisable ? "1" : "0");
+void AlertMonitor::Switch() {
+    if (kind_.disableStopsTimer) timer_->SetEnabled(!ckDisable);
 }
 
 // An empty address is also invalid, so a test never goes to the default address.
@@ -58,14 +72,14 @@ void AlertMonitor::cmdTest() {
     const auto done = [this] {
         testUnderWay_ = false;
         Changed();
-        ports_.person.ShowMessage(kTitle, manner_.testSent);
+        ports_.person.ShowMessage(kTitle, kind_.testSent);
     };
     ports_.mails.Send(MailTo(txtEmail, TestBody()), IfAlive(done));
 }
 
 bool AlertMonitor::RefusedTest() {
     if (Holds(txtEmail, "@") && Holds(txtEmail, ".")) return false;
-    testRefused_ = manner_.refusalDisablesTest;
+    testRefused_ = kind_.refusalDisablesTest;
     Changed();
     ShowError(kNoAddress);
     if (focusEmail_) focusEmail_();
@@ -75,13 +89,21 @@ bool AlertMonitor::RefusedTest() {
 void AlertMonitor::SendAlert(const std::string& body) {
     const std::string address = txtEmail.empty() ? DefaultAddress() : txtEmail;
     if (!address.empty()) return ports_.mails.Alert(MailTo(address, body));
-    if (!noAddressLogged_) ports_.log.WriteLog(kLogOrdinary, kLogError, manner_.subject + ": there is no address to send it to.");
+    if (!noAddressLogged_)
+        ports_.log.WriteLog(kLogOrdinary, kLogError, std::string(kind_.subject) + ": there is no address to send it to.");
     noAddressLogged_ = true;
+}
+
+void AlertMonitor::AlertAtEleventhLook(bool due, const std::string& body) {
+    looksDue_ = due ? looksDue_ + 1 : 0;
+    if (looksDue_ <= kLooksWithoutMail) return;
+    SendAlert(body);
+    looksDue_ = 0;
 }
 
 // The recipient is also the sender.
 Notification AlertMonitor::MailTo(const std::string& address, const std::string& body) const {
-    return {.strTo1 = address, .strTo2 = "", .strFrom = address, .strSubject = manner_.subject, .strBody = body};
+    return {.strTo1 = address, .strTo2 = "", .strFrom = address, .strSubject = kind_.subject, .strBody = body};
 }
 
 std::string AlertMonitor::DefaultAddress() const {
@@ -109,12 +131,6 @@ std::function<void()> AlertMonitor::IfAlive(std::function<void()> deed) const {
     return [alive = std::weak_ptr<const bool>(alive_), deed = std::move(deed)] {
         if (!alive.expired()) deed();
     };
-}
-
-int LevelOf(const std::string& text) {
-    int level = 0;
-    IgnoreErrors([&] { level = CheckedInt16(ParseWhole(text)); });
-    return level;
 }
 
 }  // namespace korvane

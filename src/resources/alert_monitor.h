@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -30,21 +31,18 @@ struct MonitorPorts {
     Log& log;
 };
 
-/// The texts and the behaviour in which they differ.
-struct MonitorManner {
-    std::string subject;
-    std::string testSent;
-    bool refusalDisablesTest = false;  ///< a test with an invalid address leaves the command disabled until Shown
-};
-
 /// A monitor may be destroyed at any time, even while its mail is being sent.
 class AlertMonitor {
 public:
     virtual ~AlertMonitor() = default;
 
-    // The values on the screen, which the alerts use, saved or not. The window writes the operator's input here.
+    // The values on the screen, which the alerts use, saved or not. The window writes the operator's input here. A monitor uses
+    // those that its settings have.
     std::string txtEmail;
     bool ckDisable = false;
+    std::string cboAlert;     ///< in percent; empty: no alert
+    std::string cboDuration;  ///< in minutes; empty: no alert
+    bool ckRestart = false;   ///< send a mail when a service runs again after a failure
 
     /// Called when something that the window shows has changed: figures, settings, or whether the test command is enabled. The
     /// callback must not destroy the monitor.
@@ -56,7 +54,7 @@ public:
     void Shown();
 
     /// Called each time the window becomes active: the settings in the file replace those on the screen.
-    virtual void LoadData() = 0;
+    void LoadData();
 
     /// Saves the values on the screen.
     void cmdSave();
@@ -65,20 +63,22 @@ public:
     bool TestEnabled() const { return !testRefused_ && !testUnderWay_; }
 
 protected:
-    AlertMonitor(const MonitorPorts& ports, MonitorManner manner);
+    /// The timer is off at first. `kind` must outlive this.
+    AlertMonitor(const MonitorPorts& ports, const MonitorKind& kind);
     AlertMonitor(const AlertMonitor&) = delete;
     AlertMonitor& operator=(const AlertMonitor&) = delete;
 
-    /// Starts or stops the timer controlled by the disable mark.
-    virtual void Switch(bool on) = 0;
-    /// Writes the file; address and mark are already set.
-    virtual void UpdateFile() = 0;
+    /// Called at each tick of the timer.
+    virtual void Look() = 0;
     virtual std::string TestBody() const = 0;
-
-    void Load(AlertSettings& file);
-    void Fill(AlertSettings& file) const;
+    /// Receives the settings after the values on the screen have been set.
+    virtual void Loaded(const AlertSettings& /*settings*/) {}
+    /// Returns the services to save.
+    virtual std::vector<std::string> WatchedServices() { return {}; }
 
     void SendAlert(const std::string& body);
+    /// Sends an alert after eleven calls in a row with `due`.
+    void AlertAtEleventhLook(bool due, const std::string& body);
     void Changed() const;
     void ShowError(const std::string& text) const;
 
@@ -86,22 +86,22 @@ protected:
     std::function<void()> IfAlive(std::function<void()> deed) const;
 
     MonitorPorts ports_;
+    const std::unique_ptr<Timer> timer_;
 
 private:
+    void Switch();
     Notification MailTo(const std::string& address, const std::string& body) const;
     std::string DefaultAddress() const;
     bool RefusedTest();
 
-    MonitorManner manner_;
+    const MonitorKind& kind_;
     std::function<void()> changed_;
     std::function<void()> focusEmail_;
     bool testRefused_ = false;
     bool testUnderWay_ = false;
     bool noAddressLogged_ = false;  ///< since the settings were loaded
+    int looksDue_ = 0;              ///< in a row
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
-
-/// Returns the level as a 16-bit whole number; 0 when it is not one.
-int LevelOf(const std::string& text);
 
 }  // namespace korvane

@@ -9,6 +9,18 @@
 namespace korvane {
 namespace {
 
+using namespace std::chrono_literals;
+
+constexpr SettingsLine kAlert{"ALERT_AT=", &AlertSettings::alert};
+constexpr SettingsLine kEmail{"EMAIL=", &AlertSettings::email};
+constexpr SettingsLine kDisable{"DISABLE=", &AlertSettings::disable};
+constexpr SettingsLine kDuration{"DURATION=", &AlertSettings::duration};
+constexpr SettingsLine kRestart{"RESTART=", &AlertSettings::restart};
+
+constexpr SettingsLine kLoadLines[] = {kAlert, kEmail, kDisable, kDuration};
+constexpr SettingsLine kSpaceLines[] = {kAlert, kEmail, kDisable};
+constexpr SettingsLine kServiceLines[] = {kEmail, kDisable, kRestart};
+
 // Any of the three common line ends.
 std::string_view TakeFirstLine(std::string_view& text) {
     const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
@@ -17,50 +29,75 @@ std::string_view TakeFirstLine(std::string_view& text) {
     return line;
 }
 
-}  // namespace
-
-AlertSettings::AlertSettings(Files& files, const std::string& dir, std::string_view file,
-                             std::initializer_list<std::string_view> keys)
-    : files_(files), path_(dir + "/" + std::string(file)) {
-    for (const std::string_view key : keys)
-        values_.emplace_back(key, "");
-}
-
-void AlertSettings::OpenFile() {
-    IgnoreErrors([&] {
-        const std::string contents = ToUtf8(files_.Read(path_).value_or(""));
-        for (std::string_view rest = contents; !rest.empty();)
-            TakeLine(TakeFirstLine(rest));
-    });
-}
-
-void AlertSettings::TakeLine(std::string_view line) {
+void TakeLine(std::string_view line, const MonitorKind& kind, AlertSettings& settings) {
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) return;
     const std::string_view value = line.substr(equals + 1);
-    const auto named = std::find_if(values_.begin(), values_.end(), [line](const auto& one) { return Holds(line, one.first); });
-    if (named == values_.end()) {
-        TakeOther(line, value);
-    } else {
-        named->second = value;
+    for (const auto& [key, member] : kind.lines) {
+        if (!Holds(line, key)) continue;
+        settings.*member = value;
+        return;
     }
+    if (!kind.serviceKey.empty() && Holds(line, kind.serviceKey)) settings.services.emplace_back(value);
 }
 
-void AlertSettings::UpdateData() {
-    std::vector<std::string> lines;
-    for (const auto& [key, value] : values_)
-        lines.push_back(std::string(key) + value);
-    const std::vector<std::string> others = OtherLines();
-    lines.insert(lines.end(), others.begin(), others.end());
+// A line end in a value would start a new line.
+std::string Line(std::string_view key, const std::string& value) {
+    return WithoutLineEnds(std::string(key) + value) + "\r\n";
+}
+
+std::string PathOf(const std::string& dir, const MonitorKind& kind) {
+    return dir + "/" + std::string(kind.file);
+}
+
+}  // namespace
+
+constexpr MonitorKind kCpuMonitor = {.file = "CPUMon.dat",
+                                     .lines = kLoadLines,
+                                     .timer = "tmrRefresh",
+                                     .period = 3s,
+                                     .subject = "Kv CPU Monitor Alert",
+                                     .testSent = "Test email for CPU Monitor has been sent"};
+constexpr MonitorKind kDiskMonitor = {.file = "DiskMon.dat",
+                                      .lines = kSpaceLines,
+                                      .timer = "tim",
+                                      .period = 30s,
+                                      .subject = "Kv Disk Monitor Alert",
+                                      .testSent = "Test email for Disk Monitor has been sent"};
+constexpr MonitorKind kMemoryMonitor = {.file = "MemoryMon.dat",
+                                        .lines = kSpaceLines,
+                                        .timer = "Timer1",
+                                        .period = 30s,
+                                        .disableStopsTimer = false,
+                                        .subject = "Kv Memory Monitor Alert",
+                                        .testSent = "Test email for Memory Monitor has been sent",
+                                        .refusalDisablesTest = true};
+constexpr MonitorKind kServiceMonitor = {.file = "SvcMon.dat",
+                                         .lines = kServiceLines,
+                                         .serviceKey = "SVC=",
+                                         .timer = "tim",
+                                         .period = 60s,
+                                         .subject = "Kv Service Monitor Alert",
+                                         .testSent = "Test email for Services Monitor has been sent",
+                                         .refusalDisablesTest = true};
+
+AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind) {
+    AlertSettings settings;
+    IgnoreErrors([&] {
+        const std::string contents = ToUtf8(files.Read(PathOf(dir, kind)).value_or(""));
+        for (std::string_view rest = contents; !rest.empty();)
+            TakeLine(TakeFirstLine(rest), kind, settings);
+    });
+    return settings;
+}
+
+void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind, const AlertSettings& settings) {
     std::string text;
-    for (const std::string& line : lines)
-        text += WithoutLineEnds(line) + "\r\n";  // a line end in a value would start a new line
-    IgnoreErrors([&] { files_.Replace(path_, text); });
-}
-
-std::size_t AlertSettings::IndexOf(std::string_view key) const {
-    const auto found = std::find_if(values_.begin(), values_.end(), [key](const auto& one) { return one.first == key; });
-    return static_cast<std::size_t>(found - values_.begin());
+    for (const auto& [key, member] : kind.lines)
+        text += Line(key, settings.*member);
+    for (const std::string& service : settings.services)
+        text += Line(kind.serviceKey, service);
+    IgnoreErrors([&] { files.Replace(PathOf(dir, kind), text); });
 }
 
 }  // namespace korvane

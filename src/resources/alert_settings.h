@@ -1,74 +1,55 @@
-// The small text file with the settings of a resource monitor: one line per key, with all values as text.
+// How the four resource monitors differ from each other, in one description; and their settings, each in a small text
+// file: one line per key, with all values as text.
 #pragma once
 
-#include <cstddef>
-#include <initializer_list>
+#include <chrono>
+#include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "platform/files.h"
 
 namespace korvane {
 
-/// The settings common to all monitors. `files` must outlive this.
-class AlertSettings {
-public:
-    virtual ~AlertSettings() = default;
-
-    /// Reads the file. A key may be anywhere in its line and is case-sensitive; the value is what follows the first "=" of the
-    /// line. Lines without a key are ignored, and the last line of a key counts. Settings that are not in the file stay
-    /// unchanged, and so do all when the file cannot be read.
-    virtual void OpenFile();
-
-    /// Writes the whole file. A write error is not reported.
-    void UpdateData();
-
-    /// The address to notify; empty: that of the first server entry.
-    const std::string& getEmail() const { return Get(kEmail); }
-    void setEmail(std::string_view text) { Set(kEmail, text); }
-
-    /// "1": the monitor is switched off. Any other text: it is on.
-    const std::string& getDisable() const { return Get(kDisable); }
-    void setDisable(std::string_view text) { Set(kDisable, text); }
-
-protected:
-    static constexpr std::string_view kEmail = "EMAIL=";
-    static constexpr std::string_view kDisable = "DISABLE=";
-
-    /// `keys` in the order in which they are searched and written; every one must be a literal.
-    AlertSettings(Files& files, const std::string& dir, std::string_view file, std::initializer_list<std::string_view> keys);
-    AlertSettings(const AlertSettings&) = delete;
-    AlertSettings& operator=(const AlertSettings&) = delete;
-
-    const std::string& Get(std::string_view key) const { return values_[IndexOf(key)].second; }
-    void Set(std::string_view key, std::string_view text) { values_[IndexOf(key)].second = text; }
-
-    /// Receives a line without any of the keys, and the text after its first "=".
-    virtual void TakeOther(std::string_view /*line*/, std::string_view /*value*/) {}
-    /// Returns the lines after those of the keys, without line ends.
-    virtual std::vector<std::string> OtherLines() const { return {}; }
-
-private:
-    void TakeLine(std::string_view line);
-    std::size_t IndexOf(std::string_view key) const;
-
-    Files& files_;
-    std::string path_;
-    std::vector<std::pair<std::string_view, std::string>> values_;
+/// A monitor has those for which its description names a line; the others stay empty.
+struct AlertSettings {
+    std::string email;                  ///< the address to notify; empty: that of the first server entry
+    std::string disable;                ///< "1": the monitor is switched off. Any other text: it is on
+    std::string alert;                  ///< the level in percent; empty: no alert
+    std::string duration;               ///< in minutes; empty: no alert
+    std::string restart;                ///< "1": a mail when a service that had stopped runs again. Any other text: none
+    std::vector<std::string> services;  ///< the watched ones, as the system knows them, with a line each
 };
 
-/// Adds the level at which a monitor of a percentage alerts.
-class LevelSettings : public AlertSettings {
-public:
-    /// In percent; empty: no alert.
-    const std::string& getAlert() const { return Get(kAlert); }
-    void setAlert(std::string_view text) { Set(kAlert, text); }
-
-protected:
-    using AlertSettings::AlertSettings;
-    static constexpr std::string_view kAlert = "ALERT_AT=";
+struct SettingsLine {
+    std::string_view key;
+    std::string AlertSettings::*value;
 };
+
+struct MonitorKind {
+    std::string_view file;                ///< of the settings, in the program's folder
+    std::span<const SettingsLine> lines;  ///< in the order in which keys are searched and written
+    std::string_view serviceKey = {};     ///< of the lines after them; empty: no services
+    const char* timer;
+    std::chrono::milliseconds period;  ///< between two looks
+    bool disableStopsTimer = true;
+    const char* subject;
+    const char* testSent;
+    bool refusalDisablesTest = false;  ///< a test with an invalid address leaves the command disabled until Shown
+};
+
+extern const MonitorKind kCpuMonitor;
+extern const MonitorKind kDiskMonitor;
+extern const MonitorKind kMemoryMonitor;
+extern const MonitorKind kServiceMonitor;
+
+/// A key may be anywhere in its line and is case-sensitive; the value is what follows the first "=" of the line. Lines without a
+/// key are ignored, and the last line of a key counts. Settings that are not in the file are empty, and so are all when the file
+/// cannot be read.
+AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind);
+
+/// Writes the whole file. A write error is not reported.
+void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind, const AlertSettings& settings);
 
 }  // namespace korvane

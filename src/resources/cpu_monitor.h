@@ -3,15 +3,34 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/system_info.h"
 #include "resources/alert_monitor.h"
-#include "resources/cpu_usage.h"
 
 namespace korvane {
+
+/// The load of the processors between two readings of their counters.
+class clsCPUUsageNT {
+public:
+    /// `system` must outlive this.
+    explicit clsCPUUsageNT(const SystemInfo& system) : system_(system) {}
+
+    /// Sets the start for the first Query.
+    void Initialize();
+
+    /// Returns the load of all processors together since the last call, in whole percent, 0 to 100; -1 when the counters cannot
+    /// be read.
+    int Query();
+
+private:
+    void Keep(const ProcessorTimes& now);
+
+    const SystemInfo& system_;
+    double lastIdle_ = 0;  ///< of all processors
+    double lastTime_ = 0;  ///< the time that has passed for each processor
+};
 
 /// Takes no sample before the first LoadData: a user who never opens the window gets no alerts.
 class CpuMonitor : public AlertMonitor {
@@ -21,11 +40,6 @@ public:
     /// Called when the window is loaded. `system` must outlive this.
     CpuMonitor(const MonitorPorts& ports, const SystemInfo& system);
 
-    std::string cboAlert;     ///< in percent; empty: no alert
-    std::string cboDuration;  ///< in minutes; empty: no alert
-
-    void LoadData() override;
-
     /// "17%", ":(" after a failure, empty before the first sample.
     const std::string& LoadLabel() const { return loadLabel_; }
     /// The last samples in percent, the oldest first; always kSamples of them, 0 before the first.
@@ -34,12 +48,9 @@ public:
     DateTime SampledAt() const { return dtSample_; }
 
 private:
-    void tmrRefresh_Timer();
+    void Look() override;
     void TakeSample(int load);
     void AlertAt(int load);
-
-    void Switch(bool on) override { tmrRefresh_->SetEnabled(on); }
-    void UpdateFile() override;
     std::string TestBody() const override { return Body(" 5"); }
     std::string Body(const std::string& minutes) const;
 
@@ -48,7 +59,6 @@ private:
     DateTime dtSample_;
     std::string loadLabel_;
     std::vector<std::int32_t> history_ = std::vector<std::int32_t>(kSamples);
-    std::unique_ptr<Timer> tmrRefresh_;
 };
 
 }  // namespace korvane

@@ -2,21 +2,12 @@
 // operator's level eleven times in a row.
 #pragma once
 
-#include <cstdint>
-#include <memory>
 #include <string>
 
 #include "platform/system_info.h"
 #include "resources/alert_monitor.h"
 
 namespace korvane {
-
-/// In bytes.
-struct DiskInfo {
-    double total = 0;
-    double free = 0;
-    double used = 0;
-};
 
 class DiskMonitor : public AlertMonitor {
 public:
@@ -33,9 +24,6 @@ public:
     /// Called when the window is loaded: the figures are shown at once. `system` must outlive this.
     DiskMonitor(const MonitorPorts& ports, const SystemInfo& system);
 
-    std::string cboAlert;  ///< in percent; empty: no alert
-
-    void LoadData() override;
     const Figures& Shows() const { return figures_; }
 
     Unit SelectedUnit() const { return unit_; }
@@ -43,22 +31,16 @@ public:
     void Select(Unit unit);
 
 private:
-    void tim_Timer();
-    void ReadDisks();
+    void Look() override;
     void Display();
-    bool ShowFigures();
-
-    void Switch(bool on) override { tim_->SetEnabled(on); }
-    void UpdateFile() override;
-    std::string TestBody() const override { return Body(); }
-    std::string Body() const;
+    void ShowFigures();
+    std::string Amount(double bytes) const;
+    std::string TestBody() const override;
 
     const SystemInfo& system_;
-    DiskInfo disks_;
+    DiskSpace disks_;
     Unit unit_ = Unit::rbGb;
     Figures figures_;
-    std::int32_t nDiskAlertCount_ = 0;
-    std::unique_ptr<Timer> tim_;
 };
 
 }  // namespace korvane

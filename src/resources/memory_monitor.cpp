@@ -1,24 +1,17 @@
 #include "resources/memory_monitor.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
-#include "resources/memory_settings.h"
 
 namespace korvane {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kMemoryLook = 30000ms;
-constexpr std::int32_t kMemoryLooksWithoutMail = 10;
 constexpr double kMegabyte = 1048576;
 
 constexpr std::size_t kTexts = 100;
 constexpr std::size_t kCharacters[] = {500000, 5000000, 50000000};  // by level
-constexpr const char* kShortText = "";
 
 // Follows the pattern "#.## MB": no needless zeros, but always the point.
 std::string Megabytes(std::uint64_t bytes) {
@@ -31,40 +24,15 @@ std::string Megabytes(std::uint64_t bytes) {
 }  // namespace
 
 MemoryMonitor::MemoryMonitor(const MonitorPorts& ports, Events& events, const SystemInfo& system)
-    : AlertMonitor(ports, {.subject = "Kv Memory Monitor Alert",
-                           .testSent = "Test email for Memory Monitor has been sent",
-                           .refusalDisablesTest = true}),
-      events_(events),
-      system_(system),
-      Timer1_(ports.timers.NewTimer("Timer1")) {
-    Timer1_->SetInterval(kMemoryLook);
-    Timer1_->OnTick([this] { Timer1_Timer(); });
-    Timer1_->SetEnabled(true);
-    Timer1_Timer();
+    : AlertMonitor(ports, kMemoryMonitor), events_(events), system_(system) {
+    timer_->SetEnabled(true);
+    Look();
 }
 
-void MemoryMonitor::LoadData() {
-    clsMemoryMon file(ports_.files, ports_.dir);
-    Load(file);
-    cboAlert = file.getAlert();
-    Changed();
-}
-
-void MemoryMonitor::UpdateFile() {
-    clsMemoryMon file(ports_.files, ports_.dir);
-    Fill(file);
-    file.setAlert(cboAlert);
-    file.UpdateData();
-}
-
-void MemoryMonitor::Timer1_Timer() {
+void MemoryMonitor::Look() {
     const bool hasShare = ShowMemory();
     Changed();
-    if (!hasShare) return;
-    nMemAlertCount_ = cboAlert.empty() ? 0 : nMemAlertCount_ + 1;
-    if (nMemAlertCount_ <= kMemoryLooksWithoutMail) return;
-    SendAlert(Body());
-    nMemAlertCount_ = 0;
+    if (hasShare) AlertAtEleventhLook(!cboAlert.empty(), Body());
 }
 
 // Returns whether there is a share: a machine that reports no figures has none, and the check ends before the count.
@@ -92,7 +60,7 @@ void MemoryMonitor::Recover_Memory(std::int16_t level) {
     const auto look = IfAlive([&alive] { alive = true; });
     const auto isAlive = [&] { return alive = false, look(), alive; };
 
-    Timer1_->SetEnabled(false);
+    timer_->SetEnabled(false);
     std::vector<std::string> texts(kTexts);
     for (std::string& text : texts) {
         // Filling more than is available would end this program instead of moving others out.
@@ -102,10 +70,8 @@ void MemoryMonitor::Recover_Memory(std::int16_t level) {
         events_.DoEvents();
         if (!isAlive()) return;
     }
-    std::fill(texts.begin(), texts.end(), kShortText);
-    for (std::string& text : texts)
-        text.shrink_to_fit();
-    Timer1_->SetEnabled(true);
+    texts = {};
+    timer_->SetEnabled(true);
     ShowMemory();
     Changed();
 }

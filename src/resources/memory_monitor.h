@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "platform/events.h"
@@ -26,9 +25,6 @@ public:
     /// Called when the window is loaded: the first check is made at once. `events` and `system` must outlive this.
     MemoryMonitor(const MonitorPorts& ports, Events& events, const SystemInfo& system);
 
-    std::string cboAlert;  ///< in percent; empty: no alert
-
-    void LoadData() override;
     const Figures& Shows() const { return figures_; }
 
     /// Makes the system page other programs out: fills memory with 100 texts of 500,000, 5,000,000 or 50,000,000 characters at
@@ -36,20 +32,14 @@ public:
     void Recover_Memory(std::int16_t level);
 
 private:
-    void Timer1_Timer();
+    void Look() override;
     bool ShowMemory();
-
-    void Switch(bool on) override { tim_ = on; }
-    void UpdateFile() override;
     std::string TestBody() const override { return Body() + " for approx. 5 minutes consistently"; }
     std::string Body() const;
 
     Events& events_;
     const SystemInfo& system_;
     Figures figures_;
-    std::int32_t nMemAlertCount_ = 0;
-    bool tim_ = false;  ///< a timer without effect: the only thing that the disable mark controls
-    std::unique_ptr<Timer> Timer1_;
 };
 
 }  // namespace korvane

@@ -1,29 +1,17 @@
 #include "resources/service_monitor.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace korvane {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kCheck = 60000ms;
 constexpr const char* kStopped = "Stopped";
-constexpr const char* kRunning = "Running";
-constexpr const char* kPaused = "Paused";
 
 const char* TextOf(int state, const char* otherwise) {
-    switch (state) {
-        case ServiceRecord::kStopped:
-            return kStopped;
-        case ServiceRecord::kRunning:
-            return kRunning;
-        case ServiceRecord::kPaused:
-            return kPaused;
-        default:
-            return otherwise;
-    }
+    if (state == ServiceRecord::kStopped) return kStopped;
+    if (state == ServiceRecord::kRunning) return "Running";
+    if (state == ServiceRecord::kPaused) return "Paused";
+    return otherwise;
 }
 
 std::string StoppedBody(const std::string& name) {
@@ -33,22 +21,11 @@ std::string StoppedBody(const std::string& name) {
 }  // namespace
 
 ServiceMonitor::ServiceMonitor(const MonitorPorts& ports, Services& services)
-    : AlertMonitor(ports, {.subject = "Kv Service Monitor Alert",
-                           .testSent = "Test email for Services Monitor has been sent",
-                           .refusalDisablesTest = true}),
-      services_(services),
-      tim_(ports.timers.NewTimer("tim")) {
-    tim_->SetInterval(kCheck);
-    tim_->OnTick([this] { tim_Timer(); });
-}
+    : AlertMonitor(ports, kServiceMonitor), services_(services) {}
 
-void ServiceMonitor::LoadData() {
-    clsSvcMon file(ports_.files, ports_.dir);
-    Load(file);
-    ckRestart = file.getRestart() == "1";
-    saved_ = file.getSvcList();
+void ServiceMonitor::Loaded(const AlertSettings& settings) {
+    saved_ = settings.services;
     listed_ = false;
-    Changed();
     loading_ = services_.EnumServices([this](const ServiceList& list) { TakeList(list); });
 }
 
@@ -57,7 +34,7 @@ void ServiceMonitor::TakeList(const ServiceList& list) {
     listed_ = whyNot_.empty();
     rows_.clear();
     for (const ServiceRecord& service : list.services) {
-        const bool watched = std::find(saved_->begin(), saved_->end(), service.name) != saved_->end();
+        const bool watched = std::find(saved_.begin(), saved_.end(), service.name) != saved_.end();
         const char* status = TextOf(service.state, "");
         rows_.push_back({.name = service.name, .watched = watched, .status = status, .previous = status});
     }
@@ -71,13 +48,9 @@ void ServiceMonitor::ClickMonitor(std::size_t row) {
 }
 
 // If the manager has not answered, the watched services must not be lost.
-void ServiceMonitor::UpdateFile() {
-    if (listed_) saved_ = std::make_shared<std::vector<std::string>>(WatchedNames());
-    clsSvcMon file(ports_.files, ports_.dir);
-    Fill(file);
-    file.setRestart(ckRestart ? "1" : "0");
-    file.setSvcList(saved_);
-    file.UpdateData();
+std::vector<std::string> ServiceMonitor::WatchedServices() {
+    if (listed_) saved_ = WatchedNames();
+    return saved_;
 }
 
 std::vector<std::string> ServiceMonitor::WatchedNames() const {
@@ -88,7 +61,7 @@ std::vector<std::string> ServiceMonitor::WatchedNames() const {
     return names;
 }
 
-void ServiceMonitor::tim_Timer() {
+void ServiceMonitor::Look() {
     checking_ = services_.EnumServices([this](const ServiceList& list) { Check(list); });
 }
 

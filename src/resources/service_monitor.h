@@ -9,7 +9,6 @@
 
 #include "platform/services.h"
 #include "resources/alert_monitor.h"
-#include "resources/service_settings.h"
 
 namespace korvane {
 
@@ -29,10 +28,6 @@ public:
     /// Called when the window is loaded. `services` must outlive this.
     ServiceMonitor(const MonitorPorts& ports, Services& services);
 
-    bool ckRestart = false;  ///< send a mail when a service runs again after a failure
-
-    void LoadData() override;
-
     /// In the manager's order. They are rebuilt only after LoadData; a service that no longer exists keeps its row until then.
     const std::vector<Row>& Rows() const { return rows_; }
     /// Handles a click on the mark of a row, counted from 0. Clicks cannot change the mark of the first row.
@@ -42,22 +37,20 @@ public:
     const std::string& WhyNoServices() const { return whyNot_; }
 
 private:
-    void tim_Timer();
+    void Look() override;
+    void Loaded(const AlertSettings& settings) override;
+    std::vector<std::string> WatchedServices() override;
+    std::string TestBody() const override;
     void TakeList(const ServiceList& list);
     void Check(const ServiceList& list);
     void CheckRow(Row& row, const ServiceRecord& service);
     std::vector<std::string> WatchedNames() const;
 
-    void Switch(bool on) override { tim_->SetEnabled(on); }
-    void UpdateFile() override;
-    std::string TestBody() const override;
-
     Services& services_;
     std::vector<Row> rows_;
     bool listed_ = false;  ///< rows_ come from an answer of the manager
-    clsSvcMon::SvcList saved_ = std::make_shared<std::vector<std::string>>();
+    std::vector<std::string> saved_;
     std::string whyNot_;
-    std::unique_ptr<Timer> tim_;
     std::unique_ptr<Services::Question> loading_;
     std::unique_ptr<Services::Question> checking_;
 };

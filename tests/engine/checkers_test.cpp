@@ -152,8 +152,7 @@ TEST(DownTime, HoldsFromItsFirstMinuteToBeforeItsEnd) {
     };
     for (const auto& [start, duration, hour, minute, down, toStart] : cases) {
         const DownTime result = IsDownTime(start, duration, DateTime::Of(2026, 11, 21, hour, minute, 30));
-        EXPECT_EQ(result.bIsDown, down) << start << " at " << hour << ":" << minute;
-        EXPECT_EQ(result.nMinutesToStart, toStart) << start << " at " << hour << ":" << minute;
+        EXPECT_EQ(std::pair(result.bIsDown, result.nMinutesToStart), std::pair(down, toStart)) << start << " at " << hour;
     }
 }
 

@@ -1,4 +1,4 @@
-// Servers and mail servers that fail and recover at random, for days: what people, traces and commands get, and what the store
+// Servers and mail servers that fail and recover at random, for hours: what people, traces and commands get, and what the store
 // holds, is compared check by check with a ledger that knows only what the servers answered, what the mail servers took and that
 // the store refused. KORVANE_LONG plays weeks.
 #include <array>
@@ -62,9 +62,10 @@ struct Account {
 
 class Ledger {
 public:
-    explicit Ledger(const Trial& trial) : trial_(trial) {
+    /// Adds to `told` how the mails went: through the primary server, the backup, and nowhere.
+    Ledger(const Trial& trial, std::array<int, 3>& told) : trial_(trial), told_(told) {
         engine_.person.keepOnlyCounts = true;
-        accounts_.reserve(kLong ? 30 : 14);
+        accounts_.reserve(kLong ? 30 : 12);
         while (accounts_.size() < accounts_.capacity())
             Enter(static_cast<int>(accounts_.size()));
         engine_.world.After(trial.jumpAfter, [this] { Jump(); });
@@ -73,10 +74,10 @@ public:
 
     /// Gives what tells one run from another.
     std::string Play() {
-        engine_.world.RunUntil([] { return testing::Test::HasFailure(); }, kLong ? 168h : 12h);
+        engine_.world.RunUntil([] { return testing::Test::HasFailure(); }, kLong ? 168h : 6h);
         CloseCheck();
         std::string digest = std::to_string(checks_);
-        EXPECT_GT(checks_, 300);
+        EXPECT_GT(checks_, 100);
         if (trial_.store == Trial::Errs) return digest;
         std::map<std::int64_t, std::multiset<std::string>> failures;
         for (const Row& row : engine_.rows.Query("SELECT * FROM Failures ORDER BY dateFail, ID")) {
@@ -94,7 +95,6 @@ public:
             EXPECT_EQ(all > 0 ? engine_.Of(account.id, "nPercentUp") : "",
                       all > 0 ? Value(100.0 - bad / all * 100.0).Text() : "");
         }
-        EXPECT_TRUE(told_[0] > 0 && told_[2] > 0 && (told_[1] > 0) == trial_.usesBackup) << told_[0] << "," << told_[1];
         std::erase_if(engine_.serviceManager.told, [](const std::string& text) { return !text.starts_with("Outcomes"); });
         for (bool stored = true; const std::string& text : engine_.serviceManager.told)
             EXPECT_EQ(text == "Outcomes of checks are stored again.", stored = !stored) << text;
@@ -228,7 +228,7 @@ private:
     void Look() {
         for (const Row& row : engine_.rows.Query("SELECT ID, dtNextCheck, nIntervalSeconds FROM Servers")) {
             const seconds late = engine_.world.clock.Now() - row.at("dtNextCheck").When();
-            EXPECT_LE(checks_ > 100 ? late : 0s, Backlog() + forward_) << row.at("ID").Text();
+            EXPECT_LE(checks_ > 40 ? late : 0s, Backlog() + forward_) << row.at("ID").Text();
             EXPECT_LE(-late, std::max<seconds>(5 * seconds(row.at("nIntervalSeconds").Int64()), 6h) + back_)
                 << row.at("ID").Text();
         }
@@ -241,6 +241,7 @@ private:
     }
 
     const Trial trial_;
+    std::array<int, 3>& told_;
     std::mt19937 random_{static_cast<unsigned>(trial_.start.Seconds())};
     Engine engine_{
         {}, "GlobalRetryDuration=300\nServerBackup=" + trial_.ServerBackup + "\nSMTPUser1=" + trial_.SMTPUser1, trial_.start};
@@ -254,25 +255,27 @@ private:
     std::uint64_t refusals_ = 0;
 
     int checks_ = 0;
-    std::array<int, 3> told_{};  ///< through the primary server, the backup, and nowhere
     seconds forward_{0}, back_{0};
 };
 
 TEST(Ledger, EachOutageIsToldOnceAndNobodyIsForgotten) {
     const Trial trials[] = {
-        {DateTime::Of(2027, 3, 27, 22, 0, 0), "mail12", "watch", true, Trial::Works, 4h, 1h,
+        {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h,
          &VirtualWorld::MoveZone},  // summer time
-        {DateTime::Of(2027, 10, 30, 22, 0, 0), "mail2", "", false, Trial::Works, 5h, -1h, &VirtualWorld::MoveZone},
-        {DateTime::Of(2028, 2, 28, 18, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, -2h, &VirtualWorld::MoveClock},
-        {DateTime::Of(2026, 11, 21, 15, 0, 0), "backup.example", "", true, Trial::Refuses, 9h, 960h, &VirtualWorld::MoveClock},
-        {DateTime::Of(2026, 11, 22, 15, 0, 0), "backup.example", "", true, Trial::Errs, 9h, 1h, &VirtualWorld::MoveClock},
+        {DateTime::Of(2027, 10, 31, 1, 0, 0), "mail2", "", false, Trial::Works, 2h, -1h, &VirtualWorld::MoveZone},
+        {DateTime::Of(2028, 2, 28, 21, 0, 0), "backup.example", "", true, Trial::Refuses, 2h, -2h, &VirtualWorld::MoveClock},
+        {DateTime::Of(2026, 11, 21, 20, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, 960h, &VirtualWorld::MoveClock},
+        {DateTime::Of(2026, 11, 22, 20, 0, 0), "backup.example", "", true, Trial::Errs, 2h, 1h, &VirtualWorld::MoveClock},
     };
+    std::vector<std::string> digests;
+    std::array<int, 3> told{};
     for (const Trial& trial : trials) {
         SCOPED_TRACE(trial.start.Text());
-        Ledger(trial).Play();
+        digests.push_back(Ledger(trial, told).Play());
         if (HasFailure()) return;
     }
-    EXPECT_TRUE(kLong || Ledger(trials[2]).Play() == Ledger(trials[2]).Play()) << "the same seed, another run";
+    EXPECT_TRUE(told[0] > 0 && told[1] > 0 && told[2] > 0) << told[0] << "," << told[1] << "," << told[2];
+    EXPECT_TRUE(kLong || Ledger(trials[2], told).Play() == digests[2]) << "the same seed, another run";
 }
 
 }  // namespace

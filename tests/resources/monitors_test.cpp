@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "resources/cpu_monitor.h"
-#include "resources/cpu_settings.h"
 #include "resources/disk_monitor.h"
 #include "resources/memory_monitor.h"
 #include "resources/service_monitor.h"
@@ -225,20 +224,17 @@ TEST_F(MonitorsTest, SettingsFilesAreReadLineByLineAndWrittenInOrder) {
          "ALERT_AT=\r\nEMAIL= \"\xC3\xA9\", b \r\nDISABLE=\r\nDURATION=\r\n"}};
     for (const auto& [contents, written] : cases) {
         world.Write("CPUMon.dat", contents);
-        clsCPUMon cpu(world.files, world.home);
-        cpu.OpenFile();
-        cpu.UpdateData();
+        WriteAlertSettings(world.files, world.home, kCpuMonitor, ReadAlertSettings(world.files, world.home, kCpuMonitor));
         EXPECT_EQ(world.Text("CPUMon.dat"), written);
     }
     const std::string lines = "DISABLE=\r\nRESTART=1\r\nSVC=b\r\nSVC=a,\"b\"\r\nSVC=\r\n";
     world.Write("SvcMon.dat", lines + "mySVC=c=d");
-    clsSvcMon services(world.files, world.home);
-    services.OpenFile();
-    services.setEmail("me\r\nSVC=slipped in");
+    AlertSettings services = ReadAlertSettings(world.files, world.home, kServiceMonitor);
+    services.email = "me\r\nSVC=slipped in";
     world.files.faults.Add({.nth = 2, .forever = true});
-    services.UpdateData();
-    services.OpenFile();
-    services.UpdateData();
+    for (int i = 0; i < 2; ++i)
+        WriteAlertSettings(world.files, world.home, kServiceMonitor, services);
+    EXPECT_EQ(ReadAlertSettings(world.files, world.home, kServiceMonitor).email, "") << "what cannot be read is empty";
     EXPECT_EQ(world.Text("SvcMon.dat"), "EMAIL=me SVC=slipped in\r\n" + lines + "SVC=c=d\r\n") << "what fails changes nothing";
 }
 

@@ -291,7 +291,7 @@ TEST(ServerList, ShowsEachEntryInItsState) {
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {
     StartedWorld w;
-    VersionCheck check({w.desk.http, w, w.desk.pages}, "10.0.0");
+    VersionCheck check(w.desk.http, w, w.desk.pages, "10.0.0");
     for (const char* file : {"version= 10. |More", "version=9.9.9|", "<!DOCTYPE html><html>", ""}) {  // compared as text
         w.net.Page("http://www.example.com/zshared/version.txt").Anew().Answer(file, 5ms);
         w.answers = {true};

@@ -89,36 +89,38 @@ std::string SetUpWith(const std::string& line) {
     StartedWorld w;
     w.rows.AddMany({{.id = 1, .nTimeout = 99, .nFail = 7}, {.id = 2}});
     const Row other = w.rows.Server(2);
+    w.serviceManager.present = given[0] != "shortcut";
+    if (given[0] == "refused service") w.serviceManager.refusal = "No.";
+    if (given[0] == "full disk") w.store.faults.Add({.operation = StoreOperation::Update, .nth = 2});
+    w.autostart.names = {"Korvane"};
     std::string did;
-    const auto note = [&did](const std::string& what) { return [&did, what] { did += what + ", "; }; };
     const auto ask = [&, asked = 0U](const WizardPage& page) mutable {
-        did += page.title.substr(14, page.title.size() - 19) + ", ";
+        did += page.title.substr(14, page.title.size() - 19) + std::string(w.serviceManager.asked.size(), '*');
+        did += w.run.Service().mnuTrayNTService() || w.run.Service().mnuTrayStartup() ? "!, " : ", ";
         return page.textboxVisible && given.at(++asked) != "=" ? given[asked] : page.defaultText;
     };
-    const auto install = [&](const std::string& name) {
-        did += given[0] + " " + name + ", ";
-        return given[0] == "broken service" ? throw Error("The manager does not answer.") : given[0] == "service";
-    };
-    const auto isNT = [&] { return given[0] != "shortcut"; };
-    SetUpFirstRun(w.desk, {ask, std::not_fn(isNT), isNT, [&](bool add) { note(add ? "shortcut" : "")(); }, install, note("warn"),
-                           note("mark startup"), note("mark service"), [&](const auto& to) { note("monitors " + to)(); }});
+    SetUpFirstRun(w.desk, ask, [&](const std::string& address) { did += "monitors " + address + ", "; });
     EXPECT_EQ(w.rows.Server(2), other);
-    EXPECT_EQ(w.Logged("First-run setup ended early: The manager does not answer."), given[0] == "broken service");
+    EXPECT_EQ(w.Logged("First-run setup ended early: disk I/O error"), given[0] == "full disk");
+    for (const std::string& question : w.serviceManager.asked)
+        did += question + ", ";
+    did += w.autostart.last.name + (w.run.Service().mnuTrayNTService() ? " marked service, " : ", ");
     did += w.Cells("strGroup|nTimeout|nFail|strAddress_IP|strDesc|strEmailText|strEmailList1|strEmailFrom");
     for (const std::string& text : w.heard)
         did += text[0];
     return did + " " + w.Stored("Server") + " " + w.Stored("Service");
 }
 
-// How it comes back with the machine, and the three answers ("=": as it stands, "^": a NUL); then the steps, the first entry, what
-// the status lines begin with, and in the file the mail server and the mark of the service.
+// How it comes back with the machine, and the three answers ("=": as it stands, "^": a NUL); then the pages ("*": the manager was
+// asked, "!": the tray's command is marked), what the manager was asked, the name in the startup group, the first entry, what is
+// said, and in the file the mail server and the mark of the service.
 TEST(FirstRun, AsksInItsOrderAndMakesOfEachAnswerWhatItShould) {
     Play(R"(
-$ service|=|=|= => Question 1, Question 2, Question 3, service Korvane, Info 1, mark service, warn, Info 2, Info 3, monitors someone@example.com, Popular_Sites; 15; 0; www.example.com/default.htm; example/defaulthtm; Server example/defaulthtm Down.; someone@example.com; someone@example.com; S54321 mail.example.com True
-$ refused service||| => Question 1, Question 2, Question 3, refused service Korvane, mark service, Info 2, Info 3, monitors , Popular_Sites; 15; 0; www.example.com; Example; Server XXX Down.; someone@example.com; someone@example.com; S54321 mail.example True
-$ broken service|=|=|= => Question 1, Question 2, Question 3, broken service Korvane, Popular_Sites; 15; 0; www.example.com/default.htm; example/defaulthtm; Server example/defaulthtm Down.; someone@example.com; someone@example.com;  mail.example False
-$ shortcut|HTTP://WWW.Shop.COM/Start.htm|admin@shop.com|= => Question 1, Question 2, Question 3, shortcut, mark startup, Info 2, Info 3, monitors admin@shop.com, Popular_Sites; 15; 0; www.shop.com/start.htm; shop/starthtm; Server shop/starthtm Down.; admin@shop.com; admin@shop.com; S54321 mail.shop.com False
-$ shortcut|  https://www.^comics.com |a@^b@c.de |smtp => Question 1, Question 2, Question 3, shortcut, mark startup, Info 2, Info 3, monitors a@b@c.de, Popular_Sites; 15; 0; www.comics.com; ics; Server ics Down.; a@b@c.de; a@b@c.de; S54321 smtp False
+$ service|=|=|= => Question 1, Question 2, Question 3, Info 1*, Info 2*!, Info 3*!, monitors someone@example.com, install Korvane,  marked service, Popular_Sites; 15; 0; www.example.com/default.htm; example/defaulthtm; Server example/defaulthtm Down.; someone@example.com; someone@example.com; ?S54321 mail.example.com True
+$ refused service||| => Question 1, Question 2, Question 3, Info 2*!, Info 3*!, monitors , install Korvane,  marked service, Popular_Sites; 15; 0; www.example.com; Example; Server XXX Down.; someone@example.com; someone@example.com; NS54321 mail.example True
+$ full disk|=|=|= => Question 1, Question 2, , Popular_Sites; 15; 0; www.example.com/default.htm; example/defaulthtm; Server example/defaulthtm Down.; someone@example.com; someone@example.com;  mail.example False
+$ shortcut|HTTP://WWW.Shop.COM/Start.htm|admin@shop.com|= => Question 1, Question 2, Question 3, Info 2!, Info 3!, monitors admin@shop.com, Korvane, Popular_Sites; 15; 0; www.shop.com/start.htm; shop/starthtm; Server shop/starthtm Down.; admin@shop.com; admin@shop.com; S54321 mail.shop.com False
+$ shortcut|  https://www.^comics.com |a@^b@c.de |smtp => Question 1, Question 2, Question 3, Info 2!, Info 3!, monitors a@b@c.de, Korvane, Popular_Sites; 15; 0; www.comics.com; ics; Server ics Down.; a@b@c.de; a@b@c.de; S54321 smtp False
 )",
          SetUpWith);
 }

@@ -11,7 +11,7 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     World world({.settings = "CatchUp=true\nOwnNetwork=10.0.0.1; a b\nHeartbeat=ftp://x\nSMTPSecurity1=ssl\nSMTPPort1=65536\n"
                              "ProveMailTime=24:00\nProveMail=True\nHTTPStatusFails= True \nSMTPPort2=65535"});
     world.Start();
-    Safeguards guards(world.run.TheDesk().collection, world.run.TheDesk().log, world.run.TheDesk().status);
+    Safeguards& guards = world.run.TheDesk().safeguards;
     for (const int again : {1, 2}) {
         guards.TellProblems();
         const auto texts = world.LogTexts();

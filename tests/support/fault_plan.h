@@ -24,7 +24,6 @@ public:
         bool forever = false;    ///< whether all after it fail too
         std::string about = "";  ///< what must be found, in any case, in the path, query, column or table; empty: whatever it is
         std::string description = "disk I/O error";
-        int number = 0;
     };
 
     void Add(Fault fault) { faults_.push_back(std::move(fault)); }
@@ -35,17 +34,19 @@ public:
     /// Operations that failed so far.
     std::uint64_t Failures() const { return failures_; }
 
-    /// For the fake, before each operation: throws Error when a fault says so.
-    void Pass(Operation operation, std::string_view about) {
+    /// For the fake, before each operation: throws Error when a fault says so, and otherwise hands on the real thing.
+    template <class Real>
+    Real& Pass(Operation operation, std::string_view about, Real& real) {
         for (auto fault = faults_.begin(); fault != faults_.end(); ++fault) {
             const bool meant = fault->operation.value_or(operation) == operation && Holds(ToLower(about), ToLower(fault->about));
             if (!meant || --fault->nth > 0) continue;
             fault->nth = 1;
             ++failures_;
-            const Error error(fault->description, fault->number);
+            const Error error(fault->description);
             if (!fault->forever) faults_.erase(fault);
             throw error;
         }
+        return real;
     }
 
 private:

@@ -49,10 +49,7 @@ public:
     bool HoldFolder(Path path) override { return files_.HoldFolder(path); }
 
 private:
-    Files& At(Op operation, Path path) {
-        faults.Pass(operation, path);
-        return files_;
-    }
+    Files& At(Op operation, Path path) { return faults.Pass(operation, path, files_); }
 
     Files& files_;
 };

@@ -37,55 +37,46 @@ public:
     std::unique_ptr<Connection> NewConnection() override { return std::make_unique<Link>(store_.NewConnection(), faults); }
     std::unique_ptr<Recordset> NewRecordset() override { return std::make_unique<Rows>(store_.NewRecordset(), faults); }
     void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override {
-        faults.Pass(Op::Compact, file);
-        store_.Compact(file, copy, copied);
+        faults.Pass(Op::Compact, file, store_).Compact(file, copy, copied);
     }
     void Rest() override { store_.Rest(); }
 
 private:
-    /// What stands before a connection or a recordset.
-    template <class Wrapped>
-    struct Hook {
-        std::unique_ptr<Wrapped> wrapped;
-        FaultPlan<Op>& faults;
-
-        Wrapped& At(Op operation, std::string_view about) {
-            faults.Pass(operation, about);
-            return *wrapped;
-        }
-    };
-
     struct Link : Connection {
-        Link(std::unique_ptr<Connection> wrapped, FaultPlan<Op>& faults) : hook{std::move(wrapped), faults} {}
+        Link(std::unique_ptr<Connection> wrapped, FaultPlan<Op>& plan) : link(std::move(wrapped)), faults(plan) {}
         void Open() override {
-            hook.wrapped->SetConnectionString(ConnectionString());
-            hook.At(Op::Connect, ConnectionString()).Open();
+            link->SetConnectionString(ConnectionString());
+            At(Op::Connect).Open();
         }
-        void Close() override { hook.wrapped->Close(); }
-        void BeginTrans() override { hook.wrapped->BeginTrans(); }
-        void CommitTrans() override { hook.At(Op::Commit, ConnectionString()).CommitTrans(); }
-        void TryWriting() override { hook.wrapped->TryWriting(); }
+        void Close() override { link->Close(); }
+        void BeginTrans() override { link->BeginTrans(); }
+        void CommitTrans() override { At(Op::Commit).CommitTrans(); }
+        void TryWriting() override { link->TryWriting(); }
+        Connection& At(Op operation) { return faults.Pass(operation, ConnectionString(), *link); }
 
-        Hook<Connection> hook;
+        std::unique_ptr<Connection> link;
+        FaultPlan<Op>& faults;
     };
 
     struct Rows : Recordset {
-        Rows(std::unique_ptr<Recordset> wrapped, FaultPlan<Op>& faults) : hook{std::move(wrapped), faults} {}
+        Rows(std::unique_ptr<Recordset> wrapped, FaultPlan<Op>& plan) : rows(std::move(wrapped)), faults(plan) {}
         void Open(std::string_view query, Connection& connection, CursorType cursor, LockType lock) override {
             source = query;
-            hook.At(Op::Open, source).Open(source, *dynamic_cast<Link&>(connection).hook.wrapped, cursor, lock);
+            At(Op::Open, source).Open(source, *dynamic_cast<Link&>(connection).link, cursor, lock);
         }
-        int RecordCount() const override { return hook.wrapped->RecordCount(); }
-        bool Eof() const override { return hook.wrapped->Eof(); }
-        void MoveNext() override { hook.At(Op::MoveNext, source).MoveNext(); }
-        void AddNew() override { hook.At(Op::AddNew, source).AddNew(); }
-        void Update() override { hook.At(Op::Update, source).Update(); }
-        void Delete() override { hook.At(Op::Delete, source).Delete(); }
-        void Close() override { hook.wrapped->Close(); }
-        Value Read(std::string_view name) override { return hook.At(Op::Read, name).Fields(name).Value(); }
-        void Write(std::string_view name, const Value& value) override { hook.At(Op::Write, name).Fields(name) = value; }
+        int RecordCount() const override { return rows->RecordCount(); }
+        bool Eof() const override { return rows->Eof(); }
+        void MoveNext() override { At(Op::MoveNext, source).MoveNext(); }
+        void AddNew() override { At(Op::AddNew, source).AddNew(); }
+        void Update() override { At(Op::Update, source).Update(); }
+        void Delete() override { At(Op::Delete, source).Delete(); }
+        void Close() override { rows->Close(); }
+        Value Read(std::string_view name) override { return At(Op::Read, name).Fields(name).Value(); }
+        void Write(std::string_view name, const Value& value) override { At(Op::Write, name).Fields(name) = value; }
+        Recordset& At(Op operation, std::string_view about) { return faults.Pass(operation, about, *rows); }
 
-        Hook<Recordset> hook;
+        std::unique_ptr<Recordset> rows;
+        FaultPlan<Op>& faults;
         std::string source;
     };
 

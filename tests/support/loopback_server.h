@@ -111,13 +111,14 @@ public:
     /// Listens on a free port at once. The connection is closed when its script returns.
     explicit LoopbackServer(Script script) : script_(std::move(script)) {
         ::listen(bound_.first.Number(), SOMAXCONN);
-        acceptor_ = std::thread([this] { AcceptAll(); });
+        acceptor_ = std::jthread([this] { AcceptAll(); });
     }
     ~LoopbackServer() {
-        Stop();
-        acceptor_.join();
-        for (std::thread& played : played_)
-            played.join();
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+        for (const Descriptor& client : clients_)
+            ::shutdown(client.Number(), SHUT_RDWR);
+        ::shutdown(bound_.first.Number(), SHUT_RDWR);
     }
 
     int Port() const { return bound_.second; }
@@ -137,26 +138,18 @@ public:
     }
 
 private:
-    void Stop() {
-        const std::lock_guard lock(mutex_);
-        stopping_ = true;
-        for (const Descriptor& client : clients_)
-            ::shutdown(client.Number(), SHUT_RDWR);
-        ::shutdown(bound_.first.Number(), SHUT_RDWR);
-    }
     void AcceptAll() {
         while (Descriptor accepted{
             static_cast<int>(TEMP_FAILURE_RETRY(::accept4(bound_.first.Number(), nullptr, nullptr, SOCK_CLOEXEC)))}) {
             const std::lock_guard lock(mutex_);
             if (stopping_) return;
-            played_.emplace_back([this, &client = clients_.emplace_back(std::move(accepted))] { Play(client); });
+            played_.emplace_back([this, &client = clients_.emplace_back(std::move(accepted))] {
+                Peer peer(*this, client.Number());
+                script_(peer);
+                const std::lock_guard closing(mutex_);
+                client = Descriptor();
+            });
         }
-    }
-    void Play(Descriptor& client) {
-        Peer peer(*this, client.Number());
-        script_(peer);
-        const std::lock_guard lock(mutex_);
-        client = Descriptor();
     }
 
     const Script script_;
@@ -165,8 +158,8 @@ private:
     bool stopping_ = false;
     std::list<Descriptor> clients_;  ///< without a number when its script has ended
     std::vector<std::string> notes_;
-    std::vector<std::thread> played_;
-    std::thread acceptor_;
+    std::vector<std::jthread> played_;
+    std::jthread acceptor_;  ///< goes before what it starts
 };
 
 /// A script that notes the head of one HTTP request and sends `answer`.

@@ -39,10 +39,9 @@ public:
 
     // What shows now.
     Tray tray;
-    std::string clockText, cycleText, progressTip;
-    bool progressShown = false, waitCursor = false;
-    int progressValue = 0, progressMax = 0;
-    int refreshCount = 0;
+    std::string cycleText;
+    bool waitCursor = false;
+    int progressValue = 0;
 
     /// The texts of the status lines, oldest first.
     std::vector<std::string> StatusTexts() const {
@@ -69,17 +68,10 @@ public:
     void StatusLine(const std::string& time, const std::string& text) override {
         if (!keepOnlyCounts) status.push_back({time, text});
     }
-    void SetClockText(const std::string& time) override { clockText = time; }
     void SetCycleText(const std::string& text) override { cycleText = text; }
-    void ShowProgress(bool shown) override { progressShown = shown; }
-    void SetProgress(int value, int max) override {
-        progressValue = value;
-        progressMax = max;
-    }
-    void SetProgressTip(const std::string& text) override { progressTip = text; }
+    void SetProgress(int value, int /*max*/) override { progressValue = value; }
     void SetTray(TrayPicture picture, const std::string& tip) override { tray = {picture, tip}; }
     void SetTrayTip(const std::string& tip) override { SetTray(tray.picture, tip); }
-    void RefreshURLList() override { ++refreshCount; }
     void SetWaitCursor(bool wait) override { waitCursor = wait; }
     void ShowMessage(const std::string& title, const std::string& text) override { messages.push_back({title, text}); }
     bool AskYesNo(const std::string& title, const std::string& text) override {

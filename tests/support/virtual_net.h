@@ -8,19 +8,79 @@
 //     world.After(2h, [&] { net.Host("10.0.0.1").Port(25).Accept(3ms); });
 #pragma once
 
+#include <arpa/inet.h>
+
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
-#include "support/virtual_page.h"
+#include "platform/icmp_echo.h"
+#include "platform/inet.h"
 #include "support/virtual_server.h"
 #include "support/virtual_world.h"
 
 namespace korvane {
+
+struct PageAnswer {
+    enum class Kind { Body, Binary, Failure, Silent };
+    Kind kind = Kind::Silent;
+    std::string text = {};  ///< the body, or the failure in words
+    std::chrono::milliseconds after{0};
+};
+
+/// What a web server gives for one URL: a list of answers, one for each request, of which the last one stays for good.
+///
+///     net.Page("http://10.0.0.2/").Answer("", 5ms).Fail("Connection refused", 1ms).Answer("Welcome", 40ms);
+class VirtualPage {
+    using Milliseconds = std::chrono::milliseconds;
+    using Kind = PageAnswer::Kind;
+
+public:
+    VirtualPage& Answer(const std::string& body, Milliseconds after = Milliseconds(1)) { return Add({Kind::Body, body, after}); }
+    VirtualPage& AnswerBinary(Milliseconds after = Milliseconds(1)) { return Add({Kind::Binary, "", after}); }
+    VirtualPage& Fail(const std::string& why, Milliseconds after = Milliseconds(1)) { return Add({Kind::Failure, why, after}); }
+    /// Nothing comes until the time of the request is over. So does a page without any answer.
+    VirtualPage& Silent() { return Add({}); }
+    VirtualPage& Add(const PageAnswer& answer) {
+        return Decide([answer] { return answer; });
+    }
+    /// The answer is made when it is asked for.
+    VirtualPage& Decide(std::function<PageAnswer()> answer) {
+        answers_.push_back(std::move(answer));
+        return *this;
+    }
+    /// Forgets the answers.
+    VirtualPage& Anew() {
+        answers_.clear();
+        next_ = 0;
+        return *this;
+    }
+
+    int Requests() const { return requests_; }
+    /// The latest request; an empty one before the first.
+    const Inet::Request& LastRequest() const { return lastRequest_; }
+
+    // For VirtualInet.
+    PageAnswer Take(const Inet::Request& request) {
+        ++requests_;
+        lastRequest_ = request;
+        if (answers_.empty()) return {};
+        return answers_[next_ + 1 < answers_.size() ? next_++ : next_]();
+    }
+
+private:
+    std::vector<std::function<PageAnswer()>> answers_;
+    std::size_t next_ = 0;
+    int requests_ = 0;
+    Inet::Request lastRequest_;
+};
 
 /// A machine. By default its name is found after 1 ms (an address is never looked up), echoes come back after 1 ms, and ports
 /// that nobody mentioned refuse after 1 ms.
@@ -28,28 +88,22 @@ class VirtualHost {
     using Milliseconds = std::chrono::milliseconds;
 
 public:
-    struct Lookup {
-        enum class Outcome { Found, Unknown, Never };
-        Outcome outcome = Outcome::Found;
-        Milliseconds after{1};
-    };
     struct EchoAnswer {
         bool comes = true;
         int status = 0;  ///< 0, or ICMP type * 256 + code
         Milliseconds after{1};
     };
 
-    VirtualHost& ResolveAfter(Milliseconds after) { return Set(lookup_, {Lookup::Outcome::Found, after}); }
-    VirtualHost& NeverResolves() { return Set(lookup_, {Lookup::Outcome::Never, {}}); }
-    /// The name server answers that there is no such host.
-    VirtualHost& Unknown(Milliseconds after = Milliseconds(1)) { return Set(lookup_, {Lookup::Outcome::Unknown, after}); }
+    VirtualHost& ResolveAfter(Milliseconds after) { return Set(lookup_, after); }
+    VirtualHost& NeverResolves() { return Set(lookup_, std::nullopt); }
 
-    VirtualHost& Echo(Milliseconds after) { return Echo(EchoAnswer{true, 0, after}); }
-    VirtualHost& EchoSilent() { return Echo(EchoAnswer{false, 0, {}}); }
+    VirtualHost& Echo(Milliseconds after) { return EchoStatus(0, after); }
+    VirtualHost& EchoSilent() {
+        return DecideEcho([] { return EchoAnswer{false}; });
+    }
     /// An ICMP error comes back instead, as type * 256 + code (3 * 256 + 1: host unreachable).
-    VirtualHost& EchoStatus(int status, Milliseconds after = Milliseconds(1)) { return Echo(EchoAnswer{true, status, after}); }
-    VirtualHost& Echo(EchoAnswer answer) {
-        return DecideEcho([answer] { return answer; });
+    VirtualHost& EchoStatus(int status, Milliseconds after = Milliseconds(1)) {
+        return DecideEcho([=] { return EchoAnswer{true, status, after}; });
     }
     /// What becomes of an echo is decided when it is sent.
     VirtualHost& DecideEcho(std::function<EchoAnswer()> answer) { return Set(echo_, std::move(answer)); }
@@ -61,7 +115,7 @@ public:
     VirtualServer& Port(int port) { return ports_[port]; }
 
     // For the parts of this world.
-    const Lookup& HowFound() const { return lookup_; }
+    std::optional<Milliseconds> FoundAfter() const { return lookup_; }
     EchoAnswer HowEchoed() const { return echo_ ? echo_() : EchoAnswer{}; }
     bool IsDown() const { return down_; }
     /// Null when nobody ever mentioned the port.
@@ -74,7 +128,7 @@ private:
         return *this;
     }
 
-    Lookup lookup_;
+    std::optional<Milliseconds> lookup_{1};
     std::function<EchoAnswer()> echo_;
     bool down_ = false;
     std::map<int, VirtualServer> ports_;
@@ -112,6 +166,34 @@ private:
     std::map<std::string, VirtualPage> pages_;
     bool networkThere_ = true;
     std::string echoForbidden_;
+};
+
+/// ICMP echoes: time moves on during one, and nothing is delivered.
+class VirtualIcmpEcho : public IcmpEcho {
+public:
+    explicit VirtualIcmpEcho(VirtualNet& net) : net_(net) {}
+
+    std::optional<Ipv4Address> InetAddr(std::string_view text) const override {
+        const Ipv4Address address = inet_addr(std::string(text).c_str());
+        return address == INADDR_NONE ? std::nullopt : std::optional(address);
+    }
+    bool IcmpCreateFile(std::string& whyNot) override {
+        whyNot = net_.EchoForbidden();
+        return whyNot.empty();
+    }
+    EchoReply IcmpSendEcho(Ipv4Address address, std::string_view, int, std::chrono::milliseconds wait) override {
+        if (!net_.NetworkThere()) return {};
+        const VirtualHost* const host = net_.FindHost(inet_ntoa(in_addr{address}));
+        const bool reachable = host != nullptr && !host->IsDown();
+        const VirtualHost::EchoAnswer answer = reachable ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
+        const bool inTime = answer.comes && answer.after <= wait;
+        net_.World().events.Sleep(inTime ? answer.after : wait);
+        return inTime ? EchoReply{true, answer.status, answer.after, address} : EchoReply{};
+    }
+    void IcmpCloseHandle() override {}
+
+private:
+    VirtualNet& net_;
 };
 
 }  // namespace korvane

@@ -36,15 +36,13 @@ public:
     void SetLocalPort(std::int32_t) override {}
     using TcpSocket::Connect;
     void Connect() override {
-        using Lookup = VirtualHost::Lookup;
         if (state_ != SocketState::Closed) throw Error("The socket is not closed", 10056);
         if (!net_.NetworkThere()) throw Error("No network is available", kSocketAddressNotAvailable);
         remote_ = net_.FindHost(host_);
         if (!host_.empty() && host_.find_first_not_of("0123456789.") == std::string::npos) return Knock();
-        const Lookup lookup = remote_ ? remote_->HowFound() : Lookup{Lookup::Outcome::Unknown};
         state_ = SocketState::ResolvingHost;
-        if (lookup.outcome == Lookup::Outcome::Found) Next(lookup.after, &VirtualTcpSocket::Found);
-        if (lookup.outcome == Lookup::Outcome::Unknown) Next(lookup.after, &VirtualTcpSocket::NotFound);
+        if (remote_ == nullptr) return Next(Milliseconds(1), &VirtualTcpSocket::NotFound);
+        if (const auto after = remote_->FoundAfter()) Next(*after, &VirtualTcpSocket::Found);
     }
     void SendData(std::string_view bytes) override {
         if (state_ != SocketState::Connected) throw Error("The socket is not connected", 10057);

@@ -2,8 +2,7 @@
 // costs as much as its events, nothing depends on the machine, and the same script always gives the same run.
 //
 //     VirtualWorld world(DateTime::Of(2026, 11, 21, 15, 0, 0));
-//     world.After(30s, [&] { ... });                            // by the tick count
-//     world.At(DateTime::Of(2026, 11, 22, 2, 0), [&] { ... });  // by the wall clock
+//     world.After(30s, [&] { ... });
 //     MonitorCycle cycle(world.clock, world.events, world.timers, ...);
 //     world.RunFor(24h);
 #pragma once
@@ -12,7 +11,6 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -52,41 +50,18 @@ public:
         return queue_.emplace(EventId(now_ + std::max(delay, Milliseconds(0)), ++lastNumber_), std::move(action)).first->first;
     }
 
-    /// Calls `action` from the pump as soon as the wall clock reads `local` or later, however it got there. A moment that is over
-    /// already is due at once.
-    void At(DateTime local, Action action) {
-        alarms_.push_back({local, std::move(action)});
-        Arm(std::prev(alarms_.end()));
-    }
-
     /// Takes an action back; one that has run or was taken back before is no error.
     void Cancel(EventId id) { queue_.erase(id); }
 
     /// The operator sets the clock: local time and UTC jump by as much, the tick count does not.
-    void MoveClock(Seconds by) { Jump(moved_, by); }
-
+    void MoveClock(Seconds by) { moved_ += by; }
     /// Local time jumps by `by`, UTC goes on: +1h where summer time begins, -1h where it ends.
-    void MoveZone(Seconds by) { Jump(zone_, by); }
-
-    /// The two changes of a year by the wall clock: at `begins` (2:00 of winter time) to 3:00, at `ends` (3:00 of summer time)
-    /// back to 2:00.
-    void ScheduleSummerTime(DateTime begins, DateTime ends) {
-        At(begins, [this] { MoveZone(std::chrono::hours(1)); });
-        At(ends, [this] { MoveZone(-std::chrono::hours(1)); });
-    }
+    void MoveZone(Seconds by) { zone_ += by; }
 
     /// The test's own pump: delivers everything due within `duration` and leaves time at its end, or later when an action that
     /// waits for something itself was still running then.
     void RunFor(Milliseconds duration) {
         RunUntil([] { return false; }, duration);
-    }
-
-    /// As RunFor up to `local` on the wall clock.
-    void RunTo(DateTime local) {
-        bool reached = false;
-        At(local, [&reached] { reached = true; });
-        while (!reached)
-            DeliverDueBy(Next());
     }
 
     /// Whether the condition came true within `limit`. It is looked at first at once, then after every moment with events.
@@ -101,12 +76,6 @@ public:
     }
 
 private:
-    struct Alarm {
-        DateTime when;
-        Action action;
-        EventId id = {};
-    };
-
     struct Periodic : korvane::Timer {
         explicit Periodic(VirtualWorld& in) : world(in) {}
         ~Periodic() override { Periodic::Disarm(); }
@@ -158,22 +127,8 @@ private:
         }
         now_ = std::max(now_, moment);
     }
-    void Arm(std::list<Alarm>::iterator alarm) {
-        Cancel(alarm->id);
-        alarm->id = After(Seconds(alarm->when.Seconds()) - Local(), [this, alarm] {
-            const Action action = std::move(alarm->action);
-            alarms_.erase(alarm);
-            action();
-        });
-    }
-    void Jump(Milliseconds& part, Seconds by) {
-        part += by;
-        for (auto alarm = alarms_.begin(); alarm != alarms_.end(); ++alarm)
-            Arm(alarm);
-    }
 
     std::map<EventId, Action> queue_;
-    std::list<Alarm> alarms_;
     std::uint64_t lastNumber_ = 0;
     Milliseconds now_{0}, lastCall_{-1};
     Milliseconds start_;     ///< UTC at tick 0, since 1970

@@ -26,17 +26,11 @@
 #include "store/schema.h"
 #include "support/faulty_files.h"
 #include "support/faulty_store.h"
+#include "support/played_machine.h"
 #include "support/qt_application.h"
 #include "support/recording_operator.h"
-#include "support/recording_power.h"
-#include "support/recording_processes.h"
-#include "support/recording_service_manager.h"
-#include "support/recording_sound.h"
-#include "support/scripted_services.h"
-#include "support/scripted_system_info.h"
 #include "support/temporary_folder.h"
 #include "support/test_database.h"
-#include "support/virtual_icmp_echo.h"
 #include "support/virtual_inet.h"
 #include "support/virtual_mail_server.h"
 #include "support/virtual_net.h"
@@ -112,16 +106,16 @@ public:
     void Set(std::string_view key, std::string value) { run.TheDesk().collection.setKvSettingsColValue(key, std::move(value)); }
 
 private:
-    /// In the order of Run::Ports.
-    Run::Ports Ports() {
-        Operator& who = face.person ? *face.person : person;
-        const std::function<std::unique_ptr<Inet>()> newInet = [this] { return std::make_unique<VirtualInet>(net); };
-        const std::function<std::string()> proxy = [this] { return proxyServer; };
-        const std::function<void()> exit = [this] { ++exits; };
-        return {time_.clock, time_.events,     time_.timers, store,      who,        files,   socket,    sckesmtp,
-                plainSocket, testSocket,       alertEsmtp,   alertPlain, echo,       sound,   processes, guids,
-                power,       serviceManager,   services,     autostart,  systemInfo, newInet, proxy,     exit,
-                face.window, face.conversation};
+    RunPorts Ports() {
+        const auto newInet = [this] { return std::make_unique<VirtualInet>(net); };
+        const auto proxy = [this] { return proxyServer; };
+        const auto exit = [this] { ++exits; };
+        return {{socket, testSocket, echo, newInet},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
+                {store, files},
+                {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
+                 systemInfo, proxy, exit},
+                {face.person ? *face.person : person, face.window, face.conversation}};
     }
 
     std::unique_ptr<TemporaryFolder> folder_;

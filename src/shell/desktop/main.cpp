@@ -69,10 +69,7 @@ void SaveWithTheSession(Run& run) {
     std::unique_ptr<frmMonitor> window;
     RunProcess(argc, argv, [&](Timers& timers) {
         window = std::make_unique<frmMonitor>(timers);
-        return Face{.person = *window,
-                    .window = window.get(),
-                    .conversation = &window->Conversation(),
-                    .mailTrace = &window->Mail(),
+        return Face{.desk = {*window, window.get(), &window->Conversation(), &window->Mail()},
                     .attach =
                         [&](Run& run, const std::function<void()>& exit) {
                             window->Attach(run, exit);

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "engine/check_result.h"
-#include "engine/text_rules.h"
 #include "shell/entry/entry_fields.h"
 #include "shell/run/desk.h"
 

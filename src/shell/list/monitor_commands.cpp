@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
+#include "engine/machine_restart.h"
 #include "engine/server_table.h"
 #include "platform/wait_cursor.h"
 #include "shell/run/message_title.h"
-#include "shell/run/open_text.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
 #include "store/schema.h"
@@ -56,11 +56,9 @@ MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()) {}
 
 void MonitorCommands::cmdStopWaiting() {
     if (run_.Loading()) return;
-    if (!run_.State().bMonitoring) {
-        run_.cmdStopStart();
-        return;
-    }
+    const bool wasOn = run_.State().bMonitoring;
     run_.cmdStopStart();
+    if (!wasOn) return;
     run_.cmdStopStart();
     run_.WakeUp();
     desk_.maintenance.ResetAllEventsToNow();
@@ -196,6 +194,34 @@ void MonitorCommands::mnuFileResetGraph() {
 
 void MonitorCommands::mnuEditClearStatus() {
     AskReset(kResetSummary, [this] { desk_.maintenance.ResetStatDataALL(true); });
+}
+
+std::string ShutdownHelp(Files& files) {
+    return "Korvane restarts THIS computer only through the command of a server entry: when the server fails, the command is run."
+           "\r\n\r\n"
+           "Edit the server entry, and on its page of commands choose the command that restarts this computer:\r\n\r\n" +
+           getShudownEXEPath(files) +
+           " -r -f\r\n\r\n"
+           "The user that Korvane runs as must have the right to restart this computer.\r\n\r\n"
+           "The option 'Reboot' of the settings announces the restart in emails.  The same page of the settings tests it.";
+}
+
+std::string RestartHelp() {
+    return "When a server entry restarts this computer, Korvane must come back by itself.\r\n\r\n"
+           "Install it as a service (it starts with the computer, even before anyone logs on), "
+           "or add it to the startup group (it starts when you log on).\r\n\r\n"
+           "Both are in the menu of the Korvane icon in your system tray, and in the settings.  "
+           "We recommend that you choose one or the other, not both.";
+}
+
+std::string ShutdownRemoteHelp() {
+    return "Another computer is restarted the same way: by the command of a server entry that names it.\r\n\r\n"
+           "For a computer with Linux:\r\n"
+           "ssh root@<ip> shutdown -r now\r\n\r\n"
+           "For a computer with Windows:\r\n"
+           "net rpc shutdown -r -f -I <ip> -U <administrator>%<password>\r\n\r\n"
+           "Administrator rights on that computer are needed, and the command must run without asking for a password: "
+           "try it in a terminal first, as the user that Korvane runs as.";
 }
 
 }  // namespace korvane

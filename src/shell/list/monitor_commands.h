@@ -58,4 +58,10 @@ private:
     Desk desk_;
 };
 
+// Texts of the help menu about restarting computers: this one by a failing entry's own command, what must be set so that the
+// program starts again afterwards, and other computers in the same way. The first reads the disk to find the command.
+std::string ShutdownHelp(Files& files);
+std::string RestartHelp();
+std::string ShutdownRemoteHelp();
+
 }  // namespace korvane

@@ -11,20 +11,6 @@
 
 namespace korvane {
 
-const std::array<std::string_view, column::Count> kColumnHeads = {"",
-                                                                  "Server ID",
-                                                                  "Group",
-                                                                  "Status",
-                                                                  "Next Try",
-                                                                  "Interval",
-                                                                  "Average",
-                                                                  "Type",
-                                                                  "Port",
-                                                                  "Scan Text",
-                                                                  "Short Name",
-                                                                  "Full Server Name or IP",
-                                                                  "Last Response"};
-
 namespace {
 
 constexpr std::string_view kListQuery = "SELECT * from servers order by dtNextCheck ";
@@ -36,15 +22,26 @@ constexpr std::pair<std::string_view, RowIcon> kIcons[] = {
     {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},
 };
 
-/// Columns whose cells show the stored value unchanged.
-constexpr std::pair<column::Column, std::string_view> kPlainCells[] = {
-    {column::Group, "strGroup"},
-    {column::Type, "strType"},
-    {column::Port, "strPort"},
-    {column::ScanText, "strExpectedText"},
-    {column::ShortName, "strDesc"},
-    {column::FullName, "strAddress_IP"},
-    {column::LastResponse, "strLastResponse"},
+struct ListColumn {
+    std::string_view head;
+    std::string_view stored = "";  ///< what its cells show unchanged; empty: they are made of several values
+};
+
+/// In the order of column::Column.
+constexpr ListColumn kListColumns[column::Count] = {
+    {""},
+    {"Server ID"},
+    {"Group", "strGroup"},
+    {"Status"},
+    {"Next Try"},
+    {"Interval"},
+    {"Average"},
+    {"Type", "strType"},
+    {"Port", "strPort"},
+    {"Scan Text", "strExpectedText"},
+    {"Short Name", "strDesc"},
+    {"Full Server Name or IP", "strAddress_IP"},
+    {"Last Response", "strLastResponse"},
 };
 
 // An unknown status, written by another tool, has the picture of an inactive entry.
@@ -79,8 +76,8 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     cell(column::Number) = RowNumber(n);
     cell(column::ServerID) = std::to_string(rs.Fields("id").Value().Int64());
     cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, strCurStatus);
-    for (const auto& [column, name] : kPlainCells)
-        cell(column) = rs.Fields(name).Value().Text();
+    for (std::size_t at = 0; at < column::Count; ++at)
+        if (!kListColumns[at].stored.empty()) row.cells[at] = rs.Fields(kListColumns[at].stored).Value().Text();
     // One invalid value must hide neither its entry nor the others.
     IgnoreErrors([&] { cell(column::NextTry) = NextTryCell(rs.Fields("dtnextcheck").Value(), now, requested); });
     cell(column::Interval) = FormatDuration(rs.Fields("nIntervalSeconds").Value().Text());
@@ -97,6 +94,10 @@ std::string LongDuration(double seconds) {
 }
 
 }  // namespace
+
+std::string_view ColumnHead(int column) {
+    return kListColumns[column].head;
+}
 
 std::string FormatDuration(const std::string& seconds) {
     double x = 0;

@@ -35,8 +35,8 @@ enum Column {
 };
 }
 
-/// The column headings; the first column has none.
-extern const std::array<std::string_view, column::Count> kColumnHeads;
+/// Returns the heading of the column; the first column has none.
+std::string_view ColumnHead(int column);
 
 struct ServerRow {
     std::array<std::string, column::Count> cells;

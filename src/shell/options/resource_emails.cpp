@@ -1,35 +1,24 @@
 #include "shell/options/resource_emails.h"
 
-#include <memory>
 #include <utility>
 
-#include "resources/cpu_settings.h"
-#include "resources/disk_settings.h"
-#include "resources/memory_settings.h"
-#include "resources/service_settings.h"
+#include "resources/alert_settings.h"
 
 namespace korvane {
 namespace {
 
-/// The settings of the monitor, as read from its file.
-std::unique_ptr<AlertSettings> SettingsOf(ResourceMonitor monitor, Files& files, const std::string& dir) {
-    std::unique_ptr<AlertSettings> settings;
+const MonitorKind& KindOf(ResourceMonitor monitor) {
     switch (monitor) {
         case ResourceMonitor::CPU:
-            settings = std::make_unique<clsCPUMon>(files, dir);
-            break;
+            return kCpuMonitor;
         case ResourceMonitor::Disk:
-            settings = std::make_unique<clsDiskMon>(files, dir);
-            break;
+            return kDiskMonitor;
         case ResourceMonitor::Memory:
-            settings = std::make_unique<clsMemoryMon>(files, dir);
-            break;
+            return kMemoryMonitor;
         case ResourceMonitor::Services:
-            settings = std::make_unique<clsSvcMon>(files, dir);
             break;
     }
-    settings->OpenFile();
-    return settings;
+    return kServiceMonitor;
 }
 
 }  // namespace
@@ -38,13 +27,13 @@ ResourceEmailFiles::ResourceEmailFiles(Files& files, std::string dir, std::funct
     : files_(files), dir_(std::move(dir)), loadData_(std::move(loadData)) {}
 
 std::string ResourceEmailFiles::getEmail(ResourceMonitor monitor) {
-    return SettingsOf(monitor, files_, dir_)->getEmail();
+    return ReadAlertSettings(files_, dir_, KindOf(monitor)).email;
 }
 
 void ResourceEmailFiles::setEmail(ResourceMonitor monitor, const std::string& email) {
-    const auto settings = SettingsOf(monitor, files_, dir_);
-    settings->setEmail(email);
-    settings->UpdateData();
+    AlertSettings settings = ReadAlertSettings(files_, dir_, KindOf(monitor));
+    settings.email = email;
+    WriteAlertSettings(files_, dir_, KindOf(monitor), settings);
 }
 
 void ResourceEmailFiles::LoadData() {

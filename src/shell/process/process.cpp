@@ -14,7 +14,7 @@
 
 #include "base/error.h"
 #include "base/raised_flag.h"
-#include "engine/shutdown_path.h"
+#include "engine/machine_restart.h"
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/autostart.h"
 #include "platform/linux/desktop_proxy.h"
@@ -89,17 +89,23 @@ struct Adapters {
     explicit Adapters(const std::string& version)
         : inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + version} {}
 
+    RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
+        const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
+        const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
+        return {{tcpSocket, testSocket, echo, newInet},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
+                {store, files},
+                {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
+                 std::move(exit)},
+                desk};
+    }
+
     SystemClock clock;
     LinuxFiles files;
     QtEvents events;
     QtTimers timers;
     QtSqlStore store{KindOfColumn};
-    QtTcpSocket tcpSocket;
-    QtTcpSocket sckesmtp;
-    QtTcpSocket plainSocket;
-    QtTcpSocket testSocket;
-    QtTcpSocket alertEsmtp;
-    QtTcpSocket alertPlain;
+    QtTcpSocket tcpSocket, testSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain;
     LinuxIcmpEcho echo;
     LinuxProcesses processes{events};
     DesktopSound sound{processes};
@@ -115,36 +121,6 @@ struct Adapters {
     CurlInet::Options inetOptions;
 };
 
-Run::Ports PortsOf(Adapters& adapters, const Face& face, std::function<void()> exit) {
-    return {.clock = adapters.clock,
-            .events = adapters.events,
-            .timers = adapters.timers,
-            .store = adapters.store,
-            .person = face.person,
-            .files = adapters.files,
-            .tcpSocket = adapters.tcpSocket,
-            .sckesmtp = adapters.sckesmtp,
-            .plainSocket = adapters.plainSocket,
-            .testSocket = adapters.testSocket,
-            .alertEsmtp = adapters.alertEsmtp,
-            .alertPlain = adapters.alertPlain,
-            .echo = adapters.echo,
-            .sound = adapters.sound,
-            .processes = adapters.processes,
-            .guids = adapters.guids,
-            .power = adapters.power,
-            .serviceManager = adapters.serviceManager,
-            .services = adapters.services,
-            .autostart = adapters.autostart,
-            .systemInfo = adapters.systemInfo,
-            .newInet = [&adapters] { return std::make_unique<CurlInet>(adapters.events, adapters.clock, adapters.inetOptions); },
-            .proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); },
-            .exit = std::move(exit),
-            .window = face.window,
-            .conversation = face.conversation,
-            .mailTrace = face.mailTrace};
-}
-
 /// Lives from the start of the run to the end of the process.
 class Life {
 public:
@@ -152,7 +128,7 @@ public:
         : options_(std::move(options)),
           adapters_(options_.version),
           face_(makeFace(adapters_.timers)),
-          run_(PortsOf(adapters_, face_, [this] { Exit(); }), options_) {}
+          run_(adapters_.PortsWith(face_.desk, [this] { Exit(); }), options_) {}
     Life(const Life&) = delete;
     Life& operator=(const Life&) = delete;
 
@@ -198,7 +174,7 @@ void Life::Start() {
         RequireWritable(options_.dir);
         if (run_.StartUp() == Run::Started::Running) return;
     } catch (const std::exception& error) {
-        face_.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
+        face_.desk.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
     }
     EndProcess(kCannotGoOn);
 }
@@ -248,7 +224,7 @@ void RunProcess(int argc, char** argv, const std::function<Face(Timers&)>& makeF
 
 void RunInTerminal(int argc, char** argv) {
     TerminalOperator person(std::cout, std::cerr);
-    RunProcess(argc, argv, [&](Timers&) { return Face{.person = person}; });
+    RunProcess(argc, argv, [&](Timers&) { return Face{.desk = {person}}; });
 }
 
 }  // namespace korvane

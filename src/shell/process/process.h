@@ -4,21 +4,14 @@
 
 #include <functional>
 
-#include "engine/collaborators.h"
-#include "notify/mail_trace.h"
-#include "platform/operator.h"
-#include "platform/timer.h"
-#include "shell/run/monitor_window.h"
+#include "shell/run/ports.h"
 #include "shell/run/run.h"
 
 namespace korvane {
 
 /// How this process communicates with the user. The parts must live as long as the process.
 struct Face {
-    Operator& person;
-    MonitorWindow* window = nullptr;
-    ConversationWindow* conversation = nullptr;
-    MailTrace* mailTrace = nullptr;
+    DeskPorts desk;
     /// Called once, before start-up; the `exit` argument saves everything and ends the process.
     std::function<void(Run& run, std::function<void()> exit)> attach = [](Run&, const std::function<void()>&) {};
     /// Called when File, Exit or an equivalent is about to end the process, before anything is saved.

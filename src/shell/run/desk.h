@@ -2,10 +2,8 @@
 // window.
 #pragma once
 
-#include <functional>
 #include <string>
 
-#include "engine/collaborators.h"
 #include "engine/http_requester.h"
 #include "engine/machine_restart.h"
 #include "engine/ping_checker.h"
@@ -13,24 +11,16 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
-#include "platform/clock.h"
-#include "platform/connection.h"
-#include "platform/events.h"
-#include "platform/files.h"
-#include "platform/operator.h"
-#include "platform/processes.h"
-#include "platform/services.h"
-#include "platform/sound.h"
-#include "platform/system_info.h"
-#include "platform/timer.h"
 #include "resources/alert_mails.h"
+#include "shell/run/message_title.h"
+#include "shell/run/ports.h"
 #include "shell/run/report_commands.h"
 #include "shell/service/service_mode.h"
-#include "shell/web/version_check.h"
 #include "shell/web/web_pages.h"
 #include "store/legacy_log.h"
 #include "store/log.h"
 #include "store/maintenance.h"
+#include "store/safeguards.h"
 #include "store/server_entries.h"
 #include "store/server_id.h"
 #include "store/settings.h"
@@ -38,20 +28,10 @@
 
 namespace korvane {
 
-struct Desk {
+struct Desk : StorePorts, SystemPorts {
+    Operator& person;
     std::string dir;      ///< the home: database, settings, logs
     std::string version;  ///< "major.minor.revision" of this program
-    Store& store;
-    const Clock& clock;
-    Events& events;
-    Timers& timers;
-    Operator& person;
-    Files& files;
-    Processes& processes;
-    Sound& sound;
-    const SystemInfo& systemInfo;
-    Services& services;
-    std::function<std::string()> proxyServer;  ///< the proxy of this session, as "host:port"; empty: none
     Log& log;
     StatusLog& status;
     ServerIds& ids;
@@ -60,6 +40,7 @@ struct Desk {
     Settings& settings;
     ServerEntries& entries;
     LegacyLog& legacyLog;
+    Safeguards& safeguards;
     Dispatcher& mail;
     TraceRoute& trace;
     CommandRunner& commands;
@@ -78,5 +59,13 @@ struct Desk {
     TcpChecker& tcp;
     PingChecker& ping;
 };
+
+/// Opens a file of this program in the operator's text editor. Shows a message, at once or a little later, when no program opens
+/// it. `person` must outlive `processes`.
+inline void OpenInEditor(Processes& processes, Operator& person, const std::string& path) {
+    processes.OpenText(path, [&person, path](const std::string& why) {
+        person.ShowError(kMessageTitle, "The file " + path + " could not be opened in a text editor: " + why);
+    });
+}
 
 }  // namespace korvane

@@ -7,6 +7,11 @@
 
 namespace korvane {
 
+/// Returns the title of the main window.
+inline std::string MainTitle(const std::string& version) {
+    return "Korvane Network Monitoring & Server Monitor v" + version + " by Brellix";
+}
+
 class MonitorWindow : public SettingsHost {
 public:
     virtual void SetTitle(const std::string& /*title*/) {}

@@ -13,6 +13,12 @@ constexpr std::size_t kMostOfAnError = 1000;
 
 }  // namespace
 
+std::string ReportCommands::PublishReports() {
+    std::string strErr;
+    ports_.reports.PublishReports(false, strErr);
+    return strErr;
+}
+
 void ReportCommands::PublishReports(bool bQuiet) {
     std::string strErr;
     ports_.reports.PublishReports(bQuiet, strErr);
@@ -23,7 +29,7 @@ void ReportCommands::PublishReports(bool bQuiet) {
 }
 
 void ReportCommands::DisplayReport(const std::string& idCustomer, const std::string& strGroup) {
-    if (!ports_.processes.HasDefaultProgram("htm")) {
+    if (!ports_.pages.TheirBrowser2()) {
         ports_.person.ShowMessage(kMessageTitle,
                                   "We're sorry, but Korvane can't open up your browser to display the report "
                                   "because you have not chosen a default browser.");
@@ -33,8 +39,7 @@ void ReportCommands::DisplayReport(const std::string& idCustomer, const std::str
     bool exists = false;
     IgnoreErrors([&] { exists = ports_.files.Exists(page); });
     if (!exists) PublishReports(true);
-    ports_.processes.OpenPage(
-        page, [&person = ports_.person](const std::string&) { person.ShowMessage("URL Failed", "Web Page not Opened"); });
+    ports_.pages.OpenAddress(page);
 }
 
 void ReportCommands::cmdReports_Click() {

@@ -1,30 +1,34 @@
-// The operator's report commands: publishing, and reading in the browser.
+// Publishing the reports: for the cycle, and for the operator, who also reads them in the browser.
 #pragma once
 
 #include <string>
 
+#include "engine/collaborators.h"
 #include "platform/connection.h"
 #include "platform/files.h"
 #include "platform/operator.h"
-#include "platform/processes.h"
 #include "reports/pipeline.h"
+#include "shell/web/web_pages.h"
 #include "store/status_log.h"
 
 namespace korvane {
 
-class ReportCommands {
+class ReportCommands : public ReportPublisher {
 public:
     struct Ports {
         Reports& reports;
+        WebPages& pages;
         Store& store;
         Files& files;
         Operator& person;
-        Processes& processes;
         StatusLog& status;
     };
 
     /// `dir` is the folder of the database. All referenced objects must outlive this.
     ReportCommands(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {}
+
+    /// Publishes for the cycle: always writes everything.
+    std::string PublishReports() override;
 
     /// Publishes for an operator who waits for it: errors go to the status log and to a message.
     void PublishReports(bool bQuiet);

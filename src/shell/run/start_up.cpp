@@ -1,12 +1,15 @@
 // The start of the program in its fixed order, with every branch and message. Nothing here needs a window.
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
+#include "engine/server_table.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"
-#include "shell/web/web_addresses.h"
+#include "shell/run/run_rooms.h"
+#include "shell/web/web_pages.h"
 #include "store/database_files.h"
 #include "store/import_entries.h"
 
@@ -14,6 +17,13 @@ namespace korvane {
 namespace {
 
 constexpr std::string_view kReinstall = " was missing.  Please reinstall Korvane (may have to choose the repair option).";
+
+/// Marks that there was a start with a window, or with entries: a file of its own, which survives a lost or damaged settings
+/// file, and a key of the settings file for older programs.
+constexpr const char* kSetupFile = "/kvsetup.dat";
+constexpr std::string_view kSetupSection = "Setup";
+constexpr std::string_view kSetupDone = "Done";
+constexpr std::string_view kYes = "True";
 
 /// The folder of the pages' pictures.
 constexpr const char* kPictures = "/i";
@@ -38,181 +48,221 @@ std::string CloseKorvaneText() {
            ". To use Korvane, you must install the Jet4 components and reboot.\r\n\r\nClick OK to close Korvane";
 }
 
-}  // namespace
+void LogFatal(RunRooms& run, const std::string& text) {
+    run.log.WriteLog(kLogFatal, kLogError, "frmMonitor:" + text);
+}
 
-Run::Started Run::StartUp() {
-    log_.Info("Korvane Starting *********************************");
-    bFormLoading_ = true;
-    ports_.person.SetWaitCursor(true);
-    ports_.person.SetProgress(0, 100);
-    ports_.events.DoEvents();
-    window_.SetTitle(Title());
-    if (!ports_.files.HoldFolder(options_.dir)) {
-        TellSecondInstance();
-        return Started::SecondInstance;
+// Monitoring continues: window and log tell the operator what is wrong.
+void TellProblem(RunRooms& run, const std::string& problem) {
+    LogFatal(run, "Form_Load: " + problem);
+    run.status.setStatusMSG(problem);
+}
+
+void TellTheEnd(RunRooms& run, const std::string& title, const std::string& text) {
+    const RaisedFlag telling(run.onlyTelling);
+    run.person.ShowMessage(title, text);
+}
+
+std::unique_ptr<Connection> OpenDatabase(RunRooms& run, const std::string& connectionText) {
+    auto conn = run.store.NewConnection();
+    conn->SetConnectionString(connectionText);
+    conn->Open();
+    return conn;
+}
+
+// ---- the first start
+
+bool IsSetUp(RunRooms& run) {
+    bool marked = true;  // if the mark cannot be checked, it may exist
+    IgnoreErrors([&] { marked = run.files.Exists(run.options.dir + kSetupFile); });
+    return marked || run.settingsFile.Read(kSetupSection, kSetupDone, "") == kYes;
+}
+
+bool IsFirstRun(RunRooms& run) {
+    return !IsSetUp(run) && run.settingsFile.Problem().empty();
+}
+
+void MarkSetUp(RunRooms& run) {
+    run.settingsFile.Write(kSetupSection, kSetupDone, kYes);
+    try {
+        const std::string file = run.options.dir + kSetupFile;
+        if (!run.files.Exists(file)) run.files.Replace(file, "Done=True\n");
+    } catch (const std::exception& error) {
+        LogFatal(run, "MarkSetUp: " + std::string(error.what()));
     }
-    log_.Info("frmMonitor:Form_Load: determined to be first Instance");
-    SetCaptions();
-    settings_.EnsureUniqueid();
-    const bool firstRun = IsFirstRun();
-    if (IsSetUp()) MarkSetUp();
-    if (!firstRun) window_.MinimizeToTray();
-    ReadSettings();
-    if (collection_.IsTrue("bMinimized")) window_.MinimizeToTray();
-    window_.Place(firstRun);
-    ports_.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + ports_.clock.Now().Text());
-    if (!HasAllItNeeds()) {
-        Form_Unload();
-        return Started::CannotGoOn;
-    }
-    PrepareEntries();
-    ports_.store.Rest();
-    log_.Info("frmMonitor:Form_Load: All data should be in database.");
-    ports_.person.SetMonitoring(state_.bMonitoring);
-    service_.LoadMarks();
-    http_.LoadInets(ports_.newInet);
-    if (window_.HasWindow()) testHttp_.LoadInets(ports_.newInet);
-    log_.Info("frmMonitor:Form_Load: calling Form_Resize");
-    window_.Form_Resize();
-    Timer2_->SetEnabled(true);
-    ports_.person.SetWaitCursor(false);
-    bFormLoading_ = false;
-    window_.LoadResourceMonitors();
-    service_.Loaded();
-    return Started::Running;
 }
 
-void Run::TellSecondInstance() {
-    ports_.events.DoEvents();
-    TellTheEnd("Korvane Multiple Instance.", "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+bool HasEntries(RunRooms& run) {
+    const auto conn = OpenDatabase(run, OdbcConnectionText(run.options.dir));
+    const auto rs = run.store.NewRecordset();
+    rs->Open(query::kAllByNextCheck, *conn, CursorType::Static, LockType::Optimistic);
+    return rs->RecordCount() > 0;
 }
 
-void Run::TellTheEnd(const std::string& title, const std::string& text) {
-    const RaisedFlag telling(onlyTelling_);
-    ports_.person.ShowMessage(title, text);
+// Without a window only a home with entries counts as set up: a user who starts with a window later must be asked.
+void SetUpForTheFirstTime(RunRooms& run) {
+    run.mainWindow.SetUpForTheFirstTime();
+    if (run.mainWindow.HasWindow() || HasEntries(run)) MarkSetUp(run);
 }
 
-void Run::ReadSettings() {
-    log_.Info("frmMonitor:Form_Load: ReadInGlobalSettings.");
-    settings_.ReadInGlobalSettings();
-    if (const std::string problem = settingsFile_.Problem(); !problem.empty()) {
-        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
-        status_.setStatusMSG(problem);
-    }
-    legacyLog_.setLogTimer();
-}
+// ---- what the home must have
 
 // Returns whether the home has the file, after copying it from the installation if it was missing. Throws Error when the home
 // cannot be written.
-bool Run::Has(const std::string& name) {
-    if (ports_.files.Exists(options_.dir + name)) return true;
-    if (options_.dataDir == options_.dir || !ports_.files.Exists(options_.dataDir + name)) return false;
-    ports_.files.Copy(options_.dataDir + name, options_.dir + name);
+bool Has(RunRooms& run, const std::string& name) {
+    if (run.files.Exists(run.options.dir + name)) return true;
+    if (run.options.dataDir == run.options.dir || !run.files.Exists(run.options.dataDir + name)) return false;
+    run.files.Copy(run.options.dataDir + name, run.options.dir + name);
     return true;
 }
 
-void Run::BringPictures() {
-    if (options_.dataDir == options_.dir) return;
-    const std::vector<std::string> pictures = ports_.files.FileNames(options_.dataDir + kPictures);
-    ports_.files.CreateFolder(options_.dir + kPictures);
-    for (const std::string& picture : pictures)
-        IgnoreErrors([&] { Has(kPictures + ("/" + picture)); });
-}
-
-bool Run::HasDatabase() {
-    const std::string database = DatabasePath(options_.dir);
+bool HasDatabase(RunRooms& run) {
+    const std::string database = DatabasePath(run.options.dir);
     const std::string blank = "/" + std::string(kEmptyDatabaseFile);
-    if (ports_.files.Exists(database)) {
-        IgnoreErrors([&] { Has(blank); });
-        log_.Info("frmMonitor:Form_Load: Database Exists, do not read in ini files for first time init.");
+    if (run.files.Exists(database)) {
+        IgnoreErrors([&] { Has(run, blank); });
+        run.log.Info("frmMonitor:Form_Load: Database Exists, do not read in ini files for first time init.");
         return true;
     }
-    if (Has(blank)) {
-        log_.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
+    if (Has(run, blank)) {
+        run.log.Info("frmMonitor:Form_Load: copy blank database template so we can initialize.");
         // This is written to the file first: a program killed after the copy would otherwise take the new database for the old
         // one at its next start.
-        if (settings_.AllInDB()) settingsFile_.Write(kSettingsSection, "bALLInDB", "False");
-        collection_.setKvSettingsColValue("bAllInDB", "False");
-        RemoveJournals(ports_.files, database);
-        ports_.files.Copy(options_.dir + blank, database);
+        if (run.settings.AllInDB()) run.settingsFile.Write(kSettingsSection, "bALLInDB", "False");
+        run.collection.setKvSettingsColValue("bAllInDB", "False");
+        RemoveJournals(run.files, database);
+        run.files.Copy(run.options.dir + blank, database);
         return true;
     }
-    TellTheEnd(kMessageTitle, "The necessary Template Databasee " + options_.dir + blank + std::string(kReinstall));
-    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the blank database was not there.  can't initialize database.");
+    TellTheEnd(run, kMessageTitle, "The necessary Template Databasee " + run.options.dir + blank + std::string(kReinstall));
+    LogFatal(run, "Form_Load: the blank database was not there.  can't initialize database.");
     return false;
 }
 
-bool Run::HasTemplates() {
+bool HasTemplates(RunRooms& run) {
     for (const ReportTemplate& page : ReportTemplates()) {
         const std::string file = "/" + std::string(page.file);
-        if (Has(file)) continue;
-        TellTheEnd(kMessageTitle, "The necessary report template " + options_.dir + file + std::string(kReinstall));
-        log_.WriteLog(
-            kLogFatal, kLogError,
-            "frmMonitor:Form_Load: the " + std::string(page.word) + " template " + file + " was missing. can't continue.");
+        if (Has(run, file)) continue;
+        TellTheEnd(run, kMessageTitle, "The necessary report template " + run.options.dir + file + std::string(kReinstall));
+        LogFatal(run, "Form_Load: the " + std::string(page.word) + " template " + file + " was missing. can't continue.");
         return false;
     }
     return true;
 }
 
-bool Run::DatabaseOpens() {
+bool DatabaseOpens(RunRooms& run) {
     std::string error;
-    state_.bReportsOK = IsDBConnectOK(ports_.store, ports_.files, options_.dir, error);
-    if (state_.bReportsOK) return true;
-    state_.strReportsProblem = error;
-    TellTheEnd("Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
-    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: the database didn't open properly. sending user jet4 info.");
-    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + error);
-    if (window_.HasWindow()) IgnoreErrors([&] { pages_.Show(std::string(kDatabaseHelpAddress)); });
-    TellTheEnd(kMessageTitle, CloseKorvaneText());
+    run.state.bReportsOK = IsDBConnectOK(run.store, run.files, run.options.dir, error);
+    if (run.state.bReportsOK) return true;
+    run.state.strReportsProblem = error;
+    TellTheEnd(run, "Required: Install Microsoft Jet4 components...", DatabaseFailureText(error));
+    LogFatal(run, "Form_Load: the database didn't open properly. sending user jet4 info.");
+    LogFatal(run, "Form_Load: " + error);
+    if (run.mainWindow.HasWindow()) IgnoreErrors([&] { run.pages.Show(std::string(kDatabaseHelpAddress)); });
+    TellTheEnd(run, kMessageTitle, CloseKorvaneText());
     return false;
 }
 
-bool Run::HasAllItNeeds() {
+bool HasAllItNeeds(RunRooms& run) {
     try {
-        return HasDatabase() && HasTemplates() && DatabaseOpens();
+        return HasDatabase(run) && HasTemplates(run) && DatabaseOpens(run);
     } catch (const std::exception& error) {  // the disk is full, or a folder is not accessible
-        TellTheEnd(kMessageTitle, error.what());
-        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + std::string(error.what()));
+        TellTheEnd(run, kMessageTitle, error.what());
+        LogFatal(run, "Form_Load: " + std::string(error.what()));
         return false;
     }
 }
 
-void Run::NameMissingColumns() {
-    for (const std::string& missing : MissingColumns(ports_.store, options_.dir)) {
-        const std::string problem = "the database lacks " + missing + ". Checks go on without it as far as they can.";
-        log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
-        status_.setStatusMSG(problem);
-    }
-}
-
-// Monitoring continues: window and log tell the operator why its results are not stored.
-void Run::NameWriteProblem() {
-    const std::string problem = WriteProblemOf(ports_.store, options_.dir);
-    if (problem.empty()) return;
-    log_.WriteLog(kLogFatal, kLogError, "frmMonitor:Form_Load: " + problem);
-    status_.setStatusMSG(problem);
-}
-
-void Run::PrepareEntries() {
-    IgnoreErrors([&] { BringPictures(); });
-    NameWriteProblem();
-    IgnoreErrors([&] { NameMissingColumns(); });
-    ImportEntriesOnce({ports_.events, ports_.person, log_, status_, collection_, entries_, settings_});
-    IgnoreErrors([&] { MendBlankTimes(); });
+void BringPictures(RunRooms& run) {
+    if (run.options.dataDir == run.options.dir) return;
+    const std::vector<std::string> pictures = run.files.FileNames(run.options.dataDir + kPictures);
+    run.files.CreateFolder(run.options.dir + kPictures);
+    for (const std::string& picture : pictures)
+        IgnoreErrors([&] { Has(run, kPictures + ("/" + picture)); });
 }
 
 // The cycle's query finds only rows with a due time: a row without one, left by another tool, becomes due now.
-void Run::MendBlankTimes() {
-    const auto conn = ports_.store.NewConnection();
-    conn->SetConnectionString(OleDbConnectionText(options_.dir));
-    conn->Open();
-    const auto rs = ports_.store.NewRecordset();
+void FillBlankTimes(RunRooms& run) {
+    const auto conn = OpenDatabase(run, OleDbConnectionText(run.options.dir));
+    const auto rs = run.store.NewRecordset();
     rs->Open("SELECT * FROM Servers where dtNextCheck is null", *conn, CursorType::Keyset, LockType::Optimistic);
     for (; !rs->Eof(); rs->MoveNext()) {
-        rs->Fields("dtNextCheck") = ports_.clock.Now();
+        rs->Fields("dtNextCheck") = run.clock.Now();
         rs->Update();
     }
+}
+
+void PrepareEntries(RunRooms& run) {
+    IgnoreErrors([&] { BringPictures(run); });
+    if (const std::string problem = WriteProblemOf(run.store, run.options.dir); !problem.empty()) TellProblem(run, problem);
+    IgnoreErrors([&] {
+        for (const std::string& missing : MissingColumns(run.store, run.options.dir))
+            TellProblem(run, "the database lacks " + missing + ". Checks go on without it as far as they can.");
+    });
+    ImportEntriesOnce({run.events, run.person, run.log, run.status, run.collection, run.entries, run.settings});
+    IgnoreErrors([&] { FillBlankTimes(run); });
+}
+
+void ReadSettings(RunRooms& run) {
+    run.log.Info("frmMonitor:Form_Load: ReadInGlobalSettings.");
+    run.settings.ReadInGlobalSettings();
+    if (const std::string problem = run.settingsFile.Problem(); !problem.empty()) TellProblem(run, problem);
+    run.legacyLog.setLogTimer();
+    run.safeguards.TellProblems();
+}
+
+}  // namespace
+
+Run::Started Run::StartUp() {
+    RunRooms& run = *rooms_;
+    run.log.Info("Korvane Starting *********************************");
+    run.bFormLoading = true;
+    run.person.SetWaitCursor(true);
+    run.person.SetProgress(0, 100);
+    run.events.DoEvents();
+    run.mainWindow.SetTitle(MainTitle(run.options.version));
+    if (!run.files.HoldFolder(run.options.dir)) {
+        run.events.DoEvents();
+        TellTheEnd(run, "Korvane Multiple Instance.", "Korvane is already running.  \r\n\r\nOnly one instance may run.");
+        return Started::SecondInstance;
+    }
+    run.log.Info("frmMonitor:Form_Load: determined to be first Instance");
+    run.mainWindow.SetCaptions({.mnuFileGlobal = "Open Global log file (" + run.settings.GetLogFile() + "99.txt)",
+                                .mnufilekvsettings = "Open Korvane Settings File (" + run.settings.GetSettingsFile() + ")"});
+    run.settings.EnsureUniqueid();
+    const bool firstRun = IsFirstRun(run);
+    if (IsSetUp(run)) MarkSetUp(run);
+    if (!firstRun) run.mainWindow.MinimizeToTray();
+    ReadSettings(run);
+    if (run.collection.IsTrue("bMinimized")) run.mainWindow.MinimizeToTray();
+    run.mainWindow.Place(firstRun);
+    run.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + run.clock.Now().Text());
+    if (!HasAllItNeeds(run)) {
+        Form_Unload();
+        return Started::CannotGoOn;
+    }
+    PrepareEntries(run);
+    run.store.Rest();
+    run.log.Info("frmMonitor:Form_Load: All data should be in database.");
+    run.person.SetMonitoring(run.state.bMonitoring);
+    run.service.LoadMarks();
+    run.http.LoadInets(run.newInet);
+    if (run.mainWindow.HasWindow()) run.testHttp.LoadInets(run.newInet);
+    run.log.Info("frmMonitor:Form_Load: calling Form_Resize");
+    run.mainWindow.Form_Resize();
+    run.Timer2->SetEnabled(true);
+    run.person.SetWaitCursor(false);
+    run.bFormLoading = false;
+    run.mainWindow.LoadResourceMonitors();
+    run.service.Loaded();
+    return Started::Running;
+}
+
+void RunRooms::BeginOperations() {
+    person.SetTrayTip("Korvane Initialized. Beginning Operations: " + clock.Now().Text());
+    if (IsFirstRun(*this)) IgnoreErrors([&] { SetUpForTheFirstTime(*this); });
+    const bool toldToStayQuiet = options.commandLine.find("restart") != std::string::npos;
+    if (collection.IsTrue("Reboot") && !toldToStayQuiet) actions.SendStartupNotice();
 }
 
 }  // namespace korvane

@@ -19,16 +19,6 @@ public:
     void ShowMessage(const std::string& title, const std::string& text) override;
     bool AskYesNo(const std::string& title, const std::string& text) override;
 
-    void SetClockText(const std::string&) override {}
-    void SetCycleText(const std::string&) override {}
-    void ShowProgress(bool) override {}
-    void SetProgress(int, int) override {}
-    void SetProgressTip(const std::string&) override {}
-    void SetTray(TrayPicture, const std::string&) override {}
-    void SetTrayTip(const std::string&) override {}
-    void RefreshURLList() override {}
-    void SetWaitCursor(bool) override {}
-
 private:
     std::ostream& statusLines_;
     std::ostream& messages_;

@@ -15,8 +15,6 @@ namespace texts = service_text;
 
 namespace {
 
-constexpr int kControlShutdown = 4;
-
 /// Returns the report folder if it is outside the home.
 std::vector<std::string> FoldersBeside(const std::string& home, std::string reports) {
     while (reports.size() > 1 && reports.ends_with('/'))
@@ -27,9 +25,6 @@ std::vector<std::string> FoldersBeside(const std::string& home, std::string repo
 
 }  // namespace
 
-ServiceMode::ServiceMode(const Ports& ports, Commands commands, Program program)
-    : ports_(ports), commands_(std::move(commands)), program_(std::move(program)) {}
-
 std::string ServiceMode::ServiceName() const {
     return ports_.collection.getKvSettingsColVal("ServiceName");
 }
@@ -37,11 +32,6 @@ std::string ServiceMode::ServiceName() const {
 bool ServiceMode::ServiceIsSet() const {
     const std::string* word = ports_.collection.Find("Service");
     return word != nullptr && *word == "True";
-}
-
-void ServiceMode::SetService(bool on) {
-    mnuTrayNTService_ = on;
-    ports_.collection.setKvSettingsColValue("Service", on ? "True" : "False");
 }
 
 std::string ServiceMode::Named(const std::string& text) const {
@@ -57,113 +47,102 @@ void ServiceMode::Show(const std::string& text) {
     ports_.person.ShowMessage(kMessageTitle, text);
 }
 
+void ServiceMode::ShowMarks() {
+    ports_.window.SetStartMarks(mnuTrayNTService_, mnuTrayStartup_);
+}
+
 void ServiceMode::Tell(const std::string& text) {
     ports_.status.setStatusMSG(text);
-    ports_.manager.Status(text);
+    ports_.system.serviceManager.Status(text);
 }
 
 // ---- the life of this process
 
 void ServiceMode::StartService() {
-    if (!ports_.manager.StartedThis()) {
+    if (!ports_.system.serviceManager.StartedThis()) {
         ports_.status.setStatusMSG(texts::kNotConnected);
         return;
     }
     ports_.status.setStatusMSG(texts::kConnected);
-    if (!runningAsService_) Start();
-}
-
-void ServiceMode::Start() {
+    if (runningAsService_) return;
     runningAsService_ = true;
     Tell(texts::kStarted);
-    commands_.keepSettingsOnExit();
-    commands_.appendToTitle(texts::kRunningAsService);
+    ports_.window.SetTitle(MainTitle(options_.version) + texts::kRunningAsService);
     WatchOverLife();
 }
 
 // If the pump no longer delivers events, it does not deliver this one either.
 void ServiceMode::WatchOverLife() {
-    const auto interval = ports_.manager.AliveInterval();
+    const auto interval = ports_.system.serviceManager.AliveInterval();
     if (!interval) return;
-    TimerAlive_ = ports_.timers.NewTimer("TimerAlive");
+    TimerAlive_ = ports_.system.timers.NewTimer("TimerAlive");
     TimerAlive_->SetInterval(*interval);
-    TimerAlive_->OnTick([this] { ports_.manager.Alive(); });
+    TimerAlive_->OnTick([this] { ports_.system.serviceManager.Alive(); });
     TimerAlive_->SetEnabled(true);
 }
 
 void ServiceMode::Loaded() {
     loaded_ = true;
-    ports_.manager.Ready();
-    const Wish wish = std::exchange(wish_, Wish::None);
-    if (wish == Wish::Pause) Pause();
-    if (wish == Wish::Continue) Continue();
+    ports_.system.serviceManager.Ready();
+    if (const auto wish = std::exchange(wish_, std::nullopt)) SetMonitoring(*wish);
 }
 
 void ServiceMode::HandOver() {
     if (startAtEnd_.empty()) return;
-    const ManagerAnswer answer = ports_.manager.Start(startAtEnd_);
+    const ManagerAnswer answer = ports_.system.serviceManager.Start(startAtEnd_);
     if (!answer.done) ports_.status.setStatusMSG(answer.words);
 }
 
 void ServiceMode::Stop(bool frozen) {
-    ports_.manager.Stopping();
-    if (!frozen && ports_.manager.IsShuttingDown()) Control(kControlShutdown);
+    ports_.system.serviceManager.Stopping();
+    if (!frozen && ports_.system.serviceManager.IsShuttingDown()) Tell(texts::kShuttingDown);
     Tell(texts::kStopped);
-    commands_.unload();
+    ports_.system.exit();
 }
 
-void ServiceMode::Pause() {
+void ServiceMode::SetMonitoring(bool on) {
     if (!loaded_) {
-        wish_ = Wish::Pause;
+        wish_ = on;
         return;
     }
-    const bool monitoring = commands_.isMonitoring();
-    if (monitoring) commands_.cmdStopStart();
-    Tell(monitoring ? texts::kPaused : texts::kAlreadyPaused);
-}
-
-void ServiceMode::Continue() {
-    if (!loaded_) {
-        wish_ = Wish::Continue;
-        return;
-    }
-    const bool monitoring = commands_.isMonitoring();
-    if (!monitoring) commands_.cmdStopStart();
-    Tell(monitoring ? texts::kStillContinuing : texts::kContinuing);
-}
-
-void ServiceMode::Control(int code) {
-    if (code == kControlShutdown) Tell(texts::kShuttingDown);
+    const bool wasOn = ports_.state.bMonitoring;
+    if (on != wasOn) ports_.stopStart.cmdStopStart();
+    if (on)
+        Tell(wasOn ? texts::kStillContinuing : texts::kContinuing);
+    else
+        Tell(wasOn ? texts::kPaused : texts::kAlreadyPaused);
 }
 
 // ---- installing and removing
 
 ServiceProgram ServiceMode::WhatRuns() const {
     const std::string* reports = ports_.collection.Find("ReportPath");
-    return {.program = program_.path,
-            .home = program_.home,
-            .folders = FoldersBeside(program_.home, reports == nullptr ? "" : *reports)};
+    return {.program = options_.program,
+            .home = options_.dir,
+            .folders = FoldersBeside(options_.dir, reports == nullptr ? "" : *reports)};
 }
 
 void ServiceMode::FollowSettings() {
-    const ManagerAnswer answer = ports_.manager.Update(ServiceName(), WhatRuns());
+    const ManagerAnswer answer = ports_.system.serviceManager.Update(ServiceName(), WhatRuns());
     if (!answer.done) ports_.status.setStatusMSG(answer.words);
 }
 
 bool ServiceMode::InstallService(const std::string& name, bool install) {
-    answer_ = install ? ports_.manager.Install(name, WhatRuns()) : ports_.manager.Uninstall(name, program_.home);
+    answer_ = install ? ports_.system.serviceManager.Install(name, WhatRuns())
+                      : ports_.system.serviceManager.Uninstall(name, options_.dir);
     if (!answer_.words.empty()) ports_.status.setStatusMSG(ReplaceAll(answer_.words, "\n", "\r\n"));
     if (answer_.done) startAtEnd_ = install ? name : "";
     return answer_.done;
 }
 
 ServiceMode::ShortCut ServiceMode::getShortCutFileName(const std::string& serviceName) const {
-    return {.file = ports_.autostart.FileName(serviceName), .directory = program_.path.substr(0, program_.path.rfind('/') + 1)};
+    return {.file = ports_.system.autostart.FileName(serviceName),
+            .directory = options_.program.substr(0, options_.program.rfind('/') + 1)};
 }
 
 bool ServiceMode::IsInStartupGroup() const {
     bool is = false;
-    IgnoreErrors([&] { is = ports_.autostart.Exists(ServiceName()); });
+    IgnoreErrors([&] { is = ports_.system.autostart.Exists(ServiceName()); });
     return is;
 }
 
@@ -171,9 +150,9 @@ bool ServiceMode::AddOrRemoveGroupShortCut(bool add) {
     const std::string name = ServiceName();
     try {
         if (add) {
-            ports_.autostart.Add({.name = name, .program = program_.path, .home = program_.home, .icon = program_.icon});
+            ports_.system.autostart.Add({.name = name, .program = options_.program, .home = options_.dir, .icon = options_.icon});
         } else {
-            ports_.autostart.Remove(name);
+            ports_.system.autostart.Remove(name);
         }
         return true;
     } catch (const std::exception& error) {
@@ -190,131 +169,95 @@ void ServiceMode::WarnIfInStartupGroup() {
     if (!AddOrRemoveGroupShortCut(false)) return;
     Show(texts::kRemovedForService);
     mnuTrayStartup_ = false;
-    commands_.showMarks();
+    ShowMarks();
 }
 
 void ServiceMode::LoadMarks() {
     mnuTrayNTService_ = ServiceIsSet();
     mnuTrayStartup_ = IsInStartupGroup();
-    commands_.showMarks();
+    ShowMarks();
 }
 
 void ServiceMode::CheckTrayNTService() {
     mnuTrayNTService_ = true;
-    commands_.showMarks();
+    ShowMarks();
 }
 
 void ServiceMode::CheckTrayStartup() {
     mnuTrayStartup_ = true;
-    commands_.showMarks();
+    ShowMarks();
 }
 
-// ---- the tray's commands
+// ---- the operator's clicks
 
-void ServiceMode::mnuTrayNTService_Click() {
+// A click while the messages of the one before are open does nothing.
+void ServiceMode::OneAtATime(const std::function<void()>& click) {
     if (!busy_) {
         const RaisedFlag busy(busy_);
-        mnuTrayNTService_ ? RemoveFromTray() : InstallFromTray();
+        click();
     }
-    commands_.showMarks();
+    ShowMarks();
 }
 
-void ServiceMode::InstallFromTray() {
-    if (!InstallService(ServiceName(), true)) {
-        ports_.person.ShowError(kMessageTitle, WithWords(texts::kInstallFailed));
-        return;
+bool ServiceMode::ChangeService(const texts::Words& words, bool install) {
+    if (!InstallService(ServiceName(), install)) {
+        ports_.person.ShowError(kMessageTitle, WithWords(Named(install ? words.installFailed : words.removeFailed)));
+        return false;
     }
-    Show(WithWords(Named(texts::kInstalled) + texts::kImportant + texts::kMore + texts::kHandOver));
-    SetService(true);
-    StartService();
-    WarnIfInStartupGroup();
-    commands_.Save();
+    if (install)
+        ports_.person.ShowMessage(words.title,
+                                  WithWords(Named(words.installed) + texts::kImportant + texts::kMore + texts::kHandOver));
+    else
+        Show(Named(words.removed));
+    mnuTrayNTService_ = install;
+    ports_.collection.setKvSettingsColValue("Service", install ? "True" : "False");
+    if (install) StartService();
+    return true;
 }
 
-void ServiceMode::RemoveFromTray() {
-    if (!InstallService(ServiceName(), false)) {
-        ports_.person.ShowError(kMessageTitle, WithWords(texts::kRemoveFailed));
-        return;
+void ServiceMode::ChangeStartup(const texts::Words& words, bool add) {
+    if (!AddOrRemoveGroupShortCut(add)) return;
+    mnuTrayStartup_ = add;
+    const bool both = ServiceIsSet();
+    if (add) {
+        Show(Named(words.added) + (both ? words.addedNote : "") + words.addedEnd);
+        if (both) Show(words.addedWarning);
+    } else {
+        Show(Named(words.takenOut) + (both ? words.takenOutNote : "") + words.takenOutEnd);
     }
-    Show(Named(texts::kRemoved));
-    SetService(false);
-    commands_.Save();
+}
+
+void ServiceMode::mnuTrayNTService_Click() {
+    OneAtATime([this] {
+        const bool install = !mnuTrayNTService_;
+        if (!ChangeService(texts::kTray, install)) return;
+        if (install) WarnIfInStartupGroup();
+        ports_.settings.Save();
+    });
 }
 
 void ServiceMode::mnuTrayStartup_Click() {
-    if (!busy_) {
-        const RaisedFlag busy(busy_);
-        ChangeStartup();
-    }
-    commands_.showMarks();
+    OneAtATime([this] { ChangeStartup(texts::kTray, !mnuTrayStartup_); });
 }
-
-void ServiceMode::ChangeStartup() {
-    const bool add = !mnuTrayStartup_;
-    if (!AddOrRemoveGroupShortCut(add)) return;
-    Show(add ? Named(texts::kStartupAdded) : texts::kStartupRemoved);
-    mnuTrayStartup_ = add;
-    if (add && ServiceIsSet()) Show(texts::kWarning);
-}
-
-// ---- the settings dialog's check boxes
 
 bool ServiceMode::chkService_Click(bool checked) {
     if (!IsWindowsNT()) {
         Show(std::string(kNoServiceHint));
         return mnuTrayNTService_;
     }
-    if (!busy_) {
-        const RaisedFlag busy(busy_);
-        checked ? InstallFromDialog() : RemoveFromDialog();
-    }
-    commands_.showMarks();
+    OneAtATime([this, checked] {
+        if (!ChangeService(texts::kDialog, checked)) return;
+        if (checked) mnuTrayStartup_ = IsInStartupGroup();
+        if (checked && mnuTrayStartup_ && ports_.person.AskYesNo(kMessageTitle, texts::kDialogAsk))
+            ChangeStartup(texts::kTray, false);
+        ports_.settings.Save();
+    });
     return mnuTrayNTService_;
 }
 
-void ServiceMode::InstallFromDialog() {
-    if (!InstallService(ServiceName(), true)) {
-        ports_.person.ShowError(kMessageTitle, WithWords(Named(texts::kDialogInstallFailed)));
-        return;
-    }
-    ports_.person.ShowMessage(texts::kReadThis,
-                              WithWords(Named(texts::kDialogInstalled) + texts::kImportant + texts::kMore + texts::kHandOver));
-    SetService(true);
-    StartService();
-    mnuTrayStartup_ = IsInStartupGroup();
-    if (mnuTrayStartup_ && ports_.person.AskYesNo(kMessageTitle, texts::kDialogAsk)) ChangeStartup();
-    commands_.Save();
-}
-
-void ServiceMode::RemoveFromDialog() {
-    if (!InstallService(ServiceName(), false)) {
-        ports_.person.ShowError(kMessageTitle, WithWords(Named(texts::kDialogRemoveFailed)));
-        return;
-    }
-    Show(Named(texts::kDialogRemoved));
-    SetService(false);
-    commands_.Save();
-}
-
 bool ServiceMode::chkStartup_Click(bool checked) {
-    if (!busy_) {
-        const RaisedFlag busy(busy_);
-        ChangeStartupFromDialog(checked);
-    }
-    commands_.showMarks();
+    OneAtATime([this, checked] { ChangeStartup(texts::kDialog, checked); });
     return mnuTrayStartup_;
-}
-
-void ServiceMode::ChangeStartupFromDialog(bool add) {
-    if (!AddOrRemoveGroupShortCut(add)) return;
-    mnuTrayStartup_ = add;
-    const bool both = ServiceIsSet();
-    if (add) {
-        Show(Named(texts::kDialogAdded) + (both ? texts::kDialogAddedNote : "") + texts::kDialogAddedEnd);
-        if (both) Show(texts::kDialogWarning);
-    } else {
-        Show(Named(texts::kDialogTakenOut) + (both ? texts::kDialogTakenOutNote : "") + texts::kDialogTakenOutEnd);
-    }
 }
 
 }  // namespace korvane

@@ -6,47 +6,31 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
-#include "platform/autostart.h"
-#include "platform/operator.h"
-#include "platform/service_manager.h"
-#include "platform/timer.h"
-#include "store/settings_collection.h"
-#include "store/status_log.h"
+#include "engine/cycle_state.h"
+#include "engine/stop_start.h"
+#include "shell/run/ports.h"
+#include "shell/service/service_texts.h"
+#include "store/settings.h"
 
 namespace korvane {
 
 class ServiceMode {
 public:
     struct Ports {
-        ServiceManager& manager;
-        Autostart& autostart;
+        const SystemPorts& system;
         Operator& person;
-        Timers& timers;
+        MonitorWindow& window;
         StatusLog& status;
         SettingsCollection& collection;
+        Settings& settings;
+        const CycleState& state;
+        StopStart& stopStart;
     };
 
-    /// Callbacks to the run and its window. All must be set.
-    struct Commands {
-        std::function<void()> Save;
-        std::function<bool()> isMonitoring;  ///< true if the caption of the start-stop button is "Stop"
-        std::function<void()> cmdStopStart;
-        std::function<void()> keepSettingsOnExit;  ///< sets the no-save-on-exit flag
-        std::function<void(const std::string& more)> appendToTitle;
-        std::function<void()> unload;     ///< ends the program like its own exit
-        std::function<void()> showMarks;  ///< the marks below may have changed
-    };
-
-    /// The program that is started. Absolute paths.
-    struct Program {
-        std::string path;  ///< the executable
-        std::string home;
-        std::string icon;  ///< of the startup entry; may be empty
-    };
-
-    ServiceMode(const Ports& ports, Commands commands, Program program);
+    ServiceMode(const Ports& ports, const RunOptions& options) : ports_(ports), options_(options) {}
 
     // The life of this process.
 
@@ -65,10 +49,8 @@ public:
     /// `frozen`: called during work that must not be interrupted by events. The manager is then not asked for the reason of the
     /// stop.
     void Stop(bool frozen = false);
-    void Pause();
-    void Continue();
-    /// Code 4 is the shutdown of the system; other codes are ignored.
-    void Control(int code);
+    void Pause() { SetMonitoring(false); }
+    void Continue() { SetMonitoring(true); }
 
     // The tray's commands, and queries for start-up and the settings dialog.
 
@@ -80,7 +62,7 @@ public:
     void CheckTrayNTService();
     void CheckTrayStartup();
 
-    bool IsWindowsNT() const { return ports_.manager.IsPresent(); }
+    bool IsWindowsNT() const { return ports_.system.serviceManager.IsPresent(); }
     /// True for systems that have a startup group and no services.
     bool IsWindows95() const { return !IsWindowsNT(); }
     bool IsInStartupGroup() const;
@@ -109,32 +91,26 @@ public:
     ShortCut getShortCutFileName(const std::string& serviceName) const;
 
 private:
-    enum class Wish { None, Pause, Continue };
-
     std::string ServiceName() const;
     ServiceProgram WhatRuns() const;
     bool ServiceIsSet() const;
-    void SetService(bool on);
-    void Start();
     void WatchOverLife();
+    void SetMonitoring(bool on);
     void Tell(const std::string& text);
     std::string Named(const std::string& text) const;
     std::string WithWords(const std::string& text) const;
     void Show(const std::string& text);
-    void InstallFromTray();
-    void RemoveFromTray();
-    void InstallFromDialog();
-    void RemoveFromDialog();
-    void ChangeStartup();
-    void ChangeStartupFromDialog(bool add);
+    void ShowMarks();
+    void OneAtATime(const std::function<void()>& click);
+    bool ChangeService(const service_text::Words& words, bool install);
+    void ChangeStartup(const service_text::Words& words, bool add);
 
     Ports ports_;
-    Commands commands_;
-    Program program_;
+    const RunOptions& options_;
     std::unique_ptr<Timer> TimerAlive_;
-    ManagerAnswer answer_;    ///< to the last installation or removal
-    std::string startAtEnd_;  ///< the service that was installed here and waits for the home
-    Wish wish_ = Wish::None;
+    ManagerAnswer answer_;      ///< to the last installation or removal
+    std::string startAtEnd_;    ///< the service that was installed here and waits for the home
+    std::optional<bool> wish_;  ///< of the manager, before start-up is complete: whether to monitor
     bool runningAsService_ = false;
     bool loaded_ = false;
     bool busy_ = false;

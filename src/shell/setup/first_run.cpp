@@ -109,26 +109,27 @@ std::string NameOf(const std::string& address) {
 
 class FirstRun {
 public:
-    FirstRun(const Desk& desk, const FirstRunCommands& commands) : desk_(desk), commands_(commands) {}
+    FirstRun(const Desk& desk, const AskPage& ask) : desk_(desk), ask_(ask) {}
 
-    void SetUp() {
+    /// Returns the operator's address, empty when there was no answer.
+    std::string SetUp() {
         MakeEntry();
         AskForMailServer();
-        if (commands_.IsWindows95()) StartWithTheDesktop();
-        if (commands_.IsWindowsNT()) StartAsService();
+        if (desk_.service.IsWindows95()) StartWithTheDesktop();
+        if (desk_.service.IsWindowsNT()) StartAsService();
         desk_.settings.Save();
-        commands_.ask(MonitoringBegins(strAddress_IP_));
-        commands_.ask(GettingStarted());
+        ask_(MonitoringBegins(strAddress_IP_));
+        ask_(GettingStarted());
         for (const std::string_view hint : kHints)
             desk_.status.setStatusMSG(std::string(hint));
-        commands_.setEmailOfMonitors(email_);
+        return email_;
     }
 
 private:
     // Returns the answer as typed or pasted, without what no address contains: spaces around it, and invisible characters that no
     // settings file stores.
     std::string Ask(const WizardPage& page) const {
-        std::string answer = commands_.ask(page);
+        std::string answer = ask_(page);
         std::erase_if(answer, [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
         return Trim(answer);
     }
@@ -175,31 +176,32 @@ private:
     }
 
     void StartWithTheDesktop() {
-        commands_.AddOrRemoveGroupShortCut(true);
-        commands_.checkTrayStartup();
+        desk_.service.AddOrRemoveGroupShortCut(true);
+        desk_.service.CheckTrayStartup();
     }
 
     // The mark is set even if the installation failed: the operator finds it and unchecks it to try again.
     void StartAsService() {
         const std::string name = desk_.collection.getKvSettingsColVal("ServiceName");
-        const bool installed = commands_.InstallService(name);
-        if (installed) commands_.ask(ServiceInstalled(name));
+        const bool installed = desk_.service.InstallService(name, true);
+        if (installed) ask_(ServiceInstalled(name));
         desk_.collection.setKvSettingsColValue("Service", "True");
-        commands_.checkTrayNTService();
-        if (installed) commands_.WarnIfInStartupGroup();
+        desk_.service.CheckTrayNTService();
+        if (installed) desk_.service.WarnIfInStartupGroup();
     }
 
     const Desk& desk_;
-    const FirstRunCommands& commands_;
+    const AskPage& ask_;
     std::string strAddress_IP_;
     std::string email_;  ///< empty: the question was not answered
 };
 
 }  // namespace
 
-void SetUpFirstRun(const Desk& desk, const FirstRunCommands& commands) {
+void SetUpFirstRun(const Desk& desk, const AskPage& ask,
+                   const std::function<void(const std::string& address)>& setEmailOfMonitors) {
     try {
-        FirstRun(desk, commands).SetUp();
+        setEmailOfMonitors(FirstRun(desk, ask).SetUp());
     } catch (const std::exception& error) {
         desk.log.WriteLog(kLogFatal, kLogError, "First-run setup ended early: " + std::string(error.what()));
     }

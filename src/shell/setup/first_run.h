@@ -22,25 +22,15 @@ struct WizardPage {
     std::string secondButton = "Next >>";
 };
 
-/// What setup needs besides the rooms. All of it must be set. An exception from one of them ends the setup.
-struct FirstRunCommands {
-    /// Shows the page, waits through the event pump until it is closed, and returns the text of its input box; empty when the
-    /// page was closed without an answer.
-    std::function<std::string(const WizardPage&)> ask;
-    std::function<bool()> IsWindows95;
-    std::function<bool()> IsWindowsNT;
-    std::function<void(bool add)> AddOrRemoveGroupShortCut;
-    std::function<bool(const std::string& serviceName)> InstallService;
-    std::function<void()> WarnIfInStartupGroup;
-    std::function<void()> checkTrayStartup;    ///< sets the mark of mnuTrayStartup
-    std::function<void()> checkTrayNTService;  ///< sets the mark of mnuTrayNTService
-    /// Writes the alert address to the files of the disk, memory, CPU and service monitors, in this order, and makes running
-    /// monitors read it. It may be empty.
-    std::function<void(const std::string& address)> setEmailOfMonitors;
-};
+/// Shows the page, waits through the event pump until it is closed, and returns the text of its input box; empty when the page was
+/// closed without an answer.
+using AskPage = std::function<std::string(const WizardPage&)>;
 
 /// Performs the whole setup, once in the life of a home. The first entry of the database is overwritten if there is one. An error
 /// ends it, is logged, and keeps what was already written. Waits for the operator, for days if necessary. Throws nothing.
-void SetUpFirstRun(const Desk& desk, const FirstRunCommands& commands);
+/// `setEmailOfMonitors` writes the alert address, which may be empty, to the files of the disk, memory, CPU and service monitors,
+/// in this order, and makes running monitors read it.
+void SetUpFirstRun(const Desk& desk, const AskPage& ask,
+                   const std::function<void(const std::string& address)>& setEmailOfMonitors);
 
 }  // namespace korvane

@@ -6,15 +6,34 @@
 
 #include "base/text.h"
 #include "notify/mail_message.h"
-#include "shell/web/url_encode.h"
-#include "shell/web/web_addresses.h"
+#include "shell/web/web_pages.h"
 
 namespace korvane {
 namespace {
 
 constexpr const char* kProduct = "Korvane";
 
+constexpr std::string_view kEncoded = "%, /~:$&";
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+constexpr std::size_t kBetweenEvents = 256;  ///< bytes
+
 using Values = std::vector<std::pair<std::string_view, std::string>>;
+
+// The encoding that the pages of the website expect; every other byte stays. Long texts let the pump run in between.
+std::string URLEncodeText(std::string_view text, Events& events) {
+    const std::string lines = ReplaceAll(text, "\r\n", "DA");  // the website's form of a line end
+    std::string encoded;
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        if (at % kBetweenEvents == 0) events.DoEvents();
+        const char c = lines[at];
+        if (kEncoded.find(c) == std::string_view::npos) {
+            encoded += c;
+        } else {
+            encoded += {'%', kDigits[static_cast<std::size_t>(c) / 16], kDigits[static_cast<std::size_t>(c) % 16]};
+        }
+    }
+    return encoded;
+}
 
 std::string AddressWith(std::string_view page, const Values& values, Events& events) {
     std::string address(page);

@@ -21,7 +21,6 @@
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
 #include "shell/run/message_title.h"
-#include "shell/run/open_text.h"
 #include "store/database_files.h"
 
 namespace korvane {

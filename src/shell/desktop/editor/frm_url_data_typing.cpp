@@ -12,7 +12,7 @@
 #include <algorithm>
 
 #include "base/raised_flag.h"
-#include "engine/shutdown_path.h"
+#include "engine/machine_restart.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/desktop/editor/frm_url_data_pages.h"
 #include "shell/desktop/editor/frm_url_data_server_page.h"

@@ -13,7 +13,6 @@
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/toolkit/cut_cell_tips.h"
-#include "shell/list/restart_help.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"
 

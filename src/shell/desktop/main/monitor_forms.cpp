@@ -87,22 +87,12 @@ void MonitorForms::ShowTellFriend() {
 }
 
 void MonitorForms::SetUpForTheFirstTime() {
-    ServiceMode& service = desk_.service;
-    SetUpFirstRun(desk_, {.ask = ask,
-                          .IsWindows95 = [&service] { return service.IsWindows95(); },
-                          .IsWindowsNT = [&service] { return service.IsWindowsNT(); },
-                          .AddOrRemoveGroupShortCut = [&service](bool add) { service.AddOrRemoveGroupShortCut(add); },
-                          .InstallService = [&service](const std::string& name) { return service.InstallService(name, true); },
-                          .WarnIfInStartupGroup = [&service] { service.WarnIfInStartupGroup(); },
-                          .checkTrayStartup = [&service] { service.CheckTrayStartup(); },
-                          .checkTrayNTService = [&service] { service.CheckTrayNTService(); },
-                          .setEmailOfMonitors =
-                              [this](const std::string& address) {
-                                  for (const ResourceMonitor monitor : {ResourceMonitor::Disk, ResourceMonitor::Memory,
-                                                                        ResourceMonitor::CPU, ResourceMonitor::Services})
-                                      emails_.setEmail(monitor, address);
-                                  emails_.LoadData();
-                              }});
+    SetUpFirstRun(desk_, ask, [this](const std::string& address) {
+        for (const ResourceMonitor monitor :
+             {ResourceMonitor::Disk, ResourceMonitor::Memory, ResourceMonitor::CPU, ResourceMonitor::Services})
+            emails_.setEmail(monitor, address);
+        emails_.LoadData();
+    });
 }
 
 }  // namespace korvane

@@ -133,7 +133,7 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
 QVariant ServerListModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return QAbstractTableModel::headerData(section, orientation, role);
-    return Q(kColumnHeads[static_cast<std::size_t>(section)]);
+    return Q(ColumnHead(section));
 }
 
 }  // namespace korvane

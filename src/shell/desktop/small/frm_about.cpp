@@ -11,7 +11,7 @@
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/desktop/toolkit/reading_text.h"
-#include "shell/web/web_addresses.h"
+#include "shell/web/web_pages.h"
 
 namespace korvane {
 namespace {

@@ -1,0 +1,79 @@
+// The objects that live as long as the program runs, in the order of their construction. The constructor passes each its ports
+// and the objects that it works with.
+#pragma once
+
+#include <memory>
+
+#include "engine/failure_actions.h"
+#include "engine/monitor_cycle.h"
+#include "engine/outcome.h"
+#include "engine/stop_start.h"
+#include "reports/pipeline.h"
+#include "shell/run/desk.h"
+#include "shell/run/ports.h"
+
+namespace korvane {
+
+struct RunRooms : RunPorts {
+    RunRooms(const RunPorts& ports, RunOptions runOptions);
+    RunRooms(const RunRooms&) = delete;
+
+    /// Called after the wait before monitoring begins: finishes a first start, and announces the start.
+    void BeginOperations();
+    /// Stops monitoring if it is on.
+    void StopMonitor();
+
+    RunOptions options;
+    bool bFormLoading = false;
+    bool onlyTelling = false;  ///< a start that cannot continue shows its message
+
+    CycleState state;
+    Log log;
+    StatusLog status;
+    IniFile settingsFile;
+    ServerIds ids;
+    SettingsCollection collection;
+    MonitorWindow noWindow;
+    MonitorWindow& mainWindow;
+    ServerEntries entries;
+    Settings settings;
+    LegacyLog legacyLog;
+    Safeguards safeguards;
+
+    // The timers must come before the objects that switch them.
+    std::unique_ptr<Timer> Timer2;
+    std::unique_ptr<Timer> TimerMonitorDB;
+    std::unique_ptr<Timer> TimerProgress;
+    std::unique_ptr<Timer> TimerLog;
+    CycleTimers switches;
+
+    Dispatcher mail;
+    TraceRoute trace;
+    CommandRunner commands;
+    ServerActions actions;
+    Reports reports;
+    WebPages pages;
+    ReportCommands reportCommands;
+    Maintenance maintenance;
+    NoConversationWindow noConversation;
+    ConversationWindow& conversationWindow;
+    RequestProgress progress;
+    HttpRequester http;
+    TcpChecker tcp;
+    PingChecker ping;
+    HttpRequester testHttp;
+    TcpChecker testTcp;
+    OutcomeAccounting accounting;
+    StoreAlarm alarm;
+    MonitorCycle cycle;
+    BeginWait wait;
+    StopStart stopStart;
+    MachineRestart restart;
+    VersionCheck versionCheck;
+    ServiceMode service;
+    Dispatcher alertDispatcher;
+    AlertMails alertMails;
+    const Desk desk;
+};
+
+}  // namespace korvane
