@@ -65,8 +65,9 @@ std::string SubjectOf(const std::string& strText, const std::string& strEmailDes
 Dispatcher::Dispatcher(const Ports& ports, Options options)
     : ports_(ports),
       options_(std::move(options)),
-      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
-                   options_.smtpPort) {}
+      hidden_(ports.safeguards, ports.settings),
+      trace_(ports.trace, hidden_),
+      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, &trace_}) {}
 
 SendOutcome Dispatcher::SendEmail(Notification mail, const Account& account) {
     if (mail.strTo1.empty()) return {};
@@ -107,27 +108,31 @@ SendOutcome Dispatcher::SendToEach(const std::string& strTo1, const std::string&
 SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
     SendOutcome outcome;
     try {
-        outcome =
-            message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message) : SendThroughEsmtp(recipient, message);
+        const MailSecurity security = SecurityOf(ports_.safeguards, message.account.server, options_.smtpPort);
+        outcome = message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message, security)
+                                                  : SendThroughEsmtp(recipient, message, security);
     } catch (const std::exception& error) {
         outcome.strError = error.what();
     }
-    outcome.strError = WithoutControls(outcome.strError);  // it contains the server's words
+    outcome.strError = hidden_.In(WithoutControls(outcome.strError));  // it contains the server's words
     return outcome;
 }
 
-SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message) {
+SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message,
+                                               const MailSecurity& security) {
     SendOutcome outcome;
+    plainMailer_.SetSecurity(security);
     outcome.sent = plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
                                               message.strBody, message.account.strServer, Zone(), outcome.strError, "", "");
     return outcome;
 }
 
-SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message) {
-    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, ports_.trace}, ports_.sckesmtp);
+SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message, const MailSecurity& security) {
+    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, &trace_}, ports_.sckesmtp);
     mycls.SetHandlers({.StateChange = [&](int State) { mycls_StateChange(mycls, State); }});
     mycls.SmtpHost = message.account.strServer;
-    mycls.smtpport = options_.smtpPort;
+    mycls.smtpport = security.port;
+    mycls.security = security;
     mycls.POPhost = message.account.strPopHost;
     mycls.popPort = options_.popPort;
     mycls.UserID = message.account.strUser;
@@ -167,7 +172,7 @@ void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
 
 Dispatcher::Account Dispatcher::AccountOf(MailServer server) const {
     const ServerKeys& keys = server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
-    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost)};
+    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost), server};
 }
 
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {

@@ -7,11 +7,14 @@
 #include <string>
 
 #include "notify/esmtp.h"
+#include "notify/hidden_passwords.h"
+#include "notify/mail_security.h"
 #include "notify/mail_trace.h"
 #include "notify/plain_mailer.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
 #include "store/log.h"
+#include "store/safeguards.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
 
@@ -25,9 +28,6 @@ struct Notification {
     std::string strSubject;
     std::string strBody;
 };
-
-/// The two sets of settings that name a mail server.
-enum class MailServer { Primary, Backup };
 
 struct SendOutcome {
     bool sent = false;
@@ -47,12 +47,13 @@ public:
         StatusLog& status;
         Log& log;
         const SettingsCollection& settings;
+        Safeguards& safeguards;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
         MailTrace* trace = nullptr;         ///< of the SMTP conversations; null: no trace
     };
 
     struct Options {
-        std::int32_t smtpPort = 25;  ///< tests use other ports
+        std::int32_t smtpPort = 25;  ///< of a server without security and port of its own; tests use other ports
         std::int32_t popPort = 110;
         std::string contactAddress = {};  ///< the product's own mailbox, which gets no status line
     };
@@ -86,6 +87,7 @@ private:
         std::string strUser;
         std::string strPass;
         std::string strPopHost;
+        MailServer server = MailServer::Primary;
     };
     /// The message while it goes to one recipient after the other; its sender may become the first of them.
     struct Message {
@@ -100,8 +102,8 @@ private:
     SendOutcome SendEmail(Notification mail, const Account& account);
     SendOutcome SendToEach(const std::string& strTo1, const std::string& everybody, Message& message);
     SendOutcome SendToOne(const std::string& recipient, const Message& message);
-    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message);
-    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message, const MailSecurity& security);
+    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message, const MailSecurity& security);
     void mycls_StateChange(const clsEsmtp& mycls, int State);
     bool RunTest(const Notification& test, const std::string& backup);
     bool TestThrough(MailServer server, const std::string& name, const Notification& test);
@@ -113,6 +115,8 @@ private:
 
     Ports ports_;
     Options options_;
+    HiddenPasswords hidden_;
+    HidingTrace trace_;
     PlainMailer plainMailer_;
     bool sending_ = false;
 };

@@ -1,5 +1,5 @@
 // Sends one mail to one server over one connection: first an optional POP login, then SMTP (RFC 5321) with a login (RFC 4954) if
-// the server offers one.
+// the server offers one. With security, all of it but the greeting is under TLS, or the mail fails.
 #pragma once
 
 #include <functional>
@@ -82,6 +82,8 @@ private:
     bool Connect();
     bool SayHello();
     bool SayPlainHello();
+    bool StartTls();
+    bool Encrypt(const std::string& host);
     std::string OwnAddress() const;
     bool Authenticate();
     bool NameSender();

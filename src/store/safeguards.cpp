@@ -131,9 +131,8 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
 }
 
 std::string Safeguards::Text(std::string_view key) const {
-    const Safeguard* safeguard = FindSafeguard(key);
     const std::string* value = settings_.Find(key);
-    if (safeguard == nullptr || value == nullptr || !ProblemOf(*safeguard, *value).empty()) return "";
+    if (FindSafeguard(key) == nullptr || value == nullptr || !Problem(key).empty()) return "";
     return Trim(*value);
 }
 
@@ -152,6 +151,12 @@ int Safeguards::Port(std::string_view key, int otherwise) const {
     return text.empty() ? otherwise : std::stoi(text);
 }
 
+std::string Safeguards::Problem(std::string_view key) const {
+    const Safeguard* safeguard = FindSafeguard(key);
+    const std::string* value = settings_.Find(key);
+    return safeguard == nullptr || value == nullptr ? "" : ProblemOf(*safeguard, *value);
+}
+
 bool Safeguards::AnyOn() const {
     return std::any_of(std::begin(kSafeguards), std::end(kSafeguards), [&](const Safeguard& safeguard) {
         if (safeguard.value == Switch) return IsOn(safeguard.key);
@@ -161,11 +166,8 @@ bool Safeguards::AnyOn() const {
 
 std::vector<std::string> Safeguards::Problems() const {
     std::vector<std::string> problems;
-    for (const Safeguard& safeguard : kSafeguards) {
-        const std::string* value = settings_.Find(safeguard.key);
-        if (value == nullptr) continue;
-        if (const std::string problem = ProblemOf(safeguard, *value); !problem.empty()) problems.push_back(problem);
-    }
+    for (const Safeguard& safeguard : kSafeguards)
+        if (const std::string problem = Problem(safeguard.key); !problem.empty()) problems.push_back(problem);
     if (Text("ProveMail") == kOn)
         for (const std::string_view needed : kNeededByProof)
             if (Text(needed).empty()) problems.push_back("ProveMail: it needs a usable " + std::string(needed) + ".");

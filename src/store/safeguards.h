@@ -61,6 +61,8 @@ public:
     /// Returns whether at least one safeguard is on. Switches and values that only refine others do not count.
     bool AnyOn() const;
 
+    /// Returns what is wrong with the value of the key, for the operator; empty if nothing is.
+    std::string Problem(std::string_view key) const;
     /// Returns one sentence for each key whose value is unusable or lacks another key; such a safeguard is off.
     std::vector<std::string> Problems() const;
     /// Writes the problems that are new since the last call to the log and the status log.

@@ -5,7 +5,7 @@
 namespace korvane {
 
 void StatusLog::setStatusMSG(std::string_view text) {
-    std::string line = ReplaceAll(WithoutControls(text), "\r\n", " : ");
+    std::string line = ReplaceAll(WithoutControls(filter_ ? filter_(text) : text), "\r\n", " : ");
     // Texts from this system's own libraries contain bare line feeds.
     line = ReplaceAll(ReplaceAll(line, "\n", " : "), "\r", " : ");
 

@@ -283,6 +283,10 @@ void QtTcpSocket::Connect() {
     }
 }
 
+void QtTcpSocket::StartEncryption(const std::string& /*host*/, const std::string& /*authorities*/) {
+    throw Error("This socket cannot encrypt");
+}
+
 void QtTcpSocket::SendData(std::string_view bytes) {
     if (State() != SocketState::Connected) throw Error("The socket is not connected", kNotConnected);
     Current().Send(bytes);

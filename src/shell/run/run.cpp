@@ -24,7 +24,7 @@ std::unique_ptr<Timer> NewTimer(Timers& timers, const char* name, std::chrono::m
 
 Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSocket, MailTrace* mailTrace) {
     return {{sckesmtp, plainSocket, run.clock, run.events, run.person, run.files, run.guids, run.status, run.log, run.collection,
-             [&run] { run.StopMonitor(); }, mailTrace},
+             run.safeguards, [&run] { run.StopMonitor(); }, mailTrace},
             {.contactAddress = std::string(kContactAddress)}};
 }
 
@@ -44,6 +44,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
+      hiddenPasswords(safeguards, collection),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
       TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms, [this] { cycle.TimerMonitorDB_Timer(); })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
@@ -61,7 +62,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
       maintenance({store, clock, files, log, status, [this] { reportCommands.PublishReports(false); }}, options.dir),
-      conversationWindow(conversation == nullptr ? noConversation : *conversation),
+      conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
       http({collection, events, clock, progress}),
       tcp({tcpSocket, events, clock, person, status, conversationWindow}),
@@ -108,7 +109,11 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            conversationWindow,
            testHttp,
            testTcp,
-           ping} {}
+           ping} {
+    const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
+    status.SetFilter(withoutPasswords);
+    log.SetFilter(withoutPasswords);
+}
 
 void RunRooms::StopMonitor() {
     if (state.bMonitoring) stopStart.cmdStopStart();

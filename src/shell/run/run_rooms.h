@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "engine/failure_actions.h"
+#include "engine/hiding_conversation.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/stop_start.h"
@@ -39,6 +40,7 @@ struct RunRooms : RunPorts {
     Settings settings;
     LegacyLog legacyLog;
     Safeguards safeguards;
+    HiddenPasswords hiddenPasswords;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
@@ -56,7 +58,7 @@ struct RunRooms : RunPorts {
     ReportCommands reportCommands;
     Maintenance maintenance;
     NoConversationWindow noConversation;
-    ConversationWindow& conversationWindow;
+    HidingConversation conversationWindow;
     RequestProgress progress;
     HttpRequester http;
     TcpChecker tcp;
