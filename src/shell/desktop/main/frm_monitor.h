@@ -151,7 +151,7 @@ private:
     void Timer4_Timer();
     void ShowStopStart(bool shown);
     void ResourceWindowHidden(ResourceMonitor monitor);
-    void Tell(frmMSG::Kind kind, const std::string& title, const std::string& text);
+    void ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text);
     QWidget* MessageParent() const;
 
     Run* run_ = nullptr;

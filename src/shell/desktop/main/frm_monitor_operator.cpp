@@ -104,7 +104,7 @@ QWidget* frmMonitor::MessageParent() const {
     return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
 }
 
-void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::string& text) {
+void frmMonitor::ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text) {
     if (!placed_ || run_->Loading()) {
         frmMSG::Show(MessageParent(), kind, title, text);
     } else {
@@ -113,11 +113,11 @@ void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::st
 }
 
 void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::Information, title, text);
+    ShowOrQueue(frmMSG::Kind::Information, title, text);
 }
 
 void frmMonitor::ShowError(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::StopSign, title, text);
+    ShowOrQueue(frmMSG::Kind::StopSign, title, text);
 }
 
 bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
