@@ -4,7 +4,6 @@
 #include <exception>
 
 #include "base/ignore_errors.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
@@ -15,12 +14,6 @@ namespace korvane {
 namespace {
 
 constexpr std::int16_t kWebPort = 80;  // default of an entry without a port
-
-std::int64_t WholeOrZero(const std::string& text) {
-    std::int64_t number = 0;
-    IgnoreErrors([&] { number = ParseWhole(text); });
-    return number;
-}
 
 std::chrono::seconds TimeoutOf(const EntryFields& fields) {
     std::int16_t number = 0;

@@ -7,7 +7,7 @@
 
 #include "engine/check_result.h"
 #include "engine/text_rules.h"
-#include "shell/entry/entry_fields.h"
+#include "shell/entry/entry_inputs.h"
 #include "shell/run/desk.h"
 
 namespace korvane {

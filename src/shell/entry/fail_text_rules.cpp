@@ -15,9 +15,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kRestAfterRow = 100ms;
 
-/// This once showed how many failures in a row it takes. It is always empty now, and the texts have become known without it.
-constexpr std::string_view kTimesToTry;
-
 bool IdTaken(Store& store, Connection& conn, std::int64_t id) {
     const auto rows = store.NewRecordset();
     rows->Open("SELECT * from ResponseFailText where id =" + std::to_string(id), conn, CursorType::Static, LockType::Optimistic);
@@ -119,9 +116,9 @@ std::string FailTextHelp() {
            "(optional).  You will always receive Email Notification if these failures occur.";
 }
 
+// The pair of parentheses once held a number; the texts are known as they are.
 std::string FailCommandHelp(const FailTextRule& rule) {
-    const std::string when = "if the response contains the string '" + rule.strFailText + "' (" + std::string(kTimesToTry) +
-                             "'  times in a row).  You will ";
+    const std::string when = "if the response contains the string '" + rule.strFailText + "' ('  times in a row).  You will ";
     if (rule.strFailCommand.empty()) {
         return "You are specifying that No command should be executed " + when + "still receive Email Notification.";
     }
@@ -131,8 +128,9 @@ std::string FailCommandHelp(const FailTextRule& rule) {
 std::string FailTextRulesHelp() {
     return "This multiple command configuration dialog allows you to monitor for specific text returned from your web "
            "page.\r\n\r\n"
-           "By default, it's considered a URL failure when absolutely NOTHING is returned from the URL request (" +
-           std::string(kTimesToTry) + " times in a row).  \r\n\r\n" + FailTextHelp();
+           "By default, it's considered a URL failure when absolutely NOTHING is returned from the URL request ( times in a "
+           "row).  \r\n\r\n" +
+           FailTextHelp();
 }
 
 }  // namespace korvane

@@ -27,7 +27,7 @@
 #include "shell/desktop/main/monitor_tray.h"
 #include "shell/desktop/main/server_list_model.h"
 #include "shell/desktop/monitors/resource_windows.h"
-#include "shell/desktop/toolkit/status_box.h"
+#include "shell/desktop/toolkit/reading_text.h"
 #include "shell/desktop/trace/conversation_viewer.h"
 #include "shell/desktop/trace/mail_trace_viewer.h"
 #include "shell/list/monitor_commands.h"

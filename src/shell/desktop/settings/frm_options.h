@@ -8,12 +8,12 @@
 #include <string>
 #include <string_view>
 
-#include "shell/desktop/settings/frm_options_pages.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/tabbed_dialog.h"
 #include "shell/options/options_commands.h"
 #include "shell/run/desk.h"
 
-class QPushButton;
+class QRadioButton;
 
 namespace korvane {
 
@@ -34,14 +34,6 @@ struct OptionsCommands {
     std::function<void()> HelpShutDown;
 };
 
-/// The parameters of a file dialog.
-struct FileQuestion {
-    QString title;
-    QString name;
-    QString extension;  ///< added to a name that is typed without one; empty: none
-    QString filter;
-};
-
 /// Shown with open(); deleted when it is closed. It closes after a save and on cancel, even while a command of its own waits:
 /// that command then ends without a message.
 class frmOptions : public TabbedDialog {
@@ -51,14 +43,20 @@ public:
     /// The tray's commands can also install and remove while this is open.
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
 
-    /// Asks for a line of text, as AskText does. Tests replace it.
-    AskText askText;
-    /// Asks for a file and calls back with its path; does not call back when the operator cancels. Tests replace it.
-    std::function<void(const FileQuestion& question, std::function<void(const QString& path)> chosen)> askForFile;
-
 private:
+    // Implemented in frm_options_pages.cpp.
+    void AddPages();
+    void AddMonitoringPage();
+    void AddMailPage();
+    void AddReportsPage();
+    void AddAlert(QFormLayout& form, bool OptionsFields::*mark, std::string OptionsFields::*sound, const Control& browse,
+                  const Control& play);
+    void AddRestartPage();
+    void AddProxyPage();
+    void AddServicePage();
+    void AddResetsPage();
+
     // Implemented in frm_options.cpp.
-    void BuildPages();
     void Form_Load();
     void LoadService();
     void LoadMailServer();
@@ -66,16 +64,12 @@ private:
     void ShowMark(QCheckBox& mark, bool checked);
     OptionsFields Read() const;
     void cmdOk_Click();
-    void Refuse(QLineEdit& box, const std::string& message);
-
-    // Implemented in frm_options_typing.cpp.
     void ConnectTyping();
     void ProxyNameChanged();
     void ShowChoices(bool reboot);
     void RebootToggled(bool reboot);
 
     // Implemented in frm_options_commands.cpp.
-    void ConnectCommands();
     void ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked));
     void cmdTestEmail_Click();
     void cmdSetProxy_Click();
@@ -85,25 +79,25 @@ private:
     void cmdCheckVersion_Click();
     void ChooseSound(QLineEdit& box);
     void ChooseReportPath();
-    void AskForFile(const FileQuestion& question, const std::function<void(const QString& path)>& chosen);
 
     const Desk desk_;
     const OptionsCommands commands_;
     std::string proxyServer_;  ///< as detected
     std::string serviceName_;
-    bool loading_ = true;        ///< the dialog is being filled, and the handlers of changes do nothing
     bool proxyChanged_ = false;  ///< the proxy's name, since loading
     bool saving_ = false;
     bool mailing_ = false;  ///< a test mail is being sent
 
-    OptionsInputs inputs_;
-    OptionsMonitoringPage* monitoring_ = nullptr;
-    OptionsMailPage* mail_ = nullptr;
-    OptionsReportsPage* reports_ = nullptr;
-    OptionsRestartPage* restart_ = nullptr;
-    OptionsProxyPage* proxy_ = nullptr;
-    OptionsServicePage* service_ = nullptr;
-    OptionsResetsPage* resets_ = nullptr;
+    FormInputs<OptionsFields> inputs_;
+    QCheckBox* ckReboot_ = nullptr;
+    QRadioButton* optRebootAny_ = nullptr;
+    QRadioButton* optRebootAll_ = nullptr;
+    QPushButton* cmdSetProxy_ = nullptr;
+    QLabel* lblProxy_ = nullptr;
+    QWidget* servicePage_ = nullptr;
+    QLabel* lblServiceName_ = nullptr;
+    QCheckBox* chkService_ = nullptr;
+    QCheckBox* chkStartup_ = nullptr;
     QPushButton* cmdCheckVersion_ = nullptr;
 };
 
