@@ -80,9 +80,10 @@ void frmURLData::AddHistoryRow(QVBoxLayout& page) {
                                  [this] { cmdLastResponse_Click(); });
     auto* cmdReport = NewButton({"cmdReport", "&Report", "Opens the report of this server's group in your browser."}, this,
                                 [this] { desk_.reports.DisplayReport("0", Read().strGroup); });
-    auto* cmdReset = NewButton({"cmdReset", "Reset &History...",
-                                "Deletes the failures and response times of this server and begins its statistics anew."},
-                               this, [this] { cmdReset_Click(); });
+    auto* cmdReset =
+        NewButton({"cmdReset", "Reset &History...",
+                   "Deletes the failures and response times of this server and begins its statistics anew.", "Reset History..."},
+                  this, [this] { cmdReset_Click(); });
     QHBoxLayout* row = LeftRow({cmdTraceRoute, cmdLastResponse_, cmdReport});
     row->addWidget(cmdReset);
     page.addLayout(row);

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "notify/dispatcher.h"
-#include "shell/desktop/settings/frm_global_email.h"
 #include "shell/desktop/small/frm_about.h"
 #include "shell/desktop/small/frm_feedback.h"
 #include "shell/desktop/small/frm_tell_friend.h"
@@ -37,24 +36,9 @@ void MonitorForms::Open(const std::string& name, MakeForm makeForm) {
     form->activateWindow();
 }
 
-OptionsCommands MonitorForms::CommandsOfOptions() {
-    ServiceMode& service = desk_.service;
-    return {.proxyServer = desk_.proxyServer,
-            .PlaySound = [this](const std::string& path) { desk_.sound.PlaySound(path); },
-            .IsWindowsNT = [&service] { return service.IsWindowsNT(); },
-            .chkService_Click = [&service](bool checked) { return service.chkService_Click(checked); },
-            .chkStartup_Click = [&service](bool checked) { return service.chkStartup_Click(checked); },
-            .IsInStartupGroup = [&service] { return service.IsInStartupGroup(); },
-            .TestShutDown = [this](const auto& answered) { desk_.restart.TestShutDown(answered); },
-            .CheckVersion = [this] { desk_.versionCheck.CheckForVersion(); },
-            .GlobalEmail = [this](QWidget* over) { (new frmGlobalEmail(desk_, emails_, over))->open(); },
-            .HelpService = [this] { desk_.pages.Show(WebPage::ServiceHelp); },
-            .HelpShutDown = [this] { desk_.pages.Show(WebPage::ShutdownHelp); }};
-}
-
 void MonitorForms::ShowOptions() {
     Open("frmOptions", [this](QWidget* parent) {
-        auto* form = new frmOptions(desk_, CommandsOfOptions(), parent);
+        auto* form = new frmOptions(desk_, emails_, parent);
         QObject::connect(form, &QDialog::accepted, &owner_, [this] { desk_.service.FollowSettings(); });
         return form;
     });

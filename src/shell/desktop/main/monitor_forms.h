@@ -39,7 +39,6 @@ private:
     template <class MakeForm>
     void Open(const std::string& name, MakeForm makeForm);
     QWidget* Parent() const;
-    OptionsCommands CommandsOfOptions();
 
     Desk desk_;
     QWidget& owner_;

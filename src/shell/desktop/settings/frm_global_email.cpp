@@ -29,7 +29,9 @@ frmGlobalEmail::frmGlobalEmail(const Desk& desk, ResourceEmailFiles& monitors, Q
     content_->addWidget(new ScrolledPage(Page()), 1);
     AddStatus(kEmailStatusLines);
     txtStatus_->setFocusPolicy(Qt::ClickFocus);
-    content_->addWidget(NewButton({"cmdClose", "&Close"}, this, [this] { reject(); }), 0, Qt::AlignRight);
+    auto* cmdClose = NewButton({"cmdClose", "&Close"}, this, [this] { reject(); });
+    content_->addWidget(cmdClose, 0, Qt::AlignRight);
+    setTabOrder(cmdUpdateAll_, cmdClose);
     WatchForHelp();
     cmdSaveGlobal_->setDefault(true);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FocusMoved(now); });
@@ -52,9 +54,9 @@ QWidget* frmGlobalEmail::Page() {
     cmdSaveGlobal_ = NewCommand("cmdSaveGlobal", "&Save Global Values",
                                 "Saves the global values and the addresses of the monitors. The servers stay as they are.",
                                 &frmGlobalEmail::cmdSaveGlobal_Click);
-    auto* cmdUpdateAll = NewCommand("cmdUpdateAll", "Update &All Servers...", "Gives the global values above to all servers.",
-                                    &frmGlobalEmail::cmdUpdateAll_Click);
-    content->addLayout(LeftRow({cmdSaveGlobal_, cmdUpdateAll}));
+    cmdUpdateAll_ = NewCommand("cmdUpdateAll", "Update &All Servers...", "Gives the global values above to all servers.",
+                               &frmGlobalEmail::cmdUpdateAll_Click);
+    content->addLayout(LeftRow({cmdSaveGlobal_, cmdUpdateAll_}));
     content->addSpacing(fontMetrics().height() / 2);
     content->addWidget(Server());
     content->addStretch();

@@ -39,6 +39,7 @@ private:
     QLabel* lblTitle_ = nullptr;
     QLabel* lblPosition_ = nullptr;
     QPushButton* cmdSaveGlobal_ = nullptr;
+    QPushButton* cmdUpdateAll_ = nullptr;
     QPushButton* cmdUpdateServer_ = nullptr;
 };
 

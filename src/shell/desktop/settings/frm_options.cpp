@@ -13,8 +13,8 @@
 
 namespace korvane {
 
-frmOptions::frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent)
-    : TabbedDialog("frmOptions", "Settings", parent), desk_(desk), commands_(std::move(commands)), inputs_(OptionsInputs()) {
+frmOptions::frmOptions(const Desk& desk, ResourceEmailFiles& emails, QWidget* parent)
+    : TabbedDialog("frmOptions", "Settings", parent), desk_(desk), emails_(emails), inputs_(OptionsInputs()) {
     AddPages();
     cmdCheckVersion_ = AddStatusAndButtons(
         {"cmdCheckVersion", "Check for New &Version...", "Asks whether there is a newer version of Korvane."},
@@ -34,13 +34,13 @@ void frmOptions::Form_Load() {
     LoadService();
     LoadMailServer();
     LoadProxy();
-    chkStartup_->setChecked(commands_.IsInStartupGroup());
+    chkStartup_->setChecked(desk_.service.IsInStartupGroup());
     loading_ = false;
 }
 
 void frmOptions::LoadService() {
     lblServiceName_->setText(Q(serviceName_));
-    if (commands_.IsWindowsNT()) return;
+    if (desk_.service.IsWindowsNT()) return;
     chkService_->setChecked(false);
     chkService_->hide();
     SetStatus(kNoServiceHint);
@@ -58,7 +58,7 @@ void frmOptions::LoadMailServer() {
 }
 
 void frmOptions::LoadProxy() {
-    proxyServer_ = commands_.proxyServer();
+    proxyServer_ = desk_.proxyServer();
     const bool isDetected = !Trim(proxyServer_).empty();
     cmdSetProxy_->setVisible(isDetected);
     lblProxy_->setVisible(isDetected);
@@ -66,7 +66,7 @@ void frmOptions::LoadProxy() {
 }
 
 void frmOptions::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
-    ShowMark(*chkService_, mnuTrayNTService && commands_.IsWindowsNT());
+    ShowMark(*chkService_, mnuTrayNTService && desk_.service.IsWindowsNT());
     ShowMark(*chkStartup_, mnuTrayStartup);
 }
 

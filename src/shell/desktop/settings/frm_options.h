@@ -4,9 +4,7 @@
 // collected data.
 #pragma once
 
-#include <functional>
 #include <string>
-#include <string_view>
 
 #include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/tabbed_dialog.h"
@@ -17,28 +15,14 @@ class QRadioButton;
 
 namespace korvane {
 
-/// Commands of the dialog that are implemented elsewhere. All of it must be set. Each may wait through the event pump and show
-/// messages, and the dialog may be gone when it returns.
-struct OptionsCommands {
-    std::function<std::string()> proxyServer;  ///< the desktop's proxy, such as "host:80"; empty: none
-    std::function<void(const std::string& path)> PlaySound;
-    std::function<bool()> IsWindowsNT;  ///< whether there is a service manager
-    /// Called after the marks were clicked: `checked` is their new state. Return the state that they must show.
-    std::function<bool(bool checked)> chkService_Click;
-    std::function<bool(bool checked)> chkStartup_Click;
-    std::function<bool()> IsInStartupGroup;
-    std::function<void(const std::function<void()>& answered)> TestShutDown;
-    std::function<void()> CheckVersion;
-    std::function<void(QWidget* over)> GlobalEmail;
-    std::function<void()> HelpService;
-    std::function<void()> HelpShutDown;
-};
+class ResourceEmailFiles;
 
 /// Shown with open(); deleted when it is closed. It closes after a save and on cancel, even while a command of its own waits:
 /// that command then ends without a message.
 class frmOptions : public TabbedDialog {
 public:
-    frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent);
+    /// `emails` are those of the resource monitors; they must outlive this.
+    frmOptions(const Desk& desk, ResourceEmailFiles& emails, QWidget* parent);
 
     /// The tray's commands can also install and remove while this is open.
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
@@ -81,7 +65,7 @@ private:
     void ChooseReportPath();
 
     const Desk desk_;
-    const OptionsCommands commands_;
+    ResourceEmailFiles& emails_;
     std::string proxyServer_;  ///< as detected
     std::string serviceName_;
     bool proxyChanged_ = false;  ///< the proxy's name, since loading

@@ -41,36 +41,33 @@ void frmOptions::cmdSetProxy_Click() {
 
 // The manager is slow: neither mark can be clicked meanwhile, and the focus then returns to the one that had it.
 void frmOptions::chkService_Click(bool checked) {
-    const OptionsCommands commands = commands_;
+    ServiceMode& service = desk_.service;
     const QPointer<frmOptions> self = this;
     servicePage_->setEnabled(false);
-    const bool isInstalled = commands.chkService_Click(checked);
+    const bool isInstalled = service.chkService_Click(checked);
     if (self == nullptr) return;
     servicePage_->setEnabled(true);
     ShowMark(*chkService_, isInstalled);
-    ShowMark(*chkStartup_, commands.IsInStartupGroup());
+    ShowMark(*chkStartup_, service.IsInStartupGroup());
     if (!IsClosed()) chkService_->setFocus();
 }
 
 void frmOptions::chkStartup_Click(bool checked) {
-    const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;
-    const bool isInGroup = commands.chkStartup_Click(checked);
+    const bool isInGroup = desk_.service.chkStartup_Click(checked);
     if (self != nullptr) ShowMark(*chkStartup_, isInGroup);
 }
 
 void frmOptions::cmdTestShutDown_Click() {
-    const OptionsCommands commands = commands_;
-    commands.TestShutDown([self = QPointer<frmOptions>(this)] {
+    desk_.restart.TestShutDown([self = QPointer<frmOptions>(this)] {
         if (self != nullptr && !self->IsClosed()) self->SetStatus(kRestartTested);
     });
 }
 
 void frmOptions::cmdCheckVersion_Click() {
-    const OptionsCommands commands = commands_;
     const QPointer<frmOptions> self = this;
     cmdCheckVersion_->setEnabled(false);
-    commands.CheckVersion();
+    desk_.versionCheck.CheckForVersion();
     if (self != nullptr) cmdCheckVersion_->setEnabled(true);
 }
 

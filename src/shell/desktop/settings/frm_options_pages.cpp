@@ -7,6 +7,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "shell/desktop/settings/frm_global_email.h"
 #include "shell/desktop/settings/frm_options.h"
 
 namespace korvane {
@@ -58,7 +59,7 @@ void frmOptions::AddMailPage() {
         [this] { cmdTestEmail_Click(); });
     auto* cmdGlobalEmail =
         NewButton({"cmdGlobalEmail", "&Global E-Mail Settings...", "Edits the addresses that all monitors and servers share."},
-                  this, [this] { commands_.GlobalEmail(this); });
+                  this, [this] { (new frmGlobalEmail(desk_, emails_, this))->open(); });
     page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail}));
 }
 
@@ -85,7 +86,7 @@ void frmOptions::AddAlert(QFormLayout& form, bool OptionsFields::*mark, std::str
     form.addRow(inputs_.AddMark(mark, this));
     QLineEdit* box = inputs_.AddBox(sound, this);
     auto* cmdBrowse = NewButton(browse, this, [this, box] { ChooseSound(*box); });
-    auto* cmdPlay = NewButton(play, this, [this, box] { commands_.PlaySound(S(box->text())); });
+    auto* cmdPlay = NewButton(play, this, [this, box] { desk_.sound.PlaySound(S(box->text())); });
     inputs_.AddRow(form, sound, {cmdBrowse, cmdPlay});
 }
 
@@ -112,7 +113,7 @@ void frmOptions::AddRestartPage() {
     cmdTestShutDown->setAutoDefault(false);
     auto* cmdHelpShutDown = NewButton(
         {"cmdHelpShutDown", "&Help", "Opens the help on restarting computers in your browser.", "Help on restarting computers"},
-        this, [this] { commands_.HelpShutDown(); });
+        this, [this] { desk_.pages.Show(WebPage::ShutdownHelp); });
     page.addLayout(LeftRow({cmdTestShutDown, cmdHelpShutDown}));
 }
 
@@ -152,7 +153,7 @@ void frmOptions::AddServicePage() {
     page.addWidget(NewExplanation("A change here takes effect at once and is not undone by Cancel.", this));
     page.addStretch();
     page.addWidget(NewButton({"cmdHelpService", "&Help", "Opens the help on services in your browser.", "Help on services"}, this,
-                             [this] { commands_.HelpService(); }),
+                             [this] { desk_.pages.Show(WebPage::ServiceHelp); }),
                    0, Qt::AlignLeft);
 }
 
