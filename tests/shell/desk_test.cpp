@@ -109,7 +109,7 @@ TEST(FailTextRules, StoredRowsAreUsedAgainInTheirOrder) {
         for (int rule = 11; rule < 11 + std::stoi(cells[0]); ++rule)
             w.rows.AddRow("ResponseFailText", {{"id", rule}, {"idParent", 1}, {"strFailText", "old"}});
         w.rows.AddRow("ResponseFailText", {{"id", std::int64_t{7112115004}}, {"idParent", 77}});
-        FailTextRules rules({w.store, w.world.clock, w.world.events, w.desk.log}, w.rows.ProviderString(), "1");
+        FailTextRules rules(w.desk, w.rows.ProviderString(), "1");
         EXPECT_TRUE(!rules.Open().found && rules.Save({{{"of an entry that is gone", ""}}}).empty());
         w.rows.Add({.nFailScanText = 7});
         FailTextRows typed;

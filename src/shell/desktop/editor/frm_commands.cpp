@@ -30,7 +30,7 @@ enum Column { kNumber, kSuccess, kCommand };
 frmCommands::frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent)
     : FormDialog("frmCommands", "Failure Texts and Commands", parent),
       operator_(desk.person),
-      rules_({desk.store, desk.clock, desk.events, desk.log}, std::move(connectionText), id),
+      rules_(desk, std::move(connectionText), id),
       listPosition_(listPosition),
       id_(std::move(id)) {
     lblHelp_ = new ReadingText("lblHelp", "Explanation", kRuleHelpLines, this);

@@ -1,5 +1,4 @@
 // The pages of the settings dialog.
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QRadioButton>
