@@ -74,6 +74,13 @@ QCheckBox* NewMark(const Control& control, QWidget* page) {
     return mark;
 }
 
+QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page) {
+    auto* button = new QPushButton(text, page);
+    button->setObjectName(name);
+    button->setAccessibleName(accessibleName);
+    return button;
+}
+
 QPushButton* NewButton(const Control& control, QWidget* page, const std::function<void()>& click) {
     auto* button = new QPushButton(control.label, page);
     Describe(*button, control);

@@ -39,6 +39,8 @@ void KeepShort(QLineEdit& box);
 QCheckBox* NewMark(const char* name, const QString& text, QWidget* page);
 QCheckBox* NewMark(const Control& control, QWidget* page);
 
+/// For a caption that is made while the program runs.
+QPushButton* NewButton(const char* name, const QString& text, const QString& accessibleName, QWidget* page);
 QPushButton* NewButton(const Control& control, QWidget* page, const std::function<void()>& click = {});
 
 /// Gives the input its names and its help.
