@@ -234,7 +234,7 @@ void ServerActions::SendStartupNotice() {
                                  (ports_.settings.IsTrue("RebootAny") ? kStartupRebootAny : kStartupRebootAll) + kParagraph +
                                  kStartupReason;
         const SendOutcome outcome = ports_.mail.SendThrough(
-            MailServer::Primary, {first.strEmailList1, first.strEmailList2, first.strEmailFrom, kStartupSubject, body});
+            MailServer::Primary, {first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"], kStartupSubject, body});
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {
         LogError(kRoutine + error.what());

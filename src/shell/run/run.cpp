@@ -31,7 +31,7 @@ Run::Run(const Ports& ports, Options options)
       ids_(settingsFile_, ports.clock),
       window_(ports.window == nullptr ? noWindow_ : *ports.window),
       entries_({ports.store, ports.clock, ports.events, log_, status_, settingsFile_, ids_, collection_}, options_.dir),
-      settings_({ports.files, ports.clock, ports.events, ports.person, window_, status_, settingsFile_, collection_, entries_,
+      settings_({ports.files, ports.clock, ports.events, ports.person, window_, log_, status_, settingsFile_, collection_, entries_,
                  [this] { service_.StartService(); }},
                 options_.dir),
       legacyLog_(collection_, settings_.GetLogFile()),

@@ -56,7 +56,6 @@
 #include "shell/web/version_check.h"
 #include "shell/web/web_pages.h"
 #include "store/ini_file.h"
-#include "store/legacy_log.h"
 #include "store/log.h"
 #include "store/maintenance.h"
 #include "store/server_entries.h"

@@ -8,7 +8,6 @@
 #include "shell/run/run.h"
 #include "shell/web/web_addresses.h"
 #include "store/database_files.h"
-#include "store/import_entries.h"
 
 namespace korvane {
 namespace {
@@ -198,7 +197,7 @@ void Run::PrepareEntries() {
     IgnoreErrors([&] { BringPictures(); });
     NameWriteProblem();
     IgnoreErrors([&] { NameMissingColumns(); });
-    ImportEntriesOnce({ports_.events, ports_.person, log_, status_, collection_, entries_, settings_});
+    settings_.ImportEntriesOnce();
     IgnoreErrors([&] { MendBlankTimes(); });
 }
 

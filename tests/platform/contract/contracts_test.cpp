@@ -12,7 +12,6 @@
 #include "platform/linux/linux_clock.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "platform/real_ports.h"
 #include "platform/wait.h"
 #include "support/loopback_server.h"
