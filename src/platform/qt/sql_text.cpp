@@ -17,16 +17,8 @@ constexpr std::string_view kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGH
 
 // Returns the character that closes a quotation opened by `open`, 0 when `open` begins none.
 char ClosingOf(char open) {
-    switch (open) {
-        case '\'':
-        case '"':
-        case '`':
-            return open;
-        case '[':
-            return ']';
-        default:
-            return 0;
-    }
+    if (open == '[') return ']';
+    return open == '\'' || open == '"' || open == '`' ? open : '\0';
 }
 
 // Reads the words of a query from its front.
@@ -129,7 +121,7 @@ std::string TakeMoments(std::string_view query, std::vector<std::string>& moment
         const auto end = query.find(isMoment ? '#' : ClosingOf(query.front()), 1);
         if (isMoment && end == std::string_view::npos)
             throw Error("The query holds a date without its closing #: " + std::string(query));
-        const std::string_view quotation = query.substr(0, end == std::string_view::npos ? end : end + 1);
+        const std::string_view quotation = query.substr(0, std::min(end, query.size() - 1) + 1);
         query.remove_prefix(quotation.size());
         if (!isMoment) {
             result += quotation;
