@@ -182,7 +182,7 @@ struct StoreModel : testing::TestWithParam<unsigned> {
 };
 
 /// The seeds.
-INSTANTIATE_TEST_SUITE_P(Random, StoreModel, testing::Range(1U, std::getenv("KORVANE_LONG") != nullptr ? 201U : 6U));
+INSTANTIATE_TEST_SUITE_P(Random, StoreModel, testing::Range(10U, std::getenv("KORVANE_LONG") != nullptr ? 210U : 15U));
 
 TEST_P(StoreModel, ShowsWhatTheModelShows) {
     for (int step = 0; step < 600 && !HasFailure(); ++step)

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "platform/qt/sql_text.h"
 
 namespace korvane {
@@ -86,16 +87,16 @@ SqlColumns::SqlColumns(const QSqlRecord& record, const std::string& table, const
         const QSqlField field = record.field(i);
         std::string name = field.name().toStdString();
         const auto kind = kindOf(table.empty() ? field.tableName().toStdString() : table, name);
-        byName_.emplace(name, columns_.size());
         list_ += (i == 0 ? "" : ",") + QuotedName(name);
         columns_.push_back({std::move(name), kind});
     }
 }
 
 std::optional<std::size_t> SqlColumns::Find(std::string_view name) const {
-    const auto found = byName_.find(name);
-    if (found == byName_.end()) return std::nullopt;
-    return found->second;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (EqualsNoCase(columns_[i].name, name)) return i;
+    }
+    return std::nullopt;
 }
 
 std::vector<QVariant> SqlColumns::ValuesIn(const QSqlQuery& query) const {

@@ -2,13 +2,11 @@
 // file.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/text.h"
 #include "platform/qt/sql_store.h"
 
 class QSqlQuery;
@@ -51,7 +49,6 @@ public:
 private:
     std::vector<SqlColumn> columns_;
     std::string list_;
-    std::map<std::string, std::size_t, LessNoCase> byName_;
 };
 
 }  // namespace korvane
