@@ -94,7 +94,8 @@ SqlColumns::SqlColumns(const QSqlRecord& record, const std::string& table, const
 
 std::optional<std::size_t> SqlColumns::Find(std::string_view name) const {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        if (EqualsNoCase(columns_[i].name, name)) return i;
+        const std::string& each = columns_[i].name;
+        if (each.size() == name.size() && EqualsNoCase(each, name)) return i;  // most lengths differ, which takes no call
     }
     return std::nullopt;
 }
