@@ -196,7 +196,7 @@ void ServerActions::SendStartupNotice() {
             return LogError(kRoutine + "There is no entry in memory whose people could be told.");
         const ServerEntry& first = ports_.entries.Entries().front();
         const SendOutcome outcome =
-            ports_.mail.SendThrough(MailServer::Primary, {first.strEmailList1, first.strEmailList2, first.strEmailFrom,
+            ports_.mail.SendThrough(MailServer::Primary, {first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
                                                           "Korvane Just Started. This server is up.", StartupMail()});
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {

@@ -33,7 +33,6 @@
 #include "platform/linux/systemd_services.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "platform/qt/sql_store.h"
 #include "shell/run/message_title.h"
 #include "shell/run/terminal_operator.h"
