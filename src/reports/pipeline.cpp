@@ -69,9 +69,7 @@ bool Publication::OrSay(const char* routine, const std::function<void()>& work) 
 }
 
 std::unique_ptr<Connection> Reports::Connect() {
-    auto connection = ports_.store.NewConnection();
-    connection->SetConnectionString(OleDbConnectionText(dir_));
-    connection->Open();
+    auto connection = OpenDatabase(ports_.store, dir_);
     return connection;
 }
 

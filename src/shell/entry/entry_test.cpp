@@ -122,9 +122,7 @@ TestVerdict JudgeEntryTest(const EntryFields& fields, const CheckResult& result,
 UrlFailure FindUrlFailure(const Desk& desk, const std::string& response, const std::string& strID) {
     UrlFailure failure;
     IgnoreErrors([&] {
-        const auto connection = desk.store.NewConnection();
-        connection->SetConnectionString(OdbcConnectionText(desk.dir));
-        connection->Open();
+        const auto connection = OpenDatabase(desk.store, desk.dir);
         failure = IsURLFailure(desk.store, *connection, response, strID);
         connection->Close();
     });

@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 #include "store/server_id.h"
 
 namespace korvane {
@@ -15,8 +16,7 @@ using namespace std::chrono_literals;
 constexpr auto kRestAfterRow = 100ms;
 
 bool IdTaken(Store& store, Connection& conn, std::int64_t id) {
-    const auto rows = store.NewRecordset();
-    rows->Open("SELECT * from ResponseFailText where id =" + std::to_string(id), conn, CursorType::Static, LockType::Optimistic);
+    const auto rows = OpenRows(store, conn, "SELECT * from ResponseFailText where id =" + std::to_string(id), CursorType::Static);
     return !rows->Eof();
 }
 
@@ -32,8 +32,7 @@ FailTextRules::Opened FailTextRules::Open() {
         const auto server = OpenServer(*conn, CursorType::Static);
         opened.found = !server->Eof();
         if (!opened.found) return opened;
-        const auto stored = desk_.store.NewRecordset();
-        stored->Open(query::FailTextsOf(id_), *conn, CursorType::Keyset, LockType::Optimistic);
+        const auto stored = OpenRows(desk_.store, *conn, query::FailTextsOf(id_));
         for (std::size_t i = 0; i < opened.rows.size() && !stored->Eof(); ++i, stored->MoveNext()) {
             opened.rows[i] = {stored->Fields("strFailText").Value().Text(), stored->Fields("strFailCommand").Value().Text()};
             desk_.events.Sleep(kRestAfterRow);

@@ -110,17 +110,14 @@ std::string MonitorCommands::CopyURL(const std::string& id) {
 
 std::string MonitorCommands::Copy(const std::string& id) {
     const std::string newId = desk_.ids.NewServerID();
-    const auto conn = desk_.store.NewConnection();
-    conn->SetConnectionString(OdbcConnectionText(desk_.dir));
-    conn->Open();
+    const auto conn = OpenDatabase(desk_.store, desk_.dir);
     const auto source = desk_.store.NewRecordset();
     if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
     if (id.empty() || source->Eof()) {
         desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
         return "";
     }
-    const auto copy = desk_.store.NewRecordset();
-    copy->Open("SELECT * from servers where id < 0", *conn, CursorType::Keyset, LockType::Optimistic);
+    const auto copy = OpenRows(desk_.store, *conn, "SELECT * from servers where id < 0");
     copy->AddNew();
     CopyFields(*source, *copy);
     copy->Fields("id") = newId;

@@ -66,8 +66,7 @@ std::string GlobalEmailWalk::Open(GlobalEmailFields& fields) {
     for (std::size_t i = 0; i < kMonitorTexts.size(); ++i)
         fields.*kMonitorTexts[i].text = monitors_.getEmail(static_cast<ResourceMonitor>(i));
     return OnDatabase("Form_Load", [this](Connection& connection) {
-        const auto servers = desk_.store.NewRecordset();
-        servers->Open(kAllServers, connection, CursorType::Keyset, LockType::Optimistic);
+        const auto servers = OpenRows(desk_.store, connection, kAllServers);
         for (; !servers->Eof(); servers->MoveNext())
             ids_.push_back(servers->Fields("id").Value().Int64());
     });
@@ -132,8 +131,7 @@ void GlobalEmailWalk::AskUpdateAll(std::function<void()> yes) const {
 std::string GlobalEmailWalk::UpdateAll(const GlobalEmailFields& fields,
                                        const std::function<void(const std::string& position)>& shown) {
     return OnDatabase("UpdateAll", [&](Connection& connection) {
-        const auto servers = desk_.store.NewRecordset();
-        servers->Open(kAllServers, connection, CursorType::Keyset, LockType::Optimistic);
+        const auto servers = OpenRows(desk_.store, connection, kAllServers);
         const auto total = static_cast<std::size_t>(servers->RecordCount());
         std::vector<std::int64_t> ids;
         connection.BeginTrans();
@@ -155,8 +153,7 @@ std::string GlobalEmailWalk::OnCurrentServer(std::string_view routine, const std
     const std::int64_t id = position_ < ids_.size() ? ids_[position_] : -1;
     hasServer_ = false;
     return OnDatabase(routine, [&](Connection& connection) {
-        const auto row = desk_.store.NewRecordset();
-        row->Open("SELECT * from servers where id = " + std::to_string(id), connection, CursorType::Keyset, LockType::Optimistic);
+        const auto row = OpenRows(desk_.store, connection, "SELECT * from servers where id = " + std::to_string(id));
         hasServer_ = !row->Eof();
         work(*row);
     });
@@ -164,9 +161,7 @@ std::string GlobalEmailWalk::OnCurrentServer(std::string_view routine, const std
 
 std::string GlobalEmailWalk::OnDatabase(std::string_view routine, const std::function<void(Connection& connection)>& work) {
     try {
-        const auto connection = desk_.store.NewConnection();
-        connection->SetConnectionString(OdbcConnectionText(desk_.dir));
-        connection->Open();
+        const auto connection = OpenDatabase(desk_.store, desk_.dir);
         work(*connection);
         return "";
     } catch (const std::exception& error) {

@@ -86,8 +86,7 @@ void MarkSetUp(RunRooms& run) {
 
 bool HasEntries(RunRooms& run) {
     const auto conn = OpenDatabase(run.store, run.options.dir);
-    const auto rs = run.store.NewRecordset();
-    rs->Open(query::kAllByNextCheck, *conn, CursorType::Static, LockType::Optimistic);
+    const auto rs = OpenRows(run.store, *conn, query::kAllByNextCheck, CursorType::Static);
     return rs->RecordCount() > 0;
 }
 
@@ -176,8 +175,7 @@ void BringPictures(RunRooms& run) {
 // The cycle's query finds only rows with a due time: a row without one, left by another tool, becomes due now.
 void FillBlankTimes(RunRooms& run) {
     const auto conn = OpenDatabase(run.store, run.options.dir);
-    const auto rs = run.store.NewRecordset();
-    rs->Open("SELECT * FROM Servers where dtNextCheck is null", *conn, CursorType::Keyset, LockType::Optimistic);
+    const auto rs = OpenRows(run.store, *conn, "SELECT * FROM Servers where dtNextCheck is null");
     for (; !rs->Eof(); rs->MoveNext()) {
         rs->Fields("dtNextCheck") = run.clock.Now();
         rs->Update();
