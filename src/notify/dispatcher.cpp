@@ -9,7 +9,6 @@
 #include "base/raised_flag.h"
 #include "base/text.h"
 #include "notify/recipients.h"
-#include "platform/wait_cursor.h"
 
 namespace korvane {
 namespace {

@@ -12,7 +12,7 @@
 #include <map>
 
 #include "base/text.h"
-#include "platform/linux/default_program.h"
+#include "platform/linux/desktop_entries.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/program_runner.h"
 #include "platform/real_ports.h"

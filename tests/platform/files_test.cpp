@@ -16,7 +16,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "platform/linux/linux_files.h"
-#include "platform/linux/standard_streams.h"
+#include "platform/linux/process_setup.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 

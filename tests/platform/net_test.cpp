@@ -11,7 +11,6 @@
 
 #include "base/text.h"
 #include "platform/curl/curl_inet.h"
-#include "platform/curl/url_text.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/real_ports.h"

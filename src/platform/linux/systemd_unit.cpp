@@ -7,7 +7,6 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "platform/linux/unit_template.h"
 
 namespace korvane {
 namespace {
