@@ -1,7 +1,6 @@
 // The only way to wait: check a condition and let the event pump run until the next check, up to a limit.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 

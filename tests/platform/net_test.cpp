@@ -6,7 +6,6 @@
 #include <signal.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <latch>
 
 #include "base/text.h"

@@ -1,6 +1,5 @@
 #include "platform/linux/systemd_services.h"
 
-#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 #include <systemd/sd-bus.h>

@@ -1,7 +1,6 @@
 #include "platform/linux/systemd_unit.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
