@@ -5,7 +5,6 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "platform/wait_cursor.h"
 #include "store/database_files.h"
 
 namespace korvane {

@@ -6,7 +6,6 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/wait_cursor.h"
 #include "store/server_id.h"
 
 namespace korvane {

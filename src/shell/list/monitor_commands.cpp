@@ -6,7 +6,7 @@
 #include "base/ignore_errors.h"
 #include "engine/machine_restart.h"
 #include "engine/server_table.h"
-#include "platform/wait_cursor.h"
+#include "platform/operator.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
