@@ -7,7 +7,7 @@
 #include "notify/mail_message.h"
 #include "notify/mime_text.h"
 #include "notify/smtp_reply.h"
-#include "platform/reply_limit.h"
+#include "platform/wait.h"
 
 namespace korvane {
 namespace {

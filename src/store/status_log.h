@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/clock.h"
 #include "platform/operator.h"
 
@@ -13,16 +14,23 @@ namespace korvane {
 
 class StatusLog {
 public:
-    StatusLog(Operator& person, const Clock& clock) : person_(person), clock_(clock) {}
+    StatusLog(Operator& user, const Clock& clock) : user_(user), clock_(clock) {}
 
     /// Shows the text with the current time. Each CR LF pair becomes " : ", so that a text is one line.
-    void setStatusMSG(std::string_view text);
+    void setStatusMSG(std::string_view text) {
+        std::string line = WithoutControls(filter_ ? filter_(text) : text);
+        for (const char* end : {"\r\n", "\n", "\r"})  // texts from this system's own libraries contain bare line feeds
+            line = ReplaceAll(line, end, " : ");
+        // At exactly midnight the text is the date alone: without a space nothing is cut.
+        const std::string now = clock_.Now().Text();
+        user_.StatusLine(now.substr(now.find(' ') + 1), line);
+    }
 
     /// From now on each text goes through `filter` first.
     void SetFilter(std::function<std::string(std::string_view text)> filter) { filter_ = std::move(filter); }
 
 private:
-    Operator& person_;
+    Operator& user_;
     const Clock& clock_;
     std::function<std::string(std::string_view text)> filter_;
 };
