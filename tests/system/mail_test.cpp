@@ -43,6 +43,38 @@ TEST(Mail, OfAnOutageAndARecoveryArrivesAfterALogin) {
     EXPECT_EQ(Count(arrived(), "\n"), 2);
 }
 
+// Each program has a first server that must be refused for its reason, and one whose certificate is good.
+TEST(Mail, GoesOnlyToServersWithAGoodCertificate) {
+    KORVANE_NEEDS("postfix dovecot openssl");
+    if (geteuid() != 0) GTEST_SKIP() << "Postfix starts only as root";
+    const Server& postfix = Real("postfix", Dovecot().folder.Path(), 25, "127.0.0.12");
+    const std::string authority = "SMTPAuthority=" + postfix.folder.At("authority.pem") + "\n";
+    const auto arrived = [&] { return Count(Arrived(postfix, "boxes/box/new"), "with ESMTPSA" + kOutage); };
+    struct Case {
+        std::string first, second, reason;
+        std::size_t mails;
+    };
+    const std::string tls = "SMTPSecurity1=tls\nSMTPPort1=", start = "SMTPSecurity1=starttls\nSMTPPort1=";
+    const std::string selfSigned = "The certificate is self-signed, and untrusted";
+    for (const Case& c : {
+             Case{tls + "466\n" + authority, "SMTPSecurity2=tls\n", "The certificate has expired", 1},
+             Case{start + "588\n" + authority, "SMTPSecurity2=starttls\n", "The certificate has expired", 2},
+             Case{tls + "467\n" + authority, "SMTPSecurity2=starttls\nSMTPPort2=25\n", selfSigned, 3},
+             Case{tls + "468\n" + authority, "SMTPSecurity2=ssl\n", "The host name did not match", 3},
+             Case{tls + "465\n", "SMTPSecurity2=starttls\n", "The issuer certificate", 3},
+             Case{start + std::to_string(kSmtp) + "\nServer=127.0.0.1\n" + authority, "SMTPSecurity2=tls\n",
+                  "does not offer STARTTLS", 4},
+         }) {
+        const std::string login = "=operator\nSMTPPass1=open sesame\nSMTPPass2=open sesame\nSMTPUser1=operator\n";
+        Program program(c.first + c.second + "Server=127.0.0.12\nServerBackup=127.0.0.12\nSMTPUser2" + login + kBegin, kEntry);
+        program.Start();
+        EXPECT_TRUE(program.Becomes("SELECT count(*) FROM Failures", "1\n")) << program.Output();
+        EXPECT_TRUE(Holds(Answer("cat " + program.home.At("Logs") + "/*"), c.reason)) << c.first << program.Output();
+        EXPECT_TRUE(Waited([&] { return arrived() == c.mails; })) << c.first << arrived() << program.Output();
+        program.Stop();
+    }
+}
+
 TEST(Mail, GoesThroughTheBackupAfterARefusal) {
     KORVANE_NEEDS("aiosmtpd");
     const Played servers("127.0.0.22:25=login 127.0.0.23:25='452 4.3.1 Insufficient system storage'");
