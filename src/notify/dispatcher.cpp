@@ -187,6 +187,30 @@ SendOutcome Dispatcher::SendWithBackup(const Notification& notification,
     return SendThrough(MailServer::Backup, notification);
 }
 
+std::optional<MailSecurity> Dispatcher::FindSecurity(const std::string& host,
+                                                     const std::function<void(const std::string& text)>& tell) {
+    if (sending_) {
+        tell("A mail is being sent. Try again when it is done.");
+        return std::nullopt;
+    }
+    const RaisedFlag guard(sending_);
+    for (const MailSecurity& offer : kUsualOffers) {
+        const std::string what = host + ", port " + std::to_string(offer.port) + ", " + std::string(NameOf(offer.encryption));
+        tell("Trying " + what + "...");
+        clsEsmtp attempt({ports_.files, ports_.clock, ports_.events, ports_.guids, &trace_}, ports_.sckesmtp);
+        attempt.SmtpHost = host;
+        attempt.smtpport = offer.port;
+        attempt.security = offer;
+        attempt.security.authorities = ports_.safeguards.Text("SMTPAuthority");
+        if (attempt.TryConnection()) {
+            tell(what + ": the server offers it, and its certificate is good.");
+            return offer;
+        }
+        tell(what + ": " + TrimAll(WithoutControls(attempt.ErrorLog)));
+    }
+    return std::nullopt;
+}
+
 void Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
                            const std::string& strText, const std::string& strEmailDesc, const std::string& strFromDefault,
                            const std::string& strOverrideTo, const std::string& strFrom, std::function<void(bool sent)> done) {

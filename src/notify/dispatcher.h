@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "notify/esmtp.h"
@@ -73,6 +74,10 @@ public:
     /// is set for it. `primaryFailed` receives the reason before the second attempt.
     SendOutcome SendWithBackup(const Notification& notification,
                                const std::function<void(const std::string& strError)>& primaryFailed = {});
+
+    /// Tries which encryption the server `host` offers, the best first, with a certificate that is good. Returns nothing if there
+    /// is none. `tell` receives a sentence about each attempt. Waits through the event pump up to 30 seconds for each reply.
+    std::optional<MailSecurity> FindSecurity(const std::string& host, const std::function<void(const std::string& text)>& tell);
 
     /// The operator's test mail, with a question before and the results in message boxes: sends through the primary server and,
     /// if set, also through the backup. `done` receives true when every attempted send succeeded, false when one failed or the

@@ -50,6 +50,15 @@ bool clsEsmtp::SendMail() {
     return delivered;
 }
 
+bool clsEsmtp::TryConnection() {
+    ErrorLog.clear();
+    if (sckInternet.State() != SocketState::Closed) sckInternet.Close();
+    const bool reached = Connect() && SayHello() && StartTls();
+    if (reached) Ask("QUIT");
+    Hangup();
+    return reached;
+}
+
 void clsEsmtp::Prepare() {
     ErrorLog.clear();
     note_.clear();

@@ -72,6 +72,10 @@ public:
     /// each POP reply, and 60 for each piece that the socket cannot send. Throws nothing.
     bool SendMail();
 
+    /// Only tries whether the server can be spoken to as `security` says: connects and says hello. On false ErrorLog has the
+    /// reason. Waits as SendMail does, and throws nothing.
+    bool TryConnection();
+
     /// Returns the first four characters of the latest reply.
     const std::string& strLastData() const { return wire_.LastData(); }
 

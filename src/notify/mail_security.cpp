@@ -15,6 +15,11 @@ void RequireUsable(const Safeguards& safeguards, std::string_view key) {
 
 }  // namespace
 
+std::string_view NameOf(Encryption encryption) {
+    constexpr std::string_view kNames[] = {"", "starttls", "tls"};
+    return kNames[static_cast<int>(encryption)];
+}
+
 MailSecurity SecurityOf(const Safeguards& safeguards, MailServer server, std::int32_t plainPort) {
     const bool primary = server == MailServer::Primary;
     const std::string_view securityKey = primary ? "SMTPSecurity1" : "SMTPSecurity2";
@@ -23,7 +28,7 @@ MailSecurity SecurityOf(const Safeguards& safeguards, MailServer server, std::in
     const std::string security = safeguards.Text(securityKey);
     if (security.empty()) return {.port = safeguards.Port(portKey, plainPort), .strict = safeguards.IsOn("MailOutbox")};
     RequireUsable(safeguards, portKey);
-    const bool startTls = security == "starttls";
+    const bool startTls = security == NameOf(Encryption::StartTls);
     return {.encryption = startTls ? Encryption::StartTls : Encryption::Tls,
             .port = safeguards.Port(portKey, startTls ? kStartTlsPort : kTlsPort),
             .authorities = safeguards.Text("SMTPAuthority"),

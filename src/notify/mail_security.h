@@ -27,6 +27,14 @@ struct MailSecurity {
     bool strict = false;
 };
 
+/// The value of the settings for it: "tls", "starttls" or empty.
+std::string_view NameOf(Encryption encryption);
+
+/// What a server may offer, the best first.
+inline const MailSecurity kUsualOffers[] = {{.encryption = Encryption::Tls, .port = 465},
+                                            {.encryption = Encryption::StartTls, .port = 587},
+                                            {.encryption = Encryption::StartTls, .port = 25}};
+
 /// With a login at a POP server before the mail, that login is under TLS on this port too.
 constexpr std::int32_t kPopTlsPort = 995;
 

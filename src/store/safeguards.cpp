@@ -52,12 +52,6 @@ bool Refines(std::string_view key) {
     return std::any_of(std::begin(kRefining), std::end(kRefining), [&](auto other) { return EqualsNoCase(key, other); });
 }
 
-const Safeguard* FindSafeguard(std::string_view key) {
-    const auto found = std::find_if(std::begin(kSafeguards), std::end(kSafeguards),
-                                    [&](const Safeguard& s) { return EqualsNoCase(s.key, key); });
-    return found == std::end(kSafeguards) ? nullptr : &*found;
-}
-
 bool IsNumber(std::string_view text, int least, int most) {
     if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
         return false;
@@ -102,6 +96,12 @@ bool IsWebAddress(std::string_view text) {
 
 std::span<const Safeguard> AllSafeguards() {
     return kSafeguards;
+}
+
+const Safeguard* FindSafeguard(std::string_view key) {
+    const auto found = std::find_if(std::begin(kSafeguards), std::end(kSafeguards),
+                                    [&](const Safeguard& s) { return EqualsNoCase(s.key, key); });
+    return found == std::end(kSafeguards) ? nullptr : &*found;
 }
 
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {

@@ -21,10 +21,14 @@ struct OptionsFields {
     std::string SMTPUser1;
     std::string SMTPPass1;
     std::string SMTPPopHost1;
+    std::string SMTPSecurity1;
+    std::string SMTPPort1;
     std::string ServerBackup;
     std::string SMTPUser2;
     std::string SMTPPass2;
     std::string SMTPPopHost2;
+    std::string SMTPSecurity2;
+    std::string SMTPPort2;
     std::string Zone;
     std::string ReportPath;
     std::string YellowAlertWav;

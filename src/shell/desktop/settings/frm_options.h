@@ -56,6 +56,7 @@ private:
     // Implemented in frm_options_commands.cpp.
     void ConnectMark(QCheckBox* mark, void (frmOptions::*changed)(bool checked));
     void cmdTestEmail_Click();
+    void cmdFindOut_Click();
     void cmdSetProxy_Click();
     void chkService_Click(bool checked);
     void chkStartup_Click(bool checked);

@@ -35,12 +35,12 @@ void frmOptions::AddMailPage() {
     auto* servers = new QHBoxLayout;
     page.addLayout(servers);
     QFormLayout& primary = AddGroup(*servers, "Primary SMTP server");
-    for (const auto field :
-         {&OptionsFields::Server, &OptionsFields::SMTPUser1, &OptionsFields::SMTPPass1, &OptionsFields::SMTPPopHost1})
+    for (const auto field : {&OptionsFields::Server, &OptionsFields::SMTPUser1, &OptionsFields::SMTPPass1,
+                             &OptionsFields::SMTPPopHost1, &OptionsFields::SMTPSecurity1, &OptionsFields::SMTPPort1})
         inputs_.AddRow(primary, field);
     QFormLayout& backup = AddGroup(*servers, "Backup SMTP server");
-    for (const auto field :
-         {&OptionsFields::ServerBackup, &OptionsFields::SMTPUser2, &OptionsFields::SMTPPass2, &OptionsFields::SMTPPopHost2})
+    for (const auto field : {&OptionsFields::ServerBackup, &OptionsFields::SMTPUser2, &OptionsFields::SMTPPass2,
+                             &OptionsFields::SMTPPopHost2, &OptionsFields::SMTPSecurity2, &OptionsFields::SMTPPort2})
         inputs_.AddRow(backup, field);
 
     auto* ckShowPasswords = NewMark({"ckShowPasswords", "S&how the passwords", "Shows both passwords while it is marked."}, this);
@@ -59,7 +59,9 @@ void frmOptions::AddMailPage() {
     auto* cmdGlobalEmail =
         NewButton({"cmdGlobalEmail", "&Global E-Mail Settings...", "Edits the addresses that all monitors and servers share."},
                   this, [this] { (new frmGlobalEmail(desk_, emails_, this))->open(); });
-    page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail}));
+    auto* cmdFindOut = NewButton({"cmdFindOut", "&Find Out", "Tries which encryption both mail servers offer, and fills it in."},
+                                 this, [this] { cmdFindOut_Click(); });
+    page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail, cmdFindOut}));
 }
 
 void frmOptions::AddReportsPage() {
