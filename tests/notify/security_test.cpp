@@ -144,5 +144,59 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
     EXPECT_EQ(world.person.StatusTexts().back(), "PASS s3cret");
 }
 
+/// A mailbox that the mail server of the world fills while `delivers`, and the proof of each day at 15:10.
+struct ProofWorld : World {
+    explicit ProofWorld(const std::string& before = "", DateTime start = DateTime::Of(2026, 11, 21, 15, 0, 0))
+        : World({.start = start,
+                 .settings =
+                     "ProveMail=True\nProveMailTime=15:10\nProveMailTo=me@x\nProveMailHost=box.example\nProveMailUser=me\n"
+                     "ProveMailPass=word\nServerBackup=backup.example\nRedAlertWav=red.wav\nbRedAlert=True"}) {
+        if (!before.empty()) Write("kvproof.dat", before);
+        net.Host("box.example").Port(995).Tls(true).Speak("+OK hi\r\n").Answer([this](auto& line) { return Answer(line); });
+        Start();
+    }
+    std::string Answer(const std::string& line) {
+        if (line == "STAT") return "+OK " + std::to_string(delivers ? mail.mails.size() : 0) + " 99\r\n";
+        if (line.starts_with("TOP")) return "-ERR unknown\r\n";
+        if (line.starts_with("RETR")) return "+OK\r\n" + mail.mails[std::stoul(line.substr(5)) - 1].text + ".\r\n";
+        if (line.starts_with("DELE")) deleted.push_back(line);
+        return line == "PASS word" || !line.starts_with("PASS") ? "+OK\r\n" : "-ERR\r\n";
+    }
+    bool delivers = true;
+    Lines deleted;
+    VirtualMailServer backup{net.Host("backup.example").Port(25)};
+};
+
+TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
+    using namespace std::chrono_literals;
+    ProofWorld w;
+    w.RunFor(9min);
+    EXPECT_TRUE(w.mail.mails.empty());
+    w.RunFor(4min);
+    EXPECT_TRUE(w.Logged("ProveMail: the mail of the day was sent to me@x."));
+    w.RunFor(23h - 4min);
+    EXPECT_EQ(w.mail.mails.size(), 1u);
+    EXPECT_EQ(w.deleted, Lines{"DELE 1"});
+    w.delivers = false;
+    w.RunFor(1h + 20min);
+    EXPECT_EQ(w.mail.mails.size(), 2u);
+    EXPECT_TRUE(w.backup.mails.empty());
+    w.RunFor(1h);
+    const std::string alarm = "ProveMail: the mail of the day has not come back, so alerts may not arrive.";
+    ASSERT_EQ(w.backup.mails.size(), 1u);
+    EXPECT_TRUE(Holds(w.backup.mails[0].text, alarm) && Holds(w.backup.mails[0].text, "It is not in the mailbox."));
+    EXPECT_TRUE(w.Logged("# " + alarm));
+    EXPECT_EQ(w.sound.played, Lines{"red.wav"});
+
+    // A restart neither sends the mail of the day again nor forgets that it is missing.
+    ProofWorld restarted(w.Text("kvproof.dat"), DateTime::Of(2026, 11, 22, 18, 0, 0));
+    restarted.mail.mails = w.mail.mails;
+    restarted.RunFor(30min);
+    EXPECT_EQ(restarted.deleted, Lines{"DELE 2"});
+    EXPECT_EQ(restarted.mail.mails.size(), 2u);
+    EXPECT_TRUE(restarted.Logged("ProveMail: the mail of the day came late, after "));
+    EXPECT_TRUE(restarted.backup.mails.empty());
+}
+
 }  // namespace
 }  // namespace korvane

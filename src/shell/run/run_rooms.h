@@ -9,6 +9,7 @@
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/stop_start.h"
+#include "notify/mail_proof.h"
 #include "reports/pipeline.h"
 #include "shell/run/desk.h"
 #include "shell/run/ports.h"
@@ -75,6 +76,7 @@ struct RunRooms : RunPorts {
     ServiceMode service;
     Dispatcher alertDispatcher;
     AlertMails alertMails;
+    MailProof mailProof;
     const Desk desk;
 };
 
