@@ -21,6 +21,8 @@ constexpr const char* kDefaultTime = "8:00";
 constexpr const char* kSubject = "Korvane mail proof ";
 constexpr auto kPeriod = 60s;
 constexpr auto kNextTry = 1s;
+/// After the start, and from the mail to the first look into the mailbox.
+constexpr auto kSoon = 5s;
 constexpr int kMostWaits = 60;
 constexpr auto kMostOnTheWay = 1h;
 /// After the alarm the mail may still come late.
@@ -43,7 +45,7 @@ MailProof::MailProof(const Ports& ports, const std::string& dir)
       file_(dir + "/kvproof.dat"),
       box_(ports.popSocket, ports.clock, ports.events),
       timer_(ports.timers.NewTimer("TimerProof")) {
-    timer_->SetInterval(kPeriod);
+    timer_->SetInterval(kSoon);
     timer_->OnTick([this] { IgnoreErrors([this] { Look(); }); });
 }
 
@@ -52,15 +54,18 @@ void MailProof::Start() {
 }
 
 void MailProof::Look() {
-    if (working_ || !ports_.safeguards.IsOn(kKey)) return;
+    if (working_) return;
+    timer_->SetInterval(kPeriod);
+    if (!ports_.safeguards.IsOn(kKey)) return;
     if (!std::exchange(loaded_, true)) Load();
     const bool sends = IsDueToday();
     if (!sends && !IsTimeToRead()) return;
     if ((ports_.mail.Sending() || ports_.busy()) && waits_++ < kMostWaits) return timer_->SetInterval(kNextTry);
     const RaisedFlag working(working_);
     waits_ = 0;
-    timer_->SetInterval(kPeriod);
-    sends ? Send() : ReadBack();
+    if (!sends) return ReadBack();
+    Send();
+    timer_->SetInterval(kSoon);
 }
 
 bool MailProof::IsDueToday() const {

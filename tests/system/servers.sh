@@ -1,10 +1,10 @@
 #!/bin/sh
 # A real server in the folder where this starts, on loopback ports from <base> on: servers.sh <server> <base>, or
-# servers.sh postfix <folder of dovecot>. It has no right of root but for Postfix, and ends with the one who started it.
+# servers.sh postfix <folder of dovecot>, or servers.sh mailbox <folder of postfix>. It has no right of root but for Postfix and its mailbox, and ends with the one who started it.
 set -eu
 server=$1 base=$2 home=$PWD
 run="setpriv --pdeathsig KILL" user=$(id -un) group=$(id -gn)
-if [ "$(id -u)" = 0 ] && [ "$server" != postfix ]; then
+if [ "$(id -u)" = 0 ] && [ "$server" != postfix ] && [ "$server" != mailbox ]; then
     user=nobody group=nogroup
     run="$run --reuid=$user --regid=$group --clear-groups"
 fi
@@ -76,6 +76,17 @@ dovecot) # POP3, IMAP, SMTP for submission, and logins for Postfix
         listen pop3 "$base" && listen imap $((base + 1)) && listen submission $((base + 2))
     } >dovecot.conf
     start dovecot -F -c "$home/dovecot.conf" ;;
+mailbox) # a box that postfix in the folder <base> fills, by POP3 under TLS on 127.0.0.12:995
+    chmod 711 .
+    echo "operator:{PLAIN}open sesame" >users
+    printf '%s\n' "protocols = pop3" "listen = 127.0.0.12" "ssl = required" "ssl_cert = <$base/good.pem" "ssl_key = <$base/good.key" \
+        "log_path = /dev/stderr" "base_dir = $home/base" "state_dir = $home/state" "mail_location = maildir:$base/boxes/box" \
+        "default_internal_user = nobody" "default_internal_group = nogroup" "default_login_user = nobody" \
+        "passdb {" " driver = passwd-file" " args = $home/users" "}" "service anvil {" " chroot =" "}" \
+        "userdb {" " driver = static" " args = uid=nobody gid=nogroup home=$home" "}" \
+        "service pop3-login {" " chroot =" " inet_listener pop3 {" "  port = 0" " }" " inet_listener pop3s {" "  port = 995" " }" "}" \
+        "first_valid_uid = 1" "last_valid_uid = 0" "first_valid_gid = 1" "last_valid_gid = 0" >dovecot.conf
+    exec setpriv --pdeathsig KILL dovecot -F -c "$home/dovecot.conf" ;;
 postfix) # on 127.0.0.12: it takes mail for person@elsewhere.example only after a login; with STARTTLS on 25 and 587, TLS on 465; with
     # certificates that are expired on 466 (TLS) and 588, of an unknown authority on 467, of another name on 468
     certify_all 127.0.0.12
