@@ -57,7 +57,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
       actions({store, clock, status, log, collection, entries, mail, trace, commands}),
-      reports({store, clock, events, person, files, status, collection, ids}, options.dir),
+      reports({store, clock, events, person, files, status, collection, ids, safeguards}, options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
       maintenance({store, clock, files, log, status, [this] { reportCommands.PublishReports(false); }}, options.dir),
