@@ -38,6 +38,9 @@ struct Safeguard {
 /// In the order of the settings page and of the settings file.
 std::span<const Safeguard> AllSafeguards();
 
+/// Returns the beginning of the settings file of a new home: the head of section Settings, and the recommended values.
+std::string RecommendedSettings();
+
 /// Returns what is wrong with the value, for the operator; empty if nothing is.
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value);
 
