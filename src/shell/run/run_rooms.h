@@ -9,6 +9,7 @@
 #include "engine/outcome.h"
 #include "engine/stop_start.h"
 #include "reports/pipeline.h"
+#include "resources/machine_watch.h"
 #include "shell/run/desk.h"
 #include "shell/run/ports.h"
 
@@ -73,6 +74,7 @@ struct RunRooms : RunPorts {
     ServiceMode service;
     Dispatcher alertDispatcher;
     AlertMails alertMails;
+    MachineWatch machineWatch;
     const Desk desk;
 };
 

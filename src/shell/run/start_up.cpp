@@ -254,6 +254,7 @@ Run::Started Run::StartUp() {
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
+    run.machineWatch.Follow();
     run.service.Loaded();
     return Started::Running;
 }
