@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/standard_streams.h"
+#include "platform/linux/process_setup.h"
 #include "shell/process/process.h"
 #include "store/safeguards.h"
 

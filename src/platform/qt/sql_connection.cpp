@@ -14,19 +14,9 @@ void QtSqlConnection::Open() {
     if (!session_) session_ = std::make_shared<SqlSession>(path, state_->busyTimeout, state_->kindOf);
 }
 
-void QtSqlConnection::BeginTrans() {
+SqlSession& QtSqlConnection::Opened() const {
     if (!session_) throw Error("The connection is not open.");
-    session_->Begin();
-}
-
-void QtSqlConnection::CommitTrans() {
-    if (!session_) throw Error("The connection is not open.");
-    session_->Commit();
-}
-
-void QtSqlConnection::TryWriting() {
-    if (!session_) throw Error("The connection is not open.");
-    session_->TryWriting();
+    return *session_;
 }
 
 // Opening a file and reading its schema costs more than most of the work that follows.

@@ -29,7 +29,7 @@
 #include "shell/desktop/main/server_list_model.h"
 #include "shell/desktop/monitors/resource_windows.h"
 #include "shell/desktop/small/frm_msg.h"
-#include "shell/desktop/toolkit/status_box.h"
+#include "shell/desktop/toolkit/reading_text.h"
 #include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
 #include "shell/run/monitor_window.h"

@@ -9,7 +9,6 @@
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
-#include "shell/list/restart_help.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"
 

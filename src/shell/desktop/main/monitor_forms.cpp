@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "notify/dispatcher.h"
-#include "shell/desktop/settings/frm_global_email.h"
 #include "shell/desktop/small/frm_about.h"
 #include "shell/desktop/small/frm_wizard.h"
 #include "shell/desktop/small/web_form_dialogs.h"
@@ -34,23 +33,8 @@ Form* MonitorForms::Open(const std::string& name, More... more) {
     return made;
 }
 
-OptionsCommands MonitorForms::CommandsOfOptions() {
-    ServiceMode& service = desk_.service;
-    return {.proxyServer = desk_.proxyServer,
-            .PlaySound = [this](const std::string& path) { desk_.sound.PlaySound(path); },
-            .IsWindowsNT = [&service] { return service.IsWindowsNT(); },
-            .chkService_Click = [&service](bool checked) { return service.chkService_Click(checked); },
-            .chkStartup_Click = [&service](bool checked) { return service.chkStartup_Click(checked); },
-            .IsInStartupGroup = [&service] { return service.IsInStartupGroup(); },
-            .TestShutDown = [this](const auto& answered) { desk_.restart.TestShutDown(answered); },
-            .CheckVersion = [this] { desk_.versionCheck.CheckForVersion(); },
-            .GlobalEmail = [this](QWidget* over) { (new frmGlobalEmail(desk_, emails_, over))->open(); },
-            .HelpService = [this] { desk_.pages.Show(WebPage::ServiceHelp); },
-            .HelpShutDown = [this] { desk_.pages.Show(WebPage::ShutdownHelp); }};
-}
-
 void MonitorForms::ShowOptions() {
-    if (auto* form = Open<frmOptions>("frmOptions", CommandsOfOptions()); form != nullptr)
+    if (auto* form = Open<frmOptions>("frmOptions", std::ref(emails_)); form != nullptr)
         QObject::connect(form, &QDialog::accepted, &owner_, [this] { desk_.service.FollowSettings(); });
 }
 

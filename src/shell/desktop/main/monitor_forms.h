@@ -37,7 +37,6 @@ private:
     template <class Form, class... More>
     Form* Open(const std::string& name, More... more);
     QWidget* Parent() const;
-    OptionsCommands CommandsOfOptions();
 
     Desk desk_;
     QWidget& owner_;
