@@ -44,6 +44,9 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
+      rescue({store, files, clock, events, log, status, safeguards,
+              [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
+             options.dir),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
       TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms, [this] { cycle.TimerMonitorDB_Timer(); })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
@@ -52,6 +55,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                             TimerLog->SetEnabled(false);
                             legacyLog.TimerLog();
                         })),
+      TimerCopies(NewTimer(timers, "TimerCopies", 10000ms, [this] { rescue.KeepDailyCopy(); })),
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       trace({files, processes, status, log}, options.dir),
@@ -60,7 +64,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       reports({store, clock, events, person, files, status, collection, ids, safeguards}, options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
-      maintenance({store, clock, files, log, status, [this] { reportCommands.PublishReports(false); }}, options.dir),
+      maintenance({store, clock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
       conversationWindow(conversation == nullptr ? noConversation : *conversation),
       progress({events, person, state, *TimerProgress}),
       http({collection, events, clock, progress}),
@@ -113,6 +117,16 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            testTcp,
            ping} {}
 
+void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& text) {
+    IgnoreErrors([&] {
+        const auto connection = OpenDatabase(store, options.dir);
+        const auto first = OpenRows(store, *connection, "SELECT * from servers order by id");
+        const auto column = [&](const char* name) { return first->Fields(name).Value().Text(); };
+        if (first->Eof()) return;
+        alertMails.Alert({column("strEmailList1"), column("strEmailList2"), column("strEmailFrom"), subject, text});
+    });
+}
+
 void RunRooms::StopMonitor() {
     if (state.bMonitoring) stopStart.cmdStopStart();
 }
@@ -142,7 +156,8 @@ void Run::SaveOnExit() {
 
 void Run::Form_Unload() {
     RunRooms& run = *rooms_;
-    for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get()})
+    for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get(),
+                                   run.TimerCopies.get()})
         timer->SetEnabled(false);
     IgnoreErrors([&] { run.http.CloseInets(); });
     SaveOnExit();

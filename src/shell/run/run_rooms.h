@@ -23,6 +23,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
+    /// Sends a mail to the recipients of the first entry, later and once.
+    void MailToFirstEntry(const std::string& subject, const std::string& text);
 
     RunOptions options;
     bool bFormLoading = false;
@@ -40,12 +42,14 @@ struct RunRooms : RunPorts {
     Settings settings;
     LegacyLog legacyLog;
     Safeguards safeguards;
+    DatabaseRescue rescue;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
     std::unique_ptr<Timer> TimerMonitorDB;
     std::unique_ptr<Timer> TimerProgress;
     std::unique_ptr<Timer> TimerLog;
+    std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
 
     Dispatcher mail;
