@@ -60,10 +60,17 @@ void DatabaseRescue::BeforeTheStart() {
     ports_.store.Rest();
 }
 
+// A link that leads nowhere is not replaced: the disk of its database may come back.
+bool DatabaseRescue::IsMissing() {
+    if (ports_.files.Exists(DatabasePath(dir_))) return false;
+    const std::vector<std::string> names = ports_.files.FileNames(dir_);
+    return std::find(names.begin(), names.end(), kDatabaseFile) == names.end();
+}
+
 // Reads all entries, but not the whole database: that is for the daily copy and the compaction.
 DatabaseRescue::State DatabaseRescue::Look() {
     try {
-        if (!ports_.files.Exists(DatabasePath(dir_))) return State::Missing;
+        if (IsMissing()) return State::Missing;
         const auto connection = OpenDatabase(ports_.store, dir_);
         const auto table =
             OpenRows(ports_.store, *connection, "SELECT name FROM sqlite_master where type = 'table' and lower(name) = 'servers'",
@@ -113,10 +120,10 @@ void DatabaseRescue::KeepDailyCopy() {
     if (!IsOn() || ports_.store.InUse() || ports_.clock.GetTickCount() < nextTry_) return;
     try {
         if (damaged_) damaged_ = !BringBack("was damaged");
-        const bool exists = ports_.files.Exists(DatabasePath(dir_));
-        if (exists && !damaged_) CopyToday();
-        if (!exists && missing_) BringBack("was missing");
-        missing_ = !exists;
+        const bool missing = IsMissing();
+        if (!missing && !damaged_) CopyToday();
+        if (missing && missing_) BringBack("was missing");
+        missing_ = missing;
     } catch (const DamagedError&) {
         damaged_ = true;            // and brought back by the next call
     } catch (const LockedError&) {  // for a moment

@@ -57,6 +57,7 @@ private:
     enum class State { Missing, Damaged, Locked, Usable, Unknown };
 
     bool IsOn() const;
+    bool IsMissing();
     State Look();
     std::optional<int> EntriesIn(const std::string& file);
     void CopyToday();
