@@ -120,7 +120,8 @@ struct ReportsRig {
           status(person, world.clock),
           log(theFiles, world.clock, dir, "1.0.0"),
           safeguards(settings, log, status),
-          reports({store, clock, events, person, files, status, settings, ids, safeguards}, dir) {
+          alertPath(safeguards, settings),
+          reports({store, clock, events, person, files, status, settings, ids, safeguards, alertPath}, dir) {
         settings.setKvSettingsColValue("ReportPath", root);
     }
 
@@ -141,6 +142,7 @@ struct ReportsRig {
     StatusLog status;
     Log log;
     Safeguards safeguards;
+    AlertPath alertPath;
     Reports reports;
 };
 

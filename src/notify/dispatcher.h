@@ -11,6 +11,7 @@
 #include "notify/plain_mailer.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
+#include "store/alert_path.h"
 #include "store/log.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -49,6 +50,7 @@ public:
         const SettingsCollection& settings;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
         MailTrace* trace = nullptr;         ///< of the SMTP conversations; null: no trace
+        AlertPath* alertPath = nullptr;     ///< learns the result of each test mail
     };
 
     struct Options {

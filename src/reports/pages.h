@@ -16,6 +16,7 @@
 #include "platform/operator.h"
 #include "reports/page_text.h"
 #include "reports/report_folder.h"
+#include "store/alert_path.h"
 #include "store/database_files.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
@@ -69,6 +70,7 @@ struct ReportPorts {
     const SettingsCollection& settings;
     ServerIds& ids;
     Safeguards& safeguards;
+    const AlertPath& alertPath;
 };
 
 /// One publish.

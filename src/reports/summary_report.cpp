@@ -38,6 +38,11 @@ std::string StatusContents(const std::string& strCurStatus) {
     return found == std::end(kStatusCells) ? "" : "\r\n" + std::string(found->contents);
 }
 
+std::string WarningOf(const Publication& publication, Recordset& rs) {
+    const std::string warning = publication.alertPath.IsShown() ? publication.alertPath.WarningOf(rs) : "";
+    return warning.empty() ? "" : "<br><font color=red><b>" + warning + "</b></font>";
+}
+
 std::string TypeContents(const std::string& strType, const std::string& strPort) {
     return "\r\n<img src=\"../../i/" + ReplaceAll(ToLower(strType), " ", "_") +
            ".gif\" width=32 height=32 alt=\"TCP/IP server\"><br><b>" + strType + "</b> - port [" + strPort + "]";
@@ -93,7 +98,7 @@ std::string ServerRow(const Publication& publication, Recordset& rs, const std::
     const std::string link = publication.outside.Link(id);
     const double nPercentUp = NumberOf(rs, "nPercentUp");
     std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")));
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WarningOf(publication, rs));
     row += Cell(TypeContents(publication.Shown(rs, "strType"), publication.Shown(rs, "strPort")));
     row += Cell("\r\n" + publication.outside.Text(FormatSeconds(TextOf(rs, "nIntervalSeconds"))));
     row += Cell(DescriptionContents(publication, rs));

@@ -221,7 +221,8 @@ std::string DatabaseRescue::SetAside() {
     const bool exists = ports_.files.Exists(file);
     if (exists) ports_.files.Rename(file, aside);
     for (const char* journal : kJournals)
-        if (ports_.files.Exists(file + journal)) ports_.files.Rename(file + journal, aside + journal);
+        if (const auto identity = ports_.files.Identity(file + journal))
+            identity->size == 0 ? ports_.files.Remove(file + journal) : ports_.files.Rename(file + journal, aside + journal);
     return exists ? aside : "";
 }
 

@@ -40,6 +40,7 @@ struct Desk : StorePorts, SystemPorts {
     ServerEntries& entries;
     LegacyLog& legacyLog;
     Safeguards& safeguards;
+    AlertPath& alertPath;
     Dispatcher& mail;
     TraceRoute& trace;
     CommandRunner& commands;

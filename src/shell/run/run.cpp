@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
+#include "base/text.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
 #include "store/database_files.h"
@@ -24,7 +25,7 @@ std::unique_ptr<Timer> NewTimer(Timers& timers, const char* name, std::chrono::m
 
 Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSocket, MailTrace* mailTrace) {
     return {{sckesmtp, plainSocket, run.clock, run.events, run.person, run.files, run.guids, run.status, run.log, run.collection,
-             [&run] { run.StopMonitor(); }, mailTrace},
+             [&run] { run.StopMonitor(); }, mailTrace, &run.alertPath},
             {.contactAddress = std::string(kContactAddress)}};
 }
 
@@ -44,6 +45,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
+      alertPath(safeguards, collection),
       rescue({store, files, clock, events, log, status, safeguards,
               [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
              options.dir),
@@ -61,7 +63,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
       actions({store, clock, status, log, collection, entries, mail, trace, commands}),
-      reports({store, clock, events, person, files, status, collection, ids, safeguards}, options.dir),
+      reports({store, clock, events, person, files, status, collection, ids, safeguards, alertPath}, options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
       maintenance({store, clock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
@@ -100,6 +102,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            entries,
            legacyLog,
            safeguards,
+           alertPath,
            mail,
            trace,
            commands,
@@ -122,7 +125,7 @@ void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& t
         const auto connection = OpenDatabase(store, options.dir);
         const auto first = OpenRows(store, *connection, "SELECT * from servers order by id");
         const auto column = [&](const char* name) { return first->Fields(name).Value().Text(); };
-        if (first->Eof()) return;
+        if (first->Eof() || Trim(column("strEmailList1") + column("strEmailList2")).empty()) return;
         alertMails.Alert({column("strEmailList1"), column("strEmailList2"), column("strEmailFrom"), subject, text});
     });
 }

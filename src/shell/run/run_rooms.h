@@ -42,6 +42,7 @@ struct RunRooms : RunPorts {
     Settings settings;
     LegacyLog legacyLog;
     Safeguards safeguards;
+    AlertPath alertPath;
     DatabaseRescue rescue;
 
     // The timers must come before the objects that switch them.
