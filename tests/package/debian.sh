@@ -75,6 +75,7 @@ live() {
 
     package --install "$(deb 1)"
     check_installed
+    is "$(inside /usr/lib/korvane/korvanecore --recommended-settings)" "the settings of a new home" cat "$root$home/kvurlwatchn.ini"
     is "" "the service is enabled though nobody asked for it" inside find /etc/systemd -name 'korvane*'
     start_service
 

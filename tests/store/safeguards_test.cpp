@@ -15,7 +15,8 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     for (const int again : {1, 2}) {
         guards.TellProblems();
         const auto texts = world.LogTexts();
-        EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard off. "); }), 9) << again;
+        EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard off. "); }), 9)
+            << again;
     }
     EXPECT_TRUE(world.Logged("# Safeguard off. CatchUp: 'true' is not \"True\" or \"False\"."));
     for (const Safeguard& safeguard : AllSafeguards())
@@ -25,6 +26,16 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     EXPECT_EQ(guards.Port("SMTPPort2", 25), 65535);
     world.Set("OwnNetwork", "10.0.0.1;;[::1]; gate.example");
     EXPECT_EQ(guards.Hosts("OwnNetwork"), (std::vector<std::string>{"10.0.0.1", "[::1]", "gate.example"}));
+}
+
+TEST(SafeguardTable, ANewHomeBeginsWithTheRecommendedOnes) {
+    World world({.settings = RecommendedSettings().substr(std::string_view("[Settings]\n").size())});
+    world.Start();
+    Safeguards& guards = world.run.TheDesk().safeguards;
+    EXPECT_TRUE(guards.Problems().empty());
+    for (const Safeguard& safeguard : AllSafeguards())
+        EXPECT_EQ(guards.Text(safeguard.key), safeguard.recommended) << safeguard.key;
+    EXPECT_TRUE(guards.IsOn("RestoreDatabase") && guards.Text("OwnNetwork").empty());
 }
 
 TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {

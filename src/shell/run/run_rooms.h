@@ -11,6 +11,7 @@
 #include "engine/stop_start.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
+#include "resources/machine_watch.h"
 #include "shell/run/desk.h"
 #include "shell/run/ports.h"
 
@@ -24,6 +25,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
+    /// Sends a mail to the recipients of the first entry, later and once.
+    void MailToFirstEntry(const std::string& subject, const std::string& text);
 
     RunOptions options;
     bool bFormLoading = false;
@@ -42,12 +45,15 @@ struct RunRooms : RunPorts {
     LegacyLog legacyLog;
     Safeguards safeguards;
     HiddenPasswords hiddenPasswords;
+    AlertPath alertPath;
+    DatabaseRescue rescue;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
     std::unique_ptr<Timer> TimerMonitorDB;
     std::unique_ptr<Timer> TimerProgress;
     std::unique_ptr<Timer> TimerLog;
+    std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
 
     Dispatcher mail;
@@ -77,6 +83,7 @@ struct RunRooms : RunPorts {
     Dispatcher alertDispatcher;
     AlertMails alertMails;
     MailProof mailProof;
+    MachineWatch machineWatch;
     const Desk desk;
 };
 
