@@ -29,7 +29,9 @@ public:
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
 
+    void Begin() { curl_multi_add_handle(multi_.get(), easy_); }
     std::optional<CURLcode> Perform();
+    std::optional<CURLcode> Look();
     void Stop();
 
 private:
@@ -40,6 +42,7 @@ private:
     static int OnSocket(CURL* easy, curl_socket_t socket, int wanted, void* self, void* unused);
     static int OnTimer(CURLM* multi, long milliseconds, void* self);
     void OnReadable();
+    void OnTime();
     void Advance(curl_socket_t socket, int happened);
     std::chrono::milliseconds UntilTimer() const;
     bool Going() const { return !stopped_ && !result_; }
@@ -75,17 +78,22 @@ CurlPump::Transfer::~Transfer() {
 }
 
 std::optional<CURLcode> CurlPump::Transfer::Perform() {
-    curl_multi_add_handle(multi_.get(), easy_);
+    Begin();
     while (Going()) {
         const milliseconds left = UntilTimer();
-        if (left > 0ms) {
-            events_.WaitForEvent(left);
-        } else {
-            timer_.reset();
-            Advance(CURL_SOCKET_TIMEOUT, 0);
-        }
+        left > 0ms ? events_.WaitForEvent(left) : OnTime();
     }
     return stopped_ ? std::nullopt : result_;
+}
+
+std::optional<CURLcode> CurlPump::Transfer::Look() {
+    if (Going() && UntilTimer() <= 0ms) OnTime();
+    return result_;
+}
+
+void CurlPump::Transfer::OnTime() {
+    timer_.reset();
+    Advance(CURL_SOCKET_TIMEOUT, 0);
 }
 
 void CurlPump::Transfer::Stop() {
@@ -149,6 +157,14 @@ CurlPump::~CurlPump() = default;
 
 std::optional<int> CurlPump::Perform() {
     return transfer_->Perform();
+}
+
+void CurlPump::Begin() {
+    transfer_->Begin();
+}
+
+std::optional<int> CurlPump::Look() {
+    return transfer_->Look();
 }
 
 void CurlPump::Stop() {

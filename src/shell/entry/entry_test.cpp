@@ -39,7 +39,8 @@ CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
                                         .strUser = fields.strUserName,
                                         .strPassword = fields.strPassword,
                                         .nTimeout = TimeoutOf(fields),
-                                        .nPort = port});
+                                        .nPort = port,
+                                        .goodStatuses = [&fields] { return fields.HTTPStatusGood; }});
     } catch (const std::exception& error) {
         result.strReason = error.what();
     }

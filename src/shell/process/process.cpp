@@ -92,7 +92,7 @@ struct Adapters {
     RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
-        return {{tcpSocket, testSocket, echo, newInet},
+        return {{tcpSocket, testSocket, echo, newInet, networkSocket},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
@@ -105,7 +105,7 @@ struct Adapters {
     QtEvents events;
     QtTimers timers;
     QtSqlStore store{KindOfColumn};
-    QtTcpSocket tcpSocket, testSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain;
+    QtTcpSocket tcpSocket, testSocket, networkSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain;
     LinuxIcmpEcho echo;
     LinuxProcesses processes{events};
     DesktopSound sound{processes};

@@ -7,10 +7,13 @@
 #include "engine/failure_actions.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
+#include "engine/own_network.h"
 #include "engine/stop_start.h"
 #include "reports/pipeline.h"
 #include "shell/run/desk.h"
+#include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
+#include "store/entry_safeguards.h"
 
 namespace korvane {
 
@@ -39,6 +42,7 @@ struct RunRooms : RunPorts {
     Settings settings;
     LegacyLog legacyLog;
     Safeguards safeguards;
+    EntrySafeguards ofEntries;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
@@ -63,9 +67,11 @@ struct RunRooms : RunPorts {
     PingChecker ping;
     HttpRequester testHttp;
     TcpChecker testTcp;
+    OwnNetwork network;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
     MonitorCycle cycle;
+    Heartbeat heartbeat;
     BeginWait wait;
     StopStart stopStart;
     MachineRestart restart;

@@ -251,6 +251,7 @@ Run::Started Run::StartUp() {
     run.log.Info("frmMonitor:Form_Load: calling Form_Resize");
     run.mainWindow.Form_Resize();
     run.Timer2->SetEnabled(true);
+    run.heartbeat.Begin();
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
