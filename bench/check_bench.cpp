@@ -24,7 +24,6 @@
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "store/ini_file.h"
 #include "support/loopback_server.h"
 #include "support/played_machine.h"

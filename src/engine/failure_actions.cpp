@@ -7,6 +7,7 @@
 #include "base/ignore_errors.h"
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -153,8 +154,7 @@ bool ServerActions::AreAllServersFailing(Connection& conn) {
     DateTime when = ports_.clock.Now() + kDueSoon;
     if (when == when.Date())
         when = when + seconds(1);  // midnight cannot be written in a query, and this text is not worth losing the mail
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open(query::MonitoredAndDueBy(when), conn, CursorType::Static, LockType::Optimistic);
+    const auto rs = OpenRows(ports_.store, conn, query::MonitoredAndDueBy(when), CursorType::Static);
     bool bAll = !rs->Eof();
     for (; bAll && !rs->Eof(); rs->MoveNext())
         bAll = ColumnText(*rs, "strCurStatus") != status::kUp;
@@ -196,7 +196,7 @@ void ServerActions::SendStartupNotice() {
             return LogError(kRoutine + "There is no entry in memory whose people could be told.");
         const ServerEntry& first = ports_.entries.Entries().front();
         const SendOutcome outcome =
-            ports_.mail.SendThrough(MailServer::Primary, {first.strEmailList1, first.strEmailList2, first.strEmailFrom,
+            ports_.mail.SendThrough(MailServer::Primary, {first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
                                                           "Korvane Just Started. This server is up.", StartupMail()});
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {

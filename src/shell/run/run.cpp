@@ -39,7 +39,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ids(settingsFile, clock),
       mainWindow(window == nullptr ? noWindow : *window),
       entries({store, clock, events, log, status, settingsFile, ids, collection}, options.dir),
-      settings({files, clock, events, person, mainWindow, status, settingsFile, collection, entries,
+      settings({files, clock, events, person, mainWindow, log, status, settingsFile, collection, entries,
                 [this] { service.StartService(); }},
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
