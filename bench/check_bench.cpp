@@ -20,6 +20,7 @@
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
@@ -117,14 +118,21 @@ struct Machine {
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
     RequestProgress progress{{events, person, cycleState, *TimerProgress}};
-    HttpRequester http{{settings, events, clock, progress}};
+    Safeguards safeguards{settings, log, status};
+    EntrySafeguards ofEntries{database.TheStore(), database.DriverString()};
+    HttpRequester http{{settings, safeguards, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
+    QtTcpSocket networkSocket, sckesmtp, plainSocket;
+    LinuxGuidSource guids;
+    Dispatcher mail{{sckesmtp, plainSocket, clock, events, person, files, guids, status, log, settings, [] {}}, {}};
+    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards, mail}};
+    OutcomeAccounting accounting{
+        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
-    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
-                        reports, cycleState, database.DriverString()}};
+    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, ofEntries, http, tcp, ping, network,
+                        accounting, alarm, reports, cycleState, database.DriverString()}};
     int count = 0;
     int checked = 0;
 };

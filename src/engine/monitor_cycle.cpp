@@ -10,6 +10,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/down_time.h"
+#include "engine/http_status.h"
 #include "engine/server_table.h"
 
 namespace korvane {
@@ -56,6 +57,7 @@ void MonitorCycle::DoTick() {
             Step("Setting Reports time to 1001");
         }
         ++state_.nReportTicks;
+        ++state_.nTicks;
         ports_.person.SetClockText(ports_.clock.Now().TimeText());
         Step("checking sleep time");
         if (state_.nSleepLeft > 0) return CountDownSleep();
@@ -241,6 +243,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     if (rs.Fields("nAveResponse").Value().IsEmpty()) rs.Fields("nAveResponse") = 0.0;
     state_.nLastAverage = rs.Fields("nAveResponse").Value().Double();
 
+    ports_.network.AskBeforeCheck();
     const CheckKind kind = CheckKindOf(ColumnText(rs, "strType"));
     const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
     const TimedCheckResult result =
@@ -278,6 +281,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
         .strPassword = ColumnText(rs, "strPassword"),
         .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = rs.Fields("strPort").Value().Int16(),
+        .goodStatuses = [&] { return ports_.ofEntries.Read(rs.Fields("ID").Value().Int64(), kHttpStatusGood); },
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);

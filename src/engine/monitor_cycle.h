@@ -10,6 +10,7 @@
 #include "engine/cycle_state.h"
 #include "engine/http_requester.h"
 #include "engine/outcome.h"
+#include "engine/own_network.h"
 #include "engine/ping_checker.h"
 #include "engine/tcp_checker.h"
 #include "platform/clock.h"
@@ -17,6 +18,7 @@
 #include "platform/events.h"
 #include "platform/operator.h"
 #include "platform/timer.h"
+#include "store/entry_safeguards.h"
 #include "store/log.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -33,9 +35,11 @@ public:
         StatusLog& status;
         Log& log;
         const SettingsCollection& settings;
+        const EntrySafeguards& ofEntries;
         HttpRequester& http;
         TcpChecker& tcp;
         PingChecker& ping;
+        OwnNetwork& network;
         OutcomeAccounting& accounting;
         StoreAlarm& alarm;
         ReportPublisher& reports;

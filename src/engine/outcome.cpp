@@ -114,6 +114,7 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
                                          const std::string& strReason) {
     OwedFailure owed;
     try {
+        if (ports_.network.Excuses(rs, strReason)) return owed;
         const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
         rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");

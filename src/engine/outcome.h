@@ -13,6 +13,7 @@
 
 #include "engine/collaborators.h"
 #include "engine/once_an_outage.h"
+#include "engine/own_network.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
@@ -53,6 +54,7 @@ public:
         const SettingsCollection& settings;
         ServerIds& ids;
         FailureActions& actions;
+        OwnNetwork& network;
     };
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
@@ -62,7 +64,8 @@ public:
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
     /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
-    /// far stay pending in `rs`. What is returned must be settled after the Update that follows.
+    /// far stay pending in `rs`. What is returned must be settled after the Update that follows. Nothing of this happens while
+    /// the own network is down.
     OwedFailure DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
     /// Adds the row of `Failures` that is owed, if any; nothing is owed then. Store errors are passed to the caller.

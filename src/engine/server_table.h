@@ -19,6 +19,8 @@ inline constexpr std::string_view kFailing = "Failing";     ///< failed fewer th
 inline constexpr std::string_view kDown = "DOWN";           ///< failed nTries times or more in a row
 inline constexpr std::string_view kDownTime = "Down-Time";  ///< inside a daily down-time window
 inline constexpr std::string_view kInactive = "Inactive";   ///< not watched
+/// The last check failed while this machine's own network was down.
+inline constexpr std::string_view kOwnNetworkDown = "own network down";
 }  // namespace status
 
 /// One kind of server: the editor's values when the type is chosen, and the texts that `strType` is compared with.

@@ -26,6 +26,9 @@ constexpr StatusCell kStatusCells[] = {
     {"inactive",
      "<img src=../../i/inactive.gif width=32 height=32 alt=\"Server is Inactive - Settings are set to ignore this "
      "device.\"><br><b>Inactive</b>"},
+    {"own network down",
+     "<img src=../../i/failing.gif width=32 height=32 alt=\"The network of the monitor itself is down.\"><br><b>Own network "
+     "down</b>"},
 };
 
 constexpr std::string_view kGraphPicture =

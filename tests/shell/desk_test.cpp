@@ -39,7 +39,7 @@ TEST(Entry, OpensWithItsDefaultsAndIsStoredInputByInput) {
     EntryWorld w;
     std::string columns = "strCurStatus";
     for (const EntryInput& each : EntryInputs())
-        columns += "|" + std::string(each.key);
+        columns += each.key.empty() ? "" : "|" + std::string(each.key);
     w.Write("GlobalEmail.dat", "TO_LIST1=a@x;b@y\r\nTO_LIST2=c@z\r\nFROM=k@x\r\nSUBJECT=XXX is down\r\n");
     const OpenedEntry fresh = OpenEntry(w.desk, true, "");
     EXPECT_EQ(
@@ -87,7 +87,7 @@ $ strType=SMTP|strPort=25|strExpectedText=220< => ! Passed: SUCCESS! 's' port(25
          [](const std::string& order) {
              StartedWorld w;
              const EntryFields fields = Typed("strAddress_IP=s|nTimeout=15|" + order.substr(0, order.find('<')));
-             const auto refusal = CheckDownTimes(fields);
+             const auto refusal = CheckInputs(fields);
              if (refusal) return "'" + fields.*refusal->field + "' " + refusal->message.substr(17, 20);
              if (fields.strType.empty()) return std::string();
              w.rows.AddRow("ResponseFailText", {{"id", 1}, {"idParent", 5}, {"strFailText", "ERROR"}});

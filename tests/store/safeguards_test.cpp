@@ -1,6 +1,7 @@
 // The table of safeguards: what an operator may write, and that a key that is not written leaves no trace.
 #include <gtest/gtest.h>
 
+#include "store/entry_safeguards.h"
 #include "store/safeguards.h"
 #include "support/world.h"
 
@@ -44,6 +45,26 @@ TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {
     world.run.mnuExit_Click();
     for (const Safeguard& safeguard : AllSafeguards())
         EXPECT_EQ(Holds(ToLower(world.Text("kvurlwatchn.ini")), "\n" + ToLower(safeguard.key) + "="), safeguard.key == "CatchUp");
+}
+
+TEST(EntrySafeguards, TheirTableIsMadeByTheFirstValueAndHoldsOneForEachKeyOfAnEntry) {
+    World world;
+    world.Start();
+    EntrySafeguards& values = world.run.TheDesk().ofEntries;
+    values.Write(1, "A", "");
+    values.Remove(1);
+    EXPECT_EQ(values.Read(1, "A"), "");
+    EXPECT_THROW(world.rows.Rows("EntrySafeguards"), Error);
+    values.Write(1, "A", "x");
+    values.Write(1, "B", "it's");
+    values.Write(2, "A", "z");
+    values.Write(1, "a", "y");
+    EXPECT_EQ(values.Read(1, "A") + values.Read(1, "b") + values.Read(2, "A"), "yit'sz");
+    values.Write(1, "A", "");
+    EXPECT_EQ(values.Read(1, "A") + values.Read(1, "B"), "it's");
+    values.Remove(1);
+    EXPECT_EQ(values.Read(1, "B") + values.Read(2, "A"), "z");
+    EXPECT_EQ(world.rows.Count("EntrySafeguards"), 1);
 }
 
 }  // namespace

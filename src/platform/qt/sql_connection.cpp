@@ -1,5 +1,6 @@
 #include "platform/qt/sql_connection.h"
 
+#include <QtCore/QVariant>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -18,6 +19,10 @@ void QtSqlConnection::Open() {
 SqlSession& QtSqlConnection::Opened() const {
     if (!session_) throw Error("The connection is not open.");
     return *session_;
+}
+
+void QtSqlConnection::Execute(std::string_view statement) {
+    Opened().Change(std::string(statement), {});
 }
 
 // Opening a file and reading its schema costs more than most of the work that follows.

@@ -54,6 +54,7 @@ public:
     void Close() override;
     void BeginTrans() override { Opened().Begin(); }
     void CommitTrans() override { Opened().Commit(); }
+    void Execute(std::string_view statement) override;
     void TryWriting() override { Opened().TryWriting(); }
 
     /// Returns null while it is closed.

@@ -43,7 +43,8 @@ CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
                                       .strUser = fields.strUserName,
                                       .strPassword = fields.strPassword,
                                       .nTimeout = TimeoutOf(fields),
-                                      .nPort = port});
+                                      .nPort = port,
+                                      .goodStatuses = [&fields] { return fields.HTTPStatusGood; }});
     });
 }
 

@@ -17,6 +17,7 @@
 #include "shell/run/report_commands.h"
 #include "shell/service/service_mode.h"
 #include "shell/web/web_pages.h"
+#include "store/entry_safeguards.h"
 #include "store/log.h"
 #include "store/maintenance.h"
 #include "store/safeguards.h"
@@ -41,6 +42,7 @@ struct Desk : StorePorts, SystemPorts {
     LegacyLog& legacyLog;
     Safeguards& safeguards;
     AlertPath& alertPath;
+    EntrySafeguards& ofEntries;
     Dispatcher& mail;
     TraceRoute& trace;
     CommandRunner& commands;

@@ -50,6 +50,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       rescue({store, files, clock, events, log, status, safeguards,
               [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
              options.dir),
+      ofEntries(store, OdbcConnectionText(options.dir)),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
       TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms, [this] { cycle.TimerMonitorDB_Timer(); })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
@@ -70,15 +71,17 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       maintenance({store, clock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
       conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
-      http({collection, events, clock, progress}),
+      http({collection, safeguards, events, clock, progress}),
       tcp({tcpSocket, events, clock, person, status, conversationWindow}),
       ping({echo, clock, person, status, log}),
-      testHttp({collection, events, clock, progress}),
+      testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      accounting({store, clock, events, person, sound, status, log, collection, ids, actions}),
+      network({echo, networkSocket, clock, events, status, log, collection, safeguards, mail}),
+      accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network}),
       alarm({person, status, log, serviceManager}),
-      cycle({store, clock, events, person, status, log, collection, http, tcp, ping, accounting, alarm, reportCommands, state,
-             OdbcConnectionText(options.dir)}),
+      cycle({store, clock, events, person, status, log, collection, ofEntries, http, tcp, ping, network, accounting, alarm,
+             reportCommands, state, OdbcConnectionText(options.dir)}),
+      heartbeat({timers, clock, log, collection, safeguards, state, switches, newInet}),
       wait({clock, person, status, collection, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
       stopStart({person, status, switches, state, bFormLoading}),
@@ -107,6 +110,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            legacyLog,
            safeguards,
            alertPath,
+           ofEntries,
            mail,
            trace,
            commands,
@@ -170,6 +174,7 @@ void Run::Form_Unload() {
     for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get(),
                                    run.TimerCopies.get()})
         timer->SetEnabled(false);
+    run.heartbeat.End();
     IgnoreErrors([&] { run.http.CloseInets(); });
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())

@@ -8,12 +8,15 @@
 #include "engine/hiding_conversation.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
+#include "engine/own_network.h"
 #include "engine/stop_start.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
 #include "resources/machine_watch.h"
 #include "shell/run/desk.h"
+#include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
+#include "store/entry_safeguards.h"
 
 namespace korvane {
 
@@ -47,6 +50,7 @@ struct RunRooms : RunPorts {
     HiddenPasswords hiddenPasswords;
     AlertPath alertPath;
     DatabaseRescue rescue;
+    EntrySafeguards ofEntries;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
@@ -72,9 +76,11 @@ struct RunRooms : RunPorts {
     PingChecker ping;
     HttpRequester testHttp;
     TcpChecker testTcp;
+    OwnNetwork network;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
     MonitorCycle cycle;
+    Heartbeat heartbeat;
     BeginWait wait;
     StopStart stopStart;
     MachineRestart restart;

@@ -243,6 +243,7 @@ Run::Started Run::StartUp() {
     run.mainWindow.Form_Resize();
     run.Timer2->SetEnabled(true);
     run.mailProof.Start();
+    run.heartbeat.Begin();
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
