@@ -114,6 +114,7 @@ struct Machine {
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
+    Safeguards safeguards{settings, log, status};
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
@@ -121,11 +122,13 @@ struct Machine {
     HttpRequester http{{settings, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
+    OutcomeAccounting accounting{
+        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, safeguards}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
+    BadEntries badEntries{{database.TheStore(), clock, status, log, safeguards, database.DriverString()}};
     MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
-                        reports, cycleState, database.DriverString()}};
+                        reports, cycleState, database.DriverString(), safeguards, badEntries}};
     int count = 0;
     int checked = 0;
 };

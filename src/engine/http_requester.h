@@ -78,7 +78,7 @@ public:
         std::string strUser = {};
         std::string strPassword = {};
         std::chrono::seconds nTimeout = kNewTimeout;
-        std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
+        std::int32_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
     };
 
     explicit HttpRequester(const Ports& ports) : ports_(ports) {}

@@ -20,6 +20,7 @@
 #include "platform/service_manager.h"
 #include "platform/sound.h"
 #include "store/log.h"
+#include "store/safeguards.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -37,8 +38,13 @@ struct OwedFailure {
         std::string strReason;
     };
     std::string refusal;     ///< why the store refused to record the failure; empty: it did not
+    std::string error;       ///< why DoFailure ended early; empty: it did not
     std::optional<Row> row;  ///< still to be added once the entry's counters are written
 };
+
+/// Returns the longest time from one check of an entry that is watched to the next: its interval, or five of them in a long
+/// outage.
+std::chrono::seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur);
 
 class OutcomeAccounting {
 public:
@@ -53,6 +59,7 @@ public:
         const SettingsCollection& settings;
         ServerIds& ids;
         FailureActions& actions;
+        Safeguards& safeguards;
     };
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
@@ -72,12 +79,15 @@ public:
     void Reseed(std::uint32_t seed) { random_.seed(seed); }
 
 private:
-    std::chrono::seconds Stagger(int recordCount);
+    std::chrono::seconds Stagger(Recordset& rs);
     void CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
     bool HasComeBack(Recordset& rs) const;
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
-    DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
+    bool Guarded() const { return ports_.safeguards.IsOn("GuardBadEntries"); }
+    std::int32_t AddOne(Recordset& rs, std::string_view column);
+    std::chrono::seconds RetryDuration();
+    DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries);
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
@@ -85,6 +95,7 @@ private:
     Ports ports_;
     std::minstd_rand random_;
     OnceAnOutage once_;
+    std::string toldRetry_;  ///< the unusable setting that the operator was told of
 };
 
 /// Reports once that the store refuses the outcomes of checks, and once that it accepts them again. Otherwise a full disk would

@@ -72,5 +72,9 @@ std::string FailTextsOf(std::string_view id) {
     return "SELECT * from ResponseFailText where idParent =" + std::string(id);
 }
 
+std::string ById(std::int64_t id) {
+    return "SELECT * from servers where ID = " + std::to_string(id);
+}
+
 }  // namespace query
 }  // namespace korvane

@@ -14,6 +14,7 @@ struct StatusCell {
     std::string_view word;  ///< in lower case
     std::string_view contents;
 };
+constexpr std::string_view kNotChecked = "not checked";
 constexpr StatusCell kStatusCells[] = {
     {"up", "<img src=../../i/up.gif width=32 height=32 alt=\"Server is Up\"><br><b>UP</b>"},
     {"down", "<img src=../../i/down.gif width=32 height=32 alt=\"Server is Down and in Failure state!\"><br><b>Down!</b>"},
@@ -26,6 +27,7 @@ constexpr StatusCell kStatusCells[] = {
     {"inactive",
      "<img src=../../i/inactive.gif width=32 height=32 alt=\"Server is Inactive - Settings are set to ignore this "
      "device.\"><br><b>Inactive</b>"},
+    {kNotChecked, "<img src=../../i/failing.gif width=32 height=32 alt=\"Cannot be checked.\"><br>"},
 };
 
 constexpr std::string_view kGraphPicture =
@@ -36,6 +38,12 @@ std::string StatusContents(const std::string& strCurStatus) {
     const auto* found =
         std::find_if(std::begin(kStatusCells), std::end(kStatusCells), [&](const StatusCell& cell) { return cell.word == word; });
     return found == std::end(kStatusCells) ? "" : "\r\n" + std::string(found->contents);
+}
+
+// The last response of an entry that a safeguard set aside is the reason.
+std::string WhyNotChecked(Recordset& rs) {
+    if (ToLower(TextOf(rs, "strCurStatus")) != kNotChecked) return "";
+    return "<b>" + ReplaceAll(ReplaceAll(TextOf(rs, "strLastResponse"), "&", "&amp;"), "<", "&lt;") + "</b>";
 }
 
 std::string TypeContents(const std::string& strType, const std::string& strPort) {
@@ -91,7 +99,7 @@ std::string ServerRow(Recordset& rs, ReportFolder& folder, const std::string& gr
     const std::string id = TextOf(rs, "ID");
     const double nPercentUp = NumberOf(rs, "nPercentUp");
     std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")));
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WhyNotChecked(rs));
     row += Cell(TypeContents(TextOf(rs, "strType"), TextOf(rs, "strPort")));
     row += Cell("\r\n" + FormatSeconds(TextOf(rs, "nIntervalSeconds")));
     row += Cell(DescriptionContents(rs));

@@ -45,7 +45,11 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
-      TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms, [this] { cycle.TimerMonitorDB_Timer(); })),
+      TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms,
+                              [this] {
+                                  clockGuard.Look();
+                                  catchUp.TimerMonitorDB_Timer();
+                              })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
       TimerLog(NewTimer(timers, "TimerLog", 60000ms,
                         [this] {
@@ -68,10 +72,13 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ping({echo, clock, person, status, log}),
       testHttp({collection, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      accounting({store, clock, events, person, sound, status, log, collection, ids, actions}),
+      accounting({store, clock, events, person, sound, status, log, collection, ids, actions, safeguards}),
       alarm({person, status, log, serviceManager}),
+      badEntries({store, clock, status, log, safeguards, OdbcConnectionText(options.dir)}),
       cycle({store, clock, events, person, status, log, collection, http, tcp, ping, accounting, alarm, reportCommands, state,
-             OdbcConnectionText(options.dir)}),
+             OdbcConnectionText(options.dir), safeguards, badEntries}),
+      catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
+      clockGuard({store, clock, safeguards, state, OdbcConnectionText(options.dir)}),
       wait({clock, person, status, collection, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
       stopStart({person, status, switches, state, bFormLoading}),

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "engine/catch_up.h"
+#include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
@@ -65,7 +67,10 @@ struct RunRooms : RunPorts {
     TcpChecker testTcp;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
+    BadEntries badEntries;
     MonitorCycle cycle;
+    CatchUp catchUp;
+    ClockGuard clockGuard;
     BeginWait wait;
     StopStart stopStart;
     MachineRestart restart;
