@@ -113,7 +113,7 @@ void BadEntries::SetAside(Recordset& rs, const std::string& reason) {
     rs.Fields("dtNextCheck") = next;
     rs.Fields("strCurStatus") = status::kNotChecked;
     rs.Fields("strLastResponse") = Left(response, kMostStoredCharacters);
-    rs.Update();
+    if (!IgnoreErrors([&] { rs.Update(); })) ports_.kept.Keep(rs, {});
     ports_.safeguards.Acted("GuardBadEntries", "An entry that can't be checked is set aside.");
     const std::string name = "'" + ColumnText(rs, "strDesc") + "' (" + ColumnText(rs, "strAddress_IP") + ")";
     ports_.status.setStatusMSG(name + " is set aside until " + next.Text() + ". " + response);

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "engine/kept_accounts.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "store/log.h"
@@ -22,6 +23,7 @@ public:
         StatusLog& status;
         Log& log;
         Safeguards& safeguards;
+        KeptAccounts& kept;
         std::string connectionString;  ///< of the database
     };
 
@@ -32,7 +34,7 @@ public:
     /// Called when a check of this entry ended with the error and left it due. If one of its values cannot be used, or this is
     /// its third such check in a row, its next check is set to after its interval, at least a minute, its status to "Not
     /// checked" and its last response to the reason. The reason is in the status log each time, and in the log once an hour.
-    /// Returns whether the entry is no longer due: false also if the store refuses. Throws nothing.
+    /// Returns whether the entry is no longer due, by the store or by what is kept. Throws nothing.
     bool SetAside(std::int64_t id, const std::string& error);
 
     /// Called when an entry was checked.

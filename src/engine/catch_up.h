@@ -17,7 +17,8 @@ public:
         MonitorCycle& cycle;
         const Clock& clock;
         Safeguards& safeguards;
-        Timer& TimerMonitorDB;  ///< of the cycle; its period is a second, and 0 while entries are due
+        Timer&
+            TimerMonitorDB;  ///< of the cycle; its period is a second, 0 while entries are due, and less than a second after them
     };
 
     explicit CatchUp(const Ports& ports) : ports_(ports) {}
@@ -26,6 +27,8 @@ public:
     void TimerMonitorDB_Timer();
 
 private:
+    std::chrono::milliseconds UntilNextSecond() const;
+
     Ports ports_;
     std::chrono::milliseconds lastSecond_{0};  ///< tick count at which the last second that was counted began
 };

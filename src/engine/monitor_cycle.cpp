@@ -18,8 +18,9 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::seconds;
 
-constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
-constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
+constexpr auto kLookAhead = 120s;            // rows due so soon are read, though only a row already due is checked
+constexpr auto kSleepWithNothingDue = 60s;   // half of the look-ahead
+constexpr seconds kSleepWhileKeeping = 10s;  // what is kept in memory is written soon
 constexpr std::int32_t kMostReportTicks = 1001;
 constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
 constexpr std::int32_t kReportTicksAtMost = 1000;  // the sleep branch is then forced
@@ -67,6 +68,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
         return LookAtDatabase(tick);
     } catch (const std::exception& error) {
         if (StepOver(tick, error.what())) return true;
+        if (tick.id == 0 && ports_.badEntries.On()) ports_.blind.IsBlind(error.what());
         Fail(tick, error.what());
     }
     return false;
@@ -87,25 +89,42 @@ bool MonitorCycle::CountDownSleep() {
 }
 
 bool MonitorCycle::LookAtDatabase(Tick& tick) {
+    if (ports_.kept.Write()) ports_.alarm.Note("");
     OpenDueRows(tick);
+    GoToEntry(tick);
     const bool atOnce = ports_.alarm.Raised() || tick.withinSecond;
-    bool goesOn = true;
+    bool goesOn = ports_.kept.Empty();
     bool isLate = false;
     bool another = false;
-    if (tick.rs->RecordCount() > 0 && ports_.badEntries.On()) tick.id = tick.rs->Fields("ID").Value().Int64();
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
     } else if (const seconds diff = SecondsUntilDue(tick); diff > 0s || state_.nReportTicks > kReportTicksAtMost) {
-        SleepUntilDue(diff);
+        SleepUntilDue(ports_.kept.Empty() ? diff : std::min(diff, kSleepWhileKeeping));
+        if (tick.withinSecond) SeeAllRows(tick);
     } else {
         goesOn = HandleRow(tick) && !tick.withinSecond;
-        another = HasMovedOn(tick);
+        another = tick.kept || HasMovedOn(tick);
         isLate = !another && !tick.refused;
     }
     if (goesOn) SummariseInTray(*tick.rs, atOnce);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
     return another || (isLate && StepOver(tick, tick.owed.error));
+}
+
+// Only for safeguards. What is kept in memory counts instead of what is stored.
+void MonitorCycle::GoToEntry(Tick& tick) {
+    if (!ports_.badEntries.On() && ports_.kept.Empty()) return;
+    const bool hasRows = tick.rs->RecordCount() > 0;
+    ports_.blind.Sees(hasRows ? tick.rs.get() : nullptr);
+    if (!hasRows) return;
+    if (!ports_.kept.Empty()) {
+        tick.due = query::ById(ports_.kept.FirstDue(*tick.rs));
+        tick.rs->Close();
+        tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+        ports_.kept.PutInto(*tick.rs);
+    }
+    tick.id = tick.rs->Fields("ID").Value().Int64();
 }
 
 // Returns whether the entry of the tick, which is still due, was set aside.
@@ -129,12 +148,20 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
-    tick.due = query::DueBy(ports_.clock.Now() + kLookAhead);
+    const DateTime ahead = ports_.clock.Now() + kLookAhead;
+    const bool needsAll = !tick.withinSecond || !ports_.kept.Empty();
+    tick.due = needsAll ? query::DueBy(ahead) : query::FirstDueBy(ahead);
     tick.rs = ports_.store.NewRecordset();
     tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
     ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
+}
+
+// For the summary, which is not made while entries are due.
+void MonitorCycle::SeeAllRows(Tick& tick) {
+    tick.rs->Close();
+    tick.rs->Open(query::DueBy(ports_.clock.Now() + kLookAhead), *tick.conn, CursorType::Keyset, LockType::Pessimistic);
 }
 
 seconds MonitorCycle::SecondsUntilDue(Tick& tick) {
@@ -212,9 +239,7 @@ bool MonitorCycle::HandleRow(Tick& tick) {
     if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
         SkipRow(rs, inDownTime);
     } else if (!CheckRow(tick)) {
-        ports_.alarm.Note(tick.owed.refusal);
-        tick.refused = !tick.owed.refusal.empty();
-        tick.stored = !tick.refused;
+        NoteOutcome(tick, tick.owed.refusal);
         return false;
     }
     UpdateRow(tick);
@@ -403,16 +428,26 @@ void MonitorCycle::UpdateRow(Tick& tick) {
     try {
         tick.rs->Update();
         ports_.accounting.Settle(*tick.rs, *tick.conn, tick.owed);
-        ports_.alarm.Note(tick.owed.refusal);
-        tick.stored = true;
+        NoteOutcome(tick, tick.owed.refusal);
     } catch (const std::exception& error) {
         LogOfTick("tried to update record. err = " + std::string(error.what()), kLogError);
-        ports_.alarm.Note(RefusalOf(error));
-        tick.refused = !RefusalOf(error).empty();
+        NoteRefusal(tick, RefusalOf(error));
         // The row keeps its pending changes, and the first cursor move of the summary would try to write them again.
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
+}
+
+void MonitorCycle::NoteOutcome(Tick& tick, const std::string& refusal) {
+    NoteRefusal(tick, refusal);
+    if (tick.id != 0 && !tick.refused) ports_.kept.Written(tick.id, *tick.conn);
+    tick.stored = !tick.refused;
+}
+
+void MonitorCycle::NoteRefusal(Tick& tick, const std::string& refusal) {
+    tick.refused = !refusal.empty();
+    if (tick.refused && tick.id != 0) tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
+    ports_.alarm.Note(refusal, tick.kept);
 }
 
 void MonitorCycle::SayAndLog(const std::string& message) {

@@ -7,9 +7,11 @@
 #include <string_view>
 
 #include "engine/bad_entries.h"
+#include "engine/blind_alarm.h"
 #include "engine/collaborators.h"
 #include "engine/cycle_state.h"
 #include "engine/http_requester.h"
+#include "engine/kept_accounts.h"
 #include "engine/outcome.h"
 #include "engine/ping_checker.h"
 #include "engine/tcp_checker.h"
@@ -45,6 +47,8 @@ public:
         std::string connectionString;  ///< of the database
         Safeguards& safeguards;
         BadEntries& badEntries;
+        KeptAccounts& kept;
+        BlindAlarm& blind;
     };
 
     explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}
@@ -66,6 +70,7 @@ private:
         bool withinSecond = false;  ///< it is not the tick of a second
         bool stored = false;        ///< the outcome of the check was written
         bool refused = false;       ///< the store refused to write it
+        bool kept = false;          ///< it was refused, and is kept in memory
         std::int64_t id = 0;        ///< of the entry; 0 without the safeguard that needs it
     };
 
@@ -83,10 +88,14 @@ private:
     bool DoTick(bool withinSecond);
     bool CountDownSleep();
     bool HasMovedOn(Tick& tick);
+    void GoToEntry(Tick& tick);
+    void NoteOutcome(Tick& tick, const std::string& refusal);
+    void NoteRefusal(Tick& tick, const std::string& refusal);
     bool StepOver(Tick& tick, const std::string& error);
     std::int32_t PortOf(Recordset& rs) const;
     bool LookAtDatabase(Tick& tick);
     void OpenDueRows(Tick& tick);
+    void SeeAllRows(Tick& tick);
     std::chrono::seconds SecondsUntilDue(Tick& tick);
     void Sleep(std::chrono::seconds time);
     void SleepUntilDue(std::chrono::seconds diff);

@@ -24,6 +24,7 @@ constexpr seconds kLongestInterval = std::chrono::years(9999);
 
 constexpr const char* kTip = "Korvane: Outcomes of checks can't be stored! ";
 constexpr const char* kBegins = "Outcomes of checks can't be stored, and are lost: ";
+constexpr const char* kKept = "Outcomes of checks can't be stored, and are kept in memory: ";
 constexpr const char* kIsOver = "Outcomes of checks are stored again.";
 
 // A counter that was never written counts as zero.
@@ -183,8 +184,9 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
         if (counted && !kept) owed.row.reset();
         throw;
     }
-    owed.row.reset();  // if this fails, neither was written, and the entry is still due
+    owed.uncommitted = std::exchange(owed.row, std::nullopt);  // if this fails, neither was written, and the entry is still due
     conn.CommitTrans();
+    owed.uncommitted.reset();
 }
 
 void OutcomeAccounting::Settle(Recordset& rs, Connection& conn, OwedFailure& owed) {
@@ -243,31 +245,36 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
     return NextCheck(now, Guarded() || ports_.safeguards.IsOn("CatchUp") ? std::max(wait, seconds(1)) : wait);
 }
 
+std::vector<std::pair<std::string, Value>> FailureColumns(Recordset& rs, const OwedFailure::Row& row, DateTime now) {
+    std::vector<std::pair<std::string, Value>> columns{{"IDParent", rs.Fields("ID").Value()}};
+    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"})
+        columns.emplace_back(column, rs.Fields(column).Value());
+    columns.emplace_back("nFailCount", rs.Fields("nTriesCur").Value());
+    columns.emplace_back("nFailMax", TriesOf(rs));
+    columns.emplace_back("strAction", row.strAction);
+    columns.emplace_back("strReason", Left(row.strReason, kMostStoredCharacters));
+    columns.emplace_back("dateFail", now);
+    return columns;
+}
+
 void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row) {
     const auto failures = ports_.store.NewRecordset();
     failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
     failures->AddNew();
     failures->Fields("ID") = ports_.ids.NewServerID();
-    failures->Fields("IDParent") = rs.Fields("ID").Value();
-    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"}) {
-        failures->Fields(column) = rs.Fields(column).Value();
-    }
-    failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
-    failures->Fields("nFailMax") = TriesOf(rs);
-    failures->Fields("strAction") = row.strAction;
-    failures->Fields("strReason") = Left(row.strReason, kMostStoredCharacters);
-    failures->Fields("dateFail") = ports_.clock.Now();
+    for (const auto& [column, value] : FailureColumns(rs, row, ports_.clock.Now()))
+        failures->Fields(column) = value;
     failures->Update();
     failures->Close();
 }
 
-void StoreAlarm::Note(const std::string& refusal) {
+void StoreAlarm::Note(const std::string& refusal, bool kept) {
     const bool refused = !refusal.empty();
     // Set each time: the failure of an entry, or a new start of monitoring, sets its own picture.
     if (refused) ports_.person.SetTray(TrayPicture::Error, kTip);
     if (refused == raised_) return;
     raised_ = refused;
-    const std::string text = refused ? kBegins + refusal : kIsOver;
+    const std::string text = refused ? (kept ? kKept : kBegins) + refusal : kIsOver;
     ports_.status.setStatusMSG(text);
     ports_.log.WriteLog(kLogOrdinary, kLogError, text);
     ports_.manager.Status(text);

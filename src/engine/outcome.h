@@ -10,6 +10,8 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "engine/collaborators.h"
 #include "engine/once_an_outage.h"
@@ -37,14 +39,18 @@ struct OwedFailure {
         std::string strAction;
         std::string strReason;
     };
-    std::string refusal;     ///< why the store refused to record the failure; empty: it did not
-    std::string error;       ///< why DoFailure ended early; empty: it did not
-    std::optional<Row> row;  ///< still to be added once the entry's counters are written
+    std::string refusal;             ///< why the store refused to record the failure; empty: it did not
+    std::optional<Row> uncommitted;  ///< it was added, but the transaction failed
+    std::string error;               ///< why DoFailure ended early; empty: it did not
+    std::optional<Row> row;          ///< still to be added once the entry's counters are written
 };
 
 /// Returns the longest time from one check of an entry that is watched to the next: its interval, or five of them in a long
 /// outage.
 std::chrono::seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur);
+
+/// Returns the columns of the row of `Failures`, besides its ID, that the current row of `rs` gets.
+std::vector<std::pair<std::string, Value>> FailureColumns(Recordset& rs, const OwedFailure::Row& row, DateTime now);
 
 class OutcomeAccounting {
 public:
@@ -111,8 +117,8 @@ public:
 
     explicit StoreAlarm(const Ports& ports) : ports_(ports) {}
 
-    /// Called after each entry with the reason why its outcome could not be written; empty when it was.
-    void Note(const std::string& refusal);
+    /// Called after each entry with the reason why its outcome could not be written; empty when it was. `kept`: it will be.
+    void Note(const std::string& refusal, bool kept = false);
 
     /// While true, the tray shows nothing else.
     bool Raised() const { return raised_; }

@@ -62,6 +62,10 @@ std::string DueBy(DateTime when) {
     return "SELECT  * from servers where dtNextCheck <= #" + QueryDate(when) + "# order by dtNextCheck ";
 }
 
+std::string FirstDueBy(DateTime when) {
+    return DueBy(when) + "limit 100";
+}
+
 std::string MonitoredAndDueBy(DateTime when) {
     return "SELECT * from servers where bIsMonitoring and strCurStatus <> 'Down-Time'  and strCurStatus <> 'Inactive'  "
            "and dtNextCheck <= #" +

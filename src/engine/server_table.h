@@ -63,6 +63,7 @@ Value TimeoutOf(Recordset& rs);
 /// The engine's queries, byte for byte.
 namespace query {
 std::string DueBy(DateTime when);
+std::string FirstDueBy(DateTime when);  ///< no more than a hundred rows
 std::string MonitoredAndDueBy(DateTime when);
 std::string FailTextsOf(std::string_view id);
 std::string ById(std::int64_t id);

@@ -67,7 +67,9 @@ struct RunRooms : RunPorts {
     TcpChecker testTcp;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
+    KeptAccounts kept;
     BadEntries badEntries;
+    BlindAlarm blind;
     MonitorCycle cycle;
     CatchUp catchUp;
     ClockGuard clockGuard;
