@@ -14,6 +14,7 @@ struct StatusCell {
     std::string_view word;  ///< in lower case
     std::string_view contents;
 };
+constexpr std::string_view kNotChecked = "not checked";
 constexpr StatusCell kStatusCells[] = {
     {"up", "<img src=../../i/up.gif width=32 height=32 alt=\"Server is Up\"><br><b>UP</b>"},
     {"down", "<img src=../../i/down.gif width=32 height=32 alt=\"Server is Down and in Failure state!\"><br><b>Down!</b>"},
@@ -29,6 +30,7 @@ constexpr StatusCell kStatusCells[] = {
     {"own network down",
      "<img src=../../i/failing.gif width=32 height=32 alt=\"The network of the monitor itself is down.\"><br><b>Own network "
      "down</b>"},
+    {kNotChecked, "<img src=../../i/failing.gif width=32 height=32 alt=\"Cannot be checked.\"><br>"},
 };
 
 constexpr std::string_view kGraphPicture =
@@ -44,6 +46,12 @@ std::string StatusContents(const std::string& strCurStatus) {
 std::string WarningOf(const Publication& publication, Recordset& rs) {
     const std::string warning = publication.alertPath.IsShown() ? publication.alertPath.WarningOf(rs) : "";
     return warning.empty() ? "" : "<br><font color=red><b>" + warning + "</b></font>";
+}
+
+// The last response of an entry that a safeguard set aside is the reason.
+std::string WhyNotChecked(Recordset& rs) {
+    if (ToLower(TextOf(rs, "strCurStatus")) != kNotChecked) return "";
+    return "<b>" + ReplaceAll(ReplaceAll(TextOf(rs, "strLastResponse"), "&", "&amp;"), "<", "&lt;") + "</b>";
 }
 
 std::string TypeContents(const std::string& strType, const std::string& strPort) {
@@ -101,7 +109,7 @@ std::string ServerRow(const Publication& publication, Recordset& rs, const std::
     const std::string link = publication.outside.Link(id);
     const double nPercentUp = NumberOf(rs, "nPercentUp");
     std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WarningOf(publication, rs));
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WhyNotChecked(rs) + WarningOf(publication, rs));
     row += Cell(TypeContents(publication.Shown(rs, "strType"), publication.Shown(rs, "strPort")));
     row += Cell("\r\n" + publication.outside.Text(FormatSeconds(TextOf(rs, "nIntervalSeconds"))));
     row += Cell(DescriptionContents(publication, rs));

@@ -21,6 +21,7 @@ constexpr std::string_view kNow = "Now...";
 constexpr std::pair<std::string_view, RowIcon> kIcons[] = {
     {status::kDown, RowIcon::Bad},          {status::kFailing, RowIcon::Warn}, {status::kInactive, RowIcon::Inactive},
     {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},      {status::kOwnNetworkDown, RowIcon::Warn},
+    {status::kNotChecked, RowIcon::Warn},
 };
 
 struct ListColumn {

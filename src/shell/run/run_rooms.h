@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "engine/catch_up.h"
+#include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
 #include "engine/hiding_conversation.h"
 #include "engine/monitor_cycle.h"
@@ -79,7 +81,12 @@ struct RunRooms : RunPorts {
     OwnNetwork network;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
+    KeptAccounts kept;
+    BadEntries badEntries;
+    BlindAlarm blind;
     MonitorCycle cycle;
+    CatchUp catchUp;
+    ClockGuard clockGuard;
     Heartbeat heartbeat;
     BeginWait wait;
     StopStart stopStart;
