@@ -101,12 +101,14 @@ bool MonitorCycle::LookAtDatabase(Tick& tick) {
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
     } else if (const seconds diff = SecondsUntilDue(tick); diff > 0s || state_.nReportTicks > kReportTicksAtMost) {
+        tick.id = 0;  // an error in here is not the entry's
         SleepUntilDue(ports_.kept.Empty() ? diff : std::min(diff, kSleepWhileKeeping));
         if (tick.withinSecond) SeeAllRows(tick);
     } else {
         goesOn = HandleRow(tick) && !tick.withinSecond;
         another = tick.kept || HasMovedOn(tick);
         isLate = !another && !tick.refused;
+        if (another) tick.id = 0;
     }
     if (goesOn) SummariseInTray(*tick.rs, atOnce);
     IgnoreErrors([&] { tick.rs->Close(); });
