@@ -30,7 +30,6 @@ bool Reads(const Value& value, ColumnKind kind) {
             case ColumnKind::Int32:
                 static_cast<void>(value.Int32());
                 break;
-            case ColumnKind::Id:
             case ColumnKind::Whole:
                 static_cast<void>(value.Int64());
                 break;
