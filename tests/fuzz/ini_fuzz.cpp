@@ -38,7 +38,11 @@ IniSetting TakeSetting(std::string_view& input) {
     return {clean("]"), clean("=;["), clean("")};
 }
 
-void CheckDocument(std::string_view file, const IniSetting& setting) {
+}  // namespace
+
+void FuzzIni(std::string_view file) {
+    const IniSetting setting = TakeSetting(file);
+    if (setting.key.empty()) return;
     IniDocument document(file);
     Require(document.Text() == file, "a file that is only read stays byte for byte");
     IniValues values = AllValues(document, file);
@@ -53,14 +57,6 @@ void CheckDocument(std::string_view file, const IniSetting& setting) {
             Require(read->Find(name.first, name.second) == value,
                     "the key is there, also when the file is read again, and all others");
     }
-}
-
-}  // namespace
-
-void FuzzIni(std::string_view input) {
-    const IniSetting setting = TakeSetting(input);
-    if (setting.key.empty()) return;
-    CheckDocument(input, setting);
 }
 
 }  // namespace korvane

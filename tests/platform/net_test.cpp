@@ -16,6 +16,7 @@
 #include "platform/real_ports.h"
 #include "platform/wait.h"
 #include "support/loopback_server.h"
+#include "support/virtual_tcp_socket.h"
 
 namespace korvane::net_test {
 
@@ -57,8 +58,6 @@ struct NetTest : RealPorts {
     QtTimers timers;
     QtTcpSocket socket;
     std::string said;  ///< by the handlers of the socket
-    const TcpSocket::Handlers handlers = {[this] { said += socket.GetData(); }, [this] { said += "close"; },
-                                          [this](int number, const std::string&) { said += std::to_string(number); }};
 };
 
 TEST_F(NetTest, OnlyThePumpDeliversAndATickNeverOverlapsItself) {
@@ -100,40 +99,13 @@ TEST_F(NetTest, ATransferIsCancelledWhileThePumpRunsAndFailuresAreToldInWords) {
     EXPECT_TRUE(Holds(Fetch({.URL = "http://no..such..host/"}), "no..such..host"));
 }
 
-TEST_F(NetTest, AServerSpeaksFirstAndWhatWasSentGoesOutBeforeTheEnd) {
-    const LoopbackServer server([](Peer& peer) {
-        peer.Send("220 ready ");
-        peer.Note(peer.ReadUntil("\r\n"));
-        peer.Send("250 fine");
-        peer.Note(peer.ReadUntil("\r\n"));
-    });
-    socket.SetHandlers(handlers);
-    socket.Connect("127.0.0.1", server.Port());
-    EXPECT_TRUE(Wait([&] { return said == "220 ready "; }));
-    EXPECT_EQ(socket.State(), SocketState::Connected);
-    socket.SendData("NOOP\r\n");
-    EXPECT_TRUE(Wait([&] { return said == "220 ready 250 fine"; }));
-    socket.SendData("QUIT\r\n");
-    socket.Close();
-    EXPECT_EQ(socket.State(), SocketState::Closed);
-    EXPECT_TRUE(Wait([&] { return server.Notes() == Notes{"NOOP\r\n", "QUIT\r\n"}; }));
-    EXPECT_EQ(said, "220 ready 250 fine") << "no event follows our own close";
-}
-
-TEST_F(NetTest, NamesAreLookedUpBesideTheProgramAndFailuresAreEvents) {
+TEST_F(NetTest, NamesAreLookedUpBesideTheProgramAndLastWordsCanStillBeRead) {
     const LoopbackServer server([](Peer& peer) { peer.Send("last words"); });
-    socket.SetHandlers({{}, handlers.close, handlers.error});
-    for (const auto& [host, failing, number] :
-         {std::tuple{"no..such..host", server.Port(), "11001"}, {"127.0.0.1", RefusingPort(), "10061"}}) {
-        socket.Connect(host, failing);
-        EXPECT_THROW(socket.SendData("x"), Error);
-        EXPECT_TRUE(Wait([&] { return socket.State() == SocketState::Error; }));
-        EXPECT_EQ(std::exchange(said, ""), number);
-        EXPECT_THROW(socket.Connect(), Error);
-        socket.Close();
-    }
+    socket.SetHandlers({{}, [this] { said += "close"; }, {}});
     socket.Connect("localhost", server.Port());
     EXPECT_EQ(socket.State(), SocketState::ResolvingHost);
+    EXPECT_THROW(socket.SendData("x"), Error);
+    EXPECT_THROW(socket.Connect(), Error);
     EXPECT_TRUE(Wait([&] { return said == "close"; }));
     EXPECT_EQ(socket.State(), SocketState::Closing);
     EXPECT_EQ(socket.PeekData(6), "last w");
@@ -141,6 +113,37 @@ TEST_F(NetTest, NamesAreLookedUpBesideTheProgramAndFailuresAreEvents) {
     EXPECT_THROW(socket.SendData("x"), Error);
     socket.Close();
     EXPECT_EQ(socket.GetData(), "");
+}
+
+TEST_F(NetTest, TheFakeSocketOfTheOtherSuitesTellsWhatTheRealOneTells) {
+    VirtualWorld world(DateTime::Of(2026, 11, 21));
+    VirtualNet net(world);
+    VirtualTcpSocket fake(net);
+    const LoopbackServer server([](Peer& peer) {
+        peer.Send("220");
+        if (peer.ReadUntil("\r\n") == "QUIT\r\n") peer.Send("221");
+    });
+    net.Host("127.0.0.1").Port(server.Port()).Speak("220").OnLine("QUIT", "221").Close();
+    std::vector<std::string> told;
+    for (TcpSocket* const each : std::initializer_list<TcpSocket*>{&socket, &fake}) {
+        std::string& all = told.emplace_back();
+        const auto add = [&](const std::string& text) { all += text + std::to_string(static_cast<int>(each->State())) + " "; };
+        const auto arrival = [&] { add(each->GetData()), all.size() < 20 ? each->SendData("QUIT\r\n") : void(); };
+        each->SetHandlers({arrival,
+                           [&] { add("close"); },
+                           [&](int number, auto&) { add(std::to_string(number) + "."); },
+                           [&] { add("connect"); },
+                           {},
+                           [&] { add("complete"); }});
+        for (const auto& [host, port] :
+             {std::pair{"127.0.0.1", server.Port()}, {"127.0.0.1", RefusingPort()}, {"no..host", 25}}) {
+            each->Connect(host, port);
+            EXPECT_TRUE(Wait([&] { return world.RunFor(1ms), each->State() > SocketState::Connected; })) << all;
+            each->Close();
+        }
+    }
+    EXPECT_EQ(told[0], told[1]);
+    EXPECT_EQ(told[0], "connect7 2207 complete7 2217 close8 10061.9 11001.9 ");
 }
 
 TEST_F(NetTest, WhatIsSentIsReportedAndASocketCanBeConnectedAgainInsideItsOwnEvents) {
