@@ -5,6 +5,19 @@
 
 namespace korvane::outcome_test {
 
+TEST(OnceAnOutage, ActsOnceOnEachOutageAndItsEndUntilItIsForgotten) {
+    OnceAnOutage once;
+    int acts = 0;
+    const auto act = [&] { return std::to_string(++acts); };
+    for (const auto& [id, expected] : {std::pair(7, "1"), {7, "1"}, {8, "3"}, {7, "1"}}) {
+        EXPECT_EQ(once.OnOutage(id, act), expected);
+        once.OnRecovery(id, act);
+    }
+    once.Forget(7);
+    EXPECT_FALSE(once.ActedOnOutage(7) || once.ActedOnRecovery(7));
+    EXPECT_TRUE(once.ActedOnOutage(8) && once.ActedOnRecovery(8));
+}
+
 TEST(Accounting, KeepsTheAverages) {
     Engine engine({Web({{"nIntervalSeconds", 3}})});
     engine.page.Answer("ok", 200ms).Fail("no", 500ms).Answer("ok", 150ms).Silent();
