@@ -3,8 +3,7 @@
 
 #include "system/servers.h"
 
-namespace korvane::test {
-namespace {
+namespace korvane::test::mail_test {
 
 const std::string kEntry =
     Due("TCP", "127.0.0.1", kNobody, "220",
@@ -96,20 +95,4 @@ TEST(Mail, OfTheDailyProofIsReadBackUnderTlsAndDeleted) {
     EXPECT_EQ(Count(Arrived(postfix, "boxes/box/cur") + Arrived(postfix, "boxes/box/new"), "\n"), Count(before, "\n"));
 }
 
-TEST(Mail, GoesThroughTheBackupAfterARefusal) {
-    KORVANE_NEEDS("aiosmtpd");
-    const Played servers("127.0.0.22:25=login 127.0.0.23:25='452 4.3.1 Insufficient system storage'");
-    const std::string refusing = "Server=127.0.0.23\nSMTPUser2=operator\nSMTPPass2=open sesame\n" + kBegin;
-    Program takes("ServerBackup=127.0.0.22\n" + refusing, kEntry), refuses("ServerBackup=127.0.0.23\n" + refusing, kEntry);
-    for (const auto& [program, action] : {std::pair{&takes, "successfully sent to: 'person@elsewhere.example '."},
-                                          std::pair{&refuses, "Server replied: 452 4.3.1 Insufficient system storage"}}) {
-        program->Start();
-        EXPECT_TRUE(program->Becomes("SELECT count(*) FROM Failures", "1\n")) << program->Output();
-        EXPECT_TRUE(Holds(program->Query("SELECT strAction FROM Failures"), action)) << program->Output();
-        program->Stop();
-    }
-    EXPECT_EQ(Arrived(servers, "mails"), "by 127.0.0.22" + kOutage);
-}
-
-}  // namespace
-}  // namespace korvane::test
+}  // namespace korvane::test::mail_test

@@ -15,7 +15,7 @@ namespace korvane::test {
 /// The first of the ports of all real servers. nginx has +0 (HTTP), +1 (HTTPS) and +2 to +4 (HTTPS with certificates that are
 /// expired, of an unknown authority, of another name) and +20000 (HTTP again). Nobody listens on +10.
 const int kBase = 20000 + getpid() % 1000 * 12;
-const int kPop3 = kBase + 5, kImap = kBase + 6, kSmtp = kBase + 7, kFtp = kBase + 8, kProxy = kBase + 9, kNobody = kBase + 10;
+const int kPop3 = kBase + 5, kImap = kBase + 6, kSmtp = kBase + 7, kNobody = kBase + 10;
 
 inline bool Connects(const std::string& address, int port) {
     const Descriptor client(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));

@@ -28,7 +28,6 @@ case $server in
 nginx)
     certify_all 127.0.0.1
     echo "operator:{PLAIN}open sesame" >users
-    printf '\211PNG\r\n\032\n\000\000\000\rIHDR' >picture
     serve() { echo "server { listen 127.0.0.1:$1${2:+ ssl; ssl_certificate $2.pem; ssl_certificate_key $2.key}; include pages; }"; }
     { serve "$base" && serve $((base + 1)) good && serve $((base + 2)) expired && serve $((base + 3)) unknown &&
         serve $((base + 4)) other && serve $((base + 20000)); } >servers
@@ -37,13 +36,8 @@ nginx)
         location = /private { auth_basic private; auth_basic_user_file users; echo "Hi, \$remote_user"; }
         location = /moved { return 302 /moved-again; }
         location = /moved-again { return 301 https://localhost:$((base + 1))/page; }
-        location = /loop { return 302 /loop; }
-        location = /cookie { if (\$cookie_seen) { return 200 "Welcome back\n"; } add_header Set-Cookie seen=1; return 302 /cookie; }
         location = /empty { return 200 ""; }
         location = /late { echo_sleep 60; echo "Welcome at last"; }
-        location = /picture { default_type image/png; alias picture; }
-        location = /big { echo_duplicate 50000000 a; echo end; }
-        location = /too-big { echo_duplicate 70000000 a; echo end; }
 END
     cat >nginx.conf <<END
         load_module /usr/lib/nginx/modules/ngx_http_echo_module.so;
@@ -54,14 +48,6 @@ END
         }
 END
     start nginx -p "$home" -c nginx.conf -e output ;;
-squid)
-    printf '%s\n' "http_port 127.0.0.1:$base" "http_access allow all" "cache deny all" "pid_filename none" "pinger_enable off" \
-        "visible_hostname localhost" "access_log stdio:$home/answers" "cache_log $home/output" "coredump_dir $home" >squid.conf
-    start squid -N -n "korvane$base" -f "$home/squid.conf" ;;
-vsftpd)
-    printf '%s\n' listen=YES listen_address=127.0.0.1 "listen_port=$base" background=NO run_as_launching_user=YES \
-        seccomp_sandbox=NO xferlog_enable=NO "secure_chroot_dir=$home" >vsftpd.conf
-    start vsftpd "$home/vsftpd.conf" ;;
 dovecot) # POP3, IMAP, SMTP for submission, and logins for Postfix
     chmod 711 .
     echo "operator:{PLAIN}open sesame" >users
