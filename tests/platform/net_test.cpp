@@ -301,7 +301,6 @@ TEST_F(NetTest, ACertificateMustBeGoodAndOfTheHostThatWasAsked) {
     EXPECT_TRUE(Wait([&] { return Holds(fetch("localhost"), "s_server"); }));
     EXPECT_TRUE(Holds(fetch("127.0.0.1"), "error: SSL")) << fetch("127.0.0.1");
 
-    std::string said;
     socket.SetHandlers({.dataArrival = [&] { said += socket.GetData(); },
                         .close = [&] { said += " closed"; },
                         .error = [&](int, const std::string& reason) { said += "error: " + reason; },
