@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "engine/engine_test.h"
+#include "engine/once_an_outage.h"
 
 namespace korvane::outcome_test {
 
