@@ -22,7 +22,7 @@ TEST(HttpStatusSafeguard, AStatusFromFourHundredOnFailsUnlessTheEntryCallsItGood
         {on, {Kind::Failure, "refused", 1ms}, "", "Failing", "Reason 'refused' ", 1},
         {"", {Kind::OtherHost, "evil", 1ms}, "", "UP", "evil", 1},
         {"SameHostRedirects=True",
-         {Kind::OtherHost, "evil", 700ms},
+         {Kind::OtherHost, "evil", 1ms},
          "",
          "Failing",
          "Reason 'Redirected to another host: evil' ",
