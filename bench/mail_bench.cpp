@@ -78,7 +78,8 @@ BENCHMARK(BM_EsmtpMailToThisMachine)->Unit(benchmark::kMillisecond)->UseRealTime
 void BM_PlainMailToThisMachine(benchmark::State& state) {
     Desk desk;
     LoopbackServer server(Serve);
-    PlainMailer mailer({desk.socket, desk.clock, desk.events, desk.person, desk.status, desk.log}, server.Port());
+    PlainMailer mailer({desk.socket, desk.clock, desk.events, desk.person, desk.status, desk.log});
+    mailer.SetSecurity({.port = server.Port()});
     std::string error;
     for (auto _ : state) {
         if (!mailer.SendPlainMail("you@example.com", "you", "me", "me@example.com", "Down", "A server failed.", "127.0.0.1", "",

@@ -83,7 +83,7 @@ public:
         std::string strUser = {};
         std::string strPassword = {};
         std::chrono::seconds nTimeout = kNewTimeout;
-        std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
+        std::int32_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
         /// Returns the entry's own list of statuses that count as good; called only when it is needed, and its errors are passed
         /// on. Empty when no entry is checked: then no safeguard applies.
         std::function<std::string()> goodStatuses = {};

@@ -64,8 +64,9 @@ std::string SubjectOf(const std::string& strText, const std::string& strEmailDes
 Dispatcher::Dispatcher(const Ports& ports, Options options)
     : ports_(ports),
       options_(std::move(options)),
-      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, ports.trace},
-                   options_.smtpPort) {}
+      hidden_(ports.safeguards, ports.settings),
+      trace_(ports.trace, hidden_),
+      plainMailer_({ports.plainSocket, ports.clock, ports.events, ports.person, ports.status, ports.log, &trace_}) {}
 
 SendOutcome Dispatcher::SendEmail(Notification mail, const Account& account) {
     if (mail.strTo1.empty()) return {};
@@ -106,27 +107,31 @@ SendOutcome Dispatcher::SendToEach(const std::string& strTo1, const std::string&
 SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
     SendOutcome outcome;
     try {
-        outcome =
-            message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message) : SendThroughEsmtp(recipient, message);
+        const MailSecurity security = SecurityOf(ports_.safeguards, message.account.server, options_.smtpPort);
+        outcome = message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message, security)
+                                                  : SendThroughEsmtp(recipient, message, security);
     } catch (const std::exception& error) {
         outcome.strError = error.what();
     }
-    outcome.strError = WithoutControls(outcome.strError);  // it contains the server's words
+    outcome.strError = hidden_.In(WithoutControls(outcome.strError));  // it contains the server's words
     return outcome;
 }
 
-SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message) {
+SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, const Message& message,
+                                               const MailSecurity& security) {
     SendOutcome outcome;
+    plainMailer_.SetSecurity(security);
     outcome.sent = plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
                                               message.strBody, message.account.strServer, Zone(), outcome.strError, "", "");
     return outcome;
 }
 
-SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message) {
-    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, ports_.trace}, ports_.sckesmtp);
+SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Message& message, const MailSecurity& security) {
+    clsEsmtp mycls({ports_.files, ports_.clock, ports_.events, ports_.guids, &trace_}, ports_.sckesmtp);
     mycls.SetHandlers({.StateChange = [&](int State) { mycls_StateChange(mycls, State); }});
     mycls.SmtpHost = message.account.strServer;
-    mycls.smtpport = options_.smtpPort;
+    mycls.smtpport = security.port;
+    mycls.security = security;
     mycls.POPhost = message.account.strPopHost;
     mycls.popPort = options_.popPort;
     mycls.UserID = message.account.strUser;
@@ -166,7 +171,7 @@ void Dispatcher::mycls_StateChange(const clsEsmtp& mycls, int State) {
 
 Dispatcher::Account Dispatcher::AccountOf(MailServer server) const {
     const ServerKeys& keys = server == MailServer::Primary ? kPrimaryKeys : kBackupKeys;
-    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost)};
+    return {Setting(keys.server), Setting(keys.user), Setting(keys.password), Setting(keys.popHost), server};
 }
 
 SendOutcome Dispatcher::SendThrough(MailServer server, const Notification& notification) {
@@ -180,6 +185,30 @@ SendOutcome Dispatcher::SendWithBackup(const Notification& notification,
     if (primaryFailed) primaryFailed(primary.strError);
     if (Setting(kBackupKeys.server).size() <= kTooShortForBackup) return primary;
     return SendThrough(MailServer::Backup, notification);
+}
+
+std::optional<MailSecurity> Dispatcher::FindSecurity(const std::string& host,
+                                                     const std::function<void(const std::string& text)>& tell) {
+    if (sending_) {
+        tell("A mail is being sent. Try again when it is done.");
+        return std::nullopt;
+    }
+    const RaisedFlag guard(sending_);
+    for (const MailSecurity& offer : kUsualOffers) {
+        const std::string what = host + ", port " + std::to_string(offer.port) + ", " + std::string(NameOf(offer.encryption));
+        tell("Trying " + what + "...");
+        clsEsmtp attempt({ports_.files, ports_.clock, ports_.events, ports_.guids, &trace_}, ports_.sckesmtp);
+        attempt.SmtpHost = host;
+        attempt.smtpport = offer.port;
+        attempt.security = offer;
+        attempt.security.authorities = ports_.safeguards.Text("SMTPAuthority");
+        if (attempt.TryConnection()) {
+            tell(what + ": the server offers it, and its certificate is good.");
+            return offer;
+        }
+        tell(what + ": " + TrimAll(WithoutControls(attempt.ErrorLog)));
+    }
+    return std::nullopt;
 }
 
 void Dispatcher::TestEmail(std::string strTo1, std::string strTo2, bool bNoDefaultBody, const std::string& strBody1,
@@ -203,6 +232,7 @@ bool Dispatcher::RunTest(const Notification& test, const std::string& backup) {
     if (test.strTo1.empty()) return true;  // nothing was tried
     const bool primarySent = TestThrough(MailServer::Primary, Setting("Server"), test);
     const bool backupSent = Trim(backup).empty() || TestThrough(MailServer::Backup, backup, test);
+    if (ports_.alertPath != nullptr) ports_.alertPath->TestMail(primarySent && backupSent);
     return primarySent && backupSent;
 }
 

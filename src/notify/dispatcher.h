@@ -4,14 +4,19 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "notify/esmtp.h"
+#include "notify/hidden_passwords.h"
+#include "notify/mail_security.h"
 #include "notify/mail_trace.h"
 #include "notify/plain_mailer.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
+#include "store/alert_path.h"
 #include "store/log.h"
+#include "store/safeguards.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
 
@@ -25,9 +30,6 @@ struct Notification {
     std::string strSubject;
     std::string strBody;
 };
-
-/// The two sets of settings that name a mail server.
-enum class MailServer { Primary, Backup };
 
 struct SendOutcome {
     bool sent = false;
@@ -47,12 +49,14 @@ public:
         StatusLog& status;
         Log& log;
         const SettingsCollection& settings;
+        Safeguards& safeguards;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
         MailTrace* trace = nullptr;         ///< of the SMTP conversations; null: no trace
+        AlertPath* alertPath = nullptr;     ///< learns the result of each test mail
     };
 
     struct Options {
-        std::int32_t smtpPort = 25;  ///< tests use other ports
+        std::int32_t smtpPort = 25;  ///< of a server without security and port of its own; tests use other ports
         std::int32_t popPort = 110;
         std::string contactAddress = {};  ///< the product's own mailbox, which gets no status line
     };
@@ -73,6 +77,10 @@ public:
     SendOutcome SendWithBackup(const Notification& notification,
                                const std::function<void(const std::string& strError)>& primaryFailed = {});
 
+    /// Tries which encryption the server `host` offers, the best first, with a certificate that is good. Returns nothing if there
+    /// is none. `tell` receives a sentence about each attempt. Waits through the event pump up to 30 seconds for each reply.
+    std::optional<MailSecurity> FindSecurity(const std::string& host, const std::function<void(const std::string& text)>& tell);
+
     /// The operator's test mail, with a question before and the results in message boxes: sends through the primary server and,
     /// if set, also through the backup. `done` receives true when every attempted send succeeded, false when one failed or the
     /// operator declined.
@@ -86,6 +94,7 @@ private:
         std::string strUser;
         std::string strPass;
         std::string strPopHost;
+        MailServer server = MailServer::Primary;
     };
     /// The message while it goes to one recipient after the other; its sender may become the first of them.
     struct Message {
@@ -100,8 +109,8 @@ private:
     SendOutcome SendEmail(Notification mail, const Account& account);
     SendOutcome SendToEach(const std::string& strTo1, const std::string& everybody, Message& message);
     SendOutcome SendToOne(const std::string& recipient, const Message& message);
-    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message);
-    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message);
+    SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message, const MailSecurity& security);
+    SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message, const MailSecurity& security);
     void mycls_StateChange(const clsEsmtp& mycls, int State);
     bool RunTest(const Notification& test, const std::string& backup);
     bool TestThrough(MailServer server, const std::string& name, const Notification& test);
@@ -113,6 +122,8 @@ private:
 
     Ports ports_;
     Options options_;
+    HiddenPasswords hidden_;
+    HidingTrace trace_;
     PlainMailer plainMailer_;
     bool sending_ = false;
 };

@@ -42,12 +42,21 @@ void clsEsmtp::Reset() {
 bool clsEsmtp::SendMail() {
     Prepare();
     if (!Trim(POPhost).empty()) LoginToPop();
-    const bool delivered = Connect() && SayHello() && Authenticate() && NameSender() && NameRecipients() && BeginData() &&
-                           SendMessage() && EndData();
+    const bool delivered = Connect() && SayHello() && StartTls() && Authenticate() && NameSender() && NameRecipients() &&
+                           BeginData() && SendMessage() && EndData();
     if (delivered) Quit();
     Hangup();
     if (!delivered) Report();
     return delivered;
+}
+
+bool clsEsmtp::TryConnection() {
+    ErrorLog.clear();
+    if (sckInternet.State() != SocketState::Closed) sckInternet.Close();
+    const bool reached = Connect() && SayHello() && StartTls();
+    if (reached) Ask("QUIT");
+    Hangup();
+    return reached;
 }
 
 void clsEsmtp::Prepare() {
@@ -60,6 +69,7 @@ void clsEsmtp::Prepare() {
 bool clsEsmtp::Connect() {
     wire_.Open(SmtpHost, smtpport, ReplyKind::Smtp);
     Raise(kConnecting);
+    if (security.encryption == Encryption::Tls && !Encrypt(SmtpHost)) return false;
     if (wire_.SmtpReply() != kServiceReady) {
         Complain(
             sckInternet.State() == SocketState::Connected
@@ -81,6 +91,23 @@ bool clsEsmtp::SayHello() {
 bool clsEsmtp::SayPlainHello() {
     if (!SendLine("HELO " + OwnAddress())) return End("Couldn't send fallback HELO");
     return Expect({kDone}, wire_.SmtpReply(), kNotPositive, "Got 500,502, or 554 and expected 250. Didn't receive it.");
+}
+
+// What the server offered in clear no longer counts, so it is asked again.
+bool clsEsmtp::StartTls() {
+    if (security.encryption != Encryption::StartTls) return true;
+    if (!wire_.OffersStartTls()) {
+        Complain(kNoStartTls);
+        return false;
+    }
+    if (!Expect({kServiceReady}, Ask("STARTTLS"), kRefusedStartTls)) return false;
+    return Encrypt(SmtpHost) && SayHello();
+}
+
+bool clsEsmtp::Encrypt(const std::string& host) {
+    const std::string problem = wire_.Encrypt(host, security.authorities);
+    if (!problem.empty()) Complain(problem);
+    return problem.empty();
 }
 
 // Servers accept a bare IPv4 address; an IPv6 address must be a literal (RFC 5321, section 4.1.3), which has no zone.

@@ -1,5 +1,5 @@
 // Sends one mail to one server over one connection: first an optional POP login, then SMTP (RFC 5321) with a login (RFC 4954) if
-// the server offers one.
+// the server offers one. With security, all of it but the greeting is under TLS, or the mail fails.
 #pragma once
 
 #include <functional>
@@ -72,6 +72,10 @@ public:
     /// each POP reply, and 60 for each piece that the socket cannot send. Throws nothing.
     bool SendMail();
 
+    /// Only tries whether the server can be spoken to as `security` says: connects and says hello. On false ErrorLog has the
+    /// reason. Waits as SendMail does, and throws nothing.
+    bool TryConnection();
+
     /// Returns the first four characters of the latest reply.
     const std::string& strLastData() const { return wire_.LastData(); }
 
@@ -82,6 +86,8 @@ private:
     bool Connect();
     bool SayHello();
     bool SayPlainHello();
+    bool StartTls();
+    bool Encrypt(const std::string& host);
     std::string OwnAddress() const;
     bool Authenticate();
     bool NameSender();

@@ -36,8 +36,10 @@ void clsEsmtp::LoginToPop() {
 }
 
 bool clsEsmtp::ConnectToPop() {
-    wire_.Open(POPhost, popPort, ReplyKind::Pop);
+    const bool encrypted = security.encryption != Encryption::None;
+    wire_.Open(POPhost, encrypted ? kPopTlsPort : popPort, ReplyKind::Pop);
     Raise(kPopConnecting);
+    if (encrypted && !Encrypt(POPhost)) return false;
     if (!ExpectOk("Unable to connect to POP host for authorization")) return false;
     Raise(kPopConnected);
     popUser_ = UserID;

@@ -8,6 +8,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "notify/encodings.h"
+#include "notify/mime_text.h"
 
 namespace korvane {
 namespace {
@@ -173,9 +174,19 @@ std::string ParseRecipients(std::string_view list, std::vector<std::string>& rec
     return ReplaceAll(ReplaceAll(normalised, " , ", ","), " ; ", ";");
 }
 
+void MailMessage::EncodeText(std::string_view type, std::string& body, std::string& headers) {
+    MimeText mime = AsMimeText(type, body);
+    body = std::move(mime.text);
+    headers = std::move(mime.headers);
+}
+
 void MailMessage::Prepare(const ReadFileError& failed) {
     ChooseBoundaries();
     EncodeAttachments(failed);
+    if (mail_.security.strict) {
+        EncodeText("text/plain", mail_.plainMessage, plainHeaders_);
+        EncodeText("text/html", mail_.htmlMessage, htmlHeaders_);
+    }
     mail_.plainMessage = StuffDots(mail_.plainMessage);
     mail_.htmlMessage = StuffDots(mail_.htmlMessage);
 }
@@ -215,19 +226,25 @@ bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece&
     const auto optional = [&](const char* name, const std::string& value) { return value.empty() || line(name + value); };
     std::vector<std::string> unused;
     const std::string replyTo = ParseRecipients(mail_.emailReplyTo, unused);
+    const bool strict = mail_.security.strict;
 
-    return line("From: " + Mailbox(mail_.emailFromName, mail_.emailFromAddress) + "\r\nTo:" + mail_.emailTo) &&
+    return line("From: " +
+                (strict ? AsMailbox(mail_.emailFromName, mail_.emailFromAddress)
+                        : Mailbox(mail_.emailFromName, mail_.emailFromAddress)) +
+                "\r\nTo:" + mail_.emailTo) &&
            (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                   //
            optional("Cc: ", mail_.emailCC) &&                                                //
-           line("Subject: " + mail_.subject) &&                                              //
+           line("Subject: " + (strict ? AsHeaderText(mail_.subject) : mail_.subject)) &&     //
            line("Date: " + date) &&                                                          //
            line("Message-ID: <" + NewGuidText(ports_.guids) + "@" + localHostName + ">") &&  //
            optional("X-Priority: ", mail_.emailXPriority) &&                                 //
            optional("X-Sender: ", mail_.emailXSender) &&                                     //
-           optional("X-Mailer: ", mail_.emailXMailer);
+           optional("X-Mailer: ", mail_.emailXMailer) &&                                     //
+           (!strict || line("MIME-Version: 1.0"));
 }
 
 bool MailMessage::SendBody(const SendPiece& send) const {
+    if (mail_.security.strict) return SendStrictBody(send);
     const bool attached = !attachments_.empty();
     const bool html = !mail_.htmlMessage.empty();
     if (!attached && !html) return send("\r\n" + mail_.plainMessage + "\r\n");
@@ -237,6 +254,19 @@ bool MailMessage::SendBody(const SendPiece& send) const {
     if (!send(TextPiece())) return false;
     if (html && !send(HtmlPiece())) return false;
     return std::all_of(attachments_.begin(), attachments_.end(), send);
+}
+
+// Every part has an empty line between its headers and its text, and every multipart is closed.
+bool MailMessage::SendStrictBody(const SendPiece& send) const {
+    const std::string text = plainHeaders_ + "\r\n" + mail_.plainMessage + "\r\n";
+    const std::string html = htmlHeaders_ + "\r\n" + mail_.htmlMessage + "\r\n";
+    const std::string body = mail_.htmlMessage.empty()
+                                 ? text
+                                 : MultipartType(kAlternative, boundaryTwo_) + "\r\n" + Delimiter(boundaryTwo_) + text +
+                                       Delimiter(boundaryTwo_) + html + "--" + boundaryTwo_ + "--\r\n";
+    if (attachments_.empty()) return send(body);
+    return send(MultipartType(kMixed, boundaryOne_) + "\r\n" + Delimiter(boundaryOne_) + body) &&
+           std::all_of(attachments_.begin(), attachments_.end(), send) && send("--" + boundaryOne_ + "--\r\n");
 }
 
 // All text is labelled us-ascii, whatever it contains.

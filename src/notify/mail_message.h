@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/datetime.h"
+#include "notify/mail_security.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/files.h"
@@ -40,6 +41,7 @@ struct MailProperties {
     std::string emailXSender;
     std::string emailXPriority;
     std::string emailTimeZoneAdjust;  ///< zone of the Date header, which then has local time; empty: UTC
+    MailSecurity security = {};       ///< of the SMTP server, and of the POP server; its port does not count
 };
 
 /// Returns "Sat, 21 Nov 2026 15:04:05 -0500" for the zone "-0500", with local time; without a zone UTC and "-0000".
@@ -86,8 +88,8 @@ public:
     /// an entry without a name is removed from the list.
     void Prepare(const ReadFileError& failed);
 
-    /// Sends headers and body, without the end-of-data dot, and returns whether all pieces were sent. No multipart is ever closed
-    /// by its "--boundary--" line: readers accept the end of the mail instead.
+    /// Sends headers and body, without the end-of-data dot, and returns whether all pieces were sent. Only in a strict
+    /// mail is a multipart closed by its "--boundary--" line: readers accept the end of the mail instead.
     bool Send(const std::string& localHostName, const SendPiece& send) const;
 
 private:
@@ -95,12 +97,16 @@ private:
     void ChooseBoundaries();
     bool SendHeaders(const std::string& localHostName, const SendPiece& send) const;
     bool SendBody(const SendPiece& send) const;
+    bool SendStrictBody(const SendPiece& send) const;
+    static void EncodeText(std::string_view type, std::string& body, std::string& headers);
     std::string TextPiece() const;
     std::string HtmlPiece() const;
 
     Ports ports_;
     MailProperties& mail_;
     std::vector<std::string> attachments_;  ///< each as its piece
+    std::string plainHeaders_;              ///< of a strict mail: the headers of the two bodies
+    std::string htmlHeaders_;
     std::string boundaryOne_;
     std::string boundaryTwo_;
 };

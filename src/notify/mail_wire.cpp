@@ -6,6 +6,7 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "platform/wait.h"
 
 namespace korvane {
 namespace {
@@ -15,6 +16,8 @@ using std::chrono::milliseconds;
 constexpr double kSilentSeconds = 60;  ///< limit for the socket while it sends
 constexpr int kSmtpTries = 30;         ///< one second each
 constexpr int kPopTries = 60;
+
+constexpr std::chrono::seconds kEncryptionLimit{30};
 
 /// Midnight raises no event, so a wait checks for it at this interval.
 constexpr milliseconds kLookAgain{1000};
@@ -26,14 +29,55 @@ milliseconds Until(double moment, double now) {
 
 }  // namespace
 
-MailWire::MailWire(TcpSocket& socket, MailTrace* trace, TcpSocket::Handlers handlers) : socket_(socket), trace_(trace) {
-    socket_.SetHandlers(std::move(handlers));
+MailWire::MailWire(TcpSocket& socket, const Clock& clock, Events& events, MailTrace* trace, TcpSocket::Handlers handlers)
+    : socket_(socket), clock_(clock), events_(events), trace_(trace), handlers_(std::move(handlers)) {
+    TcpSocket::Handlers own = handlers_;
+    own.error = [this](int number, const std::string& description) {
+        failure_ = Or(description, "error " + std::to_string(number));
+        if (handlers_.error) handlers_.error(number, description);
+    };
+    own.connect = [this] {
+        if (handlers_.connect) handlers_.connect();
+        if (encryptWhenConnected_) StartEncryption();
+    };
+    own.encrypted = [this] { encrypted_ = true; };
+    socket_.SetHandlers(std::move(own));
 }
 
 void MailWire::Open(const std::string& host, std::int32_t port) {
     socket_.SetLocalPort(0);
     socket_.SetProtocol(SocketProtocol::Tcp);
-    socket_.Connect(host, port);
+    encryptWhenConnected_ = encrypted_ = false;
+    failure_.clear();
+    try {
+        socket_.Connect(host, port);
+    } catch (const std::exception& error) {
+        failure_ = error.what();
+        throw;
+    }
+}
+
+std::string MailWire::Encrypt(const std::string& host, const std::string& authorities) {
+    host_ = host;
+    authorities_ = authorities;
+    if (socket_.State() == SocketState::Connected) {
+        StartEncryption();
+    } else {
+        encryptWhenConnected_ = true;
+    }
+    const auto ended = [this] { return socket_.State() == SocketState::Closing || socket_.State() == SocketState::Closed; };
+    const bool decided = WaitFor(events_, clock_, kEncryptionLimit, [&] { return encrypted_ || !failure_.empty() || ended(); });
+    if (encrypted_) return "";
+    return "No encrypted connection to " + host + ": " +
+           Or(failure_, decided ? "the server closed the connection" : "no answer within 30 seconds");
+}
+
+void MailWire::StartEncryption() {
+    try {
+        socket_.StartEncryption(host_, authorities_);
+    } catch (const std::exception& error) {
+        failure_ = error.what();
+    }
 }
 
 void MailWire::Send(std::string_view bytes, const std::string& shown) {
@@ -50,7 +94,7 @@ void MailWire::ShowReceived(std::string_view reply) {
 }
 
 EsmtpWire::EsmtpWire(TcpSocket& socket, const Clock& clock, Events& events, MailTrace* trace, SocketError socketError)
-    : MailWire(socket, trace,
+    : MailWire(socket, clock, events, trace,
                {
                    .dataArrival = [this] { DataArrival(); },
                    .close = [this] { SocketClosed(); },
@@ -67,14 +111,19 @@ EsmtpWire::EsmtpWire(TcpSocket& socket, const Clock& clock, Events& events, Mail
                        },
                    .sendProgress = [this](std::size_t, std::size_t) { sent_ = Sent::Part; },
                    .sendComplete = [this] { sent_ = Sent::All; },
-               }),
-      clock_(clock),
-      events_(events) {}
+               }) {}
 
 void EsmtpWire::Open(const std::string& host, std::int32_t port, ReplyKind kind) {
     kind_ = kind;
     arrived_ = Arrived::Nothing;
     if (!IgnoreErrors([&] { MailWire::Open(host, port); })) arrived_ = Arrived::Other;
+}
+
+std::string EsmtpWire::Encrypt(const std::string& host, const std::string& authorities) {
+    arrived_ = Arrived::Nothing;
+    mechanisms_ = {};
+    offersStartTls_ = false;
+    return MailWire::Encrypt(host, authorities);
 }
 
 std::string_view EsmtpWire::Send(std::string_view text, const std::string& shown) {
@@ -153,10 +202,10 @@ std::optional<int> EsmtpWire::CodeOfReply(bool& multiLine, int& greeting) {
     const std::string first = lastReply_.substr(0, 4);
     if (first == "250-") {
         multiLine = true;
-        ParseAuthMechanisms(lastReply_, mechanisms_);
+        ReadOffers();
         if (!Holds(lastReply_, "\r\n250 ")) return std::nullopt;
     } else if (first == "250 " || first == "\r250") {
-        if (multiLine) ParseAuthMechanisms(lastReply_, mechanisms_);
+        if (multiLine) ReadOffers();
     } else if (first == "220-") {
         greeting = ReplyCode(first);
         return std::nullopt;
@@ -164,6 +213,11 @@ std::optional<int> EsmtpWire::CodeOfReply(bool& multiLine, int& greeting) {
         challenge_ = taken_.substr(4, taken_.size() - 6);
     }
     return ReplyCode(first);
+}
+
+void EsmtpWire::ReadOffers() {
+    ParseAuthMechanisms(lastReply_, mechanisms_);
+    offersStartTls_ = offersStartTls_ || korvane::OffersStartTls(lastReply_);
 }
 
 // Data that was sent or received before the server closed still counts: a server may refuse mail, or say goodbye, and close

@@ -20,13 +20,19 @@ namespace korvane {
 class MailWire {
 public:
     /// `trace` is null for no trace. Nothing else may use the socket and receive its events while this object lives.
-    MailWire(TcpSocket& socket, MailTrace* trace, TcpSocket::Handlers handlers);
+    MailWire(TcpSocket& socket, const Clock& clock, Events& events, MailTrace* trace, TcpSocket::Handlers handlers);
     ~MailWire() { socket_.SetHandlers({}); }
     MailWire(const MailWire&) = delete;
     MailWire& operator=(const MailWire&) = delete;
 
     /// Begins to connect. Throws Error, as TcpSocket::Connect does.
     void Open(const std::string& host, std::int32_t port);
+
+    /// Begins TLS on the connection to `host`, as soon as it is there, and waits for it up to 30 seconds. Returns why the
+    /// connection is not encrypted; an empty text if it is.
+    std::string Encrypt(const std::string& host, const std::string& authorities);
+    /// Returns the reason if the connection or the attempt to connect has failed; otherwise an empty text.
+    const std::string& Failure() const { return failure_; }
 
     /// Queues the bytes and shows them as `shown`, if that is not empty. Throws Error, as TcpSocket::SendData does.
     void Send(std::string_view bytes, const std::string& shown);
@@ -36,9 +42,19 @@ public:
 
 protected:
     TcpSocket& socket_;
+    const Clock& clock_;
+    Events& events_;
 
 private:
+    void StartEncryption();
+
     MailTrace* trace_;
+    TcpSocket::Handlers handlers_;
+    bool encryptWhenConnected_ = false;
+    bool encrypted_ = false;
+    std::string host_;
+    std::string authorities_;
+    std::string failure_;
 };
 
 /// The wire of clsEsmtp: a text is sent completely before the next one, and replies are whole lines. The socket's events set two
@@ -51,6 +67,8 @@ public:
 
     /// Connects to a server of this kind. If the connection cannot even be attempted, the wait for the greeting ends at once.
     void Open(const std::string& host, std::int32_t port, ReplyKind kind);
+    /// As MailWire does. What the server said before counts no longer: anybody could have said it.
+    std::string Encrypt(const std::string& host, const std::string& authorities);
 
     /// Sends the text and waits while there is progress at least every 60 seconds. Returns the problem if the socket does not
     /// take the text; otherwise an empty text, even if it could not send everything: the wait for the reply then detects that.
@@ -62,6 +80,7 @@ public:
     bool PopReply();
 
     const AuthMechanisms& Mechanisms() const { return mechanisms_; }
+    bool OffersStartTls() const { return offersStartTls_; }
     /// Returns the text of the latest 334 reply.
     const std::string& Challenge() const { return challenge_; }
     /// Returns the latest reply without its last line end.
@@ -81,15 +100,15 @@ private:
     Arrived WaitForArrival();
     bool TakeWholeLines();
     std::optional<int> CodeOfReply(bool& multiLine, int& greeting);
+    void ReadOffers();
     void DataArrival();
     void SocketClosed();
 
-    const Clock& clock_;
-    Events& events_;
     ReplyKind kind_ = ReplyKind::Unknown;  ///< what the server is; unknown after it closed the connection
     Sent sent_ = Sent::Nothing;
     Arrived arrived_ = Arrived::Nothing;
     AuthMechanisms mechanisms_;
+    bool offersStartTls_ = false;
     std::string lastData_;
     std::string taken_;  ///< the latest reply with its line ends, as bytes
     std::string lastReply_;

@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "notify/mail_message.h"
+#include "notify/mime_text.h"
 #include "notify/smtp_reply.h"
 #include "platform/wait.h"
 
@@ -34,10 +35,9 @@ struct PlainMailer::Mail {
     std::string body;
 };
 
-PlainMailer::PlainMailer(const Ports& ports, std::int32_t port)
+PlainMailer::PlainMailer(const Ports& ports)
     : ports_(ports),
-      port_(port),
-      wire_(ports.socket, ports.trace,
+      wire_(ports.socket, ports.clock, ports.events, ports.trace,
             {
                 .dataArrival =
                     [this] {
@@ -59,15 +59,23 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
     ports_.person.SetWaitCursor(true);
     const std::string from = WithoutLineEnds(strFromAddress);
     const std::string to = WithoutLineEnds(strToAddress);
-    std::string headers = "From: " + Mailbox(WithoutLineEnds(strFromName), from) + "\r\n" +
-                          "Date: " + MailDate(ports_.clock.Now(), ports_.clock.UtcNow(), strZone) + "\r\n" + "X-Priority: 1\r\n" +
-                          "X-Sender: " + from + "\r\n" + "X-Mailer: Brellix Automated Mailer\r\n" +
-                          "To: " + Mailbox(WithoutLineEnds(strToName), to) + "\r\n" + "Subject: " + WithoutLineEnds(strSubject) +
-                          "\r\n";
+    const auto mailbox = [&](const std::string& name, const std::string& address) {
+        return security_.strict ? AsMailbox(WithoutLineEnds(name), address) : Mailbox(WithoutLineEnds(name), address);
+    };
+    const std::string subject = WithoutLineEnds(strSubject);
+    std::string headers =
+        "From: " + mailbox(strFromName, from) + "\r\n" + "Date: " + MailDate(ports_.clock.Now(), ports_.clock.UtcNow(), strZone) +
+        "\r\n" + "X-Priority: 1\r\n" + "X-Sender: " + from + "\r\n" + "X-Mailer: Brellix Automated Mailer\r\n" +
+        "To: " + mailbox(strToName, to) + "\r\n" + "Subject: " + (security_.strict ? AsHeaderText(subject) : subject) + "\r\n";
     std::string body = strBody;
     if (!strBoundary.empty()) {
         headers += "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"" + strBoundary + "\"\r\n";
         body += "This is a multi-part message in MIME format.";
+    }
+    if (security_.strict && strBoundary.empty()) {
+        MimeText mime = AsMimeText("text/plain", body);
+        headers += "MIME-Version: 1.0\r\n" + mime.headers;
+        body = std::move(mime.text);
     }
     const bool sent = Converse({strServer, from, to, headers, StuffDots(body)});
     if (!sent) ports_.socket.Close();
@@ -81,13 +89,13 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
 
 bool PlainMailer::Converse(const Mail& mail) {
     try {
-        return Connect(mail) &&                                            //
-               Command("HELO " + ports_.socket.LocalHostName(), "250") &&  //
-               NameSender(mail) &&                                         //
-               Command("rcpt to:<" + Trim(mail.to) + ">", "250") &&        //
-               Command("data", "354") &&                                   //
-               SendMessage(mail) &&                                        //
-               Command(".", "250") &&                                      //
+        return Connect(mail) &&                                      //
+               SayHello(mail) &&                                     //
+               NameSender(mail) &&                                   //
+               Command("rcpt to:<" + Trim(mail.to) + ">", "250") &&  //
+               Command("data", "354") &&                             //
+               SendMessage(mail) &&                                  //
+               Command(".", "250") &&                                //
                Quit();
     } catch (const std::exception& error) {
         return Fail(error.what());
@@ -98,8 +106,27 @@ bool PlainMailer::Connect(const Mail& mail) {
     if (ports_.socket.State() != SocketState::Closed) return Fail("The connection of another message is still open.");
     reply_.clear();
     ports_.status.setStatusMSG("Connect to " + mail.server);
-    wire_.Open(mail.server, port_);
+    wire_.Open(mail.server, security_.port);
+    if (security_.encryption == Encryption::Tls && !Encrypt(mail)) return false;
     return WaitForReply("220");
+}
+
+bool PlainMailer::SayHello(const Mail& mail) {
+    const std::string name = ports_.socket.LocalHostName();
+    return security_.encryption == Encryption::StartTls ? StartTls(mail, "EHLO " + name) : Command("HELO " + name, "250");
+}
+
+// What the server said in clear no longer counts, so it is greeted again.
+bool PlainMailer::StartTls(const Mail& mail, const std::string& hello) {
+    if (!Command(hello, "250")) return false;
+    if (!OffersStartTls(lastReply_)) return FailWithStatus(std::string(kNoStartTls));
+    if (!Command("STARTTLS", "220")) return FailWithStatus(std::string(kRefusedStartTls) + ". " + error_);
+    return Encrypt(mail) && Command(hello, "250");
+}
+
+bool PlainMailer::Encrypt(const Mail& mail) {
+    const std::string problem = wire_.Encrypt(mail.server, security_.authorities);
+    return problem.empty() || FailWithStatus(problem);
 }
 
 bool PlainMailer::NameSender(const Mail& mail) {
@@ -115,9 +142,9 @@ bool PlainMailer::Command(const std::string& line, std::string_view expectedCode
 }
 
 std::string PlainMailer::TakeReply() {
-    const std::string reply = std::exchange(reply_, {});
-    if (!reply.empty()) wire_.ShowReceived(TrimAll(reply));
-    return reply;
+    lastReply_ = std::exchange(reply_, {});
+    if (!lastReply_.empty()) wire_.ShowReceived(TrimAll(lastReply_));
+    return lastReply_;
 }
 
 bool PlainMailer::SendMessage(const Mail& mail) {
@@ -138,11 +165,17 @@ bool PlainMailer::Quit() {
     return true;
 }
 
+bool PlainMailer::HasReply() const {
+    return security_.strict ? IsWholeReply(reply_) || reply_.size() >= kMostKept : !reply_.empty();
+}
+
 // Only the first three characters of the data since the last check count: the first line of a multi-line reply is accepted, and
 // its later lines are taken as the reply to the next command.
 bool PlainMailer::WaitForReply(std::string_view expectedCode) {
     const ReplyLimit limit(ports_.clock, kReplyLimit);
-    while (reply_.empty()) {
+    while (!HasReply()) {
+        if (security_.strict && !wire_.Failure().empty())
+            return FailWithStatus("No connection to the mail server: " + wire_.Failure());
         if (limit.Over()) {
             ports_.status.setStatusMSG("Connection...");
             return Fail(kReplyTimedOut);

@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "notify/mail_security.h"
 #include "notify/mail_wire.h"
 #include "platform/clock.h"
 #include "platform/events.h"
@@ -29,8 +31,10 @@ public:
         MailTrace* trace = nullptr;  ///< null: no trace
     };
 
-    /// `port` is 25 except in tests.
-    explicit PlainMailer(const Ports& ports, std::int32_t port = 25);
+    explicit PlainMailer(const Ports& ports);
+
+    /// Counts for the mails that follow. Without it they go out in clear on port 25.
+    void SetSecurity(MailSecurity security) { security_ = std::move(security); }
 
     /// Returns whether the server accepted the mail; if not, `strError` has the reason. Line ends in addresses, names and subject
     /// become spaces. If `strBoundary` is not empty, the headers of a multipart are added and its sentence follows the body.
@@ -46,6 +50,9 @@ private:
     // The conversation, step by step. A step returns whether the next one may follow.
     bool Converse(const Mail& mail);
     bool Connect(const Mail& mail);
+    bool SayHello(const Mail& mail);
+    bool StartTls(const Mail& mail, const std::string& hello);
+    bool Encrypt(const Mail& mail);
     bool NameSender(const Mail& mail);
     bool SendMessage(const Mail& mail);
     bool Quit();
@@ -53,15 +60,17 @@ private:
     bool Command(const std::string& line, std::string_view expectedCode);
     void SendLine(const std::string& line) { wire_.Send(line + "\r\n", line); }
     std::string TakeReply();
+    bool HasReply() const;
     bool WaitForReply(std::string_view expectedCode);
     bool WaitForSend();
     bool Fail(const std::string& error);
     bool FailWithStatus(const std::string& error);
 
     Ports ports_;
-    std::int32_t port_;
+    MailSecurity security_;
     MailWire wire_;
-    std::string reply_;  ///< what arrived since the last check
+    std::string reply_;      ///< what arrived since the last check
+    std::string lastReply_;  ///< what was checked last
     std::string error_;
     bool sendComplete_ = false;
     std::size_t sentCount_ = 0;

@@ -57,6 +57,21 @@ void ParseAuthMechanisms(std::string_view text, AuthMechanisms& mechanisms) {
     }
 }
 
+bool OffersStartTls(std::string_view text) {
+    const auto lines = Split(text, '\n');
+    return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.starts_with("250") && line.size() > 4 && EqualsNoCase(TrimAll(line.substr(4)), "starttls");
+    });
+}
+
+bool IsWholeReply(std::string_view arrived) {
+    constexpr std::size_t kCode = 3;
+    if (!arrived.ends_with('\n')) return false;
+    arrived.remove_suffix(1);
+    const std::string_view last = arrived.substr(arrived.rfind('\n') + 1);
+    return last.size() <= kCode || last[kCode] != '-';
+}
+
 std::size_t ReplyLength(std::string_view arrived) {
     const std::size_t end = arrived.rfind("\r\n");
     return end == std::string_view::npos ? 0 : end + 2;

@@ -29,6 +29,12 @@ struct AuthMechanisms {
 /// Adds the mechanisms in the lines of an EHLO reply (RFC 4954, section 3). The old form "AUTH=LOGIN" is ignored.
 void ParseAuthMechanisms(std::string_view text, AuthMechanisms& mechanisms);
 
+/// Returns whether a line of an EHLO reply offers to go on under TLS (RFC 3207).
+bool OffersStartTls(std::string_view text);
+
+/// Returns whether the last line of what arrived is complete and ends a reply, multi-line or not.
+bool IsWholeReply(std::string_view arrived);
+
 /// Returns the length of the reply, with its last CR LF: all whole lines that have arrived. 0: no line is complete yet.
 std::size_t ReplyLength(std::string_view arrived);
 

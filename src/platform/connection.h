@@ -19,6 +19,18 @@ public:
     using Error::Error;
 };
 
+/// The file is no database of this kind, or is damaged.
+class DamagedError : public Error {
+public:
+    using Error::Error;
+};
+
+/// Another program has locked the file.
+class LockedError : public Error {
+public:
+    using Error::Error;
+};
+
 class Connection {
 public:
     virtual ~Connection() = default;
@@ -135,6 +147,9 @@ public:
     /// Releases everything that is kept open between two pieces of work: until the next Connection, this process has nothing of
     /// the store open.
     virtual void Rest() {}
+
+    /// Returns whether a Connection is open: the file must not be replaced then.
+    virtual bool InUse() const { return false; }
 };
 
 }  // namespace korvane

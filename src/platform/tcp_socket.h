@@ -38,6 +38,7 @@ public:
         /// The system took `sent` bytes of what SendData queued; `remaining` are left. Never called from within SendData.
         std::function<void(std::size_t sent, std::size_t remaining)> sendProgress = {};
         std::function<void()> sendComplete = {};  ///< nothing remains; follows the last sendProgress
+        std::function<void()> encrypted = {};     ///< what StartEncryption began has succeeded
     };
 
     static constexpr std::size_t kAll = static_cast<std::size_t>(-1);
@@ -66,6 +67,12 @@ public:
         SetRemotePort(port);
         Connect();
     }
+
+    /// Begins TLS (1.2 or later) on the connection, as the client of `host`, a name or an address: the server's certificate must
+    /// be of that host and of an authority of the system or of the file `authorities` (PEM; empty: none). Bytes that arrived
+    /// before are discarded. `encrypted` follows, or `error` with the reason; send nothing before. Throws Error when the socket is
+    /// not connected or the file has no certificates.
+    virtual void StartEncryption(const std::string& host, const std::string& authorities) = 0;
 
     /// Queues the bytes; throws Error when the socket is not connected.
     virtual void SendData(std::string_view bytes) = 0;

@@ -48,12 +48,13 @@ Log::Log(Files& files, const Clock& clock, std::string dir, std::string version)
 
 void Log::WriteLog(int level, std::string_view messageClass, std::string_view message) {
     if (level > kDetailLevel || TrimAll(message).empty()) return;
+    const std::string shown = filter_ ? filter_(message) : std::string(message);
     const DateTime now = clock_.Now();
     const std::string header = now.DateText() + " " + now.TimeText() + " " + version_ + " " + std::string(messageClass) + "\t";
     const std::string folder = dir_ + "/Logs";
     // If the folder is missing, appending the record fails.
     IgnoreErrors([&] { files_.CreateFolder(folder); });
-    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimSpaces(message))); });
+    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimSpaces(shown))); });
 }
 
 void LegacyLog::setLogTimer() {

@@ -2,8 +2,10 @@
 // last message whatever happens to the program. Monitoring never stops because of the log: all errors here are ignored.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -29,11 +31,15 @@ public:
     /// Writes an ordinary piece of information, the most frequent kind.
     void Info(std::string_view message) { WriteLog(kLogOrdinary, kLogInformation, message); }
 
+    /// From now on each message goes through `filter` first.
+    void SetFilter(std::function<std::string(std::string_view text)> filter) { filter_ = std::move(filter); }
+
 private:
     Files& files_;
     const Clock& clock_;
     std::string dir_;
     std::string version_;
+    std::function<std::string(std::string_view text)> filter_;
 };
 
 /// The numbered log files of older versions, of which only the index remains: it cycles once per retry duration, in minutes, and

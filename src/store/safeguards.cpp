@@ -52,12 +52,6 @@ bool Refines(std::string_view key) {
     return std::any_of(std::begin(kRefining), std::end(kRefining), [&](auto other) { return EqualsNoCase(key, other); });
 }
 
-const Safeguard* FindSafeguard(std::string_view key) {
-    const auto found = std::find_if(std::begin(kSafeguards), std::end(kSafeguards),
-                                    [&](const Safeguard& s) { return EqualsNoCase(s.key, key); });
-    return found == std::end(kSafeguards) ? nullptr : &*found;
-}
-
 bool IsNumber(std::string_view text, int least, int most) {
     if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
         return false;
@@ -104,6 +98,19 @@ std::span<const Safeguard> AllSafeguards() {
     return kSafeguards;
 }
 
+const Safeguard* FindSafeguard(std::string_view key) {
+    const auto found = std::find_if(std::begin(kSafeguards), std::end(kSafeguards),
+                                    [&](const Safeguard& s) { return EqualsNoCase(s.key, key); });
+    return found == std::end(kSafeguards) ? nullptr : &*found;
+}
+
+std::string RecommendedSettings() {
+    std::string lines = "[Settings]\n";
+    for (const Safeguard& safeguard : kSafeguards)
+        if (!safeguard.recommended.empty()) lines += std::string(safeguard.key) + "=" + std::string(safeguard.recommended) + "\n";
+    return lines;
+}
+
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
     const std::string text = Trim(value);
     if (text.empty()) return "";
@@ -131,9 +138,8 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
 }
 
 std::string Safeguards::Text(std::string_view key) const {
-    const Safeguard* safeguard = FindSafeguard(key);
     const std::string* value = settings_.Find(key);
-    if (safeguard == nullptr || value == nullptr || !ProblemOf(*safeguard, *value).empty()) return "";
+    if (FindSafeguard(key) == nullptr || value == nullptr || !Problem(key).empty()) return "";
     return Trim(*value);
 }
 
@@ -152,6 +158,12 @@ int Safeguards::Port(std::string_view key, int otherwise) const {
     return text.empty() ? otherwise : std::stoi(text);
 }
 
+std::string Safeguards::Problem(std::string_view key) const {
+    const Safeguard* safeguard = FindSafeguard(key);
+    const std::string* value = settings_.Find(key);
+    return safeguard == nullptr || value == nullptr ? "" : ProblemOf(*safeguard, *value);
+}
+
 bool Safeguards::AnyOn() const {
     return std::any_of(std::begin(kSafeguards), std::end(kSafeguards), [&](const Safeguard& safeguard) {
         if (safeguard.value == Switch) return IsOn(safeguard.key);
@@ -161,11 +173,8 @@ bool Safeguards::AnyOn() const {
 
 std::vector<std::string> Safeguards::Problems() const {
     std::vector<std::string> problems;
-    for (const Safeguard& safeguard : kSafeguards) {
-        const std::string* value = settings_.Find(safeguard.key);
-        if (value == nullptr) continue;
-        if (const std::string problem = ProblemOf(safeguard, *value); !problem.empty()) problems.push_back(problem);
-    }
+    for (const Safeguard& safeguard : kSafeguards)
+        if (const std::string problem = Problem(safeguard.key); !problem.empty()) problems.push_back(problem);
     if (Text("ProveMail") == kOn)
         for (const std::string_view needed : kNeededByProof)
             if (Text(needed).empty()) problems.push_back("ProveMail: it needs a usable " + std::string(needed) + ".");

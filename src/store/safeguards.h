@@ -38,6 +38,11 @@ struct Safeguard {
 /// In the order of the settings page and of the settings file.
 std::span<const Safeguard> AllSafeguards();
 
+/// Returns null for another key.
+const Safeguard* FindSafeguard(std::string_view key);
+/// Returns the beginning of the settings file of a new home: the head of section Settings, and the recommended values.
+std::string RecommendedSettings();
+
 /// Returns what is wrong with the value, for the operator; empty if nothing is.
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value);
 
@@ -61,6 +66,8 @@ public:
     /// Returns whether at least one safeguard is on. Switches and values that only refine others do not count.
     bool AnyOn() const;
 
+    /// Returns what is wrong with the value of the key, for the operator; empty if nothing is.
+    std::string Problem(std::string_view key) const;
     /// Returns one sentence for each key whose value is unusable or lacks another key; such a safeguard is off.
     std::vector<std::string> Problems() const;
     /// Writes the problems that are new since the last call to the log and the status log.

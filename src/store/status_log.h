@@ -1,8 +1,10 @@
 // Status messages for the operator: short lines with the time, newest first in the window, oldest first on a terminal.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/text.h"
 #include "platform/clock.h"
@@ -16,7 +18,7 @@ public:
 
     /// Shows the text with the current time. Each CR LF pair becomes " : ", so that a text is one line.
     void setStatusMSG(std::string_view text) {
-        std::string line = WithoutControls(text);
+        std::string line = WithoutControls(filter_ ? filter_(text) : text);
         for (const char* end : {"\r\n", "\n", "\r"})  // texts from this system's own libraries contain bare line feeds
             line = ReplaceAll(line, end, " : ");
         // At exactly midnight the text is the date alone: without a space nothing is cut.
@@ -24,9 +26,13 @@ public:
         user_.StatusLine(now.substr(now.find(' ') + 1), line);
     }
 
+    /// From now on each text goes through `filter` first.
+    void SetFilter(std::function<std::string(std::string_view text)> filter) { filter_ = std::move(filter); }
+
 private:
     Operator& user_;
     const Clock& clock_;
+    std::function<std::string(std::string_view text)> filter_;
 };
 
 }  // namespace korvane

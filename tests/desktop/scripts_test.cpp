@@ -144,6 +144,9 @@ TEST_P(Scenario, Is) {
     world->net.Page("http://web.example").Answer("Welcome back", 20ms);
     world->net.Page("http://slow.example").Answer("slow", 3s);
     world->net.Host("10.0.0.1").Echo(3ms);
+    world->net.Host("tls.example").Port(587).Speak("220 ready\r\n").Tls(false).Answer([](const std::string& line) {
+        return line == "STARTTLS" ? "220 go on\r\n" : "250-tls.example\r\n250 STARTTLS\r\n";
+    });
     Play(GetParam().second, "; ");
 }
 

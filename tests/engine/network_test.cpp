@@ -101,5 +101,16 @@ TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {
     }
 }
 
+TEST(OwnNetwork, ExcusesAlsoAPageThatSomebodyElseAnswered) {
+    Engine engine({Web({{"strExpectedText", "Welcome"}})},
+                  "OwnNetwork=10.9.9.1\nCatchUp=True\nGuardBadEntries=True\nGlobalRetryDuration=soon");
+    engine.page.Answer("Please log in to the hotel", 5ms);
+    engine.RunFor(50s);
+    EXPECT_EQ(engine.Of(1, "strCurStatus,nFail"), "own network down,0");
+    EXPECT_EQ(engine.page.Requests(), 1);
+    engine.RunFor(20s);
+    EXPECT_EQ(engine.page.Requests(), 2);
+}
+
 }  // namespace
 }  // namespace korvane

@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <array>
 #include <latch>
 
 #include "base/text.h"
@@ -144,7 +145,7 @@ TEST_F(NetTest, CredentialsCookiesAndProxiesGoWhereTheyBelong) {
     EXPECT_TRUE(other.Notes().back().starts_with("GET http://far.test/ HTTP/1.1\r\n"));
 }
 
-TEST_F(NetTest, ACertificateMustBeOfTheHostThatWasAsked) {
+TEST_F(NetTest, ACertificateMustBeGoodAndOfTheHostThatWasAsked) {
     const TemporaryFolder folder;
     const std::string file = folder.Path() + "/both", port = std::to_string(RefusingPort());
     const std::string make =
@@ -157,6 +158,28 @@ TEST_F(NetTest, ACertificateMustBeOfTheHostThatWasAsked) {
     };
     EXPECT_TRUE(Wait([&] { return Holds(fetch("localhost"), "s_server"); }));
     EXPECT_TRUE(Holds(fetch("127.0.0.1"), "error: SSL")) << fetch("127.0.0.1");
+
+    std::string said;
+    socket.SetHandlers({.dataArrival = [&] { said += socket.GetData(); },
+                        .close = [&] { said += " closed"; },
+                        .error = [&](int, const std::string& reason) { said += "error: " + reason; },
+                        .connect = {},
+                        .sendComplete = [&] { said += "sent "; },
+                        .encrypted = [&] { socket.SendData("GET / HTTP/1.0\r\n\r\n"); }});
+    for (const auto& [host, authorities, outcome] :
+         std::initializer_list<std::array<std::string, 3>>{{"localhost", file, "sent HTTP/1.0 200 ok"},
+                                                           {"127.0.0.1", file, "error: The host name did not match"},
+                                                           {"localhost", "", "error: The certificate is self-signed"},
+                                                           {"localhost", folder.Path(), "There are no certificates in the file"},
+                                                           {"localhost", file, "sent HTTP/1.0 200 ok"}}) {
+        said.clear();
+        socket.Connect("127.0.0.1", std::stoi(port));
+        EXPECT_TRUE(Wait([&] { return socket.State() == SocketState::Connected; }));
+        said += ErrorOf([&] { socket.StartEncryption(host, authorities); });
+        EXPECT_TRUE(Wait([&] { return !said.empty() && (!said.starts_with("sent") || Holds(said, " closed")); })) << said;
+        EXPECT_TRUE(said.starts_with(outcome)) << said;
+        socket.Close();
+    }
     ::kill(pid, SIGKILL);
 }
 

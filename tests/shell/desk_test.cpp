@@ -285,6 +285,28 @@ TEST(ServerList, ShowsEachEntryInItsState) {
         R"(UP 45 secs. overdue0; Failing 2 of 3 45 secs. overdue1; DOWN 2 of 3 45 secs. overdue2; Down-Time 45 secs. overdue4; Inactive 45 secs. overdue3; up 45 secs. overdue3; Requesting... Now...5; )");
 }
 
+TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
+    StartedWorld w;
+    w.rows.Add({});
+    const auto shown = [&w] {
+        const auto row = LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false, &w.desk.alertPath).at(0);
+        w.desk.reports.PublishReports(true);
+        const bool onPage = Holds(w.Text("Reports/R0/Group1/summary.htm"), "<font color=red><b>");
+        return row.cells[column::Status] + (row.warns ? "!" : "") + (onPage ? "!" : "");
+    };
+    EXPECT_EQ(shown(), "UP");
+    w.Set("HidePasswords", "True");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
+    w.rows.Change("Servers", 1, {{"strEmailList2", "a@b.c"}});
+    EXPECT_EQ(shown(), "UP");
+    w.net.Host("mail.example").Port(25).Refuse();
+    w.answers = {true};
+    w.desk.mail.TestEmail("a@b.c", "", false, "", "", "", "", "", "a@b.c", [](bool) {});
+    EXPECT_EQ(shown(), "UP, test mail failed!!");
+    w.Set("Server", " ");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
+}
+
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {
     StartedWorld w;
     VersionCheck check(w.desk.http, w, w.desk.pages, "10.0.0");

@@ -29,6 +29,16 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     EXPECT_EQ(guards.Hosts("OwnNetwork"), (std::vector<std::string>{"10.0.0.1", "[::1]", "gate.example"}));
 }
 
+TEST(SafeguardTable, ANewHomeBeginsWithTheRecommendedOnes) {
+    World world({.settings = RecommendedSettings().substr(std::string_view("[Settings]\n").size())});
+    world.Start();
+    Safeguards& guards = world.run.TheDesk().safeguards;
+    EXPECT_TRUE(guards.Problems().empty());
+    for (const Safeguard& safeguard : AllSafeguards())
+        EXPECT_EQ(guards.Text(safeguard.key), safeguard.recommended) << safeguard.key;
+    EXPECT_TRUE(guards.IsOn("RestoreDatabase") && guards.Text("OwnNetwork").empty());
+}
+
 TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {
     World world({.settings = "catchup=True"});
     world.Start();

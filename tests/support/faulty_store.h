@@ -40,6 +40,7 @@ public:
         faults.Pass(Op::Compact, file, store_).Compact(file, copy, copied);
     }
     void Rest() override { store_.Rest(); }
+    bool InUse() const override { return store_.InUse(); }
 
 private:
     struct Link : Connection {

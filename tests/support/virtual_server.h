@@ -73,6 +73,13 @@ public:
     /// Never: the window stays shut, though what is sent still reaches the script.
     VirtualServer& TakeNothing() { return Set(&Script::takeAfter, std::nullopt); }
 
+    /// Speaks TLS, from the first byte on or when the client begins it; refused by the client for `problem`, if there is one. In
+    /// Lines the beginning is "[TLS]".
+    VirtualServer& Tls(bool fromTheFirstByte, std::string problem = "") {
+        Changeable().tlsProblem = std::move(problem);
+        return Set(&Script::tlsFirst, fromTheFirstByte);
+    }
+
     /// A step as data.
     VirtualServer& Add(ServerStep step) {
         Changeable().steps.push_back(std::move(step));
@@ -98,6 +105,8 @@ public:
         std::optional<Milliseconds> takeAfter{Milliseconds(0)};
         std::size_t takeAtOnce = static_cast<std::size_t>(-1);
         std::vector<ServerStep> steps;
+        bool tlsFirst = false;
+        std::optional<std::string> tlsProblem;  ///< nothing: no TLS
     };
     std::shared_ptr<const Script> BeginConnection() {
         ++connections_;

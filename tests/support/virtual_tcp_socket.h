@@ -44,6 +44,16 @@ public:
         if (remote_ == nullptr) return Next(Milliseconds(1), &VirtualTcpSocket::NotFound);
         if (const auto after = remote_->FoundAfter()) Next(*after, &VirtualTcpSocket::Found);
     }
+    void StartEncryption(const std::string&, const std::string&) override {
+        if (state_ != SocketState::Connected) throw Error("The socket is not connected", 10057);
+        arrived_.clear();
+        server_->NoteLine("[TLS]");
+        securing_ = net_.World().After(Milliseconds(1), [this] {
+            if (script_->tlsProblem != "") return Fail(1, script_->tlsProblem.value_or("no TLS here"));
+            if (script_->tlsFirst) BeginStep();
+            if (Events().encrypted) Events().encrypted();
+        });
+    }
     void SendData(std::string_view bytes) override {
         if (state_ != SocketState::Connected) throw Error("The socket is not connected", 10057);
         if (refusals_ > 0 && refusals_-- > 0) throw Error("The connection was broken", 10054);
@@ -63,7 +73,7 @@ public:
         // What was sent goes out before the end, though nobody hears the answer.
         while (const auto line = TakeLine())
             server_->NoteLine(*line);
-        for (const EventId& event : {pending_, sending_})
+        for (const EventId& event : {pending_, sending_, securing_})
             net_.World().Cancel(event);
         for (std::string* text : {&answers_, &arrived_, &sent_})
             text->clear();
@@ -106,7 +116,7 @@ private:
         step_ = 0;
         const auto script = script_;
         if (Events().connect) Events().connect();
-        if (script_ == script && state_ == SocketState::Connected) BeginStep();
+        if (script_ == script && state_ == SocketState::Connected && !script_->tlsFirst) BeginStep();
     }
     void BeginStep() {
         for (; step_ < script_->steps.size(); ++step_) {
@@ -190,7 +200,7 @@ private:
     VirtualServer* server_ = nullptr;
     std::shared_ptr<const VirtualServer::Script> script_;
     std::size_t step_ = 0;
-    EventId pending_, sending_;
+    EventId pending_, sending_, securing_;
 };
 
 }  // namespace korvane

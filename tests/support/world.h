@@ -111,7 +111,7 @@ private:
         const auto proxy = [this] { return proxyServer; };
         const auto exit = [this] { ++exits; };
         return {{socket, testSocket, echo, newInet, networkSocket},
-                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids},
                 {store, files},
                 {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
                  systemInfo, proxy, exit},
@@ -133,7 +133,7 @@ public:
     RecordingOperator person;
     RecordingSound sound;
     VirtualTcpSocket socket{net}, sckesmtp{net}, plainSocket{net}, testSocket{net}, networkSocket{net}, alertEsmtp{net},
-        alertPlain{net};
+        alertPlain{net}, popSocket{net};
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;

@@ -1,28 +1,32 @@
 #!/bin/sh
 # A real server in the folder where this starts, on loopback ports from <base> on: servers.sh <server> <base>, or
-# servers.sh postfix <folder of dovecot>. It has no right of root but for Postfix, and ends with the one who started it.
+# servers.sh postfix <folder of dovecot>, or servers.sh mailbox <folder of postfix>. It has no right of root but for Postfix and its mailbox, and ends with the one who started it.
 set -eu
 server=$1 base=$2 home=$PWD
 run="setpriv --pdeathsig KILL" user=$(id -un) group=$(id -gn)
-if [ "$(id -u)" = 0 ] && [ "$server" != postfix ]; then
+if [ "$(id -u)" = 0 ] && [ "$server" != postfix ] && [ "$server" != mailbox ]; then
     user=nobody group=nogroup
     run="$run --reuid=$user --regid=$group --clear-groups"
 fi
 start() { if [ "$user" = nobody ]; then chown -R $user:$group .; fi && exec $run "$@"; }
-
-case $server in
-nginx)
-    new="-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -batch" here=subjectAltName=DNS:localhost,IP:127.0.0.1
+new="-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -batch"
+certify() { # <name> <its other names> <days>
+    echo "$2" >names
+    openssl req $new -subj /CN=localhost -keyout "$1.key" -out "$1.csr"
+    openssl x509 -req -CA authority.pem -CAkey authority.key -CAcreateserial -in "$1.csr" -out "$1.pem" -extfile names -days "$3"
+}
+certify_all() { # <address>: certificates that are good, expired, of an unknown authority, of another name
+    here=subjectAltName=DNS:localhost,IP:$1
     openssl req -x509 $new -subj "/CN=Korvane test authority" -keyout authority.key -out authority.pem
     openssl req -x509 $new -subj /CN=localhost -addext $here -keyout unknown.key -out unknown.pem
-    certify() { # <name> <its other names> <days>
-        echo "$2" >names
-        openssl req $new -subj /CN=localhost -keyout "$1.key" -out "$1.csr"
-        openssl x509 -req -CA authority.pem -CAkey authority.key -CAcreateserial -in "$1.csr" -out "$1.pem" -extfile names -days "$3"
-    }
     certify good $here 2
     certify expired $here -1
     certify other subjectAltName=DNS:other.example 2
+}
+
+case $server in
+nginx)
+    certify_all 127.0.0.1
     echo "operator:{PLAIN}open sesame" >users
     printf '\211PNG\r\n\032\n\000\000\000\rIHDR' >picture
     serve() { echo "server { listen 127.0.0.1:$1${2:+ ssl; ssl_certificate $2.pem; ssl_certificate_key $2.key}; include pages; }"; }
@@ -72,9 +76,25 @@ dovecot) # POP3, IMAP, SMTP for submission, and logins for Postfix
         listen pop3 "$base" && listen imap $((base + 1)) && listen submission $((base + 2))
     } >dovecot.conf
     start dovecot -F -c "$home/dovecot.conf" ;;
-postfix) # on 127.0.0.12: it takes mail for person@elsewhere.example only after a login
+mailbox) # a box that postfix in the folder <base> fills, by POP3 under TLS on 127.0.0.12:995
+    chmod 711 .
+    echo "operator:{PLAIN}open sesame" >users
+    printf '%s\n' "protocols = pop3" "listen = 127.0.0.12" "ssl = required" "ssl_cert = <$base/good.pem" "ssl_key = <$base/good.key" \
+        "log_path = /dev/stderr" "base_dir = $home/base" "state_dir = $home/state" "mail_location = maildir:$base/boxes/box" \
+        "default_internal_user = nobody" "default_internal_group = nogroup" "default_login_user = nobody" \
+        "passdb {" " driver = passwd-file" " args = $home/users" "}" "service anvil {" " chroot =" "}" \
+        "userdb {" " driver = static" " args = uid=nobody gid=nogroup home=$home" "}" \
+        "service pop3-login {" " chroot =" " inet_listener pop3 {" "  port = 0" " }" " inet_listener pop3s {" "  port = 995" " }" "}" \
+        "first_valid_uid = 1" "last_valid_uid = 0" "first_valid_gid = 1" "last_valid_gid = 0" >dovecot.conf
+    exec setpriv --pdeathsig KILL dovecot -F -c "$home/dovecot.conf" ;;
+postfix) # on 127.0.0.12: it takes mail for person@elsewhere.example only after a login; with STARTTLS on 25 and 587, TLS on 465; with
+    # certificates that are expired on 466 (TLS) and 588, of an unknown authority on 467, of another name on 468
+    certify_all 127.0.0.12
     chmod 711 . && mkdir etc queue data && chown postfix data
     sed 's/^smtp  *inet/127.0.0.12:smtp inet/' /usr/share/postfix/master.cf.dist >etc/master.cf
+    listen() { echo "127.0.0.12:$1 inet n - n - - smtpd -o smtpd_tls_wrappermode=$3 -o smtpd_tls_chain_files=$home/$2.key,$home/$2.pem"; }
+    { listen 587 good no && listen 588 expired no && listen 465 good yes && listen 466 expired yes && listen 467 unknown yes &&
+        listen 468 other yes; } >>etc/master.cf
     owner=static:$(id -u nobody)
     printf '%s\n' "compatibility_level = 3.6" "maillog_file = /dev/stdout" "myhostname = mail.korvane.example" "mydestination =" \
         "alias_maps =" "inet_protocols = ipv4" "inet_interfaces = loopback-only" "disable_dns_lookups = yes" "mynetworks =" \
@@ -82,7 +102,8 @@ postfix) # on 127.0.0.12: it takes mail for person@elsewhere.example only after 
         "virtual_mailbox_maps = inline:{person@elsewhere.example=box/}" "virtual_mailbox_base = $home/boxes" \
         "virtual_uid_maps = $owner" "virtual_gid_maps = $owner" "default_transport = virtual" "smtpd_sasl_type = dovecot" \
         "smtpd_sasl_auth_enable = yes" "smtpd_sasl_path = $base/auth" "queue_directory = $home/queue" "data_directory = $home/data" \
-        "smtpd_relay_restrictions = permit_sasl_authenticated, reject_unauth_destination" >etc/main.cf
+        "smtpd_relay_restrictions = permit_sasl_authenticated, reject_unauth_destination" "smtpd_tls_security_level = may" \
+        "smtpd_tls_chain_files = $home/good.key, $home/good.pem" >etc/main.cf
     mkdir boxes && chown nobody boxes
     postconf -c etc -F '*/*/chroot=n'
     postfix -c "$home/etc" check

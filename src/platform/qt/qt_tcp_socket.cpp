@@ -9,6 +9,7 @@
 #include <QNetworkInterface>
 #include <QNetworkProxy>
 #include <QObject>
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
@@ -17,6 +18,7 @@
 
 #include "base/error.h"
 #include "platform/qt/name_lookup.h"
+#include "platform/qt/tls_line.h"
 
 namespace korvane {
 namespace {
@@ -79,8 +81,7 @@ struct Failure {
 // much, is cut off.
 class Farewell {
 public:
-    // The caller must disconnect its own slots from the socket, which must outlive this.
-    Farewell(QTcpSocket& socket, std::chrono::milliseconds limit) : socket_(socket) {
+    explicit Farewell(std::chrono::milliseconds limit) {
         limit_.setSingleShot(true);
         limit_.setInterval(limit);
         limit_.callOnTimeout([this] { CutOff(); });
@@ -88,40 +89,45 @@ public:
 
     bool Going() const { return going_; }
 
-    void Begin() {
+    // The caller must disconnect its own slots from the socket, which must live until this is over.
+    void Begin(QTcpSocket& socket) {
+        socket_ = &socket;
         going_ = true;
         dropped_ = 0;
         limit_.start();
-        QObject::connect(&socket_, &QTcpSocket::bytesWritten, &limit_, [this] { EndSending(); });
-        QObject::connect(&socket_, &QTcpSocket::readyRead, &limit_, [this] { DropArrived(); });
-        QObject::connect(&socket_, &QTcpSocket::disconnected, &limit_, [this] { CutOff(); });
-        socket_.flush();
+        QObject::connect(socket_, &QTcpSocket::bytesWritten, &limit_, [this] { EndSending(); });
+        QObject::connect(socket_, &QTcpSocket::readyRead, &limit_, [this] { DropArrived(); });
+        QObject::connect(socket_, &QTcpSocket::disconnected, &limit_, [this] { CutOff(); });
+        socket_->flush();
         if (!going_) return;  // the connection was broken
         EndSending();
-        DropArrived();
+        if (going_) DropArrived();
     }
 
     // Resets a connection that has not ended yet, so that the system does not keep its bytes either.
     void CutOff() {
         if (!std::exchange(going_, false)) return;
         limit_.stop();
-        socket_.disconnect(&limit_);
+        socket_->disconnect(&limit_);
         const linger reset{1, 0};
-        ::setsockopt(static_cast<int>(socket_.socketDescriptor()), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
-        socket_.abort();
+        ::setsockopt(static_cast<int>(socket_->socketDescriptor()), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+        socket_->abort();
     }
 
 private:
+    // TLS has an end of its own, after which the socket ends the connection.
     void EndSending() {
-        if (socket_.bytesToWrite() == 0) ::shutdown(static_cast<int>(socket_.socketDescriptor()), SHUT_WR);
+        if (socket_->bytesToWrite() > 0) return;
+        if (qobject_cast<QSslSocket*>(socket_) != nullptr) return socket_->disconnectFromHost();
+        ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
     }
 
     void DropArrived() {
-        dropped_ += socket_.readAll().size();
+        dropped_ += socket_->readAll().size();
         if (dropped_ > kMostDropped) CutOff();
     }
 
-    QTcpSocket& socket_;
+    QTcpSocket* socket_ = nullptr;
     QTimer limit_;  ///< also receives the signals
     qint64 dropped_ = 0;
     bool going_ = false;
@@ -132,7 +138,7 @@ private:
 // One socket through any number of connections. Every Close begins a new round; events queued in an earlier round are dropped.
 class QtTcpSocket::Connection : public QObject {
 public:
-    explicit Connection(const QtTcpSocket& owner) : owner_(owner), farewell_(socket_, owner.farewellLimit_) {
+    explicit Connection(const QtTcpSocket& owner) : owner_(owner), farewell_(owner.farewellLimit_) {
         socket_.setProxy(QNetworkProxy::NoProxy);
         socket_.setReadBufferSize(kReadAhead);
     }
@@ -140,6 +146,7 @@ public:
     SocketState State() const { return state_; }
 
     void Connect(const std::string& host) {
+        LeaveTls();
         Listen();
         QHostAddress address;
         if (!address.setAddress(QString::fromStdString(host))) {
@@ -158,26 +165,34 @@ public:
         InNextTurn([this, failure = *failure] { Fail(failure); });
     }
 
-    void Send(std::string_view bytes) { socket_.write(bytes.data(), static_cast<qint64>(bytes.size())); }
+    void Encrypt(const std::string& host, const std::string& authorities) {
+        tls_ = ContinueUnderTls(socket_, host, authorities, *this);
+        Listen();
+        connect(tls_, &QSslSocket::encrypted, this, [this] {
+            if (owner_.Events().encrypted) owner_.Events().encrypted();
+        });
+    }
+
+    void Send(std::string_view bytes) { Line().write(bytes.data(), static_cast<qint64>(bytes.size())); }
 
     /// Removes the bytes only if `taken`.
     std::string Arrived(std::size_t maxLength, bool taken) {
-        std::string bytes(std::min(maxLength, static_cast<std::size_t>(socket_.bytesAvailable())), '\0');
+        std::string bytes(std::min(maxLength, static_cast<std::size_t>(Line().bytesAvailable())), '\0');
         const auto size = static_cast<qint64>(bytes.size());
-        if (size > 0) taken ? socket_.read(bytes.data(), size) : socket_.peek(bytes.data(), size);
+        if (size > 0) taken ? Line().read(bytes.data(), size) : Line().peek(bytes.data(), size);
         return bytes;
     }
 
-    QHostAddress LocalAddress() const { return socket_.localAddress(); }
+    QHostAddress LocalAddress() const { return Line().localAddress(); }
 
     void Close() {
         ++round_;
         lookup_.reset();
-        socket_.disconnect(this);
+        Line().disconnect(this);
         if (std::exchange(state_, SocketState::Closed) == SocketState::Connected) {
-            farewell_.Begin();
+            farewell_.Begin(Line());
         } else {
-            socket_.abort();
+            Line().abort();
         }
     }
 
@@ -186,12 +201,21 @@ public:
     void CutOff() { farewell_.CutOff(); }
 
 private:
+    /// The socket of the connection; it changes when the connection is encrypted.
+    QTcpSocket& Line() { return tls_ == nullptr ? socket_ : *tls_; }
+    const QTcpSocket& Line() const { return tls_ == nullptr ? socket_ : *tls_; }
+
+    // One of its events may be on the stack.
+    void LeaveTls() {
+        if (tls_ != nullptr) std::exchange(tls_, nullptr)->deleteLater();
+    }
+
     void Listen() {
-        connect(&socket_, &QTcpSocket::connected, this, &Connection::OnConnected);
-        connect(&socket_, &QTcpSocket::bytesWritten, this, &Connection::OnBytesWritten);
-        connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
-        connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
-        connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
+        connect(&Line(), &QTcpSocket::connected, this, &Connection::OnConnected);
+        connect(&Line(), &QTcpSocket::bytesWritten, this, &Connection::OnBytesWritten);
+        connect(&Line(), &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
+        connect(&Line(), &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
+        connect(&Line(), &QTcpSocket::errorOccurred, this, &Connection::OnError);
     }
 
     template <class Action>
@@ -241,7 +265,9 @@ private:
             const Failure failure{WinsockNumber(error), LastError()};
             if (addresses_.isEmpty()) return Fail(failure);
             if (const auto next = TryAddresses()) Fail(*next);
-        } else if (state_ == SocketState::Connected && error != QAbstractSocket::RemoteHostClosedError) {
+        } else if (error == QAbstractSocket::RemoteHostClosedError) {
+            if (tls_ != nullptr) OnDisconnected();  // TLS has ended; the TCP connection may still be there
+        } else if (state_ == SocketState::Connected) {
             Fail({WinsockNumber(error), LastError()});
         }
     }
@@ -255,7 +281,7 @@ private:
 
     void OnBytesWritten(qint64 sent) {
         const auto round = round_;
-        const auto remaining = static_cast<std::size_t>(socket_.bytesToWrite());
+        const auto remaining = static_cast<std::size_t>(Line().bytesToWrite());
         if (owner_.Events().sendProgress) owner_.Events().sendProgress(static_cast<std::size_t>(sent), remaining);
         if (remaining == 0 && round == round_ && owner_.Events().sendComplete) owner_.Events().sendComplete();
     }
@@ -275,10 +301,11 @@ private:
         if (owner_.Events().error) owner_.Events().error(failure.number, failure.description);
     }
 
-    std::string LastError() const { return socket_.errorString().toStdString(); }
+    std::string LastError() const { return tls_ == nullptr ? socket_.errorString().toStdString() : HandshakeFailure(*tls_); }
 
     const QtTcpSocket& owner_;
     QTcpSocket socket_;
+    QSslSocket* tls_ = nullptr;  ///< a child of this
     Farewell farewell_;
     std::optional<NameLookup> lookup_;
     QList<QHostAddress> addresses_;  ///< addresses of the name, not yet tried
@@ -313,6 +340,11 @@ void QtTcpSocket::SetLocalPort(std::int32_t port) {
 void QtTcpSocket::Connect() {
     if (State() != SocketState::Closed) throw Error("The socket is not closed", kAlreadyOpen);
     Current().Connect(remoteHost_);
+}
+
+void QtTcpSocket::StartEncryption(const std::string& host, const std::string& authorities) {
+    if (State() != SocketState::Connected) throw Error("The socket is not connected", kNotConnected);
+    Current().Encrypt(host, authorities);
 }
 
 void QtTcpSocket::SendData(std::string_view bytes) {

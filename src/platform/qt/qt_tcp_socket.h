@@ -30,6 +30,7 @@ public:
     void SetLocalPort(std::int32_t port) override;
     using TcpSocket::Connect;
     void Connect() override;
+    void StartEncryption(const std::string& host, const std::string& authorities) override;
     void SendData(std::string_view bytes) override;
     std::string PeekData(std::size_t maxLength = kAll) const override;
     std::string GetData(std::size_t maxLength = kAll) override;

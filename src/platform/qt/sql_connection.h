@@ -25,6 +25,8 @@ struct SqlStoreState {
     std::shared_ptr<SqlSession> kept = nullptr;
 
     std::set<SqlRowName> lockedRows = {};
+
+    int inUse = 0;  ///< how many connections are open
 };
 
 /// Locks one row as long as it lives.

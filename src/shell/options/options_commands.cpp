@@ -58,6 +58,27 @@ void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskTe
     });
 }
 
+void FindMailSecurity(const Desk& desk, const OptionsFields& fields,
+                      const std::function<void(const std::string& text)>& setStatus,
+                      const std::function<void(const MailProposal& proposal)>& propose) {
+    struct Server {
+        std::string OptionsFields::*name, OptionsFields::*security, OptionsFields::*port;
+    };
+    constexpr Server kServers[] = {{&OptionsFields::Server, &OptionsFields::SMTPSecurity1, &OptionsFields::SMTPPort1},
+                                   {&OptionsFields::ServerBackup, &OptionsFields::SMTPSecurity2, &OptionsFields::SMTPPort2}};
+    std::string all;
+    for (const Server& server : kServers) {
+        const std::string name = Trim(fields.*server.name);
+        if (name.empty()) continue;
+        std::string last;
+        const auto tell = [&](const std::string& text) { setStatus(last = text); };
+        const std::optional<MailSecurity> found = desk.mail.FindSecurity(name, tell);
+        if (found) propose({server.security, server.port, *found});
+        all += (all.empty() ? "" : "  ") + (found ? last : "No encryption was found at " + name + ".  " + last);
+    }
+    setStatus(all);
+}
+
 void ResetForAll(const Desk& desk, OptionsReset reset) {
     constexpr bool kWithFailures = true;
     Maintenance& maintenance = desk.maintenance;

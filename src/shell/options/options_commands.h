@@ -22,6 +22,17 @@ using AskText = std::function<void(const std::string& title, const std::string& 
 void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskText& ask,
                       const std::function<void(const std::string& text)>& setStatus, const std::function<void()>& done);
 
+struct MailProposal {
+    std::string OptionsFields::*security;
+    std::string OptionsFields::*port;
+    MailSecurity found;
+};
+/// Finds out which encryption the mail servers of the inputs offer; `propose` is called for each that offers one. Waits through the
+/// event pump, so the window may be gone when the functions are called.
+void FindMailSecurity(const Desk& desk, const OptionsFields& fields,
+                      const std::function<void(const std::string& text)>& setStatus,
+                      const std::function<void(const MailProposal& proposal)>& propose);
+
 /// The status after a test of the restart.
 inline constexpr std::string_view kRestartTested =
     "IF YOU CLICKED YES, your computer should be shutting down. If not, the shutdown command failed.  "

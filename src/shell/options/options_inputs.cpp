@@ -3,6 +3,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "store/safeguards.h"
 
 namespace korvane {
 namespace {
@@ -10,6 +11,9 @@ namespace {
 constexpr const char* kReportFolder = "/reports";
 constexpr const char* kShortestWait = "1";
 constexpr std::string_view kReportPath = "ReportPath";
+constexpr const char* kSecurityHelp =
+    "Blank for mail in clear, \"tls\" for an encrypted connection, \"starttls\" for one that is encrypted after a greeting.";
+constexpr const char* kPortHelp = "Blank means 25, 465 with tls and 587 with starttls.";
 
 std::optional<std::string> WithoutSlash(const std::string& text, const OptionsFields& /*fields*/) {
     std::string path = Trim(text);
@@ -56,6 +60,10 @@ constexpr OptionsInput kOptionsInputs[] = {
     {"SMTPPopHost2", &OptionsFields::SMTPPopHost2, Trimmed, "txtSMTPPopHost2",
      "POP se&rver:", "Fill this in only where you must log in to a POP server before you may send mail by the backup server.",
      "POP server of the backup server"},
+    {"SMTPSecurity1", &OptionsFields::SMTPSecurity1, Trimmed, "txtSMTPSecurity1", "Secur&ity:", kSecurityHelp, "SMTPSecurity1"},
+    {"SMTPPort1", &OptionsFields::SMTPPort1, Trimmed, "txtSMTPPort1", "Port num&ber:", kPortHelp, "SMTPPort1"},
+    {"SMTPSecurity2", &OptionsFields::SMTPSecurity2, Trimmed, "txtSMTPSecurity2", "Securit&y:", kSecurityHelp, "SMTPSecurity2"},
+    {"SMTPPort2", &OptionsFields::SMTPPort2, Trimmed, "txtSMTPPort2", "Port &number:", kPortHelp, "SMTPPort2"},
     {kReportPath, &OptionsFields::ReportPath, WithoutSlash, "txtReportPath",
      "&Folder:", "The folder in which reports are published. It is created when it is not there.", "Report folder"},
     {"Begin", &OptionsFields::Begin, Trimmed, "txtBegin",
@@ -79,7 +87,15 @@ constexpr OptionsInput kOptionsInputs[] = {
 
 void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& fields) {
     if (input.mark != nullptr) return desk.collection.setKvSettingsColValue(input.key, fields.*input.mark ? "True" : "False");
-    desk.collection.setKvSettingsColValue(input.key, *input.stored(fields.*input.text, fields));
+    const std::string value = *input.stored(fields.*input.text, fields);
+    // A safeguard that is blank and was never set stays out of the file.
+    if (value.empty() && desk.collection.Find(input.key) == nullptr) return;
+    desk.collection.setKvSettingsColValue(input.key, value);
+}
+
+std::string ProblemOf(const OptionsInput& input, const OptionsFields& fields) {
+    const Safeguard* safeguard = FindSafeguard(input.key);
+    return safeguard == nullptr || input.text == nullptr ? "" : korvane::ProblemOf(*safeguard, fields.*input.text);
 }
 
 bool IsWithin(const NumberRange& range, const std::string& typed) {
@@ -116,16 +132,21 @@ OptionsFields OptionsFromSettings(const SettingsCollection& settings) {
     return fields;
 }
 
-std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& typed) {
+std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& typed, const SafeguardValues& safeguards) {
+    if (const auto refused = RefusedSafeguard(desk, safeguards)) return OptionsRefusal{nullptr, refused->message, refused->key};
     OptionsFields fields = typed;
     if (Trim(fields.ReportPath).empty()) fields.ReportPath = desk.dir + kReportFolder;
     for (const OptionsInput& input : kOptionsInputs) {
         if (input.range && !IsWithin(*input.range, fields.*input.text))
             return OptionsRefusal{input.text, input.range->refusal + fields.*input.text};
+        if (const std::string problem = ProblemOf(input, fields); !problem.empty()) return OptionsRefusal{input.text, problem};
         Set(desk, input, fields);
         if (input.key == kReportPath) IgnoreErrors([&] { desk.files.CreateFolder(*desk.collection.Find(kReportPath)); });
     }
+    SetSafeguards(desk, safeguards);
     WriteToFile(desk);
+    desk.safeguards.TellProblems();
+    desk.machineWatch.Follow();
     return std::nullopt;
 }
 

@@ -11,7 +11,7 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
-#include "resources/alert_mails.h"
+#include "resources/machine_watch.h"
 #include "shell/run/message_title.h"
 #include "shell/run/ports.h"
 #include "shell/run/report_commands.h"
@@ -41,6 +41,7 @@ struct Desk : StorePorts, SystemPorts {
     ServerEntries& entries;
     LegacyLog& legacyLog;
     Safeguards& safeguards;
+    AlertPath& alertPath;
     EntrySafeguards& ofEntries;
     Dispatcher& mail;
     TraceRoute& trace;
@@ -53,6 +54,7 @@ struct Desk : StorePorts, SystemPorts {
     VersionCheck& versionCheck;
     ServiceMode& service;
     AlertMails& alertMails;
+    MachineWatch& machineWatch;
     ConversationWindow& conversation;
 
     // The checkers for the operator's tests. They share nothing with those of the cycle, which may be running a check.

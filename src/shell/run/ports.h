@@ -43,6 +43,7 @@ struct MailPorts {
     TcpSocket& plainSocket;  ///< for mail without a login
     TcpSocket& alertEsmtp;   ///< for mails of the resource monitors, which are sent independently of those of the cycle
     TcpSocket& alertPlain;
+    TcpSocket& popSocket;  ///< for the mailbox of the daily proof
     GuidSource& guids;
 };
 

@@ -4,12 +4,17 @@
 
 #include <memory>
 
+#include "engine/catch_up.h"
+#include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
+#include "engine/hiding_conversation.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/own_network.h"
 #include "engine/stop_start.h"
+#include "notify/mail_proof.h"
 #include "reports/pipeline.h"
+#include "resources/machine_watch.h"
 #include "shell/run/desk.h"
 #include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
@@ -25,6 +30,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
+    /// Sends a mail to the recipients of the first entry, later and once.
+    void MailToFirstEntry(const std::string& subject, const std::string& text);
 
     RunOptions options;
     bool bFormLoading = false;
@@ -42,6 +49,9 @@ struct RunRooms : RunPorts {
     Settings settings;
     LegacyLog legacyLog;
     Safeguards safeguards;
+    HiddenPasswords hiddenPasswords;
+    AlertPath alertPath;
+    DatabaseRescue rescue;
     EntrySafeguards ofEntries;
 
     // The timers must come before the objects that switch them.
@@ -49,6 +59,7 @@ struct RunRooms : RunPorts {
     std::unique_ptr<Timer> TimerMonitorDB;
     std::unique_ptr<Timer> TimerProgress;
     std::unique_ptr<Timer> TimerLog;
+    std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
 
     Dispatcher mail;
@@ -60,7 +71,7 @@ struct RunRooms : RunPorts {
     ReportCommands reportCommands;
     Maintenance maintenance;
     NoConversationWindow noConversation;
-    ConversationWindow& conversationWindow;
+    HidingConversation conversationWindow;
     RequestProgress progress;
     HttpRequester http;
     TcpChecker tcp;
@@ -70,7 +81,12 @@ struct RunRooms : RunPorts {
     OwnNetwork network;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
+    KeptAccounts kept;
+    BadEntries badEntries;
+    BlindAlarm blind;
     MonitorCycle cycle;
+    CatchUp catchUp;
+    ClockGuard clockGuard;
     Heartbeat heartbeat;
     BeginWait wait;
     StopStart stopStart;
@@ -79,6 +95,8 @@ struct RunRooms : RunPorts {
     ServiceMode service;
     Dispatcher alertDispatcher;
     AlertMails alertMails;
+    MailProof mailProof;
+    MachineWatch machineWatch;
     const Desk desk;
 };
 

@@ -32,6 +32,24 @@ void frmOptions::cmdTestEmail_Click() {
     });
 }
 
+void frmOptions::cmdFindOut_Click() {
+    if (std::exchange(mailing_, true)) return;
+    const QPointer<frmOptions> self = this;
+    const auto isOpen = [self] { return self != nullptr && !self->IsClosed(); };
+    const Desk desk = desk_;
+    FindMailSecurity(
+        desk, Read(),
+        [&](const std::string& text) {
+            if (isOpen()) self->SetStatus(text);
+        },
+        [&](const MailProposal& proposal) {
+            if (!isOpen()) return;
+            self->inputs_.Box(proposal.security)->setText(Q(NameOf(proposal.found.encryption)));
+            self->inputs_.Box(proposal.port)->setText(QString::number(proposal.found.port));
+        });
+    if (self != nullptr) self->mailing_ = false;
+}
+
 void frmOptions::cmdSetProxy_Click() {
     const QPointer<frmOptions> self = this;
     const ProxyBoxes boxes = ProxyFromDetected(proxyServer_);

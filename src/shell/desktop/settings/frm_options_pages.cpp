@@ -19,6 +19,7 @@ void frmOptions::AddPages() {
     AddProxyPage();
     AddServicePage();
     AddResetsPage();
+    AddSafeguardsPage();
     tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
 }
 
@@ -35,12 +36,12 @@ void frmOptions::AddMailPage() {
     auto* servers = new QHBoxLayout;
     page.addLayout(servers);
     QFormLayout& primary = AddGroup(*servers, "Primary SMTP server");
-    for (const auto field :
-         {&OptionsFields::Server, &OptionsFields::SMTPUser1, &OptionsFields::SMTPPass1, &OptionsFields::SMTPPopHost1})
+    for (const auto field : {&OptionsFields::Server, &OptionsFields::SMTPUser1, &OptionsFields::SMTPPass1,
+                             &OptionsFields::SMTPPopHost1, &OptionsFields::SMTPSecurity1, &OptionsFields::SMTPPort1})
         inputs_.AddRow(primary, field);
     QFormLayout& backup = AddGroup(*servers, "Backup SMTP server");
-    for (const auto field :
-         {&OptionsFields::ServerBackup, &OptionsFields::SMTPUser2, &OptionsFields::SMTPPass2, &OptionsFields::SMTPPopHost2})
+    for (const auto field : {&OptionsFields::ServerBackup, &OptionsFields::SMTPUser2, &OptionsFields::SMTPPass2,
+                             &OptionsFields::SMTPPopHost2, &OptionsFields::SMTPSecurity2, &OptionsFields::SMTPPort2})
         inputs_.AddRow(backup, field);
 
     auto* ckShowPasswords = NewMark({"ckShowPasswords", "S&how the passwords", "Shows both passwords while it is marked."}, this);
@@ -59,7 +60,9 @@ void frmOptions::AddMailPage() {
     auto* cmdGlobalEmail =
         NewButton({"cmdGlobalEmail", "&Global E-Mail Settings...", "Edits the addresses that all monitors and servers share."},
                   this, [this] { (new frmGlobalEmail(desk_, emails_, this))->open(); });
-    page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail}));
+    auto* cmdFindOut = NewButton({"cmdFindOut", "&Find Out", "Tries which encryption both mail servers offer, and fills it in."},
+                                 this, [this] { cmdFindOut_Click(); });
+    page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail, cmdFindOut}));
 }
 
 void frmOptions::AddReportsPage() {
@@ -175,6 +178,10 @@ void frmOptions::AddResetsPage() {
     add({"cmdDeleteAll", "Delete &All...", "Deletes statistics, failures and response times of all servers."}, OptionsReset::All,
         "Both of these.");
     page.addStretch();
+}
+
+void frmOptions::AddSafeguardsPage() {
+    safeguards_.AddTo(AddPage("Safeguards", "Protections that you can switch on. Each is off until you do."));
 }
 
 }  // namespace korvane

@@ -1,0 +1,82 @@
+#include "notify/hidden_passwords.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "notify/encodings.h"
+
+namespace korvane {
+namespace {
+
+constexpr const char* kPasswordKeys[] = {"SMTPPass1", "SMTPPass2", "ProveMailPass"};
+constexpr std::size_t kShortest = 4;
+
+constexpr std::string_view kShownPassword = "Password=";
+constexpr std::string_view kCommands[] = {"PASS ", "AUTH PLAIN ", "AUTH LOGIN ", "LOGIN "};
+/// An IMAP command comes after its tag.
+constexpr std::string_view kTaggedCommand = " LOGIN ";
+
+constexpr auto npos = std::string::npos;
+
+std::size_t LineEnd(const std::string& text, std::size_t from) {
+    return std::min(text.find_first_of("\r\n", from), text.size());
+}
+
+/// The end of a command in a list between commas, which may stand in quotes: a quote in the password is part of it.
+std::size_t CommandEnd(const std::string& text, std::size_t from) {
+    const std::size_t line = LineEnd(text, from), comma = text.find(',', from);
+    if (comma < line) return comma > from && text[comma - 1] == '\'' ? comma - 1 : comma;
+    const std::size_t quote = text.rfind('\'', line);
+    return quote != npos && quote >= from ? quote : line;
+}
+
+void Replace(std::string& text, std::size_t from, std::size_t to) {
+    if (to > from) text.replace(from, to - from, kNotShown);
+}
+
+bool BeginsCommand(const std::string& text, std::size_t at) {
+    if (std::string_view(text).substr(at).starts_with(kTaggedCommand)) return true;
+    return at == 0 || std::string_view("'\",\n>").find(text[at - 1]) != npos;
+}
+
+void HideAfterCommands(std::string& text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (!BeginsCommand(text, at)) continue;
+        const std::size_t blank = text[at] == ' ' ? 1 : 0;
+        for (const std::string_view command : kCommands) {
+            const std::size_t from = at + blank + command.size();
+            if (!EqualsNoCase(std::string_view(text).substr(at + blank, command.size()), command)) continue;
+            Replace(text, from, CommandEnd(text, from));
+            break;
+        }
+    }
+}
+
+void HideInUrls(std::string& text) {
+    for (std::size_t at = text.find("://"); at != npos; at = text.find("://", at + 3)) {
+        const std::size_t end = std::min(text.find_first_of("/ \t\r\n'\"<>?#", at + 3), text.size());
+        const std::size_t sign = text.rfind('@', end == 0 ? 0 : end - 1);
+        const std::size_t colon = text.find(':', at + 3);
+        if (sign != npos && colon < sign) Replace(text, colon + 1, sign);
+    }
+}
+
+}  // namespace
+
+std::string HiddenPasswords::In(std::string_view text) const {
+    std::string hidden(text);
+    if (!safeguards_.IsOn("HidePasswords")) return hidden;
+    for (const char* key : kPasswordKeys) {
+        const std::string* password = settings_.Find(key);
+        if (password == nullptr || password->size() < kShortest) continue;
+        for (const std::string& form : {*password, Trim(*password), Base64Encode(*password)})
+            hidden = ReplaceAll(hidden, form, kNotShown);
+    }
+    for (std::size_t at = hidden.find(kShownPassword); at != npos; at = hidden.find(kShownPassword, at + 1))
+        Replace(hidden, at + kShownPassword.size(), LineEnd(hidden, at));
+    HideAfterCommands(hidden);
+    HideInUrls(hidden);
+    return hidden;
+}
+
+}  // namespace korvane

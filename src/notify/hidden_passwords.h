@@ -1,0 +1,45 @@
+// Takes passwords out of the texts that people see (HidePasswords): status lines, log, conversations, reasons of failures.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "notify/mail_trace.h"
+#include "store/safeguards.h"
+#include "store/settings_collection.h"
+
+namespace korvane {
+
+class HiddenPasswords {
+public:
+    HiddenPasswords(const Safeguards& safeguards, const SettingsCollection& settings)
+        : safeguards_(safeguards), settings_(settings) {}
+
+    /// Returns the text with each password replaced: the passwords of the settings, unless they are shorter than 4 characters and
+    /// could be any part of a word; what follows "Password="; what follows a login command such as PASS at the beginning of the
+    /// text or after a quote or a comma; and the password in a URL. While the safeguard is off the text stays as it is.
+    std::string In(std::string_view text) const;
+
+private:
+    const Safeguards& safeguards_;
+    const SettingsCollection& settings_;
+};
+
+/// Passes a mail conversation on without passwords, also those that a server repeats.
+class HidingTrace : public MailTrace {
+public:
+    /// `trace` may be null: nothing is passed on then.
+    HidingTrace(MailTrace* trace, const HiddenPasswords& hidden) : trace_(trace), hidden_(hidden) {}
+    void setMsg(const std::string& sent) override {
+        if (trace_ != nullptr) trace_->setMsg(hidden_.In(sent));
+    }
+    void setReceiveMsg(const std::string& received) override {
+        if (trace_ != nullptr) trace_->setReceiveMsg(hidden_.In(received));
+    }
+
+private:
+    MailTrace* trace_;
+    const HiddenPasswords& hidden_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,48 @@
+// Takes one mail out of a mailbox by POP3 (RFC 1939), told apart by a text in its head.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "notify/mail_wire.h"
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/tcp_socket.h"
+
+namespace korvane {
+
+class PopBox {
+public:
+    struct Account {
+        std::string host;
+        std::int32_t port = 995;  ///< 995 is TLS, any other is in clear
+        std::string authorities = {};
+        std::string user;
+        std::string password;
+    };
+
+    /// Nothing else may use the socket while this object lives.
+    PopBox(TcpSocket& socket, const Clock& clock, Events& events);
+
+    /// Looks through the newest 200 mails and deletes the one whose head contains `token`. Returns whether there was one. Throws
+    /// Error with the reason. Waits through the event pump, up to 60 seconds for each reply and 5 minutes for all.
+    bool Take(const Account& account, const std::string& token);
+
+private:
+    bool Converse(const Account& account, const std::string& token);
+    int CountOfMails();
+    std::string HeadOf(int mail);
+    bool IsOk(const std::string& line);
+    void Require(const std::string& line, const std::string& what);
+    std::string ReadLine();
+
+    TcpSocket& socket_;
+    const Clock& clock_;
+    Events& events_;
+    MailWire wire_;
+    std::string arrived_;
+    std::string reply_;
+    std::chrono::milliseconds end_{0};
+};
+
+}  // namespace korvane
