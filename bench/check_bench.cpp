@@ -204,14 +204,19 @@ void HttpTransferSlot(benchmark::State& state) {
 }
 BENCHMARK(HttpTransferSlot);
 
+/// With this many safeguards on: those of web checks, then the questions about the own network.
 void HttpCheck(benchmark::State& state) {
     LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
     Machine machine(100, HttpEntry(std::to_string(server.Port())));
+    constexpr std::pair<const char*, const char*> kSafeguards[] = {
+        {"HTTPStatusFails", "True"}, {"SameHostRedirects", "True"}, {"OwnNetwork", "127.0.0.1"}};
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        machine.settings.setKvSettingsColValue(kSafeguards[i].first, kSafeguards[i].second);
     for (auto _ : state)
         machine.Check(state);
     machine.ExpectAllPassed(state);
 }
-BENCHMARK(HttpCheck);
+BENCHMARK(HttpCheck)->Arg(0)->Arg(2)->Arg(3);
 
 /// The same with the safeguards of the cycle; a thousand entries are due.
 void HttpCheckGuarded(benchmark::State& state) {

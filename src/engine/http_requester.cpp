@@ -136,6 +136,7 @@ TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer,
         } catch (const OtherHostError& refused) {
             error = refused.what();
             ports_.safeguards.Acted(kSameHostRedirects, *error);
+            attempts = 0;  // another request would be redirected, too
         } catch (const std::exception& failure) {
             error = failure.what();
         }

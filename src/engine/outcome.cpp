@@ -137,7 +137,7 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
                                          const std::string& strReason) {
     OwedFailure owed;
     try {
-        if (ports_.network.Excuses(rs, strReason)) return owed;
+        if (IsExcused(rs, strReason, owed)) return owed;
         const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
         rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
@@ -160,6 +160,15 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
         if (owed.refusal.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
     }
     return owed;
+}
+
+bool OutcomeAccounting::IsExcused(Recordset& rs, const std::string& strReason, OwedFailure& owed) {
+    try {
+        return ports_.network.Excuses(rs, strReason);
+    } catch (const std::exception& error) {
+        owed.refusal = RefusalOf(error);
+        throw;
+    }
 }
 
 void OutcomeAccounting::Record(Recordset& rs, Connection& conn, OwedFailure& owed) {

@@ -97,6 +97,7 @@ private:
     std::int32_t AddOne(Recordset& rs, std::string_view column);
     std::chrono::seconds RetryDuration();
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries);
+    bool IsExcused(Recordset& rs, const std::string& strReason, OwedFailure& owed);
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);

@@ -17,6 +17,7 @@ using std::chrono::seconds;
 
 constexpr std::string_view kKey = "OwnNetwork";
 constexpr auto kAnswerWait = 1000ms;
+constexpr seconds kUsualRetry = 60s;
 constexpr int kHops = 255;
 constexpr int kRefused = 10061;
 const std::string kQuestion(32, 'A');
@@ -95,13 +96,14 @@ void OwnNetwork::Note(Recordset& rs) {
 }
 
 void OwnNetwork::Write(Recordset& rs, const std::string& strReason) const {
-    const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
-    const Value interval = rs.Fields("nIntervalSeconds").Value();
-    const bool sooner = !interval.IsBlank() && interval.Int64() > 0 && seconds(interval.Int64()) < retry;
+    seconds next = kUsualRetry;
+    const auto useIfPositive = [&](seconds time) { next = time > 0s ? time : next; };
+    IgnoreErrors([&] { useIfPositive(seconds(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")))); });
+    IgnoreErrors([&] { useIfPositive(std::min(next, seconds(rs.Fields("nIntervalSeconds").Value().Int64()))); });
     rs.Fields("strCurStatus") = status::kOwnNetworkDown;
     rs.Fields("strLastResponse") =
         Left("Not counted, because the own network is down: " + WithoutControls(strReason), kMostStoredCharacters);
-    rs.Fields("dtNextCheck") = ports_.clock.Now() + (sooner ? seconds(interval.Int64()) : retry);
+    rs.Fields("dtNextCheck") = ports_.clock.Now() + next;
     rs.Update();
 }
 

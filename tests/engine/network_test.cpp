@@ -22,7 +22,7 @@ TEST(HttpStatusSafeguard, AStatusFromFourHundredOnFailsUnlessTheEntryCallsItGood
         {on, {Kind::Failure, "refused", 1ms}, "", "Failing", "Reason 'refused' ", 1},
         {"", {Kind::OtherHost, "evil", 1ms}, "", "UP", "evil", 1},
         {"SameHostRedirects=True",
-         {Kind::OtherHost, "evil", 700ms},
+         {Kind::OtherHost, "evil", 1ms},
          "",
          "Failing",
          "Reason 'Redirected to another host: evil' ",
@@ -99,6 +99,17 @@ TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {
         alone.RunFor(25s);
         EXPECT_EQ(alone.Of(1, "strCurStatus"), status) << ++number;
     }
+}
+
+TEST(OwnNetwork, ExcusesAlsoAPageThatSomebodyElseAnswered) {
+    Engine engine({Web({{"strExpectedText", "Welcome"}})},
+                  "OwnNetwork=10.9.9.1\nCatchUp=True\nGuardBadEntries=True\nGlobalRetryDuration=soon");
+    engine.page.Answer("Please log in to the hotel", 5ms);
+    engine.RunFor(50s);
+    EXPECT_EQ(engine.Of(1, "strCurStatus,nFail"), "own network down,0");
+    EXPECT_EQ(engine.page.Requests(), 1);
+    engine.RunFor(20s);
+    EXPECT_EQ(engine.page.Requests(), 2);
 }
 
 }  // namespace
