@@ -151,6 +151,8 @@ TEST(GuardBadEntries, KeepsTheAccountsOfAnHourWhileTheStoreRefusesThem) {
         EXPECT_EQ(engine.rows.Count("Failures"), failed);
         EXPECT_EQ(engine.TakeStarted().size(), 4U) << "a command and a trace each";
         EXPECT_TRUE(engine.Logged("Outcomes of checks are stored again."));
+        engine.run.TheDesk().publisher.PublishReports();
+        EXPECT_TRUE(Holds(engine.Text("Reports/R0/Group1/summary.htm"), "<b>Not checked: strPort 'abc' can't be used.</b>"));
     }
 }
 

@@ -82,7 +82,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
              OdbcConnectionText(options.dir), safeguards, badEntries, kept, blind}),
       catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
       clockGuard({store, clock, safeguards, state, OdbcConnectionText(options.dir)}),
-      wait({clock, person, status, collection, switches, state, [this] { BeginOperations(); },
+      wait({clock, person, status, log, collection, safeguards, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
       stopStart({person, status, switches, state, bFormLoading}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
@@ -152,6 +152,7 @@ void Run::Form_Unload() {
     for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get()})
         timer->SetEnabled(false);
     IgnoreErrors([&] { run.http.CloseInets(); });
+    run.kept.Write(true);
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())
         run.log.WriteLog(kLogFatal, kLogError, "Save: " + error);
