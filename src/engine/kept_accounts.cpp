@@ -59,8 +59,8 @@ void KeptAccounts::PutInto(Recordset& rs) const {
         IgnoreErrors([&] { rs.Fields(column) = value; });
 }
 
-bool KeptAccounts::Write() {
-    if (kept_.empty() || ports_.clock.GetTickCount() < nextTry_) return false;
+bool KeptAccounts::Write(bool atEnd) {
+    if (kept_.empty() || (!atEnd && ports_.clock.GetTickCount() < nextTry_)) return false;
     nextTry_ = ports_.clock.GetTickCount() + kTryEvery;
     IgnoreErrors([&] {
         while (!kept_.empty())

@@ -1,5 +1,5 @@
 // A part of the safeguard GuardBadEntries: while the store refuses to write, what checks change in the rows of entries and the
-// rows that they add to `Failures` are kept in memory, and written when the store takes them. What is kept ends with the program.
+// rows that they add to `Failures` are kept in memory, and written when the store takes them. What cannot be written at its end is lost.
 #pragma once
 
 #include <chrono>
@@ -42,8 +42,8 @@ public:
     /// Makes what is kept of the current row its pending changes.
     void PutInto(Recordset& rs) const;
 
-    /// Tries to write everything, at most once in ten seconds. Returns whether it did now. Throws nothing.
-    bool Write();
+    /// Tries to write everything, at most once in ten seconds unless `atEnd`. Returns whether it did now. Throws nothing.
+    bool Write(bool atEnd = false);
 
     /// Called when the row of the entry was written with all that was kept; adds its failures. Throws store errors.
     void Written(std::int64_t id, Connection& conn);

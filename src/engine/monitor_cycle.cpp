@@ -113,7 +113,7 @@ bool MonitorCycle::LookAtDatabase(Tick& tick) {
     if (goesOn) SummariseInTray(*tick.rs, atOnce);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
-    return another || (isLate && StepOver(tick, tick.owed.error));
+    return another || (isLate && StepOver(tick, tick.owed.error.empty() ? "It stays due" : tick.owed.error));
 }
 
 // Only for safeguards. What is kept in memory counts instead of what is stored.
@@ -139,12 +139,13 @@ bool MonitorCycle::StepOver(Tick& tick, const std::string& error) {
     return ports_.badEntries.SetAside(tick.id, error);
 }
 
+// Returns whether the entry has another time for its next check. The stagger may have put it before the last one.
 bool MonitorCycle::HasMovedOn(Tick& tick) {
     if (!tick.stored || (tick.id == 0 && !ports_.safeguards.IsOn("CatchUp"))) return false;
-    bool later = false;
-    IgnoreErrors([&] { later = tick.rs->Fields("dtNextCheck").Value().When() > tick.dueAt; });
-    if (later) ports_.badEntries.Passed();
-    return later;
+    bool moved = false;
+    IgnoreErrors([&] { moved = tick.rs->Fields("dtNextCheck").Value().When() != tick.dueAt; });
+    if (moved) ports_.badEntries.Passed();
+    return moved;
 }
 
 void MonitorCycle::OpenDueRows(Tick& tick) {

@@ -12,6 +12,8 @@ namespace {
 constexpr int kSecondsPerMinute = 60;
 constexpr int kCompactAtSecond = 10;
 constexpr int kRefreshEverySeconds = 10;
+constexpr double kLongestWaitMinutes = 540;
+constexpr double kWaitWithoutOne = 2;  // minutes
 
 }  // namespace
 
@@ -31,10 +33,23 @@ void BeginWait::Timer2_Timer() {
     IgnoreErrors([&] { state_.nWaitedSeconds = CheckedInt16(state_.nWaitedSeconds + 1); });
 }
 
-double BeginWait::WaitSeconds() const {
-    double minutes = 0;
+double BeginWait::WaitSeconds() {
+    std::optional<double> minutes;
     IgnoreErrors([&] { minutes = ParseNumber(ports_.settings.getKvSettingsColVal("Begin")); });
-    return minutes * kSecondsPerMinute;
+    if (ports_.safeguards.IsOn("GuardBadEntries")) minutes = UsableMinutes(minutes);
+    return minutes.value_or(0) * kSecondsPerMinute;
+}
+
+// The seconds that are waited are counted in 16 bits, so a longer wait would never end.
+double BeginWait::UsableMinutes(std::optional<double> minutes) {
+    if (minutes && *minutes >= 0 && *minutes <= kLongestWaitMinutes) return *minutes;
+    if (!std::exchange(saidUnusable_, true)) {
+        const std::string problem =
+            "Begin: '" + ports_.settings.getKvSettingsColVal("Begin") + "' is not a number of minutes from 0 to 540. 2 is used.";
+        ports_.status.setStatusMSG(problem);
+        ports_.log.WriteLog(kLogOrdinary, kLogError, problem);
+    }
+    return kWaitWithoutOne;
 }
 
 void BeginWait::ShowWaiting(double wait) {

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "engine/cycle_state.h"
 #include "platform/clock.h"
 #include "platform/operator.h"
+#include "store/log.h"
+#include "store/safeguards.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
 
@@ -19,7 +22,9 @@ public:
         const Clock& clock;
         Operator& person;
         StatusLog& status;
+        Log& log;
         const SettingsCollection& settings;
+        const Safeguards& safeguards;
         CycleTimers timers;
         CycleState& state;
         /// Run once, at the first tick: first-run setup and the start-up notice.
@@ -34,7 +39,8 @@ public:
     void Timer2_Timer();
 
 private:
-    double WaitSeconds() const;
+    double WaitSeconds();
+    double UsableMinutes(std::optional<double> minutes);
     void ShowWaiting(double wait);
     void CompactWhileWaiting();
 
@@ -42,6 +48,7 @@ private:
     CycleState& state_;
     bool operationsBegun_ = false;
     bool saidWaiting_ = false;
+    bool saidUnusable_ = false;
     double percent_ = 0;
 };
 

@@ -19,7 +19,7 @@ void Execute(Engine& engine, const std::string& sql) {
 
 TEST(CatchUp, ChecksAllThatIsDueWithinItsIntervalAndStopsAtOnce) {
     for (const bool on : {false, true}) {
-        Engine engine({}, on ? "CatchUp=True" : "");
+        Engine engine({}, on ? "CatchUp=True" : "GuardBadEntries=True");
         for (int i = 0; i < 100; ++i)
             engine.Add(Ping({{"nIntervalSeconds", 10}}));
         engine.Add(Web({{"nIntervalSeconds", 0}}));  // it fails, and is due again at once
@@ -35,6 +35,7 @@ TEST(CatchUp, ChecksAllThatIsDueWithinItsIntervalAndStopsAtOnce) {
         EXPECT_EQ(least >= 6, on) << least;
         EXPECT_TRUE(!on || most <= 7) << most;
         EXPECT_EQ(engine.Logged("Safeguard CatchUp"), on);
+        EXPECT_FALSE(engine.Logged("is set aside"));
     }
     Engine stopped({Web(), Web(), Web(), Web()}, "CatchUp=True");
     stopped.page.Answer("ok", 100ms);
@@ -151,6 +152,8 @@ TEST(GuardBadEntries, KeepsTheAccountsOfAnHourWhileTheStoreRefusesThem) {
         EXPECT_EQ(engine.rows.Count("Failures"), failed);
         EXPECT_EQ(engine.TakeStarted().size(), 4U) << "a command and a trace each";
         EXPECT_TRUE(engine.Logged("Outcomes of checks are stored again."));
+        engine.run.TheDesk().publisher.PublishReports();
+        EXPECT_TRUE(Holds(engine.Text("Reports/R0/Group1/summary.htm"), "<b>Not checked: strPort 'abc' can't be used.</b>"));
     }
 }
 

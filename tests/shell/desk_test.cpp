@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/entry/entry_save.h"
+#include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
 #include "shell/shell_world.h"

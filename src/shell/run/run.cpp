@@ -111,7 +111,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
       clockGuard({store, clock, safeguards, state, OdbcConnectionText(options.dir)}),
       heartbeat({timers, clock, log, collection, safeguards, state, switches, newInet}),
-      wait({clock, person, status, collection, switches, state, [this] { BeginOperations(); },
+      wait({clock, person, status, log, collection, safeguards, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
       stopStart({person, status, switches, state, bFormLoading}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
@@ -177,6 +177,7 @@ void Run::Form_Unload() {
         timer->SetEnabled(false);
     run.heartbeat.End();
     IgnoreErrors([&] { run.http.CloseInets(); });
+    run.kept.Write(true);
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())
         run.log.WriteLog(kLogFatal, kLogError, "Save: " + error);
