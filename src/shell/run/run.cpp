@@ -149,6 +149,7 @@ void Run::Form_Unload() {
     RunRooms& run = *rooms_;
     for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get()})
         timer->SetEnabled(false);
+    run.mailProof.Stop();
     IgnoreErrors([&] { run.http.CloseInets(); });
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())
