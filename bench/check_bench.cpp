@@ -20,6 +20,7 @@
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
@@ -64,13 +65,13 @@ struct Machine {
     }
 
     /// A tick that checks a row. The rows are made due again before they run out, outside of the time that is measured.
-    void Check(benchmark::State& state) {
+    void Check(benchmark::State& state, bool withinSecond = false) {
         if (checked++ % (count / 2) == 0) {
             state.PauseTiming();
             MakeAllDue();
             state.ResumeTiming();
         }
-        cycle.TimerMonitorDB_Timer();
+        cycle.TimerMonitorDB_Timer(withinSecond);
     }
 
     void MakeAllDue() {
@@ -113,18 +114,48 @@ struct Machine {
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
+    Safeguards safeguards{settings, log, status};
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
     RequestProgress progress{{events, person, cycleState, *TimerProgress}};
-    HttpRequester http{{settings, events, clock, progress}};
+    Safeguards safeguards{settings, log, status};
+    EntrySafeguards ofEntries{database.TheStore(), database.DriverString()};
+    HttpRequester http{{settings, safeguards, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
+    QtTcpSocket networkSocket, sckesmtp, plainSocket;
+    LinuxGuidSource guids;
+    Dispatcher mail{{sckesmtp, plainSocket, clock, events, person, files, guids, status, log, settings, safeguards, [] {}}, {}};
+    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards, mail}};
+    OutcomeAccounting accounting{
+        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network, safeguards}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
-    MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
-                        reports, cycleState, database.DriverString()}};
+    KeptAccounts kept{{database.TheStore(), clock, log, ids, safeguards, database.DriverString()}};
+    BadEntries badEntries{{database.TheStore(), clock, status, log, safeguards, kept, database.DriverString()}};
+    BlindAlarm blind{{clock, status, log, [](const Notification&) { return SendOutcome{}; }, safeguards}};
+    MonitorCycle cycle{{database.TheStore(),
+                        clock,
+                        events,
+                        person,
+                        status,
+                        log,
+                        settings,
+                        ofEntries,
+                        http,
+                        tcp,
+                        ping,
+                        network,
+                        accounting,
+                        alarm,
+                        reports,
+                        cycleState,
+                        database.DriverString(),
+                        safeguards,
+                        badEntries,
+                        kept,
+                        blind}};
     int count = 0;
     int checked = 0;
 };
@@ -181,6 +212,18 @@ void HttpCheck(benchmark::State& state) {
     machine.ExpectAllPassed(state);
 }
 BENCHMARK(HttpCheck);
+
+/// The same with the safeguards of the cycle; a thousand entries are due.
+void HttpCheckGuarded(benchmark::State& state) {
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
+    Machine machine(static_cast<int>(state.range(0)), HttpEntry(std::to_string(server.Port())));
+    for (const char* key : {"CatchUp", "GuardBadEntries"})
+        machine.settings.setKvSettingsColValue(key, state.range(1) != 0 ? "True" : "False");
+    for (auto _ : state)
+        machine.Check(state, state.range(1) != 0);
+    machine.ExpectAllPassed(state);
+}
+BENCHMARK(HttpCheckGuarded)->ArgsProduct({{100, 1000}, {0, 1}})->UseRealTime();
 
 /// The processor time of a child process that does the same check, from fork to its end.
 void HttpCheckProcess(benchmark::State& state) {

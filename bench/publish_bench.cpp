@@ -118,7 +118,10 @@ struct ReportsRig {
           ini(theFiles, dir + "/ids.ini"),
           ids(ini, world.clock),
           status(person, world.clock),
-          reports({store, clock, events, person, files, status, settings, ids}, dir) {
+          log(theFiles, world.clock, dir, "1.0.0"),
+          safeguards(settings, log, status),
+          alertPath(safeguards, settings),
+          reports({store, clock, events, person, files, status, settings, ids, safeguards, alertPath}, dir) {
         settings.setKvSettingsColValue("ReportPath", root);
     }
 
@@ -137,6 +140,9 @@ struct ReportsRig {
     IniFile ini;
     ServerIds ids;
     StatusLog status;
+    Log log;
+    Safeguards safeguards;
+    AlertPath alertPath;
     Reports reports;
 };
 

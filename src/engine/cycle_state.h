@@ -13,6 +13,7 @@ struct CycleState {
     std::int16_t nSleepTotal = 0;     ///< length of the current sleep
     std::int32_t nReportTicks = 0;    ///< ticks since reports were last published
     std::int32_t nCycleCount = 0;     ///< ticks that reached the database
+    std::uint32_t nTicks = 0;         ///< changes with each tick: the cycle is alive
     double nLastAverage = 0;          ///< average response time in milliseconds of the entry being checked
     std::int16_t nWaitedSeconds = 0;  ///< spent in the wait before monitoring begins
     bool bMonitoring = true;          ///< monitoring is on, or will be after the wait

@@ -6,6 +6,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/http_status.h"
 #include "platform/wait.h"
 
 namespace korvane {
@@ -16,7 +17,10 @@ using namespace std::chrono_literals;
 constexpr auto kSettleLimit = 6000ms;  // wait for an earlier request on the same slot
 constexpr auto kHiccupLimit = 500ms;   // an empty answer faster than this is requested again
 constexpr int kMostAttempts = 11;
+constexpr std::string_view kNoResponse = "No Response Returned.";
 constexpr std::string_view kBinaryAnswer = "Binary Data Returned";
+
+constexpr std::string_view kSameHostRedirects = "SameHostRedirects";
 
 constexpr double kFullAtAverages = 1.2;
 constexpr int kBarMaximum = 100;
@@ -54,6 +58,14 @@ void RequestProgress::TimerProgress_Timer() {
     ports_.person.SetProgress(static_cast<int>(std::min(share, 1.0) * kBarMaximum), kBarMaximum);
 }
 
+bool UseProxy(const SettingsCollection& settings, Inet::Request& request) {
+    const std::string proxy = settings.getKvSettingsColVal("ProxyName");
+    if (proxy.empty()) return false;
+    request.AccessType = InetAccess::NamedProxy;
+    request.Proxy = proxy + ":" + settings.getKvSettingsColVal("ProxyPort");
+    return true;
+}
+
 void HttpRequester::LoadInets(const std::function<std::unique_ptr<Inet>()>& newInet) {
     for (auto& inet : inets_)
         inet = newInet();
@@ -77,9 +89,27 @@ int HttpRequester::getOpenInetIndex() {
 TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
-    TimedCheckResult result = Fetch(slot, TransferOf(request));
+    const bool statusCounts = request.goodStatuses && ports_.safeguards.IsOn(kHttpStatusFails);
+    TimedCheckResult result = Fetch(slot, TransferOf(request), statusCounts ? 1 : kMostAttempts);
+    const int status = slot.ResponseCode();
     IgnoreErrors([&] { slot.Cancel(); });
+    if (statusCounts) JudgeStatus(request, status, result);
     return result;
+}
+
+// A page that an entry calls good may be empty: pages of that kind often are.
+void HttpRequester::JudgeStatus(const Request& request, int status, CheckResult& result) {
+    constexpr int kFirstBad = 400;
+    const bool answered = result.strReason.empty() || result.strReason == kNoResponse;
+    const bool doubtful = status >= kFirstBad || !result.strReason.empty();
+    if (!answered || !doubtful) return;
+    if (NamesStatus(request.goodStatuses(), status)) {
+        result.strReason.clear();
+        if (result.response.empty()) result.response = "HTTP status " + std::to_string(status);
+    } else if (status >= kFirstBad) {
+        result.strReason = StatusReason(status);
+        ports_.safeguards.Acted(kHttpStatusFails, result.strReason);
+    }
 }
 
 Inet::Request HttpRequester::TransferOf(const Request& request) const {
@@ -88,25 +118,24 @@ Inet::Request HttpRequester::TransferOf(const Request& request) const {
     transfer.UserName = request.strUser;
     if (!request.strUser.empty()) transfer.Password = request.strPassword;
     transfer.RequestTimeout = request.nTimeout;
-    const std::string proxy = ports_.settings.getKvSettingsColVal("ProxyName");
-    if (!proxy.empty()) {
-        transfer.AccessType = InetAccess::NamedProxy;
-        transfer.Proxy = proxy + ":" + ports_.settings.getKvSettingsColVal("ProxyPort");
-    } else if (request.nPort != 80 && request.nPort != 443) {
-        transfer.RemotePort = request.nPort;
-    }
+    if (request.goodStatuses && ports_.safeguards.IsOn(kSameHostRedirects)) transfer.Redirects = InetRedirects::SameHost;
+    const bool ownPort = request.nPort != 80 && request.nPort != 443;
+    if (!UseProxy(ports_.settings, transfer) && ownPort) transfer.RemotePort = request.nPort;
     return transfer;
 }
 
-TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer) {
+TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer, int attempts) {
     const RequestProgress::Request running(ports_.progress);
     WaitFor(ports_.events, ports_.clock, kSettleLimit, [&] { return !slot.StillExecuting(); });
     TimedCheckResult result;
     std::optional<std::string> error;  // it counts even when a later attempt gets an answer
-    for (int n = 0; n < kMostAttempts && result.response.empty() && result.nResponseMs < kHiccupLimit; ++n) {
+    for (int n = 0; n < attempts && result.response.empty() && result.nResponseMs < kHiccupLimit; ++n) {
         const auto start = ports_.clock.GetTickCount();
         try {
             result.response = slot.OpenURL(transfer);
+        } catch (const OtherHostError& refused) {
+            error = refused.what();
+            ports_.safeguards.Acted(kSameHostRedirects, *error);
         } catch (const std::exception& failure) {
             error = failure.what();
         }
@@ -118,7 +147,7 @@ TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer)
         result.response.clear();
         result.strReason = "Reason '" + *error + "'";
     } else if (result.response.empty()) {
-        result.strReason = "No Response Returned.";
+        result.strReason = kNoResponse;
     }
     return result;
 }

@@ -18,6 +18,7 @@
 #include "platform/inet.h"
 #include "platform/operator.h"
 #include "platform/timer.h"
+#include "store/safeguards.h"
 #include "store/settings_collection.h"
 
 namespace korvane {
@@ -62,12 +63,16 @@ private:
     std::vector<std::int32_t> nProgressTicks_;  ///< of each running request
 };
 
+/// Returns whether the settings name a proxy; the request then uses it.
+bool UseProxy(const SettingsCollection& settings, Inet::Request& request);
+
 class HttpRequester {
 public:
     static constexpr int kSlots = 6;
 
     struct Ports {
         const SettingsCollection& settings;
+        Safeguards& safeguards;
         Events& events;
         const Clock& clock;
         RequestProgress& progress;
@@ -78,7 +83,10 @@ public:
         std::string strUser = {};
         std::string strPassword = {};
         std::chrono::seconds nTimeout = kNewTimeout;
-        std::int16_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
+        std::int32_t nPort = 80;  ///< 80 and 443 leave the choice to the scheme; not applied behind a proxy
+        /// Returns the entry's own list of statuses that count as good; called only when it is needed, and its errors are passed
+        /// on. Empty when no entry is checked: then no safeguard applies.
+        std::function<std::string()> goodStatuses = {};
     };
 
     explicit HttpRequester(const Ports& ports) : ports_(ports) {}
@@ -93,12 +101,14 @@ public:
     int getOpenInetIndex();
 
     /// Fetches the page; an empty answer within half a second is requested again, up to 11 times in all. Waits through the event
-    /// pump. `nResponseMs` is the time of the last attempt.
+    /// pump. `nResponseMs` is the time of the last attempt. With HTTPStatusFails on, the page is requested once, and its status
+    /// decides, too.
     TimedCheckResult getURLData2(const Request& request);
 
 private:
     Inet::Request TransferOf(const Request& request) const;
-    TimedCheckResult Fetch(Inet& slot, const Inet::Request& transfer);
+    TimedCheckResult Fetch(Inet& slot, const Inet::Request& transfer, int attempts);
+    void JudgeStatus(const Request& request, int status, CheckResult& result);
 
     Ports ports_;
     std::array<std::unique_ptr<Inet>, kSlots> inets_;

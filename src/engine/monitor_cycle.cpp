@@ -10,6 +10,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/down_time.h"
+#include "engine/http_status.h"
 #include "engine/server_table.h"
 
 namespace korvane {
@@ -18,9 +19,9 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::seconds;
 
-constexpr auto kLookAhead = 120s;           // rows due so soon are read, though only a row already due is checked
-constexpr auto kSleepWithNothingDue = 60s;  // half of the look-ahead
-constexpr auto kInactiveInterval = 21600s;  // an entry that is not watched comes up every six hours
+constexpr auto kLookAhead = 120s;            // rows due so soon are read, though only a row already due is checked
+constexpr auto kSleepWithNothingDue = 60s;   // half of the look-ahead
+constexpr seconds kSleepWhileKeeping = 10s;  // what is kept in memory is written soon
 constexpr std::int32_t kMostReportTicks = 1001;
 constexpr std::int32_t kReportTicksAtLeast = 60;   // between publications
 constexpr std::int32_t kReportTicksAtMost = 1000;  // the sleep branch is then forced
@@ -42,59 +43,108 @@ std::int64_t MinutesBetween(DateTime from, DateTime to) {
 
 }  // namespace
 
-void MonitorCycle::TimerMonitorDB_Timer() {
-    DoTick();
+bool MonitorCycle::TimerMonitorDB_Timer(bool withinSecond) {
+    const bool another = DoTick(withinSecond);
     if (state_.nSleepLeft > 0) ports_.store.Rest();
+    return another;
 }
 
-void MonitorCycle::DoTick() {
+bool MonitorCycle::DoTick(bool withinSecond) {
     Tick tick;
+    tick.withinSecond = withinSecond;
     try {
         Step("Starting Monitor Timer");
         if (state_.nReportTicks > kMostReportTicks) {
             state_.nReportTicks = kMostReportTicks;
             Step("Setting Reports time to 1001");
         }
-        ++state_.nReportTicks;
+        if (!withinSecond) ++state_.nReportTicks;
+        ++state_.nTicks;
         ports_.person.SetClockText(ports_.clock.Now().TimeText());
         Step("checking sleep time");
         if (state_.nSleepLeft > 0) return CountDownSleep();
         ports_.person.SetCycleText("Monitoring. Please Wait...");
         ports_.person.ShowProgress(false);
         Step("refresh url list");
-        ports_.person.RefreshURLList();
-        LookAtDatabase(tick);
+        if (!withinSecond) ports_.person.RefreshURLList();
+        return LookAtDatabase(tick);
     } catch (const std::exception& error) {
+        if (StepOver(tick, error.what())) return true;
+        if (tick.id == 0 && ports_.badEntries.On()) ports_.blind.IsBlind(error.what());
         Fail(tick, error.what());
     }
+    return false;
 }
 
-void MonitorCycle::CountDownSleep() {
+bool MonitorCycle::CountDownSleep() {
     --state_.nSleepLeft;
-    if (!ports_.person.WindowVisible()) return;
+    const bool over = state_.nSleepLeft <= 0;
+    if (!ports_.person.WindowVisible()) return over;
     if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
-    if (state_.nSleepTotal <= 0) return;
+    if (state_.nSleepTotal <= 0) return over;
     const std::string left = std::to_string(state_.nSleepLeft);
     ports_.person.SetProgress(state_.nSleepTotal - state_.nSleepLeft, state_.nSleepTotal);
     ports_.person.SetProgressTip("Next Monitoring Event scheduled to occur in " + left + " seconds.");
     ports_.person.SetCycleText("Sleeping for " + left + " seconds.");
     ports_.person.ShowProgress(true);
+    return over;
 }
 
-void MonitorCycle::LookAtDatabase(Tick& tick) {
+bool MonitorCycle::LookAtDatabase(Tick& tick) {
+    if (ports_.kept.Write()) ports_.alarm.Note("");
     OpenDueRows(tick);
-    const bool alarmed = ports_.alarm.Raised();
-    bool goesOn = true;
+    GoToEntry(tick);
+    const bool atOnce = ports_.alarm.Raised() || tick.withinSecond;
+    bool goesOn = ports_.kept.Empty();
+    bool isLate = false;
+    bool another = false;
     if (tick.rs->RecordCount() < 1) {
         SleepWithNothingDue(tick);
     } else if (const seconds diff = SecondsUntilDue(tick); diff > 0s || state_.nReportTicks > kReportTicksAtMost) {
-        SleepUntilDue(diff);
+        tick.id = 0;  // an error in here is not the entry's
+        SleepUntilDue(ports_.kept.Empty() ? diff : std::min(diff, kSleepWhileKeeping));
+        if (tick.withinSecond) SeeAllRows(tick);
     } else {
-        goesOn = HandleRow(tick);
+        goesOn = HandleRow(tick) && !tick.withinSecond;
+        another = tick.kept || HasMovedOn(tick);
+        isLate = !another && !tick.refused;
+        if (another) tick.id = 0;
     }
-    if (goesOn) SummariseInTray(*tick.rs, alarmed);
+    if (goesOn) SummariseInTray(*tick.rs, atOnce);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
+    return another || (isLate && StepOver(tick, tick.owed.error));
+}
+
+// Only for safeguards. What is kept in memory counts instead of what is stored.
+void MonitorCycle::GoToEntry(Tick& tick) {
+    if (!ports_.badEntries.On() && ports_.kept.Empty()) return;
+    const bool hasRows = tick.rs->RecordCount() > 0;
+    ports_.blind.Sees(hasRows ? tick.rs.get() : nullptr);
+    if (!hasRows) return;
+    if (!ports_.kept.Empty()) {
+        tick.due = query::ById(ports_.kept.FirstDue(*tick.rs));
+        tick.rs->Close();
+        tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+        ports_.kept.PutInto(*tick.rs);
+    }
+    tick.id = tick.rs->Fields("ID").Value().Int64();
+}
+
+// Returns whether the entry of the tick, which is still due, was set aside.
+bool MonitorCycle::StepOver(Tick& tick, const std::string& error) {
+    if (tick.id == 0) return false;
+    IgnoreErrors([&] { tick.rs->Close(); });
+    IgnoreErrors([&] { tick.conn->Close(); });
+    return ports_.badEntries.SetAside(tick.id, error);
+}
+
+bool MonitorCycle::HasMovedOn(Tick& tick) {
+    if (!tick.stored || (tick.id == 0 && !ports_.safeguards.IsOn("CatchUp"))) return false;
+    bool later = false;
+    IgnoreErrors([&] { later = tick.rs->Fields("dtNextCheck").Value().When() > tick.dueAt; });
+    if (later) ports_.badEntries.Passed();
+    return later;
 }
 
 void MonitorCycle::OpenDueRows(Tick& tick) {
@@ -102,7 +152,9 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
-    tick.due = query::DueBy(ports_.clock.Now() + kLookAhead);
+    const DateTime ahead = ports_.clock.Now() + kLookAhead;
+    const bool needsAll = !tick.withinSecond || !ports_.kept.Empty();
+    tick.due = needsAll ? query::DueBy(ahead) : query::FirstDueBy(ahead);
     tick.rs = ports_.store.NewRecordset();
     tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
@@ -110,11 +162,18 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     ports_.person.SetProgress(0, 100);
 }
 
+// For the summary, which is not made while entries are due.
+void MonitorCycle::SeeAllRows(Tick& tick) {
+    tick.rs->Close();
+    tick.rs->Open(query::DueBy(ports_.clock.Now() + kLookAhead), *tick.conn, CursorType::Keyset, LockType::Pessimistic);
+}
+
 seconds MonitorCycle::SecondsUntilDue(Tick& tick) {
     Step("checking dtnextcheck");
     if (tick.rs->Fields("dtNextCheck").Value().IsBlank()) tick.rs->Fields("dtNextCheck") = ports_.clock.Now();
     Step("checking dtNextCheck difference");
-    return tick.rs->Fields("dtNextCheck").Value().When() - ports_.clock.Now();
+    tick.dueAt = tick.rs->Fields("dtNextCheck").Value().When();
+    return tick.dueAt - ports_.clock.Now();
 }
 
 void MonitorCycle::Sleep(seconds time) {
@@ -184,7 +243,7 @@ bool MonitorCycle::HandleRow(Tick& tick) {
     if (inDownTime || !IsOn(rs, "bIsMonitoring")) {
         SkipRow(rs, inDownTime);
     } else if (!CheckRow(tick)) {
-        ports_.alarm.Note(tick.owed.refusal);
+        NoteOutcome(tick, tick.owed.refusal);
         return false;
     }
     UpdateRow(tick);
@@ -241,6 +300,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     if (rs.Fields("nAveResponse").Value().IsEmpty()) rs.Fields("nAveResponse") = 0.0;
     state_.nLastAverage = rs.Fields("nAveResponse").Value().Double();
 
+    ports_.network.AskBeforeCheck();
     const CheckKind kind = CheckKindOf(ColumnText(rs, "strType"));
     const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
     const TimedCheckResult result =
@@ -277,12 +337,20 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
         .strUser = user,
         .strPassword = ColumnText(rs, "strPassword"),
         .nTimeout = seconds(TimeoutOf(rs).Int16()),
-        .nPort = rs.Fields("strPort").Value().Int16(),
+        .nPort = PortOf(rs),
+        .goodStatuses = [&] { return ports_.ofEntries.Read(rs.Fields("ID").Value().Int64(), kHttpStatusGood); },
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);
     if (!result.strReason.empty()) SayAndLog(ColumnText(rs, "strType") + " failure: " + result.strReason);
     return result;
+}
+
+std::int32_t MonitorCycle::PortOf(Recordset& rs) const {
+    const Value port = rs.Fields("strPort").Value();
+    if (!ports_.badEntries.On()) return port.Int16();
+    if (port.Int32() > kHighestPort) throw OverflowError();
+    return port.Int32();
 }
 
 TimedCheckResult MonitorCycle::PingOrTalk(Recordset& rs, bool ping) {
@@ -366,14 +434,26 @@ void MonitorCycle::UpdateRow(Tick& tick) {
     try {
         tick.rs->Update();
         ports_.accounting.Settle(*tick.rs, *tick.conn, tick.owed);
-        ports_.alarm.Note(tick.owed.refusal);
+        NoteOutcome(tick, tick.owed.refusal);
     } catch (const std::exception& error) {
         LogOfTick("tried to update record. err = " + std::string(error.what()), kLogError);
-        ports_.alarm.Note(RefusalOf(error));
+        NoteRefusal(tick, RefusalOf(error));
         // The row keeps its pending changes, and the first cursor move of the summary would try to write them again.
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);
     }
+}
+
+void MonitorCycle::NoteOutcome(Tick& tick, const std::string& refusal) {
+    NoteRefusal(tick, refusal);
+    if (tick.id != 0 && !tick.refused) ports_.kept.Written(tick.id, *tick.conn);
+    tick.stored = !tick.refused;
+}
+
+void MonitorCycle::NoteRefusal(Tick& tick, const std::string& refusal) {
+    tick.refused = !refusal.empty();
+    if (tick.refused && tick.id != 0) tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
+    ports_.alarm.Note(refusal, tick.kept);
 }
 
 void MonitorCycle::SayAndLog(const std::string& message) {

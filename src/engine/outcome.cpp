@@ -1,6 +1,8 @@
 #include "engine/outcome.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
@@ -15,12 +17,15 @@ namespace {
 using std::chrono::seconds;
 
 constexpr std::int64_t kIntervalWithoutOne = 15000;
+constexpr seconds kRetryWithoutOne(60);
+constexpr std::int64_t kStaggerPart = 10;  // of an interval
 constexpr int kLongOutageTries = 50;
 constexpr int kLongOutageFactor = 5;
 constexpr seconds kLongestInterval = std::chrono::years(9999);
 
 constexpr const char* kTip = "Korvane: Outcomes of checks can't be stored! ";
 constexpr const char* kBegins = "Outcomes of checks can't be stored, and are lost: ";
+constexpr const char* kKept = "Outcomes of checks can't be stored, and are kept in memory: ";
 constexpr const char* kIsOver = "Outcomes of checks are stored again.";
 
 // A counter that was never written counts as zero.
@@ -34,10 +39,11 @@ double AverageOf(Recordset& rs, std::string_view column) {
     return value.IsBlank() ? 0.0 : value.Double();
 }
 
-std::int32_t AddOne(Recordset& rs, std::string_view column) {
-    const std::int32_t count = CheckedInt32(CounterOf(rs, column) + 1);
-    rs.Fields(column) = count;
-    return count;
+// Returns one more; with `stays` at most the highest value of the counter.
+template <class Counter>
+std::int64_t OneMore(std::int64_t count, bool stays) {
+    const std::int64_t most = std::numeric_limits<Counter>::max();
+    return stays && count >= most ? most : count + 1;
 }
 
 double PercentUp(std::int64_t failed, double total) {
@@ -64,12 +70,17 @@ std::string RefusalOf(const std::exception& error) {
     return dynamic_cast<const RowGoneError*>(&error) == nullptr ? error.what() : "";
 }
 
+seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur) {
+    const seconds interval(nIntervalSeconds < 1 ? kIntervalWithoutOne : nIntervalSeconds);
+    return std::min(interval, kLongestInterval) * (nTriesCur > kLongOutageTries ? kLongOutageFactor : 1);
+}
+
 void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
     const DateTime now = ports_.clock.Now();
     IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kUp; });
     IgnoreErrors([&] { rs.Fields("datelastcheck") = now; });
     DateTime base = now;
-    IgnoreErrors([&] { base = now - Stagger(rs.RecordCount()); });
+    IgnoreErrors([&] { base = now - Stagger(rs); });
     IgnoreErrors([&] {
         if (CounterOf(rs, "nIntervalSeconds") < 1) rs.Fields("nIntervalSeconds") = kIntervalWithoutOne;
     });
@@ -82,15 +93,27 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
     if (IgnoreErrors([&] { rs.Update(); })) once_.Forget(CounterOf(rs, "ID"));
 }
 
+std::int32_t OutcomeAccounting::AddOne(Recordset& rs, std::string_view column) {
+    const std::int32_t count = CheckedInt32(OneMore<std::int32_t>(CounterOf(rs, column), Guarded()));
+    rs.Fields(column) = count;
+    return count;
+}
+
 bool OutcomeAccounting::HasComeBack(Recordset& rs) const {
     return CounterOf(rs, "nTriesCur") >= TriesOf(rs).Int64() || once_.ActedOnOutage(CounterOf(rs, "ID"));
 }
 
 // Returns how far into the past the interval starts: up to a second for each row that was due, so that entries that are checked
-// one after the other spread out.
-seconds OutcomeAccounting::Stagger(int recordCount) {
+// one after the other spread out. When they catch up, it is at most a tenth of the interval: otherwise an entry that was just
+// checked could come before one that still waits.
+seconds OutcomeAccounting::Stagger(Recordset& rs) {
     const double fraction = std::uniform_real_distribution<double>(0.0, 1.0)(random_);
-    return seconds(RoundHalfEven(fraction * recordCount));
+    std::int64_t most = rs.RecordCount();
+    if (ports_.safeguards.IsOn("CatchUp")) {
+        const std::int64_t interval = CounterOf(rs, "nIntervalSeconds");
+        most = std::min(most, (interval < 1 ? kIntervalWithoutOne : interval) / kStaggerPart);
+    }
+    return seconds(RoundHalfEven(fraction * static_cast<double>(most)));
 }
 
 void OutcomeAccounting::CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
@@ -114,10 +137,11 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
                                          const std::string& strReason) {
     OwedFailure owed;
     try {
+        if (ports_.network.Excuses(rs, strReason)) return owed;
         const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
         rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
-        const std::int16_t tries = CheckedInt16(CounterOf(rs, "nTriesCur") + 1);
+        const std::int16_t tries = CheckedInt16(OneMore<std::int16_t>(CounterOf(rs, "nTriesCur"), Guarded()));
         const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;
         rs.Fields("nPercentUp") = PercentUp(failed, total);
 
@@ -130,6 +154,7 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
         Record(rs, conn, owed);
         ports_.events.DoEvents();
     } catch (const std::exception& error) {
+        owed.error = error.what();
         const std::string message = "DoFailure: Error: " + std::string(error.what());
         ports_.status.setStatusMSG(message);
         if (owed.refusal.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
@@ -161,8 +186,9 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
         if (counted && !kept) owed.row.reset();
         throw;
     }
-    owed.row.reset();  // if this fails, neither was written, and the entry is still due
+    owed.uncommitted = std::exchange(owed.row, std::nullopt);  // if this fails, neither was written, and the entry is still due
     conn.CommitTrans();
+    owed.uncommitted.reset();
 }
 
 void OutcomeAccounting::Settle(Recordset& rs, Connection& conn, OwedFailure& owed) {
@@ -195,39 +221,61 @@ void OutcomeAccounting::SoundAlert(const char* wantedKey, const char* fileKey) {
     if (ports_.settings.IsTrue(wantedKey)) ports_.sound.PlaySound(ports_.settings.getKvSettingsColVal(fileKey));
 }
 
-DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const {
-    const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
+seconds OutcomeAccounting::RetryDuration() {
+    const std::string text = ports_.settings.getKvSettingsColVal("GlobalRetryDuration");
+    if (!Guarded()) return seconds(ParseWhole(text));
+    std::int64_t retry = 0;
+    if (IgnoreErrors([&] { retry = ParseWhole(text); }) && retry > 0) return seconds(retry);
+    if (std::exchange(toldRetry_, text + ".") != text + ".") {
+        const std::string problem = "GlobalRetryDuration: '" + text + "' is not a number of seconds. 60 is used.";
+        ports_.status.setStatusMSG(problem);
+        ports_.log.WriteLog(kLogOrdinary, kLogError, problem);
+    }
+    return kRetryWithoutOne;
+}
+
+DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tries) {
+    const seconds retry = RetryDuration();
     const seconds interval(CounterOf(rs, "nIntervalSeconds"));
     const DateTime now = ports_.clock.Now();
     const bool workingTowardsDown = tries <= TriesOf(rs).Int64();
-    if (workingTowardsDown && interval > retry) return NextCheck(now, retry);
-    return NextCheck(now, tries > kLongOutageTries ? std::min(interval, kLongestInterval) * kLongOutageFactor : interval);
+    const bool longOutage = tries > kLongOutageTries;
+    const seconds wait = workingTowardsDown && interval > retry ? retry
+                         : longOutage                           ? std::min(interval, kLongestInterval) * kLongOutageFactor
+                                                                : interval;
+    // An entry that stays due would be checked over and over, before all that wait.
+    return NextCheck(now, Guarded() || ports_.safeguards.IsOn("CatchUp") ? std::max(wait, seconds(1)) : wait);
+}
+
+std::vector<std::pair<std::string, Value>> FailureColumns(Recordset& rs, const OwedFailure::Row& row, DateTime now) {
+    std::vector<std::pair<std::string, Value>> columns{{"IDParent", rs.Fields("ID").Value()}};
+    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"})
+        columns.emplace_back(column, rs.Fields(column).Value());
+    columns.emplace_back("nFailCount", rs.Fields("nTriesCur").Value());
+    columns.emplace_back("nFailMax", TriesOf(rs));
+    columns.emplace_back("strAction", row.strAction);
+    columns.emplace_back("strReason", Left(row.strReason, kMostStoredCharacters));
+    columns.emplace_back("dateFail", now);
+    return columns;
 }
 
 void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row) {
     const auto failures = OpenRows(ports_.store, conn, query::kNoFailures);
     failures->AddNew();
     failures->Fields("ID") = ports_.ids.NewServerID();
-    failures->Fields("IDParent") = rs.Fields("ID").Value();
-    for (const char* column : {"strGroup", "strDesc", "strAddress_IP", "strType", "strPort", "nTimeout"}) {
-        failures->Fields(column) = rs.Fields(column).Value();
-    }
-    failures->Fields("nFailCount") = rs.Fields("nTriesCur").Value();
-    failures->Fields("nFailMax") = TriesOf(rs);
-    failures->Fields("strAction") = row.strAction;
-    failures->Fields("strReason") = Left(row.strReason, kMostStoredCharacters);
-    failures->Fields("dateFail") = ports_.clock.Now();
+    for (const auto& [column, value] : FailureColumns(rs, row, ports_.clock.Now()))
+        failures->Fields(column) = value;
     failures->Update();
     failures->Close();
 }
 
-void StoreAlarm::Note(const std::string& refusal) {
+void StoreAlarm::Note(const std::string& refusal, bool kept) {
     const bool refused = !refusal.empty();
     // Set each time: the failure of an entry, or a new start of monitoring, sets its own picture.
     if (refused) ports_.person.SetTray(TrayPicture::Error, kTip);
     if (refused == raised_) return;
     raised_ = refused;
-    const std::string text = refused ? kBegins + refusal : kIsOver;
+    const std::string text = refused ? (kept ? kKept : kBegins) + refusal : kIsOver;
     ports_.status.setStatusMSG(text);
     ports_.log.WriteLog(kLogOrdinary, kLogError, text);
     ports_.manager.Status(text);

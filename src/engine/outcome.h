@@ -10,9 +10,12 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "engine/collaborators.h"
 #include "engine/once_an_outage.h"
+#include "engine/own_network.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/events.h"
@@ -20,6 +23,7 @@
 #include "platform/service_manager.h"
 #include "platform/sound.h"
 #include "store/log.h"
+#include "store/safeguards.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -36,9 +40,18 @@ struct OwedFailure {
         std::string strAction;
         std::string strReason;
     };
-    std::string refusal;     ///< why the store refused to record the failure; empty: it did not
-    std::optional<Row> row;  ///< still to be added once the entry's counters are written
+    std::string refusal;             ///< why the store refused to record the failure; empty: it did not
+    std::optional<Row> uncommitted;  ///< it was added, but the transaction failed
+    std::string error;               ///< why DoFailure ended early; empty: it did not
+    std::optional<Row> row;          ///< still to be added once the entry's counters are written
 };
+
+/// Returns the longest time from one check of an entry that is watched to the next: its interval, or five of them in a long
+/// outage.
+std::chrono::seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur);
+
+/// Returns the columns of the row of `Failures`, besides its ID, that the current row of `rs` gets.
+std::vector<std::pair<std::string, Value>> FailureColumns(Recordset& rs, const OwedFailure::Row& row, DateTime now);
 
 class OutcomeAccounting {
 public:
@@ -53,6 +66,8 @@ public:
         const SettingsCollection& settings;
         ServerIds& ids;
         FailureActions& actions;
+        OwnNetwork& network;
+        Safeguards& safeguards;
     };
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
@@ -62,7 +77,8 @@ public:
     void DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
 
     /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
-    /// far stay pending in `rs`. What is returned must be settled after the Update that follows.
+    /// far stay pending in `rs`. What is returned must be settled after the Update that follows. Nothing of this happens while
+    /// the own network is down.
     OwedFailure DoFailure(Recordset& rs, Connection& conn, const std::string& strResponse, const std::string& strReason);
 
     /// Adds the row of `Failures` that is owed, if any; nothing is owed then. Store errors are passed to the caller.
@@ -72,12 +88,15 @@ public:
     void Reseed(std::uint32_t seed) { random_.seed(seed); }
 
 private:
-    std::chrono::seconds Stagger(int recordCount);
+    std::chrono::seconds Stagger(Recordset& rs);
     void CountSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs);
     bool HasComeBack(Recordset& rs) const;
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
-    DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries) const;
+    bool Guarded() const { return ports_.safeguards.IsOn("GuardBadEntries"); }
+    std::int32_t AddOne(Recordset& rs, std::string_view column);
+    std::chrono::seconds RetryDuration();
+    DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries);
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
@@ -85,6 +104,7 @@ private:
     Ports ports_;
     std::minstd_rand random_;
     OnceAnOutage once_;
+    std::string toldRetry_;  ///< the unusable setting that the operator was told of
 };
 
 /// Reports once that the store refuses the outcomes of checks, and once that it accepts them again. Otherwise a full disk would
@@ -100,8 +120,8 @@ public:
 
     explicit StoreAlarm(const Ports& ports) : ports_(ports) {}
 
-    /// Called after each entry with the reason why its outcome could not be written; empty when it was.
-    void Note(const std::string& refusal);
+    /// Called after each entry with the reason why its outcome could not be written; empty when it was. `kept`: it will be.
+    void Note(const std::string& refusal, bool kept = false);
 
     /// While true, the tray shows nothing else.
     bool Raised() const { return raised_; }

@@ -62,6 +62,10 @@ std::string DueBy(DateTime when) {
     return "SELECT  * from servers where dtNextCheck <= #" + QueryDate(when) + "# order by dtNextCheck ";
 }
 
+std::string FirstDueBy(DateTime when) {
+    return DueBy(when) + "limit 100";
+}
+
 std::string MonitoredAndDueBy(DateTime when) {
     return "SELECT * from servers where bIsMonitoring and strCurStatus <> 'Down-Time'  and strCurStatus <> 'Inactive'  "
            "and dtNextCheck <= #" +
@@ -70,6 +74,10 @@ std::string MonitoredAndDueBy(DateTime when) {
 
 std::string FailTextsOf(std::string_view id) {
     return "SELECT * from ResponseFailText where idParent =" + std::string(id);
+}
+
+std::string ById(std::int64_t id) {
+    return "SELECT * from servers where ID = " + std::to_string(id);
 }
 
 }  // namespace query

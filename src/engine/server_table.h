@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,11 +15,14 @@ namespace korvane {
 
 /// The values of `strCurStatus`, in their exact spelling.
 namespace status {
-inline constexpr std::string_view kUp = "UP";               ///< the last check passed
-inline constexpr std::string_view kFailing = "Failing";     ///< failed fewer than nTries times in a row
-inline constexpr std::string_view kDown = "DOWN";           ///< failed nTries times or more in a row
-inline constexpr std::string_view kDownTime = "Down-Time";  ///< inside a daily down-time window
-inline constexpr std::string_view kInactive = "Inactive";   ///< not watched
+inline constexpr std::string_view kUp = "UP";                   ///< the last check passed
+inline constexpr std::string_view kFailing = "Failing";         ///< failed fewer than nTries times in a row
+inline constexpr std::string_view kDown = "DOWN";               ///< failed nTries times or more in a row
+inline constexpr std::string_view kDownTime = "Down-Time";      ///< inside a daily down-time window
+inline constexpr std::string_view kInactive = "Inactive";       ///< not watched
+inline constexpr std::string_view kNotChecked = "Not checked";  ///< set aside by a safeguard, because of its own values
+/// The last check failed while this machine's own network was down.
+inline constexpr std::string_view kOwnNetworkDown = "own network down";
 }  // namespace status
 
 /// One kind of server: the editor's values when the type is chosen, and the texts that `strType` is compared with.
@@ -41,6 +45,11 @@ CheckKind CheckKindOf(std::string_view strType);
 inline constexpr int kNewTries = 3;
 inline constexpr std::chrono::seconds kNewTimeout{15};
 
+/// An entry that is not watched comes up every six hours.
+inline constexpr std::chrono::seconds kInactiveInterval{21600};
+
+inline constexpr int kHighestPort = 65535;
+
 /// Responses and reasons are stored up to this length.
 inline constexpr std::size_t kMostStoredCharacters = 249;
 
@@ -56,8 +65,10 @@ Value TimeoutOf(Recordset& rs);
 /// The engine's queries, byte for byte.
 namespace query {
 std::string DueBy(DateTime when);
+std::string FirstDueBy(DateTime when);  ///< no more than a hundred rows
 std::string MonitoredAndDueBy(DateTime when);
 std::string FailTextsOf(std::string_view id);
+std::string ById(std::int64_t id);
 inline constexpr std::string_view kAllByNextCheck = "SELECT  * from servers order by dtNextCheck asc ";
 inline constexpr std::string_view kNoFailures = "SELECT * FROM Failures where id < 0";
 }  // namespace query

@@ -232,6 +232,7 @@ bool Dispatcher::RunTest(const Notification& test, const std::string& backup) {
     if (test.strTo1.empty()) return true;  // nothing was tried
     const bool primarySent = TestThrough(MailServer::Primary, Setting("Server"), test);
     const bool backupSent = Trim(backup).empty() || TestThrough(MailServer::Backup, backup, test);
+    if (ports_.alertPath != nullptr) ports_.alertPath->TestMail(primarySent && backupSent);
     return primarySent && backupSent;
 }
 

@@ -14,6 +14,7 @@
 #include "notify/plain_mailer.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
+#include "store/alert_path.h"
 #include "store/log.h"
 #include "store/safeguards.h"
 #include "store/settings_collection.h"
@@ -51,6 +52,7 @@ public:
         Safeguards& safeguards;
         std::function<void()> stopMonitor;  ///< stops the monitor if it is running
         MailTrace* trace = nullptr;         ///< of the SMTP conversations; null: no trace
+        AlertPath* alertPath = nullptr;     ///< learns the result of each test mail
     };
 
     struct Options {

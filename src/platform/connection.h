@@ -19,6 +19,18 @@ public:
     using Error::Error;
 };
 
+/// The file is no database of this kind, or is damaged.
+class DamagedError : public Error {
+public:
+    using Error::Error;
+};
+
+/// Another program has locked the file.
+class LockedError : public Error {
+public:
+    using Error::Error;
+};
+
 class Connection {
 public:
     virtual ~Connection() = default;
@@ -39,6 +51,9 @@ public:
     /// Transactions do not nest and must not be held across a wait for anything but the disk. Closing the connection rolls back.
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
+
+    /// Runs a statement that returns no rows, such as "CREATE TABLE IF NOT EXISTS ...", durably or as part of a transaction.
+    virtual void Execute(std::string_view statement) = 0;
 
     /// Throws Error when the file cannot be written now. The file does not change by a single byte.
     virtual void TryWriting() = 0;
@@ -132,6 +147,9 @@ public:
     /// Releases everything that is kept open between two pieces of work: until the next Connection, this process has nothing of
     /// the store open.
     virtual void Rest() {}
+
+    /// Returns whether a Connection is open: the file must not be replaced then.
+    virtual bool InUse() const { return false; }
 };
 
 }  // namespace korvane

@@ -2,11 +2,26 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+
+#include "base/error.h"
 
 namespace korvane {
 
 enum class InetAccess { Default = 0, Direct = 1, NamedProxy = 2 };
+
+enum class InetRedirects {
+    Follow,    ///< as a browser does
+    SameHost,  ///< to another host: OtherHostError; nothing is sent to that host, and its name is not looked up
+    None,      ///< the redirect is the answer
+};
+
+/// A page redirects to a host that the request does not allow.
+class OtherHostError : public Error {
+public:
+    explicit OtherHostError(const std::string& host) : Error("Redirected to another host: " + host) {}
+};
 
 class Inet {
 public:
@@ -19,6 +34,7 @@ public:
         std::string Password = {};
         std::chrono::seconds RequestTimeout{
             60};  ///< for everything together: name, connection, answer, redirects. 0 or less: fails at once
+        InetRedirects Redirects = InetRedirects::Follow;
     };
 
     virtual ~Inet() = default;
@@ -26,12 +42,25 @@ public:
     virtual bool StillExecuting() const = 0;
 
     /// Fetches the page and returns its whole text in UTF-8, whatever the status code of the response is. Blocks until the
-    /// response is complete or RequestTimeout has passed, while the event pump runs. Redirects are followed as a browser does;
-    /// certificates are verified; no connection, name or session is kept from earlier transfers.
+    /// response is complete or RequestTimeout has passed, while the event pump runs. Certificates are verified; no connection,
+    /// name or session is kept from earlier transfers.
     ///
     /// Throws TypeMismatchError when the response is binary data, Error with a readable reason for every failure, and "Request
     /// cancelled" after Cancel.
     virtual std::string OpenURL(const Request& request) = 0;
+
+    /// Returns the status code (RFC 9110, section 15) of the last answer that was received, whether or not OpenURL then threw; 0:
+    /// none.
+    virtual int ResponseCode() const = 0;
+
+    /// Begins a request whose page nobody wants to read and returns at once; drops an earlier one that still runs. The pump
+    /// carries it on. Throws Error.
+    virtual void Start(const Request& request) = 0;
+
+    /// Returns how the started request ended: why it failed, or an empty text if an answer came, whose status ResponseCode
+    /// returns. Returns nothing while it runs, and after its end was returned once. While it runs, this must be called about once
+    /// a second: its time-outs pass only here.
+    virtual std::optional<std::string> Outcome() = 0;
 
     /// Cancels the running transfer, if any: the OpenURL on the stack throws when control returns to it.
     virtual void Cancel() = 0;

@@ -18,7 +18,8 @@ public:
     /// Called at each tick. Set it before the first Enable.
     void OnTick(std::function<void()> tick) { tick_ = std::move(tick); }
 
-    /// Must be above 0. On a running timer it restarts the period.
+    /// On a running timer it restarts the period. 0 ticks whenever the pump has nothing else to deliver; a tick that waits must
+    /// set another period first, or the wait never rests.
     void SetInterval(std::chrono::milliseconds interval) {
         interval_ = interval;
         if (enabled_) Arm(interval_);

@@ -28,8 +28,8 @@ std::string FailureHead() {
                       BoldCell("Timeout", "width=10%"), BoldCell("Reason", "width=25%"), BoldCell("Action Taken", "width=25%")});
 }
 
-std::string FailureRow(Recordset& rs) {
-    const auto text = [&](const char* column) { return TextOf(rs, column); };
+std::string FailureRow(const Publication& publication, Recordset& rs) {
+    const auto text = [&](const char* column) { return publication.Shown(rs, column); };
     const double nFailCount = NumberOf(rs, "nFailCount");
     const double nFailMax = NumberOf(rs, "nFailMax");
     const std::string counts = text("nFailCount") + " of " + text("nFailMax");
@@ -41,7 +41,7 @@ std::string FailureRow(Recordset& rs) {
                 "<td width=10%>");
     row += Cell("\r\nTime-Out: " + text("nTimeout") + "\r\n<br>Port: [" + text("strPort") + "]", "<td width=25%>");
     row += Cell("\r\n" + text("strReason"), "<td width=25%>");
-    row += Cell("\r\n" + text("strAction"), "<td width=25%>");
+    row += Cell("\r\n" + publication.outside.Action(TextOf(rs, "strAction")), "<td width=25%>");
     return row.append(kRowEnd);
 }
 
@@ -55,14 +55,15 @@ void WriteFailures(const Publication& publication, const std::string& id, const 
                 publication.Read(FailuresOf(id) + " limit " + std::to_string(kRowsHeld) + " offset " + std::to_string(first));
             std::string rows;
             for (; !rs->Eof(); rs->MoveNext())
-                rows += FailureRow(*rs);
+                rows += FailureRow(publication, *rs);
             take(rows);
         }
         take(kTableEnd);
     };
     const std::string folder = publication.folder.GroupFolder(idCustomer, strGroup);
     publication.folder.CreateFolder(folder);
-    publication.folder.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate, {"", total, strGroup}, table);
+    publication.folder.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate,
+                                 {"", total, publication.outside.Text(strGroup)}, table);
 }
 
 }  // namespace

@@ -14,7 +14,9 @@
 #include "platform/events.h"
 #include "platform/files.h"
 #include "platform/operator.h"
+#include "reports/page_text.h"
 #include "reports/report_folder.h"
+#include "store/alert_path.h"
 #include "store/database_files.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
@@ -67,6 +69,8 @@ struct ReportPorts {
     StatusLog& status;
     const SettingsCollection& settings;
     ServerIds& ids;
+    Safeguards& safeguards;
+    const AlertPath& alertPath;
 };
 
 /// One publish.
@@ -76,6 +80,7 @@ struct Publication : ReportPorts {
     bool bQuiet;           ///< graphs are written only when a new hour or day begins
     DateTime lastPublish;  ///< servers that failed then or later get a new failure page
     std::string& strErr;   ///< the errors are added to it
+    PageText outside{safeguards};
 
     std::unique_ptr<Recordset> Read(std::string_view query) const {
         return OpenRows(store, connection, query, CursorType::Static, LockType::BatchOptimistic);
@@ -84,6 +89,9 @@ struct Publication : ReportPorts {
     std::unique_ptr<Recordset> Change(std::string_view query) const {
         return OpenRows(store, connection, query, CursorType::Keyset, LockType::Optimistic);
     }
+
+    /// Returns a column as it stands in a page.
+    std::string Shown(Recordset& rs, std::string_view column) const { return outside.Text(TextOf(rs, column)); }
 
     /// Both run the work and return whether it succeeded. A failure is added to `strErr`, or goes to the status line, each after
     /// `routine`.

@@ -14,6 +14,7 @@ struct StatusCell {
     std::string_view word;  ///< in lower case
     std::string_view contents;
 };
+constexpr std::string_view kNotChecked = "not checked";
 constexpr StatusCell kStatusCells[] = {
     {"up", "<img src=../../i/up.gif width=32 height=32 alt=\"Server is Up\"><br><b>UP</b>"},
     {"down", "<img src=../../i/down.gif width=32 height=32 alt=\"Server is Down and in Failure state!\"><br><b>Down!</b>"},
@@ -26,6 +27,10 @@ constexpr StatusCell kStatusCells[] = {
     {"inactive",
      "<img src=../../i/inactive.gif width=32 height=32 alt=\"Server is Inactive - Settings are set to ignore this "
      "device.\"><br><b>Inactive</b>"},
+    {"own network down",
+     "<img src=../../i/failing.gif width=32 height=32 alt=\"The network of the monitor itself is down.\"><br><b>Own network "
+     "down</b>"},
+    {kNotChecked, "<img src=../../i/failing.gif width=32 height=32 alt=\"Cannot be checked.\"><br>"},
 };
 
 constexpr std::string_view kGraphPicture =
@@ -36,6 +41,17 @@ std::string StatusContents(const std::string& strCurStatus) {
     const auto* found =
         std::find_if(std::begin(kStatusCells), std::end(kStatusCells), [&](const StatusCell& cell) { return cell.word == word; });
     return found == std::end(kStatusCells) ? "" : "\r\n" + std::string(found->contents);
+}
+
+std::string WarningOf(const Publication& publication, Recordset& rs) {
+    const std::string warning = publication.alertPath.IsShown() ? publication.alertPath.WarningOf(rs) : "";
+    return warning.empty() ? "" : "<br><font color=red><b>" + warning + "</b></font>";
+}
+
+// The last response of an entry that a safeguard set aside is the reason.
+std::string WhyNotChecked(Recordset& rs) {
+    if (ToLower(TextOf(rs, "strCurStatus")) != kNotChecked) return "";
+    return "<b>" + ReplaceAll(ReplaceAll(TextOf(rs, "strLastResponse"), "&", "&amp;"), "<", "&lt;") + "</b>";
 }
 
 std::string TypeContents(const std::string& strType, const std::string& strPort) {
@@ -49,9 +65,9 @@ std::string AverageLine(double nAveResponse) {
     return opening + FormatGrouped(nAveResponse, 0) + " ms.</font></b>";
 }
 
-std::string DescriptionContents(Recordset& rs) {
-    return "\r\n<b>" + TextOf(rs, "strDesc") + "</b> (" + TextOf(rs, "strAddress_IP") + ") \r\n" +
-           AverageLine(NumberOf(rs, "nAveResponse")) + "\r\n<br>Maximum Time-out Value: " + TextOf(rs, "nTimeout") +
+std::string DescriptionContents(const Publication& publication, Recordset& rs) {
+    return "\r\n<b>" + publication.Shown(rs, "strDesc") + "</b> (" + publication.Shown(rs, "strAddress_IP") + ") \r\n" +
+           AverageLine(NumberOf(rs, "nAveResponse")) + "\r\n<br>Maximum Time-out Value: " + publication.Shown(rs, "nTimeout") +
            (TextOf(rs, "strType") == "PING" ? " ms" : " seconds.");
 }
 
@@ -60,16 +76,17 @@ std::string FailureLink(const std::string& id, const std::string& text) {
 }
 
 // A server that never succeeded has its date here but no link in the up-time cell: the two conditions differ at 0.
-std::string ActivityContents(Recordset& rs, const std::string& id, double nPercentUp) {
+std::string ActivityContents(const Publication& publication, Recordset& rs, const std::string& id, double nPercentUp) {
     const bool failed = nPercentUp < 100 && nPercentUp >= 0;
-    return "\r\nLast Check: " + TextOf(rs, "dateLastCheck") +
-           "<br>Last Failure: " + (failed ? FailureLink(id, TextOf(rs, "dateLastFail")) : "[N/A]") +
-           "\r\n<br>Stats Reset: " + TextOf(rs, "dateLastReset");
+    return "\r\nLast Check: " + publication.Shown(rs, "dateLastCheck") +
+           "<br>Last Failure: " + (failed ? FailureLink(id, publication.Shown(rs, "dateLastFail")) : "[N/A]") +
+           "\r\n<br>Stats Reset: " + publication.Shown(rs, "dateLastReset");
 }
 
-std::string UpTimeContents(Recordset& rs, const std::string& id, double nPercentUp) {
-    const std::string counts = "\r\n" + TextOf(rs, "nSuccess") + " successful requests.\r\n<br>" + TextOf(rs, "nFail") +
-                               " failed requests.\r\n<br>Percent UP-Time: <b>" + FormatGrouped(nPercentUp, 2) + "%</b>";
+std::string UpTimeContents(const Publication& publication, Recordset& rs, const std::string& id, double nPercentUp) {
+    const std::string counts = "\r\n" + publication.Shown(rs, "nSuccess") + " successful requests.\r\n<br>" +
+                               publication.Shown(rs, "nFail") + " failed requests.\r\n<br>Percent UP-Time: <b>" +
+                               FormatGrouped(nPercentUp, 2) + "%</b>";
     return nPercentUp < 100 && nPercentUp > 0 ? counts + "\r\n<br>" + FailureLink(id, "Failure Report") : counts;
 }
 
@@ -78,26 +95,27 @@ bool FailedSince(DateTime lastPublish, Recordset& rs) {
     return !dateLastFail.IsEmpty() && dateLastFail.When() >= lastPublish;
 }
 
-std::string GraphLinks(ReportFolder& folder, const std::string& groupFolder, const std::string& id) {
+std::string GraphLinks(const Publication& publication, const std::string& groupFolder, const std::string& id) {
     const auto link = [&](const char* kind, const char* label, const std::string& before) {
         const std::string page = kind + id + ".htm";
-        if (!folder.Exists(groupFolder + "/" + page)) return before + "None yet";
-        return before + "<a href=\"" + page + "\">" + std::string(kGraphPicture) + " " + label + "</a>";
+        if (!publication.folder.Exists(groupFolder + "/" + page)) return before + "None yet";
+        return before + "<a href=\"" + publication.outside.Link(page) + "\">" + std::string(kGraphPicture) + " " + label + "</a>";
     };
     return link("hourly", "Hourly", "\r\n") + link("daily", "Daily", "\r\n<br>");
 }
 
-std::string ServerRow(Recordset& rs, ReportFolder& folder, const std::string& groupFolder) {
+std::string ServerRow(const Publication& publication, Recordset& rs, const std::string& groupFolder) {
     const std::string id = TextOf(rs, "ID");
+    const std::string link = publication.outside.Link(id);
     const double nPercentUp = NumberOf(rs, "nPercentUp");
     std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")));
-    row += Cell(TypeContents(TextOf(rs, "strType"), TextOf(rs, "strPort")));
-    row += Cell("\r\n" + FormatSeconds(TextOf(rs, "nIntervalSeconds")));
-    row += Cell(DescriptionContents(rs));
-    row += Cell(ActivityContents(rs, id, nPercentUp));
-    row += Cell(UpTimeContents(rs, id, nPercentUp));
-    row += Cell(GraphLinks(folder, groupFolder, id));
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WhyNotChecked(rs) + WarningOf(publication, rs));
+    row += Cell(TypeContents(publication.Shown(rs, "strType"), publication.Shown(rs, "strPort")));
+    row += Cell("\r\n" + publication.outside.Text(FormatSeconds(TextOf(rs, "nIntervalSeconds"))));
+    row += Cell(DescriptionContents(publication, rs));
+    row += Cell(ActivityContents(publication, rs, link, nPercentUp));
+    row += Cell(UpTimeContents(publication, rs, link, nPercentUp));
+    row += Cell(GraphLinks(publication, groupFolder, id));
     return row.append(kRowEnd);
 }
 
@@ -138,8 +156,8 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     StatusLog& status = publication.status;
     ReportFolder& folder = publication.folder;
     status.setStatusMSG("Summary Report: Getting " + strGroup + " Records...");
-    const std::string query =
-        "SELECT * FROM Servers where strGroup = '" + strGroup + "' order by strCurStatus, nAveResponse desc";
+    const std::string query = "SELECT * FROM Servers where strGroup = '" + publication.outside.InQuery(strGroup) +
+                              "' order by strCurStatus, nAveResponse desc";
     const auto rs = publication.Read(query);
     const int total = rs->RecordCount();
     status.setStatusMSG("     " + std::to_string(total) + " " + strGroup + " records found.");
@@ -158,7 +176,7 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
             PublishHourlyResponseTimeReport(publication, *rs);
             PublishDailyResponseTimeReport(publication, *rs);
         }
-        table += ServerRow(*rs, folder, groupFolder);
+        table += ServerRow(publication, *rs, groupFolder);
         averages.Add(*rs);
         if (!FailedSince(publication.lastPublish, *rs)) continue;
         status.setStatusMSG("Recent failure recorded for " + TextOf(*rs, "strAddress_IP") + ". Updating Failure Report...");
@@ -166,7 +184,8 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     }
     table += averages.Row();
     table += kTableEnd;
-    folder.Write(groupFolder + "/summary.htm", folder.Merge(kSummaryTemplate, {table, total, strGroup}));
+    folder.Write(groupFolder + "/summary.htm",
+                 folder.Merge(kSummaryTemplate, {table, total, publication.outside.Text(strGroup)}));
     folder.EnsurePictures();
 }
 

@@ -22,7 +22,22 @@ constexpr std::string_view kAllServers = "SELECT * from servers order by id";
 AlertMonitor::AlertMonitor(const MonitorPorts& ports, const MonitorKind& kind)
     : ports_(ports), timer_(ports.timers.NewTimer(kind.timer)), kind_(kind) {
     timer_->SetInterval(kind.period);
-    timer_->OnTick([this] { Look(); });
+    timer_->OnTick([this] { Tick(); });
+}
+
+void AlertMonitor::Tick() {
+    if (ports_.ofMachineWatch) {
+        FollowFile();
+        if (ckDisable || !MayAlert()) return;
+    }
+    Look();
+}
+
+// A file that cannot be looked at has not changed.
+void AlertMonitor::FollowFile() {
+    IgnoreErrors([&] {
+        if (ports_.files.Identity(AlertSettingsPath(ports_.dir, kind_)) != loadedFile_) LoadData();
+    });
 }
 
 void AlertMonitor::Shown() {
@@ -31,6 +46,7 @@ void AlertMonitor::Shown() {
 }
 
 void AlertMonitor::LoadData() {
+    IgnoreErrors([&] { loadedFile_ = ports_.files.Identity(AlertSettingsPath(ports_.dir, kind_)); });
     const AlertSettings settings = ReadAlertSettings(ports_.files, ports_.dir, kind_);
     txtEmail = settings.email;
     ckDisable = settings.disable == "1";
@@ -56,7 +72,10 @@ void AlertMonitor::cmdSave() {
 }
 
 void AlertMonitor::Switch() {
-    if (kind_.disableStopsTimer) timer_->SetEnabled(!ckDisable);
+    if (ports_.ofMachineWatch)
+        timer_->SetEnabled(true);  // the mark may be taken away in the file
+    else if (kind_.disableStopsTimer)
+        timer_->SetEnabled(!ckDisable);
 }
 
 // An empty address is also invalid, so a test never goes to the default address.
@@ -87,6 +106,9 @@ bool AlertMonitor::RefusedTest() {
 }
 
 void AlertMonitor::SendAlert(const std::string& body) {
+    if (!ports_.ofMachineWatch && ports_.safeguards.IsOn(kWatchMachine)) return;
+    if (ports_.ofMachineWatch)
+        ports_.safeguards.Acted(kWatchMachine, "This machine's alerts go out by their settings files, without a window.");
     const std::string address = txtEmail.empty() ? DefaultAddress() : txtEmail;
     if (!address.empty()) return ports_.mails.Alert(MailTo(address, body));
     if (!noAddressLogged_)
@@ -121,6 +143,7 @@ void AlertMonitor::Changed() const {
 }
 
 void AlertMonitor::ShowError(const std::string& text) const {
+    if (ports_.ofMachineWatch) return ports_.log.WriteLog(kLogOrdinary, kLogError, std::string(kind_.subject) + ": " + text);
     ports_.person.ShowError(kTitle, text);
 }
 

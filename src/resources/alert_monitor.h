@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/clock.h"
@@ -14,6 +16,7 @@
 #include "platform/timer.h"
 #include "resources/alert_mails.h"
 #include "resources/alert_settings.h"
+#include "store/safeguards.h"
 #include "store/settings_collection.h"
 
 namespace korvane {
@@ -29,7 +32,12 @@ struct MonitorPorts {
     const SettingsCollection& settings;
     AlertMails& mails;
     Log& log;
+    Safeguards& safeguards;
+    bool ofMachineWatch = false;  ///< without a window: it looks from the start, and follows its file as that changes
 };
+
+/// The safeguard with which only the monitors of MachineWatch send alerts, so that nothing is alerted twice.
+constexpr std::string_view kWatchMachine = "WatchMachine";
 
 /// A monitor may be destroyed at any time, even while its mail is being sent.
 class AlertMonitor {
@@ -70,6 +78,8 @@ protected:
 
     /// Called at each tick of the timer.
     virtual void Look() = 0;
+    /// Returns whether the settings ask for any alert.
+    virtual bool MayAlert() const { return !cboAlert.empty(); }
     virtual std::string TestBody() const = 0;
     /// Receives the settings after the values on the screen have been set.
     virtual void Loaded(const AlertSettings& /*settings*/) {}
@@ -89,6 +99,8 @@ protected:
     const std::unique_ptr<Timer> timer_;
 
 private:
+    void Tick();
+    void FollowFile();
     void Switch();
     Notification MailTo(const std::string& address, const std::string& body) const;
     std::string DefaultAddress() const;
@@ -101,6 +113,7 @@ private:
     bool testUnderWay_ = false;
     bool noAddressLogged_ = false;  ///< since the settings were loaded
     int looksDue_ = 0;              ///< in a row
+    std::optional<FileIdentity> loadedFile_;
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -46,10 +46,6 @@ std::string Line(std::string_view key, const std::string& value) {
     return WithoutLineEnds(std::string(key) + value) + "\r\n";
 }
 
-std::string PathOf(const std::string& dir, const MonitorKind& kind) {
-    return dir + "/" + std::string(kind.file);
-}
-
 }  // namespace
 
 constexpr MonitorKind kCpuMonitor = {.file = "CPUMon.dat",
@@ -81,10 +77,14 @@ constexpr MonitorKind kServiceMonitor = {.file = "SvcMon.dat",
                                          .testSent = "Test email for Services Monitor has been sent",
                                          .refusalDisablesTest = true};
 
+std::string AlertSettingsPath(const std::string& dir, const MonitorKind& kind) {
+    return dir + "/" + std::string(kind.file);
+}
+
 AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind) {
     AlertSettings settings;
     IgnoreErrors([&] {
-        const std::string contents = ToUtf8(files.Read(PathOf(dir, kind)).value_or(""));
+        const std::string contents = ToUtf8(files.Read(AlertSettingsPath(dir, kind)).value_or(""));
         for (std::string_view rest = contents; !rest.empty();)
             TakeLine(TakeFirstLine(rest), kind, settings);
     });
@@ -97,7 +97,7 @@ void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind&
         text += Line(key, settings.*member);
     for (const std::string& service : settings.services)
         text += Line(kind.serviceKey, service);
-    IgnoreErrors([&] { files.Replace(PathOf(dir, kind), text); });
+    IgnoreErrors([&] { files.Replace(AlertSettingsPath(dir, kind), text); });
 }
 
 }  // namespace korvane

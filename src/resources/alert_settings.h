@@ -49,6 +49,8 @@ extern const MonitorKind kServiceMonitor;
 /// cannot be read.
 AlertSettings ReadAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind);
 
+std::string AlertSettingsPath(const std::string& dir, const MonitorKind& kind);
+
 /// Writes the whole file. A write error is not reported.
 void WriteAlertSettings(Files& files, const std::string& dir, const MonitorKind& kind, const AlertSettings& settings);
 

@@ -32,7 +32,14 @@ MemoryMonitor::MemoryMonitor(const MonitorPorts& ports, Events& events, const Sy
 void MemoryMonitor::Look() {
     const bool hasShare = ShowMemory();
     Changed();
-    if (hasShare) AlertAtEleventhLook(!cboAlert.empty(), Body());
+    if (hasShare) AlertAtEleventhLook(IsDue(), Body());
+}
+
+bool MemoryMonitor::IsDue() const {
+    if (!ports_.ofMachineWatch) return !cboAlert.empty();
+    double level = 0;
+    IgnoreErrors([&] { level = ParseNumber(cboAlert); });
+    return level > 0 && 100 - figures_.percent >= level;
 }
 
 // Returns whether there is a share: a machine that reports no figures has none, and the check ends before the count.

@@ -1,5 +1,6 @@
 // Watches the physical memory, every half minute. If a level is chosen, it sends a mail on every eleventh check, whatever the
-// level and the free memory are; the disable mark is stored and shown, but stops nothing.
+// level and the free memory are; the disable mark is stored and shown, but stops nothing. The monitor of MachineWatch sends it when
+// the used share was at or above the level eleven times in a row, and obeys the mark.
 #pragma once
 
 #include <cstdint>
@@ -34,6 +35,7 @@ public:
 private:
     void Look() override;
     bool ShowMemory();
+    bool IsDue() const;
     std::string TestBody() const override { return Body() + " for approx. 5 minutes consistently"; }
     std::string Body() const;
 

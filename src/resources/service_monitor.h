@@ -38,6 +38,7 @@ public:
 
 private:
     void Look() override;
+    bool MayAlert() const override { return !saved_.empty(); }
     void Loaded(const AlertSettings& settings) override;
     std::vector<std::string> WatchedServices() override;
     std::string TestBody() const override;

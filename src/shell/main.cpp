@@ -9,15 +9,19 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <string_view>
 
 #include "platform/linux/process_setup.h"
 #include "shell/process/process.h"
+#include "store/safeguards.h"
 
 namespace korvane {
 namespace {
 
 constexpr int kCannotStart = 1;
 constexpr const char* kWindows = "korvanedesktop.so";
+/// The word with which the program only prints how the settings file of a new home begins.
+constexpr std::string_view kRecommendedSettings = "--recommended-settings";
 
 bool HasDisplay() {
     const auto set = [](const char* name) {
@@ -39,6 +43,10 @@ DesktopMain* LoadWindows() {
 }
 
 int Main(int argc, char** argv) {
+    if (argc == 2 && argv[1] == kRecommendedSettings) {
+        std::cout << RecommendedSettings();
+        return 0;
+    }
     PrepareProcess();
     if (HasDisplay()) {
         if (DesktopMain* desktopMain = LoadWindows(); desktopMain != nullptr) return desktopMain(argc, argv);

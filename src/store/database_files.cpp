@@ -51,7 +51,11 @@ std::string OdbcConnectionText(const std::string& dir) {
 }
 
 std::string OleDbConnectionText(const std::string& dir) {
-    return "Provider=SQLite; Data Source=" + Quoted(DatabasePath(dir)) + ";Persist Security Info=False;";
+    return FileConnectionText(DatabasePath(dir));
+}
+
+std::string FileConnectionText(const std::string& file) {
+    return "Provider=SQLite; Data Source=" + Quoted(file) + ";Persist Security Info=False;";
 }
 
 std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir) {

@@ -31,6 +31,9 @@ std::string DatabasePath(const std::string& dir);
 std::string OdbcConnectionText(const std::string& dir);
 std::string OleDbConnectionText(const std::string& dir);
 
+/// The same for a copy of the database.
+std::string FileConnectionText(const std::string& file);
+
 /// Opens the database in the folder for one piece of work. Throws Error.
 std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir);
 

@@ -27,13 +27,16 @@ void Maintenance::CompactAndRepair(const std::string& file) {
     const std::string copy = dir_ + "/COMPACT" + std::string(kDatabaseFile);
     try {
         ports_.status.setStatusMSG("Compact and repair " + file + " to " + copy);
+        const bool replace = ports_.rescue.MayReplaceBackup();
         ports_.store.Compact(file, copy, [&, backup = file + ".BAK"] {
+            if (!replace) return;
             RemoveJournals(ports_.files, backup);
             ports_.files.Rename(copy, backup);
         });
         ports_.status.setStatusMSG("Done compacting and repairing database.");
     } catch (const std::exception& error) {
         Report("CompactAndRepair", error.what());
+        ports_.rescue.AfterFailedCompaction(error);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/files.h"
+#include "store/database_rescue.h"
 #include "store/log.h"
 #include "store/status_log.h"
 
@@ -25,13 +26,14 @@ public:
         Files& files;
         Log& log;
         StatusLog& status;
+        DatabaseRescue& rescue;
         /// Generates the reports again; reports its own errors.
         std::function<void()> publish;
     };
 
     Maintenance(Ports ports, std::string dir) : ports_(std::move(ports)), dir_(std::move(dir)) {}
 
-    /// Compacts the database and keeps its former content as `<file>.BAK`. If the file is damaged, both file and backup stay
+    /// Compacts the database and keeps its former content as `<file>.BAK`, if DatabaseRescue lets that be replaced. If the file is damaged, both file and backup stay
     /// unchanged; the file also stays unchanged after any other failure.
     void CompactAndRepair(const std::string& file);
 

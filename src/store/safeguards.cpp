@@ -104,6 +104,13 @@ const Safeguard* FindSafeguard(std::string_view key) {
     return found == std::end(kSafeguards) ? nullptr : &*found;
 }
 
+std::string RecommendedSettings() {
+    std::string lines = "[Settings]\n";
+    for (const Safeguard& safeguard : kSafeguards)
+        if (!safeguard.recommended.empty()) lines += std::string(safeguard.key) + "=" + std::string(safeguard.recommended) + "\n";
+    return lines;
+}
+
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
     const std::string text = Trim(value);
     if (text.empty()) return "";

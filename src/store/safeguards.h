@@ -40,6 +40,8 @@ std::span<const Safeguard> AllSafeguards();
 
 /// Returns null for another key.
 const Safeguard* FindSafeguard(std::string_view key);
+/// Returns the beginning of the settings file of a new home: the head of section Settings, and the recommended values.
+std::string RecommendedSettings();
 
 /// Returns what is wrong with the value, for the operator; empty if nothing is.
 std::string ProblemOf(const Safeguard& safeguard, std::string_view value);

@@ -24,6 +24,7 @@ struct Trial {
     enum { Works, Refuses, Errs } store;  ///< refuses what is written, or breaks at any operation
     hours jumpAfter, jump;
     void (VirtualWorld::*move)(seconds);
+    bool guarded = false;  ///< by the safeguards of the cycle: then nothing is lost
 };
 
 /// A mail server that has good and bad times.
@@ -75,6 +76,11 @@ public:
     /// Gives what tells one run from another.
     std::string Play() {
         engine_.world.RunUntil([] { return testing::Test::HasFailure(); }, kLong ? 168h : 6h);
+        if (trial_.guarded) {
+            ends_ = true;
+            engine_.store.faults.Heal();
+            engine_.RunFor(2min);  // what is kept is written
+        }
         CloseCheck();
         std::string digest = std::to_string(checks_);
         EXPECT_GT(checks_, 100);
@@ -160,7 +166,7 @@ private:
         account.toldDown |= outage_;
         account.toldUp |= return_;
         refusals_ = engine_.store.faults.Failures();
-        if (trial_.store != Trial::Works && Pick(6) == 0) BreakStore();
+        if (trial_.store != Trial::Works && Pick(6) == 0 && !ends_) BreakStore();
         if (Pick(4) == 0) (Pick(2) == 0 ? primary_ : backup_).ChangeMood(Pick(10));
         return good_;
     }
@@ -197,11 +203,11 @@ private:
         };
         auto& [nTriesCur, nSuccess, nFail] = account.stored;
         const std::string now = engine_.Of(account.id, "nTriesCur,nSuccess,nFail");
-        if (now == text(nTriesCur, nSuccess, nFail) && engine_.store.faults.Failures() > refusals_)
-            return;  // lost, and still due
+        const bool refused = engine_.store.faults.Failures() > refusals_;
+        if (now == text(nTriesCur, nSuccess, nFail) && refused && !trial_.guarded) return;  // lost, and still due
         nTriesCur = count_;
         ++(good_ ? nSuccess : nFail);
-        EXPECT_EQ(now, text(nTriesCur, nSuccess, nFail));
+        EXPECT_TRUE(now == text(nTriesCur, nSuccess, nFail) || (refused && trial_.guarded)) << now;
         account.toldDown = account.toldUp = false;
         if (!good_) account.failures.insert(std::to_string(count_) + (count_ == account.nTries ? account.strAction : "None."));
     }
@@ -238,13 +244,16 @@ private:
         (trial_.jump > 0h ? forward_ : back_) = std::chrono::abs(trial_.jump);
         (engine_.world.*trial_.move)(trial_.jump);
         engine_.world.After(Backlog(), [this] { forward_ = 0s; });
+        if (trial_.guarded) engine_.world.After(1min, [this] { back_ = 0s; });
     }
 
     const Trial trial_;
     std::array<int, 3>& told_;
     std::mt19937 random_{static_cast<unsigned>(trial_.start.Seconds())};
-    Engine engine_{
-        {}, "GlobalRetryDuration=300\nServerBackup=" + trial_.ServerBackup + "\nSMTPUser1=" + trial_.SMTPUser1, trial_.start};
+    Engine engine_{{},
+                   "GlobalRetryDuration=300\nServerBackup=" + trial_.ServerBackup + "\nSMTPUser1=" + trial_.SMTPUser1 +
+                       (trial_.guarded ? "\nCatchUp=True\nGuardClock=True\nGuardBadEntries=True" : ""),
+                   trial_.start};
     MoodyServer primary_{engine_.net.Host("mail.example").Port(25)}, backup_{engine_.net.Host(trial_.ServerBackup).Port(25)};
     std::vector<Account> accounts_;
 
@@ -255,13 +264,21 @@ private:
     std::uint64_t refusals_ = 0;
 
     int checks_ = 0;
+    bool ends_ = false;
     seconds forward_{0}, back_{0};
 };
 
 TEST(Ledger, EachOutageIsToldOnceAndNobodyIsForgotten) {
     const Trial trials[] = {
-        {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h,
-         &VirtualWorld::MoveZone},  // summer time
+        {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h, &VirtualWorld::MoveZone,
+         true},  // summer time
+        {DateTime::Of(2027, 10, 31, 1, 0, 0), "mail2", "", false, Trial::Works, 2h, -1h, &VirtualWorld::MoveZone, true},
+        {DateTime::Of(2028, 2, 28, 21, 0, 0), "backup.example", "", true, Trial::Refuses, 2h, -2h, &VirtualWorld::MoveClock,
+         true},
+        {DateTime::Of(2026, 11, 21, 20, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, 960h, &VirtualWorld::MoveClock,
+         true},
+        {DateTime::Of(2026, 11, 22, 20, 0, 0), "backup.example", "", true, Trial::Errs, 2h, 1h, &VirtualWorld::MoveClock, true},
+        {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h, &VirtualWorld::MoveZone},
         {DateTime::Of(2027, 10, 31, 1, 0, 0), "mail2", "", false, Trial::Works, 2h, -1h, &VirtualWorld::MoveZone},
         {DateTime::Of(2028, 2, 28, 21, 0, 0), "backup.example", "", true, Trial::Refuses, 2h, -2h, &VirtualWorld::MoveClock},
         {DateTime::Of(2026, 11, 21, 20, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, 960h, &VirtualWorld::MoveClock},
@@ -275,7 +292,7 @@ TEST(Ledger, EachOutageIsToldOnceAndNobodyIsForgotten) {
         if (HasFailure()) return;
     }
     EXPECT_TRUE(told[0] > 0 && told[1] > 0 && told[2] > 0) << told[0] << "," << told[1] << "," << told[2];
-    EXPECT_TRUE(kLong || Ledger(trials[2], told).Play() == digests[2]) << "the same seed, another run";
+    EXPECT_TRUE(kLong || Ledger(trials[7], told).Play() == digests[7]) << "the same seed, another run";
 }
 
 }  // namespace

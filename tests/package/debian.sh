@@ -75,6 +75,8 @@ live() {
 
     package --install "$(deb 1)"
     check_installed
+    is "" "the settings of a new home" diff <(inside /usr/lib/korvane/korvanecore --recommended-settings) "$root$home/kvurlwatchn.ini"
+    is "korvane:korvane 600" "the settings file" inside stat -c '%U:%G %a' "$home/kvurlwatchn.ini"
     is "" "the service is enabled though nobody asked for it" inside find /etc/systemd -name 'korvane*'
     start_service
 

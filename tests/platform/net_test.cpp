@@ -124,6 +124,13 @@ TEST_F(NetTest, CredentialsCookiesAndProxiesGoWhereTheyBelong) {
     const LoopbackServer first(AnswerHttp(RedirectTo(other.Http())));
     EXPECT_EQ(Fetch({.URL = first.Http(), .UserName = "mu", .Password = "pw"}), "other");
     EXPECT_TRUE(Holds(first.Notes()[0], "Authorization: Basic bXU6cHc=\r\n") && !Holds(other.Notes()[0], "Authorization"));
+    for (const std::string host : {"silent.test", "LOCALHOST"}) {  // names that are looked up would not be found so soon
+        const LoopbackServer away(AnswerHttp(RedirectTo("//" + host + "/")));
+        EXPECT_EQ(Fetch({.URL = away.Http(), .RequestTimeout = 20s, .Redirects = InetRedirects::SameHost}),
+                  "error: Redirected to another host: " + host);
+    }
+    EXPECT_EQ(Fetch({.URL = first.Http(), .Redirects = InetRedirects::SameHost}), "other") << "the port may change";
+    EXPECT_EQ(Fetch({.URL = first.Http(), .Redirects = InetRedirects::None}), "");
     const LoopbackServer server([](Peer& peer) {
         const std::string request = peer.ReadUntil("\r\n\r\n");
         peer.Send(Holds(request, "Cookie: seen=1\r\n") ? HttpAnswer("welcome") : RedirectTo("/", "Set-Cookie: seen=1\r\n"));

@@ -267,6 +267,31 @@ TEST_F(ReportsTest, NamesThatCannotBeFoldersWriteNothingOutsideAndStopNobodyElse
     EXPECT_EQ(world.rows.Count("Response", "txtType = 'hour'"), 10) << "averages are kept where pages can't be";
 }
 
+TEST_F(ReportsTest, TextFromOutsideIsTextAndEachLinkLeadsToItsPageWithTheSafeguard) {
+    const std::string group = "O'Br <b>&\"50%\" #1?";
+    const std::string action =
+        "None.<ul><li><b>cmd</b> was executed. \r\n<li>Server DOWN Email Notification <font "
+        "color=red>FAILED</font>  because '</ul><img>'.<li>Server configured so <b>WILL NOT</b> be sent.</ul>";
+    AddServer(1, "|strGroup=" + group + "|nAveSession=5|datelastfail=2026-11-21 15:04:05|strDesc=<script>[[TOTAL]]");
+    Add("Failures", "ID=2|IDParent=1|nFailCount=4|nFailMax=3|strReason=</td> & \"x\"|strDesc=<i>|strAction=" + action);
+    world.Set("EscapeReports", "True");
+    EXPECT_EQ(Publish(), "");
+    const std::string groups = Page("groups.htm");
+    EXPECT_TRUE(Holds(groups,
+                      "<a href=O%27Br%20%3Cb%3E%26%2250%25%22%20%231%3F/summary.htm>Summary Report for O&#39;Br "
+                      "&lt;b&gt;&amp;&quot;50%&quot; #1?</a>"))
+        << groups;
+    for (const char* page : {"/summary.htm", "/failure1.htm", "/hourly1.htm"}) {
+        const std::string text = Page(group + page);
+        EXPECT_TRUE(Holds(text, "|O&#39;Br &lt;b&gt;") || Holds(text, "|10.0.0.1 - &lt;script&gt;&#91;&#91;TOTAL]]")) << text;
+        EXPECT_FALSE(Holds(text, "<script>") || Holds(text, "<i>") || Holds(text, "</td> &") || Holds(text, "<img>"));
+    }
+    const std::string escaped =
+        ReplaceAll(ReplaceAll(action, "<b>cmd</b>", "&lt;b&gt;cmd&lt;/b&gt;"), "</ul><img>", "&lt;/ul&gt;&lt;img&gt;");
+    EXPECT_TRUE(Holds(Page(group + "/failure1.htm"), ReplaceAll(escaped, "'", "&#39;"))) << Page(group + "/failure1.htm");
+    EXPECT_TRUE(world.Logged("Safeguard EscapeReports: ") && world.run.TheDesk().safeguards.Counts().at("EscapeReports") > 5);
+}
+
 TEST_F(ReportsTest, LinksLeadNoPageOutOfTheReportFolder) {
     for (const char* folder : {"/outside", "/elsewhere/R0/Web"})
         fs::create_directories(world.home + folder);

@@ -23,7 +23,7 @@ struct MonitorsTest : testing::Test {
     MonitorPorts Ports() {
         const Desk desk = world.run.TheDesk();
         return {desk.dir,   desk.clock,      desk.timers,     desk.store, desk.person,
-                desk.files, desk.collection, desk.alertMails, desk.log};
+                desk.files, desk.collection, desk.alertMails, desk.log,   desk.safeguards};
     }
     /// By the first letter of what is watched.
     std::unique_ptr<AlertMonitor> Make(char watched, ScriptedSystemInfo& figures) {
@@ -84,6 +84,41 @@ TEST_F(MonitorsTest, AlertAtTheirTimes) {
     }
     for (const Case& each : cases)
         EXPECT_EQ(each.mails, each.expected) << each.watched << each.settings;
+}
+
+TEST(MachineWatchTest, WatchesFromTheStartByTheFilesAndAlertsOnce) {
+    World world({.settings = "Begin=9999\nWatchMachine=True"});
+    world.systemInfo.memory = {.total = 100u, .available = 15};
+    world.systemInfo.disks = {.total = 100, .free = 9};
+    world.services.Set("b", ServiceRecord::kStopped);
+    world.Write("MemoryMon.dat", "ALERT_AT=85\nEMAIL=memory@x.y");
+    world.Write("DiskMon.dat", "ALERT_AT=10\nEMAIL=disks@x.y\nDISABLE=1");
+    world.Write("SvcMon.dat", "SVC=b\nEMAIL=services@x.y");
+    world.Start();
+    world.RunFor(10s);  // so that their alerts would not be one in the queue
+    const Desk desk = world.run.TheDesk();
+    ServiceMonitor window({desk.dir, desk.clock, desk.timers, desk.store, desk.person, desk.files, desk.collection,
+                           desk.alertMails, desk.log, desk.safeguards},
+                          world.services);
+    window.LoadData();
+    const auto mailsTo = [&](const std::string& address, std::chrono::minutes time) {
+        world.mail.mails.clear();
+        world.RunFor(time);
+        return std::count_if(world.mail.mails.begin(), world.mail.mails.end(),
+                             [&](auto& mail) { return Holds(mail.from, address); });
+    };
+    EXPECT_EQ(mailsTo("services@", 6min), 6) << "one a minute, the window's monitor sends none";
+    EXPECT_EQ(mailsTo("memory@", 6min), 1);
+    world.systemInfo.memory = {.total = 100u, .available = 16};
+    EXPECT_EQ(mailsTo("memory@", 12min), 0) << "below the level";
+    world.Write("MemoryMon.dat", "ALERT_AT=80\nEMAIL=memory@x.y\nDISABLE=1");
+    EXPECT_EQ(mailsTo("memory@", 12min) + mailsTo("disks@", 12min), 0) << "the marks";
+    world.Write("DiskMon.dat", "ALERT_AT=10\nEMAIL=disks@x.y");
+    EXPECT_EQ(mailsTo("disks@", 7min), 1);
+    world.Set(kWatchMachine, "False");
+    world.run.TheDesk().machineWatch.Follow();
+    EXPECT_EQ(mailsTo("disks@", 12min), 0);
+    EXPECT_EQ(mailsTo("services@", 1min), 1) << "by the window again";
 }
 
 TEST_F(MonitorsTest, FiguresOfProcessorsMemoryAndDisks) {

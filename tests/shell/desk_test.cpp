@@ -39,7 +39,7 @@ TEST(Entry, OpensWithItsDefaultsAndIsStoredInputByInput) {
     EntryWorld w;
     std::string columns = "strCurStatus";
     for (const EntryInput& each : EntryInputs())
-        columns += "|" + std::string(each.key);
+        columns += each.key.empty() ? "" : "|" + std::string(each.key);
     w.Write("GlobalEmail.dat", "TO_LIST1=a@x;b@y\r\nTO_LIST2=c@z\r\nFROM=k@x\r\nSUBJECT=XXX is down\r\n");
     const OpenedEntry fresh = OpenEntry(w.desk, true, "");
     EXPECT_EQ(
@@ -87,7 +87,7 @@ $ strType=SMTP|strPort=25|strExpectedText=220< => ! Passed: SUCCESS! 's' port(25
          [](const std::string& order) {
              StartedWorld w;
              const EntryFields fields = Typed("strAddress_IP=s|nTimeout=15|" + order.substr(0, order.find('<')));
-             const auto refusal = CheckDownTimes(fields);
+             const auto refusal = CheckInputs(fields);
              if (refusal) return "'" + fields.*refusal->field + "' " + refusal->message.substr(17, 20);
              if (fields.strType.empty()) return std::string();
              w.rows.AddRow("ResponseFailText", {{"id", 1}, {"idParent", 5}, {"strFailText", "ERROR"}});
@@ -283,6 +283,28 @@ TEST(ServerList, ShowsEachEntryInItsState) {
     EXPECT_EQ(
         Each("UP|Failing|DOWN|Down-Time|Inactive|up|requested", show),
         R"(UP 45 secs. overdue0; Failing 2 of 3 45 secs. overdue1; DOWN 2 of 3 45 secs. overdue2; Down-Time 45 secs. overdue4; Inactive 45 secs. overdue3; up 45 secs. overdue3; Requesting... Now...5; )");
+}
+
+TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
+    StartedWorld w;
+    w.rows.Add({});
+    const auto shown = [&w] {
+        const auto row = LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false, &w.desk.alertPath).at(0);
+        w.desk.reports.PublishReports(true);
+        const bool onPage = Holds(w.Text("Reports/R0/Group1/summary.htm"), "<font color=red><b>");
+        return row.cells[column::Status] + (row.warns ? "!" : "") + (onPage ? "!" : "");
+    };
+    EXPECT_EQ(shown(), "UP");
+    w.Set("HidePasswords", "True");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
+    w.rows.Change("Servers", 1, {{"strEmailList2", "a@b.c"}});
+    EXPECT_EQ(shown(), "UP");
+    w.net.Host("mail.example").Port(25).Refuse();
+    w.answers = {true};
+    w.desk.mail.TestEmail("a@b.c", "", false, "", "", "", "", "", "a@b.c", [](bool) {});
+    EXPECT_EQ(shown(), "UP, test mail failed!!");
+    w.Set("Server", " ");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

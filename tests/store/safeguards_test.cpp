@@ -1,6 +1,7 @@
 // The table of safeguards: what an operator may write, and that a key that is not written leaves no trace.
 #include <gtest/gtest.h>
 
+#include "store/entry_safeguards.h"
 #include "store/safeguards.h"
 #include "support/world.h"
 
@@ -15,7 +16,8 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     for (const int again : {1, 2}) {
         guards.TellProblems();
         const auto texts = world.LogTexts();
-        EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard off. "); }), 9) << again;
+        EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard off. "); }), 9)
+            << again;
     }
     EXPECT_TRUE(world.Logged("# Safeguard off. CatchUp: 'true' is not \"True\" or \"False\"."));
     for (const Safeguard& safeguard : AllSafeguards())
@@ -27,12 +29,42 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     EXPECT_EQ(guards.Hosts("OwnNetwork"), (std::vector<std::string>{"10.0.0.1", "[::1]", "gate.example"}));
 }
 
+TEST(SafeguardTable, ANewHomeBeginsWithTheRecommendedOnes) {
+    World world({.settings = RecommendedSettings().substr(std::string_view("[Settings]\n").size())});
+    world.Start();
+    Safeguards& guards = world.run.TheDesk().safeguards;
+    EXPECT_TRUE(guards.Problems().empty());
+    for (const Safeguard& safeguard : AllSafeguards())
+        EXPECT_EQ(guards.Text(safeguard.key), safeguard.recommended) << safeguard.key;
+    EXPECT_TRUE(guards.IsOn("RestoreDatabase") && guards.Text("OwnNetwork").empty());
+}
+
 TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {
     World world({.settings = "catchup=True"});
     world.Start();
     world.run.mnuExit_Click();
     for (const Safeguard& safeguard : AllSafeguards())
         EXPECT_EQ(Holds(ToLower(world.Text("kvurlwatchn.ini")), "\n" + ToLower(safeguard.key) + "="), safeguard.key == "CatchUp");
+}
+
+TEST(EntrySafeguards, TheirTableIsMadeByTheFirstValueAndHoldsOneForEachKeyOfAnEntry) {
+    World world;
+    world.Start();
+    EntrySafeguards& values = world.run.TheDesk().ofEntries;
+    values.Write(1, "A", "");
+    values.Remove(1);
+    EXPECT_EQ(values.Read(1, "A"), "");
+    EXPECT_THROW(world.rows.Rows("EntrySafeguards"), Error);
+    values.Write(1, "A", "x");
+    values.Write(1, "B", "it's");
+    values.Write(2, "A", "z");
+    values.Write(1, "a", "y");
+    EXPECT_EQ(values.Read(1, "A") + values.Read(1, "b") + values.Read(2, "A"), "yit'sz");
+    values.Write(1, "A", "");
+    EXPECT_EQ(values.Read(1, "A") + values.Read(1, "B"), "it's");
+    values.Remove(1);
+    EXPECT_EQ(values.Read(1, "B") + values.Read(2, "A"), "z");
+    EXPECT_EQ(world.rows.Count("EntrySafeguards"), 1);
 }
 
 }  // namespace

@@ -40,6 +40,7 @@ public:
         faults.Pass(Op::Compact, file, store_).Compact(file, copy, copied);
     }
     void Rest() override { store_.Rest(); }
+    bool InUse() const override { return store_.InUse(); }
 
 private:
     struct Link : Connection {
@@ -51,6 +52,7 @@ private:
         void Close() override { link->Close(); }
         void BeginTrans() override { link->BeginTrans(); }
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
+        void Execute(std::string_view statement) override { link->Execute(statement); }
         void TryWriting() override { link->TryWriting(); }
         Connection& At(Op operation) { return faults.Pass(operation, ConnectionString(), *link); }
 

@@ -19,6 +19,7 @@ class VirtualInet : public Inet {
 
 public:
     explicit VirtualInet(VirtualNet& net) : net_(net) {}
+    ~VirtualInet() override { net_.World().Cancel(arrival_); }
 
     bool StillExecuting() const override { return executing_; }
     /// As the port says. Silence ends in "Operation timed out after <ms> milliseconds".
@@ -26,12 +27,27 @@ public:
         if (executing_) throw Error("Still executing last request");
         const RaisedFlag executing(executing_);
         cancelled_ = false;
+        responseCode_ = 0;
         const PageAnswer answer = AnswerTo(request);
         Await(answer, std::max(Milliseconds(0), Milliseconds(request.RequestTimeout)));
+        if (answer.kind != Kind::Failure) responseCode_ = answer.status;
+        if (answer.kind == Kind::OtherHost && request.Redirects == InetRedirects::SameHost) throw OtherHostError(answer.text);
         if (answer.kind == Kind::Binary) throw TypeMismatchError();
         if (answer.kind == Kind::Failure) throw Error(answer.text);
         return answer.text;
     }
+    int ResponseCode() const override { return responseCode_; }
+    void Start(const Request& request) override {
+        net_.World().Cancel(arrival_);
+        outcome_.reset();
+        const PageAnswer answer = AnswerTo(request);
+        const bool silent = answer.kind == Kind::Silent;
+        arrival_ = net_.World().After(silent ? request.RequestTimeout : answer.after, [=, this] {
+            responseCode_ = silent || answer.kind == Kind::Failure ? 0 : answer.status;
+            outcome_ = silent ? "Operation timed out" : answer.kind == Kind::Failure ? answer.text : "";
+        });
+    }
+    std::optional<std::string> Outcome() override { return std::exchange(outcome_, std::nullopt); }
     void Cancel() override { cancelled_ = executing_; }
 
 private:
@@ -57,6 +73,9 @@ private:
 
     VirtualNet& net_;
     bool executing_ = false, cancelled_ = false;
+    int responseCode_ = 0;
+    EventId arrival_;
+    std::optional<std::string> outcome_;
 };
 
 }  // namespace korvane

@@ -29,10 +29,11 @@
 namespace korvane {
 
 struct PageAnswer {
-    enum class Kind { Body, Binary, Failure, Silent };
+    enum class Kind { Body, Binary, Failure, Silent, OtherHost };
     Kind kind = Kind::Silent;
     std::string text = {};  ///< the body, or the failure in words
     std::chrono::milliseconds after{0};
+    int status = 200;
 };
 
 /// What a web server gives for one URL: a list of answers, one for each request, of which the last one stays for good.

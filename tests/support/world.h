@@ -110,7 +110,7 @@ private:
         const auto newInet = [this] { return std::make_unique<VirtualInet>(net); };
         const auto proxy = [this] { return proxyServer; };
         const auto exit = [this] { ++exits; };
-        return {{socket, testSocket, echo, newInet},
+        return {{socket, testSocket, echo, newInet, networkSocket},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids},
                 {store, files},
                 {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
@@ -132,8 +132,8 @@ public:
     TestDatabase rows{home, database};
     RecordingOperator person;
     RecordingSound sound;
-    VirtualTcpSocket socket{net}, sckesmtp{net}, plainSocket{net}, testSocket{net}, alertEsmtp{net}, alertPlain{net},
-        popSocket{net};
+    VirtualTcpSocket socket{net}, sckesmtp{net}, plainSocket{net}, testSocket{net}, networkSocket{net}, alertEsmtp{net},
+        alertPlain{net}, popSocket{net};
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;

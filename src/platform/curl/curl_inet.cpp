@@ -49,6 +49,22 @@ curl_socket_t OpenSocket(void* /*unused*/, curlsocktype /*purpose*/, curl_sockad
     return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
+struct UrlCleanup {
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+
+// Returns the host that libcurl goes to for a redirect from `base`; empty when libcurl cannot read it.
+std::string HostOfRedirect(const std::string& base, const std::string& location) {
+    const std::unique_ptr<CURLU, UrlCleanup> url(curl_url());
+    constexpr unsigned kAsRedirect = CURLU_URLENCODE | CURLU_ALLOW_SPACE | CURLU_NON_SUPPORT_SCHEME;
+    for (const std::string& part : {base, location})
+        if (!url || curl_url_set(url.get(), CURLUPART_URL, part.c_str(), kAsRedirect) != CURLUE_OK) return "";
+    char* host = nullptr;
+    if (curl_url_get(url.get(), CURLUPART_HOST, &host, 0) != CURLUE_OK) return "";
+    const std::unique_ptr<char, decltype(&curl_free)> owner(host, &curl_free);
+    return host;
+}
+
 bool IsHashName(std::string_view name) {
     constexpr std::size_t kHashDigits = 8;
     return name.size() == kHashDigits + 2 && name.ends_with(".0") && name.find_first_not_of("0123456789abcdef") == kHashDigits;
@@ -128,14 +144,27 @@ public:
         SetLimits(request);
         SetPrivacy();
         SetReceivers();
+        SetRedirects(request.Redirects);
         if (!options.userAgent.empty()) Set(CURLOPT_USERAGENT, options.userAgent.c_str());
         SetTrust(options.caBundle, trustFolder);
     }
 
     CURL* Handle() const { return easy_.get(); }
 
+    int ResponseCode() const {
+        long code = 0;
+        curl_easy_getinfo(Handle(), CURLINFO_RESPONSE_CODE, &code);
+        return static_cast<int>(code);
+    }
+
+    /// Nobody will call TakeText: the page is not kept.
+    void DropBody() { dropsBody_ = true; }
+
+    std::string ErrorText(CURLcode result) const { return words_[0] != '\0' ? words_.data() : curl_easy_strerror(result); }
+
     std::string TakeText(CURLcode result) {
-        if (result != CURLE_OK && !body_.Refused()) throw Error(words_[0] != '\0' ? words_.data() : curl_easy_strerror(result));
+        if (otherHost_) throw OtherHostError(*otherHost_);
+        if (result != CURLE_OK && !body_.Refused()) throw Error(ErrorText(result));
         return body_.TakeText();
     }
 
@@ -168,8 +197,6 @@ private:
         Set(CURLOPT_DEFAULT_PROTOCOL, "http");
         Set(CURLOPT_PROTOCOLS_STR, kWebSchemes);
         Set(CURLOPT_REDIR_PROTOCOLS_STR, kWebSchemes);
-        Set(CURLOPT_FOLLOWLOCATION, 1L);
-        Set(CURLOPT_MAXREDIRS, kRedirects);
         Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
         Set(CURLOPT_NOSIGNAL, 1L);
         Set(CURLOPT_QUICK_EXIT, 1L);  // a name server that never answers does not delay the end of the transfer
@@ -200,9 +227,42 @@ private:
         Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
     }
 
+    void SetRedirects(InetRedirects redirects) {
+        Set(CURLOPT_FOLLOWLOCATION, redirects == InetRedirects::None ? 0L : 1L);
+        Set(CURLOPT_MAXREDIRS, kRedirects);
+        if (redirects != InetRedirects::SameHost) return;
+        Set(CURLOPT_HEADERFUNCTION, &Exchange::OnHeader);
+        Set(CURLOPT_HEADERDATA, this);
+        Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    }
+
+    // libcurl follows a redirect only after all headers, so ending the transfer here leaves the other host alone.
+    static std::size_t OnHeader(const char* bytes, std::size_t /*one*/, std::size_t count, void* self) noexcept {
+        Exchange& exchange = *static_cast<Exchange*>(self);
+        try {
+            return exchange.StaysAtHost({bytes, count}) ? count : count + 1;
+        } catch (const std::bad_alloc&) {
+            return count + 1;
+        }
+    }
+
+    bool StaysAtHost(std::string_view header) {
+        constexpr std::string_view kLocation = "location:";
+        const bool redirects = ResponseCode() / 100 == 3 && EqualsNoCase(header.substr(0, kLocation.size()), kLocation);
+        if (!redirects) return true;
+        const char* current = nullptr;
+        curl_easy_getinfo(Handle(), CURLINFO_EFFECTIVE_URL, &current);
+        const std::string base = current != nullptr ? current : "", location = TrimAll(header.substr(kLocation.size()));
+        const std::string host = HostOfRedirect(base, location);
+        if (!host.empty() && EqualsNoCase(host, HostOfRedirect(base, base))) return true;
+        otherHost_ = host.empty() ? location : host;
+        return false;
+    }
+
     // Exceptions must not pass through libcurl; any return value but `count` ends the transfer.
     static std::size_t OnBody(const char* bytes, std::size_t /*one*/, std::size_t count, void* self) noexcept {
         Exchange& exchange = *static_cast<Exchange*>(self);
+        if (exchange.dropsBody_) return count;
         const char* type = nullptr;
         curl_off_t size = -1;
         curl_easy_getinfo(exchange.Handle(), CURLINFO_CONTENT_TYPE, &type);
@@ -217,6 +277,8 @@ private:
     std::unique_ptr<CURL, EasyCleanup> easy_;
     std::array<char, CURL_ERROR_SIZE> words_{};
     Body body_;
+    bool dropsBody_ = false;
+    std::optional<std::string> otherHost_;  ///< to which a redirect was refused
 };
 
 // Registers the transfer with its slot for as long as it is on the stack.
@@ -256,16 +318,49 @@ CurlInet::CurlInet(Events& events, const Clock& clock, Options options)
 std::string CurlInet::OpenURL(const Request& request) {
     if (transfer_ != nullptr) throw Error("Still executing last request");
     if (request.RequestTimeout <= std::chrono::seconds::zero()) throw Error("Operation timed out after 0 milliseconds");
+    responseCode_ = 0;
     NeedCurl();
     Exchange exchange(request, options_, trustFolder_);
     CurlPump pump(events_, clock_, exchange.Handle());
     const Executing executing(transfer_, pump);
     const std::optional<int> result = pump.Perform();
+    responseCode_ = exchange.ResponseCode();
     if (!result) throw Error("Request cancelled");
     return exchange.TakeText(static_cast<CURLcode>(*result));
 }
 
+struct CurlInet::Started {
+    Started(CurlInet& inet, const Request& request)
+        : exchange(request, inet.options_, inet.trustFolder_), pump(inet.events_, inet.clock_, exchange.Handle()) {
+        exchange.DropBody();
+        pump.Begin();
+    }
+
+    Exchange exchange;
+    CurlPump pump;
+};
+
+CurlInet::~CurlInet() = default;
+
+void CurlInet::Start(const Request& request) {
+    started_.reset();
+    responseCode_ = 0;
+    NeedCurl();
+    started_ = std::make_unique<Started>(*this, request);
+}
+
+std::optional<std::string> CurlInet::Outcome() {
+    const std::optional<int> result = started_ ? started_->pump.Look() : std::nullopt;
+    if (!result) return std::nullopt;
+    responseCode_ = started_->exchange.ResponseCode();
+    const auto code = static_cast<CURLcode>(*result);
+    const std::string error = code == CURLE_OK ? "" : started_->exchange.ErrorText(code);
+    started_.reset();
+    return error;
+}
+
 void CurlInet::Cancel() {
+    started_.reset();
     if (transfer_ != nullptr) transfer_->Stop();
 }
 

@@ -1,6 +1,7 @@
 // Transfer slots on libcurl.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,8 +17,8 @@ namespace korvane {
 std::string EncodeUrl(std::string_view typed);
 
 /// Everything that libcurl allocates for a transfer lives as long as the transfer. Only http and https are allowed, also after a
-/// redirect; up to 20 redirects are followed, and credentials are not sent on to another host or port. Cookies live for one
-/// transfer. A body is binary if it contains a NUL byte or is declared as a picture, sound, film or archive; a body of more than
+/// redirect; up to 20 redirects are followed, and credentials are not sent on to another host or port. Hosts are compared by name,
+/// without regard to case. Cookies live for one transfer. A body is binary if it contains a NUL byte or is declared as a picture, sound, film or archive; a body of more than
 /// 64 MB is an error.
 class CurlInet : public Inet {
 public:
@@ -28,19 +29,27 @@ public:
 
     /// `events` and `clock` must outlive this.
     CurlInet(Events& events, const Clock& clock, Options options);
+    ~CurlInet() override;
 
     bool StillExecuting() const override { return transfer_ != nullptr; }
 
     /// Throws Error("Still executing last request") when called from an event of its own wait. Failures have libcurl's texts.
     std::string OpenURL(const Request& request) override;
+    int ResponseCode() const override { return responseCode_; }
+    void Start(const Request& request) override;
+    std::optional<std::string> Outcome() override;
     void Cancel() override;
 
 private:
+    struct Started;
+
     Events& events_;
     const Clock& clock_;
     const Options options_;
     const std::string trustFolder_;
     class CurlPump* transfer_ = nullptr;  ///< of the OpenURL on the stack
+    int responseCode_ = 0;
+    std::unique_ptr<Started> started_;
 };
 
 }  // namespace korvane

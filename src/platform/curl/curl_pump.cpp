@@ -46,17 +46,26 @@ CurlPump::~CurlPump() {
 }
 
 std::optional<int> CurlPump::Perform() {
-    curl_multi_add_handle(multi_.get(), easy_);
+    Begin();
     while (Going()) {
         const milliseconds left = UntilTimer();
-        if (left > 0ms) {
-            events_.WaitForEvent(left);
-        } else {
-            timer_.reset();
-            Advance(CURL_SOCKET_TIMEOUT, 0);
-        }
+        left > 0ms ? events_.WaitForEvent(left) : OnTime();
     }
     return stopped_ ? std::nullopt : result_;
+}
+
+void CurlPump::Begin() {
+    curl_multi_add_handle(multi_.get(), easy_);
+}
+
+std::optional<int> CurlPump::Look() {
+    if (Going() && UntilTimer() <= 0ms) OnTime();
+    return result_;
+}
+
+void CurlPump::OnTime() {
+    timer_.reset();
+    Advance(CURL_SOCKET_TIMEOUT, 0);
 }
 
 void CurlPump::Stop() {

@@ -23,6 +23,11 @@ public:
     /// Blocks while events are delivered. Returns the final CURLcode, or nothing when Stop ended the transfer.
     std::optional<int> Perform();
 
+    /// Begins the transfer and returns at once; the pump carries it on, and Look does what its time-outs demand. Look returns the
+    /// final CURLcode, or nothing while the transfer runs.
+    void Begin();
+    std::optional<int> Look();
+
     /// Drops the connection at once. May be called from any event that Perform delivers.
     void Stop();
 
@@ -34,6 +39,7 @@ private:
     static int OnSocket(void* easy, int socket, int wanted, void* self, void* unused);
     static int OnTimer(void* multi, long milliseconds, void* self);
     void OnReadable();
+    void OnTime();
     void Advance(int socket, int happened);
     std::chrono::milliseconds UntilTimer() const;
     bool Going() const { return !stopped_ && !result_; }

@@ -17,6 +17,8 @@ constexpr std::size_t kIdle = 3;
 constexpr std::size_t kIoWait = 4;
 /// user, nice, system, idle, iowait, irq, softirq, steal
 constexpr std::size_t kColumns = 8;
+/// The lines that matter come first.
+constexpr std::size_t kMemoryLines = 5;
 
 }  // namespace
 
@@ -67,7 +69,7 @@ std::optional<PhysicalMemory> MemoryOf(const std::string& meminfo) {
     std::istringstream lines(meminfo);
     std::string key;
     std::string unit;
-    for (std::uint64_t kilobytes = 0; lines >> key >> kilobytes; std::getline(lines, unit))
+    for (std::uint64_t kilobytes = 0; bytes.size() < kMemoryLines && lines >> key >> kilobytes; std::getline(lines, unit))
         bytes.emplace(key, kilobytes * 1024);  // "MemTotal:  24684084 kB"
     if (!bytes.contains("MemAvailable:") && bytes.contains("MemFree:"))
         bytes["MemAvailable:"] = bytes["MemFree:"] + bytes["Buffers:"] + bytes["Cached:"];

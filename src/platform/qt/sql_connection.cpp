@@ -1,5 +1,6 @@
 #include "platform/qt/sql_connection.h"
 
+#include <QtCore/QVariant>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -12,11 +13,16 @@ void QtSqlConnection::Open() {
     const std::string path = DatabaseFileOf(ConnectionString());
     session_ = TakeKept(path);
     if (!session_) session_ = std::make_shared<SqlSession>(path, state_->busyTimeout, state_->kindOf);
+    ++state_->inUse;
 }
 
 SqlSession& QtSqlConnection::Opened() const {
     if (!session_) throw Error("The connection is not open.");
     return *session_;
+}
+
+void QtSqlConnection::Execute(std::string_view statement) {
+    Opened().Change(std::string(statement), {});
 }
 
 // Opening a file and reading its schema costs more than most of the work that follows.
@@ -29,6 +35,7 @@ std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
 // Recordsets that still use the session must not reach the file any more, so the session is kept only if it is unused and sound.
 void QtSqlConnection::Close() {
     if (!session_) return;
+    --state_->inUse;
     if (session_.use_count() == 1 && session_->IsSound() && !session_->InTransaction()) {
         IgnoreErrors([&] {
             session_->Leave();

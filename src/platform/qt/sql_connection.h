@@ -25,6 +25,8 @@ struct SqlStoreState {
     std::shared_ptr<SqlSession> kept = nullptr;
 
     std::set<SqlRowName> lockedRows = {};
+
+    int inUse = 0;  ///< how many connections are open
 };
 
 /// Locks one row as long as it lives.
@@ -52,6 +54,7 @@ public:
     void Close() override;
     void BeginTrans() override { Opened().Begin(); }
     void CommitTrans() override { Opened().Commit(); }
+    void Execute(std::string_view statement) override;
     void TryWriting() override { Opened().TryWriting(); }
 
     /// Returns null while it is closed.

@@ -14,6 +14,7 @@
 #include <map>
 #include <string_view>
 
+#include "platform/connection.h"
 #include "platform/qt/sql_text.h"
 
 namespace korvane {
@@ -34,8 +35,8 @@ constexpr std::string_view kMagic("SQLite format 3\0", 16);
 // The primary codes of https://sqlite.org/rescode.html.
 enum SqliteCode { Busy = 5, Locked = 6, ReadOnly = 8, InputOutput = 10, Corrupt = 11, Full = 13, NoDatabase = 26 };
 
-Error NoDatabaseError(const std::string& path) {
-    return Error("The file '" + path + "' is not an SQLite 3 database. It was left untouched.");
+DamagedError NoDatabaseError(const std::string& path) {
+    return DamagedError("The file '" + path + "' is not an SQLite 3 database. It was left untouched.");
 }
 
 Error CannotReadError(const std::string& path, int problem) {
@@ -234,13 +235,13 @@ void SqlSession::Fail(const QSqlError& error) {
     switch (error.nativeErrorCode().toInt() & 0xFF) {
         case Busy:
         case Locked:
-            throw Error(database + "is locked by another program.");
+            throw LockedError(database + "is locked by another program.");
         case ReadOnly:
             throw Error(database + "cannot be written: " + text);
         case InputOutput:
             throw Error(database + "cannot be read or written: " + text);
         case Corrupt:
-            throw Error(database + "is damaged: " + text);
+            throw DamagedError(database + "is damaged: " + text);
         case Full:
             throw Error(database + "was not changed: the disk is full.");
         case NoDatabase:

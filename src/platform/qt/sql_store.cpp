@@ -59,7 +59,7 @@ private:
 void CheckIntegrity(SqlSession& session) {
     QSqlQuery check = session.Select("PRAGMA integrity_check(1)");
     const std::string result = session.Next(check) ? check.value(0).toString().toStdString() : "";
-    if (result != "ok") throw Error("The database '" + session.Path() + "' is damaged: " + result);
+    if (result != "ok") throw DamagedError("The database '" + session.Path() + "' is damaged: " + result);
 }
 
 // The copy does not replace the file. Whoever had the file open would still have the old one, whose locks no longer protect the
@@ -103,6 +103,10 @@ void QtSqlStore::Compact(const std::string& file, const std::string& copy, const
 
 void QtSqlStore::Rest() {
     state_->kept.reset();
+}
+
+bool QtSqlStore::InUse() const {
+    return state_->inUse > 0;
 }
 
 }  // namespace korvane

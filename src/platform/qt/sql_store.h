@@ -32,6 +32,7 @@ public:
     /// the effect of a crash on the file; it must not open the file or deliver events.
     void WhileCompacting(std::function<void()> glance) { glance_ = std::move(glance); }
     void Rest() override;
+    bool InUse() const override;
 
 private:
     std::shared_ptr<SqlStoreState> state_;

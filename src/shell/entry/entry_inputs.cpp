@@ -98,6 +98,8 @@ constexpr EntryInput kEntryInputs[] = {
      "&Port:", "The port to connect to. Most server types have a port of their own."},
     {"strRequestText", &EntryFields::strRequestText, AsTyped, "txtRequestText",
      "Request:", "The request that goes with this type of server."},
+    {"", &EntryFields::HTTPStatusGood, AsTyped, "txtHTTPStatusGood",
+     "Good &statuses:", "The HTTP statuses from 400 on that count as good for this server, such as 401,403.", "HTTPStatusGood"},
 };
 
 // Case-insensitive: people type "Http://" where the keyboard capitalises.

@@ -41,6 +41,7 @@ struct EntryFields {
     std::string strType;  ///< empty when none is selected
     std::string strPort;
     std::string strRequestText;
+    std::string HTTPStatusGood;  ///< stored beside the row
 };
 
 using EntryInput = FormInput<EntryFields>;

@@ -7,6 +7,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/http_status.h"
 #include "engine/ping_checker.h"
 #include "engine/server_table.h"
 #include "notify/global_email.h"
@@ -79,6 +80,7 @@ void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, Last
 
 void ReadRow(Recordset& row, OpenedEntry& entry, LastError& last) {
     for (const EntryInput& each : EntryInputs()) {
+        if (each.key.empty()) continue;
         last.Try([&] {
             const Value value = row.Fields(each.key).Value();
             if (each.text != nullptr) entry.fields.*each.text = value.Text();
@@ -145,6 +147,8 @@ OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID) {
     last.Try([&] { row->Open(EntryQuery(entry.strID), *connection, CursorType::Static, LockType::Optimistic); });
     last.Try([&] { entry.found = row->RecordCount() > 0; });
     if (entry.found) ReadRow(*row, entry, last);
+    if (entry.found && desk.safeguards.IsOn(kHttpStatusFails))
+        last.Try([&] { entry.fields.HTTPStatusGood = desk.ofEntries.Read(ParseWhole(entry.strID), kHttpStatusGood); });
     last.Try([&] { row->Close(); });
     last.Try([&] { connection->Close(); });
     if (!entry.found) TellMissingRow(desk, entry.strID);
@@ -153,7 +157,13 @@ OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID) {
     return entry;
 }
 
-std::optional<EntryRefusal> CheckDownTimes(const EntryFields& fields) {
+std::optional<EntryRefusal> CheckInputs(const EntryFields& fields) {
+    if (!IsStatusList(fields.HTTPStatusGood)) {
+        return EntryRefusal{&EntryFields::HTTPStatusGood,
+                            "The good statuses must be numbers from 100 to 599 with commas between "
+                            "them, such as 401,403.  You entered '" +
+                                fields.HTTPStatusGood + "' which is invalid.  Please try again."};
+    }
     for (const auto& [time, minutes] : kDownTimes) {
         const std::string& typed = fields.*time;
         if (Trim(typed).empty()) continue;
@@ -201,9 +211,11 @@ bool SaveEntry(const Desk& desk, const std::string& strID, EntryFields fields,
     if (isThere) {
         for (const EntryInput& each : EntryInputs()) {
             if (each.text == &EntryFields::strAddress_IP) CleanName(desk, fields, nameCleaned);
-            Write(*row, each, fields, last);
+            if (!each.key.empty()) Write(*row, each, fields, last);
         }
         last.Try([&] { row->Update(); });
+        if (desk.safeguards.IsOn(kHttpStatusFails))
+            last.Try([&] { desk.ofEntries.Write(ParseWhole(strID), kHttpStatusGood, TrimAll(fields.HTTPStatusGood)); });
     } else {
         desk.person.ShowMessage(kMessageTitle, "DB Error: Couldn't save " + last.Text() + " " + EntryQuery(strID));
     }

@@ -28,7 +28,8 @@ struct EntryRefusal {
     std::string message;
 };
 
-std::optional<EntryRefusal> CheckDownTimes(const EntryFields& fields);
+/// Checks the down times and the good statuses.
+std::optional<EntryRefusal> CheckInputs(const EntryFields& fields);
 
 /// Returns the message about a host name where ping needs an address.
 std::string NotAnAddressMessage(const std::string& name);

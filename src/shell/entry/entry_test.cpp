@@ -21,6 +21,12 @@ std::chrono::seconds TimeoutOf(const EntryFields& fields) {
     return std::chrono::seconds(number);
 }
 
+// The cycle refuses a port that does not fit in 16 bits, unless a safeguard is on, and so does the test.
+std::int32_t PagePort(const Desk& desk, const std::string& strPort) {
+    if (Trim(strPort).empty()) return kWebPort;
+    return desk.safeguards.IsOn("GuardBadEntries") ? Value(strPort).Int32() : Value(strPort).Int16();
+}
+
 /// Runs a check whose values may be no numbers.
 CheckResult Check(const Desk& desk, const std::string& request, const std::function<CheckResult()>& check) {
     desk.conversation.setRequest(request);
@@ -34,16 +40,15 @@ CheckResult Check(const Desk& desk, const std::string& request, const std::funct
     return result;
 }
 
-// The cycle refuses a port that does not fit in 16 bits, so the test refuses it too.
 CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
     const std::string url = ToLower(fields.strType) + "://" + fields.strAddress_IP;
     return Check(desk, "Port [" + fields.strPort + "] GET " + url, [&] {
-        const std::int16_t port = Trim(fields.strPort).empty() ? kWebPort : Value(fields.strPort).Int16();
         return desk.http.getURLData2({.strURL = url,
                                       .strUser = fields.strUserName,
                                       .strPassword = fields.strPassword,
                                       .nTimeout = TimeoutOf(fields),
-                                      .nPort = port});
+                                      .nPort = PagePort(desk, fields.strPort),
+                                      .goodStatuses = [&fields] { return fields.HTTPStatusGood; }});
     });
 }
 

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "engine/http_status.h"
 #include "engine/machine_restart.h"
 #include "engine/server_table.h"
 #include "platform/operator.h"
@@ -124,6 +126,8 @@ std::string MonitorCommands::Copy(const std::string& id) {
     for (const auto& [name, value] : kFreshValues)
         copy->Fields(name) = value;
     copy->Update();
+    if (desk_.safeguards.IsOn(kHttpStatusFails))
+        desk_.ofEntries.Write(ParseWhole(newId), kHttpStatusGood, desk_.ofEntries.Read(ParseWhole(id), kHttpStatusGood));
     return newId;
 }
 
@@ -149,6 +153,7 @@ void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, 
 void MonitorCommands::Delete(const std::string& id) {
     const WaitCursor waiting(desk_.person);
     desk_.maintenance.DeleteServerData(id);
+    if (desk_.safeguards.IsOn(kHttpStatusFails)) IgnoreErrors([&] { desk_.ofEntries.Remove(ParseWhole(id)); });
     desk_.person.RefreshURLList();
     const std::string problem = desk_.publisher.PublishReports();
     if (!problem.empty()) desk_.status.setStatusMSG("Reporting Error: " + problem);

@@ -20,7 +20,8 @@ constexpr std::string_view kNow = "Now...";
 
 constexpr std::pair<std::string_view, RowIcon> kIcons[] = {
     {status::kDown, RowIcon::Bad},          {status::kFailing, RowIcon::Warn}, {status::kInactive, RowIcon::Inactive},
-    {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},
+    {status::kDownTime, RowIcon::DownTime}, {status::kUp, RowIcon::Good},      {status::kOwnNetworkDown, RowIcon::Warn},
+    {status::kNotChecked, RowIcon::Warn},
 };
 
 struct ListColumn {
@@ -89,6 +90,12 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     return row;
 }
 
+void AddWarning(Recordset& rs, const AlertPath& alertPath, ServerRow& row) {
+    const std::string warning = alertPath.WarningOf(rs);
+    row.warns = !warning.empty();
+    if (row.warns) row.cells[column::Status] += ", " + warning;
+}
+
 std::string LongDuration(double seconds) {
     const double minutes = seconds / 60;
     return minutes > 60 ? FormatGrouped(minutes / 60, 2) + " hrs." : FormatGrouped(minutes, 2) + " min.";
@@ -114,15 +121,19 @@ std::string FormatDuration(const std::string& seconds) {
     return FormatGrouped(x, hasFraction ? 2 : 0) + " secs.";
 }
 
-std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting) {
+std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting,
+                                      const AlertPath* alertPath) {
     const auto conn = store.NewConnection();
     conn->SetConnectionString(connectionText);
     conn->Open();
     const auto rs = OpenRows(store, *conn, kListQuery, CursorType::Static);
+    const bool warns = alertPath != nullptr && alertPath->IsShown();
     std::vector<ServerRow> rows;
     rows.reserve(static_cast<std::size_t>(rs->RecordCount()));
-    for (int n = 1; !rs->Eof(); rs->MoveNext(), ++n)
+    for (int n = 1; !rs->Eof(); rs->MoveNext(), ++n) {
         rows.push_back(ReadRow(*rs, n, now, requesting && n == 1));
+        if (warns) AddWarning(*rs, *alertPath, rows.back());
+    }
     return rows;
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/clock.h"
 #include "platform/connection.h"
+#include "store/alert_path.h"
 
 namespace korvane {
 
@@ -41,6 +42,7 @@ std::string_view ColumnHead(int column);
 struct ServerRow {
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
+    bool warns = false;  ///< the status contains a warning
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.
@@ -48,8 +50,9 @@ struct ServerRow {
 };
 
 /// Returns all rows, starting with the entry that is due next. `requesting` marks the first row as the one that is being
-/// requested. Throws Error.
-std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting);
+/// requested. With `alertPath`, a status contains the warning of its entry. Throws Error.
+std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting,
+                                      const AlertPath* alertPath = nullptr);
 
 /// Returns "1.50 min.", "2.00 hrs.", "45 secs." or "250 ms."; for a text that is not a number "N/A", without a unit.
 std::string FormatDuration(const std::string& seconds);

@@ -132,7 +132,8 @@ OptionsFields OptionsFromSettings(const SettingsCollection& settings) {
     return fields;
 }
 
-std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& typed) {
+std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& typed, const SafeguardValues& safeguards) {
+    if (const auto refused = RefusedSafeguard(desk, safeguards)) return OptionsRefusal{nullptr, refused->message, refused->key};
     OptionsFields fields = typed;
     if (Trim(fields.ReportPath).empty()) fields.ReportPath = desk.dir + kReportFolder;
     for (const OptionsInput& input : kOptionsInputs) {
@@ -142,7 +143,10 @@ std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields&
         Set(desk, input, fields);
         if (input.key == kReportPath) IgnoreErrors([&] { desk.files.CreateFolder(*desk.collection.Find(kReportPath)); });
     }
+    SetSafeguards(desk, safeguards);
     WriteToFile(desk);
+    desk.safeguards.TellProblems();
+    desk.machineWatch.Follow();
     return std::nullopt;
 }
 

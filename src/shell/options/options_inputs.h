@@ -8,6 +8,7 @@
 #include <string>
 
 #include "shell/entry/form_input.h"
+#include "shell/options/safeguard_inputs.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -55,12 +56,13 @@ OptionsFields OptionsFromSettings(const SettingsCollection& settings);
 struct OptionsRefusal {
     std::string OptionsFields::*field;  ///< the invalid text
     std::string message;
+    std::string safeguard = "";  ///< its key, if that is what is refused; `field` is null then
 };
 
 /// Puts the inputs into the settings collection one after the other and writes the settings file. Stops at a refusal: earlier
-/// inputs are then in the collection but not in the file. Writing may deliver events. Throws nothing; an error while writing the
+/// inputs are then in the collection but not in the file. The safeguards are checked first. Writing may deliver events. Throws nothing; an error while writing the
 /// file is not reported.
-std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& fields);
+std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& fields, const SafeguardValues& safeguards = {});
 
 /// Puts only the mail settings into the collection, for a test of them.
 void SetMailSettings(const Desk& desk, const OptionsFields& fields);

@@ -90,7 +90,7 @@ struct Adapters {
     RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
-        return {{tcpSocket, testSocket, echo, newInet},
+        return {{tcpSocket, testSocket, echo, newInet, networkSocket},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
@@ -103,7 +103,7 @@ struct Adapters {
     QtEvents events;
     QtTimers timers;
     QtSqlStore store{KindOfColumn};
-    QtTcpSocket tcpSocket, testSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket;
+    QtTcpSocket tcpSocket, testSocket, networkSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket;
     LinuxIcmpEcho echo;
     LinuxProcesses processes{events};
     DesktopSound sound{processes};

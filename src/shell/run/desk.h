@@ -11,12 +11,13 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
-#include "resources/alert_mails.h"
+#include "resources/machine_watch.h"
 #include "shell/run/message_title.h"
 #include "shell/run/ports.h"
 #include "shell/run/report_commands.h"
 #include "shell/service/service_mode.h"
 #include "shell/web/web_pages.h"
+#include "store/entry_safeguards.h"
 #include "store/log.h"
 #include "store/maintenance.h"
 #include "store/safeguards.h"
@@ -40,6 +41,8 @@ struct Desk : StorePorts, SystemPorts {
     ServerEntries& entries;
     LegacyLog& legacyLog;
     Safeguards& safeguards;
+    AlertPath& alertPath;
+    EntrySafeguards& ofEntries;
     Dispatcher& mail;
     TraceRoute& trace;
     CommandRunner& commands;
@@ -51,6 +54,7 @@ struct Desk : StorePorts, SystemPorts {
     VersionCheck& versionCheck;
     ServiceMode& service;
     AlertMails& alertMails;
+    MachineWatch& machineWatch;
     ConversationWindow& conversation;
 
     // The checkers for the operator's tests. They share nothing with those of the cycle, which may be running a check.

@@ -35,6 +35,7 @@ struct CheckPorts {
     TcpSocket& testSocket;  ///< for the operator's tests while the cycle uses its own
     IcmpEcho& echo;
     std::function<std::unique_ptr<Inet>()> newInet;
+    TcpSocket& networkSocket;  ///< for questions whether this machine's own network is up
 };
 
 struct MailPorts {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ignore_errors.h"
+#include "base/text.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
 #include "store/database_files.h"
@@ -24,7 +25,7 @@ std::unique_ptr<Timer> NewTimer(Timers& timers, const char* name, std::chrono::m
 
 Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSocket, MailTrace* mailTrace) {
     return {{sckesmtp, plainSocket, run.clock, run.events, run.person, run.files, run.guids, run.status, run.log, run.collection,
-             run.safeguards, [&run] { run.StopMonitor(); }, mailTrace},
+             run.safeguards, [&run] { run.StopMonitor(); }, mailTrace, &run.alertPath},
             {.contactAddress = std::string(kContactAddress)}};
 }
 
@@ -45,34 +46,71 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
       hiddenPasswords(safeguards, collection),
+      alertPath(safeguards, collection),
+      rescue({store, files, clock, events, log, status, safeguards,
+              [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
+             options.dir),
+      ofEntries(store, OdbcConnectionText(options.dir)),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
-      TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms, [this] { cycle.TimerMonitorDB_Timer(); })),
+      TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms,
+                              [this] {
+                                  clockGuard.Look();
+                                  catchUp.TimerMonitorDB_Timer();
+                              })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
       TimerLog(NewTimer(timers, "TimerLog", 60000ms,
                         [this] {
                             TimerLog->SetEnabled(false);
                             legacyLog.TimerLog();
                         })),
+      TimerCopies(NewTimer(timers, "TimerCopies", 10000ms, [this] { rescue.KeepDailyCopy(); })),
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
       actions({store, clock, status, log, collection, entries, mail, trace, commands}),
-      reports({store, clock, events, person, files, status, collection, ids}, options.dir),
+      reports({store, clock, events, person, files, status, collection, ids, safeguards, alertPath}, options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
-      maintenance({store, clock, files, log, status, [this] { reportCommands.PublishReports(false); }}, options.dir),
+      maintenance({store, clock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
       conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
-      http({collection, events, clock, progress}),
+      http({collection, safeguards, events, clock, progress}),
       tcp({tcpSocket, events, clock, person, status, conversationWindow}),
       ping({echo, clock, person, status, log}),
-      testHttp({collection, events, clock, progress}),
+      testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      accounting({store, clock, events, person, sound, status, log, collection, ids, actions}),
+      network({echo, networkSocket, clock, events, status, log, collection, safeguards, mail}),
+      accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards}),
       alarm({person, status, log, serviceManager}),
-      cycle({store, clock, events, person, status, log, collection, http, tcp, ping, accounting, alarm, reportCommands, state,
-             OdbcConnectionText(options.dir)}),
+      kept({store, clock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
+      badEntries({store, clock, status, log, safeguards, kept, OdbcConnectionText(options.dir)}),
+      blind({clock, status, log, [this](const Notification& notification) { return mail.SendWithBackup(notification); },
+             safeguards}),
+      cycle({store,
+             clock,
+             events,
+             person,
+             status,
+             log,
+             collection,
+             ofEntries,
+             http,
+             tcp,
+             ping,
+             network,
+             accounting,
+             alarm,
+             reportCommands,
+             state,
+             OdbcConnectionText(options.dir),
+             safeguards,
+             badEntries,
+             kept,
+             blind}),
+      catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
+      clockGuard({store, clock, safeguards, state, OdbcConnectionText(options.dir)}),
+      heartbeat({timers, clock, log, collection, safeguards, state, switches, newInet}),
       wait({clock, person, status, collection, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
       stopStart({person, status, switches, state, bFormLoading}),
@@ -84,38 +122,25 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       mailProof({popSocket, clock, events, timers, files, guids, sound, alertDispatcher, safeguards, collection, status, log,
                  [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }},
                 options.dir),
-      desk{*this,
-           *this,
-           person,
-           options.dir,
-           options.version,
-           log,
-           status,
-           ids,
-           collection,
-           settingsFile,
-           settings,
-           entries,
-           legacyLog,
-           safeguards,
-           mail,
-           trace,
-           commands,
-           reportCommands,
-           reportCommands,
-           maintenance,
-           restart,
-           pages,
-           versionCheck,
-           service,
-           alertMails,
-           conversationWindow,
-           testHttp,
-           testTcp,
-           ping} {
+      machineWatch({options.dir, clock, timers, store, person, files, collection, alertMails, log, safeguards}, events,
+                   systemInfo, RunPorts::services),
+      desk{*this,        *this,        person,     options.dir,    options.version,    log,         status,    ids,
+           collection,   settingsFile, settings,   entries,        legacyLog,          safeguards,  alertPath, ofEntries,
+           mail,         trace,        commands,   reportCommands, reportCommands,     maintenance, restart,   pages,
+           versionCheck, service,      alertMails, machineWatch,   conversationWindow, testHttp,    testTcp,   ping} {
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
+}
+
+void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& text) {
+    IgnoreErrors([&] {
+        const auto connection = OpenDatabase(store, options.dir);
+        const auto first = OpenRows(store, *connection, "SELECT * from servers order by id");
+        const auto column = [&](const char* name) { return first->Fields(name).Value().Text(); };
+        if (first->Eof() || Trim(column("strEmailList1") + column("strEmailList2")).empty()) return;
+        alertMails.Alert({column("strEmailList1"), column("strEmailList2"), column("strEmailFrom"), subject, text});
+    });
 }
 
 void RunRooms::StopMonitor() {
@@ -147,9 +172,11 @@ void Run::SaveOnExit() {
 
 void Run::Form_Unload() {
     RunRooms& run = *rooms_;
-    for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get()})
+    for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get(),
+                                   run.TimerCopies.get()})
         timer->SetEnabled(false);
     run.mailProof.Stop();
+    run.heartbeat.End();
     IgnoreErrors([&] { run.http.CloseInets(); });
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())

@@ -4,15 +4,21 @@
 
 #include <memory>
 
+#include "engine/catch_up.h"
+#include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
 #include "engine/hiding_conversation.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
+#include "engine/own_network.h"
 #include "engine/stop_start.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
+#include "resources/machine_watch.h"
 #include "shell/run/desk.h"
+#include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
+#include "store/entry_safeguards.h"
 
 namespace korvane {
 
@@ -24,6 +30,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
+    /// Sends a mail to the recipients of the first entry, later and once.
+    void MailToFirstEntry(const std::string& subject, const std::string& text);
 
     RunOptions options;
     bool bFormLoading = false;
@@ -42,12 +50,16 @@ struct RunRooms : RunPorts {
     LegacyLog legacyLog;
     Safeguards safeguards;
     HiddenPasswords hiddenPasswords;
+    AlertPath alertPath;
+    DatabaseRescue rescue;
+    EntrySafeguards ofEntries;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
     std::unique_ptr<Timer> TimerMonitorDB;
     std::unique_ptr<Timer> TimerProgress;
     std::unique_ptr<Timer> TimerLog;
+    std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
 
     Dispatcher mail;
@@ -66,9 +78,16 @@ struct RunRooms : RunPorts {
     PingChecker ping;
     HttpRequester testHttp;
     TcpChecker testTcp;
+    OwnNetwork network;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
+    KeptAccounts kept;
+    BadEntries badEntries;
+    BlindAlarm blind;
     MonitorCycle cycle;
+    CatchUp catchUp;
+    ClockGuard clockGuard;
+    Heartbeat heartbeat;
     BeginWait wait;
     StopStart stopStart;
     MachineRestart restart;
@@ -77,6 +96,7 @@ struct RunRooms : RunPorts {
     Dispatcher alertDispatcher;
     AlertMails alertMails;
     MailProof mailProof;
+    MachineWatch machineWatch;
     const Desk desk;
 };
 

@@ -156,6 +156,7 @@ bool DatabaseOpens(RunRooms& run) {
 
 bool HasAllItNeeds(RunRooms& run) {
     try {
+        run.rescue.BeforeTheStart();
         return HasDatabase(run) && HasTemplates(run) && DatabaseOpens(run);
     } catch (const std::exception& error) {  // the disk is full, or a folder is not accessible
         TellTheEnd(run, kMessageTitle, error.what());
@@ -242,9 +243,12 @@ Run::Started Run::StartUp() {
     run.mainWindow.Form_Resize();
     run.Timer2->SetEnabled(true);
     run.mailProof.Start();
+    run.heartbeat.Begin();
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
+    run.machineWatch.Follow();
+    run.TimerCopies->SetEnabled(true);
     run.service.Loaded();
     return Started::Running;
 }

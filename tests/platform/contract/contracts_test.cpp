@@ -136,6 +136,28 @@ TEST_P(Contract, PagesComeBackWholeAndFailuresInWordsWhileThePumpRuns) {
     EXPECT_EQ(Fetch(quick), "=quick");
 }
 
+TEST_P(Contract, AStartedRequestHoldsUpNobodyAndItsEndIsToldOnce) {
+    const std::string silent = ServePage(Page::Silent), quick = ServePage(Page::Body, "quick");
+    const auto timer = NewTimer(20ms, [] {});
+    const auto outcome = [&] {
+        std::optional<std::string> told;
+        return Wait([&] { return (told = inet->Outcome()).has_value(); }) ? *told : "none";
+    };
+    EXPECT_FALSE(inet->Outcome());
+    inet->Start({.URL = silent, .RequestTimeout = 1s});
+    EXPECT_FALSE(inet->Outcome() || inet->StillExecuting());
+    EXPECT_EQ(Fetch(quick), "=quick");
+    EXPECT_TRUE(Holds(outcome(), "timed out"));
+    EXPECT_FALSE(inet->Outcome());
+    inet->Start({.URL = silent});
+    inet->Start({.URL = quick});
+    EXPECT_EQ(outcome(), "");
+    EXPECT_EQ(inet->ResponseCode(), 200);
+    inet->Start({.URL = ServePage(Page::Failure)});
+    EXPECT_TRUE(Holds(ToLower(outcome()), "connect"));
+    inet->Start({.URL = silent});  // and goes away with the slot
+}
+
 TEST_P(Contract, AServerSpeaksFirstAndWhatWasSentGoesOutBeforeTheEnd) {
     const int port =
         Serve({{Do::Speak, "220 ready "}, {Do::Expect, "NOOP"}, {Do::Speak, "250 fine", 10ms}, {Do::Expect, "QUIT"}});

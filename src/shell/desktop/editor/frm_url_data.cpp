@@ -92,6 +92,7 @@ void frmURLData::SetScreen(const EntryTypeScreen& screen) {
     if (screen.expectedEnabled) txtExpectedText_->setEnabled(*screen.expectedEnabled);
     cmdTextToFind_->setEnabled(txtExpectedText_->isEnabled());
     form_->setRowVisible(timeoutRow_, screen.timeoutShown);
+    if (statusRow_ >= 0) form_->setRowVisible(statusRow_, screen.webPages);
     lblAddress_->setText(WithKey(Q(screen.addressLabel), kAddressKeys));
     inputs_.Label(&EntryFields::strExpectedText)->setText(WithKey(Q(screen.expectedLabel), kExpectedKeys));
     txtExpectedText_->setAccessibleName(Q(screen.expectedLabel).remove(':'));
@@ -126,7 +127,7 @@ void frmURLData::SetExpectedText(const std::string& text) {
 void frmURLData::cmdOk_Click() {
     const EntryFields fields = Read();
     inputs_.TakeMarksAway();
-    if (const auto refusal = CheckDownTimes(fields)) {
+    if (const auto refusal = CheckInputs(fields)) {
         ShowRefusal(*inputs_.Box(refusal->field), refusal->message);
         desk_.person.ShowMessage(kMessageTitle, refusal->message);
         return;

@@ -95,6 +95,7 @@ private:
     FormInputs<EntryFields> inputs_;
     QFormLayout* form_ = nullptr;  ///< of the first page
     int timeoutRow_ = 0;           ///< in it
+    int statusRow_ = -1;           ///< the row of the good statuses; -1 while their safeguard is off
     std::vector<int> webPages_;    ///< those that only web pages need
     QComboBox* cmbType_ = nullptr;
     QLabel* lblAddress_ = nullptr;

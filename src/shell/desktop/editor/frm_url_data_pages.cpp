@@ -9,6 +9,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "engine/http_status.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/entry/entry_hints.h"
 #include "shell/entry/entry_type.h"
@@ -38,6 +39,10 @@ void frmURLData::AddServerPage() {
     KeepShort(*txtPort_);
     inputs_.Box(&EntryFields::strRequestText)->hide();  // its label stays, and explains the request when it is clicked
     AddExpectedTextRow();
+    if (desk_.safeguards.IsOn(kHttpStatusFails)) {
+        inputs_.AddRow(*form_, &EntryFields::HTTPStatusGood);
+        statusRow_ = form_->rowCount() - 1;
+    }
     page.addSpacing(fontMetrics().height());
     page.addStretch();
     AddHistoryRow(page);

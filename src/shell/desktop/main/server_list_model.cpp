@@ -1,11 +1,12 @@
 #include "shell/desktop/main/server_list_model.h"
 
+#include <QApplication>
 #include <QIcon>
 #include <algorithm>
 #include <unordered_map>
 
 #include "shell/desktop/look/icons.h"
-#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 
 namespace korvane {
 namespace {
@@ -122,6 +123,8 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
             return TipOf(cell);
         case Qt::DecorationRole:
             return index.column() == column::Number ? QVariant(StateIcon(row.icon)) : QVariant();
+        case Qt::ForegroundRole:
+            return row.warns && index.column() == column::Status ? QVariant(MarkColour(QApplication::palette())) : QVariant();
         case Qt::AccessibleTextRole:
             return index.column() == column::Number ? Q(row.Name() + ", " + row.cells[column::Status]) : Q(cell);
         default:

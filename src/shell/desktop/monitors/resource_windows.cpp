@@ -13,7 +13,8 @@ MonitorPorts MonitorPortsOf(const Desk& desk) {
             .files = desk.files,
             .settings = desk.collection,
             .mails = desk.alertMails,
-            .log = desk.log};
+            .log = desk.log,
+            .safeguards = desk.safeguards};
 }
 
 ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)

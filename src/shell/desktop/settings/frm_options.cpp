@@ -27,6 +27,8 @@ frmOptions::frmOptions(const Desk& desk, ResourceEmailFiles& emails, QWidget* pa
 void frmOptions::Form_Load() {
     const OptionsFields fields = OptionsFromSettings(desk_.collection);
     inputs_.Fill(fields);
+    safeguards_.Fill(SafeguardsFromSettings(desk_.collection));
+    safeguards_.ShowCounts(CountsOf(desk_.safeguards));
     serviceName_ = fields.ServiceName;
     (fields.RebootAny ? optRebootAny_ : optRebootAll_)->setChecked(true);
     ShowChoices(fields.Reboot);
@@ -86,15 +88,25 @@ void frmOptions::cmdOk_Click() {
     if (std::exchange(saving_, true)) return;
     const Desk desk = desk_;
     const QPointer<frmOptions> self = this;
-    const auto refusal = SaveOptions(desk, Read());
+    const auto refusal = SaveOptions(desk, Read(), safeguards_.Read());
     if (self == nullptr) return;
     saving_ = false;
     if (refusal) {
-        ShowRefusal(*inputs_.Box(refusal->field), refusal->message);
+        ShowRefused(*refusal);
         return desk.person.ShowMessage(kMessageTitle, refusal->message);
     }
     if (proxyChanged_) desk.person.ShowMessage(kMessageTitle, std::string(kProxyChangedMessage));
     if (self != nullptr && !IsClosed()) accept();
+}
+
+void frmOptions::ShowRefused(const OptionsRefusal& refusal) {
+    QCheckBox* mark = safeguards_.Mark(refusal.safeguard);
+    if (mark != nullptr) {
+        ShowPageOf(mark);
+        return mark->setFocus();
+    }
+    QLineEdit* box = refusal.field != nullptr ? inputs_.Box(refusal.field) : safeguards_.Box(refusal.safeguard);
+    ShowRefusal(*box, refusal.message);
 }
 
 void frmOptions::ConnectTyping() {

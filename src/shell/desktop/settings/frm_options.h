@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "shell/desktop/settings/safeguards_page.h"
 #include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/tabbed_dialog.h"
 #include "shell/options/options_commands.h"
@@ -39,6 +40,7 @@ private:
     void AddProxyPage();
     void AddServicePage();
     void AddResetsPage();
+    void AddSafeguardsPage();
 
     // Implemented in frm_options.cpp.
     void Form_Load();
@@ -48,6 +50,7 @@ private:
     void ShowMark(QCheckBox& mark, bool checked);
     OptionsFields Read() const;
     void cmdOk_Click();
+    void ShowRefused(const OptionsRefusal& refusal);
     void ConnectTyping();
     void ProxyNameChanged();
     void ShowChoices(bool reboot);
@@ -74,6 +77,7 @@ private:
     bool mailing_ = false;  ///< a test mail is being sent
 
     FormInputs<OptionsFields> inputs_;
+    SafeguardsPage safeguards_;
     QCheckBox* ckReboot_ = nullptr;
     QRadioButton* optRebootAny_ = nullptr;
     QRadioButton* optRebootAll_ = nullptr;

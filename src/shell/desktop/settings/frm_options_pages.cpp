@@ -19,6 +19,7 @@ void frmOptions::AddPages() {
     AddProxyPage();
     AddServicePage();
     AddResetsPage();
+    AddSafeguardsPage();
     tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
 }
 
@@ -177,6 +178,10 @@ void frmOptions::AddResetsPage() {
     add({"cmdDeleteAll", "Delete &All...", "Deletes statistics, failures and response times of all servers."}, OptionsReset::All,
         "Both of these.");
     page.addStretch();
+}
+
+void frmOptions::AddSafeguardsPage() {
+    safeguards_.AddTo(AddPage("Safeguards", "Protections that you can switch on. Each is off until you do."));
 }
 
 }  // namespace korvane

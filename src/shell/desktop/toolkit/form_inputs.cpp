@@ -14,11 +14,6 @@ constexpr int kShortCharacters = 10;
 constexpr const char* kDescription = "unmarkedDescription";
 constexpr const char* kHelp = "help";
 
-/// Returns a red that is visible on this background.
-QColor MarkColour(const QPalette& palette) {
-    return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
-}
-
 void Unmark(QWidget& box) {
     if (!box.property(kDescription).isValid()) return;
     box.setStyleSheet(QString());
@@ -42,6 +37,10 @@ void Mark(Box& box, const QString& kind, const QString& why) {
 }
 
 }  // namespace
+
+QColor MarkColour(const QPalette& palette) {
+    return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
+}
 
 QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page) {
     auto* box = new QLineEdit(page);

@@ -48,6 +48,9 @@ void Describe(QWidget& input, const Control& control);
 /// Returns the status line's text about an input; empty if it has none. A refusal does not change it.
 QString HelpOn(const QObject& input);
 
+/// Returns a red that is visible on the background of boxes and lists.
+QColor MarkColour(const QPalette& palette);
+
 /// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, with its text selected.
 void MarkRefused(QLineEdit& box, const QString& why);
 void MarkRefused(QPlainTextEdit& box, const QString& why);

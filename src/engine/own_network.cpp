@@ -1,0 +1,126 @@
+#include "engine/own_network.h"
+
+#include <algorithm>
+
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "engine/server_table.h"
+#include "notify/mail_message.h"
+#include "platform/wait.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::seconds;
+
+constexpr std::string_view kKey = "OwnNetwork";
+constexpr auto kAnswerWait = 1000ms;
+constexpr int kHops = 255;
+constexpr int kRefused = 10061;
+const std::string kQuestion(32, 'A');
+
+std::string InWords(seconds length) {
+    return std::to_string(length / 1min) + " min. " + std::to_string((length % 1min).count()) + " sec.";
+}
+
+std::string Counted(std::size_t checks) {
+    return checks == 1 ? "1 failed check was not counted." : std::to_string(checks) + " failed checks were not counted.";
+}
+
+}  // namespace
+
+void OwnNetwork::AskBeforeCheck() {
+    const std::vector<std::string> hosts = ports_.safeguards.Hosts(kKey);
+    if (hosts.empty()) outage_.reset();
+    downBefore_ = !hosts.empty() && IsDown(hosts);
+}
+
+bool OwnNetwork::Excuses(Recordset& rs, const std::string& strReason) {
+    const std::vector<std::string> hosts = ports_.safeguards.Hosts(kKey);
+    if (hosts.empty() || !(downBefore_ || IsDown(hosts))) return false;
+    Note(rs);
+    ports_.safeguards.Acted(kKey, "The own network is down since " + outage_->since.Text() + ": none of " +
+                                      ports_.safeguards.Text(kKey) + " answers. Failed checks are not counted.");
+    ports_.status.setStatusMSG("The own network is down. The failed check of " + ColumnText(rs, "strAddress_IP") +
+                               " is not counted.");
+    Write(rs, strReason);
+    return true;
+}
+
+bool OwnNetwork::IsDown(const std::vector<std::string>& hosts) {
+    const bool down = std::none_of(hosts.begin(), hosts.end(), [&](const std::string& host) { return Answers(host); });
+    if (!down && outage_) TellItIsBack();
+    return down;
+}
+
+bool OwnNetwork::Answers(const std::string& host) {
+    std::string whyNot;
+    const auto address = ports_.echo.InetAddr(host);
+    if (address && ports_.echo.IcmpCreateFile(whyNot)) {
+        const EchoReply reply = ports_.echo.IcmpSendEcho(*address, kQuestion, kHops, kAnswerWait);
+        ports_.echo.IcmpCloseHandle();
+        return reply.answered && reply.status == 0;
+    }
+    return Connects(host, 80) || Connects(host, 443) || Connects(host, 53);
+}
+
+bool OwnNetwork::Connects(const std::string& host, std::int32_t port) {
+    bool refused = false;
+    bool failed = false;
+    ports_.socket.SetHandlers({.dataArrival = {}, .close = {}, .error = [&](int number, const std::string&) {
+                                   failed = true;
+                                   refused = number == kRefused;
+                               }});
+    const auto connected = [&] { return ports_.socket.State() == SocketState::Connected; };
+    const bool inBrackets = host.starts_with('[') && host.ends_with(']');
+    IgnoreErrors([&] {
+        ports_.socket.Connect(inBrackets ? host.substr(1, host.size() - 2) : host, port);
+        WaitFor(ports_.events, ports_.clock, kAnswerWait, [&] { return failed || connected(); });
+    });
+    const bool answered = refused || connected();
+    ports_.socket.Close();
+    ports_.socket.SetHandlers({});
+    return answered;
+}
+
+void OwnNetwork::Note(Recordset& rs) {
+    if (!outage_) outage_ = {.since = ports_.clock.Now(), .start = ports_.clock.GetTickCount(), .strFrom = {}, .people = {}};
+    ++outage_->checks;
+    if (outage_->strFrom.empty()) outage_->strFrom = ColumnText(rs, "strEmailFrom");
+    for (const char* column : {"strEmailList1", "strEmailList2"})
+        for (const std::string& recipient : Split(NormaliseRecipients(ColumnText(rs, column)), ';'))
+            if (!Trim(recipient).empty()) outage_->people.insert(Trim(recipient));
+}
+
+void OwnNetwork::Write(Recordset& rs, const std::string& strReason) const {
+    const seconds retry(ParseWhole(ports_.settings.getKvSettingsColVal("GlobalRetryDuration")));
+    const Value interval = rs.Fields("nIntervalSeconds").Value();
+    const bool sooner = !interval.IsBlank() && interval.Int64() > 0 && seconds(interval.Int64()) < retry;
+    rs.Fields("strCurStatus") = status::kOwnNetworkDown;
+    rs.Fields("strLastResponse") =
+        Left("Not counted, because the own network is down: " + WithoutControls(strReason), kMostStoredCharacters);
+    rs.Fields("dtNextCheck") = ports_.clock.Now() + (sooner ? seconds(interval.Int64()) : retry);
+    rs.Update();
+}
+
+void OwnNetwork::TellItIsBack() {
+    const Outage outage = *std::exchange(outage_, std::nullopt);
+    const auto length = std::chrono::duration_cast<seconds>(ports_.clock.GetTickCount() - outage.start);
+    const std::string text = "The own network is back after " + InWords(length) + " " + Counted(outage.checks);
+    ports_.status.setStatusMSG(text);
+    ports_.log.Info("Safeguard OwnNetwork: " + text);
+    if (outage.people.empty()) return;
+    std::string people;
+    for (const std::string& recipient : outage.people)
+        people += (people.empty() ? "" : ";") + recipient;
+    const SendOutcome outcome =
+        ports_.mail.SendWithBackup({people, "", outage.strFrom, "OWN NETWORK BACK UP",
+                                    "Time: " + ports_.clock.Now().Text() + "\r\n\r\n" + text + "\r\n\r\nIt was down since " +
+                                        outage.since.Text() + ": none of " + ports_.safeguards.Text(kKey) + " answered."});
+    if (outcome.sent) return;
+    ports_.log.WriteLog(kLogFatal, kLogError, "The mail about the own network FAILED because '" + outcome.strError + "'.");
+}
+
+}  // namespace korvane

@@ -1,0 +1,32 @@
+// The values of safeguards that belong to one entry. They stand in a table of their own, `EntrySafeguards`, which is created when
+// the first value is written.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/connection.h"
+
+namespace korvane {
+
+class EntrySafeguards {
+public:
+    /// `connectionString` is that of the database. Each call opens a Connection of its own; store errors are passed to the caller.
+    EntrySafeguards(Store& store, std::string connectionString) : store_(store), connectionString_(std::move(connectionString)) {}
+
+    /// Returns the value of the entry; empty if it has none. Keys are case-insensitive.
+    std::string Read(std::int64_t id, std::string_view key) const;
+
+    /// An empty value removes it.
+    void Write(std::int64_t id, std::string_view key, const std::string& value);
+
+    /// Called when the entry is removed.
+    void Remove(std::int64_t id);
+
+private:
+    Store& store_;
+    std::string connectionString_;
+};
+
+}  // namespace korvane
