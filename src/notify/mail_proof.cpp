@@ -49,10 +49,6 @@ MailProof::MailProof(const Ports& ports, const std::string& dir)
     timer_->OnTick([this] { IgnoreErrors([this] { Look(); }); });
 }
 
-void MailProof::Start() {
-    timer_->SetEnabled(true);
-}
-
 void MailProof::Look() {
     if (working_) return;
     timer_->SetInterval(kPeriod);

@@ -40,8 +40,9 @@ public:
     /// Looks once a minute whether something is to be done. What it waits for is kept in `<dir>/kvproof.dat`.
     MailProof(const Ports& ports, const std::string& dir);
 
-    /// Begins to look.
-    void Start();
+    /// Begins to look, and ends it.
+    void Start() { timer_->SetEnabled(true); }
+    void Stop() { timer_->SetEnabled(false); }
 
 private:
     enum class State { Idle, Waiting, Overdue };

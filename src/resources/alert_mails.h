@@ -5,6 +5,8 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "notify/dispatcher.h"
 #include "platform/timer.h"
@@ -25,6 +27,11 @@ public:
 
     /// The same for a mail whose sender waits: `done` is called when it was sent or could not be sent.
     void Send(const Notification& mail, std::function<void()> done);
+
+    /// As the dispatcher does; these mails wait meanwhile, and those of the cycle do not.
+    std::optional<MailSecurity> FindSecurity(const std::string& host, const std::function<void(const std::string& text)>& tell) {
+        return mail_.FindSecurity(host, tell);
+    }
 
 private:
     struct Waiting {

@@ -89,6 +89,7 @@ TEST(MailSecurity, NothingButTheGreetingIsSaidBeforeTheHandshakeAndNothingWithou
             EXPECT_FALSE(w.LeakedBeforeTls()) << w.Said();
             EXPECT_EQ(w.net.Host("pop.example").Port(110).Connections(), 0);
             EXPECT_EQ(Holds(w.Said(), "AHRpbQB0YW|"), c.reason.empty() && !user.empty()) << w.Said();
+            EXPECT_EQ(Holds(w.Said(), "MIME-Versi|") && Holds(w.Said(), "Subject: =|"), c.reason.empty()) << w.Said();
             EXPECT_LT(w.world.Ticks(), std::chrono::seconds(3)) << "a refused connection is not waited for";
             for (const auto& line : w.port_.Lines())
                 EXPECT_LE(line.size(), 998u);

@@ -72,7 +72,7 @@ void FindMailSecurity(const Desk& desk, const OptionsFields& fields,
         if (name.empty()) continue;
         std::string last;
         const auto tell = [&](const std::string& text) { setStatus(last = text); };
-        const std::optional<MailSecurity> found = desk.mail.FindSecurity(name, tell);
+        const std::optional<MailSecurity> found = desk.alertMails.FindSecurity(name, tell);
         if (found) propose({server.security, server.port, *found});
         all += (all.empty() ? "" : "  ") + (found ? last : "No encryption was found at " + name + ".  " + last);
     }

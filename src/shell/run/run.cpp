@@ -175,6 +175,7 @@ void Run::Form_Unload() {
     for (Timer* timer : std::array{run.Timer2.get(), run.TimerMonitorDB.get(), run.TimerProgress.get(), run.TimerLog.get(),
                                    run.TimerCopies.get()})
         timer->SetEnabled(false);
+    run.mailProof.Stop();
     run.heartbeat.End();
     IgnoreErrors([&] { run.http.CloseInets(); });
     run.kept.Write(true);
