@@ -17,8 +17,8 @@ using namespace std::chrono_literals;
 constexpr std::string_view kRestoreDatabase = "RestoreDatabase";
 constexpr int kLooks = 20;
 constexpr auto kBetweenLooks = 500ms;
-/// A full disk needs no copy every few seconds.
-constexpr auto kAfterProblem = 10min;
+/// A full disk or a database without entries is not looked at every few seconds.
+constexpr auto kRest = 10min;
 
 constexpr std::string_view kCopyBegin = "kvdata2 ";
 constexpr std::string_view kCopyEnd = ".mdb";
@@ -135,7 +135,11 @@ void DatabaseRescue::KeepDailyCopy() {
 void DatabaseRescue::CopyToday() {
     const std::string today = ports_.clock.Now().Stored().substr(0, std::string_view("2026-11-22").size());
     const std::string copy = FolderOfCopies(dir_) + "/" + std::string(kCopyBegin) + today + std::string(kCopyEnd);
-    if (ports_.files.Exists(copy) || EntriesIn(DatabasePath(dir_)) == 0) return;  // without entries there is nothing to lose
+    if (ports_.files.Exists(copy)) return;
+    if (EntriesIn(DatabasePath(dir_)) == 0) {  // nothing to lose
+        nextTry_ = ports_.clock.GetTickCount() + kRest;
+        return;
+    }
     ports_.files.CreatePrivateFolder(FolderOfCopies(dir_));
     CopyWhole(DatabasePath(dir_), copy);
     lastProblem_.clear();
@@ -232,7 +236,7 @@ void DatabaseRescue::Tell(const std::string& text) {
 }
 
 void DatabaseRescue::TellProblem(const std::string& text) {
-    nextTry_ = ports_.clock.GetTickCount() + kAfterProblem;
+    nextTry_ = ports_.clock.GetTickCount() + kRest;
     if (std::exchange(lastProblem_, text) == text) return;
     ports_.log.WriteLog(kLogFatal, kLogError, std::string(kRestoreDatabase) + ": " + text);
     ports_.status.setStatusMSG(text);
