@@ -103,8 +103,11 @@ TEST_F(NetTest, ATransferIsCancelledWhileThePumpRunsAndFailuresAreToldInWords) {
 TEST_F(NetTest, AStartedTransferHoldsUpNobodyAndItsEndIsToldOnce) {
     const LoopbackServer silent([](Peer&peer) { peer.ReadToEnd(); }), quick(AnswerHttp(HttpAnswer("quick")));
     CurlInet inet(events, clock, {});
-    std::optional<std::string> told;
-    const auto outcome = [&] { return Wait([&] { return (told = inet.Outcome()).has_value(); }) ? *told : "none"; };
+    const auto outcome = [&] {
+        std::optional<std::string> told;
+        Wait([&] { return told || (told = inet.Outcome()); });
+        return told.value_or("none");
+    };
     inet.Start({.URL = silent.Http(), .RequestTimeout = 1s});
     EXPECT_FALSE(inet.Outcome() || inet.StillExecuting());
     EXPECT_TRUE(Holds(outcome(), "timed out"));

@@ -33,7 +33,7 @@ TEST(Entry, OpensWithItsDefaultsAndIsStoredInputByInput) {
     EntryWorld w;
     std::string columns = "strCurStatus";
     for (const EntryInput& each : EntryInputs())
-        columns += "|" + std::string(each.key);
+        columns += each.key.empty() ? "" : "|" + std::string(each.key);
     w.Write("GlobalEmail.dat", "TO_LIST1=a@x;b@y\r\nTO_LIST2=c@z\r\nFROM=k@x\r\nSUBJECT=XXX is down\r\n");
     const OpenedEntry fresh = OpenEntry(w.desk, true, "");
     EXPECT_EQ(
