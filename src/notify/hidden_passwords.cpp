@@ -8,6 +8,7 @@
 namespace korvane {
 namespace {
 
+constexpr const char* kHidesPasswords = "HidePasswords";
 constexpr const char* kPasswordKeys[] = {"SMTPPass1", "SMTPPass2", "ProveMailPass"};
 constexpr std::size_t kShortest = 4;
 
@@ -65,7 +66,7 @@ void HideInUrls(std::string& text) {
 
 std::string HiddenPasswords::In(std::string_view text) const {
     std::string hidden(text);
-    if (!safeguards_.IsOn("HidePasswords")) return hidden;
+    if (!safeguards_.IsOn(kHidesPasswords)) return hidden;
     for (const char* key : kPasswordKeys) {
         const std::string* password = settings_.Find(key);
         if (password == nullptr || password->size() < kShortest) continue;
@@ -76,6 +77,7 @@ std::string HiddenPasswords::In(std::string_view text) const {
         Replace(hidden, at + kShownPassword.size(), LineEnd(hidden, at));
     HideAfterCommands(hidden);
     HideInUrls(hidden);
+    if (hidden != text) safeguards_.Acted(kHidesPasswords, "A password was taken out of a text.");
     return hidden;
 }
 

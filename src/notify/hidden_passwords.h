@@ -12,8 +12,7 @@ namespace korvane {
 
 class HiddenPasswords {
 public:
-    HiddenPasswords(const Safeguards& safeguards, const SettingsCollection& settings)
-        : safeguards_(safeguards), settings_(settings) {}
+    HiddenPasswords(Safeguards& safeguards, const SettingsCollection& settings) : safeguards_(safeguards), settings_(settings) {}
 
     /// Returns the text with each password replaced: the passwords of the settings, unless they are shorter than 4 characters and
     /// could be any part of a word; what follows "Password="; what follows a login command such as PASS at the beginning of the
@@ -21,7 +20,7 @@ public:
     std::string In(std::string_view text) const;
 
 private:
-    const Safeguards& safeguards_;
+    Safeguards& safeguards_;
     const SettingsCollection& settings_;
 };
 

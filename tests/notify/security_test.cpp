@@ -140,6 +140,7 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
         EXPECT_EQ(world.person.StatusTexts().back(), shown);
         EXPECT_EQ(world.LogTexts().back(), shown);
     }
+    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 12u);
     world.Set("HidePasswords", "");
     desk.status.setStatusMSG("PASS s3cret");
     EXPECT_EQ(world.person.StatusTexts().back(), "PASS s3cret");
