@@ -20,7 +20,9 @@
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
+#include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
+#include "platform/linux/linux_own_program.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/qt_timer.h"
@@ -121,7 +123,13 @@ struct Machine {
     HttpRequester http{{settings, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions}};
+    Safeguards safeguards{settings, log, status};
+    LinuxGuidSource guids;
+    LinuxOwnProgram ownProgram{events};
+    MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, status, log, settings, safeguards,
+                       database.DriverString(), [] { return std::string("bench"); }}};
+    OutcomeAccounting accounting{
+        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, outbox}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
     MonitorCycle cycle{{database.TheStore(), clock, events, person, status, log, settings, http, tcp, ping, accounting, alarm,
@@ -231,7 +239,7 @@ void StoreAndAccounts(benchmark::State& state) {
             rs->Close();
             rs->Open("SELECT * from servers order by dtNextCheck ", *conn, CursorType::Keyset, LockType::Pessimistic);
         }
-        machine.accounting.DoSuccess(*rs, std::chrono::milliseconds(5));
+        machine.accounting.DoSuccess(*rs, *conn, std::chrono::milliseconds(5));
         rs->Close();
         conn->Close();
     }

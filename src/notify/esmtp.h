@@ -72,6 +72,10 @@ public:
     /// each POP reply, and 60 for each piece that the socket cannot send. Throws nothing.
     bool SendMail();
 
+    /// Returns whether the server answered the greeting; and its answer to the end of the message, empty if it did not take it.
+    bool Greeted() const { return greeted_; }
+    const std::string& Receipt() const { return receipt_; }
+
     /// Returns the first four characters of the latest reply.
     const std::string& strLastData() const { return wire_.LastData(); }
 
@@ -126,6 +130,8 @@ private:
     MailMessage message_;
     std::vector<std::string> recipients_;  ///< each in angle brackets
     std::string note_;                     ///< reason for the end of the conversation, for the report
+    bool greeted_ = false;
+    std::string receipt_;
     std::string popUser_;
     std::string popPassword_;
 };

@@ -56,6 +56,8 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
                                 const std::string& /*strExtra*/, const std::string& strBoundary) {
     strError.clear();
     error_.clear();
+    receipt_.clear();
+    greeted_ = false;
     ports_.person.SetWaitCursor(true);
     const std::string from = WithoutLineEnds(strFromAddress);
     const std::string to = WithoutLineEnds(strToAddress);
@@ -64,6 +66,7 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
                           "X-Sender: " + from + "\r\n" + "X-Mailer: Brellix Automated Mailer\r\n" +
                           "To: " + Mailbox(WithoutLineEnds(strToName), to) + "\r\n" + "Subject: " + WithoutLineEnds(strSubject) +
                           "\r\n";
+    if (!messageId_.empty()) headers += "Message-ID: " + messageId_ + "\r\n";
     std::string body = strBody;
     if (!strBoundary.empty()) {
         headers += "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"" + strBoundary + "\"\r\n";
@@ -87,7 +90,7 @@ bool PlainMailer::Converse(const Mail& mail) {
                Command("rcpt to:<" + Trim(mail.to) + ">", "250") &&        //
                Command("data", "354") &&                                   //
                SendMessage(mail) &&                                        //
-               Command(".", "250") &&                                      //
+               EndMessage() &&                                             //
                Quit();
     } catch (const std::exception& error) {
         return Fail(error.what());
@@ -102,7 +105,14 @@ bool PlainMailer::Connect(const Mail& mail) {
     return WaitForReply("220");
 }
 
+bool PlainMailer::EndMessage() {
+    if (!Command(".", "250")) return false;
+    receipt_ = TrimAll(latest_);
+    return true;
+}
+
 bool PlainMailer::NameSender(const Mail& mail) {
+    greeted_ = true;
     ports_.status.setStatusMSG("Connected...");
     SendLine("mail from:<" + Trim(mail.from) + ">");
     ports_.status.setStatusMSG("Sending from " + mail.from + " to " + mail.to);
@@ -150,6 +160,7 @@ bool PlainMailer::WaitForReply(std::string_view expectedCode) {
         ports_.events.WaitForEvent(kWaitStep);
     }
     const std::string reply = TakeReply();
+    latest_ = reply;
     if (reply.size() <= 2 || reply.starts_with(expectedCode)) return true;
     return FailWithStatus("Expected: " + std::string(expectedCode) + " Recieved: " + Left(reply, kMostOfAReply));
 }

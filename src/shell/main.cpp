@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/linux/standard_streams.h"
+#include "shell/process/errand.h"
 #include "shell/process/process.h"
 
 namespace korvane {
@@ -40,6 +41,7 @@ DesktopMain* LoadWindows() {
 
 int Main(int argc, char** argv) {
     PrepareProcess();
+    if (IsErrand(argc, argv)) return RunErrand(argc, argv);
     if (HasDisplay()) {
         if (DesktopMain* desktopMain = LoadWindows(); desktopMain != nullptr) return desktopMain(argc, argv);
     }

@@ -1,5 +1,6 @@
 #include "platform/qt/sql_connection.h"
 
+#include <QtCore/QVariant>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -22,6 +23,11 @@ void QtSqlConnection::BeginTrans() {
 void QtSqlConnection::CommitTrans() {
     if (!session_) throw Error("The connection is not open.");
     session_->Commit();
+}
+
+void QtSqlConnection::Execute(std::string_view statement) {
+    if (!session_) throw Error("The connection is not open.");
+    session_->Change(std::string(statement), {});
 }
 
 void QtSqlConnection::TryWriting() {

@@ -18,6 +18,7 @@ public:
     void Close() override;
     void BeginTrans() override;
     void CommitTrans() override;
+    void Execute(std::string_view statement) override;
     void TryWriting() override;
 
     /// Returns nothing while it is closed.

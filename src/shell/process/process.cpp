@@ -24,6 +24,7 @@
 #include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
 #include "platform/linux/linux_memory.h"
+#include "platform/linux/linux_own_program.h"
 #include "platform/linux/linux_power.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_signals.h"
@@ -93,7 +94,7 @@ struct Adapters {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
         return {{tcpSocket, testSocket, echo, newInet},
-                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, guids, ownProgram},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
                  std::move(exit)},
@@ -110,6 +111,7 @@ struct Adapters {
     LinuxProcesses processes{events};
     DesktopSound sound{processes};
     LinuxGuidSource guids;
+    LinuxOwnProgram ownProgram{events};
     LinuxPower power{[this](const std::vector<std::string>& words) { processes.Start(words); },
                      ThisMachine(getShudownEXEPath(files))};
     SystemdManager serviceManager{{files, ProgramRunner(events, clock)},

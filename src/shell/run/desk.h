@@ -11,6 +11,7 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
+#include "notify/mail_outbox.h"
 #include "resources/alert_mails.h"
 #include "shell/run/message_title.h"
 #include "shell/run/ports.h"
@@ -42,6 +43,7 @@ struct Desk : StorePorts, SystemPorts {
     LegacyLog& legacyLog;
     Safeguards& safeguards;
     Dispatcher& mail;
+    MailOutbox& outbox;
     TraceRoute& trace;
     CommandRunner& commands;
     ReportPublisher& publisher;

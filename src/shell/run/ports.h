@@ -16,6 +16,7 @@
 #include "platform/icmp_echo.h"
 #include "platform/inet.h"
 #include "platform/operator.h"
+#include "platform/own_program.h"
 #include "platform/power.h"
 #include "platform/processes.h"
 #include "platform/service_manager.h"
@@ -43,6 +44,7 @@ struct MailPorts {
     TcpSocket& alertEsmtp;   ///< for mails of the resource monitors, which are sent independently of those of the cycle
     TcpSocket& alertPlain;
     GuidSource& guids;
+    OwnProgram& ownProgram;  ///< sends the mails of the outbox
 };
 
 struct StorePorts {

@@ -48,6 +48,7 @@ struct RunRooms : RunPorts {
     CycleTimers switches;
 
     Dispatcher mail;
+    MailOutbox outbox;
     TraceRoute trace;
     CommandRunner commands;
     ServerActions actions;
