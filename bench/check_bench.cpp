@@ -25,7 +25,6 @@
 #include "platform/linux/linux_own_program.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "store/ini_file.h"
 #include "support/loopback_server.h"
 #include "support/played_machine.h"
@@ -127,7 +126,7 @@ struct Machine {
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
     MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, status, log, settings, safeguards,
-                       database.DriverString(), [] { return std::string("bench"); }}};
+                       database.Folder(), [] { return std::string("bench"); }}};
     OutcomeAccounting accounting{
         {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, outbox}};
     RecordingServiceManager manager;

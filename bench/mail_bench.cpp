@@ -13,7 +13,6 @@
 #include "platform/linux/linux_guid_source.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "support/loopback_server.h"
 #include "support/qt_application.h"
 #include "support/recording_operator.h"

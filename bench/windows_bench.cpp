@@ -4,15 +4,15 @@
 
 #include <QImage>
 #include <fstream>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "desktop/desktop_test.h"
 #include "platform/linux/linux_system_info.h"
-#include "shell/desktop/monitors/frm_cpu_monitor.h"
-#include "shell/desktop/monitors/frm_disk_monitor.h"
-#include "shell/desktop/monitors/frm_memory_mon.h"
-#include "shell/desktop/monitors/frm_svc_mon.h"
+#include "resources/cpu_monitor.h"
 #include "shell/desktop/monitors/load_chart.h"
+#include "shell/desktop/monitors/resource_form.h"
 #include "shell/desktop/monitors/resource_windows.h"
 
 namespace korvane {
@@ -54,10 +54,11 @@ struct Windows {
         program.run.StartUp();
         for (int i = 0; i < kServices; ++i)
             program.services.Set("service-number-" + std::to_string(i) + ".service", ServiceRecord::kRunning);
-        for (QWidget* window : std::initializer_list<QWidget*>{&cpu, &disk, &memory, &services})
-            window->show();
-        for (AlertMonitor* monitor : std::initializer_list<AlertMonitor*>{&cpu.Monitor(), &disk.Monitor(), &services.Monitor()})
-            monitor->LoadData();
+        for (const ResourceMonitor monitor : kResourceMonitors) {
+            windows.push_back(NewResourceForm(monitor, ports, program.world.events, machine, program.services));
+            windows.back()->show();
+            windows.back()->Monitor().LoadData();
+        }
     }
 
     /// Paints what has changed as often as a sample can come.
@@ -74,10 +75,7 @@ struct Windows {
     }()};
     LinuxSystemInfo machine;
     MonitorPorts ports = MonitorPortsOf(program.run.TheDesk());
-    frmCPUMonitor cpu{ports, machine};
-    frmDiskMonitor disk{ports, machine};
-    frmMemoryMon memory{ports, program.world.events, machine};
-    frmSvcMon services{ports, program.services};
+    std::vector<std::unique_ptr<ResourceForm>> windows;
 };
 
 void ADayOfSampling(benchmark::State& state) {

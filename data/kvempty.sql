@@ -1,7 +1,8 @@
 -- The blank database: kvempty.mdb is made from this at build time.
 --
--- Ids are INTEGER, texts are TEXT COLLATE NOCASE (queries compare without regard to case), whole numbers and yes/no (1 or 0)
--- are INTEGER, fractions are REAL, moments are TEXT "YYYY-MM-DD HH:MM:SS" in local time. Blank is NULL.
+-- The program reads its columns and their kinds from this text (src/store/schema.cpp): a table's columns stand below its CREATE
+-- TABLE, one on each indented line. SMALLINT is a whole number of 16 bits, INT of 32, INTEGER of 64 (and an id), REAL a fraction,
+-- BOOLEAN 1 or 0, DATETIME a text "YYYY-MM-DD HH:MM:SS" in local time. Queries compare texts without regard to case. Blank is NULL.
 
 PRAGMA page_size = 4096;
 PRAGMA encoding = 'UTF-8';
@@ -15,22 +16,22 @@ CREATE TABLE Servers (
     strAddress_IP    TEXT COLLATE NOCASE,
     strType          TEXT COLLATE NOCASE DEFAULT 'HTTP',
     strPort          TEXT COLLATE NOCASE DEFAULT '80',
-    nTimeout         INTEGER DEFAULT 15,
-    nTries           INTEGER DEFAULT 3,
-    nTriesCur        INTEGER DEFAULT 0,
-    nListFrequency   INTEGER DEFAULT 0,
+    nTimeout         SMALLINT DEFAULT 15,
+    nTries           SMALLINT DEFAULT 3,
+    nTriesCur        SMALLINT DEFAULT 0,
+    nListFrequency   SMALLINT DEFAULT 0,
     nIntervalSeconds INTEGER DEFAULT 60,
     strExpectedText  TEXT COLLATE NOCASE DEFAULT '',
     strRequestText   TEXT COLLATE NOCASE DEFAULT '',
     strUserName      TEXT COLLATE NOCASE DEFAULT '',
     strPassword      TEXT COLLATE NOCASE DEFAULT '',
-    bIsMonitoring    INTEGER DEFAULT 1,
-    bSendUpNotify    INTEGER DEFAULT 1,
-    bNotSendBody     INTEGER DEFAULT 0,
+    bIsMonitoring    BOOLEAN DEFAULT 1,
+    bSendUpNotify    BOOLEAN DEFAULT 1,
+    bNotSendBody     BOOLEAN DEFAULT 0,
     strDownTime1     TEXT COLLATE NOCASE,
     strDownTime2     TEXT COLLATE NOCASE,
-    nDownDuration1   INTEGER DEFAULT 0,
-    nDownDuration2   INTEGER DEFAULT 0,
+    nDownDuration1   SMALLINT DEFAULT 0,
+    nDownDuration2   SMALLINT DEFAULT 0,
     strCMD           TEXT COLLATE NOCASE DEFAULT '',
     strCMDUP         TEXT COLLATE NOCASE DEFAULT '',
     strEmailList1    TEXT COLLATE NOCASE DEFAULT '',
@@ -38,19 +39,19 @@ CREATE TABLE Servers (
     strEmailFrom     TEXT COLLATE NOCASE DEFAULT '',
     strEmailText     TEXT COLLATE NOCASE DEFAULT '',
     strEmailBody     TEXT COLLATE NOCASE DEFAULT '',
-    nFailScanText    INTEGER DEFAULT 0,
+    nFailScanText    INT DEFAULT 0,
     strCurStatus     TEXT COLLATE NOCASE DEFAULT 'UP',
     strLastResponse  TEXT COLLATE NOCASE,
     nAveResponse     REAL DEFAULT 0,
     nAveSession      REAL DEFAULT 0,
-    nTotalSession    INTEGER DEFAULT 0,
-    nSuccess         INTEGER DEFAULT 0,
-    nFail            INTEGER DEFAULT 0,
+    nTotalSession    INT DEFAULT 0,
+    nSuccess         INT DEFAULT 0,
+    nFail            INT DEFAULT 0,
     nPercentUp       REAL DEFAULT 100,
-    dtNextCheck      TEXT,
-    datelastcheck    TEXT,
-    datelastfail     TEXT,
-    datelastreset    TEXT
+    dtNextCheck      DATETIME,
+    datelastcheck    DATETIME,
+    datelastfail     DATETIME,
+    datelastreset    DATETIME
 );
 CREATE INDEX ServersByNextCheck ON Servers (dtNextCheck);
 
@@ -63,12 +64,12 @@ CREATE TABLE Failures (
     strAddress_IP TEXT COLLATE NOCASE,
     strType       TEXT COLLATE NOCASE,
     strPort       TEXT COLLATE NOCASE,
-    nTimeout      INTEGER,
-    nFailCount    INTEGER,
-    nFailMax      INTEGER,
+    nTimeout      SMALLINT,
+    nFailCount    SMALLINT,
+    nFailMax      SMALLINT,
     strAction     TEXT COLLATE NOCASE,
     strReason     TEXT COLLATE NOCASE,
-    dateFail      TEXT
+    dateFail      DATETIME
 );
 CREATE INDEX FailuresByParentAndDate ON Failures (IDParent, dateFail);
 
@@ -77,7 +78,7 @@ CREATE TABLE Response (
     id           INTEGER PRIMARY KEY,
     idParent     INTEGER,
     txtType      TEXT COLLATE NOCASE,
-    dtCur        TEXT,
+    dtCur        DATETIME,
     nAveResponse REAL,
     nAveSession  REAL
 );

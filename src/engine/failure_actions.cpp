@@ -7,6 +7,7 @@
 #include "base/ignore_errors.h"
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -170,8 +171,7 @@ bool ServerActions::AreAllServersFailing(Connection& conn) {
     DateTime when = ports_.clock.Now() + kDueSoon;
     if (when == when.Date())
         when = when + seconds(1);  // midnight cannot be written in a query, and this text is not worth losing the mail
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open(query::MonitoredAndDueBy(when), conn, CursorType::Static, LockType::Optimistic);
+    const auto rs = OpenRows(ports_.store, conn, query::MonitoredAndDueBy(when), CursorType::Static);
     bool bAll = !rs->Eof();
     for (; bAll && !rs->Eof(); rs->MoveNext())
         bAll = ColumnText(*rs, "strCurStatus") != status::kUp;
@@ -219,7 +219,7 @@ void ServerActions::SendStartupNotice() {
         if (ports_.entries.Entries().empty())
             return LogError(kRoutine + "There is no entry in memory whose people could be told.");
         const ServerEntry& first = ports_.entries.Entries().front();
-        const Notification notice{first.strEmailList1, first.strEmailList2, first.strEmailFrom,
+        const Notification notice{first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
                                   "Korvane Just Started. This server is up.", StartupMail()};
         if (ports_.outbox.IsOn() && ports_.outbox.Put(notice)) return ports_.outbox.Flush();
         const SendOutcome outcome = ports_.mail.SendThrough(MailServer::Primary, notice);

@@ -7,6 +7,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -218,8 +219,7 @@ DateTime OutcomeAccounting::NextCheckAfterFailure(Recordset& rs, std::int16_t tr
 }
 
 void OutcomeAccounting::AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row) {
-    const auto failures = ports_.store.NewRecordset();
-    failures->Open(query::kNoFailures, conn, CursorType::Keyset, LockType::Optimistic);
+    const auto failures = OpenRows(ports_.store, conn, query::kNoFailures);
     failures->AddNew();
     failures->Fields("ID") = ports_.ids.NewServerID();
     failures->Fields("IDParent") = rs.Fields("ID").Value();

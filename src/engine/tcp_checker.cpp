@@ -7,7 +7,6 @@
 #include "base/numbers.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "platform/reply_limit.h"
 #include "platform/wait.h"
 
 namespace korvane {

@@ -6,7 +6,6 @@
 #include "base/numbers.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "platform/wait_cursor.h"
 
 namespace korvane {
 namespace {

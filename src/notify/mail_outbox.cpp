@@ -6,6 +6,7 @@
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -55,7 +56,7 @@ std::string OutboxState::Text() const {
 }
 
 MailOutbox::MailOutbox(const Ports& ports)
-    : ports_(ports), table_(ports.store, ports.connectionString), timer_(ports.timers.NewTimer("MailOutbox")) {
+    : ports_(ports), table_(ports.store, ports.dir), timer_(ports.timers.NewTimer("MailOutbox")) {
     timer_->OnTick([this] { IgnoreErrors([this] { timer_Timer(); }); });
 }
 
@@ -135,9 +136,7 @@ void MailOutbox::Settle(bool committed) {
 void MailOutbox::Flush() {
     if (takenOver_.empty()) return;
     IgnoreErrors([&] {
-        const auto conn = ports_.store.NewConnection();
-        conn->SetConnectionString(ports_.connectionString);
-        conn->Open();
+        const auto conn = OpenDatabase(ports_.store, ports_.dir);
         conn->BeginTrans();
         WriteWith(*conn);
         Commit(*conn);
@@ -197,11 +196,8 @@ void MailOutbox::LookAfter() {
 
 // The alert that was never wired is otherwise found in the next outage.
 void MailOutbox::NameUnnotified() {
-    const auto conn = ports_.store.NewConnection();
-    conn->SetConnectionString(ports_.connectionString);
-    conn->Open();
-    const auto rs = ports_.store.NewRecordset();
-    rs->Open(kUnnotified, *conn, CursorType::Static, LockType::Optimistic);
+    const auto conn = OpenDatabase(ports_.store, ports_.dir);
+    const auto rs = OpenRows(ports_.store, *conn, kUnnotified, CursorType::Static);
     state_.unnotified.clear();
     for (; !rs->Eof(); rs->MoveNext()) {
         const std::string name = rs->Fields("strDesc").Value().Text();

@@ -51,7 +51,7 @@ public:
         Log& log;
         const SettingsCollection& settings;
         Safeguards& safeguards;
-        std::string connectionString;           ///< of the database
+        std::string dir;                        ///< folder of the database
         std::function<std::string()> hostName;  ///< of this machine, for the Message-ID
     };
 

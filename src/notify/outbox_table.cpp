@@ -2,6 +2,7 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -72,24 +73,16 @@ OutboxMail HeadOf(Recordset& rs) {
 
 }  // namespace
 
-std::unique_ptr<Connection> OutboxTable::Opened() {
-    auto conn = store_.NewConnection();
-    conn->SetConnectionString(connectionString_);
-    conn->Open();
-    return conn;
-}
-
 bool OutboxTable::Exists(Connection& conn) {
-    const auto rs = store_.NewRecordset();
-    rs->Open("SELECT name FROM sqlite_master WHERE type = 'table' AND name = 'MailOutbox' COLLATE NOCASE", conn,
-             CursorType::Static, LockType::Optimistic);
+    const auto rs =
+        OpenRows(store_, conn, "SELECT name FROM sqlite_master WHERE type = 'table' AND name = 'MailOutbox' COLLATE NOCASE",
+                 CursorType::Static);
     return rs->RecordCount() > 0;
 }
 
 std::int64_t OutboxTable::Add(Connection& conn, const OutboxMail& mail) {
     if (!Exists(conn)) conn.Execute(kCreateOutbox);
-    const auto rs = store_.NewRecordset();
-    rs->Open(kNoOutboxRow, conn, CursorType::Keyset, LockType::Optimistic);
+    const auto rs = OpenRows(store_, conn, kNoOutboxRow);
     rs->AddNew();
     rs->Fields("IDParent") = mail.idEntry;
     rs->Fields("strEvent") = kEventWords[static_cast<int>(mail.event)];
@@ -110,13 +103,12 @@ std::int64_t OutboxTable::Add(Connection& conn, const OutboxMail& mail) {
 }
 
 std::int64_t OutboxTable::Add(const OutboxMail& mail) {
-    const auto conn = Opened();
+    const auto conn = OpenDatabase(store_, dir_);
     return Add(*conn, mail);
 }
 
 void OutboxTable::Rewrite(Connection& conn, std::int64_t id, const Notification& mail) {
-    const auto rs = store_.NewRecordset();
-    rs->Open(RowOf(id), conn, CursorType::Keyset, LockType::Optimistic);
+    const auto rs = OpenRows(store_, conn, RowOf(id));
     rs->Fields("strEvent") = kEventWords[static_cast<int>(MailEvent::Other)];
     rs->Fields("strSubject") = mail.strSubject;
     rs->Fields("strBody") = mail.strBody;
@@ -124,9 +116,8 @@ void OutboxTable::Rewrite(Connection& conn, std::int64_t id, const Notification&
 }
 
 std::optional<OutboxMail> OutboxTable::Read(std::int64_t id) {
-    const auto conn = Opened();
-    const auto rs = store_.NewRecordset();
-    rs->Open(RowOf(id), *conn, CursorType::Static, LockType::Optimistic);
+    const auto conn = OpenDatabase(store_, dir_);
+    const auto rs = OpenRows(store_, *conn, RowOf(id), CursorType::Static);
     if (rs->Eof() || CellText(*rs, "strState") != kWaitingState) return std::nullopt;
     OutboxMail mail = HeadOf(*rs);
     if (mail.recipients.empty()) return std::nullopt;
@@ -143,9 +134,8 @@ std::optional<OutboxMail> OutboxTable::Read(std::int64_t id) {
 
 template <class Change>
 void OutboxTable::ChangeRow(std::int64_t id, Change change) {
-    const auto conn = Opened();
-    const auto rs = store_.NewRecordset();
-    rs->Open(RowOf(id), *conn, CursorType::Keyset, LockType::Optimistic);
+    const auto conn = OpenDatabase(store_, dir_);
+    const auto rs = OpenRows(store_, *conn, RowOf(id));
     if (rs->Eof()) return;
     change(*rs);
     rs->Update();
@@ -180,26 +170,23 @@ void OutboxTable::NoteGivenUp(std::int64_t id, DateTime now) {
 
 OutboxTable::Contents OutboxTable::Look() {
     Contents contents;
-    const auto conn = Opened();
+    const auto conn = OpenDatabase(store_, dir_);
     if (!Exists(*conn)) return contents;
-    const auto rs = store_.NewRecordset();
-    rs->Open(kWaitingMails, *conn, CursorType::Static, LockType::Optimistic);
+    const auto rs = OpenRows(store_, *conn, kWaitingMails, CursorType::Static);
     for (; !rs->Eof(); rs->MoveNext())
         contents.waiting.push_back({CellNumber(*rs, "ID"), HeadOf(*rs)});
-    rs->Close();
-    rs->Open(kLastTaken, *conn, CursorType::Static, LockType::Optimistic);
-    if (rs->Eof()) return contents;
-    contents.lastReceipt = CellText(*rs, "strReceipt");
-    contents.lastTaken = DateTime::FromStored(CellText(*rs, "dtState"));
+    const auto last = OpenRows(store_, *conn, kLastTaken, CursorType::Static);
+    if (last->Eof()) return contents;
+    contents.lastReceipt = CellText(*last, "strReceipt");
+    contents.lastTaken = DateTime::FromStored(CellText(*last, "dtState"));
     return contents;
 }
 
 void OutboxTable::Forget(DateTime before) {
-    const auto conn = Opened();
+    const auto conn = OpenDatabase(store_, dir_);
     if (!Exists(*conn)) return;
-    const auto rs = store_.NewRecordset();
-    rs->Open("SELECT ID FROM MailOutbox WHERE strState <> 'waiting' AND dtState < '" + before.Stored() + "'", *conn,
-             CursorType::Keyset, LockType::Optimistic);
+    const auto rs =
+        OpenRows(store_, *conn, "SELECT ID FROM MailOutbox WHERE strState <> 'waiting' AND dtState < '" + before.Stored() + "'");
     for (; !rs->Eof(); rs->MoveNext())
         rs->Delete();
 }

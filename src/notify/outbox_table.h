@@ -30,7 +30,8 @@ struct OutboxMail {
 
 class OutboxTable {
 public:
-    OutboxTable(Store& store, std::string connectionString) : store_(store), connectionString_(std::move(connectionString)) {}
+    /// `dir` is the folder of the database.
+    OutboxTable(Store& store, std::string dir) : store_(store), dir_(std::move(dir)) {}
 
     // All throw Error for the store's reason. Those without a connection open one of their own.
 
@@ -65,13 +66,12 @@ public:
     void Forget(DateTime before);
 
 private:
-    std::unique_ptr<Connection> Opened();
     bool Exists(Connection& conn);
     template <class Change>
     void ChangeRow(std::int64_t id, Change change);
 
     Store& store_;
-    std::string connectionString_;
+    std::string dir_;
 };
 
 }  // namespace korvane

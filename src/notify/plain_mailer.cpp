@@ -6,7 +6,7 @@
 #include "base/text.h"
 #include "notify/mail_message.h"
 #include "notify/smtp_reply.h"
-#include "platform/reply_limit.h"
+#include "platform/wait.h"
 
 namespace korvane {
 namespace {

@@ -23,8 +23,8 @@ class Connection {
 public:
     virtual ~Connection() = default;
 
-    /// "DRIVER={SQLite};DBQ=<file>;..." or "Provider=SQLite; Data Source=<file>;...". Keys are case-insensitive; unknown keys are
-    /// ignored.
+    /// "DRIVER={SQLite};DBQ=<file>;..." or "Provider=SQLite; Data Source=<file>;..."; a file whose name contains ";" or begins with
+    /// a double quote must be quoted as by std::quoted. The rest is ignored.
     void SetConnectionString(std::string text) { connectionString_ = std::move(text); }
     const std::string& ConnectionString() const { return connectionString_; }
 
@@ -54,7 +54,7 @@ enum class CursorType { Keyset = 1, Static = 3 };
 enum class LockType { Pessimistic = 2, Optimistic = 3, BatchOptimistic = 4 };
 
 /// The kind of a column, which determines what its fields return and accept.
-enum class ColumnKind { Id, Text, Int16, Int32, Whole, Double, YesNo, DateTime };
+enum class ColumnKind { Text, Int16, Int32, Whole, Double, YesNo, DateTime };
 
 /// The rows of one query with a cursor on one of them.
 ///

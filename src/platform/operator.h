@@ -66,4 +66,16 @@ public:
     }
 };
 
+/// Shows the wait cursor for as long as this lives.
+class WaitCursor {
+public:
+    explicit WaitCursor(Operator& person) : person_(person) { person_.SetWaitCursor(true); }
+    ~WaitCursor() { person_.SetWaitCursor(false); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    Operator& person_;
+};
+
 }  // namespace korvane

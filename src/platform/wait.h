@@ -1,9 +1,10 @@
 // The only way to wait: check a condition and let the event pump run until the next check, up to a limit.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
+#include <cstdint>
 
+#include "base/numbers.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 
@@ -21,5 +22,26 @@ bool WaitFor(Events& events, const Clock& clock, std::chrono::milliseconds limit
     }
     return true;
 }
+
+/// The time limit for a server's reply, in whole seconds of the day clock. That clock falls back to 0 at midnight, so a wait across midnight would never end by it. A second limit of 15 minutes, on
+/// the clock that only goes forward, keeps a silent server from blocking the program for good.
+class ReplyLimit {
+public:
+    ReplyLimit(const Clock& clock, std::chrono::seconds limit) : clock_(clock), limit_(limit.count()) { Restart(); }
+
+    void Restart() {
+        start_ = RoundHalfEven(clock_.Timer());
+        end_ = clock_.GetTickCount() + std::chrono::minutes(15);
+    }
+
+    /// Returns whether `limit` or more whole seconds have passed.
+    bool Over() const { return RoundHalfEven(clock_.Timer()) - start_ >= limit_ || clock_.GetTickCount() >= end_; }
+
+private:
+    const Clock& clock_;
+    std::int64_t limit_;
+    std::int64_t start_ = 0;
+    std::chrono::milliseconds end_{0};
+};
 
 }  // namespace korvane

@@ -15,19 +15,12 @@
 #include "platform/files.h"
 #include "platform/operator.h"
 #include "reports/report_folder.h"
+#include "store/database_files.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
 
 namespace korvane {
-
-/// Returns the rows of a query. Throws Error.
-inline std::unique_ptr<Recordset> OpenRows(Store& store, Connection& connection, std::string_view query, CursorType cursor,
-                                           LockType lock) {
-    auto rows = store.NewRecordset();
-    rows->Open(query, connection, cursor, lock);
-    return rows;
-}
 
 /// Columns contain what an operator typed or an old version left, so any may be blank, and one blank must not cost a whole group its
 /// page: it is returned as the empty text here, and as 0 below.

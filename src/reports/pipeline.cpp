@@ -5,7 +5,6 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "platform/wait_cursor.h"
 #include "store/database_files.h"
 
 namespace korvane {
@@ -69,9 +68,7 @@ bool Publication::OrSay(const char* routine, const std::function<void()>& work) 
 }
 
 std::unique_ptr<Connection> Reports::Connect() {
-    auto connection = ports_.store.NewConnection();
-    connection->SetConnectionString(OleDbConnectionText(dir_));
-    connection->Open();
+    auto connection = OpenDatabase(ports_.store, dir_);
     return connection;
 }
 

@@ -109,11 +109,8 @@ Notification AlertMonitor::MailTo(const std::string& address, const std::string&
 std::string AlertMonitor::DefaultAddress() const {
     std::string address;
     IgnoreErrors([&] {
-        const auto connection = ports_.store.NewConnection();
-        connection->SetConnectionString(OleDbConnectionText(ports_.dir));
-        connection->Open();
-        const auto first = ports_.store.NewRecordset();
-        first->Open(kAllServers, *connection, CursorType::Keyset, LockType::Optimistic);
+        const auto connection = OpenDatabase(ports_.store, ports_.dir);
+        const auto first = OpenRows(ports_.store, *connection, kAllServers);
         if (!first->Eof()) address = first->Fields("strEmailList1").Value().Text();
     });
     return address;

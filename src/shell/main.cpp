@@ -10,7 +10,7 @@
 #include <iostream>
 #include <string>
 
-#include "platform/linux/standard_streams.h"
+#include "platform/linux/process_setup.h"
 #include "shell/process/errand.h"
 #include "shell/process/process.h"
 

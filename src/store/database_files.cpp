@@ -1,7 +1,10 @@
 #include "store/database_files.h"
 
+#include <iomanip>
+#include <sstream>
+
 #include "base/error.h"
-#include "base/text.h"
+#include "base/ignore_errors.h"
 #include "store/schema.h"
 
 namespace korvane {
@@ -15,36 +18,22 @@ constexpr ReportTemplate kReportTemplates[] = {
 };
 
 std::string Quoted(const std::string& path) {
-    if (path.find_first_of(";\"") == std::string::npos) return path;
-    return "\"" + ReplaceAll(path, "\"", "\"\"") + "\"";
-}
-
-std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir) {
-    auto connection = store.NewConnection();
-    connection->SetConnectionString(OleDbConnectionText(dir));
-    connection->Open();
-    return connection;
+    std::ostringstream text;
+    text << std::quoted(path);
+    return text.str();
 }
 
 // Opens a query without results and begins a row that is then discarded: its fields show which columns exist.
 void FindMissingColumns(Store& store, Connection& connection, const TableSchema& table, std::vector<std::string>& missing) {
-    const std::string name(table.name);
-    const auto row = store.NewRecordset();
-    try {
-        row->Open("SELECT * from " + name + " where id < 0", connection, CursorType::Keyset, LockType::Optimistic);
+    std::unique_ptr<Recordset> row;
+    const bool hasTable = IgnoreErrors([&] {
+        row = OpenRows(store, connection, "SELECT * from " + table.name + " where id < 0");
         row->AddNew();
-    } catch (const Error&) {
-        missing.push_back(name);
-        return;
-    }
+    });
+    if (!hasTable) return missing.push_back(table.name);
     for (const ColumnSchema& column : table.columns) {
-        try {
-            row->Fields(column.name).Value();
-        } catch (const Error&) {
-            missing.push_back(name + "." + std::string(column.name));
-        }
+        if (!IgnoreErrors([&] { row->Fields(column.name).Value(); })) missing.push_back(table.name + "." + column.name);
     }
-    row->Close();
 }
 
 }  // namespace
@@ -65,6 +54,20 @@ std::string OleDbConnectionText(const std::string& dir) {
     return "Provider=SQLite; Data Source=" + Quoted(DatabasePath(dir)) + ";Persist Security Info=False;";
 }
 
+std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir) {
+    auto connection = store.NewConnection();
+    connection->SetConnectionString(OleDbConnectionText(dir));
+    connection->Open();
+    return connection;
+}
+
+std::unique_ptr<Recordset> OpenRows(Store& store, Connection& connection, std::string_view query, CursorType cursor,
+                                    LockType lock) {
+    auto rows = store.NewRecordset();
+    rows->Open(query, connection, cursor, lock);
+    return rows;
+}
+
 bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::string& errorText) {
     errorText.clear();
     try {
@@ -72,11 +75,8 @@ bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::stri
             errorText = "The database file (" + DatabasePath(dir) + ")does not exist.";
             return false;
         }
-        const auto connection = OpenDatabase(store, dir);
-        const auto none = store.NewRecordset();  // a database of another program opens too
-        none->Open("SELECT * from servers where id < 0", *connection, CursorType::Keyset, LockType::Optimistic);
-        none->Close();
-        connection->Close();
+        const auto connection = OpenDatabase(store, dir);  // this succeeds with a database of another program, too
+        OpenRows(store, *connection, "SELECT * from servers where id < 0");
         return true;
     } catch (const Error& error) {
         errorText = std::to_string(error.Number()) + " Desc: " + error.what();
@@ -103,7 +103,6 @@ std::vector<std::string> MissingColumns(Store& store, const std::string& dir) {
     std::vector<std::string> missing;
     for (const TableSchema& table : DatabaseSchema())
         FindMissingColumns(store, *connection, table, missing);
-    connection->Close();
     return missing;
 }
 

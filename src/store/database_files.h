@@ -1,6 +1,7 @@
-// The files in the program's folder, the two connection texts for the database, and the database checks at start-up.
+// The files in the program's folder, the ways to open the database, and its checks at start-up.
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -26,9 +27,16 @@ std::span<const ReportTemplate> ReportTemplates();
 
 std::string DatabasePath(const std::string& dir);
 
-/// A path that contains ";" or a double quote is put in double quotes, with double quotes inside it doubled.
+/// See Connection::SetConnectionString.
 std::string OdbcConnectionText(const std::string& dir);
 std::string OleDbConnectionText(const std::string& dir);
+
+/// Opens the database in the folder for one piece of work. Throws Error.
+std::unique_ptr<Connection> OpenDatabase(Store& store, const std::string& dir);
+
+/// Opens the rows of a query on an open connection. Throws Error.
+std::unique_ptr<Recordset> OpenRows(Store& store, Connection& connection, std::string_view query,
+                                    CursorType cursor = CursorType::Keyset, LockType lock = LockType::Optimistic);
 
 /// Returns whether the database exists and can be opened; if not, `errorText` says why.
 bool IsDBConnectOK(Store& store, Files& files, const std::string& dir, std::string& errorText);

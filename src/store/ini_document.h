@@ -22,15 +22,9 @@ public:
     /// have the same name, the first counts. Valid until the next Set.
     std::optional<std::string_view> Find(std::string_view section, std::string_view key) const;
 
-    enum class Change { None, SameLength, Moved };
-    struct Result {
-        Change change = Change::None;
-        std::size_t offset = 0;  ///< with SameLength: offset of the value in the text
-    };
-
     /// Replaces the value; its key keeps its spelling. A new key is added to the end of its section, a new section to the end of
-    /// the text. The value must be one line.
-    Result Set(std::string_view section, std::string_view key, std::string_view value);
+    /// the text. The value must be one line. Returns whether the text changed.
+    bool Set(std::string_view section, std::string_view key, std::string_view value);
 
     /// Returns the names of all sections in order, in their original spelling.
     std::vector<std::string> SectionNames() const;
@@ -39,10 +33,10 @@ public:
 
 private:
     struct Line {
-        std::string text;              ///< including its line end
-        std::size_t valueAt = 0;       ///< offset of the value; 0: the line has no key
-        std::size_t lineEndBytes = 0;  ///< 0 (only the last line of the text), 1 or 2
-        std::string_view Value() const { return std::string_view(text).substr(valueAt, text.size() - lineEndBytes - valueAt); }
+        std::string text;
+        std::string end;          ///< empty (only of the last line of the text), LF or CR LF
+        std::size_t valueAt = 0;  ///< offset of the value; 0: the line has no key
+        std::string_view Value() const { return std::string_view(text).substr(valueAt); }
     };
     struct Section {
         std::string name;
@@ -51,10 +45,8 @@ private:
     };
 
     void Take(std::string_view line);
-    void StartSection(std::string name);
     void AddKey(Section& section, std::string_view key, std::string_view value);
-    void EndLastLine();
-    std::size_t OffsetOf(const Section& section, const Line& line) const;
+    void EndLine(Line& line) const;
 
     std::string byteOrderMark_;
     std::string lineEnd_;  ///< that of the first line that has one

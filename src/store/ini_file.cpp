@@ -57,6 +57,8 @@ bool IniFile::ChangedOnDisk() {
 
 void IniFile::Load() {
     document_ = IniDocument();
+    savedText_.clear();
+    unsaved_ = 0;
     problem_.clear();
     loaded_ = true;
     try {
@@ -66,12 +68,12 @@ void IniFile::Load() {
             problem_ = path_ + " is too large to be a settings file.";
             return;
         }
-        const std::string text = files_.Read(path_).value_or("");
-        if (text.find('\0') != std::string::npos) {
+        savedText_ = files_.Read(path_).value_or("");
+        if (savedText_.find('\0') != std::string::npos) {
             problem_ = path_ + " is no text file.";
             return;
         }
-        document_ = IniDocument(text);
+        document_ = IniDocument(savedText_);
     } catch (const Error& error) {
         problem_ = error.what();
         loaded_ = false;  // the next access tries again
@@ -79,12 +81,7 @@ void IniFile::Load() {
 }
 
 void IniFile::ChangeInMemory(const PendingWrite& write) {
-    if (!problem_.empty()) return;
-    const IniDocument::Result result = document_.Set(write.section, write.key, write.value);
-    if (result.change == IniDocument::Change::None) return;
-    const bool only = unsaved_.change == IniDocument::Change::None;
-    unsaved_ = only ? result : IniDocument::Result{IniDocument::Change::Moved};
-    unsavedValue_ = write.value;
+    if (problem_.empty() && document_.Set(write.section, write.key, write.value)) ++unsaved_;
 }
 
 // Changes made by others since the document was read are kept: the writes are then repeated on the new text.
@@ -92,7 +89,6 @@ void IniFile::Commit() {
     const std::vector<PendingWrite> writes = std::exchange(pending_, {});
     if (writes.empty()) return;
     if (!loaded_ || ChangedOnDisk()) {
-        unsaved_ = {};
         Load();
         for (const PendingWrite& write : writes)
             ChangeInMemory(write);
@@ -108,21 +104,21 @@ void IniFile::Commit() {
         lastWriteError_ = error.what();
         loaded_ = false;  // the document is newer than the disk
     }
-    unsaved_ = {};
+    unsaved_ = 0;
 }
 
 // A value of the same length, such as the id counter, writes only a few bytes, everything else the whole file.
 void IniFile::SaveDocument() {
-    switch (unsaved_.change) {
-        case IniDocument::Change::None:
-            return;
-        case IniDocument::Change::SameLength:
-            files_.Overwrite(path_, static_cast<std::int64_t>(unsaved_.offset), unsavedValue_);
-            break;
-        case IniDocument::Change::Moved:
-            files_.Replace(path_, document_.Text());
-            break;
+    if (unsaved_ == 0) return;
+    std::string text = document_.Text();
+    if (unsaved_ == 1 && text.size() == savedText_.size()) {
+        const auto first = std::mismatch(text.begin(), text.end(), savedText_.begin()).first;
+        const auto last = std::mismatch(text.rbegin(), text.rend(), savedText_.rbegin()).first.base();
+        files_.Overwrite(path_, first - text.begin(), std::string_view(first, last));
+    } else {
+        files_.Replace(path_, text);
     }
+    savedText_ = std::move(text);
     identity_ = files_.Identity(path_);
 }
 

@@ -75,8 +75,8 @@ private:
     std::string lastWriteError_;
     int openBatches_ = 0;
     std::vector<PendingWrite> pending_;
-    IniDocument::Result unsaved_;  ///< what the pending writes changed in document_
-    std::string unsavedValue_;     ///< the value of the only write that changed something
+    int unsaved_ = 0;        ///< how many values the pending writes changed in document_
+    std::string savedText_;  ///< that of the file
 };
 
 }  // namespace korvane

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/ignore_errors.h"
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvane {
@@ -20,7 +21,7 @@ std::string FileName(DateTime today) {
 }
 
 // Leading tabs have a meaning, so only spaces are removed.
-std::string_view TrimBlanks(std::string_view text) {
+std::string_view TrimSpaces(std::string_view text) {
     const auto first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
@@ -52,7 +53,15 @@ void Log::WriteLog(int level, std::string_view messageClass, std::string_view me
     const std::string folder = dir_ + "/Logs";
     // If the folder is missing, appending the record fails.
     IgnoreErrors([&] { files_.CreateFolder(folder); });
-    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimBlanks(message))); });
+    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimSpaces(message))); });
+}
+
+void LegacyLog::setLogTimer() {
+    IgnoreErrors([this] {
+        const double seconds = ParseNumber(settings_.getKvSettingsColVal("GlobalRetryDuration"));
+        const int minutes = CheckedInt32(RoundHalfEven(seconds / 60));
+        count_ = minutes == 0 ? 1 : minutes;
+    });
 }
 
 }  // namespace korvane

@@ -33,14 +33,16 @@ void Maintenance::CompactAndRepair(const std::string& file) {
         });
         ports_.status.setStatusMSG("Done compacting and repairing database.");
     } catch (const std::exception& error) {
-        Tell("CompactAndRepair", error.what());
+        Report("CompactAndRepair", error.what());
     }
 }
 
 void Maintenance::ResetAllEventsToNow() {
     InTransaction("ResetAllEventsToNow", [&](Connection& connection) {
-        ForEachRow(connection, "SELECT * FROM Servers where bIsMonitoring ",
-                   [now = ports_.clock.Now()](Recordset& row) { row.Fields("dtNextCheck") = now; });
+        ForEachRow(connection, "SELECT * FROM Servers where bIsMonitoring ", [now = ports_.clock.Now()](Recordset& row) {
+            row.Fields("dtNextCheck") = now;
+            row.Update();
+        });
     });
 }
 
@@ -55,30 +57,31 @@ void Maintenance::DeleteServerData(const std::string& id) {
     });
 }
 
-bool Maintenance::TryResetStatData(const std::string& id, bool deleteFailures) {
+bool Maintenance::ResetStatData(const std::string& id, bool deleteFailures) {
     return InTransaction("ResetStatData", [&](Connection& connection) {
         ForEachRow(connection, Of("SELECT * from servers", " where id=", id), [now = ports_.clock.Now()](Recordset& row) {
             for (const std::string_view counter : {"nAveResponse", "nAveSession", "nSuccess", "nFail"})
                 row.Fields(counter) = 0;
             row.Fields("nPercentUp") = 100;
             row.Fields("datelastreset") = now;
+            row.Update();
         });
         if (deleteFailures) DeleteRows(connection, Of("SELECT * from failures", " where idparent=", id));
     });
 }
 
-bool Maintenance::TryResetResponseData(const std::string& id) {
+bool Maintenance::ResetResponseData(const std::string& id) {
     return InTransaction("ResetResponseData", [&](Connection& connection) {
         DeleteRows(connection, Of("SELECT * from response", " where idparent = ", id));
     });
 }
 
 void Maintenance::ResetStatDataALL(bool deleteFailures) {
-    if (TryResetStatData(kAllIds, deleteFailures)) FinishReset();
+    if (ResetStatData(kAllIds, deleteFailures)) FinishReset();
 }
 
 void Maintenance::ResetResponseDataALL() {
-    if (TryResetResponseData(kAllIds)) FinishReset();
+    if (ResetResponseData(kAllIds)) FinishReset();
 }
 
 void Maintenance::FinishReset() {
@@ -88,36 +91,27 @@ void Maintenance::FinishReset() {
 
 bool Maintenance::InTransaction(std::string_view routine, const std::function<void(Connection&)>& work) {
     try {
-        const auto connection = ports_.store.NewConnection();
-        connection->SetConnectionString(OleDbConnectionText(dir_));
-        connection->Open();
+        const auto connection = OpenDatabase(ports_.store, dir_);
         connection->BeginTrans();
         work(*connection);
         connection->CommitTrans();
         return true;
     } catch (const std::exception& error) {
-        Tell(routine, error.what());
+        Report(routine, error.what());
         return false;
     }
 }
 
-void Maintenance::ForEachRow(Connection& connection, const std::string& query, const std::function<void(Recordset&)>& change) {
-    const auto rows = ports_.store.NewRecordset();
-    for (rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic); !rows->Eof(); rows->MoveNext()) {
-        change(*rows);
-        rows->Update();
-    }
-    rows->Close();
+void Maintenance::ForEachRow(Connection& connection, const std::string& query, const std::function<void(Recordset&)>& work) {
+    for (const auto rows = OpenRows(ports_.store, connection, query); !rows->Eof(); rows->MoveNext())
+        work(*rows);
 }
 
 void Maintenance::DeleteRows(Connection& connection, const std::string& query) {
-    const auto rows = ports_.store.NewRecordset();
-    for (rows->Open(query, connection, CursorType::Keyset, LockType::Optimistic); !rows->Eof(); rows->MoveNext())
-        rows->Delete();
-    rows->Close();
+    ForEachRow(connection, query, [](Recordset& row) { row.Delete(); });
 }
 
-void Maintenance::Tell(std::string_view routine, const std::string& description) {
+void Maintenance::Report(std::string_view routine, const std::string& description) {
     const std::string text = std::string(routine) + ": " + description;
     ports_.status.setStatusMSG(text);
     ports_.log.WriteLog(kLogFatal, kLogError, text);

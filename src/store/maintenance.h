@@ -41,24 +41,22 @@ public:
     /// Removes the entry with its failures, response times and rules. Ids are decimal texts.
     void DeleteServerData(const std::string& id);
 
-    /// Resets averages and counts, and deletes the failures too if `deleteFailures` is set; id "-1" means all entries.
-    void ResetStatData(const std::string& id, bool deleteFailures) { TryResetStatData(id, deleteFailures); }
+    /// Both return whether the rows were changed. Resets averages and counts, and deletes the failures too if `deleteFailures` is set; id "-1" means all entries.
+    bool ResetStatData(const std::string& id, bool deleteFailures);
 
     /// Removes the hourly and daily averages; id "-1" means all entries.
-    void ResetResponseData(const std::string& id) { TryResetResponseData(id); }
+    bool ResetResponseData(const std::string& id);
 
     /// The same for all entries, followed by new reports. A failed reset publishes nothing.
     void ResetStatDataALL(bool deleteFailures);
     void ResetResponseDataALL();
 
 private:
-    bool TryResetStatData(const std::string& id, bool deleteFailures);
-    bool TryResetResponseData(const std::string& id);
     void FinishReset();
     bool InTransaction(std::string_view routine, const std::function<void(Connection&)>& work);
-    void ForEachRow(Connection& connection, const std::string& query, const std::function<void(Recordset&)>& change);
+    void ForEachRow(Connection& connection, const std::string& query, const std::function<void(Recordset&)>& work);
     void DeleteRows(Connection& connection, const std::string& query);
-    void Tell(std::string_view routine, const std::string& description);
+    void Report(std::string_view routine, const std::string& description);
 
     Ports ports_;
     std::string dir_;

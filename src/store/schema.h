@@ -1,27 +1,28 @@
 // The columns of the database, by table, with the kind of each: the store adapter needs them for typed values, and start-up
-// compares a database with them. data/kvempty.sql creates the same tables; a test keeps the two consistent.
+// compares a database with them. They come from data/kvempty.sql, which also creates the tables.
 #pragma once
 
 #include <optional>
-#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/connection.h"
 
 namespace korvane {
 
 struct ColumnSchema {
-    std::string_view name;
+    std::string name;
     ColumnKind kind;
 };
 
 struct TableSchema {
-    std::string_view name;
-    std::span<const ColumnSchema> columns;
+    std::string name;
+    std::vector<ColumnSchema> columns;
 };
 
 /// `Servers`, `Failures`, `Response`, `ResponseFailText`.
-std::span<const TableSchema> DatabaseSchema();
+const std::vector<TableSchema>& DatabaseSchema();
 
 /// Both names are case-insensitive. Returns nothing for a column that is not in the schema.
 std::optional<ColumnKind> KindOfColumn(std::string_view table, std::string_view column);

@@ -43,17 +43,6 @@ public:
     /// Reads the entries 1 to `count` again, at most kMaxOldEntries; a number without a section becomes a sample entry.
     void readURLData(int count);
 
-    /// Read and write the nine rules of entry `n` (from 1) in section "Commands<n>".
-    void ReadInCommands(int n);
-    void WriteOutCommands(int n);
-
-    /// Writes entry `n` to `Servers`; an existing row keeps its counters and its next check. Throws TypeMismatchError for texts
-    /// that are not numbers, OverflowError for numbers that are too large, and Error for the store's failures.
-    void SaveDBServerDATA(int n, Connection& connection);
-
-    /// Writes the rules of entry `n` to `ResponseFailText`, over the existing rows, and removes surplus rows. Throws Error.
-    void SaveDBServerDATAFailCommands(int n, Connection& connection);
-
     /// The entries that Save must write: a negative number means all, a positive one that entry, kNoServerEntry none (the initial
     /// value).
     int getServerEntryChangedIndex() const { return changedIndex_; }
@@ -80,10 +69,13 @@ public:
 
 private:
     std::vector<int> ChangedNumbers(int count) const;
-    void WriteSections(const std::vector<int>& numbers, bool withRules);
-    void WriteTables(const std::vector<int>& numbers, bool withRules);
+    void WriteSections(const std::vector<int>& numbers);
+    void WriteTables(const std::vector<int>& numbers);
+    void WriteRows(int n, Connection& connection);
+    void SaveDBServerDATA(const ServerEntry& entry, Connection& connection);
+    void SaveDBServerDATAFailCommands(const ServerEntry& entry, Connection& connection);
     void SayFailure(const std::string& what, const std::string& description);
-    const ServerEntry& Entry(int n) const;
+    const ServerEntry& Entry(int n) const { return entries_.at(static_cast<std::size_t>(n - 1)); }
 
     Ports ports_;
     std::string dir_;

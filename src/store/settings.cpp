@@ -6,7 +6,6 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/wait_cursor.h"
 #include "store/safeguards.h"
 #include "store/server_id.h"
 
@@ -71,19 +70,6 @@ std::string SettingsFilePath(const std::string& dir) {
     return dir + "/kvurlwatchn.ini";
 }
 
-void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
-                    IniFile& file) {
-    collection.setKvSettingsColValue(key, file.Read(section, key, defaultValue));
-}
-
-std::string GetSettingCol(const SettingsCollection& collection, std::string_view key) {
-    return collection.getKvSettingsColVal(key);
-}
-
-void SetSettingCol(SettingsCollection& collection, std::string_view key, std::string value) {
-    collection.setKvSettingsColValue(key, std::move(value));
-}
-
 Settings::Settings(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {
     IgnoreErrors([&] { fileExistedAtStart_ = ports_.files.Exists(GetSettingsFile()); });
 }
@@ -101,7 +87,7 @@ void Settings::setUniqueid(const std::string& id) {
 void Settings::ReadInGlobalSettings() {
     problemOfFile_ = ports_.file.Problem();
     for (const ReadStep& step : kReadSteps) {
-        ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
+        ports_.collection.setKvSettingsColValue(step.key, ports_.file.Read(kSettingsSection, step.key, DefaultOf(step)));
         if (step.then != nullptr) (this->*step.then)();
     }
     ReadSafeguards();
@@ -123,7 +109,7 @@ std::string Settings::DefaultOf(const ReadStep& step) const {
 }
 
 void Settings::CreateReportFolder() {
-    IgnoreErrors([&] { ports_.files.CreateFolder(GetSettingCol(ports_.collection, "ReportPath")); });
+    IgnoreErrors([&] { ports_.files.CreateFolder(ports_.collection.getKvSettingsColVal("ReportPath")); });
 }
 
 void Settings::StartService() {
@@ -134,8 +120,8 @@ void Settings::StartService() {
 void Settings::RestoreWindowSize() {
     SettingsHost& host = ports_.host;
     if (!host.HasWindow()) return;
-    const std::string width = GetSettingCol(ports_.collection, "width");
-    const std::string height = GetSettingCol(ports_.collection, "height");
+    const std::string width = ports_.collection.getKvSettingsColVal("width");
+    const std::string height = ports_.collection.getKvSettingsColVal("height");
     if (width.empty()) {
         host.SetWidth(host.ScreenWidth() - kTwipsBesideWindow);
         return;
@@ -165,7 +151,7 @@ void Settings::Save() {
         ports_.status.setStatusMSG("Settings not saved: " + problemOfFile_);
         return;
     }
-    const WaitCursor waiting(ports_.person);
+    const WaitCursor waiting(ports_.user);
     SaveGlobalKeys();
     totalURLs_ = std::min(totalURLs_, kMaxOldEntries);
     ports_.entries.SaveChangedEntries(totalURLs_, AllInDB());
@@ -181,16 +167,36 @@ void Settings::SaveGlobalKeys() {
 }
 
 void Settings::SaveKey(std::string_view key) {
-    const SettingsHost& host = ports_.host;
-    if (key == kNumURLs) {
-        ports_.file.Write(kSettingsSection, key, std::to_string(totalURLs_));
-    } else if (key == "width" && host.HasWindow()) {
-        ports_.file.Write(kSettingsSection, key, std::to_string(host.Width()));
-    } else if (key == "height" && host.HasWindow()) {
-        ports_.file.Write(kSettingsSection, key, std::to_string(host.Height()));
-    } else if (const std::string* value = ports_.collection.Find(key)) {
-        ports_.file.Write(kSettingsSection, key, *value);
+    const auto write = [&](const std::string& value) { ports_.file.Write(kSettingsSection, key, value); };
+    if (key == kNumURLs) return write(std::to_string(totalURLs_));
+    if (key == "width" && ports_.host.HasWindow()) return write(std::to_string(ports_.host.Width()));
+    if (key == "height" && ports_.host.HasWindow()) return write(std::to_string(ports_.host.Height()));
+    if (const std::string* value = ports_.collection.Find(key)) write(*value);
+}
+
+void Settings::ImportEntriesOnce() {
+    if (AllInDB()) return;
+    ports_.events.DoEvents();
+    ports_.log.Info("frmMonitor:Form_Load: read in ini files to convert first time database users.");
+    if (fileExistedAtStart_) {
+        ports_.entries.readURLData(totalURLs_);
+        ports_.entries.setFailCommandsOKDirty();
+        ports_.status.setStatusMSG("All INI data importing into Korvane Database (one time only)...");
+        SaveAndMarkImported();
+    } else {
+        ports_.status.setStatusMSG("New User. Initialize Database...");
     }
+    SaveAndMarkImported();
+}
+
+// The first save moves the entries into the tables, the second writes the mark to the file. Without the mark the next start tries
+// again.
+void Settings::SaveAndMarkImported() {
+    cmdSave();
+    if (ports_.entries.StoreRefused()) return;
+    ports_.collection.setKvSettingsColValue("bAllInDB", "True");
+    cmdSave();
+    ports_.user.RefreshURLList();
 }
 
 }  // namespace korvane

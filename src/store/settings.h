@@ -11,6 +11,7 @@
 #include "platform/files.h"
 #include "platform/operator.h"
 #include "store/ini_file.h"
+#include "store/log.h"
 #include "store/server_entries.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -35,12 +36,6 @@ public:
     virtual void SetHeight(int) {}
 };
 
-/// The common read: the value of the file replaces that of the collection. A missing file or key is not an error.
-void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
-                    IniFile& file);
-std::string GetSettingCol(const SettingsCollection& collection, std::string_view key);
-void SetSettingCol(SettingsCollection& collection, std::string_view key, std::string value);
-
 class Settings {
 public:
     /// Holds references; everything must outlive this. `file` is `<dir>/kvurlwatchn.ini`.
@@ -48,8 +43,9 @@ public:
         Files& files;
         const Clock& clock;
         Events& events;
-        Operator& person;
+        Operator& user;
         SettingsHost& host;
+        Log& log;
         StatusLog& status;
         IniFile& file;
         SettingsCollection& collection;
@@ -72,6 +68,12 @@ public:
     /// The save command: marks every entry, then Save.
     void cmdSave();
 
+    /// The one-time import of an older installation's entries from the settings file into the database. Does nothing when
+    /// `bAllInDB` is true. Otherwise sets it to true in the collection and, if possible, in the settings file, unless the database
+    /// refused to store something: then the next start tries again. Entries that could not be stored are logged; their sections
+    /// stay in the settings file. Throws nothing.
+    void ImportEntriesOnce();
+
     /// Handles the uniqueid at each start: reads the old settings file, and writes a new id to the settings file if there is
     /// none.
     void EnsureUniqueid();
@@ -82,9 +84,6 @@ public:
     const std::string& GetCurrentDir() const { return dir_; }
     /// Returns `<dir>/kvurlwatch`, the base of the old log's file names.
     std::string GetLogFile() const { return dir_ + "/kvurlwatch"; }
-    /// Returns whether the settings file existed when this start began.
-    bool SettingsFileExistedAtStart() const { return fileExistedAtStart_; }
-
     /// Returns the entry count, stored on disk as `NumURLs`.
     int GetTotalURLs() const { return totalURLs_; }
     void SetTotalURLs(int count) { totalURLs_ = count; }
@@ -104,6 +103,7 @@ private:
     void ReadSafeguards();
     void SaveGlobalKeys();
     void SaveKey(std::string_view key);
+    void SaveAndMarkImported();
 
     Ports ports_;
     std::string dir_;

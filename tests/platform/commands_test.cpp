@@ -12,7 +12,7 @@
 #include <map>
 
 #include "base/text.h"
-#include "platform/linux/default_program.h"
+#include "platform/linux/desktop_entries.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/program_runner.h"
 #include "platform/real_ports.h"
@@ -59,19 +59,27 @@ TEST_F(CommandsTest, RunInTheShellOrSayWhyNotAndHaveNothingOfOurs) {
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_BLOCK, &all, &before);
     const auto pipes = ::signal(SIGPIPE, SIG_IGN);
-    const std::string had = Run("{ readlink /proc/$$/fd/*; grep Sig /proc/$$/status; } 2>&1 | tr -d '\\n' > " + out);
+    const int sleeper = processes.Shell("sleep 600", WindowStyle::Normal);
     ::signal(SIGPIPE, pipes);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    EXPECT_TRUE(had.starts_with("/dev/null/dev/null/dev/nullSigQ:") && Holds(had, "SigBlk:\t0000000000000000")) << had;
+    const std::string process = "/proc/" + std::to_string(sleeper);
+    const auto openIn = [](const std::string& of) {
+        return std::distance(fs::directory_iterator(of + "/fd"), fs::directory_iterator());
+    };
+    EXPECT_TRUE(Wait([&] { return openIn(process) == 3; })) << "its loader has a library open for a moment";
+    for (const char* file : {"/fd/0", "/fd/1", "/fd/2"})
+        EXPECT_EQ(fs::read_symlink(process + file), "/dev/null");
+    const std::string had = ReadAll(process + "/status");
+    ::kill(sleeper, SIGKILL);
+    EXPECT_TRUE(Holds(had, "SigBlk:\t0000000000000000")) << had;
     EXPECT_EQ(std::stoull(had.substr(had.find("SigIgn:") + 8, 16), nullptr, 16) & 0x7FFFFFFF, 0U) << had;
-    const auto openDescriptors = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()); };
-    const auto open = openDescriptors();
+    const auto open = openIn("/proc/self");
     std::vector<int> pids(300);
     for (int& pid : pids)
         pid = processes.Shell("true", WindowStyle::Normal);
-    EXPECT_LT(openDescriptors(), open + 150);  // also while none of them has been reaped
+    EXPECT_LT(openIn("/proc/self"), open + 150);  // also while none of them has been reaped
     EXPECT_TRUE(std::all_of(pids.begin(), pids.end(), [&](int pid) { return Vanishes(pid); }));
-    EXPECT_LE(openDescriptors(), open + 1);
+    EXPECT_LE(openIn("/proc/self"), open + 1);
 }
 
 TEST_F(CommandsTest, AProgramGivesItsStatusAndWhatItSaidOrEndsAtTheLimitWithAllThatItStarted) {

@@ -33,8 +33,8 @@ TEST(IcmpEcho, OnlyAnAnswerToThisVeryEchoCounts) {
     EXPECT_EQ(EchoStatus(ReplyTo(request), request), 0);
     EXPECT_EQ(EchoStatus(ErrorAbout(request, 3, 1), request), 3 * 256 + 1);
     EXPECT_EQ(EchoStatus(ErrorAbout(request, 11, 0), request), 11 * 256);
-    std::string damaged = ReplyTo(request);
-    damaged.back() = 'B';
+    std::string damaged = ErrorAbout(request, 3, 1);
+    damaged[1] = 2;  // another reason, under the old checksum
     for (const std::string& message :
          {request, damaged, ReplyTo(next), ReplyTo(EchoRequest(0x1235, 7, kData)), ReplyTo(EchoRequest(0x1234, 7, "AAAA")),
           ReplyTo(EchoRequest(0x1234, 7, kData.substr(1) + "B")), ErrorAbout(request, 5, 0), ErrorAbout(next, 3, 1),

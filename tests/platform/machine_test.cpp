@@ -9,12 +9,11 @@
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
-#include "platform/linux/autostart.h"
-#include "platform/linux/desktop_proxy.h"
+#include "platform/linux/desktop_entries.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_power.h"
 #include "platform/linux/linux_system_info.h"
-#include "platform/linux/proc_figures.h"
 #include "platform/linux/systemd_services.h"
 #include "platform/real_ports.h"
 #include "support/loopback_server.h"
@@ -35,7 +34,7 @@ TEST(Machine, TellsItsProcessorsMemoryAndVersion) {
     EXPECT_EQ(MemoryOf("MemTotal: 1000 kB\nMemFree: 100 kB\nBuffers: 20 kB\nCached: 3 kB\n"), (PhysicalMemory{1024000, 125952}));
     EXPECT_EQ(MemoryOf("MemTotal: 1000 kB\nMemAvailable: 2000 kB\n"), (PhysicalMemory{1024000, 1024000}));  // a container's limit
     EXPECT_FALSE(MemoryOf("MemTotal: 1000 kB\nMemAv") || MemoryOf("MemTotal:\nMemAvailable: 5 kB\n") || MemoryOf(""));
-    const LinuxSystemInfo machine, nothing({.proc = "/no", .sys = "/no", .dev = "/no"});
+    const LinuxSystemInfo machine, nothing("/no");
     EXPECT_TRUE(machine.Processors() && machine.Memory());
     EXPECT_FALSE(nothing.Processors() || nothing.Memory() || nothing.FixedDisks() != DiskSpace{});
     const SystemVersion version = VersionOfRelease("Linux", "6.1.0-13-amd64");

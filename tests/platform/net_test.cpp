@@ -6,12 +6,10 @@
 #include <signal.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <latch>
 
 #include "base/text.h"
 #include "platform/curl/curl_inet.h"
-#include "platform/curl/url_text.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/real_ports.h"

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "platform/real_ports.h"
+#include "store/database_files.h"
 #include "support/test_database.h"
 
 namespace korvane::store_model_test {
@@ -83,15 +84,9 @@ struct ModelCursor {
 struct StoreModel : testing::TestWithParam<unsigned> {
     using At = ModelCursor::At;
 
-    StoreModel() {
-        connection->SetConnectionString(database.ProviderString());
-        connection->Open();
-    }
     std::size_t Below(std::size_t bound) { return random() % bound; }
-    std::unique_ptr<Recordset> NewRecordset(const std::string& query, CursorType cursor, LockType lock = LockType::Optimistic) {
-        auto rs = database.TheStore().NewRecordset();
-        rs->Open(query, *connection, cursor, lock);
-        return rs;
+    std::unique_ptr<Recordset> Rows(const std::string& query, CursorType cursor, LockType lock = LockType::Optimistic) {
+        return OpenRows(database.TheStore(), *connection, query, cursor, lock);
     }
     void Open(ModelCursor& c) {
         const auto& [text, holds] = kModelQueries[Below(std::size(kModelQueries))];
@@ -99,8 +94,8 @@ struct StoreModel : testing::TestWithParam<unsigned> {
         for (const auto& [id, row] : versions.back())
             if (holds(row)) c.keys.push_back(id);
         c.count = static_cast<int>(c.keys.size());
-        c.rs = NewRecordset(text, c.isStatic ? CursorType::Static : CursorType::Keyset,
-                            c.pessimistic ? LockType::Pessimistic : LockType::Optimistic);
+        c.rs = Rows(text, c.isStatic ? CursorType::Static : CursorType::Keyset,
+                    c.pessimistic ? LockType::Pessimistic : LockType::Optimistic);
         c.Advance();
     }
 
@@ -179,7 +174,7 @@ struct StoreModel : testing::TestWithParam<unsigned> {
     }
 
     TestDatabase database;
-    std::unique_ptr<Connection> connection = database.TheStore().NewConnection();
+    std::unique_ptr<Connection> connection = OpenDatabase(database.TheStore(), database.Folder());
     ModelCursor cursors[3];
     std::vector<ModelRows> versions{1};
     std::int64_t lastId = 0;
@@ -187,7 +182,7 @@ struct StoreModel : testing::TestWithParam<unsigned> {
 };
 
 /// The seeds.
-INSTANTIATE_TEST_SUITE_P(Random, StoreModel, testing::Range(1U, std::getenv("KORVANE_LONG") != nullptr ? 201U : 6U));
+INSTANTIATE_TEST_SUITE_P(Random, StoreModel, testing::Range(10U, std::getenv("KORVANE_LONG") != nullptr ? 210U : 15U));
 
 TEST_P(StoreModel, ShowsWhatTheModelShows) {
     for (int step = 0; step < 600 && !HasFailure(); ++step)
@@ -197,12 +192,12 @@ TEST_P(StoreModel, ShowsWhatTheModelShows) {
 
 TEST_P(StoreModel, ColumnsKeepWhatFitsThemInTheirForm) {
     database.Add({});
-    const auto rs = NewRecordset("SELECT * FROM Servers", CursorType::Keyset);
+    const auto rs = Rows("SELECT * FROM Servers", CursorType::Keyset);
     for (const auto& [column, written, kept, inFile, fits] : kKeptValues) {
         Both(fits, [&, name = column, value = written] { rs->Fields(name) = value; });
         rs->Update();
         if (inFile == nullptr) continue;
-        const auto stored = NewRecordset("SELECT quote("s + column + ") AS q FROM Servers", CursorType::Static);
+        const auto stored = Rows("SELECT quote("s + column + ") AS q FROM Servers", CursorType::Static);
         EXPECT_EQ(stored->Fields("q").Value(), Value(inFile)) << column;
     }
 }

@@ -12,11 +12,14 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iomanip>
+#include <sstream>
 
 #include "base/text.h"
 #include "platform/qt/sql_store.h"
 #include "platform/qt/sql_text.h"
 #include "platform/real_ports.h"
+#include "store/database_files.h"
 #include "store/schema.h"
 #include "support/child_process.h"
 #include "support/test_database.h"
@@ -44,13 +47,14 @@ struct AnyProgram : QSqlDatabase {
 
 TEST(SqlText, IsReadInTheProgramsOwnForm) {
     EXPECT_EQ(DatabaseFileOf("DRIVER={SQLite};DBQ=/a b/kvdata2.mdb;DefaultDir=/a b/;UID=admin;PWD=;"), "/a b/kvdata2.mdb");
-    EXPECT_EQ(DatabaseFileOf("Provider=SQLite; data SOURCE = /a/b ;Persist Security Info=False;"), "/a/b");
-    EXPECT_EQ(DatabaseFileOf("DRIVER={a;DBQ=no};PWD=x=y;;UID;DBQ=;dbq=\"/a\"\"b;DBQ=c\" ;UID=admin"), "/a\"b;DBQ=c");
-    EXPECT_THROW(DatabaseFileOf("DRIVER={SQLite};DBQ;PWD={DBQ=/a};DBQ=;"), Error);
-    EXPECT_EQ(WithStoredDates("a = '#1/2/2026' and [b#1] = \"#\" and `#` = 'it''s #' or c > #9/5/2026 9:05:30 am##1/2/2026#'#"),
-              "a = '#1/2/2026' and [b#1] = \"#\" and `#` = 'it''s #' or c > '2026-09-05 09:05:30''2026-01-02 00:00:00''#");
+    EXPECT_EQ(DatabaseFileOf(R"(Provider=SQLite; Data Source="/a\"b;DBQ=c\\" ;Persist Security Info=False;)"), R"(/a"b;DBQ=c\)");
+    EXPECT_THROW(DatabaseFileOf("DRIVER={SQLite};UID=admin;PWD=;"), Error);
+    const SelectText dates =
+        ParseSelect("a = '#1/2/2026' and [b#1] = \"#\" and `#` = 'it''s #' or c > #9/5/2026 9:05:30 am# #1/2/2026#'#");
+    EXPECT_EQ(dates.query, "a = '#1/2/2026' and [b#1] = \"#\" and `#` = 'it''s #' or c > ? ?'#");
+    EXPECT_EQ(dates.moments, (std::vector<std::string>{"2026-09-05 09:05:30", "2026-01-02 00:00:00"}));
     for (const char* query : {"dt < #11/21/2026", "dt < #2/30/2026#", "dt < ##", "dt < #' or ''='#"})
-        EXPECT_THROW(WithStoredDates(query), Error) << query;
+        EXPECT_THROW(ParseSelect(query), Error) << query;
     SelectText select = ParseSelect("SELECT id,a from [R]\nwhere a='order' or b in (select c from d order by c) limit 1 ; ");
     select.OrderBy("k");
     EXPECT_EQ(select.Selecting("`ID`"),
@@ -60,15 +64,13 @@ TEST(SqlText, IsReadInTheProgramsOwnForm) {
 struct StoreFile : testing::Test {
     std::unique_ptr<Connection> Connect(const std::string& file) {
         auto opened = store.NewConnection();
-        opened->SetConnectionString("DBQ=\"" + ReplaceAll(file, "\"", "\"\"") + "\"");
+        opened->SetConnectionString((std::ostringstream() << "DBQ=" << std::quoted(file)).str());
         opened->Open();
         return opened;
     }
     std::unique_ptr<Recordset> Open(const std::string& query = "SELECT * FROM Servers", CursorType cursor = CursorType::Keyset) {
         if (!connection) connection = Connect(path);
-        auto rs = store.NewRecordset();
-        rs->Open(query, *connection, cursor, LockType::Optimistic);
-        return rs;
+        return OpenRows(store, *connection, query, cursor);
     }
     std::string OpenError(const std::string& file) {
         return ErrorOf([&] { Connect(file); });

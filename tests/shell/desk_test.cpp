@@ -2,8 +2,6 @@
 // main window and its list, reports, the version check and the website.
 #include <gtest/gtest.h>
 
-#include "shell/entry/entry_columns.h"
-#include "shell/entry/entry_row.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
 #include "shell/entry/fail_text_rules.h"
@@ -11,8 +9,6 @@
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/options_commands.h"
-#include "shell/options/options_open.h"
-#include "shell/options/options_save.h"
 #include "shell/options/resource_emails.h"
 #include "shell/shell_world.h"
 #include "shell/web/web_forms.h"
@@ -26,8 +22,8 @@ using O = OptionsFields;
 /// Types "column=text|column=text" into the inputs.
 EntryFields Typed(const std::string& inputs, EntryFields fields = {}) {
     for (const std::string& input : Split(inputs, '|'))
-        for (const EntryColumn& each : EntryColumns())
-            if (input.starts_with(std::string(each.column) + "=")) fields.*each.text = input.substr(each.column.size() + 1);
+        for (const EntryInput& each : EntryInputs())
+            if (input.starts_with(std::string(each.key) + "=")) fields.*each.text = input.substr(each.key.size() + 1);
     return fields;
 }
 
@@ -42,8 +38,8 @@ struct EntryWorld : StartedWorld {
 TEST(Entry, OpensWithItsDefaultsAndIsStoredInputByInput) {
     EntryWorld w;
     std::string columns = "strCurStatus";
-    for (const EntryColumn& each : EntryColumns())
-        columns += "|" + std::string(each.column);
+    for (const EntryInput& each : EntryInputs())
+        columns += "|" + std::string(each.key);
     w.Write("GlobalEmail.dat", "TO_LIST1=a@x;b@y\r\nTO_LIST2=c@z\r\nFROM=k@x\r\nSUBJECT=XXX is down\r\n");
     const OpenedEntry fresh = OpenEntry(w.desk, true, "");
     EXPECT_EQ(
@@ -113,7 +109,7 @@ TEST(FailTextRules, StoredRowsAreUsedAgainInTheirOrder) {
         for (int rule = 11; rule < 11 + std::stoi(cells[0]); ++rule)
             w.rows.AddRow("ResponseFailText", {{"id", rule}, {"idParent", 1}, {"strFailText", "old"}});
         w.rows.AddRow("ResponseFailText", {{"id", std::int64_t{7112115004}}, {"idParent", 77}});
-        FailTextRules rules({w.store, w.world.clock, w.world.events, w.desk.log}, w.rows.ProviderString(), "1");
+        FailTextRules rules(w.desk, w.rows.ProviderString(), "1");
         EXPECT_TRUE(!rules.Open().found && rules.Save({{{"of an entry that is gone", ""}}}).empty());
         w.rows.Add({.nFailScanText = 7});
         FailTextRows typed;

@@ -5,18 +5,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
-#include "platform/curl/curl_body.h"
 #include "platform/curl/curl_pump.h"
-#include "platform/curl/trust_folder.h"
-#include "platform/curl/url_text.h"
 
 namespace korvane {
 namespace {
@@ -25,6 +26,16 @@ using std::chrono::milliseconds;
 
 constexpr const char* kWebSchemes = "http,https";
 constexpr long kRedirects = 20;  // as browsers do
+
+constexpr std::string_view kEncoded = " \"<>`";
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+constexpr std::size_t kLargestBody = std::size_t{64} * 1024 * 1024;
+
+constexpr std::string_view kBinaryFamilies[] = {"image/", "audio/", "video/", "font/"};
+constexpr std::string_view kBinaryTypes[] = {
+    "application/octet-stream", "application/zip", "application/gzip", "application/x-gzip", "application/pdf",
+};
 
 // libcurl must be set up once per process and cannot have a second owner, so this is the only static here. The set-up waits for
 // the first transfer: a program without web checks should not hold libcurl's TLS library in memory.
@@ -36,6 +47,71 @@ void NeedCurl() {
 // Commands that the program starts would inherit libcurl's own sockets, which would keep the connection open.
 curl_socket_t OpenSocket(void* /*unused*/, curlsocktype /*purpose*/, curl_sockaddr* address) {
     return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+bool IsHashName(std::string_view name) {
+    constexpr std::size_t kHashDigits = 8;
+    return name.size() == kHashDigits + 2 && name.ends_with(".0") && name.find_first_not_of("0123456789abcdef") == kHashDigits;
+}
+
+// Returns the folder in which each authority is a file named by the hash of its subject ("002c0b4f.0", see openssl-rehash(1)),
+// empty when the system has none. A transfer reads there the one file it needs, while the bundle of all authorities takes 20 ms
+// of CPU and a megabyte for each transfer.
+std::string SystemTrustFolder() {
+    const char* folder = curl_version_info(CURLVERSION_NOW)->capath;
+    if (folder == nullptr) return {};
+    std::error_code unreadable;
+    const std::filesystem::directory_iterator files(folder, unreadable);
+    // A folder with only a few hashed names holds local additions; the other authorities are then in the bundle alone.
+    constexpr auto kWholeSet = 50;
+    const auto hashed =
+        std::count_if(begin(files), end(files), [](const auto& file) { return IsHashName(file.path().filename().native()); });
+    return hashed >= kWholeSet ? folder : "";
+}
+
+// Returns whether a Content-Type (RFC 9110, section 8.3) denotes pictures, sound, films, archives or non-text documents.
+bool IsBinaryType(std::string_view contentType) {
+    const std::string type = ToLower(TrimAll(contentType.substr(0, contentType.find(';'))));
+    return std::any_of(std::begin(kBinaryFamilies), std::end(kBinaryFamilies),
+                       [&](std::string_view family) { return type.starts_with(family); }) ||
+           std::find(std::begin(kBinaryTypes), std::end(kBinaryTypes), type) != std::end(kBinaryTypes);
+}
+
+/// Collects the body of a response while it arrives. Accepts at most 64 MB, of the bytes and of their text; holds at most twice that.
+class Body {
+public:
+    /// Adds the next piece; returns false when the rest is not needed. `expectedSize` is -1 when it is unknown.
+    bool Take(std::string_view piece, std::string_view contentType, std::int64_t expectedSize) {
+        const auto expected = static_cast<std::size_t>(std::max<std::int64_t>(expectedSize, 0));
+        if (expected > kLargestBody || piece.size() > kLargestBody - bytes_.size()) verdict_ = Verdict::TooLarge;
+        if (piece.find('\0') != std::string_view::npos || (bytes_.empty() && IsBinaryType(contentType)))
+            verdict_ = Verdict::Binary;
+        if (verdict_ != Verdict::Text) return false;
+        if (bytes_.empty()) bytes_.reserve(expected);
+        bytes_ += piece;
+        return true;
+    }
+
+    /// Returns whether Take has refused a piece; TakeText gives the reason.
+    bool Refused() const { return verdict_ != Verdict::Text; }
+
+    /// Returns all of it in UTF-8 and keeps nothing.
+    std::string TakeText() {
+        if (verdict_ == Verdict::Binary) throw TypeMismatchError();
+        if (verdict_ == Verdict::TooLarge || Utf8Size(bytes_) > kLargestBody) throw Error("The answer is larger than 64 MB");
+        return ToUtf8(std::move(bytes_));
+    }
+
+private:
+    enum class Verdict { Text, Binary, TooLarge };
+    Verdict verdict_ = Verdict::Text;
+    std::string bytes_;
+};
+
+std::size_t EndOfHost(std::string_view url) {
+    const auto scheme = url.find("://");
+    const auto end = url.find_first_of("/?#", scheme == std::string_view::npos ? 0 : scheme + 3);
+    return end == std::string_view::npos ? url.size() : end;
 }
 
 struct EasyCleanup {
@@ -140,7 +216,7 @@ private:
 
     std::unique_ptr<CURL, EasyCleanup> easy_;
     std::array<char, CURL_ERROR_SIZE> words_{};
-    CurlBody body_;
+    Body body_;
 };
 
 // Registers the transfer with its slot for as long as it is on the stack.
@@ -156,6 +232,23 @@ private:
 };
 
 }  // namespace
+
+std::string EncodeUrl(std::string_view typed) {
+    std::string url = TrimAll(typed);
+    const std::string rest = url.substr(EndOfHost(url));
+    url.resize(url.size() - rest.size());
+    for (const char c : rest) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80 && kEncoded.find(c) == std::string_view::npos) {
+            url += c;
+        } else {
+            url += '%';
+            url += kHexDigits[byte >> 4];
+            url += kHexDigits[byte & 0x0F];
+        }
+    }
+    return url;
+}
 
 CurlInet::CurlInet(Events& events, const Clock& clock, Options options)
     : events_(events), clock_(clock), options_(std::move(options)), trustFolder_(SystemTrustFolder()) {}

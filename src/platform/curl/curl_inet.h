@@ -2,12 +2,18 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/inet.h"
 
 namespace korvane {
+
+/// Removes spaces and line ends around the address and percent-encodes spaces, quotes, angle brackets and non-ASCII bytes after
+/// the host, as a browser does (RFC 3986, section 2.1); existing encodings stay. The host stays unchanged: a mistake in it is an
+/// error of the transfer.
+std::string EncodeUrl(std::string_view typed);
 
 /// Everything that libcurl allocates for a transfer lives as long as the transfer. Only http and https are allowed, also after a
 /// redirect; up to 20 redirects are followed, and credentials are not sent on to another host or port. Cookies live for one

@@ -22,59 +22,30 @@ constexpr milliseconds kNoTimer = 1min;  // longest wait while libcurl has set n
 
 }  // namespace
 
-class CurlPump::Transfer {
-public:
-    Transfer(Events& events, const Clock& clock, CURL* easy);
-    ~Transfer();
-    Transfer(const Transfer&) = delete;
-    Transfer& operator=(const Transfer&) = delete;
+void CurlPump::MultiCleanup::operator()(void* multi) const {
+    curl_multi_cleanup(multi);
+}
 
-    std::optional<CURLcode> Perform();
-    void Stop();
-
-private:
-    struct MultiCleanup {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-    };
-
-    static int OnSocket(CURL* easy, curl_socket_t socket, int wanted, void* self, void* unused);
-    static int OnTimer(CURLM* multi, long milliseconds, void* self);
-    void OnReadable();
-    void Advance(curl_socket_t socket, int happened);
-    std::chrono::milliseconds UntilTimer() const;
-    bool Going() const { return !stopped_ && !result_; }
-
-    Events& events_;
-    const Clock& clock_;
-    CURL* const easy_;
-    std::unique_ptr<CURLM, MultiCleanup> multi_;
-    int epoll_ = -1;  ///< contains libcurl's sockets, so that the pump has one descriptor to watch
-    std::unique_ptr<Events::Watch> watch_;
-    std::optional<std::chrono::milliseconds> timer_;  ///< in terms of the clock's tick count
-    std::optional<CURLcode> result_;
-    bool stopped_ = false;
-};
-
-CurlPump::Transfer::Transfer(Events& events, const Clock& clock, CURL* easy)
+CurlPump::CurlPump(Events& events, const Clock& clock, void* easy)
     : events_(events), clock_(clock), easy_(easy), multi_(curl_multi_init()) {
     if (!multi_) throw std::bad_alloc();
     epoll_ = ::epoll_create1(EPOLL_CLOEXEC);
     if (epoll_ < 0) throw Error(std::strerror(errno));
     curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, 1L);
-    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &Transfer::OnSocket);
+    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &CurlPump::OnSocket);
     curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &Transfer::OnTimer);
+    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &CurlPump::OnTimer);
     curl_multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, this);
     watch_ = events_.WatchReadable(epoll_, [this] { OnReadable(); });
 }
 
-CurlPump::Transfer::~Transfer() {
+CurlPump::~CurlPump() {
     Stop();
     multi_.reset();
     ::close(epoll_);
 }
 
-std::optional<CURLcode> CurlPump::Transfer::Perform() {
+std::optional<int> CurlPump::Perform() {
     curl_multi_add_handle(multi_.get(), easy_);
     while (Going()) {
         const milliseconds left = UntilTimer();
@@ -88,25 +59,25 @@ std::optional<CURLcode> CurlPump::Transfer::Perform() {
     return stopped_ ? std::nullopt : result_;
 }
 
-void CurlPump::Transfer::Stop() {
+void CurlPump::Stop() {
     stopped_ = true;
     watch_.reset();
     curl_multi_remove_handle(multi_.get(), easy_);
 }
 
-milliseconds CurlPump::Transfer::UntilTimer() const {
+milliseconds CurlPump::UntilTimer() const {
     return timer_ ? *timer_ - clock_.GetTickCount() : kNoTimer;
 }
 
-int CurlPump::Transfer::OnTimer(CURLM* /*multi*/, long wait, void* self) {
-    Transfer& transfer = *static_cast<Transfer*>(self);
-    transfer.timer_.reset();
-    if (wait >= 0) transfer.timer_ = transfer.clock_.GetTickCount() + milliseconds(wait);
+int CurlPump::OnTimer(void* /*multi*/, long wait, void* self) {
+    CurlPump& pump = *static_cast<CurlPump*>(self);
+    pump.timer_.reset();
+    if (wait >= 0) pump.timer_ = pump.clock_.GetTickCount() + milliseconds(wait);
     return 0;
 }
 
-int CurlPump::Transfer::OnSocket(CURL* /*easy*/, curl_socket_t socket, int wanted, void* self, void* /*unused*/) {
-    const int epoll = static_cast<Transfer*>(self)->epoll_;
+int CurlPump::OnSocket(void* /*easy*/, int socket, int wanted, void* self, void* /*unused*/) {
+    const int epoll = static_cast<CurlPump*>(self)->epoll_;
     if (wanted == CURL_POLL_REMOVE) {
         ::epoll_ctl(epoll, EPOLL_CTL_DEL, socket, nullptr);
         return 0;
@@ -119,7 +90,7 @@ int CurlPump::Transfer::OnSocket(CURL* /*easy*/, curl_socket_t socket, int wante
     return ::epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event);
 }
 
-void CurlPump::Transfer::OnReadable() {
+void CurlPump::OnReadable() {
     std::array<epoll_event, 8> ready{};
     const int count = ::epoll_wait(epoll_, ready.data(), static_cast<int>(ready.size()), 0);
     for (int i = 0; i < count; ++i) {
@@ -132,7 +103,7 @@ void CurlPump::Transfer::OnReadable() {
     }
 }
 
-void CurlPump::Transfer::Advance(curl_socket_t socket, int happened) {
+void CurlPump::Advance(int socket, int happened) {
     if (!Going()) return;
     int running = 0;
     curl_multi_socket_action(multi_.get(), socket, happened, &running);
@@ -140,19 +111,6 @@ void CurlPump::Transfer::Advance(curl_socket_t socket, int happened) {
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &queued)) {
         if (message->msg == CURLMSG_DONE) result_ = message->data.result;
     }
-}
-
-CurlPump::CurlPump(Events& events, const Clock& clock, void* easy)
-    : transfer_(std::make_unique<Transfer>(events, clock, static_cast<CURL*>(easy))) {}
-
-CurlPump::~CurlPump() = default;
-
-std::optional<int> CurlPump::Perform() {
-    return transfer_->Perform();
-}
-
-void CurlPump::Stop() {
-    transfer_->Stop();
 }
 
 }  // namespace korvane

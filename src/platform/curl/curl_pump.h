@@ -2,6 +2,7 @@
 // it when they come.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -26,9 +27,26 @@ public:
     void Stop();
 
 private:
-    class Transfer;
+    struct MultiCleanup {
+        void operator()(void* multi) const;
+    };
 
-    std::unique_ptr<Transfer> transfer_;
+    static int OnSocket(void* easy, int socket, int wanted, void* self, void* unused);
+    static int OnTimer(void* multi, long milliseconds, void* self);
+    void OnReadable();
+    void Advance(int socket, int happened);
+    std::chrono::milliseconds UntilTimer() const;
+    bool Going() const { return !stopped_ && !result_; }
+
+    Events& events_;
+    const Clock& clock_;
+    void* const easy_;
+    std::unique_ptr<void, MultiCleanup> multi_;
+    int epoll_ = -1;  ///< contains libcurl's sockets, so that the pump has one descriptor to watch
+    std::unique_ptr<Events::Watch> watch_;
+    std::optional<std::chrono::milliseconds> timer_;  ///< in terms of the clock's tick count
+    std::optional<int> result_;
+    bool stopped_ = false;
 };
 
 }  // namespace korvane

@@ -6,26 +6,30 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
-#include <climits>
 #include <cstdio>
 #include <cstring>
-#include <utility>
+#include <filesystem>
+#include <system_error>
 
 #include "base/error.h"
 
 namespace korvane {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr int kLongestLinkChain = 40;
 
-std::string FolderOfFile(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-}
-
-std::string NameOf(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+// Returns the path at the end of a chain of symbolic links, whether or not a file exists there.
+fs::path FollowLinks(fs::path path) {
+    for (int links = 0; links < kLongestLinkChain; ++links) {
+        std::error_code isNoLink;
+        const fs::path target = fs::read_symlink(path, isNoLink);
+        if (isNoLink) return path;
+        path = path.parent_path() / target;
+    }
+    errno = ELOOP;
+    ThrowFileError("write", path);
 }
 
 // A temporary file, removed again unless it was moved to its destination.
@@ -33,14 +37,12 @@ class Sibling {
 public:
     // The name is always the same: the next write reuses what a killed program left over, so that copies with passwords do not
     // pile up.
-    explicit Sibling(const std::string& path) : path_(FolderOfFile(path) + "." + NameOf(path) + ".new") {
+    explicit Sibling(const fs::path& path) : path_(path.parent_path() / ("." + path.filename().string() + ".new")) {
         ::unlink(path_.c_str());
         file_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     }
     ~Sibling() {
-        const int error = errno;  // for the caller that reports it
         if (file_ && !placed_) ::unlink(path_.c_str());
-        errno = error;
     }
     Sibling(const Sibling&) = delete;
     Sibling& operator=(const Sibling&) = delete;
@@ -51,13 +53,13 @@ public:
         return ::fchown(file_.Number(), of.st_uid, of.st_gid) == 0 && ::fchmod(file_.Number(), of.st_mode & 07777) == 0;
     }
 
-    bool MoveTo(const std::string& path) {
+    bool MoveTo(const fs::path& path) {
         placed_ = ::rename(path_.c_str(), path.c_str()) == 0;
         return placed_;
     }
 
 private:
-    std::string path_;
+    fs::path path_;
     Descriptor file_;
     bool placed_ = false;
 };
@@ -79,39 +81,7 @@ bool StatExisting(const std::string& path, struct stat& existing, bool replaceLi
     return true;
 }
 
-}  // namespace
-
-// Without this a power cut could bring the old file back. Some file systems cannot do it and do not need it.
-void FlushFolderOf(const std::string& path) {
-    const Descriptor folder(::open(FolderOfFile(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder) ::fsync(folder.Number());
-}
-
-void ThrowFileError(const char* action, const std::string& path) {
-    throw Error(std::string("Cannot ") + action + " " + path + ": " + std::strerror(errno));
-}
-
-void WriteAll(const Descriptor& file, std::string_view bytes, const std::string& path) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(file.Number(), bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) ThrowFileError("write", path);
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
-std::string FollowLinks(std::string path) {
-    for (int links = 0; links < kLongestLinkChain; ++links) {
-        std::array<char, PATH_MAX> target{};
-        const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
-        if (size < 0) return path;
-        const std::string to(target.data(), static_cast<std::size_t>(size));
-        path = to.starts_with('/') ? to : FolderOfFile(path).append(to);
-    }
-    errno = ELOOP;
-    ThrowFileError("write", path);
-}
-
+// Returns false and leaves everything unchanged when the existing file can only be written in place.
 bool ReplaceBySibling(const std::string& path, const std::function<void(const Descriptor&)>& write, const Placing& placing) {
     struct stat existing {};
     const bool exists = StatExisting(path, existing, placing.replaceLink);
@@ -148,6 +118,36 @@ void ReplaceInPlace(const std::string& path, std::string_view text) {
     }
     WriteAll(file, text, path);
     if (::ftruncate(file.Number(), size) != 0 || ::fsync(file.Number()) != 0) ThrowFileError("write", path);
+}
+
+}  // namespace
+
+// Without this a power cut could bring the old file back. Some file systems cannot do it and do not need it.
+void FlushFolderOf(const std::string& path) {
+    const Descriptor folder(::open((fs::path(path).parent_path() / ".").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) ::fsync(folder.Number());
+}
+
+void ThrowFileError(const char* action, const std::string& path) {
+    throw Error(std::string("Cannot ") + action + " " + path + ": " + std::strerror(errno));
+}
+
+void WriteAll(const Descriptor& file, std::string_view bytes, const std::string& path) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.Number(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) ThrowFileError("write", path);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void ReplaceFile(const std::string& path, const std::function<void(const TakeText& take)>& write, const Placing& placing) {
+    const std::string target = placing.replaceLink ? path : FollowLinks(path).string();
+    const auto writeTo = [&](const Descriptor& file) { write([&](std::string_view piece) { WriteAll(file, piece, path); }); };
+    if (ReplaceBySibling(target, writeTo, placing)) return;
+    std::string text;  // writing in place needs the length in advance
+    write([&](std::string_view piece) { text += piece; });
+    ReplaceInPlace(target, text);
 }
 
 }  // namespace korvane

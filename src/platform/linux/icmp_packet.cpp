@@ -1,20 +1,16 @@
 #include "platform/linux/icmp_packet.h"
 
+#include <linux/icmp.h>
+#include <netinet/in.h>
+
 #include <cstddef>
 
 namespace korvane {
 namespace {
 
-constexpr std::uint8_t kEchoReply = 0;
-constexpr std::uint8_t kDestinationUnreachable = 3;
-constexpr std::uint8_t kEchoRequest = 8;
-constexpr std::uint8_t kTimeExceeded = 11;
-constexpr std::uint8_t kParameterProblem = 12;
-
 constexpr std::size_t kHeader = 8;
 constexpr std::size_t kIpHeader = 20;
 constexpr std::size_t kIpProtocolAt = 9;
-constexpr std::uint8_t kIpProtocolIcmp = 1;
 
 std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<std::uint8_t>(bytes[at]);
@@ -39,7 +35,7 @@ unsigned Checksum(std::string_view bytes) {
 
 std::string EchoRequest(std::uint16_t identifier, std::uint16_t sequence, std::string_view data) {
     std::string message(kHeader, '\0');
-    message[0] = kEchoRequest;
+    message[0] = ICMP_ECHO;
     Put16(message, 4, identifier);
     Put16(message, 6, sequence);
     message += data;
@@ -48,7 +44,7 @@ std::string EchoRequest(std::uint16_t identifier, std::uint16_t sequence, std::s
 }
 
 std::string_view IcmpMessageOf(std::string_view packet) {
-    if (packet.size() < kIpHeader || ByteAt(packet, 0) >> 4 != 4 || ByteAt(packet, kIpProtocolAt) != kIpProtocolIcmp) return {};
+    if (packet.size() < kIpHeader || ByteAt(packet, 0) >> 4 != 4 || ByteAt(packet, kIpProtocolAt) != IPPROTO_ICMP) return {};
     const std::size_t header = std::size_t{4} * (ByteAt(packet, 0) & 0x0FU);
     return header < kIpHeader || header > packet.size() ? std::string_view() : packet.substr(header);
 }
@@ -60,14 +56,14 @@ bool SameEcho(std::string_view message, std::string_view request) {
 std::optional<int> EchoStatus(std::string_view message, std::string_view request) {
     if (message.size() < kHeader || Checksum(message) != 0) return std::nullopt;
     switch (const std::uint8_t type = ByteAt(message, 0)) {
-        case kEchoReply:
+        case ICMP_ECHOREPLY:
             if (message.substr(4) == request.substr(4)) return 0;
             return std::nullopt;
-        case kDestinationUnreachable:
-        case kTimeExceeded:
-        case kParameterProblem: {
+        case ICMP_DEST_UNREACH:
+        case ICMP_TIME_EXCEEDED:
+        case ICMP_PARAMETERPROB: {
             const std::string_view about = IcmpMessageOf(message.substr(kHeader));
-            if (!SameEcho(about, request) || ByteAt(about, 0) != kEchoRequest) return std::nullopt;
+            if (!SameEcho(about, request) || ByteAt(about, 0) != ICMP_ECHO) return std::nullopt;
             return type * 256 + ByteAt(message, 1);
         }
         default:

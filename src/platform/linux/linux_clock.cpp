@@ -5,11 +5,7 @@
 namespace korvane {
 namespace {
 
-timespec ReadClock(clockid_t which) {
-    timespec now{};
-    clock_gettime(which, &now);
-    return now;
-}
+using std::chrono::system_clock;
 
 // localtime_r alone would keep the time zone of its first call; tzset costs one stat of the zone file.
 tm LocalTime(time_t moment) {
@@ -22,24 +18,23 @@ tm LocalTime(time_t moment) {
 }  // namespace
 
 DateTime SystemClock::Now() const {
-    const time_t moment = ReadClock(CLOCK_REALTIME).tv_sec;
+    const time_t moment = system_clock::to_time_t(system_clock::now());
     return DateTime::FromSeconds(moment + LocalTime(moment).tm_gmtoff);
 }
 
 DateTime SystemClock::UtcNow() const {
-    return DateTime::FromSeconds(ReadClock(CLOCK_REALTIME).tv_sec);
+    return DateTime::FromSeconds(system_clock::to_time_t(system_clock::now()));
 }
 
 double SystemClock::Timer() const {
-    const timespec now = ReadClock(CLOCK_REALTIME);
-    const tm local = LocalTime(now.tv_sec);
-    return local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + static_cast<double>(now.tv_nsec) / 1e9;
+    const auto now = system_clock::now();
+    const auto second = std::chrono::floor<std::chrono::seconds>(now);
+    const tm local = LocalTime(system_clock::to_time_t(second));
+    return local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + std::chrono::duration<double>(now - second).count();
 }
 
 std::chrono::milliseconds SystemClock::GetTickCount() const {
-    const timespec now = ReadClock(CLOCK_MONOTONIC);
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::seconds(now.tv_sec) +
-                                                                 std::chrono::nanoseconds(now.tv_nsec));
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
 }  // namespace korvane

@@ -30,22 +30,23 @@ std::int64_t Nanoseconds(const timespec& moment) {
     return std::int64_t{moment.tv_sec} * 1'000'000'000 + moment.tv_nsec;
 }
 
-// Returns an empty descriptor when there is no file. Throws Error when the path cannot be opened or is not a file.
+// Returns what the file is like. Throws Error when it could not be opened or is not a file.
+struct stat StatusOf(const Descriptor& file, const char* action, const std::string& path) {
+    struct stat status {};
+    if (!file || ::fstat(file.Number(), &status) != 0) ThrowFileError(action, path);
+    if (!S_ISREG(status.st_mode)) throw Error(std::string("Cannot ") + action + " " + path + ": it is not a file");
+    return status;
+}
+
+// Returns an empty descriptor when there is no file.
 Descriptor OpenToRead(const std::string& path) {
     Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a pipe without a writer would block
-    if (!file) {
-        if (NoSuchFile(errno)) return file;
-        ThrowFileError("read", path);
-    }
-    struct stat status {};
-    if (::fstat(file.Number(), &status) != 0) ThrowFileError("read", path);
-    if (!S_ISREG(status.st_mode)) throw Error("Cannot read " + path + ": it is not a file");
+    if (file || !NoSuchFile(errno)) StatusOf(file, "read", path);
     return file;
 }
 
 // Calls `take` with each piece of the file until its end.
-template <class Take>
-void ReadPieces(const Descriptor& file, const std::string& path, Take take) {
+void ReadPieces(const Descriptor& file, const std::string& path, const TakeText& take) {
     std::array<char, kPiece> piece;
     for (;;) {
         const ssize_t size = ::read(file.Number(), piece.data(), piece.size());
@@ -74,11 +75,6 @@ void MakeFolder(const std::filesystem::path& path, mode_t mode) {
 
 }  // namespace
 
-void KeepOthersFromWriting() {
-    const mode_t before = ::umask(0);
-    ::umask(before | S_IWGRP | S_IWOTH);
-}
-
 std::optional<FileIdentity> LinuxFiles::Identity(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0) {
@@ -97,15 +93,12 @@ std::optional<std::string> LinuxFiles::Read(const std::string& path) {
 }
 
 void LinuxFiles::Replace(const std::string& path, std::string_view text) {
-    const std::string target = FollowLinks(path);
-    const bool replaced = ReplaceBySibling(target, [&](const Descriptor& file) { WriteAll(file, text, path); });
-    if (!replaced) ReplaceInPlace(target, text);
+    ReplaceFile(path, [&](const TakeText& take) { take(text); });
 }
 
 void LinuxFiles::Overwrite(const std::string& path, std::int64_t offset, std::string_view bytes) {
     const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!file || ::fstat(file.Number(), &status) != 0) ThrowFileError("write", path);
+    const struct stat status = StatusOf(file, "write", path);
     const auto size = static_cast<std::int64_t>(bytes.size());
     if (offset < 0 || size > status.st_size || offset > status.st_size - size) {
         throw Error("Cannot write " + path + ": it is shorter than expected");
@@ -116,9 +109,7 @@ void LinuxFiles::Overwrite(const std::string& path, std::int64_t offset, std::st
 
 void LinuxFiles::Append(const std::string& path, std::string_view text) {
     const Descriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0640));
-    struct stat before {};
-    if (!file || ::fstat(file.Number(), &before) != 0) ThrowFileError("write", path);
-    if (!S_ISREG(before.st_mode)) throw Error("Cannot write " + path + ": it is not a file");
+    const struct stat before = StatusOf(file, "write", path);
     ssize_t written = 0;
     do {
         written = ::write(file.Number(), text.data(), text.size());
@@ -136,25 +127,18 @@ void LinuxFiles::Copy(const std::string& from, const std::string& to) {
         errno = ENOENT;
         ThrowFileError("read", from);
     }
-    const std::string target = FollowLinks(to);
-    const bool replaced = ReplaceBySibling(target, [&](const Descriptor& file) {
-        ReadPieces(source, from, [&](std::string_view piece) { WriteAll(file, piece, to); });
+    ReplaceFile(to, [&](const TakeText& take) {
+        if (::lseek(source.Number(), 0, SEEK_SET) != 0) ThrowFileError("read", from);
+        ReadPieces(source, from, take);
     });
-    if (!replaced) ReplaceInPlace(target, *Read(from));
 }
 
 void LinuxFiles::Publish(const std::string& path, std::string_view text) {
-    const std::string target = FollowLinks(path);
-    const auto write = [&](const Descriptor& file) { WriteAll(file, text, path); };
-    if (!ReplaceBySibling(target, write, {.flush = false, .newMode = 0644})) ReplaceInPlace(target, text);
+    ReplaceFile(path, [&](const TakeText& take) { take(text); }, {.flush = false, .newMode = 0644});
 }
 
 void LinuxFiles::PublishPage(const std::string& path, const std::function<void(const TakeText& take)>& write) {
-    const auto writePieces = [&](const Descriptor& file) { write([&](std::string_view piece) { WriteAll(file, piece, path); }); };
-    if (ReplaceBySibling(path, writePieces, {.flush = false, .newMode = 0644, .replaceLink = true})) return;
-    std::string text;  // writing in place needs the length in advance
-    write([&](std::string_view piece) { text += piece; });
-    ReplaceInPlace(path, text);
+    ReplaceFile(path, write, {.flush = false, .newMode = 0644, .replaceLink = true});
 }
 
 void LinuxFiles::Remove(const std::string& path) {
@@ -206,13 +190,13 @@ bool LinuxFiles::HoldFolder(const std::string& path) {
     // A start by root must not lock out the owner.
     const bool isOwners = status.st_uid == folder.st_uid;
     [[maybe_unused]] const bool given = isOwners || ::fchown(file.Number(), folder.st_uid, folder.st_gid) == 0;
-    const auto held = [&](const Hold& hold) { return hold.device == status.st_dev && hold.inode == status.st_ino; };
-    if (std::any_of(holds_.begin(), holds_.end(), held)) return true;
+    const std::pair identity{status.st_dev, status.st_ino};
+    if (holds_.contains(identity)) return true;
     if (::flock(file.Number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) return false;
         ThrowFileError("hold", path);
     }
-    holds_.push_back({status.st_dev, status.st_ino, std::move(file)});
+    holds_[identity] = std::move(file);
     return true;
 }
 

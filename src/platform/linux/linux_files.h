@@ -1,20 +1,20 @@
 // Files on the disk. When Replace or Copy returns, the data is on the disk, not just on its way there.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/files.h"
 #include "platform/linux/descriptor.h"
 
 namespace korvane {
-
-/// From now on, others cannot write to anything created by this process or by a program that it starts, whatever umask the
-/// process inherited.
-void KeepOthersFromWriting();
 
 /// Append and Overwrite leave it to the system when the bytes reach the disk: they survive the end of the program, but not always
 /// a crash of the machine.
@@ -43,12 +43,7 @@ public:
     bool HoldFolder(const std::string& path) override;
 
 private:
-    struct Hold {
-        std::uint64_t device;
-        std::uint64_t inode;
-        Descriptor descriptor;
-    };
-    std::vector<Hold> holds_;
+    std::map<std::pair<dev_t, ino_t>, Descriptor> holds_;  ///< by device and inode of the locked file
 };
 
 }  // namespace korvane

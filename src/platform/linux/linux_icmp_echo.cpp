@@ -14,7 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
+#include "base/text.h"
 #include "platform/linux/icmp_packet.h"
 
 namespace korvane {
@@ -35,7 +38,8 @@ sockaddr_in SocketAddress(Ipv4Address address) {
     return result;
 }
 
-void SetOption(const Descriptor& socket, int level, int option, int value) {
+template <class Value>
+void SetOption(const Descriptor& socket, int level, int option, const Value& value) {
     ::setsockopt(socket.Number(), level, option, &value, sizeof value);
 }
 
@@ -47,7 +51,7 @@ Descriptor OpenIcmp(int type) {
 void PassAnswersOnly(const Descriptor& socket) {
     const icmp_filter filter{
         ~(1U << ICMP_ECHOREPLY | 1U << ICMP_DEST_UNREACH | 1U << ICMP_TIME_EXCEEDED | 1U << ICMP_PARAMETERPROB)};
-    ::setsockopt(socket.Number(), SOL_RAW, ICMP_FILTER, &filter, sizeof filter);
+    SetOption(socket, SOL_RAW, ICMP_FILTER, filter);
 }
 
 // For a datagram socket the kernel sets the identifier: the socket's port.
@@ -60,9 +64,8 @@ std::uint16_t IdentifierOf(const Descriptor& socket) {
 }
 
 std::string ProgramPath() {
-    std::array<char, 4096> path{};
-    const ssize_t size = ::readlink("/proc/self/exe", path.data(), path.size());
-    return size > 0 ? std::string(path.data(), static_cast<std::size_t>(size)) : "the program";
+    std::error_code error;
+    return Or(std::filesystem::read_symlink("/proc/self/exe", error).string(), "the program");
 }
 
 std::string WhyNot(int error) {
@@ -70,8 +73,7 @@ std::string WhyNot(int error) {
     if (!forbidden) return std::string("No ICMP echo can be sent: ") + std::strerror(error) + ".";
     return std::string("The system does not let this user send ICMP echoes (") + std::strerror(error) +
            "). To allow it for every user: sysctl -w net.ipv4.ping_group_range=\"0 2147483647\". To allow it for this program: "
-           "setcap "
-           "cap_net_raw+ep " +
+           "setcap cap_net_raw+ep " +
            ProgramPath() + ", or AmbientCapabilities=CAP_NET_RAW in the unit of its service.";
 }
 
@@ -98,11 +100,6 @@ bool WaitReadable(const Descriptor& socket, steady_clock::time_point deadline) {
 
 }  // namespace
 
-struct LinuxIcmpEcho::Echo {
-    std::string request;
-    Ipv4Address address;
-};
-
 std::optional<Ipv4Address> LinuxIcmpEcho::InetAddr(std::string_view text) const {
     if (text.find('\0') != std::string_view::npos) return std::nullopt;
     const in_addr_t address = ::inet_addr(std::string(text).c_str());
@@ -128,11 +125,11 @@ bool LinuxIcmpEcho::IcmpCreateFile(std::string& whyNot) {
 }
 
 EchoReply LinuxIcmpEcho::IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, milliseconds wait) {
-    const Echo echo{EchoRequest(identifier_, ++sequence_, data), address};
+    const std::string request = EchoRequest(identifier_, ++sequence_, data);
     const auto start = steady_clock::now();
-    if (!Send(echo, timeToLive)) return {};
+    if (!Send(request, address, timeToLive)) return {};
     while (WaitReadable(socket_, start + wait)) {
-        EchoReply reply = Receive(echo);
+        EchoReply reply = Receive(request);
         if (!reply.answered) continue;
         reply.roundTripTime = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
         return reply;
@@ -140,33 +137,33 @@ EchoReply LinuxIcmpEcho::IcmpSendEcho(Ipv4Address address, std::string_view data
     return {};
 }
 
-bool LinuxIcmpEcho::Send(const Echo& echo, int timeToLive) const {
+bool LinuxIcmpEcho::Send(const std::string& request, Ipv4Address address, int timeToLive) const {
     ForgetLateErrors(socket_);
     SetOption(socket_, SOL_IP, IP_TTL, timeToLive);
-    const sockaddr_in to = SocketAddress(echo.address);
+    const sockaddr_in to = SocketAddress(address);
     for (;;) {
-        const ssize_t sent = ::sendto(socket_.Number(), echo.request.data(), echo.request.size(), 0,
-                                      reinterpret_cast<const sockaddr*>(&to), sizeof to);
+        const ssize_t sent =
+            ::sendto(socket_.Number(), request.data(), request.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
         if (sent >= 0) return true;
         if (errno != EINTR) return false;
     }
 }
 
 // Reads one packet. It may be about something else; the result is then not answered.
-EchoReply LinuxIcmpEcho::Receive(const Echo& echo) const {
-    std::string packet(std::max(kLargestError, kHeaders + echo.request.size()), '\0');
+EchoReply LinuxIcmpEcho::Receive(const std::string& request) const {
+    std::string packet(std::max(kLargestError, kHeaders + request.size()), '\0');
     sockaddr_in from{};
     socklen_t size = sizeof from;
     const ssize_t received =
         ::recvfrom(socket_.Number(), packet.data(), packet.size(), 0, reinterpret_cast<sockaddr*>(&from), &size);
-    if (received < 0) return raw_ ? EchoReply{} : ReceiveError(echo);
+    if (received < 0) return raw_ ? EchoReply{} : ReceiveError(request);
     packet.resize(static_cast<std::size_t>(received));
-    const auto status = EchoStatus(raw_ ? IcmpMessageOf(packet) : packet, echo.request);
+    const auto status = EchoStatus(raw_ ? IcmpMessageOf(packet) : packet, request);
     return status ? EchoReply{true, *status, milliseconds(0), from.sin_addr.s_addr} : EchoReply{};
 }
 
 // The kernel does not deliver ICMP errors to readers of a datagram socket, but queues them with the request that they concern.
-EchoReply LinuxIcmpEcho::ReceiveError(const Echo& echo) const {
+EchoReply LinuxIcmpEcho::ReceiveError(const std::string& request) const {
     std::array<char, 64> about{};
     alignas(cmsghdr) std::array<char, 512> control{};
     iovec into{about.data(), about.size()};
@@ -176,7 +173,7 @@ EchoReply LinuxIcmpEcho::ReceiveError(const Echo& echo) const {
     message.msg_control = control.data();
     message.msg_controllen = control.size();
     const ssize_t received = ::recvmsg(socket_.Number(), &message, MSG_ERRQUEUE);
-    if (received < 0 || !SameEcho({about.data(), static_cast<std::size_t>(received)}, echo.request)) return {};
+    if (received < 0 || !SameEcho({about.data(), static_cast<std::size_t>(received)}, request)) return {};
     for (cmsghdr* each = CMSG_FIRSTHDR(&message); each != nullptr; each = CMSG_NXTHDR(&message, each)) {
         if (each->cmsg_level != SOL_IP || each->cmsg_type != IP_RECVERR) continue;
         struct {

@@ -22,11 +22,9 @@ public:
     void IcmpCloseHandle() override;
 
 private:
-    struct Echo;
-
-    bool Send(const Echo& echo, int timeToLive) const;
-    EchoReply Receive(const Echo& echo) const;
-    EchoReply ReceiveError(const Echo& echo) const;
+    bool Send(const std::string& request, Ipv4Address address, int timeToLive) const;
+    EchoReply Receive(const std::string& request) const;
+    EchoReply ReceiveError(const std::string& request) const;
 
     Descriptor socket_;
     bool raw_ = false;

@@ -5,7 +5,8 @@
 #include <filesystem>
 
 #include "base/error.h"
-#include "platform/linux/default_program.h"
+#include "base/text.h"
+#include "platform/linux/environment.h"
 
 namespace korvane {
 namespace {
@@ -20,21 +21,19 @@ constexpr const char* kRunsWithSystemd = "/run/systemd/system";
 void LinuxPower::Request(PowerAction action) {
     const Words command = CommandFor(action);
     if (command.empty()) throw Error("Nothing on this machine can do it");
-    try {
-        start_(command);
-    } catch (const Error& error) {
-        throw Error(command.front() + ": " + error.what(), error.Number());
-    }
+    start_(command);
 }
 
 Words LinuxPower::CommandFor(PowerAction action) const {
-    const bool managed = machine_.system == PowerSystem::ServiceManager;
     if (machine_.system == PowerSystem::Unknown) return {};
+    const bool managed = machine_.system == PowerSystem::ServiceManager;
+    const std::string kind = machine_.session.empty() ? "user" : "session";
+    const std::string whom = Or(machine_.session, std::to_string(machine_.user));
     switch (action) {
         case PowerAction::LogOff:
-            return managed ? EndSession() : Words{};
+            return managed ? Words{"loginctl", "terminate-" + kind, whom} : Words{};
         case PowerAction::ForcedLogOff:
-            return managed ? KillSession() : Words{};
+            return managed ? Words{"loginctl", "kill-" + kind, "--signal=SIGKILL", whom} : Words{};
         case PowerAction::ShutDown:
             return managed ? Words{"systemctl", "poweroff"} : Words{machine_.shutdownPath, "-h", "-P", "now"};
         case PowerAction::ForcedShutDown:  // the command has no separate forced form
@@ -43,16 +42,6 @@ Words LinuxPower::CommandFor(PowerAction action) const {
             return managed ? Words{"systemctl", "reboot"} : Words{machine_.shutdownPath, "-r", "now"};
     }
     return {};
-}
-
-Words LinuxPower::EndSession() const {
-    if (machine_.session.empty()) return {"loginctl", "terminate-user", std::to_string(machine_.user)};
-    return {"loginctl", "terminate-session", machine_.session};
-}
-
-Words LinuxPower::KillSession() const {
-    if (machine_.session.empty()) return {"loginctl", "kill-user", "--signal=SIGKILL", std::to_string(machine_.user)};
-    return {"loginctl", "kill-session", "--signal=SIGKILL", machine_.session};
 }
 
 LinuxPower::Machine ThisMachine(const std::string& shutdownPath) {

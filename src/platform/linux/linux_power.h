@@ -14,7 +14,7 @@ namespace korvane {
 
 class LinuxPower : public Power {
 public:
-    /// Starts the program named by the first word without waiting for its end. Throws Error with the reason.
+    /// Starts the program named by the first word without waiting for its end. Throws Error with its name and the reason.
     using Start = std::function<void(const std::vector<std::string>& words)>;
 
     struct Machine {
@@ -29,13 +29,10 @@ public:
     PowerSystem System() const override { return machine_.system; }
     void Request(PowerAction action) override;
 
-    /// Returns the command that Request starts, empty if nothing on this machine can do it. A program without a session logs off
-    /// all sessions of its user.
-    std::vector<std::string> CommandFor(PowerAction action) const;
-
 private:
-    std::vector<std::string> EndSession() const;
-    std::vector<std::string> KillSession() const;
+    /// Returns an empty command if nothing on this machine can do it. A program without a session logs off all sessions of its
+    /// user.
+    std::vector<std::string> CommandFor(PowerAction action) const;
 
     Start start_;
     Machine machine_;

@@ -1,22 +1,18 @@
 #include "platform/linux/linux_processes.h"
 
 #include <errno.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
-#include "platform/linux/default_program.h"
+#include "platform/linux/desktop_entries.h"
+#include "platform/linux/program_runner.h"
 
 namespace korvane {
 namespace {
@@ -34,6 +30,8 @@ constexpr std::chrono::seconds kGivesUpWithin{10};
 /// For a desktop without xdg-open: editors with their own window.
 constexpr const char* kTextEditors[] = {"gnome-text-editor", "gedit", "kate", "kwrite", "mousepad", "xed", "pluma", "featherpad"};
 
+constexpr const char* kPlayers[] = {"pw-play", "paplay", "aplay"};
+
 using Words = std::vector<std::string>;
 
 Words ShellWords(const std::string& command) {
@@ -45,49 +43,6 @@ Words PlainWords(const std::string& command) {
     std::erase(words, "");
     return words;
 }
-
-void Check(int error) {
-    if (error != 0) throw Error(std::strerror(error), error);
-}
-
-/// What the new process does not inherit: it gets its own session, the default signals, and no open files but /dev/null three
-/// times.
-class FreshStart {
-public:
-    FreshStart() {
-        sigset_t none;
-        sigset_t all;
-        ::sigemptyset(&none);
-        ::sigfillset(&all);
-        Check(::posix_spawnattr_init(&attributes_));
-        Check(::posix_spawnattr_setsigmask(&attributes_, &none));
-        Check(::posix_spawnattr_setsigdefault(&attributes_, &all));
-        Check(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
-        Check(::posix_spawn_file_actions_init(&files_));
-        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            Check(::posix_spawn_file_actions_addopen(&files_, standard, "/dev/null", O_RDWR, 0));
-        Check(::posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1));
-    }
-    ~FreshStart() {
-        ::posix_spawn_file_actions_destroy(&files_);
-        ::posix_spawnattr_destroy(&attributes_);
-    }
-    FreshStart(const FreshStart&) = delete;
-    FreshStart& operator=(const FreshStart&) = delete;
-
-    /// Returns the error number, 0 when the program of the first word runs as `pid`.
-    int Spawn(Words words, pid_t& pid) const {
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        return ::posix_spawnp(&pid, arguments[0], &files_, &attributes_, arguments.data(), environ);
-    }
-
-private:
-    posix_spawnattr_t attributes_{};
-    posix_spawn_file_actions_t files_{};
-};
 
 // Returns the commands between the colons of BROWSER; the page replaces "%s" or is appended to a command without it.
 std::vector<Words> BrowserCommands(const std::string& page) {
@@ -110,11 +65,6 @@ bool Reap(pid_t pid, int& status) {
     return ended == pid || (ended < 0 && errno == ECHILD);
 }
 
-// Returns an empty descriptor if the kernel is older than 5.3 or forbids the call.
-Descriptor OpenProcess(pid_t pid) {
-    return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0U)));
-}
-
 }  // namespace
 
 int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
@@ -124,19 +74,17 @@ int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
     if (line.find('\0') != std::string::npos) throw Error("The command holds a character that no command can have");
     const bool plain = line.find_first_of(kShellSigns) == std::string::npos;
 
-    const FreshStart start;
     pid_t pid = 0;
-    int error = start.Spawn(plain ? PlainWords(line) : ShellWords(line), pid);
-    if (error == ENOEXEC) error = start.Spawn(ShellWords(line), pid);  // a script that does not name its interpreter
-    Check(error);
+    int error = Spawn(plain ? PlainWords(line) : ShellWords(line), pid);
+    if (error == ENOEXEC) error = Spawn(ShellWords(line), pid);  // a script that does not name its interpreter
+    if (error != 0) throw Error(std::strerror(error), error);
     ReapAtItsEnd(pid);
     return pid;
 }
 
 int LinuxProcesses::Start(const Words& words, const std::function<void(int status)>& ended) {
     ReapUnwatched();
-    pid_t pid = 0;
-    Check(FreshStart().Spawn(words, pid));
+    const pid_t pid = StartProgram(words);
     ReapAtItsEnd(pid, ended);
     return pid;
 }
@@ -178,7 +126,7 @@ bool LinuxProcesses::Open(std::vector<Words> ways, std::string why, const NotOpe
             });
             return true;
         } catch (const std::exception& error) {
-            if (why.empty()) why = words.front() + ": " + error.what();
+            if (why.empty()) why = error.what();
         }
     }
     notOpened(why);
@@ -214,6 +162,17 @@ void LinuxProcesses::Ended(pid_t pid) {
 void LinuxProcesses::ReapUnwatched() {
     int status = 0;
     std::erase_if(unwatched_, [&](pid_t pid) { return Reap(pid, status); });
+}
+
+void DesktopSound::PlaySound(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return;
+    // An absolute path, so that no player takes a file name for one of its options.
+    const std::filesystem::path file = std::filesystem::absolute(path, error);
+    if (error) return;
+    for (const char* player : kPlayers) {
+        if (IgnoreErrors([&] { processes_.Start({player, file.string()}); })) return;
+    }
 }
 
 }  // namespace korvane

@@ -1,5 +1,5 @@
-// Runs the operator's commands as separate processes: they get nothing of this program but its folder and environment, and are
-// reaped when they end, also where no init process does it.
+// Programs that are started and left to themselves: the operator's commands, what opens a page or a file, and what plays a sound.
+// They are reaped when they end, also where no init process does it.
 #pragma once
 
 #include <sys/types.h>
@@ -13,6 +13,7 @@
 #include "platform/events.h"
 #include "platform/linux/descriptor.h"
 #include "platform/processes.h"
+#include "platform/sound.h"
 
 namespace korvane {
 
@@ -26,7 +27,7 @@ public:
     int Shell(const std::string& command, WindowStyle style) override;
 
     /// Like Shell, for a command that is already split into words: the first is the program, and no shell interprets any of them.
-    /// `ended` receives the status in the form of waitpid(2), unless the system is short of descriptors.
+    /// `ended` receives the status in the form of waitpid(2), unless the system is short of descriptors. Errors name the program.
     int Start(const std::vector<std::string>& words, const std::function<void(int status)>& ended = {});
 
     /// Uses the desktop's choice for that kind of file or, for pages, the variable BROWSER.
@@ -51,6 +52,20 @@ private:
     Events& events_;
     std::unordered_map<pid_t, Child> watched_;
     std::vector<pid_t> unwatched_;  ///< without a descriptor; reaped when another process starts or ends
+};
+
+/// Plays sounds through an installed player: that of PipeWire, of PulseAudio, or of ALSA.
+class DesktopSound : public Sound {
+public:
+    /// `processes` must outlive this.
+    explicit DesktopSound(LinuxProcesses& processes) : processes_(processes) {}
+
+    /// Starts the first player that is installed (in the folders of PATH) and returns without waiting for it. Does nothing if the
+    /// path is empty or is not a file; whether the player can play the file is not known.
+    void PlaySound(const std::string& path) override;
+
+private:
+    LinuxProcesses& processes_;
 };
 
 }  // namespace korvane

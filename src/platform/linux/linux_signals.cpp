@@ -4,99 +4,75 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <initializer_list>
-#include <string>
+#include <utility>
 
 #include "base/error.h"
 
 namespace korvane {
 namespace {
 
-using SignalPipe = int[2];
+// A signal handler has no argument of ours, so the pipe that it writes to must be global in this file.
+std::array<int, NSIG> pipeOfSignal;
 
-// A signal handler has no argument of ours, so the pipes that it writes to must be global in this file.
-SignalPipe terminationPipe = {-1, -1};
-SignalPipe pausePipe = {-1, -1};
-
-void Write(const SignalPipe& to, int signal) {
+extern "C" void NoteSignal(int signal) {
     const int saved = errno;
     const char byte = static_cast<char>(signal);
-    [[maybe_unused]] const auto written = write(to[1], &byte, 1);
+    [[maybe_unused]] const auto written = write(pipeOfSignal[static_cast<std::size_t>(signal)], &byte, 1);
     errno = saved;
 }
 
-extern "C" void OnTermination(int signal) {
-    Write(terminationPipe, signal);
-}
-
-extern "C" void OnPause(int signal) {
-    Write(pausePipe, signal);
-}
-
 // A signal that the parent process has set to be ignored (nohup, a shell's background job) stays ignored.
-void SetHandler(std::initializer_list<int> signals, void (*handler)(int)) {
+void SetHandler(const std::vector<int>& numbers, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigfillset(&action.sa_mask);  // a nested second signal would be noted before the first
-    for (const int signal : signals) {
+    for (const int signal : numbers) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);
         if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
     }
 }
 
-void Open(SignalPipe& pipe) {
-    if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) != 0) throw Error(std::strerror(errno), errno);
-}
-
-void Close(SignalPipe& pipe) {
-    close(pipe[0]);
-    close(pipe[1]);
-}
-
 }  // namespace
 
-TerminationSignals::TerminationSignals(Events& events, std::function<void()> asked) : asked_(std::move(asked)) {
-    Open(terminationPipe);
-    watch_ = events.WatchReadable(terminationPipe[0], [this] { Look(); });
-    SetHandler({SIGTERM, SIGINT, SIGHUP}, OnTermination);
+NotedSignals::NotedSignals(Events& events, std::vector<int> numbers, std::function<void()> came) : numbers_(std::move(numbers)) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) throw Error(std::strerror(errno), errno);
+    read_ = Descriptor(ends[0]);
+    write_ = Descriptor(ends[1]);
+    watch_ = events.WatchReadable(read_.Number(), std::move(came));
+    for (const int signal : numbers_)
+        pipeOfSignal[static_cast<std::size_t>(signal)] = write_.Number();
+    SetHandler(numbers_, NoteSignal);
 }
 
-void TerminationSignals::Look() {
+NotedSignals::~NotedSignals() {
+    SetHandler(numbers_, SIG_DFL);
+}
+
+int NotedSignals::Take() const {
+    char signal = 0;
+    return read(read_.Number(), &signal, 1) == 1 ? signal : 0;
+}
+
+TerminationSignals::TerminationSignals(Events& events, std::function<void()> asked)
+    : NotedSignals(events, {SIGTERM, SIGINT, SIGHUP}, [this] { Look(); }), asked_(std::move(asked)) {}
+
+void TerminationSignals::Look() const {
     bool came = false;
-    char bytes[16];
-    while (read(terminationPipe[0], bytes, sizeof bytes) > 0)
+    while (Take() != 0)
         came = true;
     if (came) asked_();
 }
 
-TerminationSignals::~TerminationSignals() {
-    SetHandler({SIGTERM, SIGINT, SIGHUP}, SIG_DFL);
-    watch_.reset();
-    Close(terminationPipe);
-}
-
-PauseSignals::PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn) {
-    Open(pausePipe);
-    watch_ = events.WatchReadable(pausePipe[0], [pause = std::move(pause), goOn = std::move(goOn)] {
-        char signal = 0;
-        while (read(pausePipe[0], &signal, 1) == 1)
-            signal == SIGUSR1 ? pause() : goOn();
-    });
-    SetHandler({SIGUSR1, SIGUSR2}, OnPause);
-}
-
-PauseSignals::~PauseSignals() {
-    SetHandler({SIGUSR1, SIGUSR2}, SIG_DFL);
-    watch_.reset();
-    Close(pausePipe);
-}
-
-void IgnoreBrokenPipes() {
-    signal(SIGPIPE, SIG_IGN);
-}
+PauseSignals::PauseSignals(Events& events, std::function<void()> pause, std::function<void()> goOn)
+    : NotedSignals(events, {SIGUSR1, SIGUSR2}, [this, pause = std::move(pause), goOn = std::move(goOn)] {
+          while (const int signal = Take())
+              signal == SIGUSR1 ? pause() : goOn();
+      }) {}
 
 }  // namespace korvane

@@ -13,10 +13,8 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include "base/error.h"
-#include "platform/linux/descriptor.h"
 #include "platform/wait.h"
 
 namespace korvane {
@@ -25,68 +23,23 @@ namespace {
 constexpr std::size_t kMostOutput = 65536;
 constexpr int kEndedBySignal = 128;
 
-void Check(int error, const std::string& what) {
-    if (error != 0) throw Error(what + ": " + std::strerror(error), error);
+[[noreturn]] void Throw(const std::string& what, int error) {
+    throw Error(what + ": " + std::strerror(error), error);
 }
-
-std::pair<Descriptor, Descriptor> NewPipe() {
-    int ends[2];
-    Check(::pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0 ? 0 : errno, "pipe");
-    return {Descriptor(ends[0]), Descriptor(ends[1])};
-}
-
-/// The new process gets its own process group, the default signals, and no open files but /dev/null and the pipe twice.
-class Spawning {
-public:
-    explicit Spawning(const Descriptor& output) {
-        sigset_t none;
-        sigset_t all;
-        ::sigemptyset(&none);
-        ::sigfillset(&all);
-        ::posix_spawnattr_init(&attributes_);
-        ::posix_spawnattr_setsigmask(&attributes_, &none);
-        ::posix_spawnattr_setsigdefault(&attributes_, &all);
-        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-        ::posix_spawn_file_actions_init(&files_);
-        ::posix_spawn_file_actions_addopen(&files_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        for (const int standard : {STDOUT_FILENO, STDERR_FILENO})
-            ::posix_spawn_file_actions_adddup2(&files_, output.Number(), standard);
-        ::posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1);
-    }
-    ~Spawning() {
-        ::posix_spawn_file_actions_destroy(&files_);
-        ::posix_spawnattr_destroy(&attributes_);
-    }
-    Spawning(const Spawning&) = delete;
-    Spawning& operator=(const Spawning&) = delete;
-
-    pid_t Start(std::vector<std::string> words) const {
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        pid_t pid = 0;
-        Check(::posix_spawnp(&pid, arguments[0], &files_, &attributes_, arguments.data(), environ), words.front());
-        return pid;
-    }
-
-private:
-    posix_spawnattr_t attributes_{};
-    posix_spawn_file_actions_t files_{};
-};
 
 /// A program that was started. The destructor kills it if it is still running.
 class Running {
 public:
     Running(Events& events, const std::vector<std::string>& words) {
-        auto [read, write] = NewPipe();
-        output_ = std::move(read);
-        pid_ = Spawning(write).Start(words);
-        end_ = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0U)));
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) Throw("pipe", errno);
+        output_ = Descriptor(ends[0]);
+        pid_ = StartProgram(words, Descriptor(ends[1]));
+        end_ = OpenProcess(pid_);
         if (!end_) {
             const int error = errno;
             End();
-            Check(error, "pidfd_open");
+            Throw("pidfd_open", error);
         }
         outputWatch_ = events.WatchReadable(output_.Number(), [this] { TakeOutput(); });
         endWatch_ = events.WatchReadable(end_.Number(), [this] { Reap(); });
@@ -137,6 +90,48 @@ private:
 };
 
 }  // namespace
+
+int Spawn(std::vector<std::string> words, pid_t& pid, const Descriptor& output) {
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    sigset_t none;
+    sigset_t all;
+    ::sigemptyset(&none);
+    ::sigfillset(&all);
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setsigmask(&attributes, &none);
+    ::posix_spawnattr_setsigdefault(&attributes, &all);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+
+    posix_spawn_file_actions_t files;
+    ::posix_spawn_file_actions_init(&files);
+    int error = 0;
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (error != 0) break;
+        error = output && standard != STDIN_FILENO ? ::posix_spawn_file_actions_adddup2(&files, output.Number(), standard)
+                                                   : ::posix_spawn_file_actions_addopen(&files, standard, "/dev/null", O_RDWR, 0);
+    }
+    if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+    if (error == 0) error = ::posix_spawnp(&pid, arguments[0], &files, &attributes, arguments.data(), environ);
+    ::posix_spawn_file_actions_destroy(&files);
+    ::posix_spawnattr_destroy(&attributes);
+    return error;
+}
+
+pid_t StartProgram(const std::vector<std::string>& words, const Descriptor& output) {
+    pid_t pid = 0;
+    const int error = Spawn(words, pid, output);
+    if (error != 0) Throw(words.front(), error);
+    return pid;
+}
+
+Descriptor OpenProcess(pid_t pid) {
+    return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0U)));
+}
 
 RunProgram ProgramRunner(Events& events, const Clock& clock) {
     return [&events, &clock](const std::vector<std::string>& words, std::chrono::milliseconds limit) {

@@ -1,5 +1,8 @@
-// Runs a program of the system to its end and returns its exit status and output, while the event pump runs.
+// The only way to start a program of the system: as a child process that is left to itself, or to its end while the event pump
+// runs.
 #pragma once
+
+#include <sys/types.h>
 
 #include <chrono>
 #include <functional>
@@ -8,8 +11,21 @@
 
 #include "platform/clock.h"
 #include "platform/events.h"
+#include "platform/linux/descriptor.h"
 
 namespace korvane {
+
+/// Starts the program named by the first word, which is searched in PATH when it has no slash. The new process gets nothing of
+/// this one but its folder and environment: it leads a session of its own, with the default signals and no open files but
+/// /dev/null as its input, and `output`, else /dev/null, for what it says. The caller must reap it. Returns the error number, 0
+/// when it runs as `pid`.
+int Spawn(std::vector<std::string> words, pid_t& pid, const Descriptor& output = {});
+
+/// Does the same and returns the process. Throws Error: "<program>: <reason>".
+pid_t StartProgram(const std::vector<std::string>& words, const Descriptor& output = {});
+
+/// Returns a descriptor that is readable when the process has ended; empty if the kernel is older than 5.3 or forbids it.
+Descriptor OpenProcess(pid_t pid);
 
 struct ProgramResult {
     int status = 0;      ///< its exit status; 128 plus the signal number when a signal ended it
@@ -20,8 +36,7 @@ struct ProgramResult {
 /// that it started.
 using RunProgram = std::function<ProgramResult(const std::vector<std::string>& words, std::chrono::milliseconds limit)>;
 
-/// Returns a function that runs real programs, which are searched in PATH when the first word has no slash. They have no input.
-/// The event pump runs meanwhile. Both arguments must outlive the function.
+/// Returns a function that runs real programs. The event pump runs meanwhile. Both arguments must outlive the function.
 RunProgram ProgramRunner(Events& events, const Clock& clock);
 
 }  // namespace korvane

@@ -1,10 +1,13 @@
 #include "platform/linux/systemd_manager.h"
 
 #include <pwd.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <utility>
@@ -12,6 +15,7 @@
 #include "base/error.h"
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "platform/linux/descriptor.h"
 
 namespace korvane {
 namespace {
@@ -75,15 +79,13 @@ SystemdPlace SystemdPlaceOfThisUser(const Environment& environment) {
                 .signsOfManager = {"/run/systemd/system"},
                 .lingerFile = ""};
     }
-    const std::string home = environment("HOME");
     const std::string runtime = Or(environment("XDG_RUNTIME_DIR"), "/run/user/" + std::to_string(::getuid()));
-    return {
-        .scope = UnitScope::User,
-        .unitFolder = Or(environment("XDG_CONFIG_HOME"), home + "/.config") + "/systemd/user",
-        .otherFolders = {Or(environment("XDG_DATA_HOME"), home + "/.local/share") + "/systemd/user", runtime + "/systemd/user",
-                         "/etc/systemd/user", "/run/systemd/user", "/usr/local/lib/systemd/user", "/usr/lib/systemd/user"},
-        .signsOfManager = {"/run/systemd/system", runtime + "/systemd/private"},
-        .lingerFile = "/var/lib/systemd/linger/" + NameOfUser(::getuid())};
+    return {.scope = UnitScope::User,
+            .unitFolder = ConfigHome(environment) + "/systemd/user",
+            .otherFolders = {DataHome(environment) + "/systemd/user", runtime + "/systemd/user", "/etc/systemd/user",
+                             "/run/systemd/user", "/usr/local/lib/systemd/user", "/usr/lib/systemd/user"},
+            .signsOfManager = {"/run/systemd/system", runtime + "/systemd/private"},
+            .lingerFile = "/var/lib/systemd/linger/" + NameOfUser(::getuid())};
 }
 
 SystemdGreeting::SystemdGreeting(const Environment& environment, int pid) {
@@ -92,10 +94,10 @@ SystemdGreeting::SystemdGreeting(const Environment& environment, int pid) {
         return addressee.empty() || addressee == std::to_string(pid);
     };
     if (!speaksToThis("SYSTEMD_EXEC_PID")) return;
-    notifyAddress_ = environment("NOTIFY_SOCKET");
+    notifyAddress = environment("NOTIFY_SOCKET");
     const std::chrono::microseconds limit(std::strtoll(environment("WATCHDOG_USEC").c_str(), nullptr, 10));
-    if (notifyAddress_.empty() || limit <= 0us || !speaksToThis("WATCHDOG_PID")) return;
-    aliveInterval_ = std::max(1ms, std::chrono::duration_cast<std::chrono::milliseconds>(limit / 2));
+    if (notifyAddress.empty() || limit <= 0us || !speaksToThis("WATCHDOG_PID")) return;
+    aliveInterval = std::max(1ms, std::chrono::duration_cast<std::chrono::milliseconds>(limit / 2));
 }
 
 void KeepGreetingFromChildren() {
@@ -104,17 +106,32 @@ void KeepGreetingFromChildren() {
 }
 
 SystemdManager::SystemdManager(Ports ports, SystemdPlace place, const SystemdGreeting& greeting)
-    : ports_(std::move(ports)), place_(std::move(place)), greeting_(greeting), notify_(greeting.NotifyAddress()) {}
+    : ports_(std::move(ports)), place_(std::move(place)), greeting_(greeting) {}
 
 bool SystemdManager::IsPresent() const {
     return std::all_of(place_.signsOfManager.begin(), place_.signsOfManager.end(), IsThere);
+}
+
+// The form is that of sd_notify(3), which itself would need the variables of the greeting. The address is a path, or "@" and a name
+// in the abstract namespace. A missing or busy listener is not an error.
+void SystemdManager::Notify(const std::string& line) const {
+    const std::string& address = greeting_.notifyAddress;
+    sockaddr_un to{};
+    to.sun_family = AF_UNIX;
+    if (address.size() < 2 || address.size() >= sizeof to.sun_path) return;
+    std::copy(address.begin(), address.end(), to.sun_path);
+    if (to.sun_path[0] == '@') to.sun_path[0] = '\0';
+    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + address.size());
+    const Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!socket) return;
+    ::sendto(socket.Number(), line.data(), line.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&to), size);
 }
 
 void SystemdManager::Status(const std::string& text) {
     std::string line = text;
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
-    notify_.Send("STATUS=" + line);
+    Notify("STATUS=" + line);
 }
 
 ProgramResult SystemdManager::Ask(std::vector<std::string> words, std::chrono::milliseconds limit) {

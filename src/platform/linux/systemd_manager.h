@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/linux/default_program.h"
-#include "platform/linux/notify_socket.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/program_runner.h"
 #include "platform/linux/systemd_unit.h"
 #include "platform/service_manager.h"
@@ -29,18 +28,12 @@ struct SystemdPlace {
 SystemdPlace SystemdPlaceOfThisUser(const Environment& environment);
 
 /// What the manager passed to this process at its start, in the variables of sd_notify(3) and sd_watchdog_enabled(3).
-class SystemdGreeting {
-public:
+struct SystemdGreeting {
     /// `pid` is this process. Variables inherited from a parent and meant for that parent are ignored.
     SystemdGreeting(const Environment& environment, int pid);
 
-    /// Returns the address of the manager's socket, empty when the manager did not start this process.
-    const std::string& NotifyAddress() const { return notifyAddress_; }
-    std::optional<std::chrono::milliseconds> AliveInterval() const { return aliveInterval_; }
-
-private:
-    std::string notifyAddress_;
-    std::optional<std::chrono::milliseconds> aliveInterval_;
+    std::string notifyAddress;  ///< the manager's socket; empty when the manager did not start this process
+    std::optional<std::chrono::milliseconds> aliveInterval;
 };
 
 /// Removes the greeting from this process's environment, so that child processes do not take it for theirs. Must be called before
@@ -58,11 +51,11 @@ public:
 
     bool IsPresent() const override;
 
-    bool StartedThis() const override { return !greeting_.NotifyAddress().empty(); }
-    void Ready() override { notify_.Send("READY=1"); }
-    std::optional<std::chrono::milliseconds> AliveInterval() const override { return greeting_.AliveInterval(); }
-    void Alive() override { notify_.Send("WATCHDOG=1"); }
-    void Stopping() override { notify_.Send("STOPPING=1"); }
+    bool StartedThis() const override { return !greeting_.notifyAddress.empty(); }
+    void Ready() override { Notify("READY=1"); }
+    std::optional<std::chrono::milliseconds> AliveInterval() const override { return greeting_.aliveInterval; }
+    void Alive() override { Notify("WATCHDOG=1"); }
+    void Stopping() override { Notify("STOPPING=1"); }
     void Status(const std::string& text) override;
 
     bool IsShuttingDown() override;
@@ -73,6 +66,7 @@ public:
     ManagerAnswer Start(const std::string& name) override;
 
 private:
+    void Notify(const std::string& line) const;
     std::string PathOf(const std::string& unit) const { return place_.unitFolder + "/" + unit; }
     std::string OwnUnitText(const std::string& unit);
     bool IsEnabled(const std::string& unit);
@@ -86,7 +80,6 @@ private:
     Ports ports_;
     SystemdPlace place_;
     SystemdGreeting greeting_;
-    NotifySocket notify_;
 };
 
 }  // namespace korvane

@@ -1,13 +1,11 @@
 #include "platform/linux/systemd_unit.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
 #include "base/error.h"
 #include "base/text.h"
-#include "platform/linux/unit_template.h"
 
 namespace korvane {
 namespace {

@@ -12,6 +12,9 @@ namespace korvane {
 /// The manager that keeps the service running.
 enum class UnitScope { System, User };
 
+/// The text of data/korvane.service.in, which the build embeds in the program; packages make their unit from the same file.
+extern const std::string_view kUnitTemplate;
+
 /// Returns "Korvane.service" for "Korvane"; characters that a unit name cannot contain are written as "\xNN". Throws Error for an
 /// empty or too long name.
 std::string UnitName(const std::string& name);

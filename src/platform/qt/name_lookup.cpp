@@ -10,7 +10,7 @@
 #include <QList>
 #include <QSocketNotifier>
 #include <cstring>
-#include <mutex>
+#include <future>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -46,20 +46,8 @@ struct NameLookup::Answer {
     Answer(const Answer&) = delete;
     Answer& operator=(const Answer&) = delete;
 
-    void Tell(QList<QHostAddress> found) {
-        const std::lock_guard lock(mutex);
-        addresses = std::move(found);
-        ::eventfd_write(ready, 1);
-    }
-
-    QList<QHostAddress> Take() {
-        const std::lock_guard lock(mutex);
-        return std::move(addresses);
-    }
-
     const int ready;
-    std::mutex mutex;
-    QList<QHostAddress> addresses;
+    std::promise<QList<QHostAddress>> addresses;
 };
 
 NameLookup::NameLookup(const std::string& name, Found found)
@@ -68,7 +56,10 @@ NameLookup::NameLookup(const std::string& name, Found found)
       arrived_(std::make_unique<QSocketNotifier>(answer_->ready, QSocketNotifier::Read)) {
     QObject::connect(arrived_.get(), &QSocketNotifier::activated, arrived_.get(), [this] { OnAnswer(); });
     try {
-        std::thread([answer = answer_, name] { answer->Tell(AddressesOf(name)); }).detach();
+        std::thread([answer = answer_, name] {
+            answer->addresses.set_value(AddressesOf(name));
+            ::eventfd_write(answer->ready, 1);
+        }).detach();
     } catch (const std::system_error& error) {
         throw Error(error.what());
     }
@@ -79,7 +70,7 @@ NameLookup::~NameLookup() = default;
 void NameLookup::OnAnswer() {
     arrived_->setEnabled(false);
     const Found found = std::move(found_);  // it may destroy this object
-    found(answer_->Take());
+    found(answer_->addresses.get_future().get());
 }
 
 }  // namespace korvane

@@ -1,19 +1,25 @@
 #include "platform/qt/qt_events.h"
 
-#include <QBasicTimer>
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QObject>
 #include <QSocketNotifier>
+#include <QString>
+#include <QTimer>
+#include <algorithm>
+#include <limits>
 #include <thread>
 #include <utility>
-
-#include "platform/qt/qt_interval.h"
 
 namespace korvane {
 namespace {
 
+using namespace std::chrono_literals;
 using std::chrono::milliseconds;
+
+// Qt stores intervals in an int: anything longer than 24 days becomes 24 days.
+int QtInterval(milliseconds interval) {
+    return static_cast<int>(std::clamp<milliseconds::rep>(interval.count(), 0, std::numeric_limits<int>::max()));
+}
 
 class NotifierWatch : public Events::Watch {
 public:
@@ -25,23 +31,30 @@ private:
     QSocketNotifier notifier_;
 };
 
-}  // namespace
-
-// Its only event ends a wait and does nothing else. One timer is enough for nested waits: the outer wait ends with the event in
-// which the inner one ran, even if the inner wait replaced its limit.
-class QtEvents::LimitTimer : public QObject {
+class QtTimer : public Timer {
 public:
-    void Start(milliseconds limit) { timer_.start(QtInterval(limit), Qt::PreciseTimer, this); }
-    void Stop() { timer_.stop(); }
+    explicit QtTimer(const std::string& name) {
+        timer_.setObjectName(QString::fromStdString(name));
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { Fire(); });
+    }
 
 protected:
-    void timerEvent(QTimerEvent* /*event*/) override { timer_.stop(); }
+    void Arm(milliseconds interval) override {
+        timer_.setTimerType(interval >= 1s ? Qt::CoarseTimer : Qt::PreciseTimer);
+        timer_.start(QtInterval(interval));
+    }
+    void Disarm() override { timer_.stop(); }
 
 private:
-    QBasicTimer timer_;
+    QTimer timer_;
 };
 
-QtEvents::QtEvents() : limit_(std::make_unique<LimitTimer>()) {}
+}  // namespace
+
+QtEvents::QtEvents() : limit_(std::make_unique<QTimer>()) {
+    limit_->setSingleShot(true);
+    limit_->setTimerType(Qt::PreciseTimer);
+}
 
 QtEvents::~QtEvents() = default;
 
@@ -51,11 +64,10 @@ void QtEvents::DoEvents() {
 
 void QtEvents::WaitForEvent(milliseconds limit) {
     if (limit <= milliseconds::zero()) return DoEvents();
-    limit_->Start(limit);
+    limit_->start(QtInterval(limit));
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    limit_->Stop();
-    QCoreApplication::processEvents(
-        QEventLoop::AllEvents);  // events from other threads and from the desktop have only woken the loop so far
+    limit_->stop();
+    DoEvents();  // events from other threads and from the desktop have only woken the loop so far
 }
 
 void QtEvents::Sleep(milliseconds time) {
@@ -64,6 +76,10 @@ void QtEvents::Sleep(milliseconds time) {
 
 std::unique_ptr<Events::Watch> QtEvents::WatchReadable(int descriptor, std::function<void()> readable) {
     return std::make_unique<NotifierWatch>(descriptor, std::move(readable));
+}
+
+std::unique_ptr<Timer> QtTimers::NewTimer(const std::string& name) {
+    return std::make_unique<QtTimer>(name);
 }
 
 }  // namespace korvane

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_tcp_socket.h"
 
+#include <sys/socket.h>
+
 #include <QHostAddress>
 #include <QHostInfo>
 #include <QList>
@@ -8,18 +10,21 @@
 #include <QNetworkProxy>
 #include <QObject>
 #include <QTcpSocket>
+#include <QTimer>
 #include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "base/error.h"
 #include "platform/qt/name_lookup.h"
-#include "platform/qt/tcp_farewell.h"
 
 namespace korvane {
 namespace {
 
 constexpr qint64 kReadAhead = 65536;
+
+/// Limit for what the other side may still send after the end was announced.
+constexpr qint64 kMostDropped = 1'000'000;
 
 /// Limit for the connections of one socket, including those that are ending.
 constexpr std::size_t kMostConnections = 8;
@@ -59,9 +64,67 @@ std::string PlainAddress(const QHostAddress& address) {
     return (isV4 ? QHostAddress(v4) : address).toString().toStdString();
 }
 
+void RequirePort(std::int32_t port, std::int32_t lowest) {
+    if (port < lowest || port > 65535) throw Error("Invalid port number: " + std::to_string(port));
+}
+
 struct Failure {
     int number;
     std::string description;
+};
+
+// The orderly end of a TCP connection (RFC 9293, section 3.6), while its former user goes on. First sends what was written, then
+// announces the end. Data from the other side is discarded until it ends its side too: closing over unread bytes would be a reset,
+// which may cost the other side data that it has not read yet. A connection that takes longer than the limit, or receives too
+// much, is cut off.
+class Farewell {
+public:
+    // The caller must disconnect its own slots from the socket, which must outlive this.
+    Farewell(QTcpSocket& socket, std::chrono::milliseconds limit) : socket_(socket) {
+        limit_.setSingleShot(true);
+        limit_.setInterval(limit);
+        limit_.callOnTimeout([this] { CutOff(); });
+    }
+
+    bool Going() const { return going_; }
+
+    void Begin() {
+        going_ = true;
+        dropped_ = 0;
+        limit_.start();
+        QObject::connect(&socket_, &QTcpSocket::bytesWritten, &limit_, [this] { EndSending(); });
+        QObject::connect(&socket_, &QTcpSocket::readyRead, &limit_, [this] { DropArrived(); });
+        QObject::connect(&socket_, &QTcpSocket::disconnected, &limit_, [this] { CutOff(); });
+        socket_.flush();
+        if (!going_) return;  // the connection was broken
+        EndSending();
+        DropArrived();
+    }
+
+    // Resets a connection that has not ended yet, so that the system does not keep its bytes either.
+    void CutOff() {
+        if (!std::exchange(going_, false)) return;
+        limit_.stop();
+        socket_.disconnect(&limit_);
+        const linger reset{1, 0};
+        ::setsockopt(static_cast<int>(socket_.socketDescriptor()), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+        socket_.abort();
+    }
+
+private:
+    void EndSending() {
+        if (socket_.bytesToWrite() == 0) ::shutdown(static_cast<int>(socket_.socketDescriptor()), SHUT_WR);
+    }
+
+    void DropArrived() {
+        dropped_ += socket_.readAll().size();
+        if (dropped_ > kMostDropped) CutOff();
+    }
+
+    QTcpSocket& socket_;
+    QTimer limit_;  ///< also receives the signals
+    qint64 dropped_ = 0;
+    bool going_ = false;
 };
 
 }  // namespace
@@ -76,8 +139,14 @@ public:
 
     SocketState State() const { return state_; }
 
-    void ConnectToAddress(const QHostAddress& address) {
+    void Connect(const std::string& host) {
         Listen();
+        QHostAddress address;
+        if (!address.setAddress(QString::fromStdString(host))) {
+            lookup_.emplace(host, [this](const QList<QHostAddress>& addresses) { OnFound(addresses); });
+            state_ = SocketState::ResolvingHost;
+            return;
+        }
         state_ = SocketState::Connecting;
         addresses_ = {address};
         const std::optional<Failure> failure = TryAddresses();
@@ -89,24 +158,14 @@ public:
         InNextTurn([this, failure = *failure] { Fail(failure); });
     }
 
-    void ConnectToName(const std::string& name) {
-        Listen();
-        lookup_.emplace(name, [this](const QList<QHostAddress>& addresses) { OnFound(addresses); });
-        state_ = SocketState::ResolvingHost;
-    }
-
     void Send(std::string_view bytes) { socket_.write(bytes.data(), static_cast<qint64>(bytes.size())); }
 
-    std::string Peek(std::size_t maxLength) {
-        std::string arrived = RoomForArrived(maxLength);
-        if (!arrived.empty()) socket_.peek(arrived.data(), static_cast<qint64>(arrived.size()));
-        return arrived;
-    }
-
-    std::string Take(std::size_t maxLength) {
-        std::string arrived = RoomForArrived(maxLength);
-        if (!arrived.empty()) socket_.read(arrived.data(), static_cast<qint64>(arrived.size()));
-        return arrived;
+    /// Removes the bytes only if `taken`.
+    std::string Arrived(std::size_t maxLength, bool taken) {
+        std::string bytes(std::min(maxLength, static_cast<std::size_t>(socket_.bytesAvailable())), '\0');
+        const auto size = static_cast<qint64>(bytes.size());
+        if (size > 0) taken ? socket_.read(bytes.data(), size) : socket_.peek(bytes.data(), size);
+        return bytes;
     }
 
     QHostAddress LocalAddress() const { return socket_.localAddress(); }
@@ -133,10 +192,6 @@ private:
         connect(&socket_, &QTcpSocket::readyRead, this, &Connection::OnReadyRead);
         connect(&socket_, &QTcpSocket::disconnected, this, &Connection::OnDisconnected);
         connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::OnError);
-    }
-
-    std::string RoomForArrived(std::size_t maxLength) const {
-        return std::string(std::min(maxLength, static_cast<std::size_t>(socket_.bytesAvailable())), '\0');
     }
 
     template <class Action>
@@ -224,7 +279,7 @@ private:
 
     const QtTcpSocket& owner_;
     QTcpSocket socket_;
-    TcpFarewell farewell_;
+    Farewell farewell_;
     std::optional<NameLookup> lookup_;
     QList<QHostAddress> addresses_;  ///< addresses of the name, not yet tried
     SocketState state_ = SocketState::Closed;
@@ -241,46 +296,23 @@ QtTcpSocket::~QtTcpSocket() {
     Current().Close();
 }
 
-QtTcpSocket::Connection& QtTcpSocket::Current() const {
-    return *connections_.front();
-}
-
 SocketState QtTcpSocket::State() const {
     return Current().State();
 }
 
-void QtTcpSocket::SetProtocol(SocketProtocol /*protocol*/) {}
-
-void QtTcpSocket::SetRemoteHost(std::string host) {
-    remoteHost_ = std::move(host);
-}
-
-std::string QtTcpSocket::RemoteHost() const {
-    return remoteHost_;
-}
-
 void QtTcpSocket::SetRemotePort(std::int32_t port) {
-    if (port < 1 || port > 65535) throw Error("Invalid port number: " + std::to_string(port));
+    RequirePort(port, 1);
     remotePort_ = port;
 }
 
-std::int32_t QtTcpSocket::RemotePort() const {
-    return remotePort_;
-}
-
 void QtTcpSocket::SetLocalPort(std::int32_t port) {
-    if (port < 0 || port > 65535) throw Error("Invalid port number: " + std::to_string(port));
+    RequirePort(port, 0);
     localPort_ = port;
 }
 
 void QtTcpSocket::Connect() {
     if (State() != SocketState::Closed) throw Error("The socket is not closed", kAlreadyOpen);
-    QHostAddress address;
-    if (address.setAddress(QString::fromStdString(remoteHost_))) {
-        Current().ConnectToAddress(address);
-    } else {
-        Current().ConnectToName(remoteHost_);
-    }
+    Current().Connect(remoteHost_);
 }
 
 void QtTcpSocket::SendData(std::string_view bytes) {
@@ -289,11 +321,11 @@ void QtTcpSocket::SendData(std::string_view bytes) {
 }
 
 std::string QtTcpSocket::PeekData(std::size_t maxLength) const {
-    return Current().Peek(maxLength);
+    return Current().Arrived(maxLength, false);
 }
 
 std::string QtTcpSocket::GetData(std::size_t maxLength) {
-    return Current().Take(maxLength);
+    return Current().Arrived(maxLength, true);
 }
 
 std::string QtTcpSocket::LocalIP() const {

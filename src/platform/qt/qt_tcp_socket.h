@@ -22,11 +22,11 @@ public:
     ~QtTcpSocket() override;
 
     SocketState State() const override;
-    void SetProtocol(SocketProtocol protocol) override;
-    void SetRemoteHost(std::string host) override;
-    std::string RemoteHost() const override;
+    void SetProtocol(SocketProtocol /*protocol*/) override {}
+    void SetRemoteHost(std::string host) override { remoteHost_ = std::move(host); }
+    std::string RemoteHost() const override { return remoteHost_; }
     void SetRemotePort(std::int32_t port) override;
-    std::int32_t RemotePort() const override;
+    std::int32_t RemotePort() const override { return remotePort_; }
     void SetLocalPort(std::int32_t port) override;
     using TcpSocket::Connect;
     void Connect() override;
@@ -39,7 +39,7 @@ public:
 
 private:
     class Connection;
-    Connection& Current() const;
+    Connection& Current() const { return *connections_.front(); }
     void LeaveToEnd();
 
     std::chrono::milliseconds farewellLimit_;

@@ -1,26 +1,34 @@
-// The columns of a table or of a query's result, by case-insensitive name.
+// The columns of a table or of a query's result, by case-insensitive name, and the conversion of their values to and from the
+// file.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "base/error.h"
 #include "platform/qt/sql_store.h"
 
+class QSqlQuery;
 class QSqlRecord;
+class QVariant;
 
 namespace korvane {
 
 struct SqlColumn {
     std::string name;
-    std::optional<ColumnKind> kind;  ///< nothing if the kind depends on each value
+    std::optional<ColumnKind> kind;  ///< nothing for an unknown column: its kind depends on each value
+
+    /// Returns what the column stores for a value. Throws TypeMismatchError and OverflowError.
+    Value ForFile(const Value& value) const;
+
+    /// Converts a stored value to the kind of the column. A stored value that does not fit the kind, which only another program
+    /// can have written, is returned as text, so that the conversion fails where the value is needed.
+    Value FromFile(const QVariant& stored) const;
 };
 
-/// For a column that does not exist in `where`.
-Error NoSuchColumnError(std::string_view name, const std::string& where);
+/// Returns the value in the driver's form.
+QVariant ToBind(const Value& value);
 
 class SqlColumns {
 public:
@@ -31,23 +39,16 @@ public:
     const SqlColumn& operator[](std::size_t column) const { return columns_[column]; }
     std::size_t Size() const { return columns_.size(); }
 
+    /// Returns the values of these columns in the current row of a query.
+    std::vector<QVariant> ValuesIn(const QSqlQuery& query) const;
+
     /// Returns all names as a select list. Names instead of "*": if a column disappears while the file is open, a query fails
     /// instead of shifting the others.
     const std::string& List() const { return list_; }
 
 private:
-    struct HashNoCase {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view name) const;
-    };
-    struct EqualNoCase {
-        using is_transparent = void;
-        bool operator()(std::string_view a, std::string_view b) const;
-    };
-
     std::vector<SqlColumn> columns_;
     std::string list_;
-    std::unordered_map<std::string, std::size_t, HashNoCase, EqualNoCase> byName_;
 };
 
 }  // namespace korvane

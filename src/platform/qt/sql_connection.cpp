@@ -15,24 +15,13 @@ void QtSqlConnection::Open() {
     if (!session_) session_ = std::make_shared<SqlSession>(path, state_->busyTimeout, state_->kindOf);
 }
 
-void QtSqlConnection::BeginTrans() {
+SqlSession& QtSqlConnection::Opened() const {
     if (!session_) throw Error("The connection is not open.");
-    session_->Begin();
-}
-
-void QtSqlConnection::CommitTrans() {
-    if (!session_) throw Error("The connection is not open.");
-    session_->Commit();
+    return *session_;
 }
 
 void QtSqlConnection::Execute(std::string_view statement) {
-    if (!session_) throw Error("The connection is not open.");
-    session_->Change(std::string(statement), {});
-}
-
-void QtSqlConnection::TryWriting() {
-    if (!session_) throw Error("The connection is not open.");
-    session_->TryWriting();
+    Opened().Change(std::string(statement), {});
 }
 
 // Opening a file and reading its schema costs more than most of the work that follows.

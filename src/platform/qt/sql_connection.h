@@ -2,12 +2,46 @@
 // is busy.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <set>
+#include <string>
+#include <tuple>
 
 #include "platform/qt/sql_session.h"
-#include "platform/qt/sql_state.h"
 
 namespace korvane {
+
+/// Identifies a row of a file within this program: path, table in lower case, ID.
+using SqlRowName = std::tuple<std::string, std::string, std::int64_t>;
+
+/// Shared by the objects of one store, which keep it alive.
+struct SqlStoreState {
+    ColumnKindOf kindOf;
+    std::chrono::milliseconds busyTimeout;
+
+    /// The file of the latest piece of work, still open for the next one; nothing after Rest.
+    std::shared_ptr<SqlSession> kept = nullptr;
+
+    std::set<SqlRowName> lockedRows = {};
+};
+
+/// Locks one row as long as it lives.
+class SqlRowLock {
+public:
+    /// Throws Error when another object has locked the row.
+    SqlRowLock(std::shared_ptr<SqlStoreState> state, SqlRowName row) : state_(std::move(state)), row_(std::move(row)) {
+        if (!state_->lockedRows.insert(row_).second) throw Error("Could not update; currently locked.");
+    }
+    ~SqlRowLock() { state_->lockedRows.erase(row_); }
+    SqlRowLock(const SqlRowLock&) = delete;
+    SqlRowLock& operator=(const SqlRowLock&) = delete;
+
+private:
+    std::shared_ptr<SqlStoreState> state_;
+    SqlRowName row_;
+};
 
 class QtSqlConnection : public Connection {
 public:
@@ -16,15 +50,16 @@ public:
 
     void Open() override;
     void Close() override;
-    void BeginTrans() override;
-    void CommitTrans() override;
+    void BeginTrans() override { Opened().Begin(); }
+    void CommitTrans() override { Opened().Commit(); }
     void Execute(std::string_view statement) override;
-    void TryWriting() override;
+    void TryWriting() override { Opened().TryWriting(); }
 
-    /// Returns nothing while it is closed.
+    /// Returns null while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }
 
 private:
+    SqlSession& Opened() const;
     std::shared_ptr<SqlSession> TakeKept(const std::string& path);
 
     std::shared_ptr<SqlStoreState> state_;

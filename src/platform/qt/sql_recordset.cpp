@@ -4,7 +4,6 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "platform/qt/sql_values.h"
 
 namespace korvane {
 
@@ -12,28 +11,12 @@ void QtSqlRecordset::Open(std::string_view source, Connection& connection, Curso
     if (rows_) throw Error("The recordset is already open.");
     const auto* open = dynamic_cast<QtSqlConnection*>(&connection);
     if (open == nullptr || !open->Session()) throw Error("The connection is not open.");
-    SelectText select = ParseSelect(WithStoredDates(source));
+    SelectText select = ParseSelect(source);
     if (!ToLower(select.query).starts_with("select ")) throw Error("A recordset is opened on a SELECT query.");
-    session_ = open->Session();
+    rows_ = std::make_unique<SqlRows>(open->Session(), std::move(select), cursor);
     lockType_ = lock;
-    try {
-        // Otherwise an index would return its own order.
-        if (select.LacksOrder()) select.OrderBy(session_->KeyOf(select.table));
-        if (select.IsOneTable()) table_.emplace(session_, select.table);
-        if (table_ && cursor == CursorType::Keyset) {
-            rows_ = std::make_unique<KeysetRows>(*session_, select, *table_);
-            columns_ = table_->Columns();
-        } else {
-            auto copies = std::make_unique<StaticRows>(*session_, select);
-            columns_ = copies->Columns();
-            rows_ = std::move(copies);
-        }
-        count_ = rows_->Count();
-        Advance();
-    } catch (...) {
-        Close();
-        throw;
-    }
+    count_ = static_cast<int>(rows_->Count());
+    Advance();
 }
 
 int QtSqlRecordset::RecordCount() const {
@@ -49,17 +32,16 @@ bool QtSqlRecordset::Eof() const {
 void QtSqlRecordset::MoveNext() {
     if (Eof()) throw Error("There is no current row.");
     Update();
-    const bool wasLast = isAdded_;
     Leave();
-    if (!wasLast) Advance();
+    Advance();
 }
 
 void QtSqlRecordset::AddNew() {
     RequireTable();
     Update();
     Leave();
+    rows_->GoToEnd();
     row_ = Row::New;
-    isAdded_ = true;
 }
 
 void QtSqlRecordset::Update() {
@@ -70,16 +52,15 @@ void QtSqlRecordset::Update() {
     const bool givesId = id != nullptr && id->pending && !id->value.IsBlank();
     if (row_ == Row::New) {
         const std::int64_t inserted = table.Insert(changes_);
-        ownKey_ = givesId ? id->value.Int64() : inserted;
+        rows_->Append(givesId ? id->value.Int64() : inserted);
         row_ = Row::Stored;
         ++count_;
     } else {
-        table.Update(Key(), changes_);
-        if (givesId) ownKey_ = id->value.Int64();
+        table.Update(rows_->Key(), changes_);
+        rows_->Changed(givesId ? id->value.Int64() : rows_->Key());
     }
     for (SqlChange& change : changes_)
         change.pending = false;
-    table.Forget();
     if (givesId && rowLock_) LockRow();
 }
 
@@ -87,36 +68,30 @@ void QtSqlRecordset::Delete() {
     SqlTable& table = RequireTable();
     RequireRow();
     if (row_ == Row::Stored) {
-        table.Delete(Key());
+        table.Delete(rows_->Key());
         --count_;
     }
-    changes_.clear();
-    rowLock_.reset();
+    Leave();
     row_ = Row::Deleted;
 }
 
 void QtSqlRecordset::Close() {
     Leave();
     rows_.reset();
-    table_.reset();
-    columns_.reset();
-    session_.reset();
 }
 
 Value QtSqlRecordset::Read(std::string_view name) {
     RequireRow();
     const std::size_t column = Find(name);
-    if (const SqlChange* change = FindChange((*columns_)[column].name)) return change->value;
-    if (row_ == Row::New) return table_->Default(column);
-    return ownKey_ ? table_->Read({&*ownKey_, 1}, column) : rows_->Read(column);
+    if (const SqlChange* change = FindChange(rows_->Columns()[column].name)) return change->value;
+    return row_ == Row::New ? rows_->Table()->Default(column) : rows_->Read(column);
 }
 
 void QtSqlRecordset::Write(std::string_view name, const korvane::Value& value) {
     RequireRow();
     RequireTable();
-    const std::size_t place = Find(name);
-    const SqlColumn& column = (*columns_)[place];
-    korvane::Value stored = ForColumn(value, column.kind);
+    const SqlColumn& column = rows_->Columns()[Find(name)];
+    korvane::Value stored = column.ForFile(value);
     if (lockType_ == LockType::Pessimistic && row_ == Row::Stored && !rowLock_) LockRow();
     SqlChange* change = FindChange(column.name);
     if (change == nullptr) change = &changes_.emplace_back(SqlChange{column.name, {}});
@@ -136,17 +111,16 @@ void QtSqlRecordset::RequireRow() const {
 
 SqlTable& QtSqlRecordset::RequireTable() {
     RequireOpen();
-    if (!table_) throw Error("The rows of this query cannot be changed: it is not of one table.");
-    return *table_;
+    if (rows_->Table() == nullptr) throw Error("The rows of this query cannot be changed: it is not of one table.");
+    return *rows_->Table();
 }
 
 std::size_t QtSqlRecordset::Find(std::string_view name) const {
-    const auto found = columns_->Find(name);
-    if (!found) {
-        session_->Distrust();  // the column may be newer than the open file: the next piece of work checks
-        throw NoSuchColumnError(name, table_ ? table_->Name() : "the rows of the query");
-    }
-    return *found;
+    if (const auto found = rows_->Columns().Find(name)) return *found;
+    rows_->Session().Distrust();  // the column may be newer than the open file: the next piece of work checks
+    const std::string where = rows_->Table() != nullptr ? rows_->Table()->Name() : "the rows of the query";
+    throw Error("Item cannot be found in the collection corresponding to the requested name or ordinal: '" + std::string(name) +
+                "' in " + where + ".");
 }
 
 SqlChange* QtSqlRecordset::FindChange(std::string_view column) {
@@ -161,15 +135,13 @@ void QtSqlRecordset::Advance() {
 
 void QtSqlRecordset::Leave() {
     row_ = Row::None;
-    isAdded_ = false;
-    ownKey_.reset();
     changes_.clear();
     rowLock_.reset();
 }
 
 void QtSqlRecordset::LockRow() {
     rowLock_.reset();
-    rowLock_.emplace(state_, SqlRowName(session_->Path(), ToLower(table_->Name()), Key()));
+    rowLock_.emplace(state_, SqlRowName(rows_->Session().Path(), ToLower(rows_->Table()->Name()), rows_->Key()));
 }
 
 }  // namespace korvane

@@ -1,15 +1,11 @@
 // The Recordset over an SQLite file: which row is the current one, and its pending changes.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "platform/qt/sql_connection.h"
-#include "platform/qt/sql_rows.h"
-#include "platform/qt/sql_state.h"
 #include "platform/qt/sql_table.h"
 
 namespace korvane {
@@ -41,23 +37,17 @@ private:
 
     std::size_t Find(std::string_view name) const;
     SqlChange* FindChange(std::string_view column);
-    std::int64_t Key() const { return ownKey_ ? *ownKey_ : rows_->Key(); }
 
     void Advance();
     void Leave();
     void LockRow();
 
     const std::shared_ptr<SqlStoreState> state_;
-    std::shared_ptr<SqlSession> session_;
-    std::optional<SqlTable> table_;  // nothing when the rows cannot be changed
-    std::shared_ptr<const SqlColumns> columns_;
-    std::unique_ptr<SqlRows> rows_;  // nothing while this is closed
+    std::unique_ptr<SqlRows> rows_;  // null while this is closed
     LockType lockType_ = LockType::Optimistic;
     int count_ = 0;
 
     Row row_ = Row::None;
-    bool isAdded_ = false;                // the current row came from AddNew: it is the last one
-    std::optional<std::int64_t> ownKey_;  // of a row that was added, or whose ID was changed
     std::vector<SqlChange> changes_;
     std::optional<SqlRowLock> rowLock_;
 };

@@ -102,32 +102,38 @@ SqlSession::FileLook SqlSession::Look() const {
     return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-QSqlQuery SqlSession::Select(const std::string& sql) {
+QSqlQuery SqlSession::Prepare(const std::string& sql) {
     RequireOpen();
     QSqlQuery query(driver_->database);
     query.setForwardOnly(true);
-    if (!query.exec(QString::fromStdString(sql))) Fail(query.lastError());
+    if (!query.prepare(QString::fromStdString(sql))) Fail(query.lastError());
+    return query;
+}
+
+void SqlSession::Run(QSqlQuery& query, const SqlBound& values) {
+    for (qsizetype i = 0; i < values.size(); ++i)
+        query.bindValue(static_cast<int>(i), values[i]);
+    if (!query.exec()) Fail(query.lastError());
+}
+
+QSqlQuery SqlSession::Select(const std::string& sql) {
+    return Select(sql, {});
+}
+
+QSqlQuery SqlSession::Select(const std::string& sql, const SqlBound& values) {
+    QSqlQuery query = Prepare(sql);
+    Run(query, values);
     return query;
 }
 
 QSqlQuery& SqlSession::SelectPrepared(const std::string& sql, const SqlBound& values) {
-    QSqlQuery& query = Prepare(sql, values);
-    if (!query.exec()) Fail(query.lastError());
-    return query;
-}
-
-QSqlQuery& SqlSession::Prepare(const std::string& sql, const SqlBound& values) {
     RequireOpen();
     auto found = driver_->statements.find(sql);
     if (found == driver_->statements.end()) {
         if (driver_->statements.size() >= kMostStatements) driver_->statements.clear();
-        QSqlQuery query(driver_->database);
-        query.setForwardOnly(true);
-        if (!query.prepare(QString::fromStdString(sql))) Fail(query.lastError());
-        found = driver_->statements.emplace(sql, std::move(query)).first;
+        found = driver_->statements.emplace(sql, Prepare(sql)).first;
     }
-    for (qsizetype i = 0; i < values.size(); ++i)
-        found->second.bindValue(static_cast<int>(i), values[i]);
+    Run(found->second, values);
     return found->second;
 }
 

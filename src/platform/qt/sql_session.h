@@ -49,9 +49,9 @@ public:
     /// Runs a query. It holds the file for reading until Next has returned false or it is destroyed, which should be soon. Throws
     /// Error.
     QSqlQuery Select(const std::string& sql);
-
-    /// The same with a value for each "?" in it, prepared once for many uses; the reference is valid until the next call. Finish
-    /// it after use.
+    /// The same with a value for each "?" in it.
+    QSqlQuery Select(const std::string& sql, const SqlBound& values);
+    /// The same, prepared once for many uses; the reference is valid until the next call. Finish it after use.
     QSqlQuery& SelectPrepared(const std::string& sql, const SqlBound& values);
 
     /// Returns whether there is another row. Throws Error like Select.
@@ -94,7 +94,8 @@ private:
     using FileLook = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
 
     FileLook Look() const;
-    QSqlQuery& Prepare(const std::string& sql, const SqlBound& values);
+    QSqlQuery Prepare(const std::string& sql);
+    void Run(QSqlQuery& query, const SqlBound& values);
     void RequireOpen() const;
     void PrepareForChanges();
     void RollBack();

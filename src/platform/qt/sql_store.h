@@ -14,8 +14,7 @@ namespace korvane {
 
 struct SqlStoreState;
 
-/// Returns the kind of a column, both names case-insensitive; nothing for an unknown column, whose kind then follows from its
-/// declared type, or else from each value.
+/// Returns the kind of a column, both names case-insensitive; nothing for an unknown column.
 using ColumnKindOf = std::function<std::optional<ColumnKind>(std::string_view table, std::string_view column)>;
 
 /// Makes connections and recordsets for one thread. They may outlive the store. The database file may be replaced whenever no

@@ -2,31 +2,36 @@
 
 #include <QtCore/QVariant>
 #include <QtSql/QSqlQuery>
-#include <algorithm>
-#include <unordered_map>
+#include <QtSql/QSqlRecord>
+#include <utility>
 
-#include "base/text.h"
-#include "platform/connection.h"
-#include "platform/qt/sql_text.h"
-#include "platform/qt/sql_values.h"
+#include "base/error.h"
 
 namespace korvane {
 namespace {
 
 constexpr std::size_t kRowsAhead = 64;
 
+constexpr const char* kRowWasDeleted = "The row was deleted since the query was opened.";
 constexpr const char* kRowIsGone =
     "Row cannot be located for updating. Some values may have been changed since it was last read.";
-constexpr const char* kRowWasDeleted = "The row was deleted since the query was opened.";
 
-// Returns "`a`=?,`b`=?" for a `behindName` of "=?".
-std::string PendingNames(const std::vector<SqlChange>& changes, std::string_view behindName) {
+// Returns "?,?,?" for three values.
+std::string Marks(qsizetype count) {
+    std::string marks;
+    for (qsizetype i = 0; i < count; ++i)
+        marks += i == 0 ? "?" : ",?";
+    return marks;
+}
+
+// Returns "`a`=?,`b`=?" for an `end` of "=?".
+std::string PendingNames(const std::vector<SqlChange>& changes, std::string_view end) {
     std::string list;
     for (const SqlChange& change : changes) {
         if (!change.pending) continue;
         if (!list.empty()) list += ',';
         list += QuotedName(change.column);
-        list += behindName;
+        list += end;
     }
     return list;
 }
@@ -39,115 +44,147 @@ QVariantList PendingValues(const std::vector<SqlChange>& changes) {
     return values;
 }
 
-QVariant KeyOf(std::int64_t key) {
-    return QVariant(static_cast<qlonglong>(key));
+QVariantList MomentsOf(const SelectText& select) {
+    QVariantList values;
+    for (const std::string& moment : select.moments)
+        values.append(QString::fromStdString(moment));
+    return values;
 }
 
 }  // namespace
 
-struct SqlTable::Cells {
-    std::vector<QVariant> row;
-    std::unordered_map<std::int64_t, QVariant> walked;  ///< values of the walked column, by key
-    std::vector<QVariant> defaults;
-};
-
-SqlTable::SqlTable(std::shared_ptr<SqlSession> session, std::string name)
-    : session_(std::move(session)),
-      name_(std::move(name)),
-      quotedName_(QuotedName(name_)),
-      columns_(session_->ColumnsOf(name_)),
-      cells_(std::make_unique<Cells>()) {}
+SqlTable::SqlTable(SqlSession& session, std::string name)
+    : session_(session), name_(std::move(name)), quotedName_(QuotedName(name_)), columns_(session_.ColumnsOf(name_)) {}
 
 SqlTable::~SqlTable() = default;
 
-Value SqlTable::Read(std::span<const std::int64_t> keys, std::size_t column) {
-    const std::int64_t key = keys.front();
-    const bool secondColumn = walkedKey_ == key && walkedColumn_ != column;
-    const bool walksOn = walks_ && rowKey_ != key && !secondColumn;
-    if (walksOn) return FromStored(ReadColumn(keys, column), (*columns_)[column].kind);
-    if (rowKey_ != key) ReadRow(key);
-    return FromStored(cells_->row[column], (*columns_)[column].kind);
-}
-
-void SqlTable::Forget() {
-    rowKey_.reset();
-    walkedColumn_.reset();
-}
-
-void SqlTable::ReadRow(std::int64_t key) {
-    rowKey_.reset();
+std::vector<QVariant> SqlTable::Row(std::int64_t key) {
     QSqlQuery& query =
-        session_->SelectPrepared("SELECT " + columns_->List() + " FROM " + quotedName_ + " WHERE `ID`=?", {KeyOf(key)});
-    if (!session_->Next(query)) throw Error(kRowWasDeleted);
-    cells_->row.clear();
-    for (std::size_t i = 0; i < columns_->Size(); ++i)
-        cells_->row.push_back(query.value(static_cast<int>(i)));
+        session_.SelectPrepared("SELECT " + columns_->List() + " FROM " + quotedName_ + " WHERE `ID`=?", {ToBind(key)});
+    if (!session_.Next(query)) throw Error(kRowWasDeleted);
+    std::vector<QVariant> row = columns_->ValuesIn(query);
     query.finish();
-    rowKey_ = key;
-    walks_ = true;
+    return row;
 }
 
-const QVariant& SqlTable::ReadColumn(std::span<const std::int64_t> keys, std::size_t column) {
-    const std::int64_t key = keys.front();
-    if (walkedColumn_ != column || !cells_->walked.contains(key)) FetchColumn(keys, column);
-    const auto found = cells_->walked.find(key);
-    if (found == cells_->walked.end()) throw Error(kRowWasDeleted);
-    walkedKey_ = key;
-    return found->second;
-}
-
-void SqlTable::FetchColumn(std::span<const std::int64_t> keys, std::size_t column) {
-    static const std::string marks = ReplaceAll(std::string(kRowsAhead, '?'), "?", ",?").substr(1);
-    walkedColumn_.reset();
-    cells_->walked.clear();
+// Always the same statement, so that it is prepared once: the last key stands in for those that lack.
+std::unordered_map<std::int64_t, Value> SqlTable::Column(std::size_t column, std::span<const std::int64_t> keys) {
+    const SqlColumn& asked = (*columns_)[column];
     QVariantList wanted;
     for (std::size_t i = 0; i < kRowsAhead; ++i)
-        wanted.append(KeyOf(keys[std::min(i, keys.size() - 1)]));
-    QSqlQuery& query = session_->SelectPrepared(
-        "SELECT `ID`," + QuotedName((*columns_)[column].name) + " FROM " + quotedName_ + " WHERE `ID` IN (" + marks + ")",
+        wanted.append(ToBind(keys[std::min(i, keys.size() - 1)]));
+    QSqlQuery& query = session_.SelectPrepared(
+        "SELECT `ID`," + QuotedName(asked.name) + " FROM " + quotedName_ + " WHERE `ID` IN (" + Marks(wanted.size()) + ")",
         wanted);
-    while (session_->Next(query))
-        cells_->walked.emplace(query.value(0).toLongLong(), query.value(1));
+    std::unordered_map<std::int64_t, Value> values;
+    while (session_.Next(query))
+        values.emplace(query.value(0).toLongLong(), asked.FromFile(query.value(1)));
     query.finish();
-    walkedColumn_ = column;
+    return values;
 }
 
 Value SqlTable::Default(std::size_t column) {
-    if (cells_->defaults.empty()) ReadDefaults();
-    return FromStored(cells_->defaults[column], (*columns_)[column].kind);
+    if (defaults_.empty()) ReadDefaults();
+    return (*columns_)[column].FromFile(defaults_[column]);
 }
 
 void SqlTable::ReadDefaults() {
-    QSqlQuery texts = session_->Select("SELECT ifnull(dflt_value,'NULL') FROM pragma_table_info('" +
-                                       ReplaceAll(name_, "'", "''") + "') ORDER BY cid");
+    QSqlQuery texts = session_.Select("SELECT ifnull(dflt_value,'NULL') FROM pragma_table_info('" + ReplaceAll(name_, "'", "''") +
+                                      "') ORDER BY cid");
     std::string list;
-    while (session_->Next(texts))
+    while (session_.Next(texts))
         list += (list.empty() ? "(" : ",(") + texts.value(0).toString().toStdString() + ')';
-    QSqlQuery values = session_->Select("SELECT " + list);
-    session_->Next(values);
-    for (std::size_t i = 0; i < columns_->Size(); ++i)
-        cells_->defaults.push_back(values.value(static_cast<int>(i)));
+    QSqlQuery values = session_.Select("SELECT " + list);
+    session_.Next(values);
+    defaults_ = columns_->ValuesIn(values);
 }
 
 std::int64_t SqlTable::Insert(const std::vector<SqlChange>& changes) {
     const QVariantList values = PendingValues(changes);
-    std::string marks;
-    for (qsizetype i = 0; i < values.size(); ++i)
-        marks += i == 0 ? "?" : ",?";
-    const std::string row = marks.empty() ? " DEFAULT VALUES" : " (" + PendingNames(changes, "") + ") VALUES (" + marks + ")";
-    return session_->Change("INSERT INTO " + quotedName_ + row, values).insertedId;
+    const std::string row =
+        values.isEmpty() ? " DEFAULT VALUES" : " (" + PendingNames(changes, "") + ") VALUES (" + Marks(values.size()) + ")";
+    return session_.Change("INSERT INTO " + quotedName_ + row, values).insertedId;
 }
 
 void SqlTable::Update(std::int64_t key, const std::vector<SqlChange>& changes) {
     QVariantList values = PendingValues(changes);
-    values.append(KeyOf(key));
+    values.append(ToBind(key));
     const auto changed =
-        session_->Change("UPDATE " + quotedName_ + " SET " + PendingNames(changes, "=?") + " WHERE `ID`=?", values);
+        session_.Change("UPDATE " + quotedName_ + " SET " + PendingNames(changes, "=?") + " WHERE `ID`=?", values);
     if (changed.rows == 0) throw RowGoneError(kRowIsGone);
 }
 
 void SqlTable::Delete(std::int64_t key) {
-    if (session_->Change("DELETE FROM " + quotedName_ + " WHERE `ID`=?", {KeyOf(key)}).rows == 0) throw Error(kRowIsGone);
+    if (session_.Change("DELETE FROM " + quotedName_ + " WHERE `ID`=?", {ToBind(key)}).rows == 0) throw Error(kRowIsGone);
+}
+
+SqlRows::SqlRows(std::shared_ptr<SqlSession> session, SelectText select, CursorType cursor) : session_(std::move(session)) {
+    // Otherwise an index would return its own order.
+    if (select.LacksOrder()) select.OrderBy(session_->KeyOf(select.table));
+    if (select.IsOneTable()) table_ = std::make_unique<SqlTable>(*session_, select.table);
+    table_&& cursor == CursorType::Keyset ? ReadKeys(select) : CopyRows(select);
+}
+
+SqlRows::~SqlRows() = default;
+
+void SqlRows::ReadKeys(const SelectText& select) {
+    columns_ = table_->Columns();
+    QSqlQuery& query = session_->SelectPrepared(select.Selecting("`ID`"), MomentsOf(select));
+    while (session_->Next(query))
+        keys_.push_back(query.value(0).toLongLong());
+    query.finish();
+}
+
+void SqlRows::CopyRows(const SelectText& select) {
+    QSqlQuery query = session_->Select(table_ ? select.Selecting("*") : select.query, MomentsOf(select));
+    columns_ = std::make_shared<SqlColumns>(query.record(), select.table, session_->KindOf());
+    const auto id = table_ ? columns_->Find("ID") : std::nullopt;
+    while (session_->Next(query)) {
+        copies_.push_back(columns_->ValuesIn(query));
+        if (id) keys_.push_back(copies_.back()[*id].toLongLong());
+    }
+}
+
+bool SqlRows::Next() {
+    if (at_ == Count()) return false;
+    row_ = at_ < copies_.size() ? std::move(copies_[at_]) : std::vector<QVariant>();
+    ++at_;
+    return true;
+}
+
+std::int64_t SqlRows::Key() const {
+    if (keys_.empty()) throw Error("The rows of this query have no ID, so they cannot be changed.");
+    return keys_[at_ - 1];
+}
+
+Value SqlRows::Read(std::size_t column) {
+    const bool walks = row_.empty() && at_ > 1 && (!ahead_ || ahead_->column == column);
+    if (walks) return ReadAhead(column);
+    if (row_.empty()) row_ = table_->Row(Key());
+    return (*columns_)[column].FromFile(row_[column]);
+}
+
+Value SqlRows::ReadAhead(std::size_t column) {
+    if (!ahead_ || !ahead_->values.contains(Key())) ahead_ = {column, table_->Column(column, std::span(keys_).subspan(at_ - 1))};
+    const auto found = ahead_->values.find(Key());
+    if (found == ahead_->values.end()) throw Error(kRowWasDeleted);
+    return found->second;
+}
+
+void SqlRows::Changed(std::int64_t key) {
+    const bool isCopy = !copies_.empty() && key == Key();
+    ahead_.reset();
+    if (isCopy) return;
+    keys_[at_ - 1] = key;
+    row_.clear();
+}
+
+void SqlRows::Append(std::int64_t key) {
+    keys_.resize(Count());
+    keys_.push_back(key);
+    at_ = keys_.size();
+    row_.clear();
+    ahead_.reset();
 }
 
 }  // namespace korvane

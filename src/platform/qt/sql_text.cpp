@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <iomanip>
+#include <sstream>
 
 #include "base/datetime.h"
 #include "base/error.h"
@@ -15,35 +17,8 @@ constexpr std::string_view kNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGH
 
 // Returns the character that closes a quotation opened by `open`, 0 when `open` begins none.
 char ClosingOf(char open) {
-    switch (open) {
-        case '\'':
-        case '"':
-        case '`':
-            return open;
-        case '[':
-            return ']';
-        default:
-            return 0;
-    }
-}
-
-// Removes one value from the front of a connection string, together with the ";" that ends it.
-std::string TakeValue(std::string_view& rest) {
-    const auto start = rest.find_first_not_of(' ');
-    rest.remove_prefix(start == std::string_view::npos ? rest.size() : start);
-    std::string value;
-    const char quote = rest.starts_with('"') ? '"' : rest.starts_with('{') ? '}' : '\0';
-    if (quote != '\0') {
-        rest.remove_prefix(1);
-        const auto end = rest.find(quote);
-        value = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (quote == '"' && rest.starts_with(quote)) return value + quote + TakeValue(rest);
-    }
-    const auto end = rest.find(';');
-    if (quote == '\0') value = Trim(rest.substr(0, end));
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    return value;
+    if (open == '[') return ']';
+    return open == '\'' || open == '"' || open == '`' ? open : '\0';
 }
 
 // Reads the words of a query from its front.
@@ -134,49 +109,43 @@ std::size_t PlaceOf(std::initializer_list<std::string_view> keywords, std::strin
     return text.size() - words.Rest().size();
 }
 
-}  // namespace
-
-std::string DatabaseFileOf(std::string_view connectionString) {
-    std::string_view rest = connectionString;
-    while (!rest.empty()) {
-        const auto end = rest.find_first_of("=;");
-        if (end == std::string_view::npos) break;
-        const std::string key = Trim(rest.substr(0, end));
-        const bool hasValue = rest[end] == '=';
-        rest.remove_prefix(end + 1);
-        if (!hasValue) continue;
-        std::string value = TakeValue(rest);
-        const bool namesFile = EqualsNoCase(key, "DBQ") || EqualsNoCase(key, "Data Source");
-        if (namesFile && !value.empty()) return value;
-    }
-    throw Error("The connection string names no database file.");
-}
-
-std::string WithStoredDates(std::string_view query) {
+// Removes the moments from a query and returns what is left, with a "?" in the place of each.
+std::string TakeMoments(std::string_view query, std::vector<std::string>& moments) {
     std::string result;
-    result.reserve(query.size());
     while (!query.empty()) {
         const auto special = query.find_first_of("#'\"`[");
         result += query.substr(0, special);
         if (special == std::string_view::npos) break;
         query.remove_prefix(special);
-        const bool isDate = query.front() == '#';
-        const auto end = query.find(isDate ? '#' : ClosingOf(query.front()), 1);
-        if (!isDate) {
-            const auto length = end == std::string_view::npos ? query.size() : end + 1;
-            result += query.substr(0, length);
-            query.remove_prefix(length);
+        const bool isMoment = query.front() == '#';
+        const auto end = query.find(isMoment ? '#' : ClosingOf(query.front()), 1);
+        if (isMoment && end == std::string_view::npos)
+            throw Error("The query holds a date without its closing #: " + std::string(query));
+        const std::string_view quotation = query.substr(0, std::min(end, query.size() - 1) + 1);
+        query.remove_prefix(quotation.size());
+        if (!isMoment) {
+            result += quotation;
             continue;
         }
-        if (end == std::string_view::npos) throw Error("The query holds a date without its closing #: " + std::string(query));
         try {
-            result += '\'' + ParseDateTime(query.substr(1, end - 1)).Stored() + '\'';
+            moments.push_back(ParseDateTime(quotation.substr(1, quotation.size() - 2)).Stored());
+            result += '?';
         } catch (const Error&) {
-            throw Error("The query holds a date that cannot be read: " + std::string(query.substr(0, end + 1)));
+            throw Error("The query holds a date that cannot be read: " + std::string(quotation));
         }
-        query.remove_prefix(end + 1);
     }
     return result;
+}
+
+}  // namespace
+
+std::string DatabaseFileOf(const std::string& connectionString) {
+    const std::size_t key = std::min(connectionString.find("DBQ="), connectionString.find("Data Source="));
+    if (key == std::string::npos) throw Error("The connection string names no database file.");
+    std::string file = connectionString.substr(connectionString.find('=', key) + 1);
+    if (!file.starts_with('"')) return file.substr(0, file.find(';'));
+    std::istringstream(file) >> std::quoted(file);
+    return file;
 }
 
 std::string QuotedName(std::string_view name) {
@@ -201,9 +170,10 @@ void SelectText::OrderBy(std::string_view list) {
     rest.insert(place, order);
 }
 
-SelectText ParseSelect(std::string_view query) {
+SelectText ParseSelect(std::string_view source) {
     SelectText select;
-    select.query = query.substr(0, query.find_last_not_of(" \t\r\n;") + 1);
+    select.query = TakeMoments(source, select.moments);
+    select.query.erase(select.query.find_last_not_of(" \t\r\n;") + 1);
     Words words(select.query);
     bool hasRows = false;
     if (!words.TakeKeyword("SELECT") || !TakeList(words, hasRows) || !words.TakeKeyword("FROM")) return select;

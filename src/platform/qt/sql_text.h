@@ -3,15 +3,12 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace korvane {
 
-/// Returns the value of `DBQ` or `Data Source`. Throws Error when both are missing.
-std::string DatabaseFileOf(std::string_view connectionString);
-
-/// Returns the query with each #month/day/year time# outside quoted text and brackets replaced by the stored form of that moment.
-/// Throws Error for an unreadable moment.
-std::string WithStoredDates(std::string_view query);
+/// Returns the value of `DBQ` or `Data Source`, which may be quoted (std::quoted). Throws Error when both are missing.
+std::string DatabaseFileOf(const std::string& connectionString);
 
 /// Returns the name between back quotes, which, unlike double quotes, never turn an unknown name into a text.
 std::string QuotedName(std::string_view name);
@@ -22,6 +19,7 @@ struct SelectText {
     std::string table;     ///< of "SELECT <* or plain names> FROM <table> [WHERE|ORDER|LIMIT ...]"; empty for every other form
     std::string rest;      ///< what follows the table
     bool hasRows = false;  ///< the list is "*" or contains ID
+    std::vector<std::string> moments;  ///< the stored forms, one for each "?" that stands for a moment
 
     /// Returns whether the result consists of rows of one table.
     bool IsOneTable() const { return hasRows; }
@@ -34,6 +32,8 @@ struct SelectText {
     std::string Selecting(std::string_view list) const;
 };
 
-SelectText ParseSelect(std::string_view query);
+/// Each #month/day/year time# outside quoted text and brackets becomes a "?", so that a query that differs from an earlier one only
+/// in its moments is not parsed again. Throws Error for an unreadable moment.
+SelectText ParseSelect(std::string_view source);
 
 }  // namespace korvane

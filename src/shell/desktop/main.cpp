@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "shell/desktop/look/icons.h"
-#include "shell/desktop/look/mark_style.h"
 #include "shell/desktop/look/theme.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/process/process.h"

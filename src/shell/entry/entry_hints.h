@@ -1,20 +1,11 @@
-// Texts in the editor's status line: the help on a page or an input, and explanations of what was just typed.
+// Texts of the editor: explanations of what was just typed, and messages and questions of its commands.
 #pragma once
 
 #include <string>
-#include <string_view>
 
-#include "shell/entry/entry_fields.h"
+#include "shell/entry/entry_inputs.h"
 
 namespace korvane {
-
-/// "Server", "E-Mail", "Down Times", "Authentication", "Scan Text", "Commands"; empty for anything else.
-std::string_view HelpOnPage(std::string_view page);
-
-/// Help by the name of the control; empty if there is none.
-std::string_view HelpOnInput(std::string_view control);
-
-extern const std::string_view kNewEntryHint;
 
 /// Explains what must come back for the check to pass, as typed so far.
 std::string ExplainExpectedText(const EntryFields& fields);
@@ -28,9 +19,16 @@ std::string ExplainDownTime(const std::string& time, const std::string& minutes)
 /// Returns "Seconds.  (1.5 minutes).".
 std::string IntervalInMinutes(const std::string& seconds);
 
-/// Why a box whose value the type determines cannot be changed, and what to do about it.
-extern const std::string_view kFixedPortMessage;
-extern const std::string_view kFixedRequestMessage;
-extern const std::string_view kFixedExpectedTextMessage;
+/// Returns the line above the box for the text that must appear in an answer. `server` is the entry's address as the editor shows it.
+std::string TextToFindHeading(const std::string& server);
+
+/// Returns the explanation below it. `upperCase` is the same text in upper case.
+std::string TextToFindHelp(const std::string& text, const std::string& upperCase);
+
+/// `question` is the text before the command.
+std::string TestCommandQuestion(const std::string& question, const std::string& command);
+
+std::string NoTraceMessage(const std::string& name);
+std::string ResetQuestion(const std::string& name);
 
 }  // namespace korvane

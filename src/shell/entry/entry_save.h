@@ -1,15 +1,26 @@
-// Saving the editor's inputs to the row of a server entry: what is refused, what only causes a warning, and the writing, which
-// continues after errors.
+// The row of a server entry: for a new entry it is added with defaults, it is read into the editor's inputs, and they are saved to it
+// with refusals and warnings. Reading and writing continue after errors.
 #pragma once
 
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "shell/entry/entry_fields.h"
+#include "shell/entry/entry_inputs.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
+
+struct OpenedEntry {
+    std::string strID;   ///< for a new entry, its new id
+    bool found = false;  ///< false: there is no such row, and the operator has been notified
+    EntryFields fields;
+    std::string strLastResponse;
+};
+
+/// First adds the row if `isAddUrl`; it is then in the store, whatever the operator does next. Otherwise `strID` selects the row.
+/// Shows a message when there is no row. Throws nothing: errors are ignored and logged.
+OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID);
 
 /// An input that cannot be saved.
 struct EntryRefusal {

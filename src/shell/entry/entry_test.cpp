@@ -4,7 +4,6 @@
 #include <exception>
 
 #include "base/ignore_errors.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
@@ -16,30 +15,18 @@ namespace {
 
 constexpr std::int16_t kWebPort = 80;  // default of an entry without a port
 
-std::int64_t WholeOrZero(const std::string& text) {
-    std::int64_t number = 0;
-    IgnoreErrors([&] { number = ParseWhole(text); });
-    return number;
-}
-
 std::chrono::seconds TimeoutOf(const EntryFields& fields) {
     std::int16_t number = 0;
     IgnoreErrors([&] { number = Value(fields.nTimeout).Int16(); });
     return std::chrono::seconds(number);
 }
 
-// The cycle refuses a port that does not fit in 16 bits, so the test refuses it too.
-CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
-    const std::string url = ToLower(fields.strType) + "://" + fields.strAddress_IP;
-    desk.conversation.setRequest("Port [" + fields.strPort + "] GET " + url);
+/// Runs a check whose values may be no numbers.
+CheckResult Check(const Desk& desk, const std::string& request, const std::function<CheckResult()>& check) {
+    desk.conversation.setRequest(request);
     CheckResult result;
     try {
-        const std::int16_t port = Trim(fields.strPort).empty() ? kWebPort : Value(fields.strPort).Int16();
-        result = desk.http.getURLData2({.strURL = url,
-                                        .strUser = fields.strUserName,
-                                        .strPassword = fields.strPassword,
-                                        .nTimeout = TimeoutOf(fields),
-                                        .nPort = port});
+        result = check();
     } catch (const std::exception& error) {
         result.strReason = error.what();
     }
@@ -47,16 +34,22 @@ CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
     return result;
 }
 
+// The cycle refuses a port that does not fit in 16 bits, so the test refuses it too.
+CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
+    const std::string url = ToLower(fields.strType) + "://" + fields.strAddress_IP;
+    return Check(desk, "Port [" + fields.strPort + "] GET " + url, [&] {
+        const std::int16_t port = Trim(fields.strPort).empty() ? kWebPort : Value(fields.strPort).Int16();
+        return desk.http.getURLData2({.strURL = url,
+                                      .strUser = fields.strUserName,
+                                      .strPassword = fields.strPassword,
+                                      .nTimeout = TimeoutOf(fields),
+                                      .nPort = port});
+    });
+}
+
 CheckResult Ping(const Desk& desk, const EntryFields& fields) {
-    desk.conversation.setRequest("PING " + fields.strAddress_IP);
-    CheckResult result;
-    try {
-        result = desk.ping.DoPingRequest(fields.strAddress_IP, Value(fields.strExpectedText).Int16());
-    } catch (const std::exception& error) {
-        result.strReason = error.what();
-    }
-    desk.conversation.setResponse(result.response);
-    return result;
+    return Check(desk, "PING " + fields.strAddress_IP,
+                 [&] { return desk.ping.DoPingRequest(fields.strAddress_IP, Value(fields.strExpectedText).Int16()); });
 }
 
 CheckResult Converse(const Desk& desk, const EntryFields& fields) {
@@ -129,9 +122,7 @@ TestVerdict JudgeEntryTest(const EntryFields& fields, const CheckResult& result,
 UrlFailure FindUrlFailure(const Desk& desk, const std::string& response, const std::string& strID) {
     UrlFailure failure;
     IgnoreErrors([&] {
-        const auto connection = desk.store.NewConnection();
-        connection->SetConnectionString(OdbcConnectionText(desk.dir));
-        connection->Open();
+        const auto connection = OpenDatabase(desk.store, desk.dir);
         failure = IsURLFailure(desk.store, *connection, response, strID);
         connection->Close();
     });

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "engine/check_result.h"
-#include "shell/entry/entry_fields.h"
+#include "shell/entry/entry_inputs.h"
 #include "shell/run/desk.h"
 
 namespace korvane {

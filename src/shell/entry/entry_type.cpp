@@ -1,7 +1,8 @@
 #include "shell/entry/entry_type.h"
 
+#include <algorithm>
+
 #include "base/text.h"
-#include "engine/server_table.h"
 
 namespace korvane {
 namespace {
@@ -11,66 +12,32 @@ constexpr std::string_view kHttps = "HTTPS";
 constexpr std::string_view kPing = "PING";
 constexpr std::string_view kOtherPort = "Other Port";
 
-constexpr std::string_view kResponseLabel = "Expected Response Text:";
-constexpr std::string_view kServerLabel = "Server Name or IP:";
-
-constexpr EntryTypeScreen kWebScreen{.portEnabled = true,
-                                     .requestEnabled = false,
-                                     .expectedEnabled = true,
-                                     .webPages = true,
-                                     .timeoutShown = true,
-                                     .addressLabel = "Web Page URL:",
-                                     .expectedLabel = kResponseLabel};
+constexpr EntryTypeScreen kWebScreen{
+    .portEnabled = true, .expectedEnabled = true, .webPages = true, .addressLabel = "Web Page URL:"};
 // Here the expected text is the limit in milliseconds, and replaces the time-out.
-constexpr EntryTypeScreen kPingScreen{.portEnabled = false,
-                                      .requestEnabled = false,
-                                      .expectedEnabled = true,
-                                      .webPages = false,
+constexpr EntryTypeScreen kPingScreen{.expectedEnabled = true,
                                       .timeoutShown = false,
                                       .addressLabel = "PING (IP Addr Only):",
                                       .expectedLabel = "PING timeout in milliseconds:"};
-constexpr EntryTypeScreen kOtherPortScreen{.portEnabled = true,
-                                           .requestEnabled = true,
-                                           .expectedEnabled = true,
-                                           .webPages = false,
-                                           .timeoutShown = true,
-                                           .addressLabel = kServerLabel,
-                                           .expectedLabel = kResponseLabel};
-constexpr EntryTypeScreen kPredefinedScreen{.portEnabled = false,
-                                            .requestEnabled = false,
-                                            .expectedEnabled = std::nullopt,
-                                            .webPages = false,
-                                            .timeoutShown = true,
-                                            .addressLabel = kServerLabel,
-                                            .expectedLabel = kResponseLabel};
+constexpr EntryTypeScreen kOtherPortScreen{.portEnabled = true, .requestEnabled = true, .expectedEnabled = true};
+constexpr EntryTypeScreen kPredefinedScreen{};
 
 }  // namespace
 
-std::vector<EntryTypeTexts> InitServerTypes(const std::string& port, const std::string& request, const std::string& expected,
-                                            bool typeChanged) {
-    std::vector<EntryTypeTexts> table;
-    for (const ServerType& type : ServerTypeTable()) {
-        EntryTypeTexts row{std::string(type.name), std::string(type.prefix), std::string(type.port), std::string(type.request),
-                           std::string(type.expected)};
-        if (IsWebType(type.name) && !typeChanged) row.port = port;
-        if (type.name == kOtherPort) {
-            row.port = port;
-            row.request = request;
-        }
-        if (!expected.empty()) row.expected = expected;
-        table.push_back(std::move(row));
-    }
-    return table;
+EntryTypeTexts TextsOfType(const ServerType& type, const EntryFields& fields, bool typeChanged) {
+    const bool isOther = type.name == kOtherPort;
+    const bool keepsPort = isOther || (IsWebType(type.name) && !typeChanged);
+    return {.port = keepsPort ? fields.strPort : std::string(type.port),
+            .request = isOther ? fields.strRequestText : std::string(type.request),
+            .expected = fields.strExpectedText.empty() ? std::string(type.expected) : fields.strExpectedText};
 }
 
-int IndexOfType(const std::vector<EntryTypeTexts>& table, std::string_view name) {
-    int alike = -1;
-    for (int index = static_cast<int>(table.size()) - 1; index >= 0; --index) {
-        const std::string& candidate = table[static_cast<std::size_t>(index)].name;
-        if (candidate == name) return index;
-        if (EqualsNoCase(candidate, name)) alike = index;
-    }
-    return alike;
+int IndexOfType(std::string_view name) {
+    const auto types = ServerTypeTable();
+    auto found = std::ranges::find(types, name, &ServerType::name);
+    if (found == types.end())
+        found = std::ranges::find_if(types, [&](const ServerType& each) { return EqualsNoCase(each.name, name); });
+    return found == types.end() ? -1 : static_cast<int>(found - types.begin());
 }
 
 bool IsWebType(std::string_view type) {

@@ -4,27 +4,26 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "engine/server_table.h"
+#include "shell/entry/entry_inputs.h"
 
 namespace korvane {
 
-/// A row of the editor's working table.
+/// The texts that a server type puts into the inputs.
 struct EntryTypeTexts {
-    std::string name;
-    std::string prefix;
     std::string port;
     std::string request;
     std::string expected;
 };
 
-/// Returns the whole table in the order of the list, for an entry with this port, request and expected text. `typeChanged`: the
-/// operator has just chosen another type, so that HTTP and HTTPS start with their own ports.
-std::vector<EntryTypeTexts> InitServerTypes(const std::string& port, const std::string& request, const std::string& expected,
-                                            bool typeChanged);
+/// `fields` are the inputs before. `typeChanged`: the operator has just chosen another type, so that HTTP and HTTPS start with their
+/// own ports.
+EntryTypeTexts TextsOfType(const ServerType& type, const EntryFields& fields, bool typeChanged);
 
-/// Returns the index of the type's name in that table. Old rows have names in any case; an exact match takes precedence. -1 for
+/// Returns the index of the type in the server type table. Old rows have names in any case; an exact match takes precedence. -1 for
 /// an unknown name.
-int IndexOfType(const std::vector<EntryTypeTexts>& table, std::string_view name);
+int IndexOfType(std::string_view name);
 
 bool IsWebType(std::string_view type);   ///< "HTTP" or "HTTPS"
 bool IsPingType(std::string_view type);  ///< "PING"
@@ -35,11 +34,11 @@ bool HasFreeExpectedText(std::string_view type);
 struct EntryTypeScreen {
     bool portEnabled = false;
     bool requestEnabled = false;
-    std::optional<bool> expectedEnabled;  ///< nothing: stays unchanged
-    bool webPages = false;                ///< the pages for authentication and scan texts
+    std::optional<bool> expectedEnabled{};  ///< nothing: stays unchanged
+    bool webPages = false;                  ///< the pages for authentication and scan texts
     bool timeoutShown = true;
-    std::string_view addressLabel;
-    std::string_view expectedLabel;
+    std::string_view addressLabel = "Server Name or IP:";
+    std::string_view expectedLabel = "Expected Response Text:";
 };
 
 const EntryTypeScreen& ScreenOfType(std::string_view type);

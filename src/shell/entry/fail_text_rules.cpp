@@ -1,11 +1,11 @@
 #include "shell/entry/fail_text_rules.h"
 
 #include <exception>
-#include <string_view>
 #include <utility>
 
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 #include "store/server_id.h"
 
 namespace korvane {
@@ -15,19 +15,15 @@ using namespace std::chrono_literals;
 
 constexpr auto kRestAfterRow = 100ms;
 
-/// This once showed how many failures in a row it takes. It is always empty now, and the texts have become known without it.
-constexpr std::string_view kTimesToTry;
-
 bool IdTaken(Store& store, Connection& conn, std::int64_t id) {
-    const auto rows = store.NewRecordset();
-    rows->Open("SELECT * from ResponseFailText where id =" + std::to_string(id), conn, CursorType::Static, LockType::Optimistic);
+    const auto rows = OpenRows(store, conn, "SELECT * from ResponseFailText where id =" + std::to_string(id), CursorType::Static);
     return !rows->Eof();
 }
 
 }  // namespace
 
-FailTextRules::FailTextRules(const Ports& ports, std::string connectionText, std::string id)
-    : ports_(ports), connectionText_(std::move(connectionText)), id_(std::move(id)) {}
+FailTextRules::FailTextRules(const Desk& desk, std::string connectionText, std::string id)
+    : desk_(desk), connectionText_(std::move(connectionText)), id_(std::move(id)) {}
 
 FailTextRules::Opened FailTextRules::Open() {
     Opened opened;
@@ -36,11 +32,10 @@ FailTextRules::Opened FailTextRules::Open() {
         const auto server = OpenServer(*conn, CursorType::Static);
         opened.found = !server->Eof();
         if (!opened.found) return opened;
-        const auto stored = ports_.store.NewRecordset();
-        stored->Open(query::FailTextsOf(id_), *conn, CursorType::Keyset, LockType::Optimistic);
+        const auto stored = OpenRows(desk_.store, *conn, query::FailTextsOf(id_));
         for (std::size_t i = 0; i < opened.rows.size() && !stored->Eof(); ++i, stored->MoveNext()) {
             opened.rows[i] = {stored->Fields("strFailText").Value().Text(), stored->Fields("strFailCommand").Value().Text()};
-            ports_.events.Sleep(kRestAfterRow);
+            desk_.events.Sleep(kRestAfterRow);
         }
     } catch (const std::exception& error) {
         WriteError("Form_Load", error.what());
@@ -64,7 +59,7 @@ std::string FailTextRules::Save(const FailTextRows& rows) {
 
 // Returns the number of rules.
 int FailTextRules::SaveRows(Connection& conn, const FailTextRows& rows) {
-    const auto stored = ports_.store.NewRecordset();
+    const auto stored = desk_.store.NewRecordset();
     stored->Open("SELECT id,idparent,strFailText,strFailCommand from ResponseFailText where idParent =" + id_, conn,
                  CursorType::Keyset, LockType::Optimistic);
     int count = 0;
@@ -87,8 +82,8 @@ int FailTextRules::SaveRows(Connection& conn, const FailTextRows& rows) {
 
 // Different moments can give the same time stamp, but ids must be unique.
 void FailTextRules::AddRow(Connection& conn, Recordset& stored, std::size_t row) {
-    std::int64_t id = std::stoll(NewTimeStampID(ports_.clock) + std::to_string(row));
-    while (IdTaken(ports_.store, conn, id))
+    std::int64_t id = std::stoll(NewTimeStampID(desk_.clock) + std::to_string(row));
+    while (IdTaken(desk_.store, conn, id))
         ++id;
     stored.AddNew();
     stored.Fields("id") = id;
@@ -96,20 +91,20 @@ void FailTextRules::AddRow(Connection& conn, Recordset& stored, std::size_t row)
 }
 
 std::unique_ptr<Connection> FailTextRules::OpenConnection() {
-    auto conn = ports_.store.NewConnection();
+    auto conn = desk_.store.NewConnection();
     conn->SetConnectionString(connectionText_);
     conn->Open();
     return conn;
 }
 
 std::unique_ptr<Recordset> FailTextRules::OpenServer(Connection& conn, CursorType cursor) {
-    auto server = ports_.store.NewRecordset();
+    auto server = desk_.store.NewRecordset();
     server->Open("SELECT * from servers where id =" + id_, conn, cursor, LockType::Optimistic);
     return server;
 }
 
 void FailTextRules::WriteError(const std::string& routine, const std::string& error) {
-    ports_.log.WriteLog(kLogOrdinary, kLogError, "frmCommands:" + routine + ": " + error);
+    desk_.log.WriteLog(kLogOrdinary, kLogError, "frmCommands:" + routine + ": " + error);
 }
 
 std::string FailTextHelp() {
@@ -119,9 +114,9 @@ std::string FailTextHelp() {
            "(optional).  You will always receive Email Notification if these failures occur.";
 }
 
+// The pair of parentheses once held a number; the texts are known as they are.
 std::string FailCommandHelp(const FailTextRule& rule) {
-    const std::string when = "if the response contains the string '" + rule.strFailText + "' (" + std::string(kTimesToTry) +
-                             "'  times in a row).  You will ";
+    const std::string when = "if the response contains the string '" + rule.strFailText + "' ('  times in a row).  You will ";
     if (rule.strFailCommand.empty()) {
         return "You are specifying that No command should be executed " + when + "still receive Email Notification.";
     }
@@ -131,8 +126,9 @@ std::string FailCommandHelp(const FailTextRule& rule) {
 std::string FailTextRulesHelp() {
     return "This multiple command configuration dialog allows you to monitor for specific text returned from your web "
            "page.\r\n\r\n"
-           "By default, it's considered a URL failure when absolutely NOTHING is returned from the URL request (" +
-           std::string(kTimesToTry) + " times in a row).  \r\n\r\n" + FailTextHelp();
+           "By default, it's considered a URL failure when absolutely NOTHING is returned from the URL request ( times in a "
+           "row).  \r\n\r\n" +
+           FailTextHelp();
 }
 
 }  // namespace korvane

@@ -7,10 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/clock.h"
 #include "platform/connection.h"
-#include "platform/events.h"
-#include "store/log.h"
+#include "shell/run/desk.h"
 
 namespace korvane {
 
@@ -25,20 +23,13 @@ using FailTextRows = std::array<FailTextRule, 10>;
 
 class FailTextRules {
 public:
-    struct Ports {
-        Store& store;
-        const Clock& clock;
-        Events& events;
-        Log& log;
-    };
-
     struct Opened {
         bool found = true;  ///< false: no entry has this id
         FailTextRows rows;  ///< the stored rules, in the order of the table; the others are empty
     };
 
     /// `connectionText` selects the database; `id` is the entry's, digits only.
-    FailTextRules(const Ports& ports, std::string connectionText, std::string id);
+    FailTextRules(const Desk& desk, std::string connectionText, std::string id);
 
     /// Blocks for 100 ms after each stored row. A failure ends the reading, keeps what has been read and is logged.
     Opened Open();
@@ -55,7 +46,7 @@ private:
     void AddRow(Connection& conn, Recordset& stored, std::size_t row);
     void WriteError(const std::string& routine, const std::string& error);
 
-    Ports ports_;
+    const Desk desk_;
     std::string connectionText_;
     std::string id_;
 };

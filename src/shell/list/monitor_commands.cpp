@@ -6,7 +6,7 @@
 #include "base/ignore_errors.h"
 #include "engine/machine_restart.h"
 #include "engine/server_table.h"
-#include "platform/wait_cursor.h"
+#include "platform/operator.h"
 #include "shell/run/message_title.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
@@ -110,17 +110,14 @@ std::string MonitorCommands::CopyURL(const std::string& id) {
 
 std::string MonitorCommands::Copy(const std::string& id) {
     const std::string newId = desk_.ids.NewServerID();
-    const auto conn = desk_.store.NewConnection();
-    conn->SetConnectionString(OdbcConnectionText(desk_.dir));
-    conn->Open();
+    const auto conn = OpenDatabase(desk_.store, desk_.dir);
     const auto source = desk_.store.NewRecordset();
     if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
     if (id.empty() || source->Eof()) {
         desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
         return "";
     }
-    const auto copy = desk_.store.NewRecordset();
-    copy->Open("SELECT * from servers where id < 0", *conn, CursorType::Keyset, LockType::Optimistic);
+    const auto copy = OpenRows(desk_.store, *conn, "SELECT * from servers where id < 0");
     copy->AddNew();
     CopyFields(*source, *copy);
     copy->Fields("id") = newId;

@@ -8,6 +8,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "engine/server_table.h"
+#include "store/database_files.h"
 
 namespace korvane {
 
@@ -117,8 +118,7 @@ std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectio
     const auto conn = store.NewConnection();
     conn->SetConnectionString(connectionText);
     conn->Open();
-    const auto rs = store.NewRecordset();
-    rs->Open(kListQuery, *conn, CursorType::Static, LockType::Optimistic);
+    const auto rs = OpenRows(store, *conn, kListQuery, CursorType::Static);
     std::vector<ServerRow> rows;
     rows.reserve(static_cast<std::size_t>(rs->RecordCount()));
     for (int n = 1; !rs->Eof(); rs->MoveNext(), ++n)

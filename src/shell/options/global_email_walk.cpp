@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include "shell/options/help_table.h"
 #include "shell/run/message_title.h"
 #include "store/database_files.h"
 
@@ -15,42 +14,35 @@ constexpr std::string_view kAllServers = "SELECT * from servers order by id";
 constexpr const char* kNoServer = "No server record is current";
 constexpr const char* kAssignToAll = "This will assign global values to the email settings of all the servers\r\nProceed?";
 
-struct MonitorText {
-    ResourceMonitor monitor;
-    std::string GlobalEmailFields::*email;
+constexpr GlobalEmailInput kGlobalEmailInputs[] = {
+    {"strEmailList1", &GlobalEmailFields::strToList1, AsTyped, "txtToList1",
+     "Email Notify #&1:", "The addresses that a new server tells first, with ';' between them.", "Global Email Notify 1"},
+    {"strEmailList2", &GlobalEmailFields::strToList2, AsTyped, "txtToList2",
+     "Email Notify #&2:", "More addresses that a new server tells, with ';' between them.", "Global Email Notify 2"},
+    {"strEmailFrom", &GlobalEmailFields::strFrom, AsTyped, "txtFrom",
+     "&From:", "The address that the mails of a new server come from.", "Global From"},
+    {"strEmailText", &GlobalEmailFields::strSubject, AsTyped, "txtSubject",
+     "Su&bject:", "The subject of the mails of a new server. A comma and what follows it are lost.", "Global Subject"},
+    {"", &GlobalEmailFields::strEmailCPU, AsTyped, "txtEmailCPU",
+     "CP&U:", "Who is told of a high CPU load. Blank means the addresses of the first server.", "Address of the CPU monitor"},
+    {"", &GlobalEmailFields::strEmailDisk, AsTyped, "txtEmailDisk", "&Disk:",
+     "Who is told of a disk that fills up. Blank means the addresses of the first server.", "Address of the disk monitor"},
+    {"", &GlobalEmailFields::strEmailMemory, AsTyped, "txtEmailMemory", "&Memory:",
+     "Who is told when memory runs short. Blank means the addresses of the first server.", "Address of the memory monitor"},
+    {"", &GlobalEmailFields::strEmailServices, AsTyped, "txtEmailServices", "S&ervices:",
+     "Who is told of a service that stops. Blank means the addresses of the first server.", "Address of the service monitor"},
+    {"strEmailList1", &GlobalEmailFields::strEmailList1, AsTyped, "txtEmailList1",
+     "Email N&otify #1:", "The addresses that this server tells first, with ';' between them.", "Email Notify 1 of the server"},
+    {"strEmailList2", &GlobalEmailFields::strEmailList2, AsTyped, "txtEmailList2",
+     "Email No&tify #2:", "More addresses that this server tells, with ';' between them.", "Email Notify 2 of the server"},
+    {"strEmailFrom", &GlobalEmailFields::strEmailFrom, AsTyped, "txtEmailFrom",
+     "F&rom:", "The address that the mails of this server come from.", "From of the server"},
+    {"strEmailText", &GlobalEmailFields::strEmailText, AsTyped, "txtEmailText",
+     "Sub&ject:", "The subject of the mails of this server.", "Subject of the server"},
 };
-constexpr MonitorText kMonitors[] = {{ResourceMonitor::CPU, &GlobalEmailFields::strEmailCPU},
-                                     {ResourceMonitor::Disk, &GlobalEmailFields::strEmailDisk},
-                                     {ResourceMonitor::Memory, &GlobalEmailFields::strEmailMemory},
-                                     {ResourceMonitor::Services, &GlobalEmailFields::strEmailServices}};
-
-struct ServerText {
-    std::string_view column;
-    std::string GlobalEmailFields::*server;
-    std::string GlobalEmailFields::*global;
-};
-constexpr ServerText kServerTexts[] = {{"strEmailList1", &GlobalEmailFields::strEmailList1, &GlobalEmailFields::strToList1},
-                                       {"strEmailList2", &GlobalEmailFields::strEmailList2, &GlobalEmailFields::strToList2},
-                                       {"strEmailFrom", &GlobalEmailFields::strEmailFrom, &GlobalEmailFields::strFrom},
-                                       {"strEmailText", &GlobalEmailFields::strEmailText, &GlobalEmailFields::strSubject}};
-
-constexpr Help kGlobalEmailInputs[] = {
-    {"txtToList1", "The addresses that a new server tells first, with ';' between them."},
-    {"txtToList2", "More addresses that a new server tells, with ';' between them."},
-    {"txtFrom", "The address that the mails of a new server come from."},
-    {"txtSubject", "The subject of the mails of a new server. A comma and what follows it are lost."},
-    {"txtEmailCPU", "Who is told of a high CPU load. Blank means the addresses of the first server."},
-    {"txtEmailDisk", "Who is told of a disk that fills up. Blank means the addresses of the first server."},
-    {"txtEmailMemory", "Who is told when memory runs short. Blank means the addresses of the first server."},
-    {"txtEmailServices", "Who is told of a service that stops. Blank means the addresses of the first server."},
-    {"cmdSaveGlobal", "Saves the global values and the addresses of the monitors. The servers stay as they are."},
-    {"txtEmailList1", "The addresses that this server tells first, with ';' between them."},
-    {"txtEmailList2", "More addresses that this server tells, with ';' between them."},
-    {"txtEmailFrom", "The address that the mails of this server come from."},
-    {"txtEmailText", "The subject of the mails of this server."},
-    {"cmdUpdateServer", "Saves the four fields of this server."},
-    {"cmdUpdateAll", "Gives the global values above to all servers."},
-};
+constexpr std::span kGlobalTexts = std::span(kGlobalEmailInputs).first<4>();
+constexpr std::span kMonitorTexts = std::span(kGlobalEmailInputs).subspan<4, 4>();
+constexpr std::span kServerTexts = std::span(kGlobalEmailInputs).last<4>();
 
 std::string PositionText(std::size_t number, std::size_t total) {
     return "Server: " + std::to_string(number) + " of " + std::to_string(total);
@@ -58,7 +50,11 @@ std::string PositionText(std::size_t number, std::size_t total) {
 
 }  // namespace
 
-GlobalEmailWalk::GlobalEmailWalk(const Desk& desk, ResourceEmails& monitors) : desk_(desk), monitors_(monitors) {}
+std::span<const GlobalEmailInput> GlobalEmailInputs() {
+    return kGlobalEmailInputs;
+}
+
+GlobalEmailWalk::GlobalEmailWalk(const Desk& desk, ResourceEmailFiles& monitors) : desk_(desk), monitors_(monitors) {}
 
 std::string GlobalEmailWalk::Open(GlobalEmailFields& fields) {
     clsGlobalEmail email(desk_.files, desk_.dir);
@@ -67,11 +63,10 @@ std::string GlobalEmailWalk::Open(GlobalEmailFields& fields) {
     fields.strToList2 = email.getToList2();
     fields.strFrom = email.getFrom();
     fields.strSubject = email.getSubject();
-    for (const MonitorText& each : kMonitors)
-        fields.*each.email = monitors_.getEmail(each.monitor);
+    for (std::size_t i = 0; i < kMonitorTexts.size(); ++i)
+        fields.*kMonitorTexts[i].text = monitors_.getEmail(static_cast<ResourceMonitor>(i));
     return OnDatabase("Form_Load", [this](Connection& connection) {
-        const auto servers = desk_.store.NewRecordset();
-        servers->Open(kAllServers, connection, CursorType::Keyset, LockType::Optimistic);
+        const auto servers = OpenRows(desk_.store, connection, kAllServers);
         for (; !servers->Eof(); servers->MoveNext())
             ids_.push_back(servers->Fields("id").Value().Int64());
     });
@@ -83,8 +78,8 @@ void GlobalEmailWalk::SaveGlobalValues(const GlobalEmailFields& fields) {
     email.setToList2(fields.strToList2);
     email.setFrom(fields.strFrom);
     email.setSubject(fields.strSubject);
-    for (const MonitorText& each : kMonitors)
-        monitors_.setEmail(each.monitor, fields.*each.email);
+    for (std::size_t i = 0; i < kMonitorTexts.size(); ++i)
+        monitors_.setEmail(static_cast<ResourceMonitor>(i), fields.*kMonitorTexts[i].text);
     monitors_.LoadData();
     email.UpdateData();
     desk_.person.ShowMessage(kMessageTitle, "Data updated");
@@ -108,21 +103,21 @@ std::string GlobalEmailWalk::Position() const {
 
 std::string GlobalEmailWalk::ReadServer(GlobalEmailFields& fields) {
     title_.clear();
-    for (const ServerText& text : kServerTexts)
-        (fields.*text.server).clear();
+    for (const GlobalEmailInput& each : kServerTexts)
+        (fields.*each.text).clear();
     return OnCurrentServer("ReadServer", [&](Recordset& row) {
         if (!hasServer_) return;
         title_ = row.Fields("strDesc").Value().Text();
-        for (const ServerText& text : kServerTexts)
-            fields.*text.server = row.Fields(text.column).Value().Text();
+        for (const GlobalEmailInput& each : kServerTexts)
+            fields.*each.text = row.Fields(each.key).Value().Text();
     });
 }
 
 std::string GlobalEmailWalk::UpdateServer(const GlobalEmailFields& fields) {
     const std::string error = OnCurrentServer("UpdateServer", [&](Recordset& row) {
         if (!hasServer_) return;
-        for (const ServerText& text : kServerTexts)
-            row.Fields(text.column) = fields.*text.server;
+        for (const GlobalEmailInput& each : kServerTexts)
+            row.Fields(each.key) = fields.*each.text;
         row.Update();
     });
     if (!hasServer_ && error.empty()) desk_.person.ShowMessage(kMessageTitle, kNoServer);
@@ -136,15 +131,14 @@ void GlobalEmailWalk::AskUpdateAll(std::function<void()> yes) const {
 std::string GlobalEmailWalk::UpdateAll(const GlobalEmailFields& fields,
                                        const std::function<void(const std::string& position)>& shown) {
     return OnDatabase("UpdateAll", [&](Connection& connection) {
-        const auto servers = desk_.store.NewRecordset();
-        servers->Open(kAllServers, connection, CursorType::Keyset, LockType::Optimistic);
+        const auto servers = OpenRows(desk_.store, connection, kAllServers);
         const auto total = static_cast<std::size_t>(servers->RecordCount());
         std::vector<std::int64_t> ids;
         connection.BeginTrans();
         for (; !servers->Eof(); servers->MoveNext()) {
             ids.push_back(servers->Fields("id").Value().Int64());
-            for (const ServerText& text : kServerTexts)
-                servers->Fields(text.column) = fields.*text.global;
+            for (const GlobalEmailInput& each : kGlobalTexts)
+                servers->Fields(each.key) = fields.*each.text;
             servers->Update();
             shown(PositionText(ids.size(), total));
         }
@@ -159,8 +153,7 @@ std::string GlobalEmailWalk::OnCurrentServer(std::string_view routine, const std
     const std::int64_t id = position_ < ids_.size() ? ids_[position_] : -1;
     hasServer_ = false;
     return OnDatabase(routine, [&](Connection& connection) {
-        const auto row = desk_.store.NewRecordset();
-        row->Open("SELECT * from servers where id = " + std::to_string(id), connection, CursorType::Keyset, LockType::Optimistic);
+        const auto row = OpenRows(desk_.store, connection, "SELECT * from servers where id = " + std::to_string(id));
         hasServer_ = !row->Eof();
         work(*row);
     });
@@ -168,19 +161,13 @@ std::string GlobalEmailWalk::OnCurrentServer(std::string_view routine, const std
 
 std::string GlobalEmailWalk::OnDatabase(std::string_view routine, const std::function<void(Connection& connection)>& work) {
     try {
-        const auto connection = desk_.store.NewConnection();
-        connection->SetConnectionString(OdbcConnectionText(desk_.dir));
-        connection->Open();
+        const auto connection = OpenDatabase(desk_.store, desk_.dir);
         work(*connection);
         return "";
     } catch (const std::exception& error) {
         desk_.log.WriteLog(kLogOrdinary, kLogError, "frmGlobalEmail:" + std::string(routine) + ": " + error.what());
         return error.what();
     }
-}
-
-std::string_view HelpOnGlobalEmailInput(std::string_view control) {
-    return FindHelp(kGlobalEmailInputs, control);
 }
 
 }  // namespace korvane

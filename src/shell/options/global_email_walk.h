@@ -5,12 +5,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "notify/global_email.h"
 #include "platform/connection.h"
+#include "shell/entry/form_input.h"
+#include "shell/options/resource_emails.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -33,26 +36,18 @@ struct GlobalEmailFields {
     std::string strEmailText;
 };
 
-enum class ResourceMonitor { CPU, Disk, Memory, Services };
+using GlobalEmailInput = FormInput<GlobalEmailFields>;
 
-/// The addresses in the settings of the resource monitors.
-class ResourceEmails {
-public:
-    virtual ~ResourceEmails() = default;
-    /// Reads the address from the monitor's settings file; empty when there is none.
-    virtual std::string getEmail(ResourceMonitor monitor) = 0;
-    /// Writes the address to the monitor's settings file; the rest of the file stays unchanged.
-    virtual void setEmail(ResourceMonitor monitor, const std::string& email) = 0;
-    /// Makes the four monitors read their settings files again.
-    virtual void LoadData() = 0;
-};
+/// The inputs in three groups of four: the global values, the addresses of the monitors in the order of ResourceMonitor, and the
+/// values of a server, in the order of the global ones. A global value has the column of the servers that it is given to.
+std::span<const GlobalEmailInput> GlobalEmailInputs();
 
 /// Each routine opens the database separately: nothing stays open between two of them. Throws nothing; store errors are logged
 /// and returned, with an empty text for success.
 class GlobalEmailWalk {
 public:
     /// `monitors` must outlive this.
-    GlobalEmailWalk(const Desk& desk, ResourceEmails& monitors);
+    GlobalEmailWalk(const Desk& desk, ResourceEmailFiles& monitors);
 
     /// Call it once, before everything else: reads the global values and the addresses of the monitors, and goes to the first
     /// entry.
@@ -92,14 +87,11 @@ private:
     std::string OnCurrentServer(std::string_view routine, const std::function<void(Recordset& row)>& work);
 
     const Desk desk_;
-    ResourceEmails& monitors_;
+    ResourceEmailFiles& monitors_;
     std::vector<std::int64_t> ids_;  ///< of the entries, in their order
     std::size_t position_ = 0;       ///< of the current one
     std::string title_;
     bool hasServer_ = false;
 };
-
-/// Returns the status line's text about an input of the window, by the name of the control; empty if there is no help.
-std::string_view HelpOnGlobalEmailInput(std::string_view control);
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 #include "shell/options/options_commands.h"
 
 #include "base/text.h"
+#include "shell/entry/fresh_entry.h"
 #include "shell/run/message_title.h"
 
 namespace korvane {
@@ -11,20 +12,10 @@ constexpr const char* kAskTo =
     "Test emails are about to be sent to your Primary and Backup SMTP Servers.\r\n\r\nWho do you want these test emails sent to?";
 constexpr const char* kAskFrom = "Enter a 'from:' email address:";
 
+constexpr const char* kScheme = "http://";
+
 constexpr const char* kNoUndo =
     "\r\n\r\nThere is no way to UNDO this if you click YES.\r\n\r\nClick YES to Reset and Continue, NO to cancel";
-
-void SetMailSettings(const Desk& desk, const OptionsFields& fields) {
-    const auto set = [&](std::string_view key, const std::string& value) { desk.collection.setKvSettingsColValue(key, value); };
-    set("Server", fields.Server);
-    set("ServerBackup", fields.ServerBackup);
-    set("SMTPPass1", Trim(fields.SMTPPass1));
-    set("SMTPPass2", Trim(fields.SMTPPass2));
-    set("SMTPUser1", Trim(fields.SMTPUser1));
-    set("SMTPUser2", Trim(fields.SMTPUser2));
-    set("SMTPPopHost1", Trim(fields.SMTPPopHost1));
-    set("SMTPPopHost2", Trim(fields.SMTPPopHost2));
-}
 
 void SendTest(Dispatcher& mail, const std::string& to, const std::string& from,
               const std::function<void(const std::string& text)>& setStatus, const std::function<void()>& done) {
@@ -57,23 +48,6 @@ std::string OpeningOf(OptionsReset reset) {
 
 }  // namespace
 
-constexpr std::string_view kRestartTested =
-    "IF YOU CLICKED YES, your computer should be shutting down. If not, the shutdown command failed.  "
-    "Verify whether you have the file 'shutdown.exe' on your computer.  "
-    "If so, it should be located in the same directory where Korvane is installed 'korvanecore.exe'";
-
-constexpr std::string_view kRestartsThisMachine =
-    "Select this option ONLY when you've installed Korvane on the web server (or important server) computer.  "
-    "To shutdown a remote computer, check out the help topics.";
-constexpr std::string_view kDoesNotRestart =
-    "Korvane will not reboot THIS machine (the one this program is running on), when a server failure occurs.  "
-    "This is the option to choose when Korvane is NOT installed on the web server (or important server) machine.";
-constexpr std::string_view kRestartsForAny = "Korvane will restart this computer if ANY server failes (x times in a row).";
-constexpr std::string_view kRestartsForAll =
-    "Korvane will restart this computer when ALL servers are failing.  "
-    "If a server fails x times in a row and all other server entries are failing or have failed x times in a row, "
-    "this computer will be restarted";
-
 void TestMailSettings(const Desk& desk, const OptionsFields& fields, const AskText& ask,
                       const std::function<void(const std::string& text)>& setStatus, const std::function<void()>& done) {
     SetMailSettings(desk, fields);
@@ -96,6 +70,35 @@ void ResetForAll(const Desk& desk, OptionsReset reset) {
 std::string FolderOfFile(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string ProxyDetectedText(const std::string& detected) {
+    return "Korvane has detected your Internet Explorer Proxy server is '" + detected +
+           "'.  Click the 'Set Proxy' button to the left to fill in the proxy server string above.";
+}
+
+ProxyBoxes ProxyFromDetected(const std::string& detected) {
+    const std::size_t colon = detected.find(':') + 1;  // positions are counted from 1; 0: there is none
+    const std::size_t equals = detected.find('=') + 1;
+    const std::size_t afterColon = detected.size() - colon;
+    ProxyBoxes boxes{.name = std::nullopt, .port = detected.substr(colon)};
+    if (colon + 1 >= afterColon) boxes.name = kScheme + detected.substr(equals, colon + 1 - afterColon);
+    return boxes;
+}
+
+bool LacksProxyScheme(const std::string& name) {
+    return !Trim(name).empty() && !EqualsNoCase(name.substr(0, 1), "H");
+}
+
+std::string NoMailServerHint() {
+    return "Please enter an STMP mail server name.  Most SMTP server names are like '" + std::string(kSampleMailHost) + "'";
+}
+
+std::string NoMailServerMessage() {
+    return "You should set the SMTP server value.  "
+           "If you want to get automatic email replies if a Server failure occurs, you must specify this value.  "
+           "It usually is something like '" +
+           std::string(kSampleMailHost) + "'";
 }
 
 }  // namespace korvane

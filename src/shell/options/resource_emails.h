@@ -6,18 +6,22 @@
 #include <string>
 
 #include "platform/files.h"
-#include "shell/options/global_email_walk.h"
 
 namespace korvane {
 
-class ResourceEmailFiles : public ResourceEmails {
+enum class ResourceMonitor { CPU, Disk, Memory, Services };
+
+class ResourceEmailFiles {
 public:
     /// `dir` is the home. `loadData` makes the monitors read their files again; it may be empty. `files` must outlive this.
     ResourceEmailFiles(Files& files, std::string dir, std::function<void()> loadData = {});
 
-    std::string getEmail(ResourceMonitor monitor) override;
-    void setEmail(ResourceMonitor monitor, const std::string& email) override;
-    void LoadData() override;
+    /// Reads the address from the monitor's settings file; empty when there is none.
+    std::string getEmail(ResourceMonitor monitor);
+    /// Writes the address to the monitor's settings file; the rest of the file stays unchanged.
+    void setEmail(ResourceMonitor monitor, const std::string& email);
+    /// Makes the four monitors read their settings files again.
+    void LoadData();
 
 private:
     Files& files_;

@@ -18,7 +18,6 @@
 #include "shell/run/report_commands.h"
 #include "shell/service/service_mode.h"
 #include "shell/web/web_pages.h"
-#include "store/legacy_log.h"
 #include "store/log.h"
 #include "store/maintenance.h"
 #include "store/safeguards.h"

@@ -11,7 +11,6 @@
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
 #include "store/database_files.h"
-#include "store/import_entries.h"
 
 namespace korvane {
 namespace {
@@ -63,13 +62,6 @@ void TellTheEnd(RunRooms& run, const std::string& title, const std::string& text
     run.person.ShowMessage(title, text);
 }
 
-std::unique_ptr<Connection> OpenDatabase(RunRooms& run, const std::string& connectionText) {
-    auto conn = run.store.NewConnection();
-    conn->SetConnectionString(connectionText);
-    conn->Open();
-    return conn;
-}
-
 // ---- the first start
 
 bool IsSetUp(RunRooms& run) {
@@ -93,9 +85,8 @@ void MarkSetUp(RunRooms& run) {
 }
 
 bool HasEntries(RunRooms& run) {
-    const auto conn = OpenDatabase(run, OdbcConnectionText(run.options.dir));
-    const auto rs = run.store.NewRecordset();
-    rs->Open(query::kAllByNextCheck, *conn, CursorType::Static, LockType::Optimistic);
+    const auto conn = OpenDatabase(run.store, run.options.dir);
+    const auto rs = OpenRows(run.store, *conn, query::kAllByNextCheck, CursorType::Static);
     return rs->RecordCount() > 0;
 }
 
@@ -183,9 +174,8 @@ void BringPictures(RunRooms& run) {
 
 // The cycle's query finds only rows with a due time: a row without one, left by another tool, becomes due now.
 void FillBlankTimes(RunRooms& run) {
-    const auto conn = OpenDatabase(run, OleDbConnectionText(run.options.dir));
-    const auto rs = run.store.NewRecordset();
-    rs->Open("SELECT * FROM Servers where dtNextCheck is null", *conn, CursorType::Keyset, LockType::Optimistic);
+    const auto conn = OpenDatabase(run.store, run.options.dir);
+    const auto rs = OpenRows(run.store, *conn, "SELECT * FROM Servers where dtNextCheck is null");
     for (; !rs->Eof(); rs->MoveNext()) {
         rs->Fields("dtNextCheck") = run.clock.Now();
         rs->Update();
@@ -199,7 +189,7 @@ void PrepareEntries(RunRooms& run) {
         for (const std::string& missing : MissingColumns(run.store, run.options.dir))
             TellProblem(run, "the database lacks " + missing + ". Checks go on without it as far as they can.");
     });
-    ImportEntriesOnce({run.events, run.person, run.log, run.status, run.collection, run.entries, run.settings});
+    run.settings.ImportEntriesOnce();
     IgnoreErrors([&] { FillBlankTimes(run); });
 }
 

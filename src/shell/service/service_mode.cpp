@@ -5,7 +5,7 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "shell/options/options_open.h"
+#include "shell/options/options_commands.h"
 #include "shell/run/message_title.h"
 #include "shell/service/service_texts.h"
 

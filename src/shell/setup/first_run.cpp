@@ -136,11 +136,8 @@ private:
 
     void MakeEntry() {
         const std::string url = Ask(QuestionOnUrl());
-        const auto conn = desk_.store.NewConnection();
-        conn->SetConnectionString(OdbcConnectionText(desk_.dir));
-        conn->Open();
-        const auto rs = desk_.store.NewRecordset();
-        rs->Open("SELECT * from servers", *conn, CursorType::Keyset, LockType::Optimistic);
+        const auto conn = OpenDatabase(desk_.store, desk_.dir);
+        const auto rs = OpenRows(desk_.store, *conn, "SELECT * from servers");
         if (rs->RecordCount() == 0) rs->AddNew();
         WriteDefaultEntry(*rs, desk_.ids.NewServerID(), desk_.clock.Now());
         WriteServer(*rs, url);

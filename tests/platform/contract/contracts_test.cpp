@@ -9,14 +9,10 @@
 
 #include "base/text.h"
 #include "platform/curl/curl_inet.h"
-#include "platform/linux/linux_clock.h"
-#include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/qt_timer.h"
 #include "platform/real_ports.h"
 #include "platform/wait.h"
 #include "support/loopback_server.h"
-#include "support/qt_application.h"
 #include "support/virtual_inet.h"
 #include "support/virtual_net.h"
 #include "support/virtual_tcp_socket.h"
@@ -30,7 +26,7 @@ using Page = PageAnswer::Kind;
 using Steps = std::vector<ServerStep>;
 
 /// The ports, played or real, and what a test needs from the other side.
-struct Contract : testing::TestWithParam<bool> {
+struct Contract : RealPorts, testing::WithParamInterface<bool> {
     int RefusingPort() { return real ? korvane::RefusingPort() : (net.Host("127.0.0.1"), ++lastPort); }
     /// A server on 127.0.0.1 and localhost that plays these steps to each client, and then waits for it. Gives its port.
     int Serve(const Steps& steps) {
@@ -78,19 +74,17 @@ struct Contract : testing::TestWithParam<bool> {
         return error + answer;
     }
 
-    const bool real = (NeedQtApplication(), GetParam());
+    const bool real = GetParam();
     VirtualWorld world{DateTime::Of(2026, 11, 21, 15, 0, 0), -5h};
     VirtualNet net{world};
     int lastPort = 1000;
-    SystemClock realClock;
-    QtEvents realEvents;
     QtTimers realTimers;
-    Clock& clock = real ? static_cast<Clock&>(realClock) : world.clock;
-    Events& events = real ? static_cast<Events&>(realEvents) : world.events;
+    const Clock& clock = real ? static_cast<const Clock&>(RealPorts::clock) : world.clock;
+    Events& events = real ? static_cast<Events&>(RealPorts::events) : world.events;
     Timers& timers = real ? static_cast<Timers&>(realTimers) : world.timers;
     std::list<LoopbackServer> servers;
     VirtualInet virtualInet{net};
-    CurlInet realInet{realEvents, realClock, {}};
+    CurlInet realInet{RealPorts::events, RealPorts::clock, {}};
     Inet* const inet = real ? static_cast<Inet*>(&realInet) : &virtualInet;
     VirtualTcpSocket virtualSocket{net};
     QtTcpSocket realSocket;
@@ -185,7 +179,7 @@ TEST_P(Contract, NamesAreLookedUpBesideTheProgramAndFailuresAreEvents) {
 }
 
 TEST_P(Contract, WhatIsSentIsReportedAndASocketCanBeConnectedAgainInsideItsOwnEvents) {
-    const std::string much(3'000'000, 'x');
+    const std::string much(20'000'000, 'x');
     const int first = Serve({{Do::Speak, "x"}}), second = Serve({{Do::Expect, much}, {Do::Speak, "x"}, {Do::Reset, "", 50ms}});
     std::size_t sent = 0, remaining = 1;
     const auto arrival = [&] {

@@ -1,7 +1,6 @@
 #include "shell/desktop/editor/frm_commands.h"
 
 #include <QApplication>
-#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -13,7 +12,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/reading_text.h"
 #include "shell/run/message_title.h"
 
@@ -29,37 +28,22 @@ enum Column { kNumber, kSuccess, kCommand };
 }  // namespace
 
 frmCommands::frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent)
-    : QDialog(parent),
-      person_(desk.person),
-      rules_({desk.store, desk.clock, desk.events, desk.log}, std::move(connectionText), id),
+    : FormDialog("frmCommands", "Failure Texts and Commands", parent),
+      operator_(desk.person),
+      rules_(desk, std::move(connectionText), id),
       listPosition_(listPosition),
       id_(std::move(id)) {
-    setObjectName("frmCommands");
-    setWindowTitle("Failure Texts and Commands");
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
-
-    lblHelp_ = new ReadingText(this);
-    lblHelp_->setObjectName("lblHelp");
-    lblHelp_->setAccessibleName("Explanation");
+    lblHelp_ = new ReadingText("lblHelp", "Explanation", kRuleHelpLines, this);
     lblHelp_->setFocusPolicy(Qt::ClickFocus);
-    lblHelp_->SetLines(kRuleHelpLines);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(RuleRows(), 1);
-    layout->addWidget(lblHelp_);
-    layout->addWidget(Buttons());
+    content_->addWidget(RuleRows(), 1);
+    content_->addWidget(lblHelp_);
+    content_->addWidget(Buttons());
     const QSize wanted(fontMetrics().averageCharWidth() * kRuleCharacters, sizeHint().height());
     resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
     LoadRules();
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { Explain(now); });
     rows_[0].txtSuccess->setFocus();
     Explain(rows_[0].txtSuccess);
-}
-
-// Destroying the controls still moves the focus, and nothing is left to explain it.
-frmCommands::~frmCommands() {
-    disconnect(qApp, nullptr, this, nullptr);
 }
 
 QWidget* frmCommands::RuleRows() {
@@ -92,10 +76,8 @@ QWidget* frmCommands::RuleRows() {
 void frmCommands::AddRow(QGridLayout& grid, int number) {
     QWidget* page = grid.parentWidget();
     const QString text = QString::number(number);
-    const auto newBox = [&](const char* objectName, const char* accessibleName, Column column) {
-        auto* box = new QLineEdit(page);
-        box->setObjectName(objectName + text);
-        box->setAccessibleName(accessibleName + QString::number(number + 1));
+    const auto newBox = [&](const QString& name, const QString& accessibleName, Column column) {
+        auto* box = NewBox((name + text).toLatin1(), accessibleName + QString::number(number + 1), page);
         box->setMinimumWidth(fontMetrics().averageCharWidth() * kFewest);
         grid.addWidget(box, number + 1, column);
         return box;
@@ -107,17 +89,11 @@ void frmCommands::AddRow(QGridLayout& grid, int number) {
     connect(rows_[index].txtCommand, &QLineEdit::textChanged, this, [this, index] { Explain(rows_[index].txtCommand); });
 }
 
-QWidget* frmCommands::Buttons() {
+QDialogButtonBox* frmCommands::Buttons() {
     auto* buttons = new QDialogButtonBox(this);
-    const auto add = [&](const char* name, const QString& text, QDialogButtonBox::ButtonRole role, void (frmCommands::*click)()) {
-        QPushButton* button = buttons->addButton(text, role);
-        button->setObjectName(name);
-        connect(button, &QPushButton::clicked, this, [this, click] { (this->*click)(); });
-        return button;
-    };
-    add("cmdOk", "O&K", QDialogButtonBox::AcceptRole, &frmCommands::cmdOk_Click)->setDefault(true);
-    add("cmdCancel", "Cance&l", QDialogButtonBox::RejectRole, &frmCommands::reject);
-    add("cmdHelp", "&Help", QDialogButtonBox::HelpRole, &frmCommands::cmdHelp_Click)->setAutoDefault(false);
+    AddButton(*buttons, {"cmdOk", "O&K"}, QDialogButtonBox::AcceptRole, [this] { cmdOk_Click(); })->setDefault(true);
+    AddButton(*buttons, {"cmdCancel", "Cance&l"}, QDialogButtonBox::RejectRole, [this] { reject(); });
+    AddButton(*buttons, {"cmdHelp", "&Help"}, QDialogButtonBox::HelpRole, [this] { cmdHelp_Click(); })->setAutoDefault(false);
     return buttons;
 }
 
@@ -136,7 +112,7 @@ void frmCommands::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(found_, true)) return;
     QTimer::singleShot(
-        0, this, [&person = person_, text = "can't find record with id " + id_] { person.ShowMessage(kMessageTitle, text); });
+        0, this, [&shower = operator_, text = "can't find record with id " + id_] { shower.ShowMessage(kMessageTitle, text); });
 }
 
 FailTextRule frmCommands::Rule(std::size_t row) const {
@@ -169,7 +145,7 @@ void frmCommands::cmdOk_Click() {
 }
 
 void frmCommands::cmdHelp_Click() {
-    person_.ShowMessage(kMessageTitle, FailTextRulesHelp());
+    operator_.ShowMessage(kMessageTitle, FailTextRulesHelp());
 }
 
 }  // namespace korvane

@@ -1,12 +1,12 @@
 // The dialog for the texts that mean failure: ten rows of a search text and a command for one entry.
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <cstddef>
 #include <string>
 #include <tuple>
 
+#include "shell/desktop/toolkit/tabbed_dialog.h"
 #include "shell/entry/fail_text_rules.h"
 #include "shell/run/desk.h"
 
@@ -15,14 +15,11 @@ class QLineEdit;
 
 namespace korvane {
 
-class ReadingText;
-
-/// Shown with open(); deleted when it is closed. Only OK saves the content; when that fails the dialog stays open.
-class frmCommands : public QDialog {
+/// Only OK saves the content; when that fails the dialog stays open.
+class frmCommands : public FormDialog {
 public:
     /// `id` is the entry's. `listPosition` is only stored for callers. Reading the rules blocks for 100 ms per rule.
     frmCommands(const Desk& desk, std::string connectionText, int listPosition, std::string id, QWidget* parent);
-    ~frmCommands() override;
 
     int ListPosition() const { return listPosition_; }
 
@@ -37,7 +34,7 @@ private:
 
     QWidget* RuleRows();
     void AddRow(QGridLayout& grid, int number);
-    QWidget* Buttons();
+    QDialogButtonBox* Buttons();
     void LoadRules();
     FailTextRule Rule(std::size_t row) const;
     void SearchTextChanged(std::size_t row);
@@ -45,7 +42,7 @@ private:
     void cmdOk_Click();
     void cmdHelp_Click();
 
-    Operator& person_;
+    Operator& operator_;
     FailTextRules rules_;
     int listPosition_;
     std::string id_;

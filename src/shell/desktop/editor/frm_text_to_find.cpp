@@ -1,16 +1,13 @@
 #include "shell/desktop/editor/frm_text_to_find.h"
 
-#include <QDialogButtonBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <utility>
 
-#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/desktop/editor/frm_url_data.h"
 #include "shell/desktop/toolkit/reading_text.h"
-#include "shell/entry/text_to_find.h"
+#include "shell/entry/entry_hints.h"
 
 namespace korvane {
 namespace {
@@ -20,58 +17,40 @@ constexpr int kTextStatusLines = 8;
 
 }  // namespace
 
-frmTextToFind::frmTextToFind(TextToFindEditor editor, QWidget* parent) : QDialog(parent), editor_(std::move(editor)) {
-    setObjectName("frmTextToFind");
-    setWindowTitle("Text to Find");
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
-
-    txtExpected_ = new QLineEdit(Q(editor_.expectedText()), this);
-    txtExpected_->setObjectName("txtExpected");
+frmTextToFind::frmTextToFind(frmURLData& editor) : FormDialog("frmTextToFind", "Text to Find", &editor), editor_(editor) {
+    txtExpected_ = NewBox("txtExpected", Q(TextToFindHeading(editor_.getURLText())), this);
+    txtExpected_->setText(Q(editor_.ExpectedText()));
     txtExpected_->setMinimumWidth(fontMetrics().averageCharWidth() * kTextCharacters);
     connect(txtExpected_, &QLineEdit::textChanged, this, [this] { Explain(); });
-    lblStatus_ = new ReadingText(this);
-    lblStatus_->setObjectName("lblStatus");
-    lblStatus_->setAccessibleName("Explanation");
+    lblStatus_ = new ReadingText("lblStatus", "Explanation", kTextStatusLines, this);
     lblStatus_->setFocusPolicy(Qt::ClickFocus);
-    lblStatus_->SetLines(kTextStatusLines);
 
-    auto* layout = new QVBoxLayout(this);
-    AddHeading(*layout);
-    layout->addWidget(txtExpected_);
-    layout->addWidget(lblStatus_);
-    layout->addStretch();
-    layout->addWidget(Buttons());
+    content_->addWidget(Heading());
+    content_->addWidget(txtExpected_);
+    content_->addWidget(lblStatus_);
+    content_->addStretch();
+    content_->addWidget(Buttons());
     txtExpected_->setFocus();
     Explain();
 }
 
-void frmTextToFind::AddHeading(QVBoxLayout& layout) {
-    const QString text = Q(TextToFindHeading(editor_.getURLText()));
+QLabel* frmTextToFind::Heading() {
     auto* heading = new QLabel(this);
     heading->setObjectName("lblHeading");
     heading->setTextFormat(Qt::PlainText);
-    heading->setText(QString(text).replace("&", "&&"));  // in a label with a buddy a single "&" would define a key
+    heading->setText(txtExpected_->accessibleName().replace("&", "&&"));  // in a label with a buddy "&" would define a key
     heading->setWordWrap(true);
     heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // an address without a space must not widen the dialog
     heading->setBuddy(txtExpected_);
-    txtExpected_->setAccessibleName(text);
-    layout.addWidget(heading);
+    return heading;
 }
 
-QWidget* frmTextToFind::Buttons() {
+QDialogButtonBox* frmTextToFind::Buttons() {
     auto* buttons = new QDialogButtonBox(this);
-    cmdTest_ = buttons->addButton("&Test", QDialogButtonBox::ActionRole);
-    cmdTest_->setObjectName("cmdTest");
+    cmdTest_ = AddButton(*buttons, {"cmdTest", "&Test"}, QDialogButtonBox::ActionRole, [this] { cmdTest_Click(); });
     cmdTest_->setAutoDefault(false);
-    connect(cmdTest_, &QPushButton::clicked, this, [this] { cmdTest_Click(); });
-    QPushButton* cmdOk = buttons->addButton("O&K", QDialogButtonBox::AcceptRole);
-    cmdOk->setObjectName("cmdOk");
-    cmdOk->setDefault(true);
-    connect(cmdOk, &QPushButton::clicked, this, [this] { cmdOk_Click(); });
-    QPushButton* cmdCancel = buttons->addButton("&Cancel", QDialogButtonBox::RejectRole);
-    cmdCancel->setObjectName("cmdCancel");
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
+    AddButton(*buttons, {"cmdOk", "O&K"}, QDialogButtonBox::AcceptRole, [this] { cmdOk_Click(); })->setDefault(true);
+    AddButton(*buttons, {"cmdCancel", "&Cancel"}, QDialogButtonBox::RejectRole, [this] { reject(); });
     return buttons;
 }
 
@@ -83,7 +62,7 @@ void frmTextToFind::Explain() {
 }
 
 void frmTextToFind::WriteBack() {
-    editor_.setExpectedText(S(txtExpected_->text()));
+    editor_.SetExpectedText(S(txtExpected_->text()));
 }
 
 void frmTextToFind::cmdOk_Click() {
@@ -94,11 +73,10 @@ void frmTextToFind::cmdOk_Click() {
 // The test waits through the event pump: only one runs at a time, and this dialog and the editor may be gone when it returns.
 void frmTextToFind::cmdTest_Click() {
     const QPointer<frmTextToFind> self = this;
-    const auto test = editor_.cmdTestURL_Click;
     const bool hadFocus = cmdTest_->hasFocus();
     cmdTest_->setEnabled(false);
     WriteBack();
-    test();
+    editor_.cmdTestURL_Click();
     if (self == nullptr) return;
     cmdTest_->setEnabled(true);
     if (hadFocus) cmdTest_->setFocus();  // disabling the command moved it

@@ -1,8 +1,6 @@
 #include "shell/desktop/editor/frm_url_data.h"
 
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
@@ -11,43 +9,51 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
-#include "shell/desktop/editor/frm_url_data_pages.h"
-#include "shell/desktop/editor/frm_url_data_server_page.h"
-#include "shell/desktop/toolkit/qt_text.h"
-#include "shell/entry/entry_hints.h"
-#include "shell/entry/entry_row.h"
 #include "shell/entry/entry_save.h"
+#include "shell/entry/entry_type.h"
 #include "shell/run/message_title.h"
 
 namespace korvane {
+namespace {
 
-frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent)
-    : TabbedDialog("frmURLData", "Server Settings", parent), desk_(desk), strID_(std::move(strID)), saved_(std::move(saved)) {
-    askForFile = [this](const QString& title, const auto& chosen) { AskForFile(title, chosen); };
+constexpr std::string_view kNewEntryHint =
+    "Please fill in all the appropriate settings and check each of the settings tabs before saving.";
 
-    BuildPages();
-    cmdTestURL_ = AddStatusAndButtons("cmdTestURL", "&Test", [this] { cmdOk_Click(); });
+// Letters that no other control of the first page uses. The labels change with the type, and each contains one of them.
+constexpr const char* kAddressKeys = "WN";
+constexpr const char* kExpectedKeys = "E";
 
-    ConnectTyping();
-    ConnectCommands();
-    WatchForHelp(HelpOnInput);
-    WatchFixedBoxes();
-    Form_Load(isAddUrl);
-    server_->txtAddress_IP->setFocus();
+/// The first of these letters that the label contains becomes its key.
+QString WithKey(QString label, const char* keys) {
+    for (const char* key = keys; *key != '\0'; ++key) {
+        const auto at = label.indexOf(QLatin1Char(*key), 0, Qt::CaseInsensitive);
+        if (at >= 0) return label.insert(at, '&');
+    }
+    return label;
 }
 
-void frmURLData::BuildPages() {
-    server_ = new ServerPage(inputs_, this);
-    eMail_ = new EMailPage(inputs_, this);
-    authentication_ = new AuthenticationPage(inputs_, this);
-    scanText_ = new ScanTextPage(this);
-    commands_ = new CommandsPage(inputs_, this);
-    AddPage(server_, "Server");
-    AddPage(eMail_, "E-Mail");
-    AddPage(new DownTimesPage(inputs_, this), "Down Times");
-    AddPage(authentication_, "Authentication");
-    AddPage(scanText_, "Scan Text");
-    AddPage(commands_, "Commands");
+}  // namespace
+
+frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::function<void()> saved, QWidget* parent)
+    : TabbedDialog("frmURLData", "Server Settings", parent),
+      desk_(desk),
+      strID_(std::move(strID)),
+      saved_(std::move(saved)),
+      inputs_(EntryInputs()) {
+    AddServerPage();
+    AddEMailPage();
+    AddDownTimesPage();
+    AddAuthenticationPage();
+    AddScanTextPage();
+    AddCommandsPage();
+    cmdTestURL_ = AddStatusAndButtons(
+        {"cmdTestURL", "&Test", "Checks the server once with what is on these pages. Nothing is saved."},
+        [this] { cmdTestURL_Click(); }, [this] { cmdOk_Click(); });
+
+    ConnectTyping();
+    WatchForHelp();
+    Form_Load(isAddUrl);
+    txtAddress_IP_->setFocus();
 }
 
 void frmURLData::Form_Load(bool isAddUrl) {
@@ -58,64 +64,70 @@ void frmURLData::Form_Load(bool isAddUrl) {
         inputs_.Fill(entry.fields);
         savedLastResponse_ = entry.strLastResponse;
         savedExpectedText_ = entry.fields.strExpectedText;
-        InitServerTypes(entry.fields, true);
+        for (const ServerType& type : ServerTypeTable())
+            cmbType_->addItem(Q(type.name));
+        InitServerTypes(entry.fields);
     }
-    server_->cmdLastResponse->setEnabled(!Trim(savedLastResponse_).empty());
+    cmdLastResponse_->setEnabled(!Trim(savedLastResponse_).empty());
     if (isAddUrl) SetStatus(kNewEntryHint);
     loading_ = false;
 }
 
-void frmURLData::InitServerTypes(const EntryFields& fields, bool fillList) {
-    types_ = korvane::InitServerTypes(fields.strPort, fields.strRequestText, fields.strExpectedText, typeChanged_);
-    if (fillList) {
-        for (const EntryTypeTexts& type : types_)
-            server_->cmbType->addItem(Q(type.name));
-    }
-    const int index = IndexOfType(types_, fields.strType);
-    server_->cmbType->setCurrentIndex(index);
+void frmURLData::InitServerTypes(const EntryFields& fields) {
+    const int index = IndexOfType(fields.strType);
+    cmbType_->setCurrentIndex(index);
     if (index < 0) return;
-    const EntryTypeTexts& type = types_[static_cast<std::size_t>(index)];
-    const EntryTypeScreen& screen = ScreenOfType(type.name);
-    server_->SetScreen(screen);
-    for (const QWidget* page : std::initializer_list<const QWidget*>{authentication_, scanText_})
-        tabPages_->setTabEnabled(IndexOfPage(page), screen.webPages);
-    server_->lblPrefix->setText(Q(type.prefix));
-    server_->txtPort->setText(Q(type.port));
-    server_->txtRequestText->setText(Q(type.request));
-    server_->txtExpectedText->setText(Q(type.expected));
+    const ServerType& type = ServerTypeTable()[static_cast<std::size_t>(index)];
+    const EntryTypeTexts texts = TextsOfType(type, fields, typeChanged_);
+    SetScreen(ScreenOfType(type.name));
+    lblPrefix_->setText(Q(type.prefix));
+    txtPort_->setText(Q(texts.port));
+    inputs_.Box(&EntryFields::strRequestText)->setText(Q(texts.request));
+    txtExpectedText_->setText(Q(texts.expected));
+}
+
+void frmURLData::SetScreen(const EntryTypeScreen& screen) {
+    txtPort_->setEnabled(screen.portEnabled);
+    inputs_.Box(&EntryFields::strRequestText)->setEnabled(screen.requestEnabled);
+    if (screen.expectedEnabled) txtExpectedText_->setEnabled(*screen.expectedEnabled);
+    cmdTextToFind_->setEnabled(txtExpectedText_->isEnabled());
+    form_->setRowVisible(timeoutRow_, screen.timeoutShown);
+    lblAddress_->setText(WithKey(Q(screen.addressLabel), kAddressKeys));
+    inputs_.Label(&EntryFields::strExpectedText)->setText(WithKey(Q(screen.expectedLabel), kExpectedKeys));
+    txtExpectedText_->setAccessibleName(Q(screen.expectedLabel).remove(':'));
+    for (const int page : webPages_)
+        tabPages_->setTabEnabled(page, screen.webPages);
 }
 
 EntryFields frmURLData::Read() const {
     EntryFields fields = inputs_.Read();
-    fields.strType = S(server_->cmbType->currentText());
+    fields.strType = S(cmbType_->currentText());
     return fields;
 }
 
 std::string frmURLData::getURLText() const {
-    return S(server_->txtAddress_IP->text());
+    return S(txtAddress_IP_->text());
 }
 
 std::int16_t frmURLData::GetAttempts() const {
     std::int16_t attempts = 0;
-    IgnoreErrors([&] { attempts = Value(S(server_->txtTries->text())).Int16(); });
+    IgnoreErrors([&] { attempts = Value(S(inputs_.Box(&EntryFields::nTries)->text())).Int16(); });
     return attempts;
 }
 
 std::string frmURLData::ExpectedText() const {
-    return S(server_->txtExpectedText->text());
+    return S(txtExpectedText_->text());
 }
 
 void frmURLData::SetExpectedText(const std::string& text) {
-    server_->txtExpectedText->setText(Q(text));
+    txtExpectedText_->setText(Q(text));
 }
 
 void frmURLData::cmdOk_Click() {
     const EntryFields fields = Read();
     inputs_.TakeMarksAway();
     if (const auto refusal = CheckDownTimes(fields)) {
-        QLineEdit* const box = inputs_.Box(refusal->field);
-        ShowPageOf(box);
-        MarkRefused(*box, Lines(refusal->message));
+        ShowRefusal(*inputs_.Box(refusal->field), refusal->message);
         desk_.person.ShowMessage(kMessageTitle, refusal->message);
         return;
     }
@@ -123,7 +135,7 @@ void frmURLData::cmdOk_Click() {
     const Desk desk = desk_;
     const std::string strID = strID_;
     const bool isSaved = SaveEntry(desk, strID, fields, [self](const std::string& name) {
-        if (self != nullptr) self->server_->txtAddress_IP->setText(Q(name));
+        if (self != nullptr) self->txtAddress_IP_->setText(Q(name));
     });
     if (!isSaved || self == nullptr || IsClosed()) return;
     saved_();

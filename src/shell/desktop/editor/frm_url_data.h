@@ -7,19 +7,17 @@
 #include <functional>
 #include <string>
 
-#include "shell/desktop/editor/frm_url_data_inputs.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/tabbed_dialog.h"
-#include "shell/entry/entry_type.h"
+#include "shell/entry/entry_inputs.h"
 #include "shell/run/desk.h"
 
-class QPushButton;
+class QComboBox;
+class QToolButton;
 
 namespace korvane {
 
-class CommandsPage;
-class EMailPage;
-class ScanTextPage;
-class ServerPage;
+struct EntryTypeScreen;
 
 /// Shown with open(); deleted when it is closed. It closes after a save and on cancel, even while a test of its own waits: that
 /// test then ends without a message.
@@ -41,17 +39,25 @@ public:
     std::string ExpectedText() const;
     void SetExpectedText(const std::string& text);
 
-    /// Asks for a file and calls back with its path; does not call back when the operator cancels. Tests replace it.
-    std::function<void(const QString& title, std::function<void(const QString& path)> chosen)> askForFile;
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Implemented in frm_url_data_pages.cpp.
+    void AddServerPage();
+    void AddTypeRow();
+    void AddExpectedTextRow();
+    void AddHistoryRow(QVBoxLayout& page);
+    void AddEMailPage();
+    void AddDownTimesPage();
+    void AddAuthenticationPage();
+    void AddScanTextPage();
+    void AddCommandsPage();
+
     // Implemented in frm_url_data.cpp.
-    void BuildPages();
     void Form_Load(bool isAddUrl);
-    void InitServerTypes(const EntryFields& fields, bool fillList);
+    void InitServerTypes(const EntryFields& fields);
+    void SetScreen(const EntryTypeScreen& screen);
     EntryFields Read() const;
     void cmdOk_Click();
 
@@ -62,16 +68,13 @@ private:
     void TypeChanged();
     void RestartToggled(bool restart);
     bool ExplainFixedBox(const QObject* label);
-    void WatchFixedBoxes();
 
     // Implemented in frm_url_data_commands.cpp.
-    void ConnectCommands();
     void SetBusy(bool busy);
     void cmdTestEmail_Click();
     void MailTestEnds(bool sent);
     void TestCommand(const char* question, const QLineEdit& box);
     void ChooseCommand(const QString& title, QLineEdit& box);
-    void AskForFile(const QString& title, const std::function<void(const QString& path)>& chosen);
     void cmdTraceRoute_Click();
     void cmdLastResponse_Click();
     void cmdReset_Click();
@@ -81,7 +84,6 @@ private:
     const Desk desk_;
     std::string strID_;
     std::function<void()> saved_;
-    bool loading_ = true;       ///< the handlers of changes do nothing
     bool typeChanged_ = false;  ///< during the refill after a change of type
     bool busyPointer_ = false;  ///< a test is running; stays set after a test without an IPv4 address
     bool mailing_ = false;      ///< a test mail is being sent
@@ -89,14 +91,20 @@ private:
     std::string savedExpectedText_;
     std::string savedLastResponse_;
     QString savedCommand_;  ///< the command before the restart command replaced it
-    std::vector<EntryTypeTexts> types_;
 
-    EntryInputs inputs_;
-    ServerPage* server_ = nullptr;
-    EMailPage* eMail_ = nullptr;
-    QWidget* authentication_ = nullptr;
-    ScanTextPage* scanText_ = nullptr;
-    CommandsPage* commands_ = nullptr;
+    FormInputs<EntryFields> inputs_;
+    QFormLayout* form_ = nullptr;  ///< of the first page
+    int timeoutRow_ = 0;           ///< in it
+    std::vector<int> webPages_;    ///< those that only web pages need
+    QComboBox* cmbType_ = nullptr;
+    QLabel* lblAddress_ = nullptr;
+    QLabel* lblPrefix_ = nullptr;
+    QLineEdit* txtAddress_IP_ = nullptr;
+    QLineEdit* txtPort_ = nullptr;
+    QLineEdit* txtExpectedText_ = nullptr;
+    QLineEdit* txtCMD_ = nullptr;
+    QToolButton* cmdTextToFind_ = nullptr;
+    QPushButton* cmdLastResponse_ = nullptr;
     QPushButton* cmdTestURL_ = nullptr;
 };
 

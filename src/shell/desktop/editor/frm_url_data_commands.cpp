@@ -1,11 +1,7 @@
 // The editor's commands except saving: those that test, show and reset.
 #include <QCursor>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QToolButton>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -14,10 +10,7 @@
 #include "shell/desktop/editor/frm_commands.h"
 #include "shell/desktop/editor/frm_text_to_find.h"
 #include "shell/desktop/editor/frm_url_data.h"
-#include "shell/desktop/editor/frm_url_data_pages.h"
-#include "shell/desktop/editor/frm_url_data_server_page.h"
-#include "shell/desktop/toolkit/qt_text.h"
-#include "shell/entry/entry_commands.h"
+#include "shell/entry/entry_hints.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
 #include "shell/run/message_title.h"
@@ -27,29 +20,11 @@ namespace korvane {
 namespace {
 
 constexpr int kNoListPosition = 0;
+constexpr const char* kNoRecipientMessage =
+    "You must type in a valid email address in the Email Notify #1 or #2 field.  "
+    "A valid email address looks like 'you@example.com'";
 
 }  // namespace
-
-void frmURLData::ConnectCommands() {
-    const auto onClick = [this](QAbstractButton* button, auto command) {
-        connect(button, &QAbstractButton::clicked, this, command);
-    };
-    onClick(cmdTestURL_, [this] { cmdTestURL_Click(); });
-    onClick(eMail_->cmdTestEmail, [this] { cmdTestEmail_Click(); });
-    onClick(commands_->cmdTestCMD, [this] { TestCommand(kTestFailureCommand, *commands_->txtCMD); });
-    onClick(commands_->cmdTestCMDUP, [this] { TestCommand(kTestUpCommand, *commands_->txtCMDUP); });
-    onClick(commands_->cmdChooseCMD,
-            [this] { ChooseCommand("Choose a Server Down command (*.bat or *.exe)", *commands_->txtCMD); });
-    onClick(commands_->cmdChooseCMDUP,
-            [this] { ChooseCommand("Choose a Server UP command (*.bat or *.exe)", *commands_->txtCMDUP); });
-    onClick(server_->cmdTraceRoute, [this] { cmdTraceRoute_Click(); });
-    onClick(server_->cmdLastResponse, [this] { cmdLastResponse_Click(); });
-    onClick(server_->cmdReport, [this] { desk_.reports.DisplayReport("0", Read().strGroup); });
-    onClick(server_->cmdReset, [this] { cmdReset_Click(); });
-    onClick(server_->cmdTextToFind, [this] { cmdTextToFind_Click(); });
-    onClick(scanText_->cmdCommands, [this] { cmdCommands_Click(); });
-    onClick(scanText_->cmdHelpRules, [this] { desk_.pages.Show(WebPage::RulesHelp); });
-}
 
 void frmURLData::SetBusy(bool busy) {
     busyPointer_ = busy;
@@ -75,8 +50,7 @@ void frmURLData::cmdTestURL_Click() {
     // opened again.
     if (isGone()) return;
     if (!result) {
-        ShowPageOf(server_->txtAddress_IP);
-        MarkRefused(*server_->txtAddress_IP, Lines(NotAnAddressMessage(fields.strAddress_IP)));
+        ShowRefusal(*txtAddress_IP_, NotAnAddressMessage(fields.strAddress_IP));
         return;
     }
     SetBusy(false);
@@ -90,9 +64,9 @@ void frmURLData::cmdTestURL_Click() {
     if (isGone() || advice.empty()) return;
     desk.person.ShowMessage(kMessageTitle, advice);
     if (isGone()) return;
-    ShowPageOf(server_->txtPort);
-    server_->txtPort->setFocus();
-    server_->txtPort->selectAll();
+    ShowPageOf(txtPort_);
+    txtPort_->setFocus();
+    txtPort_->selectAll();
 }
 
 void frmURLData::cmdTestEmail_Click() {
@@ -100,13 +74,13 @@ void frmURLData::cmdTestEmail_Click() {
     EntryFields fields = Read();
     inputs_.TakeMarksAway();
     if (Trim(fields.strEmailList1).empty() && Trim(fields.strEmailList2).empty()) {
-        MarkRefused(*eMail_->txtEmailList1, Q(kNoRecipientMessage));
+        MarkRefused(*inputs_.Box(&EntryFields::strEmailList1), Q(kNoRecipientMessage));
         return desk_.person.ShowMessage(kMessageTitle, kNoRecipientMessage);
     }
     fields.strEmailList1 = NormaliseRecipients(fields.strEmailList1);
     fields.strEmailList2 = NormaliseRecipients(fields.strEmailList2);
-    eMail_->txtEmailList1->setText(Q(fields.strEmailList1));
-    eMail_->txtEmailList2->setText(Q(fields.strEmailList2));
+    inputs_.Box(&EntryFields::strEmailList1)->setText(Q(fields.strEmailList1));
+    inputs_.Box(&EntryFields::strEmailList2)->setText(Q(fields.strEmailList2));
     SetStatus("Please refer to the Korvane main window to see progress indications.");
     mailing_ = true;
     const QPointer<frmURLData> self = this;
@@ -135,20 +109,8 @@ void frmURLData::TestCommand(const char* question, const QLineEdit& box) {
 }
 
 void frmURLData::ChooseCommand(const QString& title, QLineEdit& box) {
-    askForFile(title, [this, &box](const QString& path) { box.setText(Q(CommandOfFile(desk_.files, S(path)))); });
-}
-
-void frmURLData::AskForFile(const QString& title, const std::function<void(const QString& path)>& chosen) {
-    auto* dialog = new QFileDialog(this, title);
-    dialog->setObjectName("fileDialog");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
-    // ExistingFile would add the extension to programs that have none.
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilter("*.* (*)");
-    dialog->setOption(QFileDialog::HideNameFilterDetails);
-    connect(dialog, &QFileDialog::fileSelected, this, chosen);
-    dialog->open();
+    AskForFile(title, "", "", "*.* (*)",
+               [this, &box](const QString& path) { box.setText(Q(CommandOfFile(desk_.files, S(path)))); });
 }
 
 void frmURLData::cmdTraceRoute_Click() {
@@ -190,11 +152,7 @@ void frmURLData::cmdCommands_Click() {
 }
 
 void frmURLData::cmdTextToFind_Click() {
-    TextToFindEditor editor{.expectedText = [this] { return ExpectedText(); },
-                            .setExpectedText = [this](const std::string& text) { SetExpectedText(text); },
-                            .getURLText = [this] { return getURLText(); },
-                            .cmdTestURL_Click = [this] { cmdTestURL_Click(); }};
-    (new frmTextToFind(std::move(editor), this))->open();
+    (new frmTextToFind(*this))->open();
 }
 
 }  // namespace korvane

@@ -1,124 +1,187 @@
-#include "shell/desktop/editor/frm_url_data_pages.h"
-
+// The pages of the editor.
 #include <QCheckBox>
-#include <QFormLayout>
-#include <QGroupBox>
+#include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabWidget>
+#include <QToolButton>
 #include <QVBoxLayout>
 
+#include "shell/desktop/editor/frm_url_data.h"
+#include "shell/entry/entry_hints.h"
+#include "shell/entry/entry_type.h"
+
 namespace korvane {
+namespace {
 
-EMailPage::EMailPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    txtEmailList1 = inputs.AddBox(&EntryFields::strEmailList1, "txtEmailList1", "Email Notify 1", this);
-    AddRow(*form, "Email Notify #&1:", "lblEmailList1", txtEmailList1);
-    txtEmailList2 = inputs.AddBox(&EntryFields::strEmailList2, "txtEmailList2", "Email Notify 2", this);
-    AddRow(*form, "Email Notify #&2:", "lblEmailList2", txtEmailList2);
-    AddRow(*form, "&From:", "lblEmailFrom", inputs.AddBox(&EntryFields::strEmailFrom, "txtEmailFrom", "From", this));
-    AddRow(*form, "&Subject:", "lblEmailText", inputs.AddBox(&EntryFields::strEmailText, "txtEmailText", "Subject", this));
-    AddRow(*form, "&Body (Line 1):", "lblEmailBody",
-           inputs.AddBox(&EntryFields::strEmailBody, "txtEmailBody", "Body (Line 1)", this));
-    layout->addSpacing(fontMetrics().height() / 2);
-    layout->addWidget(inputs.AddMark(&EntryFields::bNotSendBody, "ckNotSendBody",
-                                     "Do &not use the default Korvane Email Body Text. Use only what's on 'Body (Line 1)'",
-                                     this));
-    layout->addWidget(
-        inputs.AddMark(&EntryFields::bSendUpNotify, "ckSendUpNotify", "Send mail when the server comes back &up", this));
-    layout->addStretch();
-    cmdTestEmail = NewButton("cmdTestEmail", "Send Test &Mail", "Send Test Mail", this);
-    layout->addWidget(cmdTestEmail, 0, Qt::AlignLeft);
+constexpr int kTypesAtOnce = 20;  // in the open list: all of them
+constexpr int kAddressCharacters = 52;
+
+}  // namespace
+
+void frmURLData::AddServerPage() {
+    QVBoxLayout& page = AddPage("Server", "What is watched, how often, and what it must answer.");
+    form_ = &AddForm(page);
+    AddTypeRow();
+    lblPrefix_ = NewLabel("lblPrefix", "", this);
+    txtAddress_IP_ = inputs_.AddBox(&EntryFields::strAddress_IP, this);
+    txtAddress_IP_->setMinimumWidth(fontMetrics().averageCharWidth() * kAddressCharacters);
+    lblAddress_ =
+        AddRow(*form_, Q(EntryTypeScreen{}.addressLabel), "lblAddress_IP", txtAddress_IP_, NewRow({lblPrefix_, txtAddress_IP_}));
+    for (const auto field : {&EntryFields::strDesc, &EntryFields::strGroup, &EntryFields::strPort, &EntryFields::strRequestText,
+                             &EntryFields::nIntervalSeconds, &EntryFields::nTries, &EntryFields::nTimeout})
+        inputs_.AddRow(*form_, field);
+    timeoutRow_ = form_->rowCount() - 1;
+    txtPort_ = inputs_.Box(&EntryFields::strPort);
+    KeepShort(*txtPort_);
+    inputs_.Box(&EntryFields::strRequestText)->hide();  // its label stays, and explains the request when it is clicked
+    AddExpectedTextRow();
+    page.addSpacing(fontMetrics().height());
+    page.addStretch();
+    AddHistoryRow(page);
 }
 
-DownTimesPage::DownTimesPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(
-        NewExplanation("The server is not checked from each of these times on, for that many minutes, every day. "
-                       "Write the time of day as 3:00am or 15:30.",
-                       this));
-    layout->addSpacing(fontMetrics().height() / 2);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    // The boxes are created in the order of keyboard navigation.
-    const auto add = [&](const QString& label, const char* labelName, QLineEdit* time, QLineEdit* minutes) {
-        KeepShort(*time);
-        KeepShort(*minutes);
-        auto* row = NewRow({time, new QLabel("for", this), minutes, new QLabel("minutes", this)});
-        row->addStretch();
-        AddRow(*form, label, labelName, time, row);
-    };
-    auto* time1 = inputs.AddBox(&EntryFields::strDownTime1, "txtDownTime1", "Down time 1", this);
-    auto* minutes1 = inputs.AddBox(&EntryFields::nDownDuration1, "txtDownDuration1", "Minutes of down time 1", this);
-    auto* time2 = inputs.AddBox(&EntryFields::strDownTime2, "txtDownTime2", "Down time 2", this);
-    auto* minutes2 = inputs.AddBox(&EntryFields::nDownDuration2, "txtDownDuration2", "Minutes of down time 2", this);
-    add("Down time &1 at:", "lblDownTime1", time1, minutes1);
-    add("Down time &2 at:", "lblDownTime2", time2, minutes2);
-    layout->addStretch();
+void frmURLData::AddTypeRow() {
+    const Control& control = std::ranges::find(EntryInputs(), &EntryFields::strType, &EntryInput::text)->control;
+    cmbType_ = new QComboBox(this);
+    Describe(*cmbType_, control);
+    cmbType_->setMaxVisibleItems(kTypesAtOnce);
+    cmbType_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    cmbType_->setFocusPolicy(Qt::StrongFocus);  // not by the mouse wheel
+    auto* row = LeftRow({cmbType_});
+    row->addWidget(inputs_.AddMark(&EntryFields::bIsMonitoring, this));
+    AddRow(*form_, control.label, "lblType", cmbType_, row);
 }
 
-AuthenticationPage::AuthenticationPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(NewExplanation("For a web page that asks for a log-in. Leave both blank for a page that does not.", this));
-    layout->addSpacing(fontMetrics().height() / 2);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    AddRow(*form, "&User name:", "lblUserName", inputs.AddBox(&EntryFields::strUserName, "txtUserName", "User name", this));
-    auto* txtPassword = inputs.AddBox(&EntryFields::strPassword, "txtPassword", "Password", this);
+void frmURLData::AddExpectedTextRow() {
+    txtExpectedText_ = inputs_.AddBox(&EntryFields::strExpectedText, this);
+    cmdTextToFind_ = new QToolButton(this);
+    Describe(*cmdTextToFind_,
+             {"cmdTextToFind", "...", "Opens a larger window for the expected text, in which you can try it out.",
+              "Edit the expected text"});
+    cmdTextToFind_->setText("...");
+    cmdTextToFind_->setShortcut(QKeySequence("Alt+X"));  // no letter in its text can be underlined
+    cmdTextToFind_->setToolTip("Edit the expected text (Alt+X)");
+    cmdTextToFind_->setFocusPolicy(Qt::StrongFocus);
+    connect(cmdTextToFind_, &QToolButton::clicked, this, [this] { cmdTextToFind_Click(); });
+    inputs_.AddRow(*form_, &EntryFields::strExpectedText, {cmdTextToFind_});
+    // The label changes with the type: reserving the widest one keeps the boxes in place.
+    QLabel* label = inputs_.Label(&EntryFields::strExpectedText);
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(Q(ScreenOfType("PING").expectedLabel)));
+}
+
+void frmURLData::AddHistoryRow(QVBoxLayout& page) {
+    auto* cmdTraceRoute =
+        NewButton({"cmdTraceRoute", "Last Tr&aceroute", "Shows the route to this server as it was traced at its last failure."},
+                  this, [this] { cmdTraceRoute_Click(); });
+    cmdLastResponse_ = NewButton({"cmdLastResponse", "&Last Response", "Shows what this server answered last."}, this,
+                                 [this] { cmdLastResponse_Click(); });
+    auto* cmdReport = NewButton({"cmdReport", "&Report", "Opens the report of this server's group in your browser."}, this,
+                                [this] { desk_.reports.DisplayReport("0", Read().strGroup); });
+    auto* cmdReset =
+        NewButton({"cmdReset", "Reset &History...",
+                   "Deletes the failures and response times of this server and begins its statistics anew.", "Reset History..."},
+                  this, [this] { cmdReset_Click(); });
+    QHBoxLayout* row = LeftRow({cmdTraceRoute, cmdLastResponse_, cmdReport});
+    row->addWidget(cmdReset);
+    page.addLayout(row);
+}
+
+void frmURLData::AddEMailPage() {
+    QVBoxLayout& page = AddPage("E-Mail", "Who is told by mail when this server goes down and when it comes back.");
+    QFormLayout& form = AddForm(page);
+    for (const auto field : {&EntryFields::strEmailList1, &EntryFields::strEmailList2, &EntryFields::strEmailFrom,
+                             &EntryFields::strEmailText, &EntryFields::strEmailBody})
+        inputs_.AddRow(form, field);
+    page.addSpacing(fontMetrics().height() / 2);
+    page.addWidget(inputs_.AddMark(&EntryFields::bNotSendBody, this));
+    page.addWidget(inputs_.AddMark(&EntryFields::bSendUpNotify, this));
+    page.addStretch();
+    page.addWidget(NewButton({"cmdTestEmail", "Send Test &Mail", "Sends a test mail with what is on this page."}, this,
+                             [this] { cmdTestEmail_Click(); }),
+                   0, Qt::AlignLeft);
+}
+
+void frmURLData::AddDownTimesPage() {
+    QVBoxLayout& page =
+        AddPage("Down Times", "Up to two times of the day at which this server is not checked, for backups or maintenance.",
+                "The server is not checked from each of these times on, for that many minutes, every day. "
+                "Write the time of day as 3:00am or 15:30.");
+    QFormLayout& form = AddForm(page);
+    for (const EntryDownTime& each : kDownTimes) {
+        inputs_.AddBox(each.time, this);
+        QLineEdit* minutes = inputs_.AddBox(each.minutes, this);
+        inputs_.AddRow(form, each.time, {minutes, new QLabel("minutes", this)});
+    }
+    page.addStretch();
+}
+
+void frmURLData::AddAuthenticationPage() {
+    QVBoxLayout& page = AddPage("Authentication", "The user name and password that a protected web page asks for.",
+                                "For a web page that asks for a log-in. Leave both blank for a page that does not.");
+    webPages_.push_back(tabPages_->count() - 1);
+    QFormLayout& form = AddForm(page);
+    inputs_.AddRow(form, &EntryFields::strUserName);
+    auto* txtPassword = inputs_.AddBox(&EntryFields::strPassword, this);
     txtPassword->setEchoMode(QLineEdit::Password);
-    auto* cmdShowPassword = NewButton("cmdShowPassword", "S&how", "Show the password", this);
+    auto* cmdShowPassword =
+        NewButton({"cmdShowPassword", "S&how", "Shows the password while it is pressed in.", "Show the password"}, this);
     cmdShowPassword->setCheckable(true);
     cmdShowPassword->setAutoDefault(false);
     connect(cmdShowPassword, &QPushButton::toggled, txtPassword,
             [txtPassword](bool shown) { txtPassword->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password); });
-    AddRow(*form, "&Password:", "lblPassword", txtPassword, NewRow({txtPassword, cmdShowPassword}));
-    layout->addStretch();
+    inputs_.AddRow(form, &EntryFields::strPassword, {cmdShowPassword});
+    page.addStretch();
 }
 
-ScanTextPage::ScanTextPage(QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(
-        NewExplanation("A web server may answer although the page behind it has failed, "
-                       "with the error page of a firewall for example. List the texts by which such answers are known: "
-                       "a response that holds one of them counts as a failure, and each may have a command of its own.",
-                       this));
-    layout->addSpacing(fontMetrics().height() / 2);
-    cmdCommands = NewButton("cmdCommands", "&Failure Texts and Commands...", "Failure Texts and Commands", this);
-    layout->addWidget(cmdCommands, 0, Qt::AlignLeft);
-    layout->addSpacing(fontMetrics().height() / 2);
-    layout->addWidget(NewExplanation("The list is saved by its own OK.", this));
-    layout->addStretch();
-    cmdHelpRules = NewButton("cmdHelpRules", "&Help", "Help on failure texts", this);
-    layout->addWidget(cmdHelpRules, 0, Qt::AlignLeft);
+void frmURLData::AddScanTextPage() {
+    QVBoxLayout& page = AddPage("Scan Text", "Texts in the response that mean failure although the server answered.",
+                                "A web server may answer although the page behind it has failed, "
+                                "with the error page of a firewall for example. List the texts by which such answers are known: "
+                                "a response that holds one of them counts as a failure, and each may have a command of its own.");
+    webPages_.push_back(tabPages_->count() - 1);
+    page.addWidget(NewButton({"cmdCommands", "&Failure Texts and Commands...",
+                              "Opens the list of texts that mean failure, each with a command to run."},
+                             this, [this] { cmdCommands_Click(); }),
+                   0, Qt::AlignLeft);
+    page.addSpacing(fontMetrics().height() / 2);
+    page.addWidget(NewExplanation("The list is saved by its own OK.", this));
+    page.addStretch();
+    page.addWidget(
+        NewButton({"cmdHelpRules", "&Help", "Opens the help on failure texts in your browser.", "Help on failure texts"}, this,
+                  [this] { desk_.pages.Show(WebPage::RulesHelp); }),
+        0, Qt::AlignLeft);
 }
 
-CommandsPage::CommandsPage(EntryInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    auto* down = new QGroupBox("When the server goes down", this);
-    auto* downForm = NewForm(this);
-    down->setLayout(downForm);
-    txtCMD = inputs.AddBox(&EntryFields::strCMD, "txtCMD", "Command when the server goes down", this);
-    cmdChooseCMD = NewButton("cmdChooseCMD", "&Browse...", "Browse for the failure command", this);
-    cmdTestCMD = NewButton("cmdTestCMD", "Tr&y", "Try the failure command", this);
-    AddRow(*downForm, "Ru&n:", "lblCMD", txtCMD, NewRow({txtCMD, cmdChooseCMD, cmdTestCMD}));
-    ckRestart = new QCheckBox("Re&start this computer", this);
-    ckRestart->setObjectName("ckRestart");
-    ckRestart->setAccessibleName("Restart this computer");
-    downForm->addRow(QString(), ckRestart);
-    layout->addWidget(down);
+void frmURLData::AddCommandsPage() {
+    QVBoxLayout& page = AddPage("Commands", "Programs that are started when this server goes down and when it comes back.");
+    constexpr const char* kChooseHelp = "Looks for the program on your disk.";
+    constexpr const char* kTryHelp = "Starts the program now.";
+    QFormLayout& down = AddGroup(page, "When the server goes down");
+    txtCMD_ = inputs_.AddBox(&EntryFields::strCMD, this);
+    auto* cmdChooseCMD = NewButton({"cmdChooseCMD", "&Browse...", kChooseHelp, "Browse for the failure command"}, this,
+                                   [this] { ChooseCommand("Choose a Server Down command (*.bat or *.exe)", *txtCMD_); });
+    auto* cmdTestCMD = NewButton({"cmdTestCMD", "Tr&y", kTryHelp, "Try the failure command"}, this, [this] {
+        TestCommand("The program you wish to launch when the Server can not be reached is '", *txtCMD_);
+    });
+    inputs_.AddRow(down, &EntryFields::strCMD, {cmdChooseCMD, cmdTestCMD});
+    auto* ckRestart =
+        NewMark({"ckRestart", "Re&start this computer", "Puts in the command that shuts down and restarts this computer."}, this);
+    connect(ckRestart, &QCheckBox::toggled, this, [this](bool restart) { RestartToggled(restart); });
+    down.addRow(QString(), ckRestart);
 
-    auto* up = new QGroupBox("When the server comes back up", this);
-    auto* upForm = NewForm(this);
-    up->setLayout(upForm);
-    txtCMDUP = inputs.AddBox(&EntryFields::strCMDUP, "txtCMDUP", "Command when the server comes back up", this);
-    cmdChooseCMDUP = NewButton("cmdChooseCMDUP", "Bro&wse...", "Browse for the up command", this);
-    cmdTestCMDUP = NewButton("cmdTestCMDUP", "T&ry", "Try the up command", this);
-    AddRow(*upForm, "R&un:", "lblCMDUP", txtCMDUP, NewRow({txtCMDUP, cmdChooseCMDUP, cmdTestCMDUP}));
-    layout->addWidget(up);
-    layout->addStretch();
+    QFormLayout& up = AddGroup(page, "When the server comes back up");
+    auto* txtCMDUP = inputs_.AddBox(&EntryFields::strCMDUP, this);
+    auto* cmdChooseCMDUP =
+        NewButton({"cmdChooseCMDUP", "Bro&wse...", kChooseHelp, "Browse for the up command"}, this,
+                  [this, txtCMDUP] { ChooseCommand("Choose a Server UP command (*.bat or *.exe)", *txtCMDUP); });
+    auto* cmdTestCMDUP = NewButton({"cmdTestCMDUP", "T&ry", kTryHelp, "Try the up command"}, this, [this, txtCMDUP] {
+        TestCommand("The program you wish to launch when the Server comes back up is '", *txtCMDUP);
+    });
+    inputs_.AddRow(up, &EntryFields::strCMDUP, {cmdChooseCMDUP, cmdTestCMDUP});
+    page.addStretch();
 }
 
 }  // namespace korvane

@@ -1,72 +1,82 @@
 // The editor's reactions to changes of its inputs and to the focus.
-#include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSignalBlocker>
-#include <QTabWidget>
-#include <QToolButton>
 #include <algorithm>
 
 #include "base/raised_flag.h"
 #include "engine/machine_restart.h"
 #include "shell/desktop/editor/frm_url_data.h"
-#include "shell/desktop/editor/frm_url_data_pages.h"
-#include "shell/desktop/editor/frm_url_data_server_page.h"
-#include "shell/desktop/toolkit/qt_text.h"
 #include "shell/entry/entry_hints.h"
-#include "shell/entry/entry_name.h"
+#include "shell/entry/entry_type.h"
 #include "shell/run/message_title.h"
 
 namespace korvane {
+namespace {
+
+/// Why a box whose value the type determines cannot be changed, and what to do about it.
+struct FixedBox {
+    std::string EntryFields::*field;
+    const char* message;
+};
+constexpr FixedBox kFixedBoxes[] = {
+    {&EntryFields::strPort,
+     "The port of a pre-defined server type is fixed.\r\n\r\n"
+     "Choose the server type \"Other Port\" if you want to use a port of your own."},
+    {&EntryFields::strRequestText,
+     "The request of a pre-defined server type is fixed.\r\n\r\n"
+     "Choose the server type \"Other Port\" if you want to use a request of your own."},
+    {&EntryFields::strExpectedText,
+     "The expected response of a pre-defined server type is fixed.\r\n\r\n"
+     "Choose the server type \"Other Port\", \"HTTP\" or \"HTTPS\" if you want to expect a text of your own."}};
+
+}  // namespace
 
 void frmURLData::ConnectTyping() {
-    const auto onChange = [this](QLineEdit* box, auto react) {
-        connect(box, &QLineEdit::textChanged, this, [this, react] {
+    const auto onChange = [this](std::string EntryFields::*field, auto react) {
+        connect(inputs_.Box(field), &QLineEdit::textChanged, this, [this, react] {
             if (!loading_) react();
         });
     };
-    onChange(server_->txtAddress_IP, [this] { NameChanged(); });
-    onChange(server_->txtTimeout, [this] { TimeoutChanged(); });
-    onChange(server_->txtExpectedText, [this] { SetStatus(ExplainExpectedText(Read())); });
-    onChange(server_->txtDesc, [this] { SetStatus(ExplainDisplayName(Read())); });
-    for (QLineEdit* box : {inputs_.Box(&EntryFields::strDownTime1), inputs_.Box(&EntryFields::nDownDuration1)})
-        onChange(box, [this] { SetStatus(ExplainDownTime(Read().strDownTime1, Read().nDownDuration1)); });
-    for (QLineEdit* box : {inputs_.Box(&EntryFields::strDownTime2), inputs_.Box(&EntryFields::nDownDuration2)})
-        onChange(box, [this] { SetStatus(ExplainDownTime(Read().strDownTime2, Read().nDownDuration2)); });
+    onChange(&EntryFields::strAddress_IP, [this] { NameChanged(); });
+    onChange(&EntryFields::nTimeout, [this] { TimeoutChanged(); });
+    onChange(&EntryFields::strExpectedText, [this] { SetStatus(ExplainExpectedText(Read())); });
+    onChange(&EntryFields::strDesc, [this] { SetStatus(ExplainDisplayName(Read())); });
+    for (const EntryDownTime& each : kDownTimes) {
+        const auto explain = [this, each] { SetStatus(ExplainDownTime(Read().*each.time, Read().*each.minutes)); };
+        onChange(each.time, explain);
+        onChange(each.minutes, explain);
+    }
     // The label must match the number even while it is being loaded.
-    connect(server_->txtIntervalSeconds, &QLineEdit::textChanged, this,
-            [this](const QString& seconds) { server_->lblInterval->setText(Q(IntervalInMinutes(S(seconds)))); });
-    connect(server_->cmbType, &QComboBox::currentIndexChanged, this, [this] {
+    connect(inputs_.Box(&EntryFields::nIntervalSeconds), &QLineEdit::textChanged, this, [this](const QString& seconds) {
+        inputs_.Unit(&EntryFields::nIntervalSeconds)->setText(Q(IntervalInMinutes(S(seconds))));
+    });
+    connect(cmbType_, &QComboBox::currentIndexChanged, this, [this] {
         if (!loading_) TypeChanged();
     });
-    connect(commands_->ckRestart, &QCheckBox::toggled, this, [this](bool restart) { RestartToggled(restart); });
-    connect(tabPages_, &QTabWidget::currentChanged, this,
-            [this](int page) { SetStatus(HelpOnPage(S(tabPages_->tabText(page)))); });
+    for (const FixedBox& each : kFixedBoxes)
+        inputs_.Label(each.field)->installEventFilter(this);
 }
 
 void frmURLData::NameChanged() {
-    QLineEdit& box = *server_->txtAddress_IP;
+    QLineEdit& box = *txtAddress_IP_;
     const QString typed = box.text();
     const QString name = Q(CleanTypedName(S(typed)));
     if (name != typed) {
-        const auto behind = typed.size() - box.cursorPosition();
+        const auto afterCursor = typed.size() - box.cursorPosition();
         const QSignalBlocker quiet(box);
         box.setText(name);
-        box.setCursorPosition(static_cast<int>(std::max<qsizetype>(name.size() - behind, 0)));
+        box.setCursorPosition(static_cast<int>(std::max<qsizetype>(name.size() - afterCursor, 0)));
     }
     setWindowTitle("Server Settings for " + name);
 }
 
 void frmURLData::TimeoutChanged() {
-    QLineEdit& box = *server_->txtTimeout;
-    const auto mended = MendedTimeout(S(box.text()));
-    if (!mended) return;
+    QLineEdit& box = *inputs_.Box(&EntryFields::nTimeout);
+    const auto repaired = RepairedTimeout(S(box.text()));
+    if (!repaired) return;
     const QSignalBlocker quiet(box);
-    box.setText(Q(*mended));
+    box.setText(Q(*repaired));
     box.selectAll();  // the next typed text replaces it
 }
 
@@ -75,11 +85,11 @@ void frmURLData::TypeChanged() {
     const RaisedFlag typeChanged(typeChanged_);
     EntryFields fields = Read();
     fields.strExpectedText = HasFreeExpectedText(fields.strType) ? savedExpectedText_ : "";
-    InitServerTypes(fields, false);
+    InitServerTypes(fields);
 }
 
 void frmURLData::RestartToggled(bool restart) {
-    QLineEdit& box = *commands_->txtCMD;
+    QLineEdit& box = *txtCMD_;
     if (!restart) return box.setText(savedCommand_);
     savedCommand_ = box.text();
     const std::string command = getShudownEXEPath(desk_.files) + " -r -f";
@@ -89,21 +99,10 @@ void frmURLData::RestartToggled(bool restart) {
                                                 "This command only works with Windows NT,XP,2000,2003");
 }
 
-void frmURLData::WatchFixedBoxes() {
-    for (QLabel* label : {server_->lblPort, server_->lblRequest, server_->lblExpected})
-        label->installEventFilter(this);
-}
-
 bool frmURLData::ExplainFixedBox(const QObject* label) {
-    const struct {
-        QLabel* label;
-        std::string_view message;
-    } explanations[] = {{server_->lblPort, kFixedPortMessage},
-                        {server_->lblRequest, kFixedRequestMessage},
-                        {server_->lblExpected, kFixedExpectedTextMessage}};
-    for (const auto& each : explanations) {
-        if (each.label != label || each.label->buddy()->isEnabled()) continue;
-        desk_.person.ShowMessage(kMessageTitle, std::string(each.message));
+    for (const FixedBox& each : kFixedBoxes) {
+        if (inputs_.Label(each.field) != label || inputs_.Box(each.field)->isEnabled()) continue;
+        desk_.person.ShowMessage(kMessageTitle, each.message);
         return true;
     }
     return false;
@@ -112,7 +111,7 @@ bool frmURLData::ExplainFixedBox(const QObject* label) {
 bool frmURLData::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonRelease && ExplainFixedBox(watched)) return true;
     // The wheel is for scrolling past; a type changed by it would go unnoticed.
-    if (event->type() == QEvent::Wheel && watched == server_->cmbType && !server_->cmbType->hasFocus()) return true;
+    if (event->type() == QEvent::Wheel && watched == cmbType_ && !cmbType_->hasFocus()) return true;
     return TabbedDialog::eventFilter(watched, event);
 }
 

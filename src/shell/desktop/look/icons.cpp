@@ -9,8 +9,7 @@
 #include <cmath>
 #include <functional>
 
-#include "shell/desktop/look/command_shapes.h"
-#include "shell/desktop/look/state_shapes.h"
+#include "shell/desktop/look/shapes.h"
 
 namespace korvane {
 namespace {

@@ -8,6 +8,8 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QFile>
+#include <QPainter>
+#include <QStyleOption>
 #include <QTimer>
 
 namespace korvane {
@@ -20,8 +22,9 @@ const QString kNamespace = QStringLiteral("org.freedesktop.appearance");
 const QString kKey = QStringLiteral("color-scheme");
 constexpr uint kDark = 1;  // 0: no preference, 2: light
 
-bool IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+bool IsDark(const QPalette& palette, QPalette::ColorRole ground = QPalette::Window,
+            QPalette::ColorRole text = QPalette::WindowText) {
+    return palette.color(ground).lightness() < palette.color(text).lightness();
 }
 
 void SetDark(bool dark) {
@@ -91,6 +94,26 @@ DesktopTheme::~DesktopTheme() = default;
 
 void DesktopTheme::Follow(const QDBusConnection& bus) {
     if (bus.isConnected()) portal_ = std::make_unique<Portal>(bus);
+}
+
+MarkStyle::MarkStyle() : QProxyStyle(QApplication::style()->name()) {}
+
+void MarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool isBox = element == PE_IndicatorCheckBox || element == PE_IndicatorItemViewItemCheck;
+    if ((!isBox && element != PE_IndicatorRadioButton) || !IsDark(option->palette, QPalette::Base, QPalette::Text)) return;
+    painter->save();
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(option->palette.color(QPalette::PlaceholderText));
+    const QRectF outline = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    if (isBox) {
+        painter->drawRect(outline);
+    } else {
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->drawEllipse(outline);
+    }
+    painter->restore();
 }
 
 QPalette DarkPalette() {

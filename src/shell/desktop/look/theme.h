@@ -1,16 +1,18 @@
 // Room `look`: pictures, colours and styles.
 //
-// Follows the desktop's choice of light or dark: if Qt's own platform theme does not handle it, this reads and watches the
-// desktop's settings portal.
+// Light or dark, as the desktop wants it.
 #pragma once
 
 #include <QPalette>
+#include <QProxyStyle>
 #include <memory>
 
 class QDBusConnection;
 
 namespace korvane {
 
+/// Follows the desktop's choice of light or dark: if Qt's own platform theme does not handle it, this reads and watches the
+/// desktop's settings portal.
 class DesktopTheme {
 public:
     /// Concerns the current application. Does not wait: the application's palette changes when the desktop answers, and again
@@ -29,6 +31,17 @@ private:
     void Follow(const QDBusConnection& bus);
 
     std::unique_ptr<Portal> portal_;
+};
+
+/// The style of the windows: the desktop's style, with an outline around check boxes and radio buttons where theirs is invisible
+/// on a dark background.
+class MarkStyle : public QProxyStyle {
+public:
+    /// Wraps the application's current style.
+    MarkStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
 };
 
 /// The dark palette, for the Fusion style.

@@ -50,15 +50,13 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     resources_ =
         std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
     forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
-    BuildMenus();
-    BuildTray();
     Timer3_->SetEnabled(true);
     Timer4_->SetEnabled(true);
 }
 
 void frmMonitor::BeforeExit() {
     if (run_->SavesOnExit()) RememberColumns();
-    tray_->Remove();
+    tray_.Remove();
 }
 
 int frmMonitor::ScreenWidth() const {
@@ -96,8 +94,8 @@ void frmMonitor::SetTitle(const std::string& title) {
 }
 
 void frmMonitor::SetCaptions(const Captions& captions) {
-    menus_->Action("mnuFileGlobal").setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
-    menus_->Action("mnufilekvsettings").setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
+    actions_.at("mnuFileGlobal")->setText(Q(captions.mnuFileGlobal).replace("&", "&&"));
+    actions_.at("mnufilekvsettings")->setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
 void frmMonitor::Place(bool shown) {
@@ -121,8 +119,8 @@ void frmMonitor::MinimizeToTray() {
 
 void frmMonitor::HideOrIconify() {
     if (MonitorTray::Available()) {
-        tray_->Show();
-        tray_->Modify();
+        tray_.Show();
+        tray_.Modify();
         hide();
     } else {
         showMinimized();
@@ -206,9 +204,9 @@ void frmMonitor::Timer3_Timer() {
     }
     const bool evenSecond = run_->TheDesk().clock.Now().Second() % 2 == 0;
     if (evenSecond) {
-        tray_->Modify();
+        tray_.Modify();
     } else {
-        tray_->Show();
+        tray_.Show();
     }
 }
 

@@ -5,15 +5,18 @@
 // nothing itself.
 #pragma once
 
+#include <QAction>
 #include <QCheckBox>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeView>
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,15 +24,13 @@
 #include "platform/operator.h"
 #include "platform/timer.h"
 #include "shell/desktop/main/list_columns.h"
-#include "shell/desktop/main/message_queue.h"
 #include "shell/desktop/main/monitor_forms.h"
-#include "shell/desktop/main/monitor_menus.h"
 #include "shell/desktop/main/monitor_tray.h"
 #include "shell/desktop/main/server_list_model.h"
 #include "shell/desktop/monitors/resource_windows.h"
-#include "shell/desktop/toolkit/status_box.h"
-#include "shell/desktop/trace/conversation_viewer.h"
-#include "shell/desktop/trace/mail_trace_viewer.h"
+#include "shell/desktop/small/frm_msg.h"
+#include "shell/desktop/toolkit/reading_text.h"
+#include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
 #include "shell/run/monitor_window.h"
 
@@ -64,7 +65,7 @@ public:
     void SetProgress(int value, int max) override;
     void SetProgressTip(const std::string& text) override;
     void SetTray(TrayPicture picture, const std::string& tip) override;
-    void SetTrayTip(const std::string& tip) override { tray_->SetTip(tip); }
+    void SetTrayTip(const std::string& tip) override { tray_.SetTip(tip); }
     void SetMonitoring(bool on) override;
     void SetCustomerCount(int count) override;
     void RefreshURLList() override;
@@ -111,8 +112,7 @@ public:
     QProgressBar* ProgressBar1;
     QPushButton* cmdStopStart;
     QPushButton* cmdStopWaiting;
-    MonitorTray& Tray() { return *tray_; }
-    MonitorForms& Forms() { return *forms_; }
+    MonitorTray& Tray() { return tray_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -120,6 +120,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    struct Command;
+
     /// A width or height in the settings file, and the pixels that it became: fewer on a small screen.
     struct SavedLength {
         int twips = 0;
@@ -134,10 +136,7 @@ private:
     void BuildStatusBar();
     QWidget* ResourceMarks();
     void BuildMenus();
-    void BuildTray();
-    MonitorMenus::Handlers Handlers();
-    MonitorMenus::Handlers HandlersOfHelp();
-    QPushButton* Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command);
+    std::vector<Command> Commands();
 
     void HideOrIconify();
     void SetWindowToFrontForeground();
@@ -145,15 +144,14 @@ private:
     void OpenEditor(bool isAddUrl, const std::string& id);
     void SelectRow(int row);
     void SelectEntry(const std::string& id);
-    std::string SelectedId() const;
-    std::string SelectedName() const;
+    ServerRow SelectedRow() const;  ///< empty texts when none is selected
     void CopyRowText();
     void RememberColumns();
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
     void ResourceWindowHidden(ResourceMonitor monitor);
-    void Tell(frmMSG::Kind kind, const std::string& title, const std::string& text);
+    void ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text);
     QWidget* MessageParent() const;
 
     Run* run_ = nullptr;
@@ -163,8 +161,9 @@ private:
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
     std::function<void()> exit_;
     ServerListModel* model_;
-    std::unique_ptr<MonitorMenus> menus_;
-    std::unique_ptr<MonitorTray> tray_;
+    MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
+    std::map<std::string, QAction*> actions_;  ///< by name
+    QMenu* context_;                           ///< of the list
     MessageQueue messages_{[this] { return MessageParent(); }};
     QPointer<QWidget> editor_;  ///< while one is open
     ConversationViewer conversation_;

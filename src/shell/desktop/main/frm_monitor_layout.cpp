@@ -2,7 +2,6 @@
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QMenuBar>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QStyleOptionButton>
@@ -13,8 +12,6 @@
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/toolkit/cut_cell_tips.h"
-#include "shell/run/message_title.h"
-#include "shell/run/run.h"
 
 namespace korvane {
 namespace {
@@ -62,6 +59,7 @@ void frmMonitor::BuildWidgets() {
     auto* middle = new QWidget(this);
     auto* rows = new QVBoxLayout(middle);
     BuildList();
+    BuildMenus();
     rows->addLayout(BuildButtons());
     rows->addWidget(ListView1);
     rows->addLayout(BuildProgress());
@@ -97,49 +95,46 @@ void frmMonitor::BuildList() {
     columns_ = new ListColumns(*ListView1, this);
     connect(ListView1, &QTreeView::doubleClicked, this, [this] { cmdEditURL_Click(); });
     connect(ListView1, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& at) { menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(at)); });
+            [this](const QPoint& at) { context_->popup(ListView1->viewport()->mapToGlobal(at)); });
     const auto onKey = [this](const QKeySequence& key, const auto& command) {
         connect(new QShortcut(key, ListView1, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this, command);
     };
     onKey(Qt::SHIFT | Qt::Key_F10, [this] {
         const QRect row = ListView1->visualRect(ListView1->currentIndex());
-        menus_->ContextMenu().popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
+        context_->popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
     });
     onKey(Qt::CTRL | Qt::Key_C, [this] { CopyRowText(); });
 }
 
-QPushButton* frmMonitor::Button(const char* name, const QString& caption, const QIcon& icon, std::function<void()> command) {
-    QPushButton* button = Named(new CommandButton(icon, caption), name, QString(caption).remove('&'));
-    button->setAutoDefault(false);
-    button->setMinimumWidth(button->iconSize().width() * 3 / 4);
-    button->setToolTip(button->accessibleName());
-    connect(button, &QPushButton::clicked, this, [command = std::move(command)] { command(); });
-    return button;
-}
-
 QLayout* frmMonitor::BuildButtons() {
     auto* row = new QHBoxLayout;
-    const auto add = [&](const char* name, const QString& caption, CommandPicture picture, std::function<void()> command) {
-        QPushButton* button = Button(name, caption, CommandIcon(picture), std::move(command));
+    const auto addGap = [&] { row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum)); };
+    const auto add = [&](const char* name, const QString& caption, const char* command) {
+        QAction* action = actions_.at(command);
+        QPushButton* button = Named(new CommandButton(action->icon(), caption), name, QString(caption).remove('&'));
+        button->setAutoDefault(false);
+        button->setMinimumWidth(button->iconSize().width() * 3 / 4);
+        button->setToolTip(button->accessibleName());
+        connect(button, &QPushButton::clicked, action, &QAction::trigger);
         row->addWidget(button);
         return button;
     };
-    cmdStopStart = add("cmdStopStart", "S&top", CommandPicture::Stop, [this] { run_->cmdStopStart(); });
+    cmdStopStart = add("cmdStopStart", "S&top", "cmdStopStart");
     cmdStopStart->setToolTip("Stops or starts monitoring (F9)");
-    cmdStopWaiting = add("cmdStopWaiting", "&Now", CommandPicture::StartNow, [this] { commands_->cmdStopWaiting(); });
+    cmdStopWaiting = add("cmdStopWaiting", "&Now", "cmdStopWaiting");
     cmdStopWaiting->setToolTip("Begins without waiting, with every server due at once (F5)");
     KeepPlace(*cmdStopWaiting);
     cmdStopWaiting->setVisible(false);
-    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
-    add("cmdAddURL", "&Add", CommandPicture::Add, [this] { cmdAddURL_Click(); });
-    add("cmdEditURL", "Ed&it", CommandPicture::Edit, [this] { cmdEditURL_Click(); });
-    add("cmdCopyPaste", "&Copy", CommandPicture::Copy, [this] { cmdCopyPaste_Click(); });
-    add("cmdDeleteURL", "&Delete", CommandPicture::Delete, [this] { cmdDeleteURL_Click(); });
-    row->addItem(new QSpacerItem(fontMetrics().averageCharWidth() * 2, 0, QSizePolicy::Maximum));
-    add("cmdSave", "Sa&ve", CommandPicture::Save, [this] { commands_->cmdSave(); });
-    add("cmdReports", "&Reports", CommandPicture::Reports, [this] { commands_->cmdReports(); });
-    add("cmdSettings", "Settin&gs", CommandPicture::Settings, [this] { forms_->ShowOptions(); });
-    add("cmdHelp", "Hel&p", CommandPicture::Help, [this] { run_->TheDesk().pages.Show(WebPage::mnuHelpWeb); });
+    addGap();
+    add("cmdAddURL", "&Add", "mnuEditAddURL");
+    add("cmdEditURL", "Ed&it", "mnuEditURL");
+    add("cmdCopyPaste", "&Copy", "mnuEditCopyURL");
+    add("cmdDeleteURL", "&Delete", "mnuEditDeleteURL");
+    addGap();
+    add("cmdSave", "Sa&ve", "mnuFileSave");
+    add("cmdReports", "&Reports", "mnuFileReports");
+    add("cmdSettings", "Settin&gs", "mnuOptions");
+    add("cmdHelp", "Hel&p", "mnuHelpWeb");
     row->addStretch(1);
     return row;
 }
@@ -198,89 +193,6 @@ QWidget* frmMonitor::ResourceMarks() {
         row->addWidget(mark);
     }
     return marks;
-}
-
-MonitorMenus::Handlers frmMonitor::Handlers() {
-    return {
-        {"mnuFileSave", [this] { commands_->cmdSave(); }},
-        {"mnuFileReports", [this] { commands_->cmdReports(); }},
-        {"mnuFileOpen", [this] { commands_->mnuFileOpen(); }},
-        {"mnuFileGlobal", [this] { commands_->mnuFileGlobal(); }},
-        {"mnufilekvsettings", [this] { commands_->mnufilekvsettings(); }},
-        {"mnuFileRepair", [this] { commands_->mnuFileRepair(); }},
-        {"mnuFileResetGraph", [this] { commands_->mnuFileResetGraph(); }},
-        {"mnuFileMin", [this] { MinimizeToTray(); }},
-        {"mnuExit", [this] { exit_(); }},
-        {"mnuEditAddURL", [this] { cmdAddURL_Click(); }},
-        {"mnuEditURL", [this] { cmdEditURL_Click(); }},
-        {"mnuEditCopyURL", [this] { cmdCopyPaste_Click(); }},
-        {"mnuEditPasteURL", [this] { cmdCopyPaste_Click(); }},
-        {"mnuEditDeleteURL", [this] { cmdDeleteURL_Click(); }},
-        {"mnuEditClearStatus", [this] { commands_->mnuEditClearStatus(); }},
-        {"mnuEditSettings", [this] { forms_->ShowOptions(); }},
-        {"mnuOptions", [this] { forms_->ShowOptions(); }},
-        {"cmdStopStart", [this] { run_->cmdStopStart(); }},
-        {"cmdStopWaiting", [this] { commands_->cmdStopWaiting(); }},
-        {"mnuViewConversation", [this] { conversation_.Show(); }},
-        {"mnuViewMail", [this] { mailTrace_.Show(); }},
-    };
-}
-
-MonitorMenus::Handlers frmMonitor::HandlersOfHelp() {
-    const auto show = [this](WebPage page) { return [this, page] { run_->TheDesk().pages.Show(page); }; };
-    const auto tell = [this](const std::string& topic) { ShowMessage(kMessageTitle, topic); };
-    return {
-        {"mnuHelpWeb", show(WebPage::mnuHelpWeb)},
-        {"mnuHelpFeatures", show(WebPage::mnuHelpFeatures)},
-        {"mnuTerms", show(WebPage::mnuTerms)},
-        {"mnuShutdown", [this, tell] { tell(ShutdownHelp(run_->TheDesk().files)); }},
-        {"mnuRestart", [tell] { tell(RestartHelp()); }},
-        {"mnuShutdownRemote", [tell] { tell(ShutdownRemoteHelp()); }},
-        {"mnuHelpFeedback", [this] { forms_->ShowFeedback(); }},
-        {"mnuHelpTellFriend", [this] { forms_->ShowTellFriend(); }},
-        {"mnuHelpAbout", [this] { forms_->ShowAbout(); }},
-    };
-}
-
-void frmMonitor::BuildMenus() {
-    MonitorMenus::Handlers handlers = Handlers();
-    handlers.merge(HandlersOfHelp());
-    menus_ = std::make_unique<MonitorMenus>(*menuBar(), *ListView1, *this, std::move(handlers));
-    const std::pair<const char*, CommandPicture> pictures[] = {
-        {"mnuFileSave", CommandPicture::Save},        {"mnuFileReports", CommandPicture::Reports},
-        {"mnuFileMin", CommandPicture::Hide},         {"mnuExit", CommandPicture::Exit},
-        {"mnuEditAddURL", CommandPicture::Add},       {"mnuEditURL", CommandPicture::Edit},
-        {"mnuEditCopyURL", CommandPicture::Copy},     {"mnuEditPasteURL", CommandPicture::Paste},
-        {"mnuEditDeleteURL", CommandPicture::Delete}, {"cmdStopWaiting", CommandPicture::StartNow},
-        {"cmdStopStart", CommandPicture::Stop},       {"mnuEditSettings", CommandPicture::Settings},
-        {"mnuOptions", CommandPicture::Settings},     {"mnuHelpWeb", CommandPicture::Help},
-        {"mnuHelpFeedback", CommandPicture::Mail},
-    };
-    for (const auto& [name, picture] : pictures)
-        menus_->Action(name).setIcon(CommandIcon(picture));
-}
-
-void frmMonitor::BuildTray() {
-    const auto tell = [this] { tray_->SetMonitoring(monitoring_); };  // a click toggles the mark, whatever the outcome
-    tray_ = std::make_unique<MonitorTray>(MonitorTray::Commands{
-        .mnuTraySettings = [this] { mnuTraySettings_Click(); },
-        .mnuTrayOn =
-            [this, tell] {
-                commands_->mnuTrayOn();
-                tell();
-            },
-        .mnuTrayOff =
-            [this, tell] {
-                commands_->mnuTrayOff();
-                tell();
-            },
-        .mnuTrayReports = [this] { commands_->cmdReports(); },
-        .mnuTrayNTService = [this] { run_->TheDesk().service.mnuTrayNTService_Click(); },
-        .mnuTrayStartup = [this] { run_->TheDesk().service.mnuTrayStartup_Click(); },
-        .mnuTrayTellFriend = [this] { forms_->ShowTellFriend(); },
-        .mnuTrayFeedback = [this] { forms_->ShowFeedback(); },
-        .mnuTrayExit = [this] { menus_->Action("mnuExit").trigger(); },
-    });
 }
 
 // Only invisible: its place, the focus and the key remain.

@@ -46,9 +46,9 @@ void frmMonitor::SetProgressTip(const std::string& text) {
 }
 
 void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
-    tray_->SetPicture(picture);
-    tray_->SetTip(tip);
-    if (MonitorTray::Available()) tray_->Show();
+    tray_.SetPicture(picture);
+    tray_.SetTip(tip);
+    if (MonitorTray::Available()) tray_.Show();
 }
 
 void frmMonitor::SetMonitoring(bool on) {
@@ -56,11 +56,11 @@ void frmMonitor::SetMonitoring(bool on) {
     cmdStopStart->setText(on ? "S&top" : "S&tart");
     cmdStopStart->setAccessibleName(on ? "Stop" : "Start");
     cmdStopStart->setIcon(CommandIcon(on ? CommandPicture::Stop : CommandPicture::Start));
-    QAction& action = menus_->Action("cmdStopStart");
-    action.setText(cmdStopStart->text());
-    action.setIcon(cmdStopStart->icon());
+    QAction* action = actions_.at("cmdStopStart");
+    action->setText(cmdStopStart->text());
+    action->setIcon(cmdStopStart->icon());
     setWindowIcon(ProgramIcon(on));
-    tray_->SetMonitoring(on);
+    tray_.SetMonitoring(on);
     if (on) ShowStopStart(true);
 }
 
@@ -93,11 +93,7 @@ void frmMonitor::RefreshURLList() {
 
 // Only over this window: dialogs stay unchanged while a check runs in the background.
 void frmMonitor::SetWaitCursor(bool wait) {
-    if (wait) {
-        setCursor(Qt::BusyCursor);
-    } else {
-        unsetCursor();
-    }
+    wait ? setCursor(Qt::BusyCursor) : unsetCursor();
 }
 
 // A hidden window would hide its messages too.
@@ -108,7 +104,7 @@ QWidget* frmMonitor::MessageParent() const {
     return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
 }
 
-void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::string& text) {
+void frmMonitor::ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text) {
     if (!placed_ || run_->Loading()) {
         frmMSG::Show(MessageParent(), kind, title, text);
     } else {
@@ -117,11 +113,11 @@ void frmMonitor::Tell(frmMSG::Kind kind, const std::string& title, const std::st
 }
 
 void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::Information, title, text);
+    ShowOrQueue(frmMSG::Kind::Information, title, text);
 }
 
 void frmMonitor::ShowError(const std::string& title, const std::string& text) {
-    Tell(frmMSG::Kind::StopSign, title, text);
+    ShowOrQueue(frmMSG::Kind::StopSign, title, text);
 }
 
 bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {
@@ -135,7 +131,7 @@ void frmMonitor::Ask(const std::string& title, const std::string& text, const st
 }
 
 void frmMonitor::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
-    tray_->SetStartMarks(run_->TheDesk().service.IsWindowsNT(), mnuTrayNTService, mnuTrayStartup);
+    tray_.SetStartMarks(run_->TheDesk().service.IsWindowsNT(), mnuTrayNTService, mnuTrayStartup);
     forms_->SetStartMarks(mnuTrayNTService, mnuTrayStartup);
 }
 

@@ -3,20 +3,14 @@
 #include <utility>
 
 #include "notify/dispatcher.h"
-#include "shell/desktop/settings/frm_global_email.h"
 #include "shell/desktop/small/frm_about.h"
-#include "shell/desktop/small/frm_feedback.h"
-#include "shell/desktop/small/frm_tell_friend.h"
 #include "shell/desktop/small/frm_wizard.h"
+#include "shell/desktop/small/web_form_dialogs.h"
 
 namespace korvane {
 
 MonitorForms::MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors)
-    : ask([this](const WizardPage& page) { return frmWizard::Ask(desk_.events, Parent(), page); }),
-      desk_(std::move(desk)),
-      owner_(owner),
-      help_(desk_.pages),
-      emails_(desk_.files, desk_.dir, std::move(loadMonitors)) {
+    : desk_(std::move(desk)), owner_(owner), help_(desk_.pages), emails_(desk_.files, desk_.dir, std::move(loadMonitors)) {
     help_.SetParent(&owner_);
     desk_.pages.OnShow([this] { help_.Show(); });
 }
@@ -26,38 +20,22 @@ QWidget* MonitorForms::Parent() const {
     return owner_.isVisible() ? &owner_ : nullptr;
 }
 
-template <class MakeForm>
-void MonitorForms::Open(const std::string& name, MakeForm makeForm) {
+template <class Form, class... More>
+Form* MonitorForms::Open(const std::string& name, More... more) {
     QPointer<QDialog>& form = open_[name];
+    Form* made = nullptr;
     if (form == nullptr) {
-        form = makeForm(Parent());
+        form = made = new Form(desk_, std::move(more)..., Parent());
         form->open();
     }
     form->raise();
     form->activateWindow();
-}
-
-OptionsCommands MonitorForms::CommandsOfOptions() {
-    ServiceMode& service = desk_.service;
-    return {.proxyServer = desk_.proxyServer,
-            .PlaySound = [this](const std::string& path) { desk_.sound.PlaySound(path); },
-            .IsWindowsNT = [&service] { return service.IsWindowsNT(); },
-            .chkService_Click = [&service](bool checked) { return service.chkService_Click(checked); },
-            .chkStartup_Click = [&service](bool checked) { return service.chkStartup_Click(checked); },
-            .IsInStartupGroup = [&service] { return service.IsInStartupGroup(); },
-            .TestShutDown = [this](const auto& answered) { desk_.restart.TestShutDown(answered); },
-            .CheckVersion = [this] { desk_.versionCheck.CheckForVersion(); },
-            .GlobalEmail = [this](QWidget* over) { (new frmGlobalEmail(desk_, emails_, over))->open(); },
-            .HelpService = [this] { desk_.pages.Show(WebPage::ServiceHelp); },
-            .HelpShutDown = [this] { desk_.pages.Show(WebPage::ShutdownHelp); }};
+    return made;
 }
 
 void MonitorForms::ShowOptions() {
-    Open("frmOptions", [this](QWidget* parent) {
-        auto* form = new frmOptions(desk_, CommandsOfOptions(), parent);
+    if (auto* form = Open<frmOptions>("frmOptions", std::ref(emails_)); form != nullptr)
         QObject::connect(form, &QDialog::accepted, &owner_, [this] { desk_.service.FollowSettings(); });
-        return form;
-    });
 }
 
 void MonitorForms::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
@@ -66,27 +44,19 @@ void MonitorForms::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
 }
 
 void MonitorForms::ShowAbout() {
-    Open("frmAbout", [this](QWidget* parent) {
-        return new frmAbout({.version = desk_.version,
-                             .systemInfo = GetSysInfoString(desk_.systemInfo, desk_.version),
-                             .showPage = [this] { desk_.pages.Show(WebPage::AboutLink); }},
-                            parent);
-    });
+    Open<frmAbout>("frmAbout");
 }
 
 void MonitorForms::ShowFeedback() {
-    Open("frmFeedback", [this](QWidget* parent) {
-        return new frmFeedback({desk_.pages, desk_.events, desk_.person}, desk_.version, parent);
-    });
+    Open<frmFeedback>("frmFeedback");
 }
 
 void MonitorForms::ShowTellFriend() {
-    Open("frmTellFriend", [this](QWidget* parent) {
-        return new frmTellFriend({desk_.pages, desk_.events, desk_.person}, parent);
-    });
+    Open<frmTellFriend>("frmTellFriend");
 }
 
 void MonitorForms::SetUpForTheFirstTime() {
+    const auto ask = [this](const WizardPage& page) { return frmWizard::Ask(desk_.events, Parent(), page); };
     SetUpFirstRun(desk_, ask, [this](const std::string& address) {
         for (const ResourceMonitor monitor :
              {ResourceMonitor::Disk, ResourceMonitor::Memory, ResourceMonitor::CPU, ResourceMonitor::Services})

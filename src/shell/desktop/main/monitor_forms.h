@@ -32,14 +32,11 @@ public:
     /// Asks the three questions and applies the answers; waits through the event pump until setup is complete.
     void SetUpForTheFirstTime();
 
-    /// How to ask the pages of the setup. Tests replace it.
-    std::function<std::string(const WizardPage& page)> ask;
-
 private:
-    template <class MakeForm>
-    void Open(const std::string& name, MakeForm makeForm);
+    /// Brings the form to the front. Returns it if it was made for that, otherwise null.
+    template <class Form, class... More>
+    Form* Open(const std::string& name, More... more);
     QWidget* Parent() const;
-    OptionsCommands CommandsOfOptions();
 
     Desk desk_;
     QWidget& owner_;

@@ -1,5 +1,7 @@
 #include "shell/desktop/main/monitor_tray.h"
 
+#include <utility>
+
 #include "base/text.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
@@ -11,38 +13,20 @@ constexpr std::size_t kLongestTip = 64;
 
 }  // namespace
 
-MonitorTray::MonitorTray(Commands commands) : commands_(std::move(commands)) {
-    BuildMenu();
+MonitorTray::MonitorTray(std::function<void()> open) {
+    menu_.setObjectName("mnuTray");
     icon_.setContextMenu(&menu_);
     icon_.setIcon(TrayIcon(picture_));
-    QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) commands_.mnuTraySettings();
-    });
+    QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
+                     [open = std::move(open)](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) open();
+                     });
 }
 
-void MonitorTray::BuildMenu() {
-    menu_.setObjectName("mnuTray");
-    const auto add = [this](const char* name, const char* caption, const std::function<void()>& command) {
-        QAction* action = menu_.addAction(caption, [command] { command(); });
-        action->setObjectName(name);
-        return action;
-    };
-    menu_.setDefaultAction(add("mnuTraySettings", "&Open Korvane", commands_.mnuTraySettings));
-    menu_.addSeparator();
-    mnuTrayOn_ = add("mnuTrayOn", "&Monitoring ON", commands_.mnuTrayOn);
-    mnuTrayOff_ = add("mnuTrayOff", "&Pause Monitoring", commands_.mnuTrayOff);
-    menu_.addSeparator();
-    add("mnuTrayReports", "&Reports", commands_.mnuTrayReports);
-    menu_.addSeparator();
-    mnuTrayNTService_ = add("mnuTrayNTService", "&Install as Service", commands_.mnuTrayNTService);
-    mnuTrayStartup_ = add("mnuTrayStartup", "Start when I &Log On", commands_.mnuTrayStartup);
-    menu_.addSeparator();
-    add("mnuTrayTellFriend", "&Tell a Friend...", commands_.mnuTrayTellFriend);
-    add("mnuTrayFeedback", "Send &Feedback...", commands_.mnuTrayFeedback);
-    menu_.addSeparator();
-    add("mnuTrayExit", "E&xit", commands_.mnuTrayExit);
-    for (QAction* mark : {mnuTrayOn_, mnuTrayOff_, mnuTrayNTService_, mnuTrayStartup_})
-        mark->setCheckable(true);
+void MonitorTray::MenuIsBuilt() {
+    menu_.setDefaultAction(&Action("mnuTraySettings"));
+    for (const char* mark : {"mnuTrayOn", "mnuTrayOff", "mnuTrayNTService", "mnuTrayStartup"})
+        Action(mark).setCheckable(true);
     SetMonitoring(true);
 }
 
@@ -57,16 +41,16 @@ void MonitorTray::SetTip(const std::string& tip) {
 }
 
 void MonitorTray::SetMonitoring(bool on) {
-    mnuTrayOn_->setChecked(on);
-    mnuTrayOn_->setText(on ? "&Monitoring ON" : "Resume &Monitoring");
-    mnuTrayOff_->setChecked(!on);
-    mnuTrayOff_->setText(on ? "&Pause Monitoring" : "Monitoring &Paused");
+    Action("mnuTrayOn").setChecked(on);
+    Action("mnuTrayOn").setText(on ? "&Monitoring ON" : "Resume &Monitoring");
+    Action("mnuTrayOff").setChecked(!on);
+    Action("mnuTrayOff").setText(on ? "&Pause Monitoring" : "Monitoring &Paused");
 }
 
 void MonitorTray::SetStartMarks(bool hasServices, bool mnuTrayNTService, bool mnuTrayStartup) {
-    mnuTrayNTService_->setVisible(hasServices);
-    mnuTrayNTService_->setChecked(mnuTrayNTService);
-    mnuTrayStartup_->setChecked(mnuTrayStartup);
+    Action("mnuTrayNTService").setVisible(hasServices);
+    Action("mnuTrayNTService").setChecked(mnuTrayNTService);
+    Action("mnuTrayStartup").setChecked(mnuTrayStartup);
 }
 
 void MonitorTray::Modify() {

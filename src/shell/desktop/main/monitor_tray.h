@@ -12,19 +12,12 @@ namespace korvane {
 
 class MonitorTray {
 public:
-    struct Commands {
-        std::function<void()> mnuTraySettings;  ///< the window comes back
-        std::function<void()> mnuTrayOn;
-        std::function<void()> mnuTrayOff;
-        std::function<void()> mnuTrayReports;
-        std::function<void()> mnuTrayNTService;
-        std::function<void()> mnuTrayStartup;
-        std::function<void()> mnuTrayTellFriend;
-        std::function<void()> mnuTrayFeedback;
-        std::function<void()> mnuTrayExit;
-    };
+    /// `open` is called when the icon is clicked.
+    explicit MonitorTray(std::function<void()> open);
 
-    explicit MonitorTray(Commands commands);
+    /// Must be filled with the commands before MenuIsBuilt, which marks those that can be on or off.
+    QMenu& mnuTray() { return menu_; }
+    void MenuIsBuilt();
 
     /// Returns whether this desktop shows such icons right now.
     static bool Available() { return QSystemTrayIcon::isSystemTrayAvailable(); }
@@ -44,20 +37,12 @@ public:
     /// Sends picture and tip to the desktop again, in case it has lost them.
     void Modify();
 
-    const QSystemTrayIcon& Icon() const { return icon_; }
-    QMenu& mnuTray() { return menu_; }
-
 private:
-    void BuildMenu();
+    QAction& Action(const char* name) { return *menu_.findChild<QAction*>(name); }
 
-    Commands commands_;
     QMenu menu_;
     QSystemTrayIcon icon_;
     TrayPicture picture_ = TrayPicture::Normal;
-    QAction* mnuTrayOn_ = nullptr;
-    QAction* mnuTrayOff_ = nullptr;
-    QAction* mnuTrayNTService_ = nullptr;
-    QAction* mnuTrayStartup_ = nullptr;
 };
 
 }  // namespace korvane

@@ -3,7 +3,6 @@
 #include <QIcon>
 #include <algorithm>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"

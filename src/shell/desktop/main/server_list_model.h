@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <functional>
 #include <vector>
 
 #include "shell/list/server_list.h"

@@ -40,7 +40,7 @@ void Select(QComboBox& box, const std::string& text) {
 
 }  // namespace
 
-std::vector<std::string> OfferedLevels() {
+std::vector<std::string> ResourceForm::OfferedLevels() {
     std::vector<std::string> levels;
     for (int level = kLevelStep; level <= kLastLevel; level += kLevelStep)
         levels.push_back(std::to_string(level));
@@ -55,15 +55,11 @@ ResourceForm::ResourceForm(const char* name, const QString& title)
     setSizeGripEnabled(true);
 }
 
-void ResourceForm::AddFigures(QWidget* figures, int stretch) {
-    layout_->addWidget(figures, stretch);
-}
-
-void ResourceForm::AddSettings() {
+void ResourceForm::AddFigures(QWidget* figures, QWidget* rest) {
+    layout_->addWidget(figures);
+    if (rest != nullptr) layout_->addWidget(rest, 1);
     auto* row = new QHBoxLayout;
-    cmdExpand_ = new QPushButton(kExpand, this);
-    cmdExpand_->setObjectName("cmdExpand");
-    cmdExpand_->setAccessibleName("Settings");
+    cmdExpand_ = NewButton("cmdExpand", kExpand, "Settings", this);
     cmdExpand_->setCheckable(true);
     cmdExpand_->setAutoDefault(false);
     connect(cmdExpand_, &QPushButton::toggled, this, [this](bool expand) { cmdExpand_Click(expand); });
@@ -79,8 +75,7 @@ void ResourceForm::AddSettings() {
     layout_->addWidget(fraSettings_);
 }
 
-QComboBox* ResourceForm::AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered,
-                                   std::string& text) {
+void ResourceForm::AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered, std::string& text) {
     auto* box = new QComboBox(fraSettings_);
     box->setObjectName(name);
     box->setAccessibleName(QString(label).remove('&').remove(':'));
@@ -88,22 +83,18 @@ QComboBox* ResourceForm::AddChoice(const char* name, const QString& label, const
     for (const std::string& each : offered)
         box->addItem(Q(each));
     connect(box, &QComboBox::currentTextChanged, this, [&text](const QString& chosen) { text = S(chosen); });
-    choices_.push_back({box, &text});
-    auto* caption = new QLabel(label, fraSettings_);
-    caption->setBuddy(box);
+    choices_.emplace_back(box, &text);
     auto* row = new QHBoxLayout;
     row->addWidget(box);
     row->addStretch();
-    form_->addRow(caption, row);
-    return box;
+    AddRow(*form_, label, "", box, row);
 }
 
-QCheckBox* ResourceForm::AddMark(const char* name, const QString& text, bool& on) {
+void ResourceForm::AddMark(const char* name, const QString& text, bool& on) {
     QCheckBox* mark = NewMark(name, text, fraSettings_);
     connect(mark, &QCheckBox::toggled, this, [&on](bool checked) { on = checked; });
-    marks_.push_back({mark, &on});
+    marks_.emplace_back(mark, &on);
     form_->addRow(mark);
-    return mark;
 }
 
 void ResourceForm::AddAlert(const QString& what) {
@@ -111,9 +102,7 @@ void ResourceForm::AddAlert(const QString& what) {
     txtEmail_ = NewBox("txtEmail", "Address to notify", fraSettings_);
     txtEmail_->setPlaceholderText("that of the first server");
     connect(txtEmail_, &QLineEdit::textEdited, this, [&monitor](const QString& text) { monitor.txtEmail = S(text); });
-    auto* caption = new QLabel("&Notify:", fraSettings_);
-    caption->setBuddy(txtEmail_);
-    form_->addRow(caption, txtEmail_);
+    AddRow(*form_, "&Notify:", "", txtEmail_);
     AddMark("ckDisable", "&Disable This Alert", monitor.ckDisable);
     auto* note = NewExplanation(QString(kNote).arg(what), fraSettings_);
     note->setMinimumWidth(fontMetrics().averageCharWidth() * kNoteCharacters);
@@ -129,9 +118,8 @@ void ResourceForm::AddCommands() {
     auto* row = new QHBoxLayout;
     row->addStretch();
     const auto add = [&](const char* name, const QString& caption, CommandPicture picture, const std::function<void()>& command) {
-        auto* button = new QPushButton(CommandIcon(picture), caption, fraSettings_);
-        button->setObjectName(name);
-        button->setAccessibleName(QString(caption).remove('&'));
+        QPushButton* button = NewButton(name, caption, QString(caption).remove('&'), fraSettings_);
+        button->setIcon(CommandIcon(picture));
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, command);
         row->addWidget(button);
@@ -144,10 +132,10 @@ void ResourceForm::AddCommands() {
 
 void ResourceForm::Refresh() {
     ShowFigures();
-    for (const Choice& each : choices_)
-        Select(*each.box, *each.text);
-    for (const Mark& each : marks_)
-        each.box->setChecked(*each.on);
+    for (const auto& [box, text] : choices_)
+        Select(*box, *text);
+    for (const auto& [mark, on] : marks_)
+        mark->setChecked(*on);
     const QString email = Q(Monitor().txtEmail);
     if (txtEmail_->text() != email) txtEmail_->setText(email);
     cmdTest_->setEnabled(Monitor().TestEnabled());

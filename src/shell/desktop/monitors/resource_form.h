@@ -7,24 +7,26 @@
 #include <QDialog>
 #include <QString>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/events.h"
+#include "platform/services.h"
+#include "platform/system_info.h"
 #include "resources/alert_monitor.h"
+#include "shell/options/global_email_walk.h"
 
 class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QGroupBox;
-class QLabel;
 class QLineEdit;
 class QPushButton;
 class QVBoxLayout;
 
 namespace korvane {
-
-/// The possible levels: "5", "10" and so on to "100".
-std::vector<std::string> OfferedLevels();
 
 /// A modeless window. Closing hides it.
 class ResourceForm : public QDialog {
@@ -39,13 +41,14 @@ protected:
 
     // The constructor of a window must call these in this order.
 
-    /// Adds the figures, above everything else.
-    void AddFigures(QWidget* figures, int stretch);
-    /// Adds the buttons and the page of the settings, without inputs yet.
-    void AddSettings();
+    /// Adds the figures, above everything else, and the page of the settings, without inputs yet. `rest`, if there is one, is
+    /// below the figures and takes the height that is left.
+    void AddFigures(QWidget* figures, QWidget* rest = nullptr);
+    /// The possible levels: "5", "10" and so on to "100".
+    static std::vector<std::string> OfferedLevels();
     /// Adds an input of the settings with its possible values and an empty one; it is bound to `text`.
-    QComboBox* AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered, std::string& text);
-    QCheckBox* AddMark(const char* name, const QString& text, bool& on);
+    void AddChoice(const char* name, const QString& label, const std::vector<std::string>& offered, std::string& text);
+    void AddMark(const char* name, const QString& text, bool& on);
     /// Adds address, mark and commands, below the choices. `what` is the monitored resource, as worded in the note.
     void AddAlert(const QString& what);
 
@@ -58,15 +61,6 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    struct Choice {
-        QComboBox* box;
-        std::string* text;
-    };
-    struct Mark {
-        QCheckBox* box;
-        bool* on;
-    };
-
     void cmdExpand_Click(bool expand);
     void AddCommands();
 
@@ -77,10 +71,14 @@ private:
     QPushButton* cmdExpand_ = nullptr;
     QPushButton* cmdTest_ = nullptr;
     QLineEdit* txtEmail_ = nullptr;
-    std::vector<Choice> choices_;
-    std::vector<Mark> marks_;
+    std::vector<std::pair<QComboBox*, const std::string*>> choices_;
+    std::vector<std::pair<QCheckBox*, const bool*>> marks_;
     int grown_ = 0;  ///< height added by the last change of size
     bool leftForMessage_ = false;
 };
+
+/// Creates the window of one of the resources, hidden; all arguments must outlive it.
+std::unique_ptr<ResourceForm> NewResourceForm(ResourceMonitor monitor, const MonitorPorts& ports, Events& events,
+                                              const SystemInfo& system, Services& services);
 
 }  // namespace korvane

@@ -2,11 +2,6 @@
 
 #include <utility>
 
-#include "shell/desktop/monitors/frm_cpu_monitor.h"
-#include "shell/desktop/monitors/frm_disk_monitor.h"
-#include "shell/desktop/monitors/frm_memory_mon.h"
-#include "shell/desktop/monitors/frm_svc_mon.h"
-
 namespace korvane {
 
 MonitorPorts MonitorPortsOf(const Desk& desk) {
@@ -24,26 +19,10 @@ MonitorPorts MonitorPortsOf(const Desk& desk) {
 ResourceWindows::ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden)
     : desk_(std::move(desk)), hidden_(std::move(hidden)) {}
 
-ResourceWindows::~ResourceWindows() = default;
-
-std::unique_ptr<ResourceForm> ResourceWindows::NewForm(ResourceMonitor monitor) {
-    const MonitorPorts ports = MonitorPortsOf(desk_);
-    switch (monitor) {
-        case ResourceMonitor::CPU:
-            return std::make_unique<frmCPUMonitor>(ports, desk_.systemInfo);
-        case ResourceMonitor::Disk:
-            return std::make_unique<frmDiskMonitor>(ports, desk_.systemInfo);
-        case ResourceMonitor::Memory:
-            return std::make_unique<frmMemoryMon>(ports, desk_.events, desk_.systemInfo);
-        case ResourceMonitor::Services:
-            return std::make_unique<frmSvcMon>(ports, desk_.services);
-    }
-    return nullptr;
-}
-
 void ResourceWindows::Make(ResourceMonitor monitor) {
-    forms_[Index(monitor)] = NewForm(monitor);
-    forms_[Index(monitor)]->OnHidden([this, monitor] { Hidden(monitor); });
+    auto& form = forms_[Index(monitor)];
+    form = NewResourceForm(monitor, MonitorPortsOf(desk_), desk_.events, desk_.systemInfo, desk_.services);
+    form->OnHidden([this, monitor] { Hidden(monitor); });
 }
 
 void ResourceWindows::Load() {

@@ -7,7 +7,6 @@
 
 #include "resources/alert_monitor.h"
 #include "shell/desktop/monitors/resource_form.h"
-#include "shell/options/global_email_walk.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -19,7 +18,6 @@ class ResourceWindows {
 public:
     /// `hidden` is called when the operator has closed a window.
     ResourceWindows(Desk desk, std::function<void(ResourceMonitor monitor)> hidden);
-    ~ResourceWindows();
     ResourceWindows(const ResourceWindows&) = delete;
     ResourceWindows& operator=(const ResourceWindows&) = delete;
 
@@ -37,7 +35,6 @@ public:
 
 private:
     static std::size_t Index(ResourceMonitor monitor) { return static_cast<std::size_t>(monitor); }
-    std::unique_ptr<ResourceForm> NewForm(ResourceMonitor monitor);
     void Make(ResourceMonitor monitor);
     void Hidden(ResourceMonitor monitor);
 

@@ -2,46 +2,36 @@
 // below.
 #pragma once
 
-#include <QDialog>
 #include <string>
 
 #include "shell/desktop/toolkit/form_inputs.h"
+#include "shell/desktop/toolkit/tabbed_dialog.h"
 #include "shell/options/global_email_walk.h"
 
 class QGroupBox;
-class QPushButton;
 
 namespace korvane {
 
-class ReadingText;
-
-/// Shown with open(); deleted when it is closed. Each part is saved by its own command; closing saves nothing.
-class frmGlobalEmail : public QDialog {
+/// Each part is saved by its own command; closing saves nothing.
+class frmGlobalEmail : public FormDialog {
 public:
     /// `monitors` must outlive this.
-    frmGlobalEmail(const Desk& desk, ResourceEmails& monitors, QWidget* parent);
-    ~frmGlobalEmail() override;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    frmGlobalEmail(const Desk& desk, ResourceEmailFiles& monitors, QWidget* parent);
 
 private:
     QWidget* Page();
-    QWidget* GlobalValues();
-    QWidget* Monitors();
-    QWidget* Server();
+    QGroupBox* Server();
     QLayout* Walk();
-    QPushButton* NewCommand(const char* name, const QString& text, void (frmGlobalEmail::*click)());
-    QPushButton* NewMove(const char* name, const QString& text, void (GlobalEmailWalk::*step)());
-    void WatchForHelp();
+    void AddRows(QFormLayout& form, std::size_t first);
+    QPushButton* NewCommand(const char* name, const char* text, const char* help, void (frmGlobalEmail::*click)());
+    QPushButton* NewMove(const char* name, const char* text, void (GlobalEmailWalk::*step)());
+    void FocusMoved(QWidget* now);
     void ShowServer();
-    void SetStatus(const QString& text);
     void Tell(const std::string& error, const char* success);
     void cmdSaveGlobal_Click();
     void cmdUpdateServer_Click();
     void cmdUpdateAll_Click();
     void UpdateAll(const GlobalEmailFields& fields);
-    void cmdClose_Click() { reject(); }
 
     GlobalEmailWalk walk_;
     FormInputs<GlobalEmailFields> inputs_;
@@ -49,8 +39,8 @@ private:
     QLabel* lblTitle_ = nullptr;
     QLabel* lblPosition_ = nullptr;
     QPushButton* cmdSaveGlobal_ = nullptr;
+    QPushButton* cmdUpdateAll_ = nullptr;
     QPushButton* cmdUpdateServer_ = nullptr;
-    ReadingText* txtStatus_ = nullptr;
 };
 
 }  // namespace korvane

@@ -1,102 +1,73 @@
 #include "shell/desktop/settings/frm_options.h"
 
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTabBar>
-#include <QTabWidget>
 #include <utility>
 
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "shell/desktop/small/frm_input.h"
+#include "shell/entry/entry_hints.h"
 #include "shell/entry/fresh_entry.h"
-#include "shell/options/options_hints.h"
-#include "shell/options/options_open.h"
-#include "shell/options/options_proxy.h"
-#include "shell/options/options_save.h"
 #include "shell/run/message_title.h"
 
 namespace korvane {
 
-frmOptions::frmOptions(const Desk& desk, OptionsCommands commands, QWidget* parent)
-    : TabbedDialog("frmOptions", "Settings", parent), desk_(desk), commands_(std::move(commands)) {
-    askText = [self = QPointer<frmOptions>(this)](const std::string& title, const std::string& prompt, const auto& answered) {
-        if (self != nullptr) (new frmInput(title, prompt, answered, self))->open();
-    };
-    askForFile = [this](const FileQuestion& question, const auto& chosen) { AskForFile(question, chosen); };
-
-    BuildPages();
-    cmdCheckVersion_ = AddStatusAndButtons("cmdCheckVersion", "Check for New &Version...", [this] { cmdOk_Click(); });
-
+frmOptions::frmOptions(const Desk& desk, ResourceEmailFiles& emails, QWidget* parent)
+    : TabbedDialog("frmOptions", "Settings", parent), desk_(desk), emails_(emails), inputs_(OptionsInputs()) {
+    AddPages();
+    cmdCheckVersion_ = AddStatusAndButtons(
+        {"cmdCheckVersion", "Check for New &Version...", "Asks whether there is a newer version of Korvane."},
+        [this] { cmdCheckVersion_Click(); }, [this] { cmdOk_Click(); });
     ConnectTyping();
-    ConnectCommands();
-    WatchForHelp(HelpOnOptionsInput);
+    WatchForHelp();
     Form_Load();
-}
-
-void frmOptions::BuildPages() {
-    monitoring_ = new OptionsMonitoringPage(inputs_, this);
-    mail_ = new OptionsMailPage(inputs_, this);
-    reports_ = new OptionsReportsPage(inputs_, this);
-    restart_ = new OptionsRestartPage(inputs_, this);
-    proxy_ = new OptionsProxyPage(inputs_, this);
-    service_ = new OptionsServicePage(inputs_, this);
-    resets_ = new OptionsResetsPage(this);
-    AddPage(monitoring_, "Monitoring");
-    AddPage(mail_, "E-Mail");
-    AddPage(reports_, "Reports and Sound");
-    AddPage(restart_, "Restart");
-    AddPage(proxy_, "Proxy");
-    AddPage(service_, "Service");
-    AddPage(resets_, "Resets");
-    tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
 }
 
 void frmOptions::Form_Load() {
     const OptionsFields fields = OptionsFromSettings(desk_.collection);
     inputs_.Fill(fields);
     serviceName_ = fields.ServiceName;
-    (fields.RebootAny ? restart_->optRebootAny : restart_->optRebootAll)->setChecked(true);
+    (fields.RebootAny ? optRebootAny_ : optRebootAll_)->setChecked(true);
     ShowChoices(fields.Reboot);
-    monitoring_->txtBegin->setFocus();
+    inputs_.Box(&OptionsFields::Begin)->setFocus();
     LoadService();
     LoadMailServer();
     LoadProxy();
-    service_->chkStartup->setChecked(commands_.IsInStartupGroup());
+    chkStartup_->setChecked(desk_.service.IsInStartupGroup());
     loading_ = false;
 }
 
 void frmOptions::LoadService() {
-    service_->lblServiceName->setText(Q(serviceName_));
-    if (commands_.IsWindowsNT()) return;
-    service_->chkService->setChecked(false);
-    service_->chkService->hide();
+    lblServiceName_->setText(Q(serviceName_));
+    if (desk_.service.IsWindowsNT()) return;
+    chkService_->setChecked(false);
+    chkService_->hide();
     SetStatus(kNoServiceHint);
 }
 
 void frmOptions::LoadMailServer() {
-    if (!Trim(S(mail_->txtServer->text())).empty()) return;
-    ShowPageOf(mail_->txtServer);
-    mail_->txtServer->setText(Q(kSampleMailHost));
-    mail_->txtServer->setFocus();
-    mail_->txtServer->selectAll();
+    QLineEdit& box = *inputs_.Box(&OptionsFields::Server);
+    if (!Trim(S(box.text())).empty()) return;
+    ShowPageOf(&box);
+    box.setText(Q(kSampleMailHost));
+    box.setFocus();
+    box.selectAll();
     SetStatus(NoMailServerHint());
     desk_.person.ShowMessage(kMessageTitle, NoMailServerMessage());
 }
 
 void frmOptions::LoadProxy() {
-    proxyServer_ = commands_.proxyServer();
+    proxyServer_ = desk_.proxyServer();
     const bool isDetected = !Trim(proxyServer_).empty();
-    proxy_->cmdSetProxy->setVisible(isDetected);
-    proxy_->lblProxy->setVisible(isDetected);
-    if (isDetected) proxy_->lblProxy->setText(Q(ProxyDetectedText(proxyServer_)));
+    cmdSetProxy_->setVisible(isDetected);
+    lblProxy_->setVisible(isDetected);
+    if (isDetected) lblProxy_->setText(Q(ProxyDetectedText(proxyServer_)));
 }
 
 void frmOptions::SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup) {
-    ShowMark(*service_->chkService, mnuTrayNTService && commands_.IsWindowsNT());
-    ShowMark(*service_->chkStartup, mnuTrayStartup);
+    ShowMark(*chkService_, mnuTrayNTService && desk_.service.IsWindowsNT());
+    ShowMark(*chkStartup_, mnuTrayStartup);
 }
 
 void frmOptions::ShowMark(QCheckBox& mark, bool checked) {
@@ -106,7 +77,7 @@ void frmOptions::ShowMark(QCheckBox& mark, bool checked) {
 
 OptionsFields frmOptions::Read() const {
     OptionsFields fields = inputs_.Read();
-    fields.RebootAny = restart_->optRebootAny->isChecked();
+    fields.RebootAny = optRebootAny_->isChecked();
     fields.ServiceName = serviceName_;
     return fields;
 }
@@ -118,15 +89,53 @@ void frmOptions::cmdOk_Click() {
     const auto refusal = SaveOptions(desk, Read());
     if (self == nullptr) return;
     saving_ = false;
-    if (refusal) return Refuse(*inputs_.Box(refusal->field), refusal->message);
+    if (refusal) {
+        ShowRefusal(*inputs_.Box(refusal->field), refusal->message);
+        return desk.person.ShowMessage(kMessageTitle, refusal->message);
+    }
     if (proxyChanged_) desk.person.ShowMessage(kMessageTitle, std::string(kProxyChangedMessage));
     if (self != nullptr && !IsClosed()) accept();
 }
 
-void frmOptions::Refuse(QLineEdit& box, const std::string& message) {
-    ShowPageOf(&box);
-    MarkRefused(box, Lines(message));
-    desk_.person.ShowMessage(kMessageTitle, message);
+void frmOptions::ConnectTyping() {
+    connect(inputs_.Box(&OptionsFields::ProxyName), &QLineEdit::textChanged, this, [this] {
+        if (!loading_) ProxyNameChanged();
+    });
+    // The label must match the number even while it is being loaded.
+    connect(inputs_.Box(&OptionsFields::GlobalRetryDuration), &QLineEdit::textChanged, this, [this](const QString& seconds) {
+        inputs_.Unit(&OptionsFields::GlobalRetryDuration)->setText(Q(IntervalInMinutes(S(seconds))));
+    });
+    connect(ckReboot_, &QCheckBox::toggled, this, [this](bool reboot) {
+        if (!loading_) RebootToggled(reboot);
+    });
+    const auto explain = [this](QRadioButton* choice, std::string_view text) {
+        connect(choice, &QRadioButton::toggled, this, [this, text](bool chosen) {
+            if (!loading_ && chosen) SetStatus(text);
+        });
+    };
+    explain(optRebootAny_, kRestartsForAny);
+    explain(optRebootAll_, kRestartsForAll);
+    ConnectMark(chkService_, &frmOptions::chkService_Click);
+    ConnectMark(chkStartup_, &frmOptions::chkStartup_Click);
+}
+
+// The message may outlive the dialog.
+void frmOptions::ProxyNameChanged() {
+    const QPointer<frmOptions> self = this;
+    proxyChanged_ = true;
+    if (LacksProxyScheme(S(inputs_.Box(&OptionsFields::ProxyName)->text())))
+        desk_.person.ShowMessage(kMessageTitle, std::string(kProxySchemeMessage));
+    if (self != nullptr) SetStatus(kProxyChangedHint);
+}
+
+void frmOptions::ShowChoices(bool reboot) {
+    optRebootAny_->setVisible(reboot);
+    optRebootAll_->setVisible(reboot);
+}
+
+void frmOptions::RebootToggled(bool reboot) {
+    ShowChoices(reboot);
+    SetStatus(reboot ? kRestartsThisMachine : kDoesNotRestart);
 }
 
 }  // namespace korvane

@@ -1,223 +1,180 @@
-#include "shell/desktop/settings/frm_options_pages.h"
-
-#include <QFormLayout>
-#include <QGroupBox>
+// The pages of the settings dialog.
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "shell/desktop/settings/frm_global_email.h"
+#include "shell/desktop/settings/frm_options.h"
+
 namespace korvane {
-namespace {
 
-QVBoxLayout* NewPage(const QString& explanation, QWidget* page) {
-    auto* layout = new QVBoxLayout(page);
-    layout->addWidget(NewExplanation(explanation, page));
-    layout->addSpacing(page->fontMetrics().height() / 2);
-    return layout;
+void frmOptions::AddPages() {
+    AddMonitoringPage();
+    AddMailPage();
+    AddReportsPage();
+    AddRestartPage();
+    AddProxyPage();
+    AddServicePage();
+    AddResetsPage();
+    tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
 }
 
-QHBoxLayout* NumberRow(QLineEdit* box, QLabel* unit) {
-    KeepShort(*box);
-    auto* row = NewRow({box, unit});
-    row->addStretch();
-    return row;
+void frmOptions::AddMonitoringPage() {
+    QVBoxLayout& page = AddPage("Monitoring", "When monitoring begins, and how soon a server that failed is tried again.");
+    QFormLayout& form = AddForm(page);
+    for (const auto field : {&OptionsFields::Begin, &OptionsFields::GlobalRetryDuration, &OptionsFields::SuccessLT})
+        inputs_.AddRow(form, field);
+    page.addStretch();
 }
 
-QHBoxLayout* LeftRow(std::initializer_list<QWidget*> widgets) {
-    auto* row = NewRow(widgets);
-    row->addStretch();
-    return row;
-}
-
-}  // namespace
-
-OptionsMonitoringPage::OptionsMonitoringPage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    txtBegin = inputs.AddBox(&OptionsFields::Begin, "txtBegin", "Monitor activity begins, in minutes after start", this);
-    AddRow(*form, "&Monitor activity begins:", "lblBegin", txtBegin,
-           NumberRow(txtBegin, NewLabel("lblBeginUnit", "minutes after the start of Korvane", this)));
-    txtGlobalRetryDuration = inputs.AddBox(&OptionsFields::GlobalRetryDuration, "txtGlobalRetryDuration",
-                                           "Server retry interval after a failure, in seconds", this);
-    lblInterval = NewLabel("lblInterval", "Seconds.", this);
-    AddRow(*form, "Server &Retry interval:", "lblRetry", txtGlobalRetryDuration, NumberRow(txtGlobalRetryDuration, lblInterval));
-    auto* txtSuccess = inputs.AddBox(&OptionsFields::SuccessLT, "txtSuccess", "Slow response timeout, in seconds", this);
-    AddRow(*form, "&Slow Response Timeout:", "lblSuccess", txtSuccess,
-           NumberRow(txtSuccess, NewLabel("lblSuccessUnit", "seconds", this)));
-    layout->addStretch();
-}
-
-OptionsMailPage::OptionsMailPage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
+void frmOptions::AddMailPage() {
+    QVBoxLayout& page = AddPage("E-Mail", "The mail servers through which you are told when a server goes down.");
     auto* servers = new QHBoxLayout;
-    layout->addLayout(servers);
-    const auto addServer = [&](const QString& title) {
-        auto* group = new QGroupBox(title, this);
-        group->setLayout(NewForm(group));
-        servers->addWidget(group);
-        return static_cast<QFormLayout*>(group->layout());
-    };
-    const auto add = [&](QFormLayout* form, std::string OptionsFields::*field, const char* name, const QString& label,
-                         const QString& accessibleName) {
-        QLineEdit* box = inputs.AddBox(field, name, accessibleName, form->parentWidget());
-        AddRow(*form, label, (QByteArray("lbl") + (name + 3)).constData(), box);
-        return box;
-    };
-    QFormLayout* primary = addServer("Primary SMTP server");
-    txtServer = add(primary, &OptionsFields::Server, "txtServer", "Mail &server:", "Primary SMTP server");
-    add(primary, &OptionsFields::SMTPUser1, "txtSMTPUser1", "&User name:", "User name on the primary server");
-    QLineEdit* password1 =
-        add(primary, &OptionsFields::SMTPPass1, "txtSMTPPass1", "&Password:", "Password on the primary server");
-    add(primary, &OptionsFields::SMTPPopHost1, "txtSMTPPopHost1", "P&OP server:", "POP server of the primary server");
-    QFormLayout* backup = addServer("Backup SMTP server");
-    add(backup, &OptionsFields::ServerBackup, "txtServerBackup", "Mail s&erver:", "Backup SMTP server");
-    add(backup, &OptionsFields::SMTPUser2, "txtSMTPUser2", "User n&ame:", "User name on the backup server");
-    QLineEdit* password2 = add(backup, &OptionsFields::SMTPPass2, "txtSMTPPass2", "Pass&word:", "Password on the backup server");
-    add(backup, &OptionsFields::SMTPPopHost2, "txtSMTPPopHost2", "POP se&rver:", "POP server of the backup server");
+    page.addLayout(servers);
+    QFormLayout& primary = AddGroup(*servers, "Primary SMTP server");
+    for (const auto field :
+         {&OptionsFields::Server, &OptionsFields::SMTPUser1, &OptionsFields::SMTPPass1, &OptionsFields::SMTPPopHost1})
+        inputs_.AddRow(primary, field);
+    QFormLayout& backup = AddGroup(*servers, "Backup SMTP server");
+    for (const auto field :
+         {&OptionsFields::ServerBackup, &OptionsFields::SMTPUser2, &OptionsFields::SMTPPass2, &OptionsFields::SMTPPopHost2})
+        inputs_.AddRow(backup, field);
 
-    QCheckBox* ckShowPasswords = NewMark("ckShowPasswords", "S&how the passwords", this);
-    const auto show = [password1, password2](bool shown) {
-        for (QLineEdit* password : {password1, password2})
-            password->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password);
+    auto* ckShowPasswords = NewMark({"ckShowPasswords", "S&how the passwords", "Shows both passwords while it is marked."}, this);
+    const auto show = [this](bool shown) {
+        for (const auto field : {&OptionsFields::SMTPPass1, &OptionsFields::SMTPPass2})
+            inputs_.Box(field)->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password);
     };
     show(false);
     connect(ckShowPasswords, &QCheckBox::toggled, this, show);
-    layout->addWidget(ckShowPasswords);
-
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    QLineEdit* txtZone = inputs.AddBox(&OptionsFields::Zone, "txtZone", "Offset from GMT", this);
-    AddRow(*form, "Offset from GM&T:", "lblZone", txtZone,
-           NumberRow(txtZone, NewLabel("lblZoneExample", "such as -600; blank for GMT", this)));
-    layout->addStretch();
-    cmdTestEmail = NewButton("cmdTestEmail", "Send Test &Mail...", "Send Test Mail", this);
-    cmdGlobalEmail = NewButton("cmdGlobalEmail", "&Global E-Mail Settings...", "Global E-Mail Settings", this);
-    layout->addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail}));
+    page.addWidget(ckShowPasswords);
+    inputs_.AddRow(AddForm(page), &OptionsFields::Zone);
+    page.addStretch();
+    auto* cmdTestEmail = NewButton(
+        {"cmdTestEmail", "Send Test &Mail...", "Sends a test mail through both mail servers with what is on this page."}, this,
+        [this] { cmdTestEmail_Click(); });
+    auto* cmdGlobalEmail =
+        NewButton({"cmdGlobalEmail", "&Global E-Mail Settings...", "Edits the addresses that all monitors and servers share."},
+                  this, [this] { (new frmGlobalEmail(desk_, emails_, this))->open(); });
+    page.addLayout(LeftRow({cmdTestEmail, cmdGlobalEmail}));
 }
 
-OptionsReportsPage::OptionsReportsPage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    auto* reports = new QGroupBox("Reports", this);
-    auto* form = NewForm(reports);
-    reports->setLayout(form);
-    layout->addWidget(reports);
-    txtReportPath = inputs.AddBox(&OptionsFields::ReportPath, "txtReportPath", "Report folder", reports);
-    cmdReportPath = NewButton("cmdReportPath", "&Browse...", "Browse for the report folder", reports);
-    AddRow(*form, "&Folder:", "lblReportPath", txtReportPath, NewRow({txtReportPath, cmdReportPath}));
-
-    const auto addAlert = [&](const QString& title, QCheckBox* mark, QLineEdit* box, QPushButton* browse, QPushButton* play,
-                              const QString& label, const char* labelName) {
-        auto* group = new QGroupBox(title, this);
-        auto* alert = NewForm(group);
-        group->setLayout(alert);
-        layout->addWidget(group);
-        for (QWidget* input : std::initializer_list<QWidget*>{mark, box, browse, play})
-            input->setParent(group);
-        alert->addRow(mark);
-        AddRow(*alert, label, labelName, box, NewRow({box, browse, play}));
-        for (QWidget* before = mark; QWidget * each : std::initializer_list<QWidget*>{box, browse, play}) {
-            setTabOrder(before, each);
-            before = each;
-        }
-    };
-    QCheckBox* ckYellowAlert =
-        inputs.AddMark(&OptionsFields::bYellowAlert, "ckYellowAlert", "Play a sound when a server fail&s", this);
-    txtYellowAlertWav = inputs.AddBox(&OptionsFields::YellowAlertWav, "txtYellowAlertWav", "Wave file of the yellow alert", this);
-    cmdYellowAlertWav = NewButton("cmdYellowAlertWav", "B&rowse...", "Browse for the sound of the yellow alert", this);
-    cmdTestYellowAlert = NewButton("cmdTestYellowAlert", "&Play", "Play the sound of the yellow alert", this);
-    addAlert("Yellow alert", ckYellowAlert, txtYellowAlertWav, cmdYellowAlertWav, cmdTestYellowAlert,
-             "&Wave file:", "lblYellowAlertWav");
-    QCheckBox* ckRedAlert =
-        inputs.AddMark(&OptionsFields::bRedAlert, "ckRedAlert", "Play a sound when a server goes &down", this);
-    txtRedAlertWav = inputs.AddBox(&OptionsFields::RedAlertWav, "txtRedAlertWav", "Wave file of the red alert", this);
-    cmdRedAlertWav = NewButton("cmdRedAlertWav", "Br&owse...", "Browse for the sound of the red alert", this);
-    cmdTestRedAlert = NewButton("cmdTestRedAlert", "P&lay", "Play the sound of the red alert", this);
-    addAlert("Red alert", ckRedAlert, txtRedAlertWav, cmdRedAlertWav, cmdTestRedAlert, "Wav&e file:", "lblRedAlertWav");
-    layout->addStretch();
+void frmOptions::AddReportsPage() {
+    QVBoxLayout& page = AddPage("Reports and Sound", "Where the reports go, and what you hear when a server fails.");
+    QFormLayout& reports = AddGroup(page, "Reports");
+    inputs_.AddBox(&OptionsFields::ReportPath, this);
+    auto* cmdReportPath =
+        NewButton({"cmdReportPath", "&Browse...", "Looks for the folder on your disk.", "Browse for the report folder"}, this,
+                  [this] { ChooseReportPath(); });
+    inputs_.AddRow(reports, &OptionsFields::ReportPath, {cmdReportPath});
+    AddAlert(
+        AddGroup(page, "Yellow alert"), &OptionsFields::bYellowAlert, &OptionsFields::YellowAlertWav,
+        {"cmdYellowAlertWav", "B&rowse...", "Looks for the wave file on your disk.", "Browse for the sound of the yellow alert"},
+        {"cmdTestYellowAlert", "&Play", "Plays the sound now.", "Play the sound of the yellow alert"});
+    AddAlert(AddGroup(page, "Red alert"), &OptionsFields::bRedAlert, &OptionsFields::RedAlertWav,
+             {"cmdRedAlertWav", "Br&owse...", "Looks for the wave file on your disk.", "Browse for the sound of the red alert"},
+             {"cmdTestRedAlert", "P&lay", "Plays the sound now.", "Play the sound of the red alert"});
+    page.addStretch();
 }
 
-OptionsRestartPage::OptionsRestartPage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = NewPage(
-        "What restarts this computer is the command of a server entry. This mark tells your mails and reports that it does.",
-        this);
-    ckReboot = inputs.AddMark(&OptionsFields::Reboot, "ckReboot", "&Restart this computer when servers fail", this);
-    layout->addWidget(ckReboot);
-    const auto addChoice = [&](const char* name, const QString& text) {
-        auto* choice = new QRadioButton(text, this);
-        choice->setObjectName(name);
-        choice->setAccessibleName(QString(text).remove('&'));
+void frmOptions::AddAlert(QFormLayout& form, bool OptionsFields::*mark, std::string OptionsFields::*sound, const Control& browse,
+                          const Control& play) {
+    form.addRow(inputs_.AddMark(mark, this));
+    QLineEdit* box = inputs_.AddBox(sound, this);
+    auto* cmdBrowse = NewButton(browse, this, [this, box] { ChooseSound(*box); });
+    auto* cmdPlay = NewButton(play, this, [this, box] { desk_.sound.PlaySound(S(box->text())); });
+    inputs_.AddRow(form, sound, {cmdBrowse, cmdPlay});
+}
+
+void frmOptions::AddRestartPage() {
+    QVBoxLayout& page = AddPage(
+        "Restart", "Whether this computer is to be restarted when servers fail.",
+        "What restarts this computer is the command of a server entry. This mark tells your mails and reports that it does.");
+    ckReboot_ = inputs_.AddMark(&OptionsFields::Reboot, this);
+    page.addWidget(ckReboot_);
+    const auto addChoice = [&](const Control& control) {
+        auto* choice = new QRadioButton(control.label, this);
+        Describe(*choice, control);
         auto* indented = NewRow({choice});
         indented->setContentsMargins(fontMetrics().height() * 3 / 2, 0, 0, 0);
-        layout->addLayout(indented);
+        page.addLayout(indented);
         return choice;
     };
-    optRebootAny = addChoice("optRebootAny", "When &any server fails");
-    optRebootAll = addChoice("optRebootAll", "When a&ll servers fail");
-    layout->addStretch();
-    cmdTestShutDown = NewButton("cmdTestShutDown", "&Test the Restart...", "Test the Restart", this);
+    optRebootAny_ = addChoice({"optRebootAny", "When &any server fails"});
+    optRebootAll_ = addChoice({"optRebootAll", "When a&ll servers fail"});
+    page.addStretch();
+    auto* cmdTestShutDown = NewButton({"cmdTestShutDown", "&Test the Restart...",
+                                       "Restarts this computer after a question, so that you know that it can be done."},
+                                      this, [this] { cmdTestShutDown_Click(); });
     cmdTestShutDown->setAutoDefault(false);
-    cmdHelpShutDown = NewButton("cmdHelpShutDown", "&Help", "Help on restarting computers", this);
-    layout->addLayout(LeftRow({cmdTestShutDown, cmdHelpShutDown}));
+    auto* cmdHelpShutDown = NewButton(
+        {"cmdHelpShutDown", "&Help", "Opens the help on restarting computers in your browser.", "Help on restarting computers"},
+        this, [this] { desk_.pages.Show(WebPage::ShutdownHelp); });
+    page.addLayout(LeftRow({cmdTestShutDown, cmdHelpShutDown}));
 }
 
-OptionsProxyPage::OptionsProxyPage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = NewPage("Leave both blank where this network needs no proxy server.", this);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    txtProxyName = inputs.AddBox(&OptionsFields::ProxyName, "txtProxyName", "Proxy server", this);
-    AddRow(*form, "&Proxy server:", "lblProxyName", txtProxyName);
-    txtProxyPort = inputs.AddBox(&OptionsFields::ProxyPort, "txtProxyPort", "Port of the proxy server", this);
-    KeepShort(*txtProxyPort);
-    AddRow(*form, "P&ort:", "lblProxyPort", txtProxyPort, LeftRow({txtProxyPort}));
-    layout->addSpacing(fontMetrics().height() / 2);
-    cmdSetProxy = NewButton("cmdSetProxy", "&Set Proxy", "Set Proxy", this);
-    lblProxy = NewExplanation("", this);
-    lblProxy->setObjectName("lblProxy");
-    lblProxy->setTextFormat(Qt::PlainText);
-    auto* row = NewRow({cmdSetProxy, lblProxy});
-    row->setAlignment(cmdSetProxy, Qt::AlignTop);
+void frmOptions::AddProxyPage() {
+    QVBoxLayout& page = AddPage("Proxy", "The proxy server through which web pages are checked, where this network has one.",
+                                "Leave both blank where this network needs no proxy server.");
+    QFormLayout& form = AddForm(page);
+    inputs_.AddRow(form, &OptionsFields::ProxyName);
+    KeepShort(*inputs_.AddRow(form, &OptionsFields::ProxyPort));
+    page.addSpacing(fontMetrics().height() / 2);
+    cmdSetProxy_ = NewButton({"cmdSetProxy", "&Set Proxy", "Fills in the proxy server that your desktop uses."}, this,
+                             [this] { cmdSetProxy_Click(); });
+    lblProxy_ = NewExplanation("", this);
+    lblProxy_->setObjectName("lblProxy");
+    lblProxy_->setTextFormat(Qt::PlainText);
+    auto* row = NewRow({cmdSetProxy_, lblProxy_});
+    row->setAlignment(cmdSetProxy_, Qt::AlignTop);
     row->setStretch(1, 1);
-    layout->addLayout(row);
-    layout->addStretch();
+    page.addLayout(row);
+    page.addStretch();
 }
 
-OptionsServicePage::OptionsServicePage(OptionsInputs& inputs, QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    auto* form = NewForm(this);
-    layout->addLayout(form);
-    lblServiceName = NewLabel("lblServiceName", "", this);
-    lblServiceName->setTextFormat(Qt::PlainText);
-    lblServiceName->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    form->addRow("Service name:", lblServiceName);
-    layout->addSpacing(fontMetrics().height() / 2);
-    chkService = inputs.AddMark(&OptionsFields::Service, "chkService", "&Install Korvane as a service", this);
-    layout->addWidget(chkService);
-    chkStartup = NewMark("chkStartup", "&Add Korvane to the Startup Group", this);
-    layout->addWidget(chkStartup);
-    layout->addSpacing(fontMetrics().height() / 2);
-    layout->addWidget(NewExplanation("A change here takes effect at once and is not undone by Cancel.", this));
-    layout->addStretch();
-    cmdHelpService = NewButton("cmdHelpService", "&Help", "Help on services", this);
-    layout->addWidget(cmdHelpService, 0, Qt::AlignLeft);
+void frmOptions::AddServicePage() {
+    QVBoxLayout& page = AddPage("Service", "How Korvane starts by itself.");
+    servicePage_ = page.parentWidget();
+    lblServiceName_ = NewLabel("lblServiceName", "", this);
+    lblServiceName_->setTextFormat(Qt::PlainText);
+    lblServiceName_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    AddForm(page).addRow("Service name:", lblServiceName_);
+    page.addSpacing(fontMetrics().height() / 2);
+    chkService_ = inputs_.AddMark(&OptionsFields::Service, this);
+    page.addWidget(chkService_);
+    chkStartup_ = NewMark(
+        {"chkStartup", "&Add Korvane to the Startup Group", "Starts Korvane on your desktop each time you log on."}, this);
+    page.addWidget(chkStartup_);
+    page.addSpacing(fontMetrics().height() / 2);
+    page.addWidget(NewExplanation("A change here takes effect at once and is not undone by Cancel.", this));
+    page.addStretch();
+    page.addWidget(NewButton({"cmdHelpService", "&Help", "Opens the help on services in your browser.", "Help on services"}, this,
+                             [this] { desk_.pages.Show(WebPage::ServiceHelp); }),
+                   0, Qt::AlignLeft);
 }
 
-OptionsResetsPage::OptionsResetsPage(QWidget* parent) : QWidget(parent) {
-    auto* layout = NewPage("Each of these takes effect at once, for all servers, and is not undone by Cancel.", this);
-    const auto add = [&](const char* name, const QString& text, const QString& what) {
-        QPushButton* button = NewButton(name, text, QString(text).remove('&').remove("..."), this);
+void frmOptions::AddResetsPage() {
+    QVBoxLayout& page = AddPage("Resets", "Begins statistics, failures and response times of all servers anew.",
+                                "Each of these takes effect at once, for all servers, and is not undone by Cancel.");
+    const auto add = [&](const Control& control, OptionsReset reset, const QString& what) {
+        auto* button = NewButton(control, this, [desk = desk_, reset] { ResetForAll(desk, reset); });
         button->setAutoDefault(false);  // Return means OK, even if the focus is on a command that cannot be undone
-        layout->addWidget(button, 0, Qt::AlignLeft);
-        layout->addWidget(NewExplanation(what, this));
-        layout->addSpacing(fontMetrics().height());
-        return button;
+        page.addWidget(button, 0, Qt::AlignLeft);
+        page.addWidget(NewExplanation(what, this));
+        page.addSpacing(fontMetrics().height());
     };
-    cmdResetSummary = add("cmdResetSummary", "Reset &Summary...", "Response time averages, counts, up-time and failure records.");
-    cmdDeleteResponse = add("cmdDeleteResponse", "Delete &Response Data...", "The hourly and daily graphs.");
-    cmdDeleteAll = add("cmdDeleteAll", "Delete &All...", "Both of these.");
-    layout->addStretch();
+    add({"cmdResetSummary", "Reset &Summary...",
+         "Begins the statistics of all servers anew and deletes their failures. The graphs stay."},
+        OptionsReset::Summary, "Response time averages, counts, up-time and failure records.");
+    add({"cmdDeleteResponse", "Delete &Response Data...",
+         "Deletes the hourly and daily response times of all servers, from which the graphs are made."},
+        OptionsReset::ResponseData, "The hourly and daily graphs.");
+    add({"cmdDeleteAll", "Delete &All...", "Deletes statistics, failures and response times of all servers."}, OptionsReset::All,
+        "Both of these.");
+    page.addStretch();
 }
 
 }  // namespace korvane

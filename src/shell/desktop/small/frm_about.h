@@ -2,31 +2,15 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
-#include <string>
 
-class QLabel;
-class QLayout;
+#include "shell/run/desk.h"
 
 namespace korvane {
-
-struct AboutKorvane {
-    std::string version;             ///< "major.minor.revision"
-    std::string systemInfo;          ///< two lines, from GetSysInfoString
-    std::function<void()> showPage;  ///< called when the link was clicked
-};
 
 /// Shown with open(); deleted when it is closed.
 class frmAbout : public QDialog {
 public:
-    frmAbout(AboutKorvane about, QWidget* parent);
-
-private:
-    QLayout* Content();
-    QLabel* Link();
-    QWidget* SystemInfo();
-
-    AboutKorvane about_;
+    frmAbout(const Desk& desk, QWidget* parent);
 };
 
 }  // namespace korvane

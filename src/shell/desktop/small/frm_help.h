@@ -20,29 +20,21 @@ public:
     void Form_Load(WebPages& pages);
 
 private:
-    QWidget* Buttons();
-    void cmdOpen_Click();
-    void cmdCopy_Click();
-
     WebPages* pages_ = nullptr;
     QLineEdit* txtURL_ = nullptr;
 };
 
-/// The single window of this kind, for the commands that open a page.
-class HelpViewer {
+/// The single window of this kind, for the commands that open a page. SetParent sets the window over which Show puts it;
+/// when that is destroyed, this window is too.
+class HelpViewer : public ModelessForm<frmHelp> {
 public:
     explicit HelpViewer(WebPages& pages) : pages_(pages) {}
 
-    /// Sets the window over which Show puts it. When that is destroyed, this window is too.
-    void SetParent(QWidget* parent) { form_.SetParent(parent); }
     /// Brings it to the front and makes it open the help address.
     void Show();
-    /// Returns null when it is not open.
-    frmHelp* TheForm() const { return form_.TheForm(); }
 
 private:
     WebPages& pages_;
-    ModelessForm<frmHelp> form_;
 };
 
 }  // namespace korvane

@@ -1,12 +1,11 @@
 #include "shell/desktop/small/frm_input.h"
 
-#include <QDialogButtonBox>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "shell/desktop/small/dialog_parts.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/qt_text.h"
 
 namespace korvane {
@@ -23,32 +22,18 @@ frmInput::frmInput(const std::string& title, const std::string& prompt, std::fun
     setWindowTitle(Q(title));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
-    auto* lblPrompt = new QLabel(this);
-    lblPrompt->setObjectName("lblPrompt");
+    QLabel* lblPrompt = NewLabel("lblPrompt", Lines(prompt), this);
     lblPrompt->setTextFormat(Qt::PlainText);
-    lblPrompt->setText(Lines(prompt));
     lblPrompt->setWordWrap(true);
-    txtInput_ = new QLineEdit(this);
-    txtInput_->setObjectName("txtInput");
-    txtInput_->setAccessibleName(lblPrompt->text());
+    txtInput_ = NewBox("txtInput", lblPrompt->text(), this);
     txtInput_->setMinimumWidth(fontMetrics().averageCharWidth() * kInputCharacters);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblPrompt);
     layout->addWidget(txtInput_);
     layout->addStretch();
-    layout->addWidget(Buttons());
+    layout->addWidget(NewButtons(
+        this, {{"cmdOk", "O&K", QDialogButtonBox::AcceptRole}, {"cmdCancel", "&Cancel", QDialogButtonBox::RejectRole}}, "cmdOk"));
     txtInput_->setFocus();
-}
-
-QWidget* frmInput::Buttons() {
-    auto* buttons = new QDialogButtonBox(this);
-    QPushButton* cmdOk = buttons->addButton("O&K", QDialogButtonBox::AcceptRole);
-    cmdOk->setObjectName("cmdOk");
-    cmdOk->setDefault(true);
-    buttons->addButton("&Cancel", QDialogButtonBox::RejectRole)->setObjectName("cmdCancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { accept(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
-    return buttons;
 }
 
 // The handler of the answer may destroy the parent window, and this dialog with it.

@@ -20,8 +20,6 @@ public:
     void done(int result) override;
 
 private:
-    QWidget* Buttons();
-
     std::function<void(const std::string& text)> answered_;
     QLineEdit* txtInput_ = nullptr;
 };

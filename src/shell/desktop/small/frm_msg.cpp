@@ -2,16 +2,15 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPointer>
-#include <QPushButton>
 #include <QStyle>
 #include <QTextDocument>
+#include <QTimer>
 #include <QVBoxLayout>
 
+#include "shell/desktop/small/dialog_parts.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/desktop/toolkit/reading_text.h"
 
@@ -26,17 +25,10 @@ struct Picture {
     const char* name;
 };
 
-Picture PictureOf(frmMSG::Kind kind) {
-    switch (kind) {
-        case frmMSG::Kind::StopSign:
-            return {QStyle::SP_MessageBoxCritical, "Error"};
-        case frmMSG::Kind::Question:
-            return {QStyle::SP_MessageBoxQuestion, "Question"};
-        case frmMSG::Kind::Information:
-            break;
-    }
-    return {QStyle::SP_MessageBoxInformation, "Information"};
-}
+/// By frmMSG::Kind.
+constexpr Picture kPictures[] = {{QStyle::SP_MessageBoxInformation, "Information"},
+                                 {QStyle::SP_MessageBoxCritical, "Error"},
+                                 {QStyle::SP_MessageBoxQuestion, "Question"}};
 
 QLabel* NewLine(const char* name, const QString& text, QWidget* parent) {
     auto* line = new QLabel(text, parent);
@@ -47,6 +39,14 @@ QLabel* NewLine(const char* name, const QString& text, QWidget* parent) {
     line->setIndent(static_cast<int>(QTextDocument().documentMargin()));  // aligned with the text above
     line->setVisible(!text.isEmpty());
     return line;
+}
+
+// The parent window may be gone before the answer comes, and the message with it.
+bool Execute(frmMSG* message) {
+    const QPointer<frmMSG> form = message;
+    const bool accepted = form->exec() == QDialog::Accepted;
+    delete form.data();
+    return accepted;
 }
 
 }  // namespace
@@ -60,13 +60,16 @@ frmMSG::frmMSG(Kind kind, const std::string& title, const std::string& text, Ans
     setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(Message(kind, Lines(line1), Lines(line2)));
-    layout->addWidget(Buttons(answers));
+    const DialogButton ok{"cmdOk", "O&K", QDialogButtonBox::AcceptRole};
+    const DialogButton yes{"cmdYes", "&Yes", QDialogButtonBox::AcceptRole}, no{"cmdNo", "&No", QDialogButtonBox::RejectRole};
+    // Most questions are about something that cannot be undone.
+    layout->addWidget(answers == Answers::YesNo ? NewButtons(this, {yes, no}, "cmdNo") : NewButtons(this, {ok}, "cmdOk"));
     layout->setSizeConstraint(QLayout::SetFixedSize);
     setAccessibleDescription(text_);
 }
 
 QLayout* frmMSG::Message(Kind kind, const QString& line1, const QString& line2) {
-    const Picture picture = PictureOf(kind);
+    const Picture& picture = kPictures[static_cast<std::size_t>(kind)];
     auto* image = new QLabel(this);
     image->setObjectName("Image1");
     image->setAccessibleName(picture.name);
@@ -93,27 +96,6 @@ QLayout* frmMSG::Message(Kind kind, const QString& line1, const QString& line2) 
     return layout;
 }
 
-QWidget* frmMSG::Buttons(Answers answers) {
-    auto* buttons = new QDialogButtonBox(this);
-    const auto add = [&](const char* name, const QString& text, QDialogButtonBox::ButtonRole role) {
-        QPushButton* button = buttons->addButton(text, role);
-        button->setObjectName(name);
-        return button;
-    };
-    QPushButton* first = nullptr;
-    if (answers == Answers::YesNo) {
-        add("cmdYes", "&Yes", QDialogButtonBox::AcceptRole);
-        first = add("cmdNo", "&No", QDialogButtonBox::RejectRole);  // most questions are about something that cannot be undone
-    } else {
-        first = add("cmdOk", "O&K", QDialogButtonBox::AcceptRole);
-    }
-    first->setDefault(true);
-    first->setFocus();
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { accept(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
-    return buttons;
-}
-
 void frmMSG::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy))
         QApplication::clipboard()->setText(text_);
@@ -121,24 +103,31 @@ void frmMSG::keyPressEvent(QKeyEvent* event) {
         QDialog::keyPressEvent(event);
 }
 
-namespace {
-
-// The parent window may be gone before the answer comes, and the message with it.
-bool Execute(frmMSG* message) {
-    const QPointer<frmMSG> form = message;
-    const bool accepted = form->exec() == QDialog::Accepted;
-    delete form.data();
-    return accepted;
-}
-
-}  // namespace
-
 void frmMSG::Show(QWidget* parent, Kind kind, const std::string& title, const std::string& text) {
     Execute(new frmMSG(kind, title, text, Answers::Ok, parent));
 }
 
 bool frmMSG::Ask(QWidget* parent, const std::string& title, const std::string& text) {
     return Execute(new frmMSG(Kind::Question, title, text, Answers::YesNo, parent));
+}
+
+void MessageQueue::Add(Message message) {
+    waiting_.push_back(std::move(message));
+    QTimer::singleShot(0, &context_, [this] { ShowNext(); });
+}
+
+void MessageQueue::ShowNext() {
+    if (waiting_.empty() || shown_ != nullptr) return;
+    Message next = std::move(waiting_.front());
+    waiting_.pop_front();
+    shown_ = new frmMSG(next.kind, next.title, next.text, next.answers, parent_());
+    shown_->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(shown_, &QDialog::finished, &context_,
+                     [closed = std::move(next.closed)](int result) { closed(result == QDialog::Accepted); });
+    // This also happens when its parent destroys it.
+    QObject::connect(shown_, &QObject::destroyed, &context_,
+                     [this] { QTimer::singleShot(0, &context_, [this] { ShowNext(); }); });
+    shown_->show();
 }
 
 }  // namespace korvane

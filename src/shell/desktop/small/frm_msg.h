@@ -4,7 +4,10 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 #include <QString>
+#include <deque>
+#include <functional>
 #include <string>
 
 class QLayout;
@@ -32,9 +35,36 @@ protected:
 
 private:
     QLayout* Message(Kind kind, const QString& line1, const QString& line2);
-    QWidget* Buttons(Answers answers);
 
     QString text_;
+};
+
+/// Messages and questions that block nothing: each is shown when the previous one is closed, and everything else continues
+/// meanwhile.
+class MessageQueue {
+public:
+    struct Message {
+        frmMSG::Kind kind;
+        std::string title;
+        std::string text;
+        frmMSG::Answers answers = frmMSG::Answers::Ok;
+        std::function<void(bool accepted)> closed = [](bool) {};
+    };
+
+    /// `parent` returns the window over which to show a message at that moment; null is allowed.
+    explicit MessageQueue(std::function<QWidget*()> parent) : parent_(std::move(parent)) {}
+
+    /// Shows the message from the event loop, so that its parent is not a window that is about to close. `closed` is never called
+    /// if the parent is destroyed before the answer.
+    void Add(Message message);
+
+private:
+    void ShowNext();
+
+    QObject context_;  ///< its destruction cancels pending calls from the event loop
+    std::function<QWidget*()> parent_;
+    std::deque<Message> waiting_;
+    QPointer<frmMSG> shown_;
 };
 
 }  // namespace korvane

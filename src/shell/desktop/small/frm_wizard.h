@@ -10,7 +10,6 @@
 
 class QLayout;
 class QLineEdit;
-class QPushButton;
 
 namespace korvane {
 
@@ -19,28 +18,17 @@ public:
     /// Not deleted when it is closed.
     frmWizard(const WizardPage& page, QWidget* parent);
 
-    /// False on a page that only shows information.
-    void TextboxVisible(bool flag);
-
-    /// The button that closed the page, 1 or 2, and the text of the input box at that moment. Before that, 0 and an empty text;
-    /// they stay so when the page was closed by its close box or with Escape.
-    int Button() const { return button_; }
-    const std::string& Answer() const { return answer_; }
-
-    /// Shows the page over `parent`, which may be null, waits through the pump until it is closed, and returns its answer.
-    /// `parent` may be gone by then; the answer is then empty.
+    /// Shows the page over `parent`, which may be null, waits through the pump until it is closed, and returns the text
+    /// of the input box when a button was pressed. It is empty when the page was closed by its close box, with Escape or together
+    /// with `parent`.
     static std::string Ask(Events& events, QWidget* parent, const WizardPage& page);
 
 private:
     QLayout* Page(const WizardPage& page);
     QLayout* Buttons(const WizardPage& page);
-    QWidget* Picture();
-    void AddButton(QLayout& row, const char* name, const std::string& caption, int number);
-    void Click(int number);
+    void Click();
 
     QLineEdit* txtAnswer_ = nullptr;
-    QPushButton* last_ = nullptr;  ///< the last visible button: Return presses it
-    int button_ = 0;
     std::string answer_;
 };
 

@@ -1,17 +1,18 @@
 #include "shell/desktop/toolkit/form_inputs.h"
 
-#include <QFormLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStyle>
+#include <QVBoxLayout>
 
 namespace korvane {
 namespace {
 
 constexpr int kShortCharacters = 10;
 constexpr const char* kDescription = "unmarkedDescription";
+constexpr const char* kHelp = "help";
 
 /// Returns a red that is visible on this background.
 QColor MarkColour(const QPalette& palette) {
@@ -49,10 +50,27 @@ QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page
     return box;
 }
 
+QLineEdit* NewBox(const Control& control, QWidget* page) {
+    auto* box = new QLineEdit(page);
+    Describe(*box, control);
+    if (*control.unit != '\0') KeepShort(*box);
+    return box;
+}
+
+void KeepShort(QLineEdit& box) {
+    box.setFixedWidth(box.fontMetrics().averageCharWidth() * kShortCharacters + box.sizeHint().height());
+}
+
 QCheckBox* NewMark(const char* name, const QString& text, QWidget* page) {
     auto* mark = new QCheckBox(text, page);
     mark->setObjectName(name);
     mark->setAccessibleName(QString(text).remove('&'));
+    return mark;
+}
+
+QCheckBox* NewMark(const Control& control, QWidget* page) {
+    auto* mark = new QCheckBox(control.label, page);
+    Describe(*mark, control);
     return mark;
 }
 
@@ -61,6 +79,25 @@ QPushButton* NewButton(const char* name, const QString& text, const QString& acc
     button->setObjectName(name);
     button->setAccessibleName(accessibleName);
     return button;
+}
+
+QPushButton* NewButton(const Control& control, QWidget* page, const std::function<void()>& click) {
+    auto* button = new QPushButton(control.label, page);
+    Describe(*button, control);
+    if (click) QObject::connect(button, &QPushButton::clicked, page, click);
+    return button;
+}
+
+void Describe(QWidget& input, const Control& control) {
+    const bool hasOwnName = *control.spoken != '\0';
+    input.setObjectName(control.name);
+    input.setAccessibleName(hasOwnName ? QString(control.spoken) : QString(control.label).remove('&').remove("...").remove(':'));
+    input.setAccessibleDescription(control.help);
+    if (*control.help != '\0') input.setProperty(kHelp, control.help);
+}
+
+QString HelpOn(const QObject& input) {
+    return input.property(kHelp).toString();
 }
 
 void MarkRefused(QLineEdit& box, const QString& why) {
@@ -86,12 +123,32 @@ QFormLayout* NewForm(const QWidget* page) {
     return form;
 }
 
+QFormLayout& AddForm(QVBoxLayout& page) {
+    QFormLayout* form = NewForm(page.parentWidget());
+    page.addLayout(form);
+    return *form;
+}
+
+QFormLayout& AddGroup(QLayout& page, const QString& title) {
+    auto* group = new QGroupBox(title, page.parentWidget());
+    page.addWidget(group);
+    QFormLayout* form = NewForm(group);
+    group->setLayout(form);
+    return *form;
+}
+
 // A form with its own vertical spacing passes none on to the rows in it.
 QHBoxLayout* NewRow(std::initializer_list<QWidget*> widgets) {
     auto* row = new QHBoxLayout;
     row->setSpacing((*widgets.begin())->style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));
     for (QWidget* widget : widgets)
         row->addWidget(widget);
+    return row;
+}
+
+QHBoxLayout* LeftRow(std::initializer_list<QWidget*> widgets) {
+    QHBoxLayout* row = NewRow(widgets);
+    row->addStretch();
     return row;
 }
 
@@ -111,8 +168,21 @@ QLabel* AddRow(QFormLayout& form, const QString& text, const char* name, QWidget
     return label;
 }
 
-void KeepShort(QLineEdit& box) {
-    box.setFixedWidth(box.fontMetrics().averageCharWidth() * kShortCharacters + box.sizeHint().height());
+BoxLabels AddRow(QFormLayout& form, const Control& control, QLineEdit* box, std::initializer_list<QWidget*> others) {
+    const QByteArray name = QByteArray("lbl") + (control.name + 3);
+    const bool hasUnit = *control.unit != '\0';
+    if (!hasUnit && others.size() == 0) return {AddRow(form, control.label, name, box), nullptr};
+    BoxLabels labels;
+    QHBoxLayout* row = NewRow({box});
+    if (hasUnit) {
+        labels.unit = NewLabel(name + "Unit", control.unit, box->parentWidget());
+        row->addWidget(labels.unit);
+    }
+    for (QWidget* other : others)
+        row->addWidget(other);
+    if (hasUnit) row->addStretch();
+    labels.label = AddRow(form, control.label, name, box, row);
+    return labels;
 }
 
 QLabel* NewFigure(const char* name, const QString& accessibleName, QWidget* page) {

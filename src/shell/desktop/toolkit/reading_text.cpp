@@ -1,7 +1,9 @@
 #include "shell/desktop/toolkit/reading_text.h"
 
 #include <QKeyEvent>
+#include <QScrollBar>
 #include <QStyle>
+#include <QTextBlock>
 #include <QTextDocument>
 #include <algorithm>
 #include <cmath>
@@ -11,28 +13,35 @@
 namespace korvane {
 namespace {
 
+constexpr int kLongestLog = 15000;
 constexpr int kSpare = 2;  ///< spare pixels, without which the box considers its last line cut off
+
+void MakeReadable(QPlainTextEdit& box) {
+    box.setReadOnly(true);
+    box.setUndoRedoEnabled(false);
+    box.setTabChangesFocus(true);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
 
 }  // namespace
 
 ReadingText::ReadingText(QWidget* parent) : QPlainTextEdit(parent) {
-    setReadOnly(true);
-    setUndoRedoEnabled(false);
-    setTabChangesFocus(true);
+    MakeReadable(*this);
     setFrameShape(QFrame::NoFrame);
     setBackgroundRole(QPalette::Window);
     setForegroundRole(QPalette::WindowText);
     viewport()->setAutoFillBackground(false);
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
+ReadingText::ReadingText(const char* name, const QString& accessibleName, int lines, QWidget* parent) : ReadingText(parent) {
+    setObjectName(name);
+    setAccessibleName(accessibleName);
+    setFixedHeight(HeightOfLines(lines));
 }
 
 void ReadingText::SetText(const QString& text) {
     setPlainText(WithoutEndlessLines(text));
-}
-
-void ReadingText::SetLines(int lines) {
-    setFixedHeight(HeightOfLines(lines));
 }
 
 // Measured in a separate document, since this one is laid out only when it is visible.
@@ -69,6 +78,25 @@ void ReadingText::keyPressEvent(QKeyEvent* event) {
         event->ignore();
     else
         QPlainTextEdit::keyPressEvent(event);
+}
+
+StatusBox::StatusBox() {
+    MakeReadable(*this);
+}
+
+void StatusBox::AddLine(const QString& line) {
+    QScrollBar& bar = *verticalScrollBar();
+    const QTextCursor reading(firstVisibleBlock());
+    const int below = bar.value() - firstVisibleBlock().firstLineNumber();
+    const bool atTop = bar.value() == 0;
+    QTextCursor cursor(document());
+    cursor.insertText(line + "\n");
+    if (document()->characterCount() - 1 > kLongestLog) {
+        cursor.setPosition(kLongestLog);
+        cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+    }
+    bar.setValue(atTop ? 0 : reading.block().firstLineNumber() + below);
 }
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 #include "shell/desktop/toolkit/tabbed_dialog.h"
 
-#include <QDialogButtonBox>
+#include <QApplication>
+#include <QFileDialog>
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -8,9 +9,8 @@
 #include <QVBoxLayout>
 
 #include "base/raised_flag.h"
-#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/reading_text.h"
-#include "shell/desktop/toolkit/scrolled_page.h"
 
 namespace korvane {
 namespace {
@@ -18,89 +18,127 @@ namespace {
 constexpr int kStatusLines = 5;
 constexpr qsizetype kStatusCharacters = 15000;  // a server's answer may be megabytes
 
-QPushButton* Named(QPushButton* button, const char* name) {
-    button->setObjectName(name);
-    button->setAccessibleName(button->text().remove('&').remove("..."));
-    return button;
+/// Returns false for a focus that only returns with the window, such as after a message: the status line then keeps the text that
+/// belongs to the message.
+bool IsNews(const QFocusEvent& event) {
+    return event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
 }
 
 }  // namespace
 
-TabbedDialog::TabbedDialog(const char* name, const QString& title, QWidget* parent)
-    : QDialog(parent), tabPages_(new QTabWidget(this)) {
+ScrolledPage::ScrolledPage(QWidget* page) {
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    setWidget(page);
+    page->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+}
+
+FormDialog::FormDialog(const char* name, const QString& title, QWidget* parent)
+    : QDialog(parent), content_(new QVBoxLayout(this)) {
     setObjectName(name);
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
-    setSizeGripEnabled(true);
-    tabPages_->setObjectName("tabPages");
-    tabPages_->setAccessibleName("Pages of settings");
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(tabPages_, 1);
 }
 
-void TabbedDialog::AddPage(QWidget* page, const QString& title) {
-    tabPages_->addTab(new ScrolledPage(page), title);
+// Destroying the controls still moves the focus, and nothing is left to explain it.
+FormDialog::~FormDialog() {
+    disconnect(qApp, nullptr, this, nullptr);
 }
 
-QPushButton* TabbedDialog::AddStatusAndButtons(const char* name, const QString& command,
-                                               const std::function<void()>& cmdOk_Click) {
-    txtStatus_ = new ReadingText(this);
-    txtStatus_->setObjectName("txtStatus");
-    txtStatus_->setAccessibleName("Status");
-    txtStatus_->SetLines(kStatusLines);
-    QPushButton* cmdOwn = Named(new QPushButton(command, this), name);
-    auto* buttons = new QDialogButtonBox(this);
-    Named(buttons->addButton("O&K", QDialogButtonBox::AcceptRole), "cmdOk")->setDefault(true);
-    Named(buttons->addButton("&Cancel", QDialogButtonBox::RejectRole), "cmdCancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, cmdOk_Click);
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
-    auto* row = new QHBoxLayout;
-    row->addWidget(cmdOwn);
-    row->addWidget(buttons, 1);
-    auto* all = static_cast<QVBoxLayout*>(layout());
-    all->addWidget(txtStatus_);
-    all->addLayout(row);
-    return cmdOwn;
+QPushButton* FormDialog::AddButton(QDialogButtonBox& buttons, const Control& control, QDialogButtonBox::ButtonRole role,
+                                   const std::function<void()>& click) {
+    QPushButton* button = buttons.addButton(control.label, role);
+    Describe(*button, control);
+    connect(button, &QPushButton::clicked, this, click);
+    return button;
 }
 
-void TabbedDialog::WatchForHelp(Help helpOnInput) {
-    helpOnInput_ = helpOnInput;
-    for (QWidget* input : findChildren<QWidget*>()) {
-        const std::string_view help = helpOnInput(S(input->objectName()));
-        if (help.empty()) continue;
-        input->setAccessibleDescription(Q(help));
-        input->installEventFilter(this);
-    }
+void FormDialog::AddStatus(int lines) {
+    txtStatus_ = new ReadingText("txtStatus", "Status", lines, this);
+    content_->addWidget(txtStatus_);
 }
 
-// Returns false for a focus that only returns with the window, such as after a message: the status line then keeps the text that
-// belongs to the message.
-bool TabbedDialog::IsNews(const QFocusEvent& event) const {
-    return !showing_ && event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
-}
-
-bool TabbedDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn && IsNews(*static_cast<QFocusEvent*>(event)))
-        SetStatus(helpOnInput_(S(watched->objectName())));
-    return QDialog::eventFilter(watched, event);
-}
-
-void TabbedDialog::SetStatus(std::string_view text) {
+void FormDialog::SetStatus(std::string_view text) {
     txtStatus_->SetText(Lines(text.substr(0, 8 * kStatusCharacters)).left(kStatusCharacters));
 }
 
-int TabbedDialog::IndexOfPage(const QWidget* input) const {
-    for (int page = 0; page < tabPages_->count(); ++page) {
-        if (tabPages_->widget(page)->isAncestorOf(input)) return page;
+void FormDialog::WatchForHelp() {
+    for (QWidget* input : findChildren<QWidget*>()) {
+        if (!HelpOn(*input).isEmpty()) input->installEventFilter(this);
     }
-    return -1;
+}
+
+bool FormDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn && !showing_ && IsNews(*static_cast<QFocusEvent*>(event)))
+        SetStatus(S(HelpOn(*watched)));
+    return QDialog::eventFilter(watched, event);
+}
+
+TabbedDialog::TabbedDialog(const char* name, const QString& title, QWidget* parent)
+    : FormDialog(name, title, parent), tabPages_(new QTabWidget(this)) {
+    setSizeGripEnabled(true);
+    tabPages_->setObjectName("tabPages");
+    tabPages_->setAccessibleName("Pages of settings");
+    content_->addWidget(tabPages_, 1);
+}
+
+QVBoxLayout& TabbedDialog::AddPage(const char* title, const char* help, const QString& explanation) {
+    auto* page = new QWidget(this);
+    auto* content = new QVBoxLayout(page);
+    if (!explanation.isEmpty()) {
+        content->addWidget(NewExplanation(explanation, page));
+        content->addSpacing(fontMetrics().height() / 2);
+    }
+    const int index = tabPages_->addTab(new ScrolledPage(page), title);
+    connect(tabPages_, &QTabWidget::currentChanged, this, [this, index, help](int opened) {
+        if (opened == index && !loading_) SetStatus(help);
+    });
+    return *content;
+}
+
+QPushButton* TabbedDialog::AddStatusAndButtons(const Control& command, const std::function<void()>& click,
+                                               const std::function<void()>& cmdOk_Click) {
+    AddStatus(kStatusLines);
+    QPushButton* cmdOwn = NewButton(command, this, click);
+    auto* buttons = new QDialogButtonBox(this);
+    AddButton(*buttons, {"cmdOk", "O&K"}, QDialogButtonBox::AcceptRole, cmdOk_Click)->setDefault(true);
+    AddButton(*buttons, {"cmdCancel", "&Cancel"}, QDialogButtonBox::RejectRole, [this] { reject(); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(cmdOwn);
+    row->addWidget(buttons, 1);
+    content_->addLayout(row);
+    return cmdOwn;
+}
+
+void TabbedDialog::AskForFile(const QString& title, const QString& name, const QString& extension, const QString& filter,
+                              const std::function<void(const QString& path)>& chosen) {
+    auto* dialog = new QFileDialog(this, title);
+    dialog->setObjectName("fileDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setFileMode(QFileDialog::AnyFile);  // ExistingFile would add the extension to programs that have none
+    dialog->setNameFilter(filter);
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    dialog->setDefaultSuffix(extension);
+    if (!name.isEmpty()) dialog->selectFile(name);
+    connect(dialog, &QFileDialog::fileSelected, this, chosen);
+    dialog->open();
+}
+
+void TabbedDialog::ShowRefusal(QLineEdit& box, std::string_view why) {
+    ShowPageOf(&box);
+    MarkRefused(box, Lines(why));
 }
 
 void TabbedDialog::ShowPageOf(QWidget* input) {
-    const int page = IndexOfPage(input);
+    int page = 0;
+    while (!tabPages_->widget(page)->isAncestorOf(input))
+        ++page;
     tabPages_->setCurrentIndex(page);
-    if (page >= 0) static_cast<ScrolledPage*>(tabPages_->widget(page))->ensureWidgetVisible(input);
+    static_cast<ScrolledPage*>(tabPages_->widget(page))->ensureWidgetVisible(input);
 }
 
 // Showing a dialog focuses its first input, which must not replace the initial text of the status line.

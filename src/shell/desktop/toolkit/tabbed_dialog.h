@@ -1,55 +1,89 @@
-// The common part of the settings dialogs: pages in tabs, which scroll if the screen is too small for them, a status line that
-// explains the current page and input, and OK and Cancel.
+// The bases of the dialogs for settings: a status line that explains the current input, and pages in tabs with OK and Cancel.
 #pragma once
 
 #include <QDialog>
+#include <QDialogButtonBox>
+#include <QScrollArea>
 #include <QString>
 #include <functional>
 #include <string_view>
 
-class QFocusEvent;
+#include "shell/entry/form_input.h"
+
+class QLineEdit;
 class QPushButton;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace korvane {
 
 class ReadingText;
 
+/// A page of a dialog that scrolls if the screen is too small for it, and otherwise is as large as its content.
+class ScrolledPage : public QScrollArea {
+public:
+    /// Takes ownership of `page`.
+    explicit ScrolledPage(QWidget* page);
+
+    QSize sizeHint() const override { return widget()->sizeHint(); }
+    QSize minimumSizeHint() const override { return {widget()->minimumSizeHint().width(), fontMetrics().height() * 6}; }
+};
+
 /// Window-modal, shown with open(); deleted when it is closed.
-class TabbedDialog : public QDialog {
+class FormDialog : public QDialog {
+public:
+    ~FormDialog() override;
+
+protected:
+    FormDialog(const char* name, const QString& title, QWidget* parent);
+
+    QPushButton* AddButton(QDialogButtonBox& buttons, const Control& control, QDialogButtonBox::ButtonRole role,
+                           const std::function<void()>& click);
+
+    /// Adds the status line at the end of the content.
+    void AddStatus(int lines);
+    void SetStatus(std::string_view text);
+
+    /// From now on every existing input shows its help in the status line when it gets the focus.
+    void WatchForHelp();
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    QVBoxLayout* content_;
+    ReadingText* txtStatus_ = nullptr;
+    bool showing_ = false;  ///< the focus does not change the status line
+};
+
+/// Its pages scroll if the screen is too small for them.
+class TabbedDialog : public FormDialog {
 public:
     void setVisible(bool visible) override;
     void done(int result) override;
 
 protected:
-    /// Returns the status line's text by the name of an input; empty if there is no help.
-    using Help = std::string_view (*)(std::string_view);
-
     TabbedDialog(const char* name, const QString& title, QWidget* parent);
 
-    void AddPage(QWidget* page, const QString& title);
+    /// Adds an empty page, or one that begins with an explanation. The status line shows `help` when the page is opened.
+    QVBoxLayout& AddPage(const char* title, const char* help, const QString& explanation = QString());
     /// Must be called once, after the last page, since keyboard navigation follows this order. Returns the dialog's own command,
     /// which is at the left of "cmdOk" and "cmdCancel".
-    QPushButton* AddStatusAndButtons(const char* name, const QString& command, const std::function<void()>& cmdOk_Click);
+    QPushButton* AddStatusAndButtons(const Control& command, const std::function<void()>& click,
+                                     const std::function<void()>& cmdOk_Click);
 
-    /// From now on every existing input shows its help when it gets the focus.
-    void WatchForHelp(Help helpOnInput);
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Asks for a file and calls back with its path; does not call back when the operator cancels. `extension` is added to a
+    /// name that is typed without one; empty: none.
+    void AskForFile(const QString& title, const QString& name, const QString& extension, const QString& filter,
+                    const std::function<void(const QString& path)>& chosen);
 
-    void SetStatus(std::string_view text);
-    int IndexOfPage(const QWidget* input) const;
+    /// Shows the page of the box, and there why its text was refused.
+    void ShowRefusal(QLineEdit& box, std::string_view why);
     void ShowPageOf(QWidget* input);
     /// Returns whether it has been closed: commands that waited then end without a message.
     bool IsClosed() const { return closed_; }
 
     QTabWidget* tabPages_;
+    bool loading_ = true;  ///< the dialog is being filled, and the handlers of changes do nothing
 
 private:
-    bool IsNews(const QFocusEvent& event) const;
-
-    ReadingText* txtStatus_ = nullptr;
-    Help helpOnInput_ = nullptr;
-    bool showing_ = false;
     bool closed_ = false;
 };
 
