@@ -125,7 +125,7 @@ struct Machine {
     Safeguards safeguards{settings, log, status};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
-    MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, status, log, settings, safeguards,
+    MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, person, status, log, settings, safeguards,
                        database.Folder(), [] { return std::string("bench"); }}};
     OutcomeAccounting accounting{
         {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, outbox}};

@@ -52,7 +52,10 @@ std::string OutboxState::Text() const {
     const std::string mails = waiting == 0   ? "No mail waits"
                               : waiting == 1 ? "1 mail waits"
                                              : std::to_string(waiting) + " mails wait";
-    return mails + " in the outbox. Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + ".";
+    const std::string nobody =
+        unnotified.empty() ? "" : " " + std::to_string(unnotified.size()) + " of the entries would notify nobody.";
+    return mails + " in the outbox. Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + "." +
+           nobody;
 }
 
 MailOutbox::MailOutbox(const Ports& ports)
@@ -67,7 +70,7 @@ void MailOutbox::Start() {
         state_.lastReceipt = contents.lastReceipt;
         state_.lastProven = contents.lastTaken;
         for (const OutboxTable::Waiting& waiting : contents.waiting)
-            items_.push_back({.id = waiting.id, .mail = waiting.mail});
+            items_.push_back({.id = waiting.id, .mail = waiting.mail, .born = Now() - AgeOf(waiting.mail)});
     } catch (const std::exception& error) {
         LogError("the mails that wait could not be read: " + std::string(error.what()));
     }
@@ -125,7 +128,7 @@ void MailOutbox::Settle(bool committed) {
                 if (item.id == unwritten.joins) item.mail.event = MailEvent::Other;
             continue;
         }
-        Item item{.id = committed ? unwritten.id : 0, .mail = std::move(unwritten.mail)};
+        Item item{.id = committed ? unwritten.id : 0, .mail = std::move(unwritten.mail), .born = unwritten.since};
         if (item.id != 0) item.mail.mail.strBody.clear();
         items_.push_back(std::move(item));
     }
@@ -168,6 +171,7 @@ void MailOutbox::timer_Timer() {
     if (!IsOn()) {
         round_.reset();
         timer_->SetEnabled(false);
+        ports_.person.SetMailState("", false);
         return;
     }
     if (!takenOver_.empty() && Now() - takenOver_.front().since >= kLongestUnwritten) Flush();
@@ -192,6 +196,7 @@ void MailOutbox::LookAfter() {
     lookedAfter_ = Now();
     IgnoreErrors([&] { table_.Forget(ports_.clock.Now() - kKeptFor); });
     IgnoreErrors([&] { NameUnnotified(); });
+    Changed();
 }
 
 // The alert that was never wired is otherwise found in the next outage.
@@ -209,13 +214,18 @@ void MailOutbox::NameUnnotified() {
     }
 }
 
-// The clock may have been wrong when the mail was created or be wrong now, so each mail is tried in this run before.
+// Only once is the clock asked for the age of a mail of an earlier run. It may have been wrong at either time, so each mail is tried
+// in this run before.
+std::chrono::milliseconds MailOutbox::AgeOf(const OutboxMail& mail) const {
+    return std::max<Moment>(0s, ports_.clock.Now() - mail.created);
+}
+
 void MailOutbox::GiveUpOld() {
     const DateTime now = ports_.clock.Now();
     for (auto item = items_.begin(); item != items_.end();) {
         const auto next = std::next(item);
         const bool tried = item->tries > 0 || away_ > 0;
-        const bool old = item->mail.created < now && now - item->mail.created >= kGivenUpAfter;
+        const bool old = Now() - item->born >= kGivenUpAfter;
         if (tried && old && !(round_ && round_->item == &*item)) {
             const std::string what =
                 "A mail of " + item->mail.created.Text() + " was given up after two days: " + state_.lastError;
@@ -392,6 +402,7 @@ void MailOutbox::Changed() {
     Rearm();
     const std::size_t waiting = items_.size();
     if (std::exchange(state_.waiting, waiting) != waiting) ports_.status.setStatusMSG(state_.Text());
+    ports_.person.SetMailState(state_.Text(), state_.IsAlarming());
 }
 
 }  // namespace korvane

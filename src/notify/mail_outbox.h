@@ -37,6 +37,8 @@ struct OutboxState {
 
     /// "2 mails wait in the outbox. Alert path last proven 11/21/2026 3:00:02 PM."
     std::string Text() const;
+    /// Returns whether somebody should look after it.
+    bool IsAlarming() const { return !unnotified.empty() || !lastError.empty() || givenUp > 0; }
 };
 
 class MailOutbox {
@@ -47,6 +49,7 @@ public:
         Timers& timers;
         GuidSource& guids;
         OwnProgram& program;
+        Operator& person;
         StatusLog& status;
         Log& log;
         const SettingsCollection& settings;
@@ -83,6 +86,7 @@ private:
         std::int64_t id = 0;  ///< of its row; 0: it is only in memory
         OutboxMail mail;      ///< without its text if it has a row
         int tries = 0;
+        Moment born{0};
         Moment nextTry{0};
         std::set<std::string> taken = {};  ///< recipients who have it, in case that could not be noted
     };
@@ -114,6 +118,7 @@ private:
     void LookAfter();
     void NameUnnotified();
     void GiveUpOld();
+    Moment AgeOf(const OutboxMail& mail) const;
     Item* FailureThatWaits(const OutboxMail& recovery);
     static Notification Joined(const OutboxMail& failure, const OutboxMail& recovery);
 

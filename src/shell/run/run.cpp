@@ -54,7 +54,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                         })),
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
-      outbox({store, clock, timers, guids, ownProgram, status, log, collection, safeguards, options.dir,
+      outbox({store, clock, timers, guids, ownProgram, person, status, log, collection, safeguards, options.dir,
               [this] { return sckesmtp.LocalHostName(); }}),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
