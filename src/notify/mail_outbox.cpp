@@ -227,8 +227,8 @@ void MailOutbox::GiveUpOld() {
         const bool tried = item->tries > 0 || away_ > 0;
         const bool old = Now() - item->born >= kGivenUpAfter;
         if (tried && old && !(round_ && round_->item == &*item)) {
-            const std::string what =
-                "A mail of " + item->mail.created.Text() + " was given up after two days: " + state_.lastError;
+            const std::string what = "A mail of " + item->mail.created.Text() +
+                                     " was given up after two days: " + Or(item->strError, state_.lastError);
             LogError(what);
             ports_.safeguards.Acted("MailOutbox", what);
             IgnoreErrors([&] { table_.NoteGivenUp(item->id, now); });
@@ -270,8 +270,8 @@ bool MailOutbox::Begin(Item& item) {
     }
     std::erase_if(mail.recipients, [&](const std::string& recipient) { return item.taken.contains(recipient); });
     if (mail.recipients.empty()) {
-        IgnoreErrors([&] { table_.NoteTaken(item.id, {}, state_.lastReceipt, ports_.clock.Now()); });
-        Drop(item);
+        item.nextTry = Now() + kFirstPause;
+        if (IgnoreErrors([&] { table_.NoteTaken(item.id, {}, state_.lastReceipt, ports_.clock.Now()); })) Drop(item);
         return false;
     }
     round_.emplace(Round{.item = &item, .mail = std::move(mail), .servers = AwakeServers()});
@@ -311,7 +311,8 @@ void MailOutbox::Heard(const std::string& line) {
     round_->greeted = round_->greeted || answer->greeted || answer->taken;
     if (answer->taken) return Take(*answer);
     round_->timedOut = round_->timedOut || took >= kSilentServer;
-    round_->strError = round_->mail.recipients[answer->recipient] + ": " + answer->words;
+    round_->strError =
+        round_->mail.recipients[answer->recipient] + ": " + answer->words + " using " + NameOf(round_->servers.front());
 }
 
 // The places of the recipients must stay until the child has ended.
@@ -324,7 +325,9 @@ void MailOutbox::Take(const MailAnswer& answer) {
     if (item.id != 0) {
         try {
             table_.NoteTaken(item.id, left, answer.words, ports_.clock.Now());
+            item.unnoted = false;
         } catch (const std::exception& error) {
+            item.unnoted = true;
             LogError("what a server has taken could not be noted: " + std::string(error.what()));
         }
     }
@@ -354,11 +357,15 @@ void MailOutbox::NoteServer(bool timedOut) {
     rest.timeOuts = timedOut ? rest.timeOuts + 1 : 0;
     if (rest.timeOuts < kTimeOutsBeforeRest) return;
     rest = {.timeOuts = 0, .until = Now() + kRest};
-    const std::string* const name = ports_.settings.Find(server == MailServer::Primary ? "Server" : "ServerBackup");
-    const std::string text = "The mail server '" + (name == nullptr ? "" : *name) +
-                             "' did not answer twice in a row and is left alone for five minutes.";
+    const std::string text =
+        "The mail server '" + NameOf(server) + "' did not answer twice in a row and is left alone for five minutes.";
     LogError(text);
     ports_.status.setStatusMSG(text);
+}
+
+std::string MailOutbox::NameOf(MailServer server) const {
+    const std::string* const name = ports_.settings.Find(server == MailServer::Primary ? "Server" : "ServerBackup");
+    return name == nullptr ? "" : *name;
 }
 
 // A server is there again: whatever waited only for that is due.
@@ -368,14 +375,17 @@ void MailOutbox::Sent() {
     pausedUntil_ = Now();
     Item& item = *round_->item;
     round_.reset();
-    Drop(item);
+    if (Now() - item.born >= kFirstPause)
+        ports_.safeguards.Acted("MailOutbox", "A mail that no server had taken at first went out later.");
+    item.nextTry = Now() + kFirstPause;
+    if (!item.unnoted) Drop(item);
     SendNext();
 }
 
 void MailOutbox::Failed() {
     Item& item = *round_->item;
     const bool greeted = round_->greeted;
-    state_.lastError = round_->strError;
+    item.strError = state_.lastError = round_->strError;
     away_ = greeted ? 0 : away_ + 1;
     const int tries = greeted ? ++item.tries : away_;
     const Moment pause = PauseAfter(tries);

@@ -88,7 +88,9 @@ private:
         int tries = 0;
         Moment born{0};
         Moment nextTry{0};
-        std::set<std::string> taken = {};  ///< recipients who have it, in case that could not be noted
+        std::set<std::string> taken = {};  ///< recipients who have it
+        bool unnoted = false;              ///< the store refused to note some of them
+        std::string strError = {};         ///< of its latest try
     };
     struct Unwritten {
         OutboxMail mail;
@@ -129,7 +131,8 @@ private:
     void Heard(const std::string& line);
     void Take(const MailAnswer& answer);
     void Ended(const std::string& problem);
-    void NoteServer(bool failed);
+    void NoteServer(bool timedOut);
+    std::string NameOf(MailServer server) const;
     void Sent();
     void Failed();
     void Drop(const Item& item);

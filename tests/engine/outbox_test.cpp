@@ -41,7 +41,6 @@ struct Outbox : Engine {
         const auto at = text.find(name) + name.size();
         return text.substr(at, text.find("\r\n", at) - at);
     }
-    std::vector<Row> Rows() { return rows.Query("SELECT ID, strState, strEmailLeft, strReceipt, strSubject FROM MailOutbox"); }
     /// Texts of a column of the outbox, which is not in the schema that TestDatabase reads.
     std::string Column(const std::string& column) {
         const auto conn = database.NewConnection();
@@ -191,6 +190,17 @@ TEST(MailOutbox, GoesOutThoughTheStoreRefusesIt) {
         outbox.RunFor(5min);
         EXPECT_EQ(outbox.TakeMails().size(), 2) << static_cast<int>(*fault.operation);
     }
+}
+
+TEST(MailOutbox, WhatWasTakenIsNotedOnceTheStoreTakesIt) {
+    Outbox outbox;
+    outbox.store.faults.Add({.operation = StoreOperation::Update, .forever = true, .about = "MailOutbox WHERE ID = 1"});
+    outbox.RunFor(5min);
+    EXPECT_EQ(outbox.Column("strState"), "waiting|");
+    outbox.store.faults.Heal();
+    outbox.RunFor(2min);
+    EXPECT_EQ(outbox.Column("strState"), "sent|");
+    EXPECT_EQ(outbox.TakeMails().size(), 2);
 }
 
 TEST(MailOutbox, RowsThatAnotherToolChangedHarmNothing) {
