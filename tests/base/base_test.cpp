@@ -7,8 +7,7 @@
 #include "base/text.h"
 #include "base/value.h"
 
-namespace korvane {
-namespace {
+namespace korvane::base_test {
 
 using std::chrono::seconds;
 
@@ -86,5 +85,4 @@ TEST(Values, RaiseWhatCannotBeRead) {
     EXPECT_TRUE(Value(2.5).Int32() == 2 && Value("yes").Bool() && !Value().Bool());
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::base_test

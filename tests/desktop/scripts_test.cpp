@@ -1,8 +1,7 @@
 // Plays the scenarios of scripts.txt. Each begins with an empty database, the host 10.0.0.1 and the page of web.example.
 #include "desktop/desktop_test.h"
 
-namespace korvane {
-namespace {
+namespace korvane::scripts_test {
 
 using Script = std::pair<std::string, std::string>;  // title and steps
 
@@ -150,5 +149,4 @@ TEST_P(Scenario, Is) {
 INSTANTIATE_TEST_SUITE_P(Windows, Scenario, testing::ValuesIn(Scripts()),
                          [](const auto& script) { return S(Q(script.param.first).remove(QRegularExpression("[^A-Za-z]"))); });
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::scripts_test

@@ -5,8 +5,7 @@
 
 #include "engine/engine_test.h"
 
-namespace korvane {
-namespace {
+namespace korvane::actions_test {
 
 const std::string kAllFailing = "ALL SERVERS ARE FAILING.";
 const std::string kTrace = "/bin/sh '~/kvlogs/KvTR7.bat'";
@@ -186,5 +185,4 @@ TEST(MachineRestart, StopsMonitoringAndReboots) {
     }
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::actions_test

@@ -4,8 +4,7 @@
 #include "engine/down_time.h"
 #include "engine/engine_test.h"
 
-namespace korvane {
-namespace {
+namespace korvane::checkers_test {
 
 CheckResult Talk(World& world, const std::string& host, const std::string& expected, const std::string& port = "25") {
     return world.run.TheDesk().tcp.DoTCPRequest(host, expected, 15s, port);
@@ -99,19 +98,6 @@ TEST(HttpRequester, SetsPortProxyAndCredentialsOfEachRequestAnew) {
     EXPECT_EQ(asked(8080, ""), "70proxy.test:3128");
 }
 
-TEST(HttpRequester, GivesTheBarBackToTheRequestThatStillRuns) {
-    Engine engine({Web({{"nAveResponse", 10'000.0}})});  // the bar is full after 12 s
-    engine.person.windowVisible = true;
-    engine.page.Answer("slow", 9s);
-    engine.net.Page("http://quick").Answer("quick", 3s);
-    engine.world.After(5100ms, [&] { RequesterOf(engine).getURLData2({.strURL = "http://quick"}); });
-    std::vector<int> bar;
-    for (const auto when : {6600ms, 9600ms, 11200ms})
-        engine.world.After(when, [&] { bar.push_back(engine.person.progressValue); });
-    engine.RunFor(12s);
-    EXPECT_EQ(bar, (std::vector<int>{12, 62, 0}));
-}
-
 TEST(PingChecker, MeasuresAgainstTheLimitAndSaysOnceWhatToAllow) {
     World world;
     const auto ping = [&](std::int16_t limit, const char* address = "10.0.0.1") {
@@ -156,5 +142,4 @@ TEST(DownTime, HoldsFromItsFirstMinuteToBeforeItsEnd) {
     }
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::checkers_test

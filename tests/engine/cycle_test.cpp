@@ -2,8 +2,7 @@
 // and the switch before it.
 #include "engine/engine_test.h"
 
-namespace korvane {
-namespace {
+namespace korvane::cycle_test {
 
 TEST(Cycle, SleepsUntilTheNextIsDueAndPublishesAfterSixtyTicks) {
     for (const int ticks : {59, 60}) {
@@ -136,5 +135,4 @@ TEST(BeginWait, CountsTheMinutesDownAndHandsOverUnlessStopped) {
     }
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::cycle_test

@@ -8,8 +8,7 @@
 
 #include "engine/engine_test.h"
 
-namespace korvane {
-namespace {
+namespace korvane::outbox_test {
 
 const std::string kOn = "MailOutbox=True\nServerBackup=\n";
 
@@ -331,5 +330,4 @@ TEST(MailOutbox, EachOutageAndEachReturnIsMailedOnce) {
     }
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::outbox_test

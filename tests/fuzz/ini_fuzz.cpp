@@ -3,10 +3,7 @@
 
 #include "base/text.h"
 #include "fuzz/fuzz.h"
-#include "platform/linux/linux_files.h"
 #include "store/ini_document.h"
-#include "store/ini_file.h"
-#include "support/temporary_folder.h"
 
 namespace korvane {
 namespace {
@@ -41,7 +38,11 @@ IniSetting TakeSetting(std::string_view& input) {
     return {clean("]"), clean("=;["), clean("")};
 }
 
-void CheckDocument(std::string_view file, const IniSetting& setting) {
+}  // namespace
+
+void FuzzIni(std::string_view file) {
+    const IniSetting setting = TakeSetting(file);
+    if (setting.key.empty()) return;
     IniDocument document(file);
     Require(document.Text() == file, "a file that is only read stays byte for byte");
     IniValues values = AllValues(document, file);
@@ -56,32 +57,6 @@ void CheckDocument(std::string_view file, const IniSetting& setting) {
             Require(read->Find(name.first, name.second) == value,
                     "the key is there, also when the file is read again, and all others");
     }
-}
-
-void CheckFile(std::string_view text, const IniSetting& setting) {
-    const TemporaryFolder folder;
-    const std::string path = folder.Path() + "/kv.ini";
-    LinuxFiles files;
-    files.Replace(path, text);
-    IniFile file(files, path);
-    const bool usable = file.Problem().empty();
-    file.Write(setting.section, setting.key, setting.value);
-    if (!usable) return Require(ReadAll(path) == text, "a file that makes no sense is not written to");
-    Require(file.LastWriteError().empty(), "the write succeeded");
-    const std::string expected = Or(Trim(Left(ToUtf8(setting.value), kIniValueLimit)), "default");
-    IniFile fresh(files, path);
-    for (IniFile* read : {&file, &fresh})
-        Require(read->Read(setting.section, setting.key, "default") == expected,
-                "a key that was written is read, also after a start");
-}
-
-}  // namespace
-
-void FuzzIni(std::string_view input) {
-    const IniSetting setting = TakeSetting(input);
-    if (setting.key.empty()) return;
-    CheckDocument(input, setting);
-    CheckFile(input, setting);
 }
 
 }  // namespace korvane

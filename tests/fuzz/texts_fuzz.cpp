@@ -92,12 +92,6 @@ void AsReply(std::string_view input) {
     Require(code >= 0 && code <= 9999, "a code has four digits at most");
     if (kind == ReplyKind::Smtp) Require(code >= 220 && code <= 554, "a known reply has a code that SMTP knows");
     if (kind == ReplyKind::Pop) Require(code == 0, "a POP reply has no number");
-    for (std::size_t arrived = 0; arrived <= input.size(); arrived += arrived < 80 ? 1 : input.size()) {
-        const std::string_view part = input.substr(0, arrived);
-        const std::size_t length = ReplyLength(part);
-        Require(part.find("\r\n", length) == std::string_view::npos, "a reply takes all whole lines");
-        Require(length == 0 || part.substr(0, length).ends_with("\r\n"), "a reply is whole lines");
-    }
     // A reply may come in two pieces, each of whole lines.
     const std::string first(input.substr(0, input.size() / 2)), second(input.substr(input.size() / 2));
     AuthMechanisms whole, pieces;

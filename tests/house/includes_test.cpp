@@ -9,8 +9,7 @@
 
 #include "base/text.h"
 
-namespace korvane {
-namespace {
+namespace korvane::includes_test {
 
 namespace fs = std::filesystem;
 
@@ -71,31 +70,4 @@ TEST(Includes, TheSourceKeepsTheFloors) {
     EXPECT_TRUE(fs::exists(source / "base"));
 }
 
-// Takes "base/c.h base/text.h" and "base/c.h <string>".
-bool MayBe(const std::string& include) {
-    const std::string file = include.substr(0, include.find(' ')), header = include.substr(file.size() + 1);
-    return IsAllowed(file, "  #  include " + (header.starts_with('<') ? header : '"' + header + '"') + "  // why");
-}
-
-TEST(Includes, EachForbiddenIncludeIsFound) {
-    const char* const allowed =
-        "base/b.h base/text.h|base/a.h <string>|platform/qt/a.cpp <QtCore/QString>|platform/qt/b.cpp platform/timer.h|"
-        "platform/qt/f.h <netdb.h>|platform/curl/a.cpp <curl/curl.h>|platform/linux/a.cpp <netinet/ip_icmp.h>|"
-        "store/a.cpp platform/files.h|engine/a.cpp reports/a.h|shell/b.h <QWidget>|shell/a.cpp platform/curl/a.h";
-    const char* const forbidden =
-        "base/c.h platform/clock.h|base/d.h text.h|platform/a.h <QString>|platform/b.h <sys/socket.h>|platform/c.h "
-        "platform/qt/a.h|"
-        "platform/qt/g.h <QtCore/QString>|platform/qt/c.cpp store/log.h|platform/qt/d.cpp <curl/curl.h>|"
-        "platform/qt/e.cpp platform/linux/a.h|platform/curl/c.h <curl/curl.h>|platform/curl/b.cpp <QString>|"
-        "platform/linux/b.cpp <QFile>|platform/linux/c.cpp <curl/curl.h>|store/b.cpp notify/a.h|store/c.cpp <unistd.h>|"
-        "store/d.cpp <math.h>|notify/a.cpp reports/a.h|reports/a.cpp engine/a.h|engine/b.cpp resources/cpu.h|"
-        "engine/c.cpp platform/curl/a.h|engine/d.cpp ../shell/main.h|resources/a.cpp engine/a.h|attic/a.h <string>";
-    for (const std::string& include : Split(allowed, '|'))
-        EXPECT_TRUE(MayBe(include)) << include;
-    for (const std::string& include : Split(forbidden, '|'))
-        EXPECT_FALSE(MayBe(include)) << include;
-    EXPECT_FALSE(IsAllowed("base/a.h", "#include HEADER"));
-}
-
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::includes_test

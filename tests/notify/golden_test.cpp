@@ -11,8 +11,7 @@
 #include "support/temporary_folder.h"
 #include "support/world.h"
 
-namespace korvane {
-namespace {
+namespace korvane::golden_test {
 
 using Texts = std::vector<std::string>;
 
@@ -243,5 +242,4 @@ TEST(Fuzz, EverySeedHoldsWhatItsTargetRequires) {
     EXPECT_NO_THROW(FuzzTexts(ReplaceAll(std::string(10'000, 'x'), "x", "a@x, ")));  // nor are many recipients a burden
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::golden_test

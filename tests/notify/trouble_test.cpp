@@ -6,8 +6,7 @@
 
 #include "fuzz/mail_world.h"
 
-namespace korvane {
-namespace {
+namespace korvane::trouble_test {
 
 using namespace std::chrono_literals;
 
@@ -144,5 +143,4 @@ TEST(SendMail, ALineThatCannotBeSentEndsIt) {
     }
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::trouble_test

@@ -37,20 +37,8 @@ start_as() {
     start_and_end "$root$1" "${enter[@]}" setpriv --reuid "$2" --regid "$2" --clear-groups env HOME="/home/$2" "${@:3}"
 }
 
-# Starts it as the unit says, and listens as the manager does: a service of this type has not started before it says so.
-start_service() {
-    python3 -c 'import os, socket, sys
-os.umask(0)
-ears = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
-ears.bind(sys.argv[1])
-while True: print(ears.recv(4096).decode(), flush=True)' "$root/run/notify" >"$root/tmp/told" &
-    local manager=$!
-    wait_until [ -S "$root/run/notify" ] || fail "nobody listens"
-    start_as "$home" "$(in_unit User)" env "$(in_unit Environment)" NOTIFY_SOCKET=/run/notify "$(in_unit ExecStart)"
-    kill "$manager"; wait "$manager" || true
-    rm "$root/run/notify"
-    [ "$(in_unit Type)" != notify ] || grep -qx READY=1 "$root/tmp/told" || fail "no READY=1, but: $(cat "$root/tmp/told")"
-}
+# Starts it as the unit says.
+start_service() { start_as "$home" "$(in_unit User)" env "$(in_unit Environment)" "$(in_unit ExecStart)"; }
 
 # is <pattern> <what> <command>...
 is() {
@@ -115,7 +103,7 @@ live() {
 if [ "$1" = --inside ]; then work=$2; live; exit 0; fi
 
 build=$(realpath "$1")
-needs dpkg dpkg-deb dpkg-shlibdeps adduser unshare setpriv python3
+needs dpkg dpkg-deb dpkg-shlibdeps adduser unshare setpriv
 [ "$(id -u)" -eq 0 ] || skip "installing a package needs root"
 
 on_machine() { dpkg-query -W korvane 2>&1 || getent passwd korvane || stat -c '%U %a %Y %i' "$home" 2>&1 || true; }

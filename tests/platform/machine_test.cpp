@@ -41,7 +41,9 @@ TEST(Machine, TellsItsProcessorsMemoryAndVersion) {
     EXPECT_EQ(version.platform + " " + version.version + " " + version.build, "Linux 6.1 0-13-amd64");
 }
 
-struct SystemdServicesTest : RealPorts {};
+struct SystemdServicesTest : RealPorts {
+    static std::string BusOf(const LoopbackServer& server) { return "tcp:host=127.0.0.1,port=" + std::to_string(server.Port()); }
+};
 
 TEST_F(SystemdServicesTest, AreThoseOfTheManagerInOrderWithTheirStatesOrThereIsAReason) {
     const auto ask = [&](const std::string& address, std::chrono::milliseconds limit = 30s) {
@@ -56,24 +58,19 @@ TEST_F(SystemdServicesTest, AreThoseOfTheManagerInOrderWithTheirStatesOrThereIsA
             list->whyNot += service.name + std::to_string(service.state) + " ";
         return list->whyNot;
     };
-    using Manager = ServiceBus::Manager;
-    const ServiceBus silent(Manager::Silent, {}, {}), empty(Manager::None, {}, {});
-    const ServiceBus bus(Manager::Answers,
-                         {{"ssh", "loaded", "active"},
-                          {"cron", "loaded", "reloading"},
-                          {"slow", "loaded", "activating"},
-                          {"going", "loaded", "deactivating"},
-                          {"wanted", "not-found", "inactive"}},
-                         {{"/usr/lib/ssh", "enabled"}, {"/etc/sshd", "alias"}, {"/x/getty@.service", ""}, {"/x/no", "masked"}});
+    const ServiceBus empty,
+        bus({"ssh loaded active", "cron loaded reloading", "slow loaded activating", "going loaded deactivating",
+             "wanted not-found inactive", "/usr/lib/ssh enabled", "/etc/sshd alias", "/x/getty@.service ", "/x/no masked"});
     EXPECT_EQ(ask(bus.Address()), "cron4 going3 no1 slow2 ssh4 ");
     const std::string cannot = "The service manager can't be asked: ";
-    EXPECT_EQ(ask(silent.Address(), 100ms), cannot + "it did not answer within 0 s");
+    const LoopbackServer silent([](LoopbackServer::Peer& peer) { peer.ReadToEnd(); });
+    EXPECT_EQ(ask(BusOf(silent), 100ms), cannot + "it did not answer within 0 s");
     EXPECT_EQ(ask("unix:path=/no/such/bus"), cannot + "No such file or directory");
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", empty.Address().c_str(), 1);
     EXPECT_TRUE(Holds(ask(""), "org.freedesktop.systemd1")) << "the system bus is where the environment says";
     ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     const LoopbackServer broken([](LoopbackServer::Peer& peer) { peer.Send("REJECTED EXTERNAL\r\n"); });
-    EXPECT_FALSE(Holds(ask("tcp:host=127.0.0.1,port=" + std::to_string(broken.Port())), "did not answer"));
+    EXPECT_FALSE(Holds(ask(BusOf(broken)), "did not answer"));
 }
 
 TEST(LinuxPower, StartsTheCommandOfEachAction) {

@@ -106,6 +106,10 @@ TEST(UnitText, NamesTheServiceAndTheHomeInEachOfTheirForms) {
                                    "ReadWritePaths=\"/srv/50%% \\\"off\\\"\\\\x\" \"-/var/it's\""})
         EXPECT_TRUE(Holds(text, "\n" + line + "\n")) << line << "\n" << text;
     EXPECT_EQ(MarksOf(text).home, home);
+    const TemporaryFolder folder;
+    const std::string file = folder.Path() + "/k.service";
+    std::ofstream(file) << ReplaceAll(text, "/opt/a b/korvanecore", "/bin/true");
+    EXPECT_NE(std::system(("systemd-analyze verify --man=no " + file + " 2>&1 | grep -F " + file).c_str()), 0);
     for (const std::string wrong : {"relative", "/a\nExecStart=/bin/sh", "/ends with ", "/joins\\", "/tmp/home"})
         EXPECT_THROW(UnitText("Korvane", {"/k", wrong}, UnitScope::System, "root"), Error) << wrong;
 }

@@ -8,8 +8,7 @@
 #include "reports/page_parts.h"
 #include "support/world.h"
 
-namespace korvane {
-namespace {
+namespace korvane::reports_test {
 
 namespace fs = std::filesystem;
 using std::chrono::hours;
@@ -329,5 +328,4 @@ TEST_F(ReportsTest, EventsComeBetweenServersAndFindTheStoreFree) {
     EXPECT_GE(events, 5) << "the customer, the group, its servers";
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::reports_test

@@ -8,8 +8,7 @@
 #include "shell/setup/first_run.h"
 #include "shell/shell_world.h"
 
-namespace korvane {
-namespace {
+namespace korvane::start_test {
 
 using namespace std::chrono_literals;
 
@@ -125,49 +124,6 @@ $ shortcut|  https://www.^comics.com |a@^b@c.de |smtp => Question 1, Question 2,
          SetUpWith);
 }
 
-std::string Click(const std::string& click) {
-    StartedWorld w;
-    ServiceMode& mode = w.run.Service();
-    const auto is = [&click](const char* word) { return Holds(click, word); };
-    if (is("+service")) w.Set("Service", "True"), w.serviceManager.installed = {"Korvane"};
-    if (is("+startup")) w.autostart.names = {"Korvane"};
-    if (is("+service") || !is("dialog service")) mode.LoadMarks();  // that looks at the startup group itself
-    if (is("refused")) w.serviceManager.refusal = w.autostart.refusal = "No.";
-    w.answers = {is("yes")};
-    bool shows = false;  // what the dialog is to show
-    const auto clickIt = [&] {
-        if (is("tray service")) return mode.mnuTrayNTService_Click();
-        if (is("tray startup")) return mode.mnuTrayStartup_Click();
-        if (is("dialog service")) return void(shows = mode.chkService_Click(!mode.mnuTrayNTService()));
-        shows = mode.chkStartup_Click(!mode.mnuTrayStartup());
-    };
-    w.meanwhile = [&, isOpen = false]() mutable {  // a second click, of each kind
-        if (!std::exchange(isOpen, true)) mode.mnuTrayNTService_Click(), mode.mnuTrayStartup_Click(), clickIt();
-    };
-    clickIt();
-    w.heard.insert(w.heard.begin(), w.serviceManager.asked.begin(), w.serviceManager.asked.end());
-    const std::string did = w.Heard() + "service " + w.Stored("Service") + (mode.mnuTrayNTService() ? " marked" : "");
-    return did + (shows ? ", shown, startup" : ", startup") + (mode.IsInStartupGroup() ? " there" : "") +
-           (mode.mnuTrayStartup() ? " marked" : "");
-}
-
-// What is clicked in which state; then what the manager is asked, what the operator hears, and the state.
-TEST(Service, EachClickDoesAndSaysWhatItShould) {
-    Play(R"(
-$ tray service +service => uninstall Korvane of ~; ! Korvane is no longer installed as the NT Se..unning Korvane.; Settings Saved; service False, startup
-$ tray service +startup yes => install Korvane; ! Korvane is now installed as the NT Service ..ith File, Exit.; Korvane Service Failed to Start.; ? Yes: You have also configured Korvane to st..(recommended)? ; ! Korvane was removed from the Windows Startu..s onto windows.; Settings Saved; service True marked, startup
-$ tray startup +service => ! Korvane was added to the Windows Startup Gr..gon to windows.; ! Warning: Korvane is also set to run as a se..ther, not both.; service False marked, startup there marked
-$ tray startup +startup refused => ! The shortcut /autostart/Korvane.desktop cou..ou do not want.; service False, startup there marked
-$ dialog service +startup => install Korvane; ! PLEASE READ THIS: The NT Service named Korv..ith File, Exit.; Korvane Service Failed to Start.; ? No: You also have Korvane installed in the .. (recommended)?; Settings Saved; service True marked, shown, startup there marked
-$ dialog service +startup yes => install Korvane; ! PLEASE READ THIS: The NT Service named Korv..ith File, Exit.; Korvane Service Failed to Start.; ? Yes: You also have Korvane installed in the.. (recommended)?; ! Korvane was removed from the Windows Startu..unning Korvane.; Settings Saved; service True marked, shown, startup
-$ dialog service +service => uninstall Korvane of ~; ! The NT Service named Korvane uninstalled su..ne' is removed.; Settings Saved; service False, startup
-$ dialog service +service refused => uninstall Korvane of ~; No.; ! The NT Service named Korvane failed to unin.. already).||No.; service False marked, shown, startup
-$ dialog startup +service => ! Korvane was just added to the startup group.. startup group.; ! Warning: Korvane is also set to run as a se..ther, not both.; service False marked, shown, startup there marked
-$ dialog startup +service +startup => ! Removing Korvane from the startup group (Sh.. startup group.; service False marked, startup
-)",
-         Click);
-}
-
 TEST(Service, ObeysItsManagerAndStartsWhenItsInstallerHasEndedUnlessItWasRemoved) {
     ShellWorld w({.settings = "Begin=1"});
     ServiceMode& mode = w.run.Service();
@@ -189,5 +145,4 @@ TEST(Service, ObeysItsManagerAndStartsWhenItsInstallerHasEndedUnlessItWasRemoved
         R"(Service Started.; READY; Service Paused.; ALIVE; ALIVE; Service Already Paused.; Service Continuing (monitoring again); Service Still Continuing.; STOPPING; Service Stopped.; STOPPING; Service Shutting Down. Monitoring stopping; Service Stopped.; STOPPING; Service Stopped.; install K; install K; update Korvane; start K; uninstall K of ~; 3)");
 }
 
-}  // namespace
-}  // namespace korvane
+}  // namespace korvane::start_test

@@ -26,13 +26,12 @@ namespace korvane {
 
 struct RecordingPower : Power {
     PowerSystem system = PowerSystem::ServiceManager;
-    bool refuses = false;
     std::vector<PowerAction> requests;
 
     PowerSystem System() const override { return system; }
     void Request(PowerAction action) override {
         requests.push_back(action);
-        if (refuses || system == PowerSystem::Unknown) throw Error("Nothing on this machine can do it");
+        if (system == PowerSystem::Unknown) throw Error("Nothing on this machine can do it");
     }
 };
 
@@ -49,7 +48,6 @@ struct RecordingProcesses : Processes {
     };
 
     std::vector<Started> started;
-    int pid = 4711;       ///< of all of them; 0: the system gives none
     std::string missing;  ///< a command that holds this is not there; empty: all are
 
     bool hasBrowser = true, browserStarts = true;
@@ -59,7 +57,7 @@ struct RecordingProcesses : Processes {
     int Shell(const std::string& command, WindowStyle style) override {
         if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
         started.push_back({command, style});
-        return pid;
+        return 4711;
     }
     std::string DefaultProgram(const std::string&) override { return hasBrowser ? browser : ""; }
     bool OpenPage(const std::string& path, const NotOpened& notOpened) override {
@@ -114,21 +112,16 @@ private:
 
 /// The startup group.
 struct RecordingAutostart : Autostart {
-    std::string refusal;  ///< of each change; empty: they are done
     std::set<std::string> names;
     AutostartEntry last;
 
     std::string FileName(const std::string& name) const override { return "/autostart/" + name + ".desktop"; }
     bool Exists(const std::string& name) override { return names.contains(name); }
     void Add(const AutostartEntry& entry) override {
-        if (!refusal.empty()) throw Error(refusal);
         last = entry;
         names.insert(entry.name);
     }
-    void Remove(const std::string& name) override {
-        if (!refusal.empty()) throw Error(refusal);
-        names.erase(name);
-    }
+    void Remove(const std::string& name) override { names.erase(name); }
 };
 
 /// A service manager that answers with the list of the moment, after a while if wanted.
@@ -138,14 +131,11 @@ public:
 
     std::string whyNot;  ///< not empty: there is no manager
     std::chrono::milliseconds answersAfter{0};
-    int asked = 0;
 
     /// Adds the service, or changes its state.
     void Set(const std::string& name, int state) { states_[name] = state; }
-    void Remove(const std::string& name) { states_.erase(name); }
 
     std::unique_ptr<Question> EnumServices(std::function<void(const ServiceList&)> answer) override {
-        ++asked;
         auto question = std::make_unique<Pending>(world_);
         question->event = world_.After(answersAfter, [this, answer = std::move(answer)] { answer(List()); });
         return question;

@@ -41,9 +41,7 @@ private:
         const std::string host = request.URL.substr(begin, request.URL.find_first_of(":/?#", begin) - begin);
         VirtualPage* const page = net_.NetworkThere() ? net_.FindPage(request.URL) : nullptr;
         if (page == nullptr) return {Kind::Failure, "Could not resolve host: " + host, Milliseconds(1)};
-        const VirtualHost* machine = net_.FindHost(host);
-        const PageAnswer answer = page->Take(request);
-        return machine != nullptr && machine->IsDown() ? PageAnswer{} : answer;
+        return page->Take(request);
     }
     void Await(const PageAnswer& answer, Milliseconds limit) {
         bool arrived = false;

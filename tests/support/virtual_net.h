@@ -108,16 +108,11 @@ public:
     /// What becomes of an echo is decided when it is sent.
     VirtualHost& DecideEcho(std::function<EchoAnswer()> answer) { return Set(echo_, std::move(answer)); }
 
-    /// Down: as if the plug was pulled. Nothing answers, echoes and pages included, until Up; the scripts stay.
-    VirtualHost& Down() { return Set(down_, true); }
-    VirtualHost& Up() { return Set(down_, false); }
-
     VirtualServer& Port(int port) { return ports_[port]; }
 
     // For the parts of this world.
     std::optional<Milliseconds> FoundAfter() const { return lookup_; }
     EchoAnswer HowEchoed() const { return echo_ ? echo_() : EchoAnswer{}; }
-    bool IsDown() const { return down_; }
     /// Null when nobody ever mentioned the port.
     VirtualServer* FindPort(int port) { return ports_.contains(port) ? &ports_[port] : nullptr; }
 
@@ -130,7 +125,6 @@ private:
 
     std::optional<Milliseconds> lookup_{1};
     std::function<EchoAnswer()> echo_;
-    bool down_ = false;
     std::map<int, VirtualServer> ports_;
 };
 
@@ -184,8 +178,7 @@ public:
     EchoReply IcmpSendEcho(Ipv4Address address, std::string_view, int, std::chrono::milliseconds wait) override {
         if (!net_.NetworkThere()) return {};
         const VirtualHost* const host = net_.FindHost(inet_ntoa(in_addr{address}));
-        const bool reachable = host != nullptr && !host->IsDown();
-        const VirtualHost::EchoAnswer answer = reachable ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
+        const VirtualHost::EchoAnswer answer = host != nullptr ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
         const bool inTime = answer.comes && answer.after <= wait;
         net_.World().events.Sleep(inTime ? answer.after : wait);
         return inTime ? EchoReply{true, answer.status, answer.after, address} : EchoReply{};

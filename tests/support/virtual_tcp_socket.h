@@ -51,7 +51,7 @@ public:
         TakeLater();
         sent_ += bytes;
         const bool speaking = step_ < script_->steps.size() && !Waits(script_->steps[step_].kind);
-        if (!speaking && !remote_->IsDown()) BeginStep();
+        if (!speaking) BeginStep();
     }
     std::string PeekData(std::size_t maxLength = kAll) const override { return arrived_.substr(0, maxLength); }
     std::string GetData(std::size_t maxLength = kAll) override {
@@ -79,11 +79,9 @@ public:
 private:
     static bool Waits(Kind kind) { return kind != Kind::Speak && kind != Kind::Close && kind != Kind::Reset; }
 
-    /// Goes on with `stage` after the delay, unless the host is down then, whose name is found all the same.
+    /// Goes on with `stage` after the delay.
     void Next(Milliseconds delay, void (VirtualTcpSocket::*stage)()) {
-        pending_ = net_.World().After(delay, [this, stage] {
-            if (state_ == SocketState::ResolvingHost || !remote_->IsDown()) (this->*stage)();
-        });
+        pending_ = net_.World().After(delay, [this, stage] { (this->*stage)(); });
     }
     void NotFound() { Fail(11001, "Host not found"); }
     void Refused() { Fail(10061, "Connection refused"); }
@@ -93,7 +91,7 @@ private:
     }
     void Knock() {
         state_ = SocketState::Connecting;
-        if (remote_ == nullptr || remote_->IsDown()) return;
+        if (remote_ == nullptr) return;
         server_ = remote_->FindPort(port_);
         if (server_ == nullptr) return Next(Milliseconds(1), &VirtualTcpSocket::Refused);
         script_ = server_->BeginConnection();

@@ -1,16 +1,15 @@
-// Mails of outages and recoveries through real mail servers, from the entry to what Python reads.
+// Mails of outages and recoveries through a mail server, from the entry to what Python reads.
 #include <regex>
 
 #include "system/servers.h"
 
-namespace korvane::test {
-namespace {
+namespace korvane::test::mail_test {
 
 const std::string kEntry =
     Due("TCP", "127.0.0.1", kNobody, "220",
         ", nTries = 1, strEmailList1 = 'person@elsewhere.example', strEmailFrom = 'monitor@korvane.example', "
         "strEmailText = 'DOWN', strEmailBody = '.' || char(13, 10) || '..dots' || char(13, 10) || 'Grüße'");
-const std::string kHead = "|\"monitor@korvane.example\" <monitor@korvane.example>|<person@elsewhere.example>|";
+const std::string kHead = "\"monitor@korvane.example\" <monitor@korvane.example>|<person@elsewhere.example>|";
 const std::string kOutage =
     kHead +
     "DOWN (entry) <time>|.~..dots~Grüße~Time: <time>~~The Server 127.0.0.1 could not be reached ~1 times in "
@@ -19,44 +18,27 @@ const std::string kOutage =
 const std::string kRecovery =
     kHead + "SERVER BACK UP (DOWN) entry <time>|Time: <time>~~The Server 127.0.0.86 (entry) can be reached ";
 
-std::string Arrived(const Server& server, const std::string& folder) {
-    const std::string mails = Answer("/usr/bin/python3 " + kSystemTests + "read_mail.py " + server.folder.At(folder));
+std::string Arrived(const Server& server) {
+    const std::string mails = Answer("/usr/bin/python3 " + kSystemTests + "read_mail.py " + server.folder.At("mails"));
     return std::regex_replace(mails, std::regex("\\d+/\\d+/\\d+( \\d+:\\d+:\\d+ [AP]M)?"), "<time>");
 }
 
 TEST(Mail, OfAnOutageAndARecoveryArrivesAfterALogin) {
-    KORVANE_NEEDS("postfix dovecot aiosmtpd");
-    if (geteuid() != 0) GTEST_SKIP() << "Postfix starts only as root";
-    const Server& postfix = Real("postfix", Dovecot().folder.Path(), 25, "127.0.0.12");
-    const auto arrived = [&] { return Arrived(postfix, "boxes/box/new"); };
-    Program program("Server=127.0.0.12\nSMTPUser1=operator\nSMTPPass1=open sesame\n" + kBegin, kEntry);
+    KORVANE_NEEDS("aiosmtpd");
+    const Played server("127.0.0.22:25=login");
+    const auto arrived = [&] { return Arrived(server); };
+    Program program("Server=127.0.0.22\nSMTPUser1=operator\nSMTPPass1=open sesame\n" + kBegin, kEntry);
     program.Start();
-    EXPECT_TRUE(Waited([&] { return arrived() == "with ESMTPA" + kOutage; })) << arrived() << program.Output();
+    EXPECT_TRUE(Waited([&] { return arrived() == kOutage; })) << arrived() << program.Output();
     EXPECT_TRUE(program.Becomes("SELECT count(*) FROM Failures", "1\n")) << program.Output();
     program.Stop();
     // The server comes back while the program does not run.
     const Played back("127.0.0.86:" + std::to_string(kNobody) + "='mute 220 there'");
     program.Query("UPDATE Servers SET strAddress_IP = '127.0.0.86', dtNextCheck = '2026-01-01 00:00:00'");
     program.Start();
-    EXPECT_TRUE(Waited([&] { return Holds(arrived(), "\nwith ESMTPA" + kRecovery); })) << arrived() << program.Output();
+    EXPECT_TRUE(Waited([&] { return Holds(arrived(), "\n" + kRecovery); })) << arrived() << program.Output();
     program.Stop();
     EXPECT_EQ(Count(arrived(), "\n"), 2);
 }
 
-TEST(Mail, GoesThroughTheBackupAfterARefusal) {
-    KORVANE_NEEDS("aiosmtpd");
-    const Played servers("127.0.0.22:25=login 127.0.0.23:25='452 4.3.1 Insufficient system storage'");
-    const std::string refusing = "Server=127.0.0.23\nSMTPUser2=operator\nSMTPPass2=open sesame\n" + kBegin;
-    Program takes("ServerBackup=127.0.0.22\n" + refusing, kEntry), refuses("ServerBackup=127.0.0.23\n" + refusing, kEntry);
-    for (const auto& [program, action] : {std::pair{&takes, "successfully sent to: 'person@elsewhere.example '."},
-                                          std::pair{&refuses, "Server replied: 452 4.3.1 Insufficient system storage"}}) {
-        program->Start();
-        EXPECT_TRUE(program->Becomes("SELECT count(*) FROM Failures", "1\n")) << program->Output();
-        EXPECT_TRUE(Holds(program->Query("SELECT strAction FROM Failures"), action)) << program->Output();
-        program->Stop();
-    }
-    EXPECT_EQ(Arrived(servers, "mails"), "by 127.0.0.22" + kOutage);
-}
-
-}  // namespace
-}  // namespace korvane::test
+}  // namespace korvane::test::mail_test

@@ -2,8 +2,7 @@
 #include "support/world.h"
 #include "system/program.h"
 
-namespace korvane::test {
-namespace {
+namespace korvane::test::pages_test {
 
 // Two customers with entries of each type and each status, with failures whose reasons hold a script, and with response times.
 constexpr const char* kEntries = R"(
@@ -72,5 +71,4 @@ TEST(Pages, ShowInABrowserWithPicturesStyleAndLinksButRunNoScript) {
     EXPECT_TRUE(Holds(output, "\ndone\n") && !Holds(output, "\nbad|")) << output;
 }
 
-}  // namespace
-}  // namespace korvane::test
+}  // namespace korvane::test::pages_test

@@ -15,7 +15,7 @@ namespace korvane::test {
 /// The first of the ports of all real servers. nginx has +0 (HTTP), +1 (HTTPS) and +2 to +4 (HTTPS with certificates that are
 /// expired, of an unknown authority, of another name) and +20000 (HTTP again). Nobody listens on +10.
 const int kBase = 20000 + getpid() % 1000 * 12;
-const int kPop3 = kBase + 5, kImap = kBase + 6, kSmtp = kBase + 7, kFtp = kBase + 8, kProxy = kBase + 9, kNobody = kBase + 10;
+const int kPop3 = kBase + 5, kImap = kBase + 6, kSmtp = kBase + 7, kNobody = kBase + 10;
 
 inline bool Connects(const std::string& address, int port) {
     const Descriptor client(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -36,14 +36,10 @@ struct Server {
 };
 
 /// A server of servers.sh with the last of its ports.
-inline const Server& Real(const std::string& name, const std::string& words = std::to_string(kBase), int port = kBase + 20000,
-                          const std::string& address = "127.0.0.1") {
+inline const Server& Real(const std::string& name, int first = kBase, int last = kBase + 20000) {
     static std::map<std::string, Server> running;
-    const std::string command = kSystemTests + "servers.sh " + name + " " + words;
-    return running.try_emplace(name, command, [&](const Server&) { return Connects(address, port); }).first->second;
-}
-inline const Server& Dovecot() {
-    return Real("dovecot", std::to_string(kPop3), kSmtp);
+    const std::string command = kSystemTests + "servers.sh " + name + " " + std::to_string(first);
+    return running.try_emplace(name, command, [&](const Server&) { return Connects("127.0.0.1", last); }).first->second;
 }
 
 /// Servers of played.py, with their mails in the folder "mails".

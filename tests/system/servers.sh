@@ -1,10 +1,10 @@
 #!/bin/sh
-# A real server in the folder where this starts, on loopback ports from <base> on: servers.sh <server> <base>, or
-# servers.sh postfix <folder of dovecot>. It has no right of root but for Postfix, and ends with the one who started it.
+# A real server in the folder where this starts, on loopback ports from <base> on: servers.sh <server> <base>. It has no right of root,
+# and ends with the one who started it.
 set -eu
 server=$1 base=$2 home=$PWD
 run="setpriv --pdeathsig KILL" user=$(id -un) group=$(id -gn)
-if [ "$(id -u)" = 0 ] && [ "$server" != postfix ]; then
+if [ "$(id -u)" = 0 ]; then
     user=nobody group=nogroup
     run="$run --reuid=$user --regid=$group --clear-groups"
 fi
@@ -24,7 +24,6 @@ nginx)
     certify expired $here -1
     certify other subjectAltName=DNS:other.example 2
     echo "operator:{PLAIN}open sesame" >users
-    printf '\211PNG\r\n\032\n\000\000\000\rIHDR' >picture
     serve() { echo "server { listen 127.0.0.1:$1${2:+ ssl; ssl_certificate $2.pem; ssl_certificate_key $2.key}; include pages; }"; }
     { serve "$base" && serve $((base + 1)) good && serve $((base + 2)) expired && serve $((base + 3)) unknown &&
         serve $((base + 4)) other && serve $((base + 20000)); } >servers
@@ -33,32 +32,19 @@ nginx)
         location = /private { auth_basic private; auth_basic_user_file users; echo "Hi, \$remote_user"; }
         location = /moved { return 302 /moved-again; }
         location = /moved-again { return 301 https://localhost:$((base + 1))/page; }
-        location = /loop { return 302 /loop; }
-        location = /cookie { if (\$cookie_seen) { return 200 "Welcome back\n"; } add_header Set-Cookie seen=1; return 302 /cookie; }
         location = /empty { return 200 ""; }
         location = /late { echo_sleep 60; echo "Welcome at last"; }
-        location = /picture { default_type image/png; alias picture; }
-        location = /big { echo_duplicate 50000000 a; echo end; }
-        location = /too-big { echo_duplicate 70000000 a; echo end; }
 END
     cat >nginx.conf <<END
         load_module /usr/lib/nginx/modules/ngx_http_echo_module.so;
         daemon off; master_process off; pid nginx.pid; error_log output; events {}
         http {
-            log_format answers "\$request_uri \$status"; access_log answers answers; default_type text/html;
+            access_log off; default_type text/html;
             client_body_temp_path t; proxy_temp_path t; fastcgi_temp_path t; uwsgi_temp_path t; scgi_temp_path t; include servers;
         }
 END
     start nginx -p "$home" -c nginx.conf -e output ;;
-squid)
-    printf '%s\n' "http_port 127.0.0.1:$base" "http_access allow all" "cache deny all" "pid_filename none" "pinger_enable off" \
-        "visible_hostname localhost" "access_log stdio:$home/answers" "cache_log $home/output" "coredump_dir $home" >squid.conf
-    start squid -N -n "korvane$base" -f "$home/squid.conf" ;;
-vsftpd)
-    printf '%s\n' listen=YES listen_address=127.0.0.1 "listen_port=$base" background=NO run_as_launching_user=YES \
-        seccomp_sandbox=NO xferlog_enable=NO "secure_chroot_dir=$home" >vsftpd.conf
-    start vsftpd "$home/vsftpd.conf" ;;
-dovecot) # POP3, IMAP, SMTP for submission, and logins for Postfix
+dovecot) # POP3, IMAP and SMTP for submission
     chmod 711 .
     echo "operator:{PLAIN}open sesame" >users
     listen() { printf 'service %s-login {\n chroot =\n inet_listener %s {\n  port = %s\n }\n}\n' "$1" "$1" "$2"; }
@@ -67,25 +53,8 @@ dovecot) # POP3, IMAP, SMTP for submission, and logins for Postfix
             "submission_relay_host = 127.0.0.1" "log_path = /dev/stderr" "base_dir = $home/base" "state_dir = $home/state" \
             "default_internal_user = $user" "default_internal_group = $group" "default_login_user = $user" \
             "auth_mechanisms = plain login cram-md5" "service anvil {" " chroot =" "}" \
-            "passdb {" " driver = passwd-file" " args = $home/users" "}" \
-            "service auth {" " unix_listener $home/auth {" "  mode = 0666" " }" "}"
+            "passdb {" " driver = passwd-file" " args = $home/users" "}"
         listen pop3 "$base" && listen imap $((base + 1)) && listen submission $((base + 2))
     } >dovecot.conf
     start dovecot -F -c "$home/dovecot.conf" ;;
-postfix) # on 127.0.0.12: it takes mail for person@elsewhere.example only after a login
-    chmod 711 . && mkdir etc queue data && chown postfix data
-    sed 's/^smtp  *inet/127.0.0.12:smtp inet/' /usr/share/postfix/master.cf.dist >etc/master.cf
-    owner=static:$(id -u nobody)
-    printf '%s\n' "compatibility_level = 3.6" "maillog_file = /dev/stdout" "myhostname = mail.korvane.example" "mydestination =" \
-        "alias_maps =" "inet_protocols = ipv4" "inet_interfaces = loopback-only" "disable_dns_lookups = yes" "mynetworks =" \
-        "local_header_rewrite_clients =" "smtpd_peername_lookup = no" "virtual_mailbox_domains = korvane.example" \
-        "virtual_mailbox_maps = inline:{person@elsewhere.example=box/}" "virtual_mailbox_base = $home/boxes" \
-        "virtual_uid_maps = $owner" "virtual_gid_maps = $owner" "default_transport = virtual" "smtpd_sasl_type = dovecot" \
-        "smtpd_sasl_auth_enable = yes" "smtpd_sasl_path = $base/auth" "queue_directory = $home/queue" "data_directory = $home/data" \
-        "smtpd_relay_restrictions = permit_sasl_authenticated, reject_unauth_destination" >etc/main.cf
-    mkdir boxes && chown nobody boxes
-    postconf -c etc -F '*/*/chroot=n'
-    postfix -c "$home/etc" check
-    # It changes its user for a moment, after which it would outlive a test that was killed; so it has a time to end by itself.
-    start /usr/lib/postfix/sbin/master -d -s -e 600 -c "$home/etc" ;;
 esac
