@@ -22,6 +22,7 @@
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
+#include "platform/linux/linux_own_program.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "store/ini_file.h"
@@ -128,8 +129,11 @@ struct Machine {
     LinuxGuidSource guids;
     Dispatcher mail{{sckesmtp, plainSocket, clock, events, person, files, guids, status, log, settings, safeguards, [] {}}, {}};
     OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards, mail}};
+    LinuxOwnProgram ownProgram{events};
+    MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, person, status, log, settings, safeguards,
+                       database.Folder(), [] { return std::string("bench"); }}};
     OutcomeAccounting accounting{
-        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network, safeguards}};
+        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network, safeguards, outbox}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
     KeptAccounts kept{{database.TheStore(), clock, log, ids, safeguards, database.DriverString()}};
@@ -278,7 +282,7 @@ void StoreAndAccounts(benchmark::State& state) {
             rs->Close();
             rs->Open("SELECT * from servers order by dtNextCheck ", *conn, CursorType::Keyset, LockType::Pessimistic);
         }
-        machine.accounting.DoSuccess(*rs, std::chrono::milliseconds(5));
+        machine.accounting.DoSuccess(*rs, *conn, std::chrono::milliseconds(5));
         rs->Close();
         conn->Close();
     }

@@ -48,6 +48,12 @@ bool IsSet(Recordset& rs, const char* column, bool otherwise) {
     return set;
 }
 
+std::int64_t NumberOrZero(Recordset& rs, const char* column) {
+    std::int64_t number = 0;
+    IgnoreErrors([&] { number = rs.Fields(column).Value().Int64(); });
+    return number;
+}
+
 // Reads a column now that is used in a later step. If it could not be read, the error is raised in that step.
 std::future<Value> ReadAhead(Recordset& rs, const char* column) {
     std::packaged_task<Value()> read([&] { return rs.Fields(column).Value(); });
@@ -133,16 +139,27 @@ ServerActions::RebootWords ServerActions::WordsOfReboot(Connection& conn) {
 std::string ServerActions::MailFailure(const FailedEntry& entry, const std::string& body) {
     const std::string kRoutine = "frmMonitor:DoFailureStateStuff: ";
     const std::string subject = entry.strDesc.empty() ? entry.strEmailText : entry.strEmailText + " (" + entry.strDesc + ")";
-    const SendOutcome outcome = ports_.mail.SendWithBackup(
-        {entry.strEmailList1, entry.strEmailList2, entry.strEmailFrom, subject, body}, [&](const std::string& strError) {
-            LogError(kRoutine + "primary Email to " + entry.strEmailList1 + " failed. " + strError + " using " +
-                     ports_.settings.getKvSettingsColVal("Server"));
-        });
+    const Notification mail{entry.strEmailList1, entry.strEmailList2, entry.strEmailFrom, subject, body};
+    if (ports_.outbox.IsOn()) return HandOver(entry, mail);
+    const SendOutcome outcome = ports_.mail.SendWithBackup(mail, [&](const std::string& strError) {
+        LogError(kRoutine + "primary Email to " + entry.strEmailList1 + " failed. " + strError + " using " +
+                 ports_.settings.getKvSettingsColVal("Server"));
+    });
     const std::string done =
         outcome.sent
             ? "Server DOWN Email Notification successfully sent to: '" + entry.strEmailList1 + " " + entry.strEmailList2 + "'."
             : "Server DOWN Email Notification <font color=red>FAILED</font>  because '" + outcome.strError + "'.";
     outcome.sent ? ports_.log.Info(kRoutine + done) : LogError(kRoutine + done);
+    return done;
+}
+
+std::string ServerActions::HandOver(const FailedEntry& entry, const Notification& mail) {
+    const bool waits = ports_.outbox.Put(mail, MailEvent::Failure, NumberOrZero(entry.rs, "ID"), NumberOrZero(entry.rs, "nFail"));
+    const std::string done =
+        waits ? "Server DOWN Email Notification is in the outbox for: '" + mail.strTo1 + " " + mail.strTo2 + "'."
+              : "Server DOWN Email Notification <font color=red>FAILED</font>  because 'There is no recipient.'.";
+    const std::string line = "frmMonitor:DoFailureStateStuff: " + done;
+    waits ? ports_.log.Info(line) : LogError(line);
     return done;
 }
 
@@ -167,12 +184,19 @@ void ServerActions::DoUpAgainStuff(Recordset& rs) {
     const std::string body = UpMail(rs, strDesc, strCMDUP);
     const std::string subject = "SERVER BACK UP (" + TextOrEmpty(rs, "strEmailText") + ") " + strDesc;
     if (IsSet(rs, "bSendUpNotify", true)) {  // an unneeded mail is better than a missing one
-        const SendOutcome outcome = ports_.mail.SendWithBackup(
-            {TextOrEmpty(rs, "strEmailList1"), TextOrEmpty(rs, "strEmailList2"), TextOrEmpty(rs, "strEmailFrom"), subject, body});
+        const Notification mail{TextOrEmpty(rs, "strEmailList1"), TextOrEmpty(rs, "strEmailList2"),
+                                TextOrEmpty(rs, "strEmailFrom"), subject, body};
+        const bool handedOver = ports_.outbox.IsOn();
+        const SendOutcome outcome = handedOver ? HandOverRecovery(mail, rs) : ports_.mail.SendWithBackup(mail);
         if (!outcome.sent)
             LogError("frmMonitor:DoUpAgainStuff: Server UP Email Notification FAILED because '" + outcome.strError + "'.");
     }
     RunCommandOf(strCMDUP);
+}
+
+SendOutcome ServerActions::HandOverRecovery(const Notification& mail, Recordset& rs) {
+    const bool waits = ports_.outbox.Put(mail, MailEvent::Recovery, NumberOrZero(rs, "ID"), NumberOrZero(rs, "nFail"));
+    return {waits, waits ? "" : "There is no recipient."};
 }
 
 std::string ServerActions::UpMail(Recordset& rs, const std::string& strDesc, const std::string& strCMDUP) {
@@ -195,9 +219,10 @@ void ServerActions::SendStartupNotice() {
         if (ports_.entries.Entries().empty())
             return LogError(kRoutine + "There is no entry in memory whose people could be told.");
         const ServerEntry& first = ports_.entries.Entries().front();
-        const SendOutcome outcome =
-            ports_.mail.SendThrough(MailServer::Primary, {first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
-                                                          "Korvane Just Started. This server is up.", StartupMail()});
+        const Notification notice{first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
+                                  "Korvane Just Started. This server is up.", StartupMail()};
+        if (ports_.outbox.IsOn() && ports_.outbox.Put(notice)) return ports_.outbox.Flush();
+        const SendOutcome outcome = ports_.mail.SendThrough(MailServer::Primary, notice);
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {
         LogError(kRoutine + error.what());

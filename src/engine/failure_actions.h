@@ -8,6 +8,7 @@
 #include "engine/run_command.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
+#include "notify/mail_outbox.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "store/log.h"
@@ -27,12 +28,15 @@ public:
         const SettingsCollection& settings;
         const ServerEntries& entries;
         Dispatcher& mail;
+        MailOutbox& outbox;
         TraceRoute& trace;
         CommandRunner& commands;
     };
 
     explicit ServerActions(const Ports& ports) : ports_(ports) {}
 
+    /// With the outbox on, mails are handed to it, and the accounting writes them together with the row.
+    ///
     /// Order: mail, trace, command. A mail that could not be sent stops neither of the others. An error in the row or the store
     /// ends the actions with a status line and a log line; what was done before stays done and is in the result.
     std::string DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) override;
@@ -61,6 +65,8 @@ private:
     std::string StartupMail() const;
     RebootWords WordsOfReboot(Connection& conn);
     std::string MailFailure(const FailedEntry& entry, const std::string& body);
+    std::string HandOver(const FailedEntry& entry, const Notification& mail);
+    SendOutcome HandOverRecovery(const Notification& mail, Recordset& rs);
     void RunCommandOf(const std::string& strCommand);
     void LogError(const std::string& message) { ports_.log.WriteLog(kLogFatal, kLogError, message); }
 

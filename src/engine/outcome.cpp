@@ -75,7 +75,7 @@ seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur) {
     return std::min(interval, kLongestInterval) * (nTriesCur > kLongOutageTries ? kLongOutageFactor : 1);
 }
 
-void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResponseMs) {
+void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs) {
     const DateTime now = ports_.clock.Now();
     IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kUp; });
     IgnoreErrors([&] { rs.Fields("datelastcheck") = now; });
@@ -90,7 +90,20 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, std::chrono::milliseconds nResp
     });
     IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
     CountSuccess(rs, nResponseMs);
-    if (IgnoreErrors([&] { rs.Update(); })) once_.Forget(CounterOf(rs, "ID"));
+    if (IgnoreErrors([&] { UpdateWithMails(rs, conn); })) once_.Forget(CounterOf(rs, "ID"));
+}
+
+void OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) {
+    if (!ports_.outbox.HasUnwritten()) return rs.Update();
+    conn.BeginTrans();
+    try {
+        rs.Update();
+        ports_.outbox.WriteWith(conn);
+    } catch (const std::exception&) {
+        IgnoreErrors([&] { ports_.outbox.Commit(conn); });
+        throw;
+    }
+    ports_.outbox.Commit(conn);
 }
 
 std::int32_t OutcomeAccounting::AddOne(Recordset& rs, std::string_view column) {
@@ -189,14 +202,15 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
     try {
         rs.Update();
         counted = true;
+        ports_.outbox.WriteWith(conn);
         AddFailureRow(rs, conn, *owed.row);
     } catch (const std::exception&) {
-        const bool kept = IgnoreErrors([&] { conn.CommitTrans(); });
+        const bool kept = IgnoreErrors([&] { ports_.outbox.Commit(conn); });
         if (counted && !kept) owed.row.reset();
         throw;
     }
     owed.uncommitted = std::exchange(owed.row, std::nullopt);  // if this fails, neither was written, and the entry is still due
-    conn.CommitTrans();
+    ports_.outbox.Commit(conn);
     owed.uncommitted.reset();
 }
 

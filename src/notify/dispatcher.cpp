@@ -103,6 +103,19 @@ SendOutcome Dispatcher::SendToEach(const std::string& strTo1, const std::string&
     return {true, ""};
 }
 
+SendOutcome Dispatcher::Deliver(MailServer server, const std::string& recipient, const Notification& mail,
+                                const std::string& messageId) {
+    if (sending_) return {false, "Another message is still being sent."};
+    const RaisedFlag guard(sending_);
+    SendOutcome outcome =
+        SendToOne(WithoutLineEnds(recipient), {WithoutLineEnds(Or(mail.strFrom, kOwnName)),
+                                               WithoutLineEnds(Holds(mail.strFrom, "@") ? mail.strFrom : mail.strTo1),
+                                               WithoutLineEnds(Or(mail.strSubject, kOwnSubject)),
+                                               WithMailLineEnds(WithoutControls(mail.strBody)), AccountOf(server), messageId});
+    outcome.sent = !outcome.receipt.empty();
+    return outcome;
+}
+
 // Only clsEsmtp can log in; a server without a login always uses the plain mailer.
 SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
     SendOutcome outcome;
@@ -121,8 +134,11 @@ SendOutcome Dispatcher::SendThroughPlainMailer(const std::string& recipient, con
                                                const MailSecurity& security) {
     SendOutcome outcome;
     plainMailer_.SetSecurity(security);
+    plainMailer_.SetMessageId(message.messageId);
     outcome.sent = plainMailer_.SendPlainMail(recipient, recipient, message.strFromName, message.strFrom, DatedSubject(message),
                                               message.strBody, message.account.strServer, Zone(), outcome.strError, "", "");
+    outcome.greeted = plainMailer_.Greeted();
+    outcome.receipt = plainMailer_.Receipt();
     return outcome;
 }
 
@@ -144,10 +160,11 @@ SendOutcome Dispatcher::SendThroughEsmtp(const std::string& recipient, const Mes
     mycls.emailXMailer = kMailer;
     mycls.emailXPriority = kHighPriority;
     mycls.emailTimeZoneAdjust = Zone();
+    mycls.messageId = message.messageId;
 
     const WaitCursor cursor(ports_.person);
     const bool sent = mycls.SendMail();
-    return {sent, sent ? "" : mycls.ErrorLog};
+    return {sent, sent ? "" : mycls.ErrorLog, mycls.Greeted(), mycls.Receipt()};
 }
 
 // The operator is meant to see the login as it is used.
@@ -260,7 +277,7 @@ std::string Dispatcher::Zone() const {
 }
 
 std::string Dispatcher::DatedSubject(const Message& message) const {
-    return message.strSubject + " " + ports_.clock.Now().Text();
+    return message.messageId.empty() ? message.strSubject + " " + ports_.clock.Now().Text() : message.strSubject;
 }
 
 void Dispatcher::SetProgress(double percent) {

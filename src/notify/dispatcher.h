@@ -33,7 +33,9 @@ struct Notification {
 
 struct SendOutcome {
     bool sent = false;
-    std::string strError;  ///< of the last attempt; empty after a success
+    std::string strError;      ///< of the last attempt; empty after a success
+    bool greeted = false;      ///< the server answered the greeting, so what failed concerns the mail
+    std::string receipt = {};  ///< the server's answer to the end of the message
 };
 
 class Dispatcher {
@@ -81,6 +83,10 @@ public:
     /// is none. `tell` receives a sentence about each attempt. Waits through the event pump up to 30 seconds for each reply.
     std::optional<MailSecurity> FindSecurity(const std::string& host, const std::function<void(const std::string& text)>& tell);
 
+    /// Sends a mail of the outbox to one recipient through one server; `strTo1` stands in for a missing sender. Subject and Message-ID are sent as they are, so that each
+    /// try sends the same mail. It counts as sent from the server's receipt on.
+    SendOutcome Deliver(MailServer server, const std::string& recipient, const Notification& mail, const std::string& messageId);
+
     /// The operator's test mail, with a question before and the results in message boxes: sends through the primary server and,
     /// if set, also through the backup. `done` receives true when every attempted send succeeded, false when one failed or the
     /// operator declined.
@@ -103,6 +109,7 @@ private:
         std::string strSubject;
         std::string strBody;
         Account account;
+        std::string messageId = {};  ///< empty: each mail gets its own, and the subject the time
     };
 
     Account AccountOf(MailServer server) const;

@@ -117,6 +117,7 @@ std::string clsEsmtp::OwnAddress() const {
 }
 
 bool clsEsmtp::NameSender() {
+    greeted_ = true;
     emailFromAddress = Trim(emailFromAddress);
     if (emailFromAddress.starts_with('<')) emailFromAddress.erase(0, 1);
     // Two characters are compared, so only an address that is just ">" loses it; users' mail rules rely on addresses in this
@@ -155,6 +156,7 @@ bool clsEsmtp::SendMessage() {
 bool clsEsmtp::EndData() {
     const bool ended = SendLine(".");  // a reply that came before the dot does not answer it, nor does a close after that reply
     const int code = wire_.SmtpReply();
+    if (ended && code == kDone) receipt_ = wire_.LastReply();
     return Expect({kDone}, ended ? code : 0, "EOM: " + std::string(kRefusedMessage));
 }
 

@@ -76,6 +76,10 @@ public:
     /// reason. Waits as SendMail does, and throws nothing.
     bool TryConnection();
 
+    /// Returns whether the server answered the greeting; and its answer to the end of the message, empty if it did not take it.
+    bool Greeted() const { return greeted_; }
+    const std::string& Receipt() const { return receipt_; }
+
     /// Returns the first four characters of the latest reply.
     const std::string& strLastData() const { return wire_.LastData(); }
 
@@ -132,6 +136,8 @@ private:
     MailMessage message_;
     std::vector<std::string> recipients_;  ///< each in angle brackets
     std::string note_;                     ///< reason for the end of the conversation, for the report
+    bool greeted_ = false;
+    std::string receipt_;
     std::string popUser_;
     std::string popPassword_;
 };

@@ -133,6 +133,10 @@ std::string MailDate(DateTime local, DateTime utc, std::string_view zone) {
     return text + std::string(zone.empty() ? "-0000" : zone);
 }
 
+std::string NewMessageId(GuidSource& guids, const std::string& hostName) {
+    return "<" + NewGuidText(guids) + "@" + hostName + ">";
+}
+
 std::string WithoutLineEnds(std::string_view text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\n", " "), "\r", " ");
 }
@@ -232,14 +236,14 @@ bool MailMessage::SendHeaders(const std::string& localHostName, const SendPiece&
                 (strict ? AsMailbox(mail_.emailFromName, mail_.emailFromAddress)
                         : Mailbox(mail_.emailFromName, mail_.emailFromAddress)) +
                 "\r\nTo:" + mail_.emailTo) &&
-           (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                   //
-           optional("Cc: ", mail_.emailCC) &&                                                //
-           line("Subject: " + (strict ? AsHeaderText(mail_.subject) : mail_.subject)) &&     //
-           line("Date: " + date) &&                                                          //
-           line("Message-ID: <" + NewGuidText(ports_.guids) + "@" + localHostName + ">") &&  //
-           optional("X-Priority: ", mail_.emailXPriority) &&                                 //
-           optional("X-Sender: ", mail_.emailXSender) &&                                     //
-           optional("X-Mailer: ", mail_.emailXMailer) &&                                     //
+           (mail_.emailReplyTo.empty() || line("Reply-To: " + replyTo)) &&                           //
+           optional("Cc: ", mail_.emailCC) &&                                                        //
+           line("Subject: " + (strict ? AsHeaderText(mail_.subject) : mail_.subject)) &&             //
+           line("Date: " + date) &&                                                                  //
+           line("Message-ID: " + Or(mail_.messageId, NewMessageId(ports_.guids, localHostName))) &&  //
+           optional("X-Priority: ", mail_.emailXPriority) &&                                         //
+           optional("X-Sender: ", mail_.emailXSender) &&                                             //
+           optional("X-Mailer: ", mail_.emailXMailer) &&                                             //
            (!strict || line("MIME-Version: 1.0"));
 }
 

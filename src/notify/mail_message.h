@@ -40,12 +40,16 @@ struct MailProperties {
     std::string emailXMailer;
     std::string emailXSender;
     std::string emailXPriority;
+    std::string messageId;            ///< with its angle brackets; empty: a new one
     std::string emailTimeZoneAdjust;  ///< zone of the Date header, which then has local time; empty: UTC
     MailSecurity security = {};       ///< of the SMTP server, and of the POP server; its port does not count
 };
 
 /// Returns "Sat, 21 Nov 2026 15:04:05 -0500" for the zone "-0500", with local time; without a zone UTC and "-0000".
 std::string MailDate(DateTime local, DateTime utc, std::string_view zone);
+
+/// Returns a new text for the Message-ID header, with its angle brackets.
+std::string NewMessageId(GuidSource& guids, const std::string& hostName);
 
 /// Replaces each CR LF, LF and CR by a space, so that no text can add a header line or a command.
 std::string WithoutLineEnds(std::string_view text);

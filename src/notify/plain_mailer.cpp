@@ -56,6 +56,8 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
                                 const std::string& /*strExtra*/, const std::string& strBoundary) {
     strError.clear();
     error_.clear();
+    receipt_.clear();
+    greeted_ = false;
     ports_.person.SetWaitCursor(true);
     const std::string from = WithoutLineEnds(strFromAddress);
     const std::string to = WithoutLineEnds(strToAddress);
@@ -67,6 +69,7 @@ bool PlainMailer::SendPlainMail(const std::string& strToAddress, const std::stri
         "From: " + mailbox(strFromName, from) + "\r\n" + "Date: " + MailDate(ports_.clock.Now(), ports_.clock.UtcNow(), strZone) +
         "\r\n" + "X-Priority: 1\r\n" + "X-Sender: " + from + "\r\n" + "X-Mailer: Brellix Automated Mailer\r\n" +
         "To: " + mailbox(strToName, to) + "\r\n" + "Subject: " + (security_.strict ? AsHeaderText(subject) : subject) + "\r\n";
+    if (!messageId_.empty()) headers += "Message-ID: " + messageId_ + "\r\n";
     std::string body = strBody;
     if (!strBoundary.empty()) {
         headers += "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"" + strBoundary + "\"\r\n";
@@ -95,7 +98,7 @@ bool PlainMailer::Converse(const Mail& mail) {
                Command("rcpt to:<" + Trim(mail.to) + ">", "250") &&  //
                Command("data", "354") &&                             //
                SendMessage(mail) &&                                  //
-               Command(".", "250") &&                                //
+               EndMessage() &&                                       //
                Quit();
     } catch (const std::exception& error) {
         return Fail(error.what());
@@ -129,7 +132,14 @@ bool PlainMailer::Encrypt(const Mail& mail) {
     return problem.empty() || FailWithStatus(problem);
 }
 
+bool PlainMailer::EndMessage() {
+    if (!Command(".", "250")) return false;
+    receipt_ = TrimAll(lastReply_);
+    return true;
+}
+
 bool PlainMailer::NameSender(const Mail& mail) {
+    greeted_ = true;
     ports_.status.setStatusMSG("Connected...");
     SendLine("mail from:<" + Trim(mail.from) + ">");
     ports_.status.setStatusMSG("Sending from " + mail.from + " to " + mail.to);

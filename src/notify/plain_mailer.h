@@ -44,6 +44,14 @@ public:
                        const std::string& strServer, const std::string& strZone, std::string& strError,
                        const std::string& strExtra, const std::string& strBoundary);
 
+    /// Counts for the mails that follow: the text of a Message-ID header; empty: none.
+    void SetMessageId(std::string messageId) { messageId_ = std::move(messageId); }
+
+    /// Of the latest mail: whether the server answered the greeting; and its answer to the end of the message, empty if it did not
+    /// take it.
+    bool Greeted() const { return greeted_; }
+    const std::string& Receipt() const { return receipt_; }
+
 private:
     struct Mail;
 
@@ -55,6 +63,7 @@ private:
     bool Encrypt(const Mail& mail);
     bool NameSender(const Mail& mail);
     bool SendMessage(const Mail& mail);
+    bool EndMessage();
     bool Quit();
 
     bool Command(const std::string& line, std::string_view expectedCode);
@@ -72,6 +81,9 @@ private:
     std::string reply_;      ///< what arrived since the last check
     std::string lastReply_;  ///< what was checked last
     std::string error_;
+    std::string messageId_;
+    std::string receipt_;
+    bool greeted_ = false;
     bool sendComplete_ = false;
     std::size_t sentCount_ = 0;
 };

@@ -46,6 +46,9 @@ public:
     /// Sets "Number of distinct company names", which is shown once there is more than one.
     virtual void SetCustomerCount(int /*count*/) {}
 
+    /// Sets what is known of the way of the alerts; empty: it is not shown. An alarming state is shown in red.
+    virtual void SetMailState(const std::string& /*text*/, bool /*alarming*/) {}
+
     virtual void RefreshURLList() {}
     virtual void SetWaitCursor(bool /*wait*/) {}
 

@@ -14,8 +14,8 @@ constexpr int kMostWaits = 60;
 
 }  // namespace
 
-AlertMails::AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy)
-    : mail_(mail), log_(log), busy_(std::move(busy)), timer_(timers.NewTimer("AlertMails")) {
+AlertMails::AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy, MailOutbox* outbox)
+    : mail_(mail), outbox_(outbox), log_(log), busy_(std::move(busy)), timer_(timers.NewTimer("AlertMails")) {
     timer_->OnTick([this] { timer_Timer(); });
 }
 
@@ -27,6 +27,11 @@ void AlertMails::Alert(const Notification& mail) {
 }
 
 void AlertMails::Send(const Notification& mail, std::function<void()> done) {
+    if (outbox_ != nullptr && outbox_->IsOn() && outbox_->Put(mail)) {
+        outbox_->Flush();
+        if (done) done();
+        return;
+    }
     waiting_.push_back({mail, std::move(done)});
     if (timer_->Enabled()) return;  // a mail is being sent or waiting
     timer_->SetInterval(kAtOnce);

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "notify/dispatcher.h"
+#include "notify/mail_outbox.h"
 #include "platform/timer.h"
 #include "store/log.h"
 
@@ -19,7 +20,8 @@ public:
     /// `mail` should be a separate dispatcher: while a mail of the monitors is being sent, a shared one refuses those of the
     /// cycle. A busy dispatcher is waited for. While `busy` returns true, mails wait too, for a minute at most: the mail would
     /// otherwise delay a check whose pump delivers the timer, and the check would take that for a slow answer.
-    AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy);
+    /// With the outbox on, the mails are handed to it at once.
+    AlertMails(Dispatcher& mail, Timers& timers, Log& log, std::function<bool()> busy, MailOutbox* outbox = nullptr);
 
     /// Sends the alert when its turn comes, through the primary server and only once; a failure is only logged. An alert that is
     /// already waiting is not added a second time, so a dead server causes no endless queue.
@@ -43,6 +45,7 @@ private:
     void timer_Timer();
 
     Dispatcher& mail_;
+    MailOutbox* outbox_;
     Log& log_;
     std::function<bool()> busy_;
     int waits_ = 0;  ///< because of `busy`, since the last mail

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "platform/linux/process_setup.h"
+#include "shell/process/errand.h"
 #include "shell/process/process.h"
 #include "store/safeguards.h"
 
@@ -48,6 +49,7 @@ int Main(int argc, char** argv) {
         return 0;
     }
     PrepareProcess();
+    if (IsErrand(argc, argv)) return RunErrand(argc, argv);
     if (HasDisplay()) {
         if (DesktopMain* desktopMain = LoadWindows(); desktopMain != nullptr) return desktopMain(argc, argv);
     }

@@ -23,6 +23,7 @@ enum class StoreOperation {
     Delete,    ///< [query]
     Compact,   ///< [file]
     Commit,    ///< [connection string]
+    Execute,   ///< [statement]
 };
 
 class FaultyStore : public Store {
@@ -52,9 +53,10 @@ private:
         void Close() override { link->Close(); }
         void BeginTrans() override { link->BeginTrans(); }
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
-        void Execute(std::string_view statement) override { link->Execute(statement); }
+        void Execute(std::string_view statement) override { At(Op::Execute, statement).Execute(statement); }
         void TryWriting() override { link->TryWriting(); }
-        Connection& At(Op operation) { return faults.Pass(operation, ConnectionString(), *link); }
+        Connection& At(Op operation) { return At(operation, ConnectionString()); }
+        Connection& At(Op operation, std::string_view about) { return faults.Pass(operation, about, *link); }
 
         std::unique_ptr<Connection> link;
         FaultPlan<Op>& faults;

@@ -34,6 +34,7 @@
 #include "support/virtual_inet.h"
 #include "support/virtual_mail_server.h"
 #include "support/virtual_net.h"
+#include "support/virtual_own_program.h"
 #include "support/virtual_tcp_socket.h"
 #include "support/virtual_world.h"
 
@@ -111,7 +112,7 @@ private:
         const auto proxy = [this] { return proxyServer; };
         const auto exit = [this] { ++exits; };
         return {{socket, testSocket, echo, newInet, networkSocket},
-                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
                 {store, files},
                 {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
                  systemInfo, proxy, exit},
@@ -137,6 +138,7 @@ public:
     VirtualIcmpEcho echo{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;
+    VirtualOwnProgram ownProgram{time_, net};
     RecordingPower power;
     RecordingServiceManager serviceManager;
     ScriptedServices services{time_};

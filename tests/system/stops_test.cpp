@@ -106,4 +106,47 @@ TEST(Stop, KillAtAnyMomentLeavesAllWhole) {
     }
 }
 
+// Several programs, each killed again and again while its entries fail and their mails go out.
+TEST(Stop, KillAtAnyMomentLosesNoMailOfTheOutbox) {
+    KORVANE_NEEDS("aiosmtpd");
+    const bool isLong = std::getenv("KORVANE_LONG") != nullptr;
+    const Played sink("127.0.0.25:25=login");
+    const auto killed = [&](unsigned seed) {
+        const std::string subject = "DOWN " + std::to_string(seed) + " of";
+        Program program("MailOutbox=True\nServer=127.0.0.25\nSMTPUser1=operator\nSMTPPass1=open sesame\n" + kBegin);
+        for (int i = 0; i < 6; ++i)
+            program.Query(
+                Due("TCP", "127.0.0.1", kNobody, "",
+                    ", nTries = 1, nIntervalSeconds = 900, strEmailList1 = 'a@b.example', strEmailFrom = 'c@b.example', "
+                    "strEmailText = '" +
+                        subject + "'"));
+        std::mt19937 random(seed);
+        for (int round = isLong ? 125 : 3; round > 0 && !testing::Test::HasFailure(); --round) {
+            SCOPED_TRACE(round);
+            program.Start();
+            std::this_thread::sleep_for(1500ms + std::chrono::milliseconds(random() % 4000));  // any moment will do
+            program.Stop(SIGKILL);
+            EXPECT_TRUE(Holds(program.Settings(), "MailOutbox=True")) << program.Settings();
+            if (round > 1)
+                program.Query("UPDATE Servers SET nTriesCur = 0, strCurStatus = 'UP', dtNextCheck = '2026-01-01 00:00:00'");
+        }
+        program.Start();
+        EXPECT_TRUE(
+            program.Becomes("SELECT count(*) FROM MailOutbox WHERE strState <> 'sent' UNION ALL SELECT count(*) FROM "
+                            "Servers WHERE nTriesCur = 0",
+                            "0\n0\n"))
+            << program.Query("SELECT * FROM MailOutbox") << program.Output();
+        program.Stop(SIGKILL);
+        const std::string outages = program.Query("SELECT count(*) FROM Failures WHERE nFailCount = nFailMax");
+        EXPECT_GT(std::stoi(outages), 5);
+        EXPECT_EQ(program.Query("SELECT count(DISTINCT strMessageID) FROM MailOutbox WHERE strReceipt LIKE '250%'"), outages);
+        EXPECT_EQ(Answer("cd " + sink.folder.At("mails") + "; grep -l '" + subject +
+                         "' * | xargs grep -hi ^Message-ID: | sort -u | wc -l"),
+                  outages);
+    };
+    std::vector<std::future<void>> done;
+    for (unsigned seed = 1; seed <= (isLong ? 8 : 4); ++seed)
+        done.push_back(std::async(std::launch::async, killed, seed));
+}
+
 }  // namespace korvane::test::stops_test

@@ -22,6 +22,7 @@
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_guid_source.h"
 #include "platform/linux/linux_icmp_echo.h"
+#include "platform/linux/linux_own_program.h"
 #include "platform/linux/linux_power.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_signals.h"
@@ -91,7 +92,7 @@ struct Adapters {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
         return {{tcpSocket, testSocket, echo, newInet, networkSocket},
-                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids},
+                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
                  std::move(exit)},
@@ -108,6 +109,7 @@ struct Adapters {
     LinuxProcesses processes{events};
     DesktopSound sound{processes};
     LinuxGuidSource guids;
+    LinuxOwnProgram ownProgram{events};
     LinuxPower power{[this](const std::vector<std::string>& words) { processes.Start(words); },
                      ThisMachine(getShudownEXEPath(files))};
     SystemdManager serviceManager{{files, ProgramRunner(events, clock)},

@@ -11,6 +11,8 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
+#include "notify/mail_outbox.h"
+#include "resources/alert_mails.h"
 #include "resources/machine_watch.h"
 #include "shell/run/message_title.h"
 #include "shell/run/ports.h"
@@ -44,6 +46,7 @@ struct Desk : StorePorts, SystemPorts {
     AlertPath& alertPath;
     EntrySafeguards& ofEntries;
     Dispatcher& mail;
+    MailOutbox& outbox;
     TraceRoute& trace;
     CommandRunner& commands;
     ReportPublisher& publisher;

@@ -16,6 +16,7 @@
 #include "platform/icmp_echo.h"
 #include "platform/inet.h"
 #include "platform/operator.h"
+#include "platform/own_program.h"
 #include "platform/power.h"
 #include "platform/processes.h"
 #include "platform/service_manager.h"
@@ -45,6 +46,7 @@ struct MailPorts {
     TcpSocket& alertPlain;
     TcpSocket& popSocket;  ///< for the mailbox of the daily proof
     GuidSource& guids;
+    OwnProgram& ownProgram;  ///< sends the mails of the outbox
 };
 
 struct StorePorts {

@@ -63,6 +63,7 @@ struct RunRooms : RunPorts {
     CycleTimers switches;
 
     Dispatcher mail;
+    MailOutbox outbox;
     TraceRoute trace;
     CommandRunner commands;
     ServerActions actions;

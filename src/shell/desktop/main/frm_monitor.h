@@ -65,9 +65,10 @@ public:
     void SetProgress(int value, int max) override;
     void SetProgressTip(const std::string& text) override;
     void SetTray(TrayPicture picture, const std::string& tip) override;
-    void SetTrayTip(const std::string& tip) override { tray_.SetTip(tip); }
+    void SetTrayTip(const std::string& tip) override;
     void SetMonitoring(bool on) override;
     void SetCustomerCount(int count) override;
+    void SetMailState(const std::string& text, bool alarming) override;
     void RefreshURLList() override;
     void SetWaitCursor(bool wait) override;
     void ShowMessage(const std::string& title, const std::string& text) override;
@@ -106,6 +107,7 @@ public:
     StatusBox* txtStatus;
     QLabel* lblServers;
     QLabel* lblCustomers;
+    QLabel* lblMail;
     QLabel* lblCount;
     QLabel* lblTime;
     QLabel* lblCo;
@@ -173,6 +175,7 @@ private:
     ListColumns* columns_;
     SavedLength width_;
     SavedLength height_;
+    std::string mailState_;
     int nBlink_ = 0;
     bool monitoring_ = true;
     bool isAddUrl_ = false;

@@ -161,10 +161,13 @@ void frmMonitor::BuildStatusBar() {
     lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
     lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
     lblCustomers->setVisible(false);
+    lblMail = Named(new QLabel, "lblMail", "State of the mail");
+    lblMail->setVisible(false);
     lblTime = Named(new QLabel, "lblTime", "Time");
     statusBar()->addWidget(new QLabel("Servers:"));
     statusBar()->addWidget(lblServers);
     statusBar()->addWidget(lblCustomers);
+    statusBar()->addWidget(lblMail);
     statusBar()->addPermanentWidget(ResourceMarks());
     statusBar()->addPermanentWidget(lblTime);
 }

@@ -47,8 +47,12 @@ void frmMonitor::SetProgressTip(const std::string& text) {
 
 void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
     tray_.SetPicture(picture);
-    tray_.SetTip(tip);
+    SetTrayTip(tip);
     if (MonitorTray::Available()) tray_.Show();
+}
+
+void frmMonitor::SetTrayTip(const std::string& tip) {
+    tray_.SetTip(mailState_.empty() ? tip : tip + "\n" + mailState_);
 }
 
 void frmMonitor::SetMonitoring(bool on) {
@@ -67,6 +71,13 @@ void frmMonitor::SetMonitoring(bool on) {
 void frmMonitor::SetCustomerCount(int count) {
     lblCustomers->setText(QString("Number of distinct company names: %1").arg(count));
     lblCustomers->setVisible(true);
+}
+
+void frmMonitor::SetMailState(const std::string& text, bool alarming) {
+    mailState_ = text;
+    lblMail->setText(Q(text));
+    lblMail->setStyleSheet(alarming ? "color: red" : "");
+    lblMail->setVisible(!text.empty());
 }
 
 void frmMonitor::RefreshURLList() {
