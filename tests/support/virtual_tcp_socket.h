@@ -162,11 +162,13 @@ private:
     }
     // The next whole line of what the client sent, without its line end.
     std::optional<std::string> TakeLine() {
-        const auto end = sent_.find("\r\n");
-        if (end == std::string::npos) return std::nullopt;
-        std::string line = sent_.substr(0, end);
-        sent_.erase(0, end + 2);
-        return line;
+        const auto end = sent_.find("\r\n", taken_);
+        if (end == std::string::npos) {
+            sent_.erase(0, std::exchange(taken_, 0));
+            return std::nullopt;
+        }
+        const auto begin = std::exchange(taken_, end + 2);
+        return sent_.substr(begin, end - begin);
     }
     void Fail(int number, const std::string& description) {
         state_ = SocketState::Error;
@@ -190,7 +192,8 @@ private:
     std::string host_;
     std::int32_t port_ = 0;
     std::string arrived_;     ///< from the server, not yet read
-    std::string sent_;        ///< to the server, not yet taken by its script
+    std::string sent_;        ///< to the server
+    std::size_t taken_ = 0;   ///< bytes of it that its script has
     std::size_t queued_ = 0;  ///< of what was sent, not yet reported as sent
     std::string answers_;     ///< of the server, on their way
     int refusals_ = 0;
