@@ -89,6 +89,12 @@ bool MailOutbox::Put(const Notification& mail, MailEvent event, std::int64_t idE
     return true;
 }
 
+bool MailOutbox::Post(const Notification& mail) {
+    if (!IsOn() || !Put(mail)) return false;
+    Flush();
+    return true;
+}
+
 void MailOutbox::WriteWith(Connection& conn) {
     for (Unwritten& unwritten : takenOver_) {
         try {

@@ -69,6 +69,10 @@ public:
     /// nobody; nothing waits then.
     bool Put(const Notification& mail, MailEvent event = MailEvent::Other, std::int64_t idEntry = 0, std::int64_t nOutage = 0);
 
+    /// Takes a mail over and writes it at once; from memory it goes out if the store refuses it. Returns false while the safeguard
+    /// is off, or when it names nobody. Throws nothing.
+    bool Post(const Notification& mail);
+
     /// Writes what was taken over inside the caller's transaction, which Commit then ends: the mails go out from then on, from
     /// memory if the store refused them. WriteWith throws nothing, Commit what CommitTrans throws.
     bool HasUnwritten() const { return !takenOver_.empty(); }

@@ -82,13 +82,13 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      network({echo, networkSocket, clock, events, status, log, collection, safeguards, mail}),
+      network({echo, networkSocket, clock, events, status, log, collection, safeguards,
+               [this](const Notification& notification) { return SendOrPost(notification); }}),
       accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox}),
       alarm({person, status, log, serviceManager}),
       kept({store, clock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
       badEntries({store, clock, status, log, safeguards, kept, OdbcConnectionText(options.dir)}),
-      blind({clock, status, log, [this](const Notification& notification) { return mail.SendWithBackup(notification); },
-             safeguards}),
+      blind({clock, status, log, [this](const Notification& notification) { return SendOrPost(notification); }, safeguards}),
       cycle({store,
              clock,
              events,
@@ -163,6 +163,11 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
+}
+
+SendOutcome RunRooms::SendOrPost(const Notification& notification) {
+    if (outbox.Post(notification)) return {.sent = true, .strError = {}};
+    return mail.SendWithBackup(notification);
 }
 
 void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& text) {
