@@ -67,7 +67,10 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       outbox({store, clock, timers, guids, ownProgram, person, status, log, collection, safeguards, options.dir,
-              [this] { return sckesmtp.LocalHostName(); }}),
+              [this] { return sckesmtp.LocalHostName(); }, alertPath,
+              [this] {
+                  if (!alarm.Raised()) service.FollowAlertPath();
+              }}),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
       actions({store, clock, status, log, collection, entries, mail, outbox, trace, commands}),
@@ -118,12 +121,12 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       stopStart({person, status, switches, state, bFormLoading}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
       versionCheck(testHttp, person, pages, options.version),
-      service({*this, person, mainWindow, status, collection, settings, state, stopStart}, options),
+      service({*this, person, mainWindow, status, collection, settings, state, stopStart, alertPath}, options),
       alertDispatcher(NewDispatcher(*this, alertEsmtp, alertPlain, nullptr)),
       alertMails(
           alertDispatcher, timers, log, [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }, &outbox),
       mailProof({popSocket, clock, events, timers, files, guids, sound, alertDispatcher, safeguards, collection, status, log,
-                 [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }},
+                 alertPath, [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }},
                 options.dir),
       machineWatch({options.dir, clock, timers, store, person, files, collection, alertMails, log, safeguards}, events,
                    systemInfo, RunPorts::services),
@@ -163,6 +166,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
+    alertPath.OnProblem([this] { outbox.LookAtPath(); });
 }
 
 SendOutcome RunRooms::SendOrPost(const Notification& notification) {
