@@ -23,7 +23,7 @@ public:
         const Clock& clock;
         StatusLog& status;
         Log& log;
-        std::function<SendOutcome(const Notification& mail)> send;  ///< through the primary mail server or the backup
+        std::function<SendOutcome(const Notification& mail)> send;  ///< through the outbox, the primary mail server or the backup
         Safeguards& safeguards;
     };
 

@@ -221,7 +221,7 @@ void ServerActions::SendStartupNotice() {
         const ServerEntry& first = ports_.entries.Entries().front();
         const Notification notice{first["strEmailList1"], first["strEmailList2"], first["strEmailFrom"],
                                   "Korvane Just Started. This server is up.", StartupMail()};
-        if (ports_.outbox.IsOn() && ports_.outbox.Put(notice)) return ports_.outbox.Flush();
+        if (ports_.outbox.Post(notice)) return;
         const SendOutcome outcome = ports_.mail.SendThrough(MailServer::Primary, notice);
         if (!outcome.sent) LogError(kRoutine + "the notice could not be sent because '" + outcome.strError + "'.");
     } catch (const std::exception& error) {

@@ -118,9 +118,9 @@ void OwnNetwork::TellItIsBack() {
     for (const std::string& recipient : outage.people)
         people += (people.empty() ? "" : ";") + recipient;
     const SendOutcome outcome =
-        ports_.mail.SendWithBackup({people, "", outage.strFrom, "OWN NETWORK BACK UP",
-                                    "Time: " + ports_.clock.Now().Text() + "\r\n\r\n" + text + "\r\n\r\nIt was down since " +
-                                        outage.since.Text() + ": none of " + ports_.safeguards.Text(kKey) + " answered."});
+        ports_.send({people, "", outage.strFrom, "OWN NETWORK BACK UP",
+                     "Time: " + ports_.clock.Now().Text() + "\r\n\r\n" + text + "\r\n\r\nIt was down since " +
+                         outage.since.Text() + ": none of " + ports_.safeguards.Text(kKey) + " answered."});
     if (outcome.sent) return;
     ports_.log.WriteLog(kLogFatal, kLogError, "The mail about the own network FAILED because '" + outcome.strError + "'.");
 }

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -34,7 +35,7 @@ public:
         Log& log;
         const SettingsCollection& settings;
         Safeguards& safeguards;
-        Dispatcher& mail;
+        std::function<SendOutcome(const Notification& mail)> send;  ///< through the outbox, the primary mail server or the backup
     };
 
     explicit OwnNetwork(const Ports& ports) : ports_(ports) {}

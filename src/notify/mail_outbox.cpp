@@ -54,8 +54,11 @@ std::string OutboxState::Text() const {
                                              : std::to_string(waiting) + " mails wait";
     const std::string nobody =
         unnotified.empty() ? "" : " " + std::to_string(unnotified.size()) + " of the entries would notify nobody.";
-    return mails + " in the outbox. Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + "." +
-           nobody;
+    return mails + " in the outbox. " + PathText() + nobody + (problem.empty() ? "" : " Warning: " + problem + ".");
+}
+
+std::string OutboxState::PathText() const {
+    return "Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + ".";
 }
 
 MailOutbox::MailOutbox(const Ports& ports)
@@ -86,6 +89,12 @@ bool MailOutbox::Put(const Notification& mail, MailEvent event, std::int64_t idE
     taken.messageId = NewMessageId(ports_.guids, ports_.hostName());
     takenOver_.push_back({std::move(taken), Now()});
     Rearm();
+    return true;
+}
+
+bool MailOutbox::Post(const Notification& mail) {
+    if (!IsOn() || !Put(mail)) return false;
+    Flush();
     return true;
 }
 
@@ -411,8 +420,11 @@ void MailOutbox::Drop(const Item& item) {
 void MailOutbox::Changed() {
     Rearm();
     const std::size_t waiting = items_.size();
+    state_.problem = ports_.alertPath.Problem();
+    ports_.alertPath.SetProven(state_.PathText());
     if (std::exchange(state_.waiting, waiting) != waiting) ports_.status.setStatusMSG(state_.Text());
     ports_.person.SetMailState(state_.Text(), state_.IsAlarming());
+    ports_.changed();
 }
 
 }  // namespace korvane

@@ -19,6 +19,7 @@
 #include "platform/guid_source.h"
 #include "platform/own_program.h"
 #include "platform/timer.h"
+#include "store/alert_path.h"
 #include "store/log.h"
 #include "store/safeguards.h"
 #include "store/settings_collection.h"
@@ -34,11 +35,14 @@ struct OutboxState {
     std::optional<DateTime> lastProven;
     std::string lastError;                ///< empty after a success
     std::vector<std::string> unnotified;  ///< entries that would notify nobody
+    std::string problem;                  ///< of the alert path, for all entries
 
+    /// "Alert path last proven 11/21/2026 3:00:02 PM."
+    std::string PathText() const;
     /// "2 mails wait in the outbox. Alert path last proven 11/21/2026 3:00:02 PM."
     std::string Text() const;
     /// Returns whether somebody should look after it.
-    bool IsAlarming() const { return !unnotified.empty() || !lastError.empty() || givenUp > 0; }
+    bool IsAlarming() const { return !unnotified.empty() || !problem.empty() || !lastError.empty() || givenUp > 0; }
 };
 
 class MailOutbox {
@@ -56,6 +60,8 @@ public:
         Safeguards& safeguards;
         std::string dir;                        ///< folder of the database
         std::function<std::string()> hostName;  ///< of this machine, for the Message-ID
+        AlertPath& alertPath;
+        std::function<void()> changed;  ///< the state may be another one
     };
 
     explicit MailOutbox(const Ports& ports);
@@ -69,6 +75,10 @@ public:
     /// nobody; nothing waits then.
     bool Put(const Notification& mail, MailEvent event = MailEvent::Other, std::int64_t idEntry = 0, std::int64_t nOutage = 0);
 
+    /// Takes a mail over and writes it at once; from memory it goes out if the store refuses it. Returns false while the safeguard
+    /// is off, or when it names nobody. Throws nothing.
+    bool Post(const Notification& mail);
+
     /// Writes what was taken over inside the caller's transaction, which Commit then ends: the mails go out from then on, from
     /// memory if the store refused them. WriteWith throws nothing, Commit what CommitTrans throws.
     bool HasUnwritten() const { return !takenOver_.empty(); }
@@ -78,6 +88,10 @@ public:
     void Flush();
 
     const OutboxState& State() const { return state_; }
+    /// Called when the alert path has a new problem or is good again.
+    void LookAtPath() {
+        if (IsOn()) Changed();
+    }
 
 private:
     using Moment = std::chrono::milliseconds;  ///< of the tick count, which no change of the clock moves

@@ -118,6 +118,7 @@ void MailProof::Arrived() {
     const bool late = proof_.state == State::Overdue;
     proof_.state = State::Idle;
     Save();
+    ports_.alertPath.Proof(false);
     const std::string text = "ProveMail: the mail of the day came " + std::string(late ? "late, " : "") + "after " + after + ".";
     late ? Tell(text) : ports_.log.Info(text);
 }
@@ -125,6 +126,7 @@ void MailProof::Arrived() {
 void MailProof::Missing(const std::string& reason) {
     proof_.state = State::Overdue;
     Save();
+    ports_.alertPath.Proof(true);
     const std::string text = "ProveMail: the mail of the day has not come back, so alerts may not arrive. Server: " +
                              ports_.settings.getKvSettingsColVal("Server") + ". " + reason;
     Tell(text);
@@ -164,6 +166,7 @@ void MailProof::Load() {
         for (const State state : {State::Waiting, State::Overdue}) {
             if (values["state"] == kStates[static_cast<int>(state)]) proof_.state = state;
         }
+        ports_.alertPath.Proof(proof_.state == State::Overdue);
     });
 }
 

@@ -12,6 +12,7 @@
 #include "platform/guid_source.h"
 #include "platform/sound.h"
 #include "platform/timer.h"
+#include "store/alert_path.h"
 #include "store/log.h"
 #include "store/safeguards.h"
 #include "store/settings_collection.h"
@@ -34,6 +35,7 @@ public:
         const SettingsCollection& settings;
         StatusLog& status;
         Log& log;
+        AlertPath& alertPath;
         std::function<bool()> busy;  ///< a check or a mail is under way; it is waited for, a minute at most
     };
 

@@ -184,6 +184,7 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     }
     table += averages.Row();
     table += kTableEnd;
+    if (const std::string proven = publication.alertPath.Proven(); !proven.empty()) table += "\r\n<br>" + proven;
     folder.Write(groupFolder + "/summary.htm",
                  folder.Merge(kSummaryTemplate, {table, total, publication.outside.Text(strGroup)}));
     folder.EnsurePictures();

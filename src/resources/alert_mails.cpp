@@ -27,8 +27,7 @@ void AlertMails::Alert(const Notification& mail) {
 }
 
 void AlertMails::Send(const Notification& mail, std::function<void()> done) {
-    if (outbox_ != nullptr && outbox_->IsOn() && outbox_->Put(mail)) {
-        outbox_->Flush();
+    if (outbox_ != nullptr && outbox_->Post(mail)) {
         if (done) done();
         return;
     }

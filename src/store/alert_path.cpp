@@ -14,10 +14,15 @@ std::string AlertPath::WarningOf(Recordset& entry) const {
         const bool nobody = isBlank("strEmailList1") && isBlank("strEmailList2");
         if (nobody || server == nullptr || Trim(*server).empty())
             warning = "notifies nobody";
-        else if (testFailed_)
-            warning = "test mail failed";
+        else
+            warning = Problem();
     });
     return warning;
+}
+
+std::string AlertPath::Problem() const {
+    if (testFailed_) return "test mail failed";
+    return proofOverdue_ && safeguards_.IsOn("ProveMail") ? "mail proof overdue" : "";
 }
 
 }  // namespace korvane

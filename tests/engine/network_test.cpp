@@ -76,6 +76,15 @@ TEST(OwnNetwork, NoEntryIsBlamedAndOneMailTellsWhenItIsBack) {
     EXPECT_TRUE(Holds(alone.mail.mails[1].text, "OWN NETWORK BACK UP") && Holds(alone.mail.mails[1].text, "since 11/21/2026"));
     EXPECT_EQ(alone.mail.mails[1].recipients, Texts{"<b@x>"});
     EXPECT_EQ(alone.Of(1, "strCurStatus"), "DOWN");
+    alone.Set("MailOutbox", "True");
+    alone.gateway.Down();
+    alone.RunFor(5min);
+    alone.gateway.Up();
+    alone.RunFor(90s);
+    EXPECT_GT(alone.ownProgram.started, 0);
+    EXPECT_EQ(std::count_if(alone.mail.mails.begin(), alone.mail.mails.end(),
+                            [](auto& mail) { return Holds(mail.text, "OWN NETWORK BACK UP"); }),
+              4);
 }
 
 TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {

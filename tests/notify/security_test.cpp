@@ -189,6 +189,7 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_TRUE(Holds(w.backup.mails[0].text, alarm) && Holds(w.backup.mails[0].text, "It is not in the mailbox."));
     EXPECT_TRUE(w.Logged("# " + alarm));
     EXPECT_EQ(w.sound.played, Lines{"red.wav"});
+    EXPECT_EQ(w.run.TheDesk().alertPath.Problem(), "mail proof overdue");
 
     // A restart neither sends the mail of the day again nor forgets that it is missing.
     ProofWorld restarted(w.Text("kvproof.dat"), DateTime::Of(2026, 11, 22, 18, 0, 0));
@@ -197,7 +198,7 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_EQ(restarted.deleted, Lines{"DELE 2"});
     EXPECT_EQ(restarted.mail.mails.size(), 2u);
     EXPECT_TRUE(restarted.Logged("ProveMail: the mail of the day came late, after "));
-    EXPECT_TRUE(restarted.backup.mails.empty());
+    EXPECT_TRUE(restarted.backup.mails.empty() && restarted.run.TheDesk().alertPath.Problem().empty());
 }
 
 }  // namespace

@@ -342,10 +342,7 @@ TEST_F(ReportsTest, EventsComeBetweenServersAndFindTheStoreFree) {
     const auto event = [&] {
         ++events;
         EXPECT_EQ(Publish(), "The reports are being published already.");
-        const auto connection = other.NewConnection();
-        connection->SetConnectionString(world.rows.DriverString());
-        connection->Open();
-        connection->TryWriting();
+        TestDatabase(world.home, other).Connected()->TryWriting();
     };
     person.heard = [&] { world.world.After(seconds(0), event); };
     EXPECT_EQ(Publish(), "");

@@ -104,6 +104,11 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     w.answers = {true};
     w.desk.mail.TestEmail("a@b.c", "", false, "", "", "", "", "", "a@b.c", [](bool) {});
     EXPECT_EQ(shown(), "UP, test mail failed!!");
+    EXPECT_FALSE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "Alert path"));
+    w.Set("MailOutbox", "True");
+    w.desk.alertPath.TestMail(false);
+    EXPECT_TRUE(w.desk.outbox.State().IsAlarming() && shown() == "UP, test mail failed!!");
+    EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
     w.Set("Server", " ");
     EXPECT_EQ(shown(), "UP, notifies nobody!!");
 }

@@ -134,6 +134,9 @@ TEST(Service, ObeysItsManagerAndStartsWhenItsInstallerHasEndedUnlessItWasRemoved
     mode.Pause(), mode.Continue(), mode.Continue(), mode.Stop();
     w.serviceManager.shuttingDown = true;
     mode.Stop(), mode.Stop(true);  // frozen: the manager is not asked what the stop is for
+    w.Set("MailOutbox", "True");
+    w.desk.outbox.Post({"a@x", "", "", "", ""});
+    w.RunFor(9s);
     w.Set("ReportPath", "/var/www/reports/");
     mode.HandOver(), mode.InstallService("K", true), mode.InstallService("K", true);
     EXPECT_EQ(w.serviceManager.program.folders, Texts{"/var/www/reports"});
@@ -142,7 +145,7 @@ TEST(Service, ObeysItsManagerAndStartsWhenItsInstallerHasEndedUnlessItWasRemoved
     w.heard.insert(w.heard.end(), w.serviceManager.asked.begin(), w.serviceManager.asked.end());
     EXPECT_EQ(
         w.Heard() + std::to_string(w.exits),
-        R"(Service Started.; READY; Service Paused.; ALIVE; ALIVE; Service Already Paused.; Service Continuing (monitoring again); Service Still Continuing.; STOPPING; Service Stopped.; STOPPING; Service Shutting Down. Monitoring stopping; Service Stopped.; STOPPING; Service Stopped.; install K; install K; update Korvane; start K; uninstall K of ~; 3)");
+        R"(Service Started.; READY; Service Paused.; ALIVE; ALIVE; Service Already Paused.; Service Continuing (monitoring again); Service Still Continuing.; STOPPING; Service Stopped.; STOPPING; Service Shutting Down. Monitoring stopping; Service Stopped.; STOPPING; Service Stopped.; Service Stopped. Alert path not yet proven.; Service Stopped. Alert path last proven 11/21/2026 3:05:02 PM.; install K; install K; update Korvane; start K; uninstall K of ~; 3)");
 }
 
 }  // namespace korvane::start_test

@@ -81,10 +81,15 @@ public:
     /// Without a "/" at its end.
     const std::string& Folder() const { return path_; }
     std::string Path() const { return Folder() + "/kvdata2.mdb"; }
-    /// The two forms that the program uses.
     std::string DriverString() const { return "DRIVER={SQLite};DBQ=" + Path() + ";DefaultDir=" + Folder() + "/;UID=admin;PWD=;"; }
-    std::string ProviderString() const { return "Provider=SQLite; Data Source=" + Path() + ";Persist Security Info=False;"; }
     Store& TheStore() { return used_; }
+    /// A new connection that is open.
+    std::unique_ptr<Connection> Connected() {
+        auto connection = used_.NewConnection();
+        connection->SetConnectionString(DriverString());
+        connection->Open();
+        return connection;
+    }
 
     /// Adds the entry and gives its id.
     std::int64_t Add(const Entry& entry) { return AddMany({entry}); }
@@ -165,9 +170,7 @@ private:
         });
     }
     void With(const std::string& query, CursorType cursor, const std::function<void(Recordset&)>& work) {
-        const auto connection = used_.NewConnection();
-        connection->SetConnectionString(DriverString());
-        connection->Open();
+        const auto connection = Connected();
         const auto rs = used_.NewRecordset();
         rs->Open(query, *connection, cursor, LockType::Optimistic);
         work(*rs);

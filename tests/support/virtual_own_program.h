@@ -24,12 +24,11 @@ class VirtualOwnProgram : public OwnProgram {
 public:
     VirtualOwnProgram(VirtualWorld& world, VirtualNet& net) : world_(world), net_(net) {}
 
-    bool missing = false;  ///< no child can be started
-    bool hangs = false;    ///< children say nothing more
+    bool hangs = false;  ///< children say nothing more
     int started = 0;
 
     std::unique_ptr<Work> Start(const std::string& word, const std::string& input, Listener listener) override {
-        if (missing || word != kSendMail) throw Error("This program cannot be started once more.");
+        if (word != kSendMail) throw Error("This program cannot be started once more.");
         ++started;
         return std::make_unique<Child>(*this, input, std::move(listener));
     }

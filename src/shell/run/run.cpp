@@ -67,7 +67,10 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       outbox({store, clock, timers, guids, ownProgram, person, status, log, collection, safeguards, options.dir,
-              [this] { return sckesmtp.LocalHostName(); }}),
+              [this] { return sckesmtp.LocalHostName(); }, alertPath,
+              [this] {
+                  if (!alarm.Raised()) service.FollowAlertPath();
+              }}),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
       actions({store, clock, status, log, collection, entries, mail, outbox, trace, commands}),
@@ -82,13 +85,13 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      network({echo, networkSocket, clock, events, status, log, collection, safeguards, mail}),
+      network({echo, networkSocket, clock, events, status, log, collection, safeguards,
+               [this](const Notification& notification) { return SendOrPost(notification); }}),
       accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox}),
       alarm({person, status, log, serviceManager}),
       kept({store, clock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
       badEntries({store, clock, status, log, safeguards, kept, OdbcConnectionText(options.dir)}),
-      blind({clock, status, log, [this](const Notification& notification) { return mail.SendWithBackup(notification); },
-             safeguards}),
+      blind({clock, status, log, [this](const Notification& notification) { return SendOrPost(notification); }, safeguards}),
       cycle({store,
              clock,
              events,
@@ -118,12 +121,12 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       stopStart({person, status, switches, state, bFormLoading}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
       versionCheck(testHttp, person, pages, options.version),
-      service({*this, person, mainWindow, status, collection, settings, state, stopStart}, options),
+      service({*this, person, mainWindow, status, collection, settings, state, stopStart, alertPath}, options),
       alertDispatcher(NewDispatcher(*this, alertEsmtp, alertPlain, nullptr)),
       alertMails(
           alertDispatcher, timers, log, [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }, &outbox),
       mailProof({popSocket, clock, events, timers, files, guids, sound, alertDispatcher, safeguards, collection, status, log,
-                 [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }},
+                 alertPath, [this] { return mail.Sending() || TimerMonitorDB->Ticking(); }},
                 options.dir),
       machineWatch({options.dir, clock, timers, store, person, files, collection, alertMails, log, safeguards}, events,
                    systemInfo, RunPorts::services),
@@ -163,6 +166,12 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
+    alertPath.OnProblem([this] { outbox.LookAtPath(); });
+}
+
+SendOutcome RunRooms::SendOrPost(const Notification& notification) {
+    if (outbox.Post(notification)) return {.sent = true, .strError = {}};
+    return mail.SendWithBackup(notification);
 }
 
 void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& text) {

@@ -30,6 +30,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Stops monitoring if it is on.
     void StopMonitor();
+    /// Hands the mail to the outbox; while that is off, sends it through the primary server or the backup, and waits as mails do.
+    SendOutcome SendOrPost(const Notification& notification);
     /// Sends a mail to the recipients of the first entry, later and once.
     void MailToFirstEntry(const std::string& subject, const std::string& text);
 

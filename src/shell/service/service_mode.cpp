@@ -53,7 +53,17 @@ void ServiceMode::ShowMarks() {
 
 void ServiceMode::Tell(const std::string& text) {
     ports_.status.setStatusMSG(text);
-    ports_.system.serviceManager.Status(text);
+    told_ = text;
+    TellManager();
+}
+
+void ServiceMode::TellManager() {
+    path_ = ports_.alertPath.Proven();
+    ports_.system.serviceManager.Status(told_ + (path_.empty() ? "" : " " + path_));
+}
+
+void ServiceMode::FollowAlertPath() {
+    if (runningAsService_ && path_ != ports_.alertPath.Proven()) TellManager();
 }
 
 // ---- the life of this process

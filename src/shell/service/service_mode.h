@@ -13,6 +13,7 @@
 #include "engine/stop_start.h"
 #include "shell/run/ports.h"
 #include "shell/service/service_texts.h"
+#include "store/alert_path.h"
 #include "store/settings.h"
 
 namespace korvane {
@@ -28,6 +29,7 @@ public:
         Settings& settings;
         const CycleState& state;
         StopStart& stopStart;
+        const AlertPath& alertPath;
     };
 
     ServiceMode(const Ports& ports, const RunOptions& options) : ports_(ports), options_(options) {}
@@ -40,6 +42,8 @@ public:
     bool RunningAsService() const { return runningAsService_; }
     /// Called when start-up is complete: notifies the manager, and handles the requests that came meanwhile.
     void Loaded();
+    /// Called when the alert path may have been proven: the manager's status says when, after the last text.
+    void FollowAlertPath();
     /// A program that ends starts the service that it has installed, which had to wait for the home. Must be called last, when
     /// everything is saved; waits 3 s at most.
     void HandOver();
@@ -97,6 +101,7 @@ private:
     void WatchOverLife();
     void SetMonitoring(bool on);
     void Tell(const std::string& text);
+    void TellManager();
     std::string Named(const std::string& text) const;
     std::string WithWords(const std::string& text) const;
     void Show(const std::string& text);
@@ -108,6 +113,8 @@ private:
     Ports ports_;
     const RunOptions& options_;
     std::unique_ptr<Timer> TimerAlive_;
+    std::string told_;  ///< the last text to the manager, and then what it says about the alert path
+    std::string path_;
     ManagerAnswer answer_;      ///< to the last installation or removal
     std::string startAtEnd_;    ///< the service that was installed here and waits for the home
     std::optional<bool> wish_;  ///< of the manager, before start-up is complete: whether to monitor
