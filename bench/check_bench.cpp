@@ -120,18 +120,18 @@ struct Machine {
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
     RequestProgress progress{{events, person, cycleState, *TimerProgress}};
-    Safeguards safeguards{settings, log, status};
     EntrySafeguards ofEntries{database.TheStore(), database.DriverString()};
     HttpRequester http{{settings, safeguards, events, clock, progress}};
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
-    QtTcpSocket networkSocket, sckesmtp, plainSocket;
+    QtTcpSocket networkSocket;
+    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards,
+                        [](const Notification&) { return SendOutcome{}; }}};
     LinuxGuidSource guids;
-    Dispatcher mail{{sckesmtp, plainSocket, clock, events, person, files, guids, status, log, settings, safeguards, [] {}}, {}};
-    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards, mail}};
     LinuxOwnProgram ownProgram{events};
+    AlertPath alertPath{safeguards, settings};
     MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, person, status, log, settings, safeguards,
-                       database.Folder(), [] { return std::string("bench"); }}};
+                       database.Folder(), [] { return std::string("bench"); }, alertPath, [] {}}};
     OutcomeAccounting accounting{
         {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network, safeguards, outbox}};
     RecordingServiceManager manager;

@@ -46,14 +46,13 @@ void ListServices(benchmark::State& state) {
     NeedQtApplication();
     QtEvents events;
     SystemClock clock;
-    std::vector<ServiceBus::Unit> units;
-    std::vector<ServiceBus::UnitFile> files;
+    QStringList units, files;
     for (int i = 0; i < state.range(0); ++i) {
-        const std::string name = "service" + std::to_string(i) + ".service";
-        if (i % 2 == 0) units.push_back({name, "loaded", "active"});
-        files.push_back({"/usr/lib/systemd/system/" + name, "enabled"});
+        const QString name = "service" + QString::number(i) + ".service";
+        if (i % 2 == 0) units << name + " loaded active";
+        files << "/usr/lib/systemd/system/" + name + " enabled";
     }
-    const ServiceBus bus(ServiceBus::Manager::Answers, units, files);
+    const ServiceBus bus(units + files);
     SystemdServices services(events, bus.Address());
     for (auto _ : state) {
         std::size_t count = 0;
