@@ -70,6 +70,19 @@ std::string SettingsFilePath(const std::string& dir) {
     return dir + "/kvurlwatchn.ini";
 }
 
+void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
+                    IniFile& file) {
+    collection.setKvSettingsColValue(key, file.Read(section, key, defaultValue));
+}
+
+std::string GetSettingCol(const SettingsCollection& collection, std::string_view key) {
+    return collection.getKvSettingsColVal(key);
+}
+
+void SetSettingCol(SettingsCollection& collection, std::string_view key, std::string value) {
+    collection.setKvSettingsColValue(key, std::move(value));
+}
+
 Settings::Settings(const Ports& ports, std::string dir) : ports_(ports), dir_(std::move(dir)) {
     IgnoreErrors([&] { fileExistedAtStart_ = ports_.files.Exists(GetSettingsFile()); });
 }
@@ -87,7 +100,7 @@ void Settings::setUniqueid(const std::string& id) {
 void Settings::ReadInGlobalSettings() {
     problemOfFile_ = ports_.file.Problem();
     for (const ReadStep& step : kReadSteps) {
-        ports_.collection.setKvSettingsColValue(step.key, ports_.file.Read(kSettingsSection, step.key, DefaultOf(step)));
+        ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
         if (step.then != nullptr) (this->*step.then)();
     }
     ReadSafeguards();

@@ -36,6 +36,13 @@ public:
     virtual void SetHeight(int) {}
 };
 
+/// The common read: the value of the file replaces that of the collection. A missing file or key is not an error.
+void ReadSettingCol(SettingsCollection& collection, std::string_view key, std::string_view defaultValue, std::string_view section,
+                    IniFile& file);
+/// The operations of the collection for code outside the main window.
+std::string GetSettingCol(const SettingsCollection& collection, std::string_view key);
+void SetSettingCol(SettingsCollection& collection, std::string_view key, std::string value);
+
 class Settings {
 public:
     /// Holds references; everything must outlive this. `file` is `<dir>/kvurlwatchn.ini`.
