@@ -1,5 +1,5 @@
-// What the environment of this process defines: variables, folders according to the "XDG Base Directory Specification" 0.8 of
-// freedesktop.org, and the web proxy of the session.
+// What the environment of this process defines: variables, the XDG base directories of freedesktop.org (version 0.8), and the
+// web proxy of the session.
 #pragma once
 
 #include <functional>
