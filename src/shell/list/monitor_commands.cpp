@@ -9,7 +9,6 @@
 #include "engine/machine_restart.h"
 #include "engine/server_table.h"
 #include "platform/operator.h"
-#include "shell/run/message_title.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
 #include "store/schema.h"

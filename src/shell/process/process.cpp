@@ -31,10 +31,10 @@
 #include "platform/linux/program_runner.h"
 #include "platform/linux/systemd_manager.h"
 #include "platform/linux/systemd_services.h"
+#include "platform/operator.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/sql_store.h"
-#include "shell/run/message_title.h"
 #include "shell/run/terminal_operator.h"
 #include "store/schema.h"
 

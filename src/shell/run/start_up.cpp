@@ -6,7 +6,7 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "engine/server_table.h"
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 #include "shell/run/run.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"

@@ -7,9 +7,9 @@
 
 #include "base/raised_flag.h"
 #include "base/text.h"
+#include "platform/operator.h"
 #include "shell/entry/entry_hints.h"
 #include "shell/entry/fresh_entry.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 
