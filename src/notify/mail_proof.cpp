@@ -49,6 +49,10 @@ MailProof::MailProof(const Ports& ports, const std::string& dir)
     timer_->OnTick([this] { IgnoreErrors([this] { Look(); }); });
 }
 
+void MailProof::Follow() {
+    timer_->SetEnabled(ports_.safeguards.IsOn(kKey));
+}
+
 void MailProof::Look() {
     if (working_) return;
     timer_->SetInterval(kPeriod);

@@ -115,7 +115,7 @@ TEST(MachineWatchTest, WatchesFromTheStartByTheFilesAndAlertsOnce) {
     world.Write("DiskMon.dat", "ALERT_AT=10\nEMAIL=disks@x.y");
     EXPECT_EQ(mailsTo("disks@", 7min), 1);
     world.Set(kWatchMachine, "False");
-    world.run.TheDesk().machineWatch.Follow();
+    world.run.TheDesk().followSafeguards();
     EXPECT_EQ(mailsTo("disks@", 12min), 0);
     EXPECT_EQ(mailsTo("services@", 1min), 1) << "by the window again";
 }

@@ -158,7 +158,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            versionCheck,
            service,
            alertMails,
-           machineWatch,
+           [this] { FollowSafeguards(); },
            conversationWindow,
            testHttp,
            testTcp,
@@ -182,6 +182,13 @@ void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& t
         if (first->Eof() || Trim(column("strEmailList1") + column("strEmailList2")).empty()) return;
         alertMails.Alert({column("strEmailList1"), column("strEmailList2"), column("strEmailFrom"), subject, text});
     });
+}
+
+void RunRooms::FollowSafeguards() {
+    mailProof.Follow();
+    heartbeat.Follow();
+    machineWatch.Follow();
+    TimerCopies->SetEnabled(rescue.IsOn());
 }
 
 void RunRooms::StopMonitor() {

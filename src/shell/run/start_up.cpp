@@ -243,13 +243,10 @@ Run::Started Run::StartUp() {
     run.log.Info("frmMonitor:Form_Load: calling Form_Resize");
     run.mainWindow.Form_Resize();
     run.Timer2->SetEnabled(true);
-    run.mailProof.Start();
-    run.heartbeat.Begin();
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
-    run.machineWatch.Follow();
-    run.TimerCopies->SetEnabled(true);
+    run.FollowSafeguards();
     run.service.Loaded();
     return Started::Running;
 }
