@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view kRestoreDatabase = "RestoreDatabase";
-constexpr int kLooks = 20;
+constexpr auto kLongestLock = 10s;
 constexpr auto kBetweenLooks = 500ms;
 /// A full disk or a database without entries is not looked at every few seconds.
 constexpr auto kRest = 10min;
@@ -51,7 +51,8 @@ void DatabaseRescue::BeforeTheStart() {
     if (!IsOn()) return;
     State state = Look();
     if (state == State::Locked) Tell("The database is locked by another program and is waited for.");
-    for (int look = 1; state == State::Locked && look < kLooks; ++look) {
+    for (const auto end = ports_.clock.GetTickCount() + kLongestLock;
+         state == State::Locked && ports_.clock.GetTickCount() < end;) {  // a look itself waits for the store
         WaitFor(ports_.events, ports_.clock, kBetweenLooks, [] { return false; });
         state = Look();
     }
