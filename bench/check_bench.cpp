@@ -115,7 +115,7 @@ struct Machine {
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
-    Safeguards safeguards{settings, log, status};
+    Safeguards safeguards{settings, clock, log, status};
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");

@@ -1,7 +1,7 @@
 #include "store/safeguards.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 #include "base/text.h"
 
@@ -42,6 +42,9 @@ constexpr Safeguard kSafeguards[] = {
     {"HidePasswords", Switch, kOn, "notify", "No password is shown in the status log."},
     {"SameHostRedirects", Switch, kOn, "engine", "A monitored server cannot redirect a check to another host."},
 };
+
+/// For a sentence that was written to the log.
+constexpr std::chrono::hours kSilence{1};
 
 /// These keys mean nothing on their own.
 constexpr std::string_view kRefining[] = {"SMTPPort1",     "SMTPPort2",     "SMTPAuthority", "ProveMailTime", "ProveMailTo",
@@ -194,10 +197,21 @@ void Safeguards::TellProblems() {
 
 void Safeguards::Acted(std::string_view key, const std::string& what) {
     ++counts_[std::string(key)];
-    std::string& last = lastWritten_[std::string(key)];
-    if (last == what) return;
-    last = what;
-    log_.Info("Safeguard " + std::string(key) + ": " + what);
+    std::string line = "Safeguard " + std::string(key) + ": " + what;
+    const auto now = clock_.GetTickCount();
+    const auto written = written_.find(line);
+    if (written != written_.end() && now - written->second < kSilence) return;
+    log_.Info(line);
+    std::erase_if(written_, [&](const auto& each) { return now - each.second >= kSilence; });
+    written_.insert_or_assign(std::move(line), now);
+}
+
+std::string Safeguards::CountsText() const {
+    std::string counts;
+    for (const auto& [key, count] : counts_)
+        counts += (counts.empty() ? " " : ", ") + key + " " + std::to_string(count);
+    return counts.empty() ? "No safeguard has acted since the start of Korvane."
+                          : "How often safeguards have acted since the start of Korvane:" + counts + ".";
 }
 
 }  // namespace korvane

@@ -1,12 +1,15 @@
 // The table of safeguards: what an operator may write, and that a key that is not written leaves no trace.
 #include <gtest/gtest.h>
 
+#include "shell/options/safeguard_inputs.h"
 #include "store/entry_safeguards.h"
 #include "store/safeguards.h"
 #include "support/world.h"
 
 namespace korvane {
 namespace {
+
+using namespace std::chrono_literals;
 
 TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     World world({.settings = "CatchUp=true\nOwnNetwork=10.0.0.1; a b\nHeartbeat=ftp://x\nSMTPSecurity1=ssl\nSMTPPort1=65536\n"
@@ -39,12 +42,37 @@ TEST(SafeguardTable, ANewHomeBeginsWithTheRecommendedOnes) {
     EXPECT_TRUE(guards.IsOn("RestoreDatabase") && guards.Text("OwnNetwork").empty());
 }
 
-TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgain) {
-    World world({.settings = "catchup=True"});
+TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgainAndAsTheyWereUnlessTheOperatorChangesThem) {
+    World world({.settings = "catchup=True\nGuardClock=true\nEscapeReports=True"});
     world.Start();
+    const Desk& desk = world.run.TheDesk();
+    SafeguardValues shown = SafeguardsFromSettings(desk.collection);
+    shown["GuardClock"] = shown["EscapeReports"] = shown["HidePasswords"] = "False";  // marks that are not set
+    SetSafeguards(desk, shown);
     world.run.mnuExit_Click();
+    const std::string file = ToLower(world.Text("kvurlwatchn.ini"));
+    for (const auto& [key, line] : {std::pair("catchup", "=true"), {"guardclock", "=true"}, {"escapereports", "=false"}})
+        EXPECT_TRUE(Holds(file, std::string("\n") + key + line + "\n")) << file;
     for (const Safeguard& safeguard : AllSafeguards())
-        EXPECT_EQ(Holds(ToLower(world.Text("kvurlwatchn.ini")), "\n" + ToLower(safeguard.key) + "="), safeguard.key == "CatchUp");
+        EXPECT_EQ(Holds(file, "\n" + ToLower(safeguard.key) + "="), desk.collection.Find(safeguard.key) != nullptr);
+}
+
+TEST(SafeguardTable, SentencesThatAlternateAreWrittenOnceAnHourAndWithoutKeysNoTimerRuns) {
+    World world;
+    world.Start();
+    world.RunFor(3s);
+    EXPECT_EQ(world.world.Pending(), 1u) << "the cycle";
+    for (int second = 0; second < 3599; second += 10, world.RunFor(10s))
+        world.run.TheDesk().safeguards.Acted("CatchUp", second % 20 == 0 ? "A." : "B.");
+    const auto told = [&] {
+        const auto texts = world.LogTexts();
+        return std::count_if(texts.begin(), texts.end(), [](auto& text) { return Holds(text, "Safeguard CatchUp: "); });
+    };
+    EXPECT_EQ(told(), 2);
+    world.run.TheDesk().safeguards.Acted("CatchUp", "A.");
+    EXPECT_EQ(told(), 3);
+    EXPECT_EQ(world.run.TheDesk().safeguards.CountsText(),
+              "How often safeguards have acted since the start of Korvane: CatchUp 361.");
 }
 
 TEST(EntrySafeguards, TheirTableIsMadeByTheFirstValueAndHoldsOneForEachKeyOfAnEntry) {

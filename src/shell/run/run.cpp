@@ -44,7 +44,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                 [this] { service.StartService(); }},
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
-      safeguards(collection, log, status),
+      safeguards(collection, clock, log, status),
       hiddenPasswords(safeguards, collection),
       alertPath(safeguards, collection),
       rescue({store, files, clock, events, log, status, safeguards,
