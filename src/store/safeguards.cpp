@@ -142,8 +142,9 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
 
 std::string Safeguards::Text(std::string_view key) const {
     const std::string* value = settings_.Find(key);
-    if (FindSafeguard(key) == nullptr || value == nullptr || !Problem(key).empty()) return "";
-    return Trim(*value);
+    if (value == nullptr) return "";  // this is asked at each check
+    const Safeguard* safeguard = FindSafeguard(key);
+    return safeguard == nullptr || !ProblemOf(*safeguard, *value).empty() ? "" : Trim(*value);
 }
 
 bool Safeguards::IsOn(std::string_view key) const {
