@@ -1,7 +1,6 @@
 #include "store/safeguards.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "base/text.h"
 
@@ -198,13 +197,13 @@ void Safeguards::TellProblems() {
 
 void Safeguards::Acted(std::string_view key, const std::string& what) {
     ++counts_[std::string(key)];
-    std::string line = "Safeguard " + std::string(key) + ": " + what;
+    const std::string line = "Safeguard " + std::string(key) + ": " + what;
     const auto now = clock_.GetTickCount();
     const auto written = written_.find(line);
     if (written != written_.end() && now - written->second < kSilence) return;
-    log_.Info(line);
     std::erase_if(written_, [&](const auto& each) { return now - each.second >= kSilence; });
-    written_.insert_or_assign(std::move(line), now);
+    written_.emplace(line, now);
+    log_.Info(line);  // the last step: a safeguard that hides a part of the line acts again
 }
 
 std::string Safeguards::CountsText() const {

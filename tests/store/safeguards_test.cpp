@@ -58,6 +58,10 @@ TEST(SafeguardTable, SentencesThatAlternateAreWrittenOnceAnHourAndWithoutKeysNoT
     const auto texts = world.LogTexts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "Safeguard CatchUp: A."), 2);
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "Safeguard CatchUp: B."), 1);
+    world.Set("HidePasswords", "True");
+    world.Set("SMTPPass1", "text");
+    world.run.TheDesk().log.Info("A text.");
+    EXPECT_TRUE(world.Logged("Safeguard HidePasswords: A password was taken out of a [not shown].")) << "once";
 }
 
 TEST(EntrySafeguards, TheirTableIsMadeByTheFirstValueAndHoldsOneForEachKeyOfAnEntry) {

@@ -34,7 +34,8 @@ public:
     explicit Heartbeat(const Ports& ports);
 
     /// Called at the start and after each change of the settings. While the key has an address, monitoring is on, and the cycle has
-    /// ticked in the last minute, a request is sent each minute; without an address no timer runs. It is given up after 30 seconds; redirects are not followed, and the page is not kept. The first failure is
+    /// ticked in the last minute, a request is sent each minute; without an address no timer runs. A request is given up after 30
+    /// seconds; redirects are not followed, and the page is not kept. The first failure is
     /// logged, and the first success after it.
     void Follow();
     /// Drops a running request.
