@@ -139,7 +139,7 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
 
 std::string Safeguards::Text(std::string_view key) const {
     const std::string* value = settings_.Find(key);
-    if (FindSafeguard(key) == nullptr || value == nullptr || !Problem(key).empty()) return "";
+    if (value == nullptr || FindSafeguard(key) == nullptr || !Problem(key).empty()) return "";
     return Trim(*value);
 }
 

@@ -12,6 +12,7 @@
 namespace korvane {
 namespace {
 
+using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
 /// A server that takes mail under TLS, offers `offers` before it, and answers STARTTLS with `answer`.
@@ -132,6 +133,8 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
              {"535 s3cret is wrong; czNjcmV0", "535 [not shown] is wrong; [not shown]"},
              {"Requesting 'PASS my word'", "Requesting 'PASS [not shown]'"},
              {"steps '+OK,USER x,pass it's,+OK' worked", "steps '+OK,USER x,pass [not shown],+OK' worked"},
+             {"'+OK,AUTH LOGIN,334,dXNl,334,cGFz,235' and 'auth plain,334,cGFz'",
+              "'+OK,AUTH LOGIN,334,[not shown],334,[not shown],235' and 'auth plain,334,[not shown]'"},
              {"'a1 LOGIN bob word'", "'a1 LOGIN [not shown]'"},
              {"getting 'http://u:p@w@h:80/x@y'", "getting 'http://u:[not shown]@h:80/x@y'"},
              {"it will pass abc to http://h:80/ at 5:00", "it will pass abc to http://h:80/ at 5:00"}}) {
@@ -140,7 +143,12 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
         EXPECT_EQ(world.person.StatusTexts().back(), shown);
         EXPECT_EQ(world.LogTexts().back(), shown);
     }
-    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 12u);
+    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 14u);
+    world.net.Host("10.0.0.9").Port(25).Speak("220\r\n").Answer([](auto&) { return "334 235\r\n"; });
+    EXPECT_EQ(desk.tcp.DoTCPRequest("10.0.0.9", "220,AUTH LOGIN,334,dXNl,334,cGFz,235,QUIT,3", 20s, "25").strReason, "");
+    EXPECT_EQ(world.person.StatusTexts().end()[-3], "Requesting 'QUIT'");
+    for (const std::string& text : world.person.StatusTexts())
+        EXPECT_FALSE(Holds(text, "dXNl") || Holds(text, "cGFz")) << text;
     world.Set("HidePasswords", "");
     desk.status.setStatusMSG("PASS s3cret");
     EXPECT_EQ(world.person.StatusTexts().back(), "PASS s3cret");
@@ -170,7 +178,6 @@ struct ProofWorld : World {
 };
 
 TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
-    using namespace std::chrono_literals;
     ProofWorld w;
     w.RunFor(9min);
     EXPECT_TRUE(w.mail.mails.empty());
