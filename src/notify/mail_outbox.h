@@ -68,8 +68,9 @@ public:
 
     bool IsOn() const { return ports_.safeguards.IsOn("MailOutbox"); }
 
-    /// Called once the database is there: continues with what waits from earlier runs. Does nothing while the safeguard is off.
-    void Start();
+    /// Called once the database is there, and when the settings have changed: continues with what waits, also from earlier runs, or
+    /// stops at once. Does nothing if the safeguard was never on.
+    void Follow();
 
     /// Takes a mail over. It is written by the next WriteWith, or by itself after some seconds. Returns false when it names
     /// nobody; nothing waits then.
@@ -86,6 +87,10 @@ public:
     void Commit(Connection& conn);
     /// The same in a transaction of its own. Throws nothing.
     void Flush();
+
+    /// Called when an older copy has taken the place of the database: a mail whose row is gone goes out from memory, and says that its
+    /// text is lost.
+    void FollowRestoredDatabase();
 
     const OutboxState& State() const { return state_; }
     /// Called when the alert path has a new problem or is good again.
@@ -128,6 +133,8 @@ private:
         std::unique_ptr<OwnProgram::Work> work = {};
     };
 
+    void Load();
+    void Rest();
     void Settle(bool committed);
     void timer_Timer();
     void Rearm();
@@ -159,6 +166,7 @@ private:
     Ports ports_;
     OutboxTable table_;
     std::unique_ptr<Timer> timer_;
+    bool loaded_ = false;  ///< what waits from earlier runs
     std::vector<Unwritten> takenOver_;
     std::list<Item> items_;  ///< in order of creation
     std::optional<Round> round_;

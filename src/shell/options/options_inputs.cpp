@@ -146,6 +146,7 @@ std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields&
     SetSafeguards(desk, safeguards);
     WriteToFile(desk);
     desk.safeguards.TellProblems();
+    desk.outbox.Follow();
     desk.machineWatch.Follow();
     return std::nullopt;
 }

@@ -48,7 +48,10 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       hiddenPasswords(safeguards, collection),
       alertPath(safeguards, collection),
       rescue({store, files, clock, events, log, status, safeguards,
-              [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
+              [this](const std::string& text) {
+                  outbox.FollowRestoredDatabase();
+                  MailToFirstEntry("Korvane: the database was brought back", text);
+              }},
              options.dir),
       ofEntries(store, OdbcConnectionText(options.dir)),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),

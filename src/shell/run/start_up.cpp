@@ -233,7 +233,7 @@ Run::Started Run::StartUp() {
         return Started::CannotGoOn;
     }
     PrepareEntries(run);
-    run.outbox.Start();
+    run.outbox.Follow();
     run.store.Rest();
     run.log.Info("frmMonitor:Form_Load: All data should be in database.");
     run.person.SetMonitoring(run.state.bMonitoring);
