@@ -54,11 +54,7 @@ std::string OutboxState::Text() const {
                                              : std::to_string(waiting) + " mails wait";
     const std::string nobody =
         unnotified.empty() ? "" : " " + std::to_string(unnotified.size()) + " of the entries would notify nobody.";
-    return mails + " in the outbox. " + PathText() + nobody + (problem.empty() ? "" : " Warning: " + problem + ".");
-}
-
-std::string OutboxState::PathText() const {
-    return "Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + ".";
+    return mails + " in the outbox. " + alertPath + nobody + (problem.empty() ? "" : " Warning: " + problem + ".");
 }
 
 MailOutbox::MailOutbox(const Ports& ports)
@@ -83,7 +79,7 @@ void MailOutbox::Load() {
         const OutboxTable::Contents contents = table_.Look();
         loaded_ = true;
         state_.lastReceipt = contents.lastReceipt;
-        state_.lastProven = contents.lastTaken;
+        ports_.alertPath.TakenBefore(contents.lastTaken);
         std::list<Item> earlier;
         for (const OutboxTable::Waiting& waiting : contents.waiting)
             if (std::none_of(items_.begin(), items_.end(), [&](const Item& item) { return item.id == waiting.id; }))
@@ -371,7 +367,7 @@ void MailOutbox::Take(const MailAnswer& answer) {
         }
     }
     state_.lastReceipt = answer.words;
-    state_.lastProven = ports_.clock.Now();
+    ports_.alertPath.Taken(ports_.clock.Now());
     state_.lastError.clear();
     ports_.log.Info("MailOutbox: '" + round_->mail.mail.strSubject + "' was taken for " + recipient + ": " + answer.words);
 }
@@ -451,7 +447,7 @@ void MailOutbox::Changed() {
     Rearm();
     const std::size_t waiting = items_.size();
     state_.problem = ports_.alertPath.Problem();
-    ports_.alertPath.SetProven(state_.PathText());
+    state_.alertPath = ports_.alertPath.ProvenText();
     if (std::exchange(state_.waiting, waiting) != waiting) ports_.status.setStatusMSG(state_.Text());
     ports_.person.SetMailState(state_.Text(), state_.IsAlarming());
     ports_.changed();

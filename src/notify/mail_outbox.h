@@ -30,15 +30,13 @@ namespace korvane {
 /// What windows, pages and the status line show of the outbox.
 struct OutboxState {
     std::size_t waiting = 0;
-    std::size_t givenUp = 0;  ///< since the start
-    std::string lastReceipt;  ///< the answer of the server that took a mail last
-    std::optional<DateTime> lastProven;
+    std::size_t givenUp = 0;              ///< since the start
+    std::string lastReceipt;              ///< the answer of the server that took a mail last
+    std::string alertPath;                ///< "Alert path last proven 11/21/2026 3:00:02 PM."
     std::string lastError;                ///< empty after a success
     std::vector<std::string> unnotified;  ///< entries that would notify nobody
     std::string problem;                  ///< of the alert path, for all entries
 
-    /// "Alert path last proven 11/21/2026 3:00:02 PM."
-    std::string PathText() const;
     /// "2 mails wait in the outbox. Alert path last proven 11/21/2026 3:00:02 PM."
     std::string Text() const;
     /// Returns whether somebody should look after it.

@@ -156,23 +156,27 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
 
 /// A mailbox that the mail server of the world fills while `delivers`, and the proof of each day at 15:10.
 struct ProofWorld : World {
-    explicit ProofWorld(const std::string& before = "", DateTime start = DateTime::Of(2026, 11, 21, 15, 0, 0))
+    explicit ProofWorld(const World* before = nullptr, DateTime start = DateTime::Of(2026, 11, 21, 15, 0, 0))
         : World({.start = start,
                  .settings =
                      "ProveMail=True\nProveMailTime=15:10\nProveMailTo=me@x\nProveMailHost=box.example\nProveMailUser=me\n"
                      "ProveMailPass=word\nServerBackup=backup.example\nRedAlertWav=red.wav\nbRedAlert=True"}) {
-        if (!before.empty()) Write("kvproof.dat", before);
+        for (const char* file : {"kvproof.dat", "kvalertpath.dat"})
+            if (before != nullptr) Write(file, before->Text(file));
         net.Host("box.example").Port(995).Tls(true).Speak("+OK hi\r\n").Answer([this](auto& line) { return Answer(line); });
         Start();
     }
     std::string Answer(const std::string& line) {
-        if (line == "STAT") return "+OK " + std::to_string(delivers ? mail.mails.size() : 0) + " 99\r\n";
+        if (line == "STAT") return "+OK " + std::to_string(mail.mails.size() - deleted.size()) + " 99\r\n";
         if (line.starts_with("TOP")) return "-ERR unknown\r\n";
-        if (line.starts_with("RETR")) return "+OK\r\n" + mail.mails[std::stoul(line.substr(5)) - 1].text + ".\r\n";
+        if (line.starts_with("RETR"))
+            return (delivers ? "+OK\r\n" : "+OK\r\nSubject: Returned\r\n\r\n") + mail.mails.back().text + ".\r\n";
         if (line.starts_with("DELE")) deleted.push_back(line);
+        if (line == "QUIT" && diesAfterDeleting && !deleted.empty()) return "";
         return line == "PASS word" || !line.starts_with("PASS") ? "+OK\r\n" : "-ERR\r\n";
     }
-    bool delivers = true;
+    bool delivers = true;  ///< or it is returned
+    bool diesAfterDeleting = true;
     Lines deleted;
     VirtualMailServer backup{net.Host("backup.example").Port(25)};
 };
@@ -183,10 +187,12 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_TRUE(w.mail.mails.empty());
     w.RunFor(4min);
     EXPECT_TRUE(w.Logged("ProveMail: the mail of the day was sent to me@x."));
+    EXPECT_TRUE(w.Logged("came after 1 minutes. The mailbox did not confirm that it was deleted."));
     w.RunFor(23h - 4min);
     EXPECT_EQ(w.mail.mails.size(), 1u);
     EXPECT_EQ(w.deleted, Lines{"DELE 1"});
-    w.delivers = false;
+    EXPECT_TRUE(w.run.TheDesk().alertPath.ProvenText().starts_with("Alert path last proven 11/21/2026 3:1"));
+    w.delivers = w.diesAfterDeleting = false;
     w.RunFor(1h + 20min);
     EXPECT_EQ(w.mail.mails.size(), 2u);
     EXPECT_TRUE(w.backup.mails.empty());
@@ -198,14 +204,17 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_EQ(w.sound.played, Lines{"red.wav"});
     EXPECT_EQ(w.run.TheDesk().alertPath.Problem(), "mail proof overdue");
 
-    // A restart neither sends the mail of the day again nor forgets that it is missing.
-    ProofWorld restarted(w.Text("kvproof.dat"), DateTime::Of(2026, 11, 22, 18, 0, 0));
+    // A restart neither sends the mail of the day again nor forgets that it is missing, or that a test mail failed.
+    w.run.TheDesk().alertPath.TestMail(false);
+    ProofWorld restarted(&w, DateTime::Of(2026, 11, 22, 18, 0, 0));
     restarted.mail.mails = w.mail.mails;
+    EXPECT_TRUE(restarted.run.TheDesk().alertPath.ProvenText().starts_with("Alert path last proven 11/21/2026 3:1"));
     restarted.RunFor(30min);
     EXPECT_EQ(restarted.deleted, Lines{"DELE 2"});
     EXPECT_EQ(restarted.mail.mails.size(), 2u);
     EXPECT_TRUE(restarted.Logged("ProveMail: the mail of the day came late, after "));
-    EXPECT_TRUE(restarted.backup.mails.empty() && restarted.run.TheDesk().alertPath.Problem().empty());
+    EXPECT_TRUE(restarted.backup.mails.empty());
+    EXPECT_EQ(restarted.run.TheDesk().alertPath.Problem(), "test mail failed");
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, log, status),
       hiddenPasswords(safeguards, collection),
-      alertPath(safeguards, collection),
+      alertPath({safeguards, collection, files, clock}, options.dir),
       rescue({store, files, clock, events, log, status, safeguards,
               [this](const std::string& text) {
                   outbox.FollowRestoredDatabase();

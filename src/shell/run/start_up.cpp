@@ -200,6 +200,7 @@ void ReadSettings(RunRooms& run) {
     if (const std::string problem = run.settingsFile.Problem(); !problem.empty()) TellProblem(run, problem);
     run.legacyLog.setLogTimer();
     run.safeguards.TellProblems();
+    run.alertPath.Load();
 }
 
 }  // namespace
