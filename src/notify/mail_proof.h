@@ -61,7 +61,7 @@ private:
     bool IsTimeToRead() const;
     void Send();
     void ReadBack();
-    void Arrived();
+    void Arrived(bool deleted);
     void Missing(const std::string& reason);
     void Tell(const std::string& text);
 

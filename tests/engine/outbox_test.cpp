@@ -7,6 +7,7 @@
 #include <set>
 
 #include "engine/engine_test.h"
+#include "shell/options/options_inputs.h"
 
 namespace korvane::outbox_test {
 
@@ -53,10 +54,11 @@ struct Outbox : Engine {
     const OutboxState& State() { return run.TheDesk().outbox.State(); }
 };
 
-/// A start in a copy of the home, as a kill would have left it.
+/// A start in a copy of the home, as a kill would have left it, with the outbox on or off.
 struct Restarted {
-    explicit Restarted(Outbox& before) : start(before.world.clock.Now()) {
+    explicit Restarted(Outbox& before, bool on = true) : start(before.world.clock.Now()) {
         std::filesystem::copy(before.home, folder.Path(), std::filesystem::copy_options::recursive);
+        if (!on) world.Write("kvurlwatchn.ini", ReplaceAll(world.Text("kvurlwatchn.ini"), kOn, ""));
         world.net.Host("10.0.1.1").EchoSilent();
         world.Start();
         world.RunFor(5min);
@@ -133,6 +135,11 @@ TEST(MailOutbox, NobodyGetsAMailTwiceAfterARestart) {
     Restarted again(outbox);
     ASSERT_EQ(again.world.mail.mails.size(), 1);
     EXPECT_EQ(again.world.mail.mails[0].recipients, Texts{"<b@y>"});
+    Restarted off(outbox, false);
+    EXPECT_EQ(off.world.mail.mails.size(), 0);
+    SaveOptions(off.world.run.TheDesk(), OptionsFromSettings(off.world.run.TheDesk().collection), {{"MailOutbox", "True"}});
+    off.world.RunFor(1min);
+    EXPECT_EQ(off.world.mail.mails.size(), 1);
 }
 
 TEST(MailOutbox, AServerThatDiesBeforeItSaysSoGetsTheSameMailAgain) {
@@ -212,6 +219,11 @@ TEST(MailOutbox, RowsThatAnotherToolChangedHarmNothing) {
             conn->Execute("UPDATE MailOutbox SET " + std::string(bad) + " WHERE ID = last_insert_rowid()");
     conn->Close();
     Restarted again(outbox);
+    outbox.rows.Connected()->Execute("DELETE FROM MailOutbox");
+    outbox.run.TheDesk().outbox.FollowRestoredDatabase();
+    outbox.MailServerReturns();
+    outbox.RunFor(20min);
+    EXPECT_EQ(outbox.TakeMails(), Texts{"<a@x> Down! (web) 11/21/2026 3:00:04 PM"});
     const auto& mails = again.world.mail.mails;
     ASSERT_EQ(mails.size(), 6);  // all but the first two that were changed
     EXPECT_EQ(mails.back().recipients, Texts{"<a@x>"});

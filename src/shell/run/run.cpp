@@ -46,9 +46,12 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       legacyLog(collection, settings.GetLogFile()),
       safeguards(collection, clock, log, status),
       hiddenPasswords(safeguards, collection),
-      alertPath(safeguards, collection),
+      alertPath({safeguards, collection, files, clock}, options.dir),
       rescue({store, files, clock, events, log, status, safeguards,
-              [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
+              [this](const std::string& text) {
+                  outbox.FollowRestoredDatabase();
+                  MailToFirstEntry("Korvane: the database was brought back", text);
+              }},
              options.dir),
       ofEntries(store, OdbcConnectionText(options.dir)),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
@@ -81,10 +84,10 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
       http({collection, safeguards, events, clock, progress}),
-      tcp({tcpSocket, events, clock, person, status, conversationWindow}),
+      tcp({tcpSocket, events, clock, person, status, conversationWindow, &hiddenPasswords}),
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
-      testTcp({testSocket, events, clock, person, status, conversationWindow}),
+      testTcp({testSocket, events, clock, person, status, conversationWindow, &hiddenPasswords}),
       network({echo, networkSocket, clock, events, status, log, collection, safeguards,
                [this](const Notification& notification) { return SendOrPost(notification); }}),
       accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox}),
@@ -185,6 +188,7 @@ void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& t
 }
 
 void RunRooms::FollowSafeguards() {
+    outbox.Follow();
     mailProof.Follow();
     heartbeat.Follow();
     machineWatch.Follow();

@@ -200,6 +200,7 @@ void ReadSettings(RunRooms& run) {
     if (const std::string problem = run.settingsFile.Problem(); !problem.empty()) TellProblem(run, problem);
     run.legacyLog.setLogTimer();
     run.safeguards.TellProblems();
+    run.alertPath.Load();
 }
 
 }  // namespace
@@ -233,7 +234,6 @@ Run::Started Run::StartUp() {
         return Started::CannotGoOn;
     }
     PrepareEntries(run);
-    run.outbox.Start();
     run.store.Rest();
     run.log.Info("frmMonitor:Form_Load: All data should be in database.");
     run.person.SetMonitoring(run.state.bMonitoring);
