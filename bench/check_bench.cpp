@@ -125,7 +125,8 @@ struct Machine {
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
     QtTcpSocket networkSocket;
-    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards,
+    LinuxIcmpEcho networkEcho;
+    OwnNetwork network{{networkEcho, networkSocket, clock, events, status, log, settings, safeguards,
                         [](const Notification&) { return SendOutcome{}; }}};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};

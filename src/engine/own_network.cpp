@@ -1,6 +1,7 @@
 #include "engine/own_network.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -20,7 +21,7 @@ constexpr auto kAnswerWait = 1000ms;
 constexpr seconds kUsualRetry = 60s;
 constexpr int kHops = 255;
 constexpr int kRefused = 10061;
-const std::string kQuestion(32, 'A');
+const std::string kQuestion(32, 'N');  // not that of the ping check: a raw socket receives the answers to both
 
 std::string InWords(seconds length) {
     return std::to_string(length / 1min) + " min. " + std::to_string((length % 1min).count()) + " sec.";
@@ -33,14 +34,23 @@ std::string Counted(std::size_t checks) {
 }  // namespace
 
 void OwnNetwork::AskBeforeCheck() {
+    downBefore_ = false;
     const std::vector<std::string> hosts = ports_.safeguards.Hosts(kKey);
-    if (hosts.empty()) outage_.reset();
-    downBefore_ = !hosts.empty() && IsDown(hosts);
+    if (hosts.empty()) {
+        outage_.reset();
+        if (std::exchange(isOpen_, false)) ports_.echo.IcmpCloseHandle();
+        return;
+    }
+    const std::vector<std::string> others = SendEchoes(hosts);
+    downBefore_.reset();
+    if (outage_ || !others.empty()) downBefore_ = !IsAnswered(others);
 }
 
 bool OwnNetwork::Excuses(Recordset& rs, const std::string& strReason) {
     const std::vector<std::string> hosts = ports_.safeguards.Hosts(kKey);
-    if (hosts.empty() || !(downBefore_ || IsDown(hosts))) return false;
+    if (hosts.empty()) return false;
+    if (!downBefore_) downBefore_ = !IsAnswered({});
+    if (!*downBefore_ && IsAnswered(SendEchoes(hosts))) return false;
     Note(rs);
     ports_.safeguards.Acted(kKey, "The own network is down since " + outage_->since.Text() + ": none of " +
                                       ports_.safeguards.Text(kKey) + " answers. Failed checks are not counted.");
@@ -50,21 +60,27 @@ bool OwnNetwork::Excuses(Recordset& rs, const std::string& strReason) {
     return true;
 }
 
-bool OwnNetwork::IsDown(const std::vector<std::string>& hosts) {
-    const bool down = std::none_of(hosts.begin(), hosts.end(), [&](const std::string& host) { return Answers(host); });
-    if (!down && outage_) TellItIsBack();
-    return down;
+// Returns the hosts that an echo cannot ask.
+std::vector<std::string> OwnNetwork::SendEchoes(const std::vector<std::string>& hosts) {
+    std::string whyNot;
+    if (!isOpen_) isOpen_ = ports_.echo.IcmpCreateFile(whyNot);
+    std::vector<Ipv4Address> addresses;
+    std::vector<std::string> others;
+    for (const std::string& host : hosts) {
+        const auto address = isOpen_ ? ports_.echo.InetAddr(host) : std::nullopt;
+        address ? addresses.push_back(*address) : others.push_back(host);
+    }
+    ports_.echo.SendEchoes(addresses, kQuestion, kHops);
+    return others;
 }
 
-bool OwnNetwork::Answers(const std::string& host) {
-    std::string whyNot;
-    const auto address = ports_.echo.InetAddr(host);
-    if (address && ports_.echo.IcmpCreateFile(whyNot)) {
-        const EchoReply reply = ports_.echo.IcmpSendEcho(*address, kQuestion, kHops, kAnswerWait);
-        ports_.echo.IcmpCloseHandle();
-        return reply.answered && reply.status == 0;
-    }
-    return Connects(host, 80) || Connects(host, 443) || Connects(host, 53);
+bool OwnNetwork::IsAnswered(const std::vector<std::string>& others) {
+    const bool answered =
+        ports_.echo.EchoCameBack(kAnswerWait) || std::any_of(others.begin(), others.end(), [&](const std::string& host) {
+            return Connects(host, 80) || Connects(host, 443) || Connects(host, 53);
+        });
+    if (answered && outage_) TellItIsBack();
+    return answered;
 }
 
 bool OwnNetwork::Connects(const std::string& host, std::int32_t port) {

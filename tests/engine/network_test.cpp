@@ -101,6 +101,8 @@ TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {
         {[](Alone& a) { a.Set("OwnNetwork", "10.9.9.1; a b"); }, "Failing"},  // unusable, so it is off
         {[&](Alone& a) { change(a, 9s, true); }, "own network down"},         // back during the check
         {[&](Alone& a) { a.gateway.Up(), change(a, 4s, false); }, "own network down"},
+        {[&](Alone& a) { a.Set("OwnNetwork", "10.9.9.1"), change(a, 9s, true); }, "own network down"},
+        {[](Alone& a) { a.Set("OwnNetwork", "10.9.9.1"), a.gateway.Up().Echo(1001ms); }, "own network down"},  // late
     };
     for (int number = 0; const auto& [behave, status] : cases) {
         Alone alone(Columns("strType strPort strExpectedText", "SMTP", "25", ""));

@@ -85,7 +85,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      network({echo, networkSocket, clock, events, status, log, collection, safeguards,
+      network({networkEcho, networkSocket, clock, events, status, log, collection, safeguards,
                [this](const Notification& notification) { return SendOrPost(notification); }}),
       accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox}),
       alarm({person, status, log, serviceManager}),
