@@ -127,7 +127,7 @@ struct Machine {
     QtTcpSocket networkSocket;
     LinuxIcmpEcho networkEcho;
     OwnNetwork network{{networkEcho, networkSocket, clock, events, status, log, settings, safeguards,
-                        [](const Notification&) { return SendOutcome{}; }}};
+                        [](const Notification&) { return SendOutcome{}; }, database.TheStore(), database.DriverString()}};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
     AlertPath alertPath{safeguards, settings};
@@ -222,6 +222,15 @@ void HttpCheck(benchmark::State& state) {
     machine.ExpectAllPassed(state);
 }
 BENCHMARK(HttpCheck)->Arg(0)->Arg(2)->Arg(3);
+
+/// The part of such a check that the questions are, before one that passes.
+void OwnNetworkQuestion(benchmark::State& state) {
+    Machine machine(1, HttpEntry("80"));
+    machine.settings.setKvSettingsColValue("OwnNetwork", "127.0.0.1");
+    for (auto _ : state)
+        machine.network.AskBeforeCheck();
+}
+BENCHMARK(OwnNetworkQuestion);
 
 /// The same with the safeguards of the cycle; a thousand entries are due.
 void HttpCheckGuarded(benchmark::State& state) {

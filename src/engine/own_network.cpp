@@ -9,6 +9,7 @@
 #include "engine/server_table.h"
 #include "notify/mail_message.h"
 #include "platform/wait.h"
+#include "store/database_files.h"
 
 namespace korvane {
 namespace {
@@ -21,14 +22,22 @@ constexpr auto kAnswerWait = 1000ms;
 constexpr seconds kUsualRetry = 60s;
 constexpr int kHops = 255;
 constexpr int kRefused = 10061;
+constexpr std::string_view kNotCounted = "Not counted, because the own network is down since ";
 const std::string kQuestion(32, 'N');  // not that of the ping check: a raw socket receives the answers to both
 
 std::string InWords(seconds length) {
     return std::to_string(length / 1min) + " min. " + std::to_string((length % 1min).count()) + " sec.";
 }
 
-std::string Counted(std::size_t checks) {
-    return checks == 1 ? "1 failed check was not counted." : std::to_string(checks) + " failed checks were not counted.";
+std::string Counted(std::size_t checks, bool atLeast) {
+    return (atLeast ? "At least " : "") + std::to_string(checks) +
+           (checks == 1 ? " failed check was not counted." : " failed checks were not counted.");
+}
+
+// Returns when the outage began, as the last response of an entry says.
+DateTime BeginIn(std::string_view response) {
+    response.remove_prefix(std::min(kNotCounted.size(), response.size()));
+    return ParseDateTime(response.substr(0, response.find(": ")));
 }
 
 }  // namespace
@@ -41,6 +50,7 @@ void OwnNetwork::AskBeforeCheck() {
         if (std::exchange(isOpen_, false)) ports_.echo.IcmpCloseHandle();
         return;
     }
+    Recall();
     const std::vector<std::string> others = SendEchoes(hosts);
     downBefore_.reset();
     if (outage_ || !others.empty()) downBefore_ = !IsAnswered(others);
@@ -102,6 +112,23 @@ bool OwnNetwork::Connects(const std::string& host, std::int32_t port) {
     return answered;
 }
 
+// The entries still have the status of an outage that began before the start.
+void OwnNetwork::Recall() {
+    if (recalled_) return;
+    recalled_ = IgnoreErrors([&] {
+        const auto conn = ports_.store.NewConnection();
+        conn->SetConnectionString(ports_.connectionString);
+        conn->Open();
+        for (const auto rs = OpenRows(ports_.store, *conn, query::kOwnNetworkDown); !rs->Eof(); rs->MoveNext()) {
+            Note(*rs);
+            IgnoreErrors([&] { outage_->since = std::min(outage_->since, BeginIn(ColumnText(*rs, "strLastResponse"))); });
+        }
+    });
+    if (!outage_) return;
+    outage_->start -= ports_.clock.Now() - outage_->since;
+    outage_->recalled = true;
+}
+
 void OwnNetwork::Note(Recordset& rs) {
     if (!outage_) outage_ = {.since = ports_.clock.Now(), .start = ports_.clock.GetTickCount(), .strFrom = {}, .people = {}};
     ++outage_->checks;
@@ -118,7 +145,7 @@ void OwnNetwork::Write(Recordset& rs, const std::string& strReason) const {
     IgnoreErrors([&] { useIfPositive(std::min(next, seconds(rs.Fields("nIntervalSeconds").Value().Int64()))); });
     rs.Fields("strCurStatus") = status::kOwnNetworkDown;
     rs.Fields("strLastResponse") =
-        Left("Not counted, because the own network is down: " + WithoutControls(strReason), kMostStoredCharacters);
+        Left(std::string(kNotCounted) + outage_->since.Text() + ": " + WithoutControls(strReason), kMostStoredCharacters);
     rs.Fields("dtNextCheck") = ports_.clock.Now() + next;
     rs.Update();
 }
@@ -126,7 +153,7 @@ void OwnNetwork::Write(Recordset& rs, const std::string& strReason) const {
 void OwnNetwork::TellItIsBack() {
     const Outage outage = *std::exchange(outage_, std::nullopt);
     const auto length = std::chrono::duration_cast<seconds>(ports_.clock.GetTickCount() - outage.start);
-    const std::string text = "The own network is back after " + InWords(length) + " " + Counted(outage.checks);
+    const std::string text = "The own network is back after " + InWords(length) + " " + Counted(outage.checks, outage.recalled);
     ports_.status.setStatusMSG(text);
     ports_.log.Info("Safeguard OwnNetwork: " + text);
     if (outage.people.empty()) return;

@@ -1,6 +1,6 @@
 // Safeguard OwnNetwork: an entry is not blamed for a failed check while this machine's own network is down, which it is when none
 // of the addresses of the setting answers. Such a check is not counted, and nobody gets a mail or a command for it; its row says
-// so. One mail tells when the network is back.
+// so. One mail tells when the network is back, also after a restart.
 #pragma once
 
 #include <chrono>
@@ -36,6 +36,8 @@ public:
         const SettingsCollection& settings;
         Safeguards& safeguards;
         std::function<SendOutcome(const Notification& mail)> send;  ///< through the outbox, the primary mail server or the backup
+        Store& store;
+        std::string connectionString;  ///< of the database
     };
 
     explicit OwnNetwork(const Ports& ports) : ports_(ports) {}
@@ -57,6 +59,7 @@ private:
         DateTime since;
         std::chrono::milliseconds start;  ///< in terms of the clock's tick count
         std::size_t checks = 0;
+        bool recalled = false;  ///< it began in an earlier run, whose checks are not known
         std::string strFrom;
         std::set<std::string, LessNoCase> people;
     };
@@ -64,6 +67,7 @@ private:
     std::vector<std::string> SendEchoes(const std::vector<std::string>& hosts);
     bool IsAnswered(const std::vector<std::string>& others);
     bool Connects(const std::string& host, std::int32_t port);
+    void Recall();
     void Note(Recordset& rs);
     void Write(Recordset& rs, const std::string& strReason) const;
     void TellItIsBack();
@@ -72,6 +76,7 @@ private:
     bool isOpen_ = false;             ///< the handle for echoes
     std::optional<bool> downBefore_;  ///< the check; nothing: the answers to the echoes were not read yet
     std::optional<Outage> outage_;
+    bool recalled_ = false;
 };
 
 }  // namespace korvane
