@@ -34,9 +34,10 @@ std::string Counted(std::size_t checks, bool atLeast) {
            (checks == 1 ? " failed check was not counted." : " failed checks were not counted.");
 }
 
-// Returns when the outage began, as the last response of an entry says.
+// Returns when the outage began, as the last response of an entry says. The end of all time if it does not say it.
 DateTime BeginIn(std::string_view response) {
-    response.remove_prefix(std::min(kNotCounted.size(), response.size()));
+    if (!response.starts_with(kNotCounted)) return DateTime::Last();
+    response.remove_prefix(kNotCounted.size());
     return ParseDateTime(response.substr(0, response.find(": ")));
 }
 
@@ -124,6 +125,7 @@ void OwnNetwork::Recall() {
             IgnoreErrors([&] { outage_->since = std::min(outage_->since, BeginIn(ColumnText(*rs, "strLastResponse"))); });
         }
     });
+    if (!recalled_) outage_.reset();  // another try begins anew
     if (!outage_) return;
     outage_->start -= ports_.clock.Now() - outage_->since;
     outage_->recalled = true;
