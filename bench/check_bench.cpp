@@ -223,14 +223,14 @@ void HttpCheck(benchmark::State& state) {
 }
 BENCHMARK(HttpCheck)->Arg(0)->Arg(2)->Arg(3);
 
-/// The part of such a check that the questions are, before one that passes.
+/// The part of such a check that the questions to so many addresses are, before one that passes.
 void OwnNetworkQuestion(benchmark::State& state) {
     Machine machine(1, HttpEntry("80"));
-    machine.settings.setKvSettingsColValue("OwnNetwork", "127.0.0.1");
+    machine.settings.setKvSettingsColValue("OwnNetwork", state.range(0) == 1 ? "127.0.0.1" : "127.0.0.1;127.0.0.2;127.0.0.3");
     for (auto _ : state)
         machine.network.AskBeforeCheck();
 }
-BENCHMARK(OwnNetworkQuestion);
+BENCHMARK(OwnNetworkQuestion)->Arg(1)->Arg(3);
 
 /// The same with the safeguards of the cycle; a thousand entries are due.
 void HttpCheckGuarded(benchmark::State& state) {
