@@ -91,7 +91,7 @@ struct Adapters {
     RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
-        return {{tcpSocket, testSocket, echo, newInet, networkSocket},
+        return {{tcpSocket, testSocket, echo, newInet, networkSocket, networkEcho},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
@@ -105,7 +105,7 @@ struct Adapters {
     QtTimers timers;
     QtSqlStore store{KindOfColumn};
     QtTcpSocket tcpSocket, testSocket, networkSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket;
-    LinuxIcmpEcho echo;
+    LinuxIcmpEcho echo, networkEcho;
     LinuxProcesses processes{events};
     DesktopSound sound{processes};
     LinuxGuidSource guids;
