@@ -5,14 +5,9 @@
 #include <algorithm>
 
 namespace korvane {
-namespace {
-
-constexpr int kNarrow = 800;
-
-}  // namespace
 
 bool CommandButton::IsNarrow() const {
-    return window()->width() < kNarrow;
+    return window()->width() < kNarrowWindow;
 }
 
 QSize CommandButton::sizeHint() const {

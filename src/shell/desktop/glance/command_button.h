@@ -6,6 +6,9 @@
 
 namespace korvane {
 
+/// Pixels; a narrower window shows pictures alone.
+inline constexpr int kNarrowWindow = 800;
+
 class CommandButton : public QPushButton {
 public:
     using QPushButton::QPushButton;

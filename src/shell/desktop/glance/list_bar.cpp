@@ -42,7 +42,8 @@ ListBar::ListBar(QAction& problemsFirst, std::function<void()> changed, std::fun
     row->addStretch(1);
     row->addWidget(cmdProblemsFirst_);
     row->addWidget(txtFind_, 100);
-    SetShown(0, 0);
+    lblShown_->hide();
+    cmdShowAll_->hide();
 }
 
 void ListBar::AddChips() {
@@ -89,15 +90,18 @@ void ListBar::Find() {
 }
 
 void ListBar::SetCounts(const StateCounts& counts) {
+    if (counts == counts_) return;
+    counts_ = counts;
     for (std::size_t i = 0; i < chips_.size(); ++i)
         chips_.at(i)->SetCount(counts.at(i));
     Fit();
 }
 
 void ListBar::SetShown(int shown, int all) {
+    const bool filtered = Filter().IsOn();
+    if (filtered != cmdShowAll_->isHidden() && shown == shown_ && all == all_) return;
     shown_ = shown;
     all_ = all;
-    const bool filtered = Filter().IsOn();
     lblShown_->setVisible(filtered);
     cmdShowAll_->setVisible(filtered);
     Fit();

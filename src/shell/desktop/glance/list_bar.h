@@ -47,6 +47,7 @@ private:
     QPushButton* cmdShowAll_;
     QPushButton* cmdProblemsFirst_;
     QLineEdit* txtFind_;
+    StateCounts counts_{};
     int shown_ = 0;
     int all_ = 0;
 };

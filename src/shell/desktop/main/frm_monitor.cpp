@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <algorithm>
 
+#include "shell/desktop/glance/command_button.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/run/run.h"
@@ -50,7 +51,6 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     resources_ =
         std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
     forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
-    connect(qApp, &QGuiApplication::screenRemoved, this, [this] { KeepOnScreen(); });
     Timer3_->SetEnabled(true);
     Timer4_->SetEnabled(true);
 }
@@ -173,6 +173,7 @@ void frmMonitor::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     for (QPushButton* button : commandButtons_)
         button->updateGeometry();
+    ProgressBar1->setMaximumWidth(width() < kNarrowWindow ? width() / 7 : QWIDGETSIZE_MAX);  // the texts beside it need the room
     Form_Resize();
 }
 

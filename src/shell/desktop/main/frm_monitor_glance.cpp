@@ -40,6 +40,9 @@ void frmMonitor::BuildGlance(QBoxLayout& rows) {
     rows.insertWidget(rows.indexOf(stopped_), bar_);
     aroundList_ = {bar_, stopped_};
     statusColours_ = new StatusColours(*txtStatus);
+    // The window still has the screen that goes.
+    connect(
+        qApp, &QGuiApplication::screenRemoved, this, [this] { KeepOnScreen(); }, Qt::QueuedConnection);
     BuildEmptyText();
     BuildLogCommands(*rows.itemAt(rows.indexOf(ListView1) + 1)->layout());
 }
@@ -51,6 +54,7 @@ void frmMonitor::BuildEmptyText() {
     lblEmpty_->setForegroundRole(QPalette::Text);
     lblEmpty_->setAttribute(Qt::WA_TransparentForMouseEvents);
     lblEmpty_->setWordWrap(true);
+    lblEmpty_->hide();  // until the list was read
     (new QVBoxLayout(&viewport))->addWidget(lblEmpty_);
 }
 
@@ -137,7 +141,7 @@ void frmMonitor::RememberView() {
 // A screen may have gone since the window was placed: it comes back whole, with its title in sight.
 void frmMonitor::KeepOnScreen() {
     const QRect room = screen()->availableGeometry();
-    if (isMaximized() || room.contains(frameGeometry())) return;
+    if (!WindowVisible() || isMaximized() || room.contains(frameGeometry())) return;
     if (frameGeometry().width() > room.width()) SetWidth(Width());
     if (frameGeometry().height() > room.height()) SetHeight(Height());
     const QRect frame = frameGeometry();

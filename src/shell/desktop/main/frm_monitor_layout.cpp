@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "shell/desktop/glance/command_button.h"
+#include "shell/desktop/glance/elided_label.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/toolkit/cut_cell_tips.h"
@@ -143,8 +144,8 @@ QLayout* frmMonitor::BuildButtons() {
 // Both texts adapt to the window's width: a long one must not make it wider.
 QLayout* frmMonitor::BuildProgress() {
     auto* row = new QHBoxLayout;
-    lblCount = Named(new QLabel, "lblCount", "State of the cycle");
-    lblCo = Named(new QLabel, "lblCo", "Running work");
+    lblCount = Named(new ElidedLabel, "lblCount", "State of the cycle");
+    lblCo = Named(new ElidedLabel, "lblCo", "Running work");
     lblCo->setForegroundRole(QPalette::PlaceholderText);
     for (QLabel* label : {lblCount, lblCo})
         label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

@@ -27,7 +27,7 @@ constexpr const char* kUsualTexts[column::Count] = {
 constexpr int kMostScanCharacters = 12;
 /// The operator's texts share the space that the other columns leave.
 constexpr int kSharing[] = {column::Group, column::ScanText, column::ShortName, column::FullName};
-constexpr int kLeastCharacters = 6;
+constexpr int kLeastCharacters = 9;
 /// Of the last column, which gets the remaining width.
 constexpr int kReasonCharacters = 24;
 
