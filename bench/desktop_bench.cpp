@@ -62,6 +62,39 @@ void RefreshSortedAndPainted(benchmark::State& state) {
     }
 }
 
+/// With the chip of the state that most entries have, and words that a tenth of them holds.
+void RefreshFiltered(benchmark::State& state) {
+    Desktop desktop;
+    desktop.window->findChild<QAbstractButton*>("chipUp")->setChecked(true);
+    desktop.window->findChild<QLineEdit*>("txtFind")->setText("Server number 1");
+    for (auto _ : state)
+        desktop.window->RefreshURLList();
+}
+
+/// One more letter and one less, each until the list is painted.
+void KeyInFind(benchmark::State& state) {
+    Desktop desktop;
+    auto& find = *desktop.window->findChild<QLineEdit*>("txtFind");
+    find.setFocus();
+    for (bool more = true; auto _ : state) {
+        QTest::keyClick(&find, more ? Qt::Key_7 : Qt::Key_Backspace);
+        QApplication::processEvents();
+        more = !more;
+    }
+}
+
+/// A filter of 10,000 letters in 2,000 words.
+void LongFilter(benchmark::State& state) {
+    Desktop desktop;
+    QString words;
+    for (int i = 0; words.size() < 10'000; ++i)
+        words += QString::number(1000 + i) + " ";
+    for (auto _ : state) {
+        desktop.window->findChild<QLineEdit*>("txtFind")->setText(words);
+        desktop.window->findChild<QLineEdit*>("txtFind")->clear();
+    }
+}
+
 void RowsAlone(benchmark::State& state) {
     TestDatabase database;
     database.AddMany(Entries());
@@ -91,6 +124,9 @@ void StatusLine(benchmark::State& state) {
 
 BENCHMARK(Refresh)->Unit(benchmark::kMillisecond);
 BENCHMARK(RefreshSortedAndPainted)->Unit(benchmark::kMillisecond);
+BENCHMARK(RefreshFiltered)->Unit(benchmark::kMillisecond);
+BENCHMARK(KeyInFind)->Unit(benchmark::kMillisecond);
+BENCHMARK(LongFilter)->Unit(benchmark::kMillisecond);
 BENCHMARK(RowsAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(QueryAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(StatusLine)->Unit(benchmark::kMicrosecond);

@@ -261,8 +261,8 @@ bool Dispatcher::TestThrough(MailServer server, const std::string& name, const N
     } else {
         ports_.log.WriteLog(kLogFatal, kLogError,
                             "TestEmail: Email Test Failed to " + to + " using " + name + ". " + outcome.strError);
-        ports_.person.ShowError(kMessageTitle, "Email Test Failed to " + to + " from " + test.strFrom + " using SMTP server " +
-                                                   name + ".\r\n\r\nError: " + outcome.strError);
+        ports_.person.ShowLoggedError(kMessageTitle, "Email Test Failed to " + to + " from " + test.strFrom +
+                                                         " using SMTP server " + name + ".\r\n\r\nError: " + outcome.strError);
     }
     return outcome.sent;
 }

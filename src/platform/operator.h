@@ -57,6 +57,8 @@ public:
     virtual void ShowMessage(const std::string& title, const std::string& text) = 0;
     /// Like ShowMessage, for an error.
     virtual void ShowError(const std::string& title, const std::string& text) { ShowMessage(title, text); }
+    /// Like ShowError, for an error of which the log of the day tells more.
+    virtual void ShowLoggedError(const std::string& title, const std::string& text) { ShowError(title, text); }
     /// Waits for the answer. Without a display the answer is No.
     virtual bool AskYesNo(const std::string& title, const std::string& text) = 0;
 

@@ -51,10 +51,17 @@ void Log::WriteLog(int level, std::string_view messageClass, std::string_view me
     const std::string shown = filter_ ? filter_(message) : std::string(message);
     const DateTime now = clock_.Now();
     const std::string header = now.DateText() + " " + now.TimeText() + " " + version_ + " " + std::string(messageClass) + "\t";
-    const std::string folder = dir_ + "/Logs";
     // If the folder is missing, appending the record fails.
-    IgnoreErrors([&] { files_.CreateFolder(folder); });
-    IgnoreErrors([&] { files_.Append(folder + "/" + FileName(now), Record(header, TrimSpaces(shown))); });
+    IgnoreErrors([&] { files_.CreateFolder(dir_ + "/Logs"); });
+    IgnoreErrors([&] { files_.Append(PathOf(now), Record(header, TrimSpaces(shown))); });
+}
+
+std::string Log::TodaysFile() const {
+    return PathOf(clock_.Now());
+}
+
+std::string Log::PathOf(DateTime day) const {
+    return dir_ + "/Logs/" + FileName(day);
 }
 
 void LegacyLog::setLogTimer() {

@@ -34,7 +34,12 @@ public:
     /// From now on each message goes through `filter` first.
     void SetFilter(std::function<std::string(std::string_view text)> filter) { filter_ = std::move(filter); }
 
+    /// The path of the file that a record of this moment goes to; it need not exist yet.
+    std::string TodaysFile() const;
+
 private:
+    std::string PathOf(DateTime day) const;
+
     Files& files_;
     const Clock& clock_;
     std::string dir_;

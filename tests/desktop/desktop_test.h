@@ -45,6 +45,9 @@ public:
         if (AskYesNo(title, text); boxes) frmMonitor::ShowMessage(title, text);
     }
     void ShowError(const std::string& title, const std::string& text) override { ShowMessage(title, text); }
+    void ShowLoggedError(const std::string& title, const std::string& text) override {
+        if (AskYesNo(title, text); boxes) frmMonitor::ShowLoggedError(title, text);
+    }
     bool AskYesNo(const std::string& /*title*/, const std::string& text) override {
         said = text;
         std::function<void()>{onSaid}();

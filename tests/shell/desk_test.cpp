@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/entry/entry_save.h"
-#include "shell/list/server_list.h"
+#include "shell/list/list_filter.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
 #include "shell/shell_world.h"
@@ -111,6 +111,26 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
     w.Set("Server", " ");
     EXPECT_EQ(shown(), "UP, notifies nobody!!");
+}
+
+TEST(ListFilter, FindsEveryWordSomewhereWithoutRegardToCase) {
+    ServerRow row;
+    row.strCurStatus = "UP";
+    row.cells[column::ShortName] = "K\xC3\x96LN \xCE\xA3\xCE\x91\xCE\xA3 \xD0\x96\xD0\x81";
+    row.cells[column::FullName] = "host.example";
+    row.cells[column::Status] = "Requesting...";
+    row.cells[column::LastResponse] = "50% [a*b] \xF0\x9F\x98\x80 \xC3";
+    const SharedRows rows{std::make_shared<const ServerRow>(row)};
+    const auto found = [&](const std::string& text) { return std::string(Filtered(rows, {{}, text}).empty() ? "-" : "+"); };
+    EXPECT_EQ(Each("| \t |k\xC3\xB6ln|\xCF\x83\xCE\xB1\xCF\x82|\xD0\xB6\xD1\x91|HOST up|request up|host nowhere|5% "
+                   "a|[A*|%%|\xF0\x9F\x98\x80|\xC3|k.ln",
+                   found),
+              "+; +; +; +; +; +; +; -; -; +; -; +; +; -; ");
+    EXPECT_EQ(found(std::string(10'000, 'x')) + found(std::string(10'000, ' ')), "-+");
+    std::string words;
+    for (int i = 0; words.size() < 10'000; ++i)
+        words += "host " + std::to_string(i) + " ";
+    EXPECT_EQ(found(words), "-");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

@@ -52,7 +52,7 @@ struct RecordingProcesses : Processes {
 
     bool hasBrowser = true, browserStarts = true;
     std::string browser = "firefox.desktop";
-    std::vector<std::string> opened;  ///< pages
+    std::vector<std::string> opened;  ///< pages and texts
 
     int Shell(const std::string& command, WindowStyle style) override {
         if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
@@ -64,7 +64,7 @@ struct RecordingProcesses : Processes {
         browserStarts ? opened.push_back(path) : notOpened("No such file or directory");
         return browserStarts;
     }
-    bool OpenText(const std::string&, const NotOpened&) override { return true; }
+    bool OpenText(const std::string& path, const NotOpened&) override { return opened.push_back(path), true; }
 };
 
 class RecordingServiceManager : public ServiceManager {

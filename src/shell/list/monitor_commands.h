@@ -38,6 +38,7 @@ public:
     void cmdSave() { desk_.settings.cmdSave(); }
     void cmdReports() { desk_.reports.cmdReports_Click(); }
     void mnuFileOpen() { OpenText(desk_.legacyLog.FilePath()); }
+    void OpenTodaysLog() { OpenText(desk_.log.TodaysFile()); }
     void mnuFileGlobal() { OpenText(GlobalLogPath()); }
     void mnufilekvsettings() { OpenText(desk_.settings.GetSettingsFile()); }
 

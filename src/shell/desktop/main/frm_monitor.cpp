@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <algorithm>
 
+#include "shell/desktop/glance/command_button.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/run/run.h"
@@ -101,6 +102,7 @@ void frmMonitor::SetCaptions(const Captions& captions) {
 void frmMonitor::Place(bool shown) {
     move(screen()->availableGeometry().topLeft() + kPlace);
     columns_->Restore(run_->TheDesk().settingsFile);
+    RestoreView();
     placed_ = true;
     const bool outOfSight = !shown || hiddenAtStart_;
     if (outOfSight && MonitorTray::Available()) return HideOrIconify();
@@ -132,6 +134,7 @@ void frmMonitor::mnuTraySettings_Click() {
     run_->TheDesk().collection.setKvSettingsColValue("bMinimized", "False");
     welcomed_ = false;
     showNormal();
+    KeepOnScreen();
     SetWindowToFrontForeground();
     if (!welcomed_) WelcomeBack();  // when it left the task bar, this was done already
 }
@@ -158,6 +161,7 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
 // The operator has restored the window from the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) statusColours_->rehighlight();
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
     const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
     if (!wasMinimized || !WindowVisible()) return;
@@ -167,19 +171,24 @@ void frmMonitor::changeEvent(QEvent* event) {
 
 void frmMonitor::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
+    for (QPushButton* button : commandButtons_)
+        button->updateGeometry();
+    ProgressBar1->setMaximumWidth(width() < kNarrowWindow ? width() / 7 : QWIDGETSIZE_MAX);  // the texts beside it need the room
     Form_Resize();
 }
 
-// The list has room for one row more than there are entries, as far as the window allows; the status log gets the rest.
+// The list has room for one row more than there are entries, hidden ones too, as far as the window allows; the status log gets the
+// rest.
 void frmMonitor::Form_Resize() {
-    const int hint = ListView1->sizeHintForRow(0);
-    const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
-    const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
-    ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
+    rowHeight_ = std::max({kTwipsARow / kTwipsAPixel, rowHeight_, ListView1->sizeHintForRow(0)});
+    const int wanted = rowHeight_ * (static_cast<int>(model_->All().size()) + 1) + kTwipsBesideRows / kTwipsAPixel;
+    const int room = height() - kTwipsBesideList / kTwipsAPixel - HeightAroundList();
+    ListView1->setFixedHeight(std::max(4 * rowHeight_, std::min(wanted, room)));
 }
 
 void frmMonitor::RememberColumns() {
     columns_->Remember(run_->TheDesk().settingsFile);
+    RememberView();
 }
 
 // The keyboard returns to the list when the operator has closed a resource window in that window; a window closed by its mark did
@@ -217,6 +226,7 @@ void frmMonitor::Timer4_Timer() {
     SetClockText(now.substr(now.find(' ') + 1));
     ShowStopStart(monitoring_ || nBlink_ % kBlinkEvery != 0);
     cmdStopWaiting->setVisible(run_->WaitingToStart());
+    if (!monitoring_) stopped_->ShowSince(run_->TheDesk().clock.Now());
 }
 
 }  // namespace korvane

@@ -18,11 +18,15 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/operator.h"
 #include "platform/timer.h"
+#include "shell/desktop/glance/list_bar.h"
+#include "shell/desktop/glance/status_colours.h"
+#include "shell/desktop/glance/stopped_bar.h"
 #include "shell/desktop/main/list_columns.h"
 #include "shell/desktop/main/monitor_forms.h"
 #include "shell/desktop/main/monitor_tray.h"
@@ -33,6 +37,8 @@
 #include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
 #include "shell/run/monitor_window.h"
+
+class QBoxLayout;
 
 namespace korvane {
 
@@ -73,6 +79,7 @@ public:
     void SetWaitCursor(bool wait) override;
     void ShowMessage(const std::string& title, const std::string& text) override;
     void ShowError(const std::string& title, const std::string& text) override;
+    void ShowLoggedError(const std::string& title, const std::string& text) override;
     bool AskYesNo(const std::string& title, const std::string& text) override;
     void Ask(const std::string& title, const std::string& text, const std::function<void()>& yes,
              const std::function<void()>& no) override;
@@ -137,6 +144,9 @@ private:
     void BuildList();
     void BuildStatusBar();
     QWidget* ResourceMarks();
+    void BuildGlance(QBoxLayout& rows);
+    void BuildEmptyText();
+    void BuildLogCommands(QLayout& row);
     void BuildMenus();
     std::vector<Command> Commands();
 
@@ -149,11 +159,20 @@ private:
     ServerRow SelectedRow() const;  ///< empty texts when none is selected
     void CopyRowText();
     void RememberColumns();
+    void ApplyFilter();
+    void ShowCounts();
+    void LetBeSeen(const std::string& id);
+    std::set<std::string> AllIds() const;
+    void ShowStopped();
+    int HeightAroundList() const;
+    void RestoreView();
+    void RememberView();
+    void KeepOnScreen();
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
     void ResourceWindowHidden(ResourceMonitor monitor);
-    void ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text);
+    void ShowOrQueue(MessageQueue::Message message);
     QWidget* MessageParent() const;
 
     Run* run_ = nullptr;
@@ -173,6 +192,14 @@ private:
     std::unique_ptr<Timer> Timer3_;
     std::unique_ptr<Timer> Timer4_;
     ListColumns* columns_;
+    ListBar* bar_;
+    StoppedBar* stopped_;
+    QLabel* lblEmpty_;  ///< over an empty list
+    StatusColours* statusColours_;
+    std::vector<QPushButton*> commandButtons_;
+    std::vector<QWidget*> aroundList_;  ///< for which the list leaves room
+    std::string storedProblemsFirst_;
+    int rowHeight_ = 0;
     SavedLength width_;
     SavedLength height_;
     std::string mailState_;

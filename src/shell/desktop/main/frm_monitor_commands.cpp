@@ -71,6 +71,10 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kMonitor, "cmdStopWaiting", "Check &All Now", "F5", StartNow, [this] { commands_->cmdStopWaiting(); }, Where::Context},
         {kView, "mnuViewConversation", "&Server Conversation", "", none, [this] { conversation_.Show(); }},
         {kView, "mnuViewMail", "&Mail Conversation", "", none, [this] { mailTrace_.Show(); }},
+        {kView, ""},
+        {kView, "mnuViewFind", "&Find...", "Ctrl+F", none, [this] { bar_->Find(); }},
+        {kView, "mnuViewProblemsFirst", "&Problems First"},  // its mark is followed
+        {kView, "mnuViewShowAll", "Show &All", "", none, [this] { bar_->TakeFilterOff(); }},
         {kSettings, "mnuOptions", "&Options...", "Ctrl+,", Settings, [this] { forms_->ShowOptions(); }},
         {kHelp, "mnuHelpWeb", "&Help on the Web", "F1", Help, show(WebPage::mnuHelpWeb)},
         {kHelp, "mnuHelpFeatures", "Fea&tures", "", none, show(WebPage::mnuHelpFeatures)},
@@ -124,7 +128,7 @@ void frmMonitor::BuildMenus() {
         action->setShortcuts(QKeySequence::listFromString(command.keys));
         if (command.where == Where::List) action->setShortcutContext(Qt::WidgetShortcut);
         if (command.picture) action->setIcon(CommandIcon(*command.picture));
-        connect(action, &QAction::triggered, this, [run = command.run] { run(); });
+        connect(action, &QAction::triggered, this, [run = command.run] { run ? run() : void(); });
         menu->addAction(action);
         if (!ofTray) (command.where == Where::List ? static_cast<QWidget*>(ListView1) : this)->addAction(action);
         if (context != nullptr) context->addAction(action);
@@ -154,12 +158,14 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     if (editor_ != nullptr) return;
     SetIsAddUrl(isAddUrl);
     const int row = ListView1->currentIndex().row();
-    const auto saved = [this, id, row] {
+    const auto saved = [this, id, row, before = AllIds()] {
         RefreshURLList();
         Form_Resize();
         columns_->Fit();
         if (!id.empty()) SelectEntry(id);
         if (id.empty()) SelectRow(row);
+        for (const std::string& now : AllIds())
+            if (!before.contains(now)) LetBeSeen(now);
     };
     auto* editor = new frmURLData(run_->TheDesk(), isAddUrl, id, saved, this);
     editor_ = editor;
@@ -188,7 +194,9 @@ void frmMonitor::cmdDeleteURL_Click() {
 
 void frmMonitor::cmdCopyPaste_Click() {
     const std::string copy = commands_->CopyURL(SelectedRow().Id());
-    if (!copy.empty()) SelectEntry(copy);
+    if (copy.empty()) return;
+    LetBeSeen(copy);
+    SelectEntry(copy);
 }
 
 // Copies the row as the list shows it, for a mail or a spreadsheet.

@@ -4,11 +4,11 @@
 #include <QHeaderView>
 #include <QShortcut>
 #include <QStatusBar>
-#include <QStyleOptionButton>
-#include <QStylePainter>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/desktop/glance/command_button.h"
+#include "shell/desktop/glance/elided_label.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/toolkit/cut_cell_tips.h"
@@ -28,18 +28,18 @@ Widget* Named(Widget* widget, const char* name, const QString& accessibleName) {
     return widget;
 }
 
-/// In a narrow window the captions disappear; the pictures and the tool tips remain.
-class CommandButton : public QPushButton {
+/// Some space after a number, which the next column's text would touch.
+class ServerCells : public CutCellTips {
 public:
-    using QPushButton::QPushButton;
+    using CutCellTips::CutCellTips;
 
 protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QStyleOptionButton option;
-        initStyleOption(&option);
-        const int needed = 2 * iconSize().width() + fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-        if (width() < std::min(needed, sizeHint().width())) option.text.clear();
-        QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        CutCellTips::initStyleOption(option, index);
+        if (index.column() == column::Number || !option->displayAlignment.testFlag(Qt::AlignRight)) return;
+        option->features |= QStyleOptionViewItem::HasDecoration;
+        option->decorationPosition = QStyleOptionViewItem::Right;
+        option->decorationSize = QSize(option->fontMetrics.averageCharWidth() / 2, 1);
     }
 };
 
@@ -67,6 +67,7 @@ void frmMonitor::BuildWidgets() {
     rows->addWidget(txtStatus, 1);
     setCentralWidget(middle);
     BuildStatusBar();
+    BuildGlance(*rows);
     setMinimumSize(kLeastSize);
     resize(kFirstSize);
     ListView1->setFocus();
@@ -91,7 +92,7 @@ void frmMonitor::BuildList() {
     // No column determines the order until the operator clicks one: the entry that is due next is at the top.
     header.setSortIndicator(-1, Qt::AscendingOrder);
     ListView1->setSortingEnabled(true);
-    ListView1->setItemDelegate(new CutCellTips(ListView1));
+    ListView1->setItemDelegate(new ServerCells(ListView1));
     columns_ = new ListColumns(*ListView1, this);
     connect(ListView1, &QTreeView::doubleClicked, this, [this] { cmdEditURL_Click(); });
     connect(ListView1, &QWidget::customContextMenuRequested, this,
@@ -117,6 +118,7 @@ QLayout* frmMonitor::BuildButtons() {
         button->setToolTip(button->accessibleName());
         connect(button, &QPushButton::clicked, action, &QAction::trigger);
         row->addWidget(button);
+        commandButtons_.push_back(button);
         return button;
     };
     cmdStopStart = add("cmdStopStart", "S&top", "cmdStopStart");
@@ -142,8 +144,8 @@ QLayout* frmMonitor::BuildButtons() {
 // Both texts adapt to the window's width: a long one must not make it wider.
 QLayout* frmMonitor::BuildProgress() {
     auto* row = new QHBoxLayout;
-    lblCount = Named(new QLabel, "lblCount", "State of the cycle");
-    lblCo = Named(new QLabel, "lblCo", "Running work");
+    lblCount = Named(new ElidedLabel, "lblCount", "State of the cycle");
+    lblCo = Named(new ElidedLabel, "lblCo", "Running work");
     lblCo->setForegroundRole(QPalette::PlaceholderText);
     for (QLabel* label : {lblCount, lblCo})
         label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

@@ -43,6 +43,7 @@ void frmMonitor::SetProgress(int value, int max) {
 void frmMonitor::SetProgressTip(const std::string& text) {
     ProgressBar1->setToolTip(Lines(text));
     lblCo->setText(Q(text));
+    lblCo->setToolTip(lblCo->text());
 }
 
 void frmMonitor::SetTray(TrayPicture picture, const std::string& tip) {
@@ -66,6 +67,7 @@ void frmMonitor::SetMonitoring(bool on) {
     setWindowIcon(ProgramIcon(on));
     tray_.SetMonitoring(on);
     if (on) ShowStopStart(true);
+    if (run_ != nullptr) ShowStopped();
 }
 
 void frmMonitor::SetCustomerCount(int count) {
@@ -93,13 +95,14 @@ void frmMonitor::RefreshURLList() {
     }
     lblServers->setText(QString::number(rows.size()));
     desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
-    const int before = model_->rowCount();
+    const std::size_t before = model_->All().size(), shownBefore = static_cast<std::size_t>(model_->rowCount());
     model_->SetRows(std::move(rows));
-    if (model_->rowCount() != before) {
+    ShowCounts();
+    if (model_->All().size() != before) {
         Form_Resize();
         columns_->Fit();
     }
-    if (before == 0) SelectRow(0);  // so that the keyboard has a row to start from
+    if (shownBefore == 0) SelectRow(0);  // so that the keyboard has a row to start from
 }
 
 // Only over this window: dialogs stay unchanged while a check runs in the background.
@@ -115,20 +118,25 @@ QWidget* frmMonitor::MessageParent() const {
     return WindowVisible() ? const_cast<frmMonitor*>(this) : nullptr;
 }
 
-void frmMonitor::ShowOrQueue(frmMSG::Kind kind, const std::string& title, const std::string& text) {
+void frmMonitor::ShowOrQueue(MessageQueue::Message message) {
     if (!placed_ || run_->Loading()) {
-        frmMSG::Show(MessageParent(), kind, title, text);
+        frmMSG::Show(MessageParent(), message.kind, message.title, message.text);
     } else {
-        messages_.Add({kind, title, text});
+        messages_.Add(std::move(message));
     }
 }
 
 void frmMonitor::ShowMessage(const std::string& title, const std::string& text) {
-    ShowOrQueue(frmMSG::Kind::Information, title, text);
+    ShowOrQueue({frmMSG::Kind::Information, title, text});
 }
 
 void frmMonitor::ShowError(const std::string& title, const std::string& text) {
-    ShowOrQueue(frmMSG::Kind::StopSign, title, text);
+    ShowOrQueue({frmMSG::Kind::StopSign, title, text});
+}
+
+void frmMonitor::ShowLoggedError(const std::string& title, const std::string& text) {
+    ShowOrQueue(
+        {.kind = frmMSG::Kind::StopSign, .title = title, .text = text, .openLog = [this] { commands_->OpenTodaysLog(); }});
 }
 
 bool frmMonitor::AskYesNo(const std::string& title, const std::string& text) {

@@ -21,13 +21,15 @@ constexpr int kWidest = 2000;
 
 /// Space reserved in columns whose text changes by itself, so that they need not grow later.
 constexpr const char* kUsualTexts[column::Count] = {
-    "", "", "", "Requesting...", "59 secs. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
+    "", "", "", "Failing 10 of 10", "59 secs. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
 
+/// The texts to scan for are often long and seldom looked at.
+constexpr int kMostScanCharacters = 12;
 /// The operator's texts share the space that the other columns leave.
 constexpr int kSharing[] = {column::Group, column::ScanText, column::ShortName, column::FullName};
-constexpr int kLeastCharacters = 6;
+constexpr int kLeastCharacters = 9;
 /// Of the last column, which gets the remaining width.
-constexpr int kReasonCharacters = 32;
+constexpr int kReasonCharacters = 24;
 
 std::string Joined(const std::vector<int>& numbers) {
     std::string text;
@@ -65,9 +67,13 @@ bool ListColumns::eventFilter(QObject* watched, QEvent* event) {
 }
 
 int ListColumns::Need(int column) const {
+    QFont boldFont = list_.font();
+    boldFont.setBold(true);
+    const QFontMetrics bold(boldFont);
     const int margin = list_.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &list_) + 1;
-    const int usual = list_.fontMetrics().horizontalAdvance(kUsualTexts[column]) + 2 * margin;
-    const int content = static_cast<const QAbstractItemView&>(list_).sizeHintForColumn(column);
+    const int usual = (column == column::Status ? bold : list_.fontMetrics()).horizontalAdvance(kUsualTexts[column]) + 2 * margin;
+    int content = static_cast<const QAbstractItemView&>(list_).sizeHintForColumn(column);
+    if (column == column::ScanText) content = std::min(content, kMostScanCharacters * list_.fontMetrics().averageCharWidth());
     return std::max({usual, content, list_.header()->sectionSizeHint(column)});
 }
 

@@ -1,11 +1,12 @@
 // The list of all entries for a view: thirteen columns of text with the picture of the state, sorted by the text of one column. A
-// refresh identifies rows by their id, so that the selection follows its row to any place.
+// refresh identifies rows by their id, so that the selection follows its row to any place. Rows that a filter hides are kept.
 #pragma once
 
 #include <QAbstractTableModel>
+#include <memory>
 #include <vector>
 
-#include "shell/list/server_list.h"
+#include "shell/list/list_filter.h"
 
 namespace korvane {
 
@@ -13,11 +14,17 @@ class ServerListModel : public QAbstractTableModel {
 public:
     explicit ServerListModel(QObject* parent) : QAbstractTableModel(parent) {}
 
-    /// Replaces all rows and keeps the current order.
+    /// Replaces all rows and keeps the current order and filter.
     void SetRows(std::vector<ServerRow> rows);
-    const ServerRow& Row(int row) const { return rows_[static_cast<std::size_t>(row)]; }
-    /// Returns -1 when no row has the id.
+    void SetFilter(ListFilter filter);
+    /// DOWN first, then Failing; among themselves, and all others, in the order that sort() gives.
+    void SetProblemsFirst(bool problemsFirst);
+
+    const ServerRow& Row(int row) const { return *rows_[static_cast<std::size_t>(row)]; }
+    /// Returns -1 when no row that is shown has the id.
     int RowOf(const std::string& id) const;
+    /// All rows, hidden ones too, in the order in which they were set.
+    const SharedRows& All() const { return all_; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -27,11 +34,15 @@ public:
     void sort(int column, Qt::SortOrder order) override;
 
 private:
-    void Sort(std::vector<ServerRow>& rows) const;
-    void RemoveGone(const std::vector<ServerRow>& rows);
-    void Replace(std::vector<ServerRow> rows);
+    void ShowFiltered();
+    void Sort(SharedRows& rows) const;
+    void RemoveGone(const SharedRows& rows);
+    void Replace(SharedRows rows);
 
-    std::vector<ServerRow> rows_;
+    SharedRows all_;
+    SharedRows rows_;  ///< that are shown
+    ListFilter filter_;
+    bool problemsFirst_ = false;
     int sortColumn_ = -1;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
 };

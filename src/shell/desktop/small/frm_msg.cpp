@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QStyle>
 #include <QTextDocument>
 #include <QTimer>
@@ -63,9 +64,17 @@ frmMSG::frmMSG(Kind kind, const std::string& title, const std::string& text, Ans
     const DialogButton ok{"cmdOk", "O&K", QDialogButtonBox::AcceptRole};
     const DialogButton yes{"cmdYes", "&Yes", QDialogButtonBox::AcceptRole}, no{"cmdNo", "&No", QDialogButtonBox::RejectRole};
     // Most questions are about something that cannot be undone.
-    layout->addWidget(answers == Answers::YesNo ? NewButtons(this, {yes, no}, "cmdNo") : NewButtons(this, {ok}, "cmdOk"));
+    buttons_ = answers == Answers::YesNo ? NewButtons(this, {yes, no}, "cmdNo") : NewButtons(this, {ok}, "cmdOk");
+    layout->addWidget(buttons_);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     setAccessibleDescription(text_);
+}
+
+void frmMSG::AddOpenLog(const std::function<void()>& open) {
+    QPushButton* const button = buttons_->addButton("Open Today's &Log", QDialogButtonBox::ActionRole);
+    button->setObjectName("cmdOpenLog");
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, open);
 }
 
 QLayout* frmMSG::Message(Kind kind, const QString& line1, const QString& line2) {
@@ -121,6 +130,7 @@ void MessageQueue::ShowNext() {
     Message next = std::move(waiting_.front());
     waiting_.pop_front();
     shown_ = new frmMSG(next.kind, next.title, next.text, next.answers, parent_());
+    if (next.openLog) shown_->AddOpenLog(next.openLog);
     shown_->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(shown_, &QDialog::finished, &context_,
                      [closed = std::move(next.closed)](int result) { closed(result == QDialog::Accepted); });

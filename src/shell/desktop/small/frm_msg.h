@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 
+class QDialogButtonBox;
 class QLayout;
 
 namespace korvane {
@@ -24,6 +25,9 @@ public:
     frmMSG(Kind kind, const std::string& title, const std::string& text, Answers answers, QWidget* parent,
            const std::string& line1 = "", const std::string& line2 = "");
 
+    /// Adds a button that opens the log of the day and leaves the message open.
+    void AddOpenLog(const std::function<void()>& open);
+
     /// Shows the message over `parent`, which may be null, and returns when it is closed. Everything else continues meanwhile,
     /// and `parent` may be gone afterwards.
     static void Show(QWidget* parent, Kind kind, const std::string& title, const std::string& text);
@@ -37,6 +41,7 @@ private:
     QLayout* Message(Kind kind, const QString& line1, const QString& line2);
 
     QString text_;
+    QDialogButtonBox* buttons_;
 };
 
 /// Messages and questions that block nothing: each is shown when the previous one is closed, and everything else continues
@@ -49,6 +54,7 @@ public:
         std::string text;
         frmMSG::Answers answers = frmMSG::Answers::Ok;
         std::function<void(bool accepted)> closed = [](bool) {};
+        std::function<void()> openLog = {};  ///< without it there is no such button
     };
 
     /// `parent` returns the window over which to show a message at that moment; null is allowed.

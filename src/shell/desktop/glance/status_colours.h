@@ -1,0 +1,26 @@
+// The colours of the status log: lines that report a failure stand out, times and rules of dashes step back. The text itself is
+// never changed.
+#pragma once
+
+#include <QSyntaxHighlighter>
+
+class QPlainTextEdit;
+
+namespace korvane {
+
+class StatusColours : public QSyntaxHighlighter {
+public:
+    /// To be told of a change of the palette by rehighlight().
+    explicit StatusColours(QPlainTextEdit& box);
+
+    /// Whether the text of a line, without its time, reports a failure.
+    static bool IsFailure(const QString& text);
+
+protected:
+    void highlightBlock(const QString& line) override;
+
+private:
+    QPlainTextEdit& box_;
+};
+
+}  // namespace korvane
