@@ -119,6 +119,7 @@ protected:
         {"said", [&](auto&) { return std::exchange(window->said, "nothing"); }},
         {"title", [&](auto&) { return S(form->windowTitle()); }},
         {"focus", [&](auto&) { return S(form->focusWidget()->objectName()); }},
+        {"told", [&](auto& of) { return S(Get(of).accessibleDescription()); }},
         {"mark", [&](auto& of) { return Get(of).styleSheet().isEmpty() ? "" : S(Get(of).accessibleDescription()); }},
         {"list", [&](auto& of) { return Cells(of.empty() ? column::ShortName : std::stoi(of)); }},
         {"watched",

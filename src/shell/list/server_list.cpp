@@ -46,14 +46,6 @@ constexpr ListColumn kListColumns[column::Count] = {
     {"Last Response", "strLastResponse"},
 };
 
-// An unknown status, written by another tool, has the picture of an inactive entry.
-RowIcon IconOf(std::string_view strCurStatus) {
-    for (const auto& [word, icon] : kIcons) {
-        if (word == strCurStatus) return icon;
-    }
-    return RowIcon::Inactive;
-}
-
 std::string RowNumber(int n) {
     return (n < 10 ? "0" : "") + std::to_string(n) + " ";
 }
@@ -73,15 +65,18 @@ std::string NextTryCell(const Value& dtNextCheck, DateTime now, bool requested) 
 ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     ServerRow row;
     const auto cell = [&](column::Column column) -> std::string& { return row.cells[column]; };
-    const std::string strCurStatus = rs.Fields("strCurStatus").Value().Text();
-    row.icon = requested ? RowIcon::Cur : IconOf(strCurStatus);
+    row.strCurStatus = rs.Fields("strCurStatus").Value().Text();
+    row.icon = requested ? RowIcon::Cur : StateOf(row.strCurStatus);
     cell(column::Number) = RowNumber(n);
     cell(column::ServerID) = std::to_string(rs.Fields("id").Value().Int64());
-    cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, strCurStatus);
+    cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, row.strCurStatus);
     for (std::size_t at = 0; at < column::Count; ++at)
         if (!kListColumns[at].stored.empty()) row.cells[at] = rs.Fields(kListColumns[at].stored).Value().Text();
     // One invalid value must hide neither its entry nor the others.
-    IgnoreErrors([&] { cell(column::NextTry) = NextTryCell(rs.Fields("dtnextcheck").Value(), now, requested); });
+    IgnoreErrors([&] {
+        row.dtNextCheck = rs.Fields("dtnextcheck").Value();
+        cell(column::NextTry) = NextTryCell(row.dtNextCheck, now, requested);
+    });
     cell(column::Interval) = FormatDuration(rs.Fields("nIntervalSeconds").Value().Text());
     IgnoreErrors([&] {
         const Value average = rs.Fields("nAveResponse").Value();
@@ -105,6 +100,13 @@ std::string LongDuration(double seconds) {
 
 std::string_view ColumnHead(int column) {
     return kListColumns[column].head;
+}
+
+RowIcon StateOf(std::string_view strCurStatus) {
+    for (const auto& [word, icon] : kIcons) {
+        if (word == strCurStatus) return icon;
+    }
+    return RowIcon::Inactive;
 }
 
 std::string FormatDuration(const std::string& seconds) {

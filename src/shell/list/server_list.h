@@ -42,12 +42,18 @@ std::string_view ColumnHead(int column);
 struct ServerRow {
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
-    bool warns = false;  ///< the status contains a warning
+    bool warns = false;        ///< the status contains a warning
+    std::string strCurStatus;  ///< as it is stored, also while the row is being requested
+    Value dtNextCheck = {};    ///< as it is stored: another one after each check
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.
     const std::string& Name() const { return cells[cells[column::ShortName].empty() ? column::FullName : column::ShortName]; }
 };
+
+/// Returns the picture of the status as it is stored. An unknown one, written by another tool, has that of an inactive entry; own
+/// network down and not checked count as failing.
+RowIcon StateOf(std::string_view strCurStatus);
 
 /// Returns all rows, starting with the entry that is due next. `requesting` marks the first row as the one that is being
 /// requested. With `alertPath`, a status contains the warning of its entry. Throws Error.

@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <algorithm>
 
+#include "shell/desktop/glance/detail_strip.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/run/run.h"
@@ -49,6 +50,7 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     commands_ = std::make_unique<MonitorCommands>(run);
     resources_ =
         std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
+    AttachDetail();
     forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
     Timer3_->SetEnabled(true);
     Timer4_->SetEnabled(true);
@@ -101,6 +103,7 @@ void frmMonitor::SetCaptions(const Captions& captions) {
 void frmMonitor::Place(bool shown) {
     move(screen()->availableGeometry().topLeft() + kPlace);
     columns_->Restore(run_->TheDesk().settingsFile);
+    RestoreDetail();
     placed_ = true;
     const bool outOfSight = !shown || hiddenAtStart_;
     if (outOfSight && MonitorTray::Available()) return HideOrIconify();
@@ -172,10 +175,12 @@ void frmMonitor::resizeEvent(QResizeEvent* event) {
 
 // The list has room for one row more than there are entries, as far as the window allows; the status log gets the rest.
 void frmMonitor::Form_Resize() {
+    detail_->SetWindowHeight(height());
+    const int beside = kTwipsBesideList / kTwipsAPixel + detail_->TakenHeight();
     const int hint = ListView1->sizeHintForRow(0);
     const int row = std::max(kTwipsARow / kTwipsAPixel, hint);
     const int wanted = row * (model_->rowCount() + 1) + kTwipsBesideRows / kTwipsAPixel;
-    ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - kTwipsBesideList / kTwipsAPixel)));
+    ListView1->setFixedHeight(std::max(4 * row, std::min(wanted, height() - beside)));
 }
 
 void frmMonitor::RememberColumns() {

@@ -14,6 +14,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeView>
+#include <QVBoxLayout>
 #include <array>
 #include <functional>
 #include <map>
@@ -36,6 +37,7 @@
 
 namespace korvane {
 
+class DetailStrip;
 class Run;
 
 class frmMonitor : public QMainWindow, public Operator, public MonitorWindow {
@@ -138,6 +140,11 @@ private:
     void BuildStatusBar();
     QWidget* ResourceMarks();
     void BuildMenus();
+    void BuildDetail(QVBoxLayout& rows, int at);
+    void AttachDetail();
+    void ShowDetail();
+    void RestoreDetail();
+    void mnuViewDetail();
     std::vector<Command> Commands();
 
     void HideOrIconify();
@@ -163,6 +170,7 @@ private:
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
     std::function<void()> exit_;
     ServerListModel* model_;
+    DetailStrip* detail_;
     MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
     std::map<std::string, QAction*> actions_;  ///< by name
     QMenu* context_;                           ///< of the list

@@ -71,6 +71,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kMonitor, "cmdStopWaiting", "Check &All Now", "F5", StartNow, [this] { commands_->cmdStopWaiting(); }, Where::Context},
         {kView, "mnuViewConversation", "&Server Conversation", "", none, [this] { conversation_.Show(); }},
         {kView, "mnuViewMail", "&Mail Conversation", "", none, [this] { mailTrace_.Show(); }},
+        {kView, "mnuViewDetail", "Show &Details", "", none, [this] { mnuViewDetail(); }},
         {kSettings, "mnuOptions", "&Options...", "Ctrl+,", Settings, [this] { forms_->ShowOptions(); }},
         {kHelp, "mnuHelpWeb", "&Help on the Web", "F1", Help, show(WebPage::mnuHelpWeb)},
         {kHelp, "mnuHelpFeatures", "Fea&tures", "", none, show(WebPage::mnuHelpFeatures)},

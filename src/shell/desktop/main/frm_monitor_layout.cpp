@@ -67,6 +67,7 @@ void frmMonitor::BuildWidgets() {
     rows->addWidget(txtStatus, 1);
     setCentralWidget(middle);
     BuildStatusBar();
+    BuildDetail(*rows, rows->indexOf(ListView1) + 1);
     setMinimumSize(kLeastSize);
     resize(kFirstSize);
     ListView1->setFocus();

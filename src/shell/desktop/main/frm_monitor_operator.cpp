@@ -99,6 +99,7 @@ void frmMonitor::RefreshURLList() {
         Form_Resize();
         columns_->Fit();
     }
+    ShowDetail();
     if (before == 0) SelectRow(0);  // so that the keyboard has a row to start from
 }
 
