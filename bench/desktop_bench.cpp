@@ -95,6 +95,22 @@ void LongFilter(benchmark::State& state) {
     }
 }
 
+/// The strip with the details of one entry after another, painted, of which each has a hundred thousand failures.
+void ShowDetailAndPaint(benchmark::State& state) {
+    Desktop desktop;
+    desktop.world->rows.Connected()->Execute(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 200000) INSERT INTO Failures (ID, IDParent, "
+        "nFailCount, nFailMax, strReason, strAction, dateFail) SELECT i, i % 2 + 1, 1, 3, 'Connection timed out', 'None.', "
+        "datetime('2026-01-01', i * 60 || ' seconds') FROM n");
+    const ServerListModel& model = static_cast<ServerListModel&>(*desktop.window->ListView1->model());
+    const QModelIndex entries[] = {model.index(model.RowOf("1"), 0), model.index(model.RowOf("2"), 0)};
+    desktop.window->resize(1280, 800);
+    for (int i = 0; auto _ : state) {
+        desktop.window->ListView1->setCurrentIndex(entries[++i % 2]);
+        QApplication::processEvents();
+    }
+}
+
 void RowsAlone(benchmark::State& state) {
     TestDatabase database;
     database.AddMany(Entries());
@@ -127,6 +143,7 @@ BENCHMARK(RefreshSortedAndPainted)->Unit(benchmark::kMillisecond);
 BENCHMARK(RefreshFiltered)->Unit(benchmark::kMillisecond);
 BENCHMARK(KeyInFind)->Unit(benchmark::kMillisecond);
 BENCHMARK(LongFilter)->Unit(benchmark::kMillisecond);
+BENCHMARK(ShowDetailAndPaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(RowsAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(QueryAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(StatusLine)->Unit(benchmark::kMicrosecond);

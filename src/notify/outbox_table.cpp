@@ -18,6 +18,8 @@ constexpr std::string_view kWaitingMails =
 constexpr std::string_view kLastTaken =
     "SELECT ID, strReceipt, dtState FROM MailOutbox WHERE strReceipt <> '' ORDER BY dtState DESC, ID DESC LIMIT 1";
 
+constexpr std::string_view kAmongTheLast = " AND ID > (SELECT max(ID) FROM MailOutbox) - 1000 ORDER BY ID DESC LIMIT 5";
+
 constexpr std::string_view kWaitingState = "waiting";
 constexpr std::string_view kSentState = "sent";
 constexpr std::string_view kGivenUpState = "given up";
@@ -180,6 +182,23 @@ OutboxTable::Contents OutboxTable::Look() {
     contents.lastReceipt = CellText(*last, "strReceipt");
     contents.lastTaken = DateTime::FromStored(CellText(*last, "dtState"));
     return contents;
+}
+
+std::vector<OutboxTable::Receipt> OutboxTable::MailsOf(Connection& conn, std::int64_t idEntry) {
+    std::vector<Receipt> mails;
+    if (!Exists(conn)) return mails;
+    const auto rs =
+        OpenRows(store_, conn,
+                 "SELECT ID, strEvent, dtCreated, strEmailList, strEmailLeft, strState, strReceipt, strLastError FROM "
+                 "MailOutbox WHERE IDParent = " +
+                     std::to_string(idEntry) + std::string(kAmongTheLast),
+                 CursorType::Static);
+    for (; !rs->Eof(); rs->MoveNext()) {
+        const auto text = [&](const char* column) { return CellText(*rs, column); };
+        mails.push_back({EventOf(text("strEvent")), DateTime::FromStored(text("dtCreated")), text("strEmailList"),
+                         text("strEmailLeft"), text("strState"), text("strReceipt"), text("strLastError")});
+    }
+    return mails;
 }
 
 void OutboxTable::Forget(DateTime before) {

@@ -62,6 +62,19 @@ public:
     /// Returns nothing at all when there is no table.
     Contents Look();
 
+    /// What has become of a mail about an entry.
+    struct Receipt {
+        MailEvent event = MailEvent::Other;
+        std::optional<DateTime> created;
+        std::string recipients;  ///< all of them, with ";" between
+        std::string left;        ///< those that have not got it
+        std::string state;       ///< "waiting", "sent" or "given up"
+        std::string receipt;     ///< the answer of the server that took it
+        std::string lastError;
+    };
+    /// Returns the newest few mails about the entry among the last thousand of the table, the newest first. Empty without a table.
+    std::vector<Receipt> MailsOf(Connection& conn, std::int64_t idEntry);
+
     /// Removes what was sent or given up before that moment.
     void Forget(DateTime before);
 

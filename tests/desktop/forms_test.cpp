@@ -1,6 +1,7 @@
 // What holds for every form: its controls have names and keys of their own, Return presses its default button, Escape writes nothing,
 // and it may go at each point where something that it began still waits. And what needs more than a script.
 #include "desktop/desktop_test.h"
+#include "shell/desktop/glance/detail_strip.h"
 
 namespace korvane::forms_test {
 
@@ -140,6 +141,38 @@ TEST_F(AllForms, CellsShowTextsAsTheyAreAndTipsThoseThatAreCut) {
         QApplication::sendEvent(list.viewport(), &pointed);
         EXPECT_EQ(Holds(S(QToolTip::text()), "a group"), cut);
     }
+}
+
+TEST_F(AllForms, TheDetailsAreReadOnlyWhenTheyMayHaveChanged) {
+    int read = 0;
+    EntryDetail detail;
+    detail.isThere = true;
+    DetailStrip strip([] {}, window.get());
+    strip.Attach(world->world.clock, [&](const std::string&) { return ++read, detail; });
+    ServerRow row, other;
+    row.strCurStatus = "UP";
+    row.cells[column::ServerID] = "1", other.cells[column::ServerID] = "2", other.strCurStatus = "DOWN";
+    const auto reads = [&](const std::vector<ServerRow>& rows) {
+        strip.SetSelected(rows), Settle();
+        return std::exchange(read, 0);
+    };
+    strip.SetWindowHeight(559);
+    EXPECT_EQ(reads({row}), 0) << "it is hidden";
+    strip.SetWindowHeight(560), Settle();
+    EXPECT_EQ(std::exchange(read, 0), 1);
+    row.icon = RowIcon::Cur, row.cells[column::Status] = "Requesting...", row.cells[column::NextTry] = "Now...";
+    EXPECT_EQ(reads({row}), 0);
+    row.dtNextCheck = DateTime();
+    EXPECT_EQ(reads({row}), 1) << "it was checked";
+    row.cells[column::ShortName] = "renamed";
+    EXPECT_EQ(reads({row}), 1);
+    world->RunFor(59s);
+    EXPECT_EQ(reads({row}), 0);
+    world->RunFor(1s);
+    EXPECT_EQ(reads({row}), 1) << "a mail or an hour may have ended";
+    EXPECT_EQ(reads({row, other, row}), 0);
+    EXPECT_EQ(S(strip.findChild<QTextEdit*>()->toPlainText()), "3 servers selected\nDOWN: 1\nUP: 2");
+    EXPECT_EQ(reads({other}), 1);
 }
 
 }  // namespace korvane::forms_test

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "shell/entry/entry_save.h"
+#include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
+#include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
 #include "shell/shell_world.h"
@@ -84,6 +86,89 @@ TEST(GlobalEmail, IsSavedInItsOrderAndGivenToAllOrNone) {
     };
     EXPECT_EQ(Each("with a fault|Yes", give), "0; 3; ");
     EXPECT_TRUE(w.Heard().starts_with("reloaded; ! Data updated; ")) << "the file last";
+}
+
+/// The rows as any tool may have written them, and what is told of entry 1.
+struct DetailWorld : StartedWorld {
+    EntryDetail Look() { return LoadEntryDetail(desk, 1, world.clock.Now()); }
+    std::string Says(const std::string& statement) {
+        rows.Connected()->Execute(statement);
+        const EntrySentences says = InSentences(Look(), world.clock.Now());
+        std::string all;
+        for (const std::string& each : {says.title, says.state + says.since, says.reason, says.done, says.notified, says.figures})
+            all += (all.empty() ? "" : "|") + each;
+        return all + (says.failures.empty() ? "" : "|" + says.failures.front());
+    }
+};
+
+TEST(EntryDetail, TellsTheRowsAndCallsWhatIsUnreadableUnknown) {
+    DetailWorld w;
+    w.rows.Add({.strDesc = "", .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 0, 40)});
+    Play(R"(
+$ UPDATE Servers SET nFail = 0 => 10.0.0.1|UP, no failure on record|||Nobody is notified.|Not checked yet · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET nFail = 2, nSuccess = 1998, nPercentUp = 99.9, datelastfail = '2026-11-20 13:00:00', strEmailList1 = 'a@x, b@x' => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Mailed to a@x, b@x: failures and recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET strEmailList1 = '', strEmailList2 = 'c@x', bSendUpNotify = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: the first list is empty.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET strEmailList2 = NULL, nTries = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: with 0 tries no failure is mailed.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 2 min
+$ UPDATE Servers SET strCurStatus = 'Down-Time', strDownTime1 = '2:30 pm', nDownDuration1 = 90, nTries = 3 => 10.0.0.1|Down-Time since 2:30:00 PM until 11/21/2026 3:00:40 PM|||Nobody is notified.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET strCurStatus = 'Inactive', datelastcheck = '2026-11-18 12:00:00', bIsMonitoring = 0 => 10.0.0.1|Inactive, last checked 11/18/2026 12:00:00 PM (3 d 3 h ago)|||Nobody is notified.|Up-time 99.90 % · next check in 40 s · outages are not noticed
+$ UPDATE Servers SET strCurStatus = 'DOWN', nTriesCur = 4, bIsMonitoring = 1, strLastResponse = 'late <b>', strEmailList1 = 'a@x' => 10.0.0.1|DOWN since unknown, 4 failures in a row|late <b>||Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
+$ INSERT INTO Failures (ID, IDParent, nFailCount, nFailMax, strReason, strAction, dateFail) VALUES (1, 1, 3, 3, 'old', 'None.', '2026-11-20 10:00:00'), (2, 1, 1, 3, 'r', '', '2026-11-21 14:00:00'), (3, 1, 2, 3, 'r', '', '2026-11-21 14:01:00'), (4, 1, 3, 3, 'r', 'None.<ul><li>up.sh was executed. ' || char(13, 10) || '<li>Server DOWN Email Notification <font color=red>FAILED</font>  because ''550''.<li>Server configured so a Server UP Notification <b>will</b> be sent</ul>', '2026-11-21 14:02:00'), (5, 1, 4, 3, 'refused', 'None.', '2026-11-21 14:58:00'), (6, 2, 9, 3, 'another', 'None.', '2026-11-21 14:59:00') => 10.0.0.1|DOWN since 11/21/2026 2:02:00 PM (58 min), 4 failures in a row|refused|At 2:02:00 PM: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min|2:58:00 PM  4 of 3  refused
+$ UPDATE Servers SET strCurStatus = 'Failing' => 10.0.0.1|Failing since 11/21/2026 2:00:00 PM (1 h), 4 of 3 tries failed|refused|At 2:02:00 PM: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min|2:58:00 PM  4 of 3  refused
+$ DELETE FROM Failures WHERE ID < 4 => 10.0.0.1|Failing since before 11/21/2026 2:02:00 PM (58 min), 4 of 3 tries failed|refused|At 2:02:00 PM: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min|2:58:00 PM  4 of 3  refused
+$ UPDATE Servers SET strCurStatus = 'DOWN' => 10.0.0.1|DOWN since 11/21/2026 2:02:00 PM (58 min), 4 failures in a row|refused|At 2:02:00 PM: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min|2:58:00 PM  4 of 3  refused
+$ UPDATE Failures SET dateFail = 'then', nFailCount = 'x', strReason = NULL => 10.0.0.1|DOWN since unknown, 4 failures in a row|late <b>|At unknown: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures, not recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min|unknown  unknown of 3  no reason given
+$ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPercentUp = 1e300, nSuccess = 'x', datelastfail = 'x', strAddress_IP = NULL, nIntervalSeconds = 'x', strDownTime1 = 'x', bSendUpNotify = 'x' => DOWN since unknown, unknown failures in a row|late <b>|At unknown: up.sh was executed. Mail FAILED: '550'.|Mailed to a@x: failures and recoveries|Up-time unknown · next check unknown · how soon an outage is noticed is unknown|unknown  unknown of 3  no reason given
+)",
+         [&](const auto& statement) { return w.Says(statement); });
+    w.Set("MailOutbox", "True");
+    OutboxTable outbox(w.store, w.home);
+    const DateTime then = DateTime::Of(2026, 11, 21, 14, 2, 1);
+    const auto mail = outbox.Add({.idEntry = 1, .event = MailEvent::Failure, .recipients = {"a@x", "b@x"}, .created = then});
+    EXPECT_TRUE(Holds(w.Says("UPDATE Failures SET dateFail = '2026-11-21 14:02:00'"),
+                      "Mail of 2:02:01 PM to a@x;b@x: waits for a@x;b@x."));
+    outbox.NoteTaken(mail, {}, "250 OK", then);
+    EXPECT_TRUE(
+        Holds(w.Says("INSERT INTO Response (id, idParent, txtType, dtCur, nAveResponse) VALUES (1, 1, 'hour', '2026-11-21 "
+                     "14:40:00', 310.4), (2, 1, 'hour', '2026-11-20 16:00:00', 5.25), (3, 1, 'hour', '2026-11-20 "
+                     "15:59:59', 1), (4, 1, 'hour', 'x', 3), (5, 1, 'day', '2026-11-20 23:50:00', 1234.5), (6, 1, "
+                     "'hour', '2026-11-21 13:00:00', 'x'), (7, 2, 'hour', '2026-11-21 14:40:00', 9)"),
+              "to a@x;b@x: taken (250 OK)."));
+    EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
+              "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
+              "failures");
+    w.rows.Remove("Servers", 1);
+    EXPECT_EQ(InSentences(w.Look(), {}).title, "This server cannot be read.");
+}
+
+TEST(EntryDetail, NoOutageLastsLongerUntilItIsNoticed) {
+    const auto noticed = [](const std::string& entry) {
+        std::istringstream order(entry);
+        std::string retry;
+        Entry columns;
+        order >> columns.strType >> columns.strExpectedText >> columns.nIntervalSeconds >> columns.nTries >> columns.nTimeout >>
+            retry;
+        columns.strPort = "25", columns.strAddress_IP = "10.0.0.1";
+        StartedWorld w;
+        w.Set("GlobalRetryDuration", retry);
+        w.net.Host("10.0.0.1").Echo(3ms).Port(25).Speak("220 ready\r\n");
+        w.net.Page("http://10.0.0.1").Answer("220", 3ms);
+        w.rows.Add(columns);
+        const auto is = [&](const char* status) { return w.Cells("strCurStatus") == status + std::string("; "); };
+        while (w.Cells("nSuccess") == "0; ")
+            w.RunFor(1s);
+        const auto within = LoadEntryDetail(w.desk, 1, w.world.clock.Now()).noticedWithin.value();
+        const DateTime start = w.world.clock.Now();
+        w.net.Host("10.0.0.1").EchoSilent().Port(25).Anew().Accept(7s);
+        w.net.Page("http://10.0.0.1").Anew().Silent();
+        while (!is("DOWN") && w.world.clock.Now() - start < 3h)
+            w.RunFor(1s);
+        const auto took = w.world.clock.Now() - start;
+        return std::to_string(within.count()) +
+               (took <= within && within - took <= 5s * columns.nTries ? "" : " but " + std::to_string(took.count()));
+    };
+    EXPECT_EQ(
+        Each("HTTP 220 60 3 15 60|HTTP 220 600 3 15 30|HTTP 220 20 1 5 60|PING 1000 300 5 15 90|SMTP 220 600 3 15 60", noticed),
+        "228; 708; 26; 675; 813; ");
 }
 
 TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {

@@ -73,7 +73,10 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     for (std::size_t at = 0; at < column::Count; ++at)
         if (!kListColumns[at].stored.empty()) row.cells[at] = rs.Fields(kListColumns[at].stored).Value().Text();
     // One invalid value must hide neither its entry nor the others.
-    IgnoreErrors([&] { cell(column::NextTry) = NextTryCell(rs.Fields("dtnextcheck").Value(), now, requested); });
+    IgnoreErrors([&] {
+        row.dtNextCheck = rs.Fields("dtnextcheck").Value();
+        cell(column::NextTry) = NextTryCell(row.dtNextCheck, now, requested);
+    });
     cell(column::Interval) = FormatDuration(rs.Fields("nIntervalSeconds").Value().Text());
     IgnoreErrors([&] {
         const Value average = rs.Fields("nAveResponse").Value();

@@ -44,6 +44,7 @@ struct ServerRow {
     RowIcon icon = RowIcon::Good;
     bool warns = false;        ///< the status contains a warning
     std::string strCurStatus;  ///< as it is stored, also while the row is being requested
+    Value dtNextCheck = {};    ///< as it is stored: another one after each check
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "shell/desktop/glance/command_button.h"
+#include "shell/desktop/glance/detail_strip.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/run/run.h"
@@ -50,6 +51,7 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     commands_ = std::make_unique<MonitorCommands>(run);
     resources_ =
         std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
+    AttachDetail();
     forms_ = std::make_unique<MonitorForms>(run.TheDesk(), *this, [this] { resources_->LoadData(); });
     Timer3_->SetEnabled(true);
     Timer4_->SetEnabled(true);
@@ -103,6 +105,7 @@ void frmMonitor::Place(bool shown) {
     move(screen()->availableGeometry().topLeft() + kPlace);
     columns_->Restore(run_->TheDesk().settingsFile);
     RestoreView();
+    RestoreDetail();
     placed_ = true;
     const bool outOfSight = !shown || hiddenAtStart_;
     if (outOfSight && MonitorTray::Available()) return HideOrIconify();
@@ -180,9 +183,10 @@ void frmMonitor::resizeEvent(QResizeEvent* event) {
 // The list has room for one row more than there are entries, hidden ones too, as far as the window allows; the status log gets the
 // rest.
 void frmMonitor::Form_Resize() {
+    detail_->SetWindowHeight(height());
     rowHeight_ = std::max({kTwipsARow / kTwipsAPixel, rowHeight_, ListView1->sizeHintForRow(0)});
     const int wanted = rowHeight_ * (static_cast<int>(model_->All().size()) + 1) + kTwipsBesideRows / kTwipsAPixel;
-    const int room = height() - kTwipsBesideList / kTwipsAPixel - HeightAroundList();
+    const int room = height() - kTwipsBesideList / kTwipsAPixel - HeightAroundList() - detail_->TakenHeight();
     ListView1->setFixedHeight(std::max(4 * rowHeight_, std::min(wanted, room)));
 }
 

@@ -14,6 +14,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeView>
+#include <QVBoxLayout>
 #include <array>
 #include <functional>
 #include <map>
@@ -42,6 +43,7 @@ class QBoxLayout;
 
 namespace korvane {
 
+class DetailStrip;
 class Run;
 
 class frmMonitor : public QMainWindow, public Operator, public MonitorWindow {
@@ -148,6 +150,11 @@ private:
     void BuildEmptyText();
     void BuildLogCommands(QLayout& row);
     void BuildMenus();
+    void BuildDetail(QVBoxLayout& rows, int at);
+    void AttachDetail();
+    void ShowDetail();
+    void RestoreDetail();
+    void mnuViewDetail();
     std::vector<Command> Commands();
 
     void HideOrIconify();
@@ -182,6 +189,7 @@ private:
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
     std::function<void()> exit_;
     ServerListModel* model_;
+    DetailStrip* detail_;
     MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
     std::map<std::string, QAction*> actions_;  ///< by name
     QMenu* context_;                           ///< of the list

@@ -75,6 +75,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kView, "mnuViewFind", "&Find...", "Ctrl+F", none, [this] { bar_->Find(); }},
         {kView, "mnuViewProblemsFirst", "&Problems First"},  // its mark is followed
         {kView, "mnuViewShowAll", "Show &All", "", none, [this] { bar_->TakeFilterOff(); }},
+        {kView, "mnuViewDetail", "Show &Details", "", none, [this] { mnuViewDetail(); }},
         {kSettings, "mnuOptions", "&Options...", "Ctrl+,", Settings, [this] { forms_->ShowOptions(); }},
         {kHelp, "mnuHelpWeb", "&Help on the Web", "F1", Help, show(WebPage::mnuHelpWeb)},
         {kHelp, "mnuHelpFeatures", "Fea&tures", "", none, show(WebPage::mnuHelpFeatures)},

@@ -68,6 +68,7 @@ void frmMonitor::BuildWidgets() {
     setCentralWidget(middle);
     BuildStatusBar();
     BuildGlance(*rows);
+    BuildDetail(*rows, rows->indexOf(ListView1) + 1);
     setMinimumSize(kLeastSize);
     resize(kFirstSize);
     ListView1->setFocus();

@@ -102,6 +102,7 @@ void frmMonitor::RefreshURLList() {
         Form_Resize();
         columns_->Fit();
     }
+    ShowDetail();
     if (shownBefore == 0) SelectRow(0);  // so that the keyboard has a row to start from
 }
 

@@ -1,0 +1,306 @@
+#include "shell/desktop/glance/detail_strip.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTimer>
+#include <map>
+
+#include "shell/desktop/glance/state_colours.h"
+#include "shell/desktop/look/icons.h"
+#include "shell/desktop/toolkit/qt_text.h"
+#include "shell/list/entry_detail_text.h"
+
+namespace korvane {
+namespace {
+
+constexpr int kLines = 9;  ///< of text in the strip
+constexpr int kLeastWindowHeight = 560;
+constexpr int kCharactersForTimes = 120;
+constexpr int kCharactersForSpan = 165;
+constexpr int kCharactersForFailures = 76;
+constexpr int kEdge = 4;
+constexpr std::chrono::seconds kReadAgainAfter{60};
+constexpr const char* kDaysKey = "Alt+6";
+constexpr const char* kCloseKey = "Alt+X";
+
+constexpr const char* kNothingSelected =
+    "Select a server in the list to see its state, its response times and its last failures.";
+
+QString Coloured(const QString& text, const QColor& colour) {
+    return "<span style='color:" + colour.name() + "'>" + text + "</span>";
+}
+
+QString Escaped(const std::string& text) {
+    return Lines(text).toHtmlEscaped().replace('\n', ' ');
+}
+
+template <class Widget>
+Widget* WithName(Widget* widget, const char* name, const QString& accessibleName) {
+    widget->setObjectName(name);
+    widget->setAccessibleName(accessibleName);
+    return widget;
+}
+
+/// A button that looks like a link.
+QPushButton* NewLink(const char* name, const QString& caption, const QString& accessibleName, const char* key, QWidget* parent) {
+    auto* link = WithName(new QPushButton(caption, parent), name, accessibleName);
+    link->setShortcut(QKeySequence(key));
+    link->setToolTip(accessibleName + " (" + key + ")");
+    link->setAutoDefault(false);
+    link->setCursor(Qt::PointingHandCursor);
+    link->setStyleSheet(
+        "QPushButton { border: 1px solid transparent; background: none; color: palette(link); text-decoration: underline; "
+        "padding: 0 1px; } QPushButton:focus { border-color: palette(link); border-radius: 2px; } "
+        "QPushButton:disabled { color: palette(placeholder-text); }");
+    return link;
+}
+
+QLabel* NewHeading(const QString& text, QWidget* parent) {
+    auto* heading = new QLabel(text, parent);
+    heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    return heading;
+}
+
+template <class Layout>
+Layout* WithoutMargins(Layout* layout) {
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    return layout;
+}
+
+}  // namespace
+
+DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(parent) {
+    WithName(this, "detailStrip", "Details of the selection");
+    setFixedHeight(fontMetrics().lineSpacing() * kLines + 2 * fontMetrics().averageCharWidth());
+    auto* columns = new QHBoxLayout(this);
+    const int space = fontMetrics().averageCharWidth();
+    columns->setContentsMargins(kEdge + 2 * space, space, space, space);
+    columns->setSpacing(2 * space);
+    imgState_ = new QLabel(this);
+    txtDetail_ = new DetailText("txtDetail", "Details of the selected server", this);
+    columns->addWidget(imgState_, 0, Qt::AlignTop);
+    columns->addWidget(txtDetail_, 5);
+    columns->addWidget(BuildTimes(), 4);
+    columns->addWidget(BuildFailures(), 4);
+    cmdClose_ = WithName(new QPushButton(QString(QChar(0x2715)), this), "cmdCloseDetail", "Hide the details");
+    cmdClose_->setShortcut(QKeySequence(kCloseKey));
+    cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
+    cmdClose_->setAutoDefault(false);
+    cmdClose_->setFlat(true);
+    cmdClose_->setFixedSize(fontMetrics().height() + space, fontMetrics().height() + space);
+    connect(cmdClose_, &QPushButton::clicked, this, [close = std::move(close)] { close(); });
+    columns->addWidget(cmdClose_, 0, Qt::AlignTop);
+    hide();
+}
+
+QWidget* DetailStrip::BuildTimes() {
+    times_ = new QWidget(this);
+    auto* rows = WithoutMargins(new QVBoxLayout(times_));
+    auto* head = WithoutMargins(new QHBoxLayout);
+    lblTimes_ = NewHeading("", times_);
+    lblTimes_->setObjectName("lblTimes");
+    cmdDays_ = NewLink("cmdDays", "", "Response times of the last 30 days", kDaysKey, times_);
+    cmdDays_->setCheckable(true);
+    connect(cmdDays_, &QPushButton::toggled, this, [this] { ShowTimes(); });
+    head->addWidget(lblTimes_, 1);
+    head->addWidget(cmdDays_);
+    rows->addLayout(head);
+    chart_ = WithName(new ResponseChart(times_), "chartTimes", "Response times");
+    rows->addWidget(chart_, 1);
+    times_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
+    return times_;
+}
+
+QWidget* DetailStrip::BuildFailures() {
+    failures_ = new QWidget(this);
+    auto* rows = WithoutMargins(new QVBoxLayout(failures_));
+    rows->addWidget(NewHeading("<b>Last failures</b>", failures_));
+    txtFailures_ = new DetailText("txtFailures", "Last failures of the selected server", failures_);
+    txtFailures_->setWordWrapMode(QTextOption::NoWrap);
+    rows->addWidget(txtFailures_, 1);
+    links_ = WithoutMargins(new QHBoxLayout);
+    links_->setSpacing(fontMetrics().averageCharWidth());
+    links_->addStretch(1);
+    rows->addLayout(links_);
+    failures_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
+    return failures_;
+}
+
+void DetailStrip::Attach(const Clock& clock, Load load) {
+    clock_ = &clock;
+    load_ = std::move(load);
+}
+
+void DetailStrip::AddLink(const char* name, const QString& caption, const QString& accessibleName, const char* key,
+                          QAction& command) {
+    QPushButton* const link = NewLink(name, caption, accessibleName, key, failures_);
+    links_->insertWidget(links_->count() - 1, link);
+    setTabOrder(link, cmdClose_);
+    const auto follow = [link, &command] { link->setEnabled(command.isEnabled()); };
+    follow();
+    connect(&command, &QAction::changed, link, follow);
+    connect(link, &QPushButton::clicked, &command, &QAction::trigger);
+}
+
+void DetailStrip::SetSelected(std::vector<ServerRow> rows) {
+    rows_ = std::move(rows);
+    Later();
+}
+
+void DetailStrip::SetWanted(bool wanted) {
+    wanted_ = wanted;
+    ShowIfWanted();
+}
+
+void DetailStrip::SetWindowHeight(int height) {
+    windowHeight_ = height;
+    ShowIfWanted();
+}
+
+void DetailStrip::ShowIfWanted() {
+    setVisible(wanted_ && windowHeight_ >= kLeastWindowHeight);
+}
+
+int DetailStrip::TakenHeight() const {
+    return isHidden() ? 0 : height() + parentWidget()->layout()->spacing();
+}
+
+// Keys that are held down and refreshes in a row cost one update.
+void DetailStrip::Later() {
+    if (later_ || !isVisible()) return;
+    later_ = true;
+    QTimer::singleShot(0, this, [this] {
+        later_ = false;
+        if (isVisible() && clock_ != nullptr) Update();
+    });
+}
+
+// A row that is being requested differs only in its picture and its status.
+bool DetailStrip::IsStale(const ServerRow& row) const {
+    if (!shown_ || shown_->Id() != row.Id() || clock_->Now() - readAt_ >= kReadAgainAfter || clock_->Now() < readAt_) return true;
+    const auto stays = [&](int column) {
+        const auto at = static_cast<std::size_t>(column);
+        return column == column::Number || column == column::Status || column == column::NextTry ||
+               row.cells[at] == shown_->cells[at];
+    };
+    for (int column = 0; column < column::Count; ++column)
+        if (!stays(column)) return true;
+    return row.strCurStatus != shown_->strCurStatus || row.dtNextCheck != shown_->dtNextCheck;
+}
+
+void DetailStrip::Update() {
+    if (rows_.size() != 1) {
+        shown_.reset();
+        ShowCounts();
+    } else {
+        if (IsStale(rows_.front())) {
+            detail_ = load_(rows_.front().Id());
+            shown_ = detail_.isThere ? std::optional(rows_.front()) : std::nullopt;
+            readAt_ = clock_->Now();
+        }
+        ShowEntry();
+    }
+    ShowPages();
+    update();
+}
+
+void DetailStrip::ShowEntry() {
+    const EntrySentences says = InSentences(detail_, clock_->Now());
+    state_ = StateOf(detail_.strCurStatus);
+    const QColor quiet = QuietInk(palette());
+    const auto line = [](const QString& text) { return text.isEmpty() ? "" : "<div>" + text + "</div>"; };
+    const QString state = Coloured("<b>" + Escaped(says.state) + "</b>", ColoursOf(state_, palette()).ink);
+    const bool nobody = detail_.isThere && detail_.recipients.empty();
+    const QString notified = nobody ? Coloured("<b>" + Escaped(says.notified) + "</b>", ColoursOf(RowIcon::Warn, palette()).ink)
+                                    : Coloured(Escaped(says.notified), quiet);
+    imgState_->setPixmap(StateIcon(state_).pixmap(fontMetrics().height()));
+    imgState_->setVisible(detail_.isThere);
+    txtDetail_->Show(line("<b>" + Escaped(says.title) + "</b>") + (says.state.empty() ? "" : line(state + Escaped(says.since))) +
+                     line(Escaped(says.reason)) + line(Coloured(Escaped(says.figures), quiet)) + line(notified) +
+                     line(Coloured(Escaped(says.done), quiet)));
+    ShowFailures(says.failures);
+    ShowTimes();
+}
+
+void DetailStrip::ShowFailures(const std::vector<std::string>& failures) {
+    QString html;
+    for (const std::string& failure : failures)
+        html += "<div>" + Escaped(failure).replace("  ", "&nbsp; ") + "</div>";
+    txtFailures_->Show(html.isEmpty() ? Coloured("None on record.", QuietInk(palette())) : html);
+}
+
+void DetailStrip::ShowTimes() {
+    const bool days = cmdDays_->isChecked();
+    chart_->SetTimes(days ? detail_.days : detail_.hours, days);
+    const QString range = chart_->Range();
+    const QString span = days ? "30 days" : "24 hours";
+    const bool wide = width() >= fontMetrics().averageCharWidth() * kCharactersForSpan;
+    lblTimes_->setText("<b>Response time" + (wide ? ", " + span : "") + "</b> " + Coloured(range, QuietInk(palette())));
+    chart_->setAccessibleName("Response times of the last " + span);
+    cmdDays_->setText(days ? "24 hours" : "30 days");
+    cmdDays_->setShortcut(QKeySequence(kDaysKey));  // a new text takes it away
+}
+
+void DetailStrip::ShowCounts() {
+    std::map<RowIcon, std::pair<int, std::string>> counts;
+    for (const ServerRow& row : rows_) {
+        auto& [count, word] = counts[StateOf(row.strCurStatus)];
+        ++count;
+        word = row.strCurStatus;
+    }
+    imgState_->hide();
+    if (rows_.empty()) {
+        const QString above = QString::number(fontMetrics().lineSpacing() * (kLines - 1) / 2);
+        return txtDetail_->Show("<p align='center' style='margin-top:" + above + "px'>" +
+                                Coloured(kNothingSelected, QuietInk(palette())) + "</p>");
+    }
+    QString html = "<div><b>" + QString::number(rows_.size()) + " servers selected</b></div>";
+    for (const RowIcon state : {RowIcon::Bad, RowIcon::Warn, RowIcon::Good, RowIcon::DownTime, RowIcon::Inactive})
+        if (const auto found = counts.find(state); found != counts.end())
+            html += "<div>" + Coloured("<b>" + Escaped(found->second.second) + "</b>", ColoursOf(state, palette()).ink) + ": " +
+                    QString::number(found->second.first) + "</div>";
+    txtDetail_->Show(html);
+}
+
+void DetailStrip::ShowPages() {
+    const int characters = width() / fontMetrics().averageCharWidth();
+    times_->setVisible(shown_ && characters >= kCharactersForTimes);
+    failures_->setVisible(shown_ && characters >= kCharactersForFailures);
+}
+
+// What is shown is read again when the operator comes back from a dialog, which may have changed it.
+void DetailStrip::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) shown_.reset();
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ActivationChange) Later();
+}
+
+void DetailStrip::showEvent(QShowEvent* event) {
+    QFrame::showEvent(event);
+    Later();
+}
+
+void DetailStrip::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    if (shown_) ShowTimes();
+    ShowPages();
+}
+
+void DetailStrip::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath card;
+    card.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kEdge, kEdge);
+    painter.fillPath(card, palette().base());
+    painter.setClipPath(card);
+    const QColor edge = shown_ ? ColoursOf(state_, palette()).ink : palette().color(QPalette::Mid);
+    painter.fillRect(QRect(0, 0, kEdge, height()), edge);
+    painter.setClipping(false);
+    painter.strokePath(card, QPen(palette().color(QPalette::Mid), 1));
+}
+
+}  // namespace korvane
