@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "shell/entry/entry_save.h"
+#include "shell/entry/fail_text_rules.h"
+#include "shell/list/entry_acts.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
@@ -64,6 +66,36 @@ TEST(Entry, WarningsDoNotStopTheSaveAndARowThatIsGoneIsNamed) {
     EXPECT_EQ(
         w.Heard(),
         R"(! Sorry, please convert your host name to an ..P address here.; ! do not use http://, https://, or ftp:// etc..pop3, smtp etc.; ping.example; ! do not use http://, https://, or ftp:// etc..pop3, smtp etc.; x; ! DB Error: Couldn't save  SELECT * from servers where id =1; ! Error with Database. Current record ID='77'..rs where id =77; )");
+}
+
+TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}, {.strDesc = "", .strAddress_IP = "c.example"}});
+    EntryActs acts(w.desk);
+    const auto column = [&](const std::string& name) {
+        return Each("1|2|3", [&](const auto& id) { return w.rows.Server(std::stoll(id)).at(name).Text(); });
+    };
+    for (const int id : {1, 2, 3})
+        w.rows.Change("Servers", id, {{"dtNextCheck", w.world.clock.Now() + (id == 2 ? -90s : 60s)}});
+    w.rows.Change("Servers", 1, {{"bIsMonitoring", false}});
+    const auto before = w.rows.Server(2);
+    EXPECT_EQ(acts.CheckNow({"1", "3", "77"}), "1 entry checked next.  2 entries paused: resume first.");
+    EXPECT_EQ(w.rows.Server(3).at("dtNextCheck"), Value(w.world.clock.Now() + -91s)) << "before the one that waits longest";
+    EXPECT_EQ(w.rows.Server(2), before);
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 2});
+    EXPECT_THROW(acts.Set({"1", "2", "3"}, {{&EntryFields::strGroup, "x"}}), Error);
+    EXPECT_THROW(acts.Set({"1"}, {{&EntryFields::strGroup, "x"}, {&EntryFields::nIntervalSeconds, ""}}), Error);
+    EXPECT_EQ(column("strGroup"), "Group1; Group1; Group1; ");
+    FailTextRows rules;
+    rules[1] = {"gone", "restart.sh"};
+    FailTextRules(w.desk, w.rows.DriverString(), "3").Save(rules);
+    const std::string copy = acts.Duplicate("3");
+    EXPECT_EQ(w.Cells("ID|strDesc|nFailScanText|strCurStatus"), copy + "; Copy of c.example; 1; UP; ");
+    EXPECT_EQ(FailTextRules(w.desk, w.rows.DriverString(), copy).Open().rows[0], rules[1]);
+    EXPECT_EQ(acts.Duplicate("77") + acts.Copy(""), "");
+    const auto page = [](const auto& entry) { return PageOfEntry("Https", entry, "8080"); };
+    EXPECT_EQ(Each("a/b:1|[::1]/x|a:1|-x; rm| ", page),
+              "https://a:8080/b:1; https://[::1]:8080/x; https://a:1; https://-x;%20rm:8080; ; ");
 }
 
 TEST(GlobalEmail, IsSavedInItsOrderAndGivenToAllOrNone) {

@@ -1,8 +1,12 @@
 #include "shell/entry/entry_hints.h"
 
+#include <utility>
+
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/server_table.h"
+#include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
 
 namespace korvane {
@@ -19,6 +23,44 @@ std::string ExplainConversation(const EntryFields& fields) {
     }
     return text;
 }
+
+constexpr std::pair<std::string EntryFields::*, const char*> kNumbers[] = {{&EntryFields::nIntervalSeconds, "Check every"},
+                                                                           {&EntryFields::nTries, "Times to try"}};
+
+/// What the rules about odd numbers look at. A text that is no number is none of them.
+struct NumbersOfEntry {
+    NumbersOfEntry(const EntryFields& fields, int mostWebPort)
+        : isPing(IsPingType(fields.strType)), highestPort(IsWebType(fields.strType) ? mostWebPort : kHighestPort) {
+        IgnoreErrors([&] { tries = ParseWhole(fields.nTries); });
+        IgnoreErrors([&] { interval = ParseWhole(fields.nIntervalSeconds); });
+        if (!isPing) timeout = WholeOrZero(fields.nTimeout);
+        port = WholeOrZero(fields.strPort);
+        limit = fields.strExpectedText.empty() ? 1 : WholeOrZero(fields.strExpectedText);
+    }
+
+    bool isPing;
+    std::int64_t highestPort, tries = 1, interval = 1, timeout = 0, port = 0, limit = 1;
+};
+
+struct OddNumber {
+    bool (*is)(const NumbersOfEntry& numbers);
+    const char* consequence;
+};
+
+constexpr OddNumber kOddNumbers[] = {
+    {[](const NumbersOfEntry& of) { return of.tries < 1; },
+     "Times to try: with less than 1 the server counts as DOWN at its first failure, but no mail is sent and no command is run."},
+    {[](const NumbersOfEntry& of) { return of.interval < 1; },
+     "Check every: with less than 1 second the server is due again at once, and the other servers wait for it."},
+    {[](const NumbersOfEntry& of) { return of.interval >= 1 && of.interval < of.timeout; },
+     "Check every: the next check is due before the time-out of this one has passed.  While the server does not answer, the "
+     "other "
+     "servers wait."},
+    {[](const NumbersOfEntry& of) { return of.port > of.highestPort; },
+     "Port: it is too high, so each check ends with an error and the server stays due."},
+    {[](const NumbersOfEntry& of) { return of.isPing && (of.limit < 1 || of.limit > 32767); },
+     "PING timeout: it must be a number of milliseconds from 1 to 32767, otherwise no ping succeeds."},
+};
 
 }  // namespace
 
@@ -47,6 +89,23 @@ std::string ExplainDownTime(const std::string& time, const std::string& minutes)
     if (Trim(time).empty()) return "Without a time there is no change: a time that was saved before stays.";
     if (Trim(minutes).empty()) return "This server is not checked from " + time + " on, each day: say for how many minutes.";
     return "This server is not checked for " + minutes + " minutes from " + time + " on, each day.";
+}
+
+std::string ExplainRecipients(const EntryFields& fields) {
+    const bool nobody = Trim(fields.strEmailList1).empty() && Trim(fields.strEmailList2).empty();
+    return nobody ? "Nobody is notified: neither list has an address." : "";
+}
+
+std::string ExplainNumbers(const EntryFields& fields, int highestWebPort) {
+    std::string text;
+    const auto add = [&text](const std::string& sentence) { text += (text.empty() ? "" : "\n") + sentence; };
+    for (const auto& [field, name] : kNumbers)
+        if (const std::string why = NumberRefusal(InputOf(field), fields.*field); !why.empty())
+            add(std::string(name) + ": " + why + " What was saved before stays.");
+    const NumbersOfEntry numbers(fields, highestWebPort);
+    for (const OddNumber& each : kOddNumbers)
+        if (each.is(numbers)) add(each.consequence);
+    return text;
 }
 
 std::string IntervalInMinutes(const std::string& seconds) {

@@ -16,6 +16,13 @@ std::string ExplainDisplayName(const EntryFields& fields);
 /// Explains when the entry is not checked each day, according to down time 1 or 2 as typed so far.
 std::string ExplainDownTime(const std::string& time, const std::string& minutes);
 
+/// Returns "Nobody is notified ..." as long as there is no recipient, otherwise an empty text.
+std::string ExplainRecipients(const EntryFields& fields);
+
+/// Explains what follows from numbers that are allowed and odd, such as 0 tries; empty for ordinary ones. Web pages on a port above
+/// `highestWebPort` cannot be checked.
+std::string ExplainNumbers(const EntryFields& fields, int highestWebPort);
+
 /// Returns "Seconds.  (1.5 minutes).".
 std::string IntervalInMinutes(const std::string& seconds);
 

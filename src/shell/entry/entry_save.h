@@ -31,6 +31,18 @@ struct EntryRefusal {
 /// Checks the down times and the good statuses.
 std::optional<EntryRefusal> CheckInputs(const EntryFields& fields);
 
+/// Returns why the column of the input cannot hold the text: it is not a number, or too large. Empty if it can.
+std::string NumberRefusal(const EntryInput& input, const std::string& text);
+
+/// Reads the column of the input. Throws Error.
+void ReadInput(Recordset& row, const EntryInput& input, EntryFields& fields);
+
+/// Puts the stored form of the input into the row, and what follows from it; the caller updates the row. Throws Error.
+void WriteInput(Recordset& row, const EntryInput& input, const EntryFields& fields);
+
+/// Takes a saved down time away; the caller updates the row. Throws Error.
+void RemoveDownTime(Recordset& row, const EntryDownTime& downTime);
+
 /// Returns the message about a host name where ping needs an address.
 std::string NotAnAddressMessage(const std::string& name);
 

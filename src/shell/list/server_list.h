@@ -43,6 +43,7 @@ struct ServerRow {
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
     bool warns = false;  ///< the status contains a warning
+    bool isMonitored = false;
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.

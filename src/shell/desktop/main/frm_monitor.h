@@ -23,6 +23,7 @@
 
 #include "platform/operator.h"
 #include "platform/timer.h"
+#include "shell/desktop/main/entry_commands.h"
 #include "shell/desktop/main/list_columns.h"
 #include "shell/desktop/main/monitor_forms.h"
 #include "shell/desktop/main/monitor_tray.h"
@@ -139,6 +140,7 @@ private:
     QWidget* ResourceMarks();
     void BuildMenus();
     std::vector<Command> Commands();
+    void AttachEntryCommands();
 
     void HideOrIconify();
     void SetWindowToFrontForeground();
@@ -146,8 +148,7 @@ private:
     void OpenEditor(bool isAddUrl, const std::string& id);
     void SelectRow(int row);
     void SelectEntry(const std::string& id);
-    ServerRow SelectedRow() const;  ///< empty texts when none is selected
-    void CopyRowText();
+    ServerRow SelectedRow() const;  ///< of several, the one with the focus; empty texts when none is selected
     void RememberColumns();
     void Timer3_Timer();
     void Timer4_Timer();
@@ -158,6 +159,7 @@ private:
 
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
+    std::unique_ptr<EntryCommands> entryCommands_;
     std::unique_ptr<ResourceWindows> resources_;
     std::unique_ptr<MonitorForms> forms_;
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};
