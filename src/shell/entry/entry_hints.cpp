@@ -1,5 +1,6 @@
 #include "shell/entry/entry_hints.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -24,8 +25,9 @@ std::string ExplainConversation(const EntryFields& fields) {
     return text;
 }
 
-constexpr std::pair<std::string EntryFields::*, const char*> kNumbers[] = {{&EntryFields::nIntervalSeconds, "Check every"},
-                                                                           {&EntryFields::nTries, "Times to try"}};
+constexpr std::size_t kShownOfNumber = 12;
+constexpr std::pair<std::string EntryFields::*, const char*> kNumberInputs[] = {{&EntryFields::nIntervalSeconds, "Check every"},
+                                                                                {&EntryFields::nTries, "Times to try"}};
 
 /// What the rules about odd numbers look at. A text that is no number is none of them.
 struct NumbersOfEntry {
@@ -47,19 +49,17 @@ struct OddNumber {
     const char* consequence;
 };
 
+/// The worst first.
 constexpr OddNumber kOddNumbers[] = {
-    {[](const NumbersOfEntry& of) { return of.tries < 1; },
-     "Times to try: with less than 1 the server counts as DOWN at its first failure, but no mail is sent and no command is run."},
-    {[](const NumbersOfEntry& of) { return of.interval < 1; },
-     "Check every: with less than 1 second the server is due again at once, and the other servers wait for it."},
-    {[](const NumbersOfEntry& of) { return of.interval >= 1 && of.interval < of.timeout; },
-     "Check every: the next check is due before the time-out of this one has passed.  While the server does not answer, the "
-     "other "
-     "servers wait."},
+    {[](const NumbersOfEntry& of) { return of.tries < 1; }, "Times to try: below 1 it counts as DOWN, but nobody is notified."},
     {[](const NumbersOfEntry& of) { return of.port > of.highestPort; },
-     "Port: it is too high, so each check ends with an error and the server stays due."},
+     "Port: it is too high to be checked, and the entry stays due."},
     {[](const NumbersOfEntry& of) { return of.isPing && (of.limit < 1 || of.limit > 32767); },
-     "PING timeout: it must be a number of milliseconds from 1 to 32767, otherwise no ping succeeds."},
+     "PING timeout: write 1 to 32767, otherwise no ping succeeds."},
+    {[](const NumbersOfEntry& of) { return of.interval < 1; },
+     "Check every: below 1 second the other servers wait for this one."},
+    {[](const NumbersOfEntry& of) { return of.interval < of.timeout; },
+     "Check every: shorter than the time-out, so others may have to wait."},
 };
 
 }  // namespace
@@ -91,21 +91,19 @@ std::string ExplainDownTime(const std::string& time, const std::string& minutes)
     return "This server is not checked for " + minutes + " minutes from " + time + " on, each day.";
 }
 
-std::string ExplainRecipients(const EntryFields& fields) {
-    const bool nobody = Trim(fields.strEmailList1).empty() && Trim(fields.strEmailList2).empty();
-    return nobody ? "Nobody is notified: neither list has an address." : "";
+std::string ExplainRecipients(const EntryFields& fields, bool outboxIsOn) {
+    if (!Trim(fields.strEmailList1).empty()) return "";
+    if (Trim(fields.strEmailList2).empty()) return "Nobody is notified: neither list has an address.";
+    return outboxIsOn ? "" : "Nobody is notified: without an address in #1 no mail is sent to those in #2.";
 }
 
 std::string ExplainNumbers(const EntryFields& fields, int highestWebPort) {
-    std::string text;
-    const auto add = [&text](const std::string& sentence) { text += (text.empty() ? "" : "\n") + sentence; };
-    for (const auto& [field, name] : kNumbers)
-        if (const std::string why = NumberRefusal(InputOf(field), fields.*field); !why.empty())
-            add(std::string(name) + ": " + why + " What was saved before stays.");
+    for (const auto& [field, name] : kNumberInputs)
+        if (!NumberRefusal(InputOf(field), fields.*field).empty())
+            return std::string(name) + ": '" + Left(fields.*field, kShownOfNumber) + "' is no such number; the saved one stays.";
     const NumbersOfEntry numbers(fields, highestWebPort);
-    for (const OddNumber& each : kOddNumbers)
-        if (each.is(numbers)) add(each.consequence);
-    return text;
+    const auto* const odd = std::ranges::find_if(kOddNumbers, [&](const OddNumber& each) { return each.is(numbers); });
+    return odd == std::end(kOddNumbers) ? "" : odd->consequence;
 }
 
 std::string IntervalInMinutes(const std::string& seconds) {

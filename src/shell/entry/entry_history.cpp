@@ -10,7 +10,7 @@
 namespace korvane {
 namespace {
 
-constexpr std::string_view kGroups = "SELECT DISTINCT strGroup from servers where strGroup <> '' order by strGroup";
+constexpr std::string_view kGroupsQuery = "SELECT DISTINCT strGroup from servers where strGroup <> '' order by strGroup";
 
 }  // namespace
 
@@ -34,7 +34,7 @@ std::vector<std::string> ExistingGroups(const Desk& desk) {
     std::vector<std::string> groups;
     IgnoreErrors([&] {
         const auto connection = OpenDatabase(desk.store, desk.dir);
-        for (const auto row = OpenRows(desk.store, *connection, kGroups, CursorType::Static); !row->Eof(); row->MoveNext())
+        for (const auto row = OpenRows(desk.store, *connection, kGroupsQuery, CursorType::Static); !row->Eof(); row->MoveNext())
             groups.push_back(ColumnText(*row, "strGroup"));
     });
     return groups;

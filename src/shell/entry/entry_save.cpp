@@ -65,15 +65,15 @@ ColumnValues DefaultsOf(const clsGlobalEmail& email) {
 }
 
 void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, LastError& last) {
-    clsGlobalEmail email(desk.files, desk.dir);
-    last.Try([&] { email.OpenFile(); });
+    ColumnValues values;
+    last.Try([&] { values = NewEntryValues(desk); });
     const auto row = desk.store.NewRecordset();
     last.Try([&] { row->Open(kNoRows, connection, CursorType::Keyset, LockType::Optimistic); });
     last.Try([&] { row->AddNew(); });
     last.Try([&] { entry.strID = desk.ids.NewServerID(); });
     last.Try([&] { row->Fields("id") = ParseWhole(entry.strID); });
     desk.log.Info("Adding new server In " + entry.strID + " Form_Load of frmURLData: " + last.Text());
-    for (const auto& [column, value] : FreshEntry(DefaultsOf(email), desk.clock.Now()))
+    for (const auto& [column, value] : values)
         last.Try([&row, name = column, &what = value] { row->Fields(name) = what; });
     last.Try([&] { row->Update(); });
     last.Try([&] { row->Close(); });
@@ -112,6 +112,12 @@ void CleanName(const Desk& desk, EntryFields& fields, const std::function<void(c
 }
 
 }  // namespace
+
+ColumnValues NewEntryValues(const Desk& desk) {
+    clsGlobalEmail email(desk.files, desk.dir);
+    IgnoreErrors([&] { email.OpenFile(); });
+    return FreshEntry(DefaultsOf(email), desk.clock.Now());
+}
 
 OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID) {
     OpenedEntry entry;

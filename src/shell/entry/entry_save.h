@@ -7,6 +7,7 @@
 #include <string>
 
 #include "shell/entry/entry_inputs.h"
+#include "shell/entry/fresh_entry.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -17,6 +18,9 @@ struct OpenedEntry {
     EntryFields fields;
     std::string strLastResponse;
 };
+
+/// Returns the values of a new entry: those of every new entry, and the global addresses.
+ColumnValues NewEntryValues(const Desk& desk);
 
 /// First adds the row if `isAddUrl`; it is then in the store, whatever the operator does next. Otherwise `strID` selects the row.
 /// Shows a message when there is no row. Throws nothing: errors are ignored and logged.

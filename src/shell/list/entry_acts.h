@@ -13,6 +13,9 @@
 
 namespace korvane {
 
+/// The program holds no more: the operator can add one as long as there are fewer.
+inline constexpr int kMostEntries = 499;
+
 /// An input of the editor and the text for it.
 using EntryChange = std::pair<std::string EntryFields::*, std::string>;
 

@@ -12,15 +12,14 @@
 namespace korvane {
 namespace {
 
-constexpr int kMostEntries = 499;
-
 constexpr const char* kNoRoomToAdd =
     "Sorry, 500 is the maximum number of Server Entries supported for the production version.  "
     "Please remove or edit some unused, or less important URLs from the list.";
 constexpr const char* kNoRoomToCopy =
     "Sorry, 500 is the maximum number of Servers supported for the production version.  "
     "Please remove or edit some unused, or less important Servers from the list.";
-constexpr const char* kStopped = "Monitoring is stopped, so nothing is checked.  Click the Start button to start monitoring.";
+constexpr const char* kMonitoringIsStopped =
+    "Monitoring is stopped, so nothing is checked.  Click the Start button to start monitoring.";
 constexpr const char* kResetGraph = "This will delete the response time data for all servers (the hourly and daily graphs).";
 constexpr const char* kResetSummary =
     "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  "
@@ -96,7 +95,7 @@ std::string MonitorCommands::CopyOf(const std::string& id, std::string (EntryAct
 }
 
 void MonitorCommands::CheckNow(const EntryActs::Ids& ids) {
-    if (!run_.State().bMonitoring) return desk_.person.ShowMessage(kMessageTitle, kStopped);
+    if (!run_.State().bMonitoring) return desk_.person.ShowMessage(kMessageTitle, kMonitoringIsStopped);
     Do([&](EntryActs& acts) { return acts.CheckNow(ids); });
     run_.WakeUp();
 }

@@ -14,8 +14,8 @@
 namespace korvane {
 namespace {
 
-constexpr int kHelpLines = 3;
-constexpr int kBoxCharacters = 52;
+constexpr int kSetHelpLines = 3;
+constexpr int kSetBoxCharacters = 52;
 
 }  // namespace
 
@@ -27,12 +27,13 @@ frmSetEntries::frmSetEntries(const Desk& desk, const QString& title, const Field
       fields_(fields),
       accepted_(std::move(accepted)),
       inputs_(EntryInputs()) {
-    content_->addWidget(NewLabel("lblEntries", "For " + Q(CountedEntries(entries.size())) + ":", this));
+    content_->addWidget(NewLabel(
+        "lblEntries", "For " + Q(CountedEntries(entries.size())) + ".  A box that is left as it is changes nothing.", this));
     QFormLayout& form = AddForm(*content_);
     for (const auto field : fields)
         AddInput(form, field, entries);
     content_->addStretch();
-    AddStatus(kHelpLines);
+    AddStatus(kSetHelpLines);
     auto* buttons = new QDialogButtonBox(this);
     AddButton(*buttons, {"cmdOk", "O&K"}, QDialogButtonBox::AcceptRole, [this] { cmdOk_Click(); })->setDefault(true);
     AddButton(*buttons, {"cmdCancel", "&Cancel"}, QDialogButtonBox::RejectRole, [this] { reject(); });
@@ -52,7 +53,8 @@ void frmSetEntries::AddInput(QFormLayout& form, std::string EntryFields::*field,
     if (isCommon) box->setText(Q(entries.front().*field));
     if (!isCommon) box->setPlaceholderText("Several");
     box->selectAll();
-    if (field != &EntryFields::nIntervalSeconds) return box->setMinimumWidth(fontMetrics().averageCharWidth() * kBoxCharacters);
+    if (field != &EntryFields::nIntervalSeconds)
+        return box->setMinimumWidth(fontMetrics().averageCharWidth() * kSetBoxCharacters);
     const auto inMinutes = [label = inputs_.Unit(field), box] { label->setText(Q(IntervalInMinutes(S(box->text())))); };
     connect(box, &QLineEdit::textChanged, this, inMinutes);
     inMinutes();

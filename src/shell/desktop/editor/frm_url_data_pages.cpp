@@ -22,10 +22,9 @@ constexpr int kAddressCharacters = 52;
 
 constexpr const char* kRemoveHelp = "Takes this down time away, also a saved one. Nothing is removed before you save.";
 
-/// A sentence that is shown only where it holds.
+/// A sentence that is there only where it holds.
 QLabel* NewNote(const char* name, const QString& accessibleName, QWidget* page) {
     QLabel* note = NewFigure(name, accessibleName, page);
-    note->setWordWrap(true);
     QFont bold = note->font();
     bold.setBold(true);
     note->setFont(bold);
@@ -64,8 +63,8 @@ void frmURLData::AddServerPage() {
         inputs_.AddRow(*form_, &EntryFields::HTTPStatusGood);
         statusRow_ = form_->rowCount() - 1;
     }
-    page.addSpacing(fontMetrics().height());
     lblNumbers_ = NewNote("lblNumbers", "What follows from these numbers", this);
+    lblNumbers_->setMinimumHeight(fontMetrics().height());  // a note that comes and goes moves nothing
     page.addWidget(lblNumbers_);
     page.addStretch();
     AddHistoryRow(page);

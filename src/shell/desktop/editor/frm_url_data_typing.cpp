@@ -98,8 +98,7 @@ void frmURLData::ShowNotes() {
     const EntryFields fields = Read();
     const int highestWebPort = desk_.safeguards.IsOn("GuardBadEntries") ? kHighestPort : std::numeric_limits<std::int16_t>::max();
     lblNumbers_->setText(Q(ExplainNumbers(fields, highestWebPort)));
-    lblNumbers_->setVisible(!lblNumbers_->text().isEmpty());
-    lblNobody_->setText(Q(ExplainRecipients(fields)));
+    lblNobody_->setText(Q(ExplainRecipients(fields, desk_.outbox.IsOn())));
     emailForm_->setRowVisible(lblNobody_, !lblNobody_->text().isEmpty());
 }
 

@@ -24,6 +24,7 @@
 #include "platform/operator.h"
 #include "platform/timer.h"
 #include "shell/desktop/main/entry_commands.h"
+#include "shell/desktop/main/entry_files.h"
 #include "shell/desktop/main/list_columns.h"
 #include "shell/desktop/main/monitor_forms.h"
 #include "shell/desktop/main/monitor_tray.h"
@@ -160,6 +161,7 @@ private:
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
     std::unique_ptr<EntryCommands> entryCommands_;
+    std::unique_ptr<EntryFiles> entryFiles_;
     std::unique_ptr<ResourceWindows> resources_;
     std::unique_ptr<MonitorForms> forms_;
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};

@@ -52,6 +52,8 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kFile, ""},
         {kFile, "mnuFileRepair", "&Compact and Repair Database", "", none, [this] { commands_->mnuFileRepair(); }},
         {kFile, "mnuFileResetGraph", "Reset &Graph Data...", "", none, [this] { commands_->mnuFileResetGraph(); }},
+        {kFile, "mnuFileImport", "&Import Entries...", "", none, [this] { entryFiles_->Import(); }},
+        {kFile, "mnuFileExport", "&Export Entries...", "", none, [this] { entryFiles_->Export(); }},
         {kFile, ""},
         {kFile, "mnuFileMin", "&Minimize to Tray", "Ctrl+M", Hide, [this] { MinimizeToTray(); }},
         {kFile, "mnuExit", "E&xit", "Ctrl+Q", Exit, [this] { exit_(); }},
@@ -116,6 +118,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
 
 void frmMonitor::AttachEntryCommands() {
     entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_);
+    entryFiles_ = std::make_unique<EntryFiles>(run_->TheDesk(), *commands_, *this);
     const auto enable = [this] { entryCommands_->Enable(actions_); };
     connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, enable);
     connect(model_, &QAbstractItemModel::layoutChanged, this, enable);
