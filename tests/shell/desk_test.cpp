@@ -149,7 +149,7 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
              "strDesc^\"a\"b|id,strDesc^^1|id,strDownTime1^1,|id,strDownTime1^1,soon|strType\tstrAddress_IP^ping\thttp://x|"
              "bIsMonitoring^maybe|id,strDesc^1,'=1|id,strDesc^1,''=1|id,nTries^,",
              planned),
-        "The file is empty.; 0 2 There is no entry with the id '77'.. ; 2 2 nTries '3' > '5'. ; 0 2 nTries: 'many' is not a "
+        "The file is empty.; 0 2 There is no entry with the id '77'.. ; 2 2 nTries '3' → '5'. ; 0 2 nTries: 'many' is not a "
         "whole number "
         "up to 32767.. ; 3 2 . 0 3 The id '1' is there twice.. ; Line 1: there is no column 'nope'.; Line 1: the column 'id' is "
         "there "
@@ -157,12 +157,17 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
         "not "
         "closed.; Line 1: there is a quote in a cell that does not begin with one.; Line 2: there is text after a closing "
         "quote.; 0 3 The "
-        "line has 1 of 2 cells.. ; 2 2 strDownTime1 '3:00am' > ''. ; 0 2 We're sorry, but the time you entered in the downtime "
+        "line has 1 of 2 cells.. ; 2 2 strDownTime1 '3:00am' → ''. ; 0 2 We're sorry, but the time you entered in the downtime "
         "field could "
         "not be understood.  You entered 'soon' which is invalid.  Please try again.. ; 1 2 PING x; PING needs an IP address. ; "
         "0 2 "
-        "bIsMonitoring: 'maybe' is neither True nor False.. ; 2 2 strDesc 'a' > '=1'. ; 2 2 strDesc 'a' > ''=1'. ; 1 2 HTTP "
+        "bIsMonitoring: 'maybe' is neither True nor False.. ; 2 2 strDesc 'a' → '=1'. ; 2 2 strDesc 'a' → ''=1'. ; 1 2 HTTP "
         "www.example.com. ; ");
+    w.Set("HTTPStatusFails", "True");
+    ImportEntries(w.desk, PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n"));
+    EXPECT_EQ(w.Cells("strGroup|strType|strPort|strExpectedText") + w.desk.ofEntries.Read(1, "HTTPStatusGood"),
+              "a_b; FTP; 21; 220,QUIT,221; 401");
+    EXPECT_EQ(PlanImport(w.desk, ExportEntries(w.desk, true)).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.");
     std::string many = "strDesc\n";
     for (int i = 0; i < 100'000; ++i)
         many += "x\n";
@@ -171,8 +176,9 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     const ImportPlan plan = PlanImport(w.desk, "strGroup,nTries\nour group,\nx,2\n");
     EXPECT_EQ(plan.Summary() + plan.rows[1].details,
               "1 added, 0 changed, 0 unchanged, 1 refused.500 is the maximum number of Server Entries.");
-    ImportEntries(w.desk, plan);
-    EXPECT_EQ(w.Cells("strGroup|nTries|strCurStatus|strAddress_IP"), "our_group; 3; UP; www.example.com; ");
+    ImportEntries(w.desk, PlanImport(w.desk, "strGroup,nTries,strType\nour group,,HTTPS\n"));
+    EXPECT_EQ(w.Cells("strGroup|nTries|strType|strPort|strCurStatus|strAddress_IP"),
+              "our_group; 3; HTTPS; 443; UP; www.example.com; ");
 }
 
 TEST(GlobalEmail, IsSavedInItsOrderAndGivenToAllOrNone) {

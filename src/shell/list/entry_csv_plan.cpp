@@ -77,24 +77,46 @@ private:
 
     /// Returns why the line is refused.
     std::string Fill(ImportRow& row, const std::vector<std::string>& cells) {
-        if (cells.size() != columns_.size())
-            return "The line has " + std::to_string(cells.size()) + " of " + std::to_string(columns_.size()) + " cells.";
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            if (columns_[i] == nullptr) row.id = Trim(cells[i]);
-        if (!row.id.empty() && !entries_.contains(row.id)) return "There is no entry with the id '" + row.id + "'.";
-        if (!row.id.empty() && !seen_.insert(row.id).second) return "The id '" + row.id + "' is there twice.";
-        if (row.id.empty() && static_cast<int>(entries_.size()) + ++added_ > kMostEntries)
-            return "500 is the maximum number of Server Entries.";
-        const EntryFields& before = row.id.empty() ? fresh_ : entries_.at(row.id);
+        if (std::string why = Identify(row, cells); !why.empty()) return why;
+        const bool isNew = row.id.empty();
+        const EntryFields& before = isNew ? fresh_ : entries_.at(row.id);
         row.fields = before;
         for (std::size_t i = 0; i < cells.size(); ++i)
             if (columns_[i] != nullptr)
                 if (std::string why = Take(row, *columns_[i], cells[i]); !why.empty()) return why;
-        // The subject depends on the address, which may stand in a later column.
-        for (const EntryInput* each : row.id.empty() ? all_ : columns_)
-            if (each != nullptr && (row.id.empty() || Changes(*each, before, row.fields))) row.changes.push_back(each);
+        FollowType(row, before);
+        // The stored subject depends on the address, which may stand in a later column.
+        for (const EntryInput* each : all_)
+            if (each != nullptr && (isNew || Changes(*each, before, row.fields))) row.changes.push_back(each);
         const auto refusal = row.changes.empty() ? std::nullopt : CheckInputs(row.fields);
         return refusal ? refusal->message : "";
+    }
+
+    std::string Identify(ImportRow& row, const std::vector<std::string>& cells) {
+        if (cells.size() != columns_.size())
+            return "The line has " + std::to_string(cells.size()) + " of " + std::to_string(columns_.size()) + " cells.";
+        const auto ofId = std::ranges::find(columns_, nullptr);
+        if (ofId != columns_.end()) row.id = Trim(cells[static_cast<std::size_t>(ofId - columns_.begin())]);
+        if (row.id.empty())
+            return static_cast<int>(entries_.size()) + ++added_ > kMostEntries ? "500 is the maximum number of Server Entries."
+                                                                               : "";
+        if (!entries_.contains(row.id)) return "There is no entry with the id '" + row.id + "'.";
+        return seen_.insert(row.id).second ? "" : "The id '" + row.id + "' is there twice.";
+    }
+
+    /// The type provides the same texts as in the editor.
+    void FollowType(ImportRow& row, const EntryFields& before) const {
+        EntryFields& fields = row.fields;
+        const int type = IndexOfType(fields.strType);
+        const bool typeChanged = row.id.empty() || fields.strType != before.strType;
+        if (type < 0 || (!typeChanged && fields.strPort == before.strPort)) return;
+        const bool namesPort = std::ranges::find(columns_, &InputOf(&EntryFields::strPort)) != columns_.end();
+        const EntryTypeTexts texts =
+            TextsOfType(ServerTypeTable()[static_cast<std::size_t>(type)], fields, typeChanged && !namesPort);
+        fields.strPort = texts.port;
+        if (!typeChanged) return;
+        fields.strRequestText = texts.request;
+        fields.strExpectedText = texts.expected;
     }
 
     /// Puts the cell into the fields of the row. Returns why it is refused.
@@ -109,7 +131,7 @@ private:
             return "";
         }
         if (row.id.empty() && Trim(cell).empty() && IsNumber(input)) return "";
-        if (!IsOfDownTime(input))
+        if (!IsOfDownTime(input) || !Trim(cell).empty())
             if (const std::string why = NumberRefusal(input, cell); !why.empty()) return name + ": " + why;
         if (input.text == &EntryFields::strType && !Trim(cell).empty()) {
             const int type = IndexOfType(Trim(cell));
@@ -145,10 +167,15 @@ private:
         for (const EntryInput* each : row.changes) {
             text += (text.empty() ? "" : "; ") + std::string(CsvNameOf(each));
             if (each->text == &EntryFields::strPassword) continue;
-            text += " '" + Left(CsvTextOf(*each, before), kShownOfCell) + "' > '" +
-                    Left(CsvTextOf(*each, row.fields), kShownOfCell) + "'";
+            text += " '" + Left(CsvTextOf(*each, before), kShownOfCell) + "' \u2192 '" +
+                    Left(StoredText(*each, row.fields), kShownOfCell) + "'";
         }
         return text;
+    }
+
+    static std::string StoredText(const EntryInput& input, const EntryFields& fields) {
+        const std::string text = CsvTextOf(input, fields);
+        return input.mark != nullptr ? text : input.stored(text, fields).value_or(text);
     }
 
     static std::string Warning(const EntryFields& fields) {

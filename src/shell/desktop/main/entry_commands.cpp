@@ -60,22 +60,24 @@ EntryCommands::EntryCommands(const Desk& desk, MonitorCommands& commands, QTreeV
 
 const std::vector<EntryCommands::Command>& EntryCommands::All() {
     using Self = EntryCommands;
+    using enum CommandPicture;
+    const auto none = std::nullopt;
     static const std::vector<Command> all{
-        {"mnuEntryCheckNow", "Check &Now", "Shift+F5", &Self::CheckNow, AnyMonitored},
-        {"mnuEntryPause", "Pa&use", "", &Self::Pause, AnyMonitored},
-        {"mnuEntryResume", "Resu&me", "", &Self::Resume, AnyPaused},
+        {"mnuEntryCheckNow", "Check &Now", "Shift+F5", StartNow, &Self::CheckNow, AnyMonitored},
+        {"mnuEntryPause", "Pa&use", "", Stop, &Self::Pause, AnyMonitored},
+        {"mnuEntryResume", "Resu&me", "", Start, &Self::Resume, AnyPaused},
         {""},
-        {"mnuEntryOpenAddress", "&Open Address", "Ctrl+O", &Self::OpenAddress, OnePage},
-        {"mnuEntryReport", "&Report", "", &Self::Report, One},
-        {"mnuEntryLastResponse", "&Last Response", "", &Self::LastResponse, OneWithResponse},
-        {"mnuEntryLastTraceroute", "Last &Traceroute", "", &Self::LastTraceroute, One},
+        {"mnuEntryOpenAddress", "&Open Address", "Ctrl+O", none, &Self::OpenAddress, OnePage},
+        {"mnuEntryReport", "&Report", "", Reports, &Self::Report, One},
+        {"mnuEntryLastResponse", "&Last Response", "", none, &Self::LastResponse, OneWithResponse},
+        {"mnuEntryLastTraceroute", "Last &Traceroute", "", none, &Self::LastTraceroute, One},
         {""},
-        {"mnuEntryCopyText", "Copy Te&xt", "Ctrl+C", &Self::CopyText, Any},
-        {"mnuEntryDuplicate", "Dupl&icate", "Ctrl+Shift+D", &Self::Duplicate, One},
+        {"mnuEntryCopyText", "Copy Te&xt", "Ctrl+C", none, &Self::CopyText, Any},
+        {"mnuEntryDuplicate", "Dupl&icate", "Ctrl+Shift+D", Copy, &Self::Duplicate, One},
         {""},
-        {"mnuEntrySetInterval", "Set Inter&val...", "", &Self::SetInterval, Any},
-        {"mnuEntrySetGroup", "Set &Group...", "", &Self::SetGroup, Any},
-        {"mnuEntrySetRecipients", "&Set Recipients...", "", &Self::SetRecipients, Any},
+        {"mnuEntrySetInterval", "Set Inter&val...", "", none, &Self::SetInterval, Any},
+        {"mnuEntrySetGroup", "Set &Group...", "", none, &Self::SetGroup, Any},
+        {"mnuEntrySetRecipients", "&Set Recipients...", "", Mail, &Self::SetRecipients, Any},
     };
     return all;
 }
@@ -169,7 +171,7 @@ void EntryCommands::SetRecipients() {
 void EntryCommands::Set(const QString& title, const frmSetEntries::Fields& fields) {
     std::vector<EntryFields> entries;
     IgnoreErrors([&] { entries = EntryActs(desk_).Read(Ids(), fields); });
-    if (entries.empty()) return;
+    if (entries.empty()) return desk_.person.ShowMessage(kMessageTitle, "The selected entries could not be read.");
     const auto accepted = [this, ids = Ids()](const std::vector<EntryChange>& changes) {
         commands_.Do([&](EntryActs& acts) { return acts.Set(ids, changes); });
     };

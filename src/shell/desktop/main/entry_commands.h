@@ -5,10 +5,12 @@
 #include <QTreeView>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "shell/desktop/editor/frm_set_entries.h"
+#include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/server_list_model.h"
 #include "shell/list/monitor_commands.h"
 
@@ -20,6 +22,7 @@ public:
         const char* name;
         const char* caption = "";
         const char* keys = "";
+        std::optional<CommandPicture> picture = {};
         void (EntryCommands::*run)() = nullptr;
         bool (*makesSense)(const std::vector<ServerRow>& selected) = nullptr;
     };

@@ -110,8 +110,8 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
     for (const EntryCommands::Command& each : EntryCommands::All()) {
         const auto run = [this, command = each.run] { (entryCommands_.get()->*command)(); };
         const bool isSeparator = *each.name == '\0';
-        at = all.insert(at + 1,
-                        {kEntry, each.name, each.caption, each.keys, none, run, isSeparator ? Where::Context : Where::List});
+        at = all.insert(
+            at + 1, {kEntry, each.name, each.caption, each.keys, each.picture, run, isSeparator ? Where::Context : Where::List});
     }
     return all;
 }
