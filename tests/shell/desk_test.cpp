@@ -71,6 +71,53 @@ TEST(Entry, WarningsDoNotStopTheSaveAndARowThatIsGoneIsNamed) {
         R"(! Sorry, please convert your host name to an ..P address here.; ! do not use http://, https://, or ftp:// etc..pop3, smtp etc.; ping.example; ! do not use http://, https://, or ftp:// etc..pop3, smtp etc.; x; ! DB Error: Couldn't save  SELECT * from servers where id =1; ! Error with Database. Current record ID='77'..rs where id =77; )");
 }
 
+TEST(GlobalEmail, IsSavedInItsOrderAndGivenToAllOrNone) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}, {.strDesc = "c"}});
+    ResourceEmailFiles monitors{w.files, w.home, [&] { w.heard.push_back("reloaded" + w.Text("GlobalEmail.dat")); }};
+    const GlobalEmailFields typed{"a;b", "c", "f", "s", "cpu", "disk", "memory", "services", "", "", "", ""};
+    GlobalEmailFields read;
+    GlobalEmailWalk walk(w.desk, monitors);
+    walk.SaveGlobalValues(typed), walk.Open(read);
+    EXPECT_EQ(w.Text("GlobalEmail.dat"), "TO_LIST1=a;b\r\nTO_LIST2=c\r\nFROM=f\r\nSUBJECT=s\r\n");
+    EXPECT_EQ(read.strEmailCPU + read.strEmailDisk + read.strEmailMemory + read.strEmailServices, "cpudiskmemoryservices");
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 3});
+    w.answers = {true, true};
+    const auto give = [&](const std::string&) {
+        walk.AskUpdateAll([&] { w.heard.push_back(walk.UpdateAll(typed, [](const auto&) {})); });
+        return std::to_string(w.rows.Count("Servers", "strEmailList1 = 'a;b' and strEmailText = 's'"));
+    };
+    EXPECT_EQ(Each("with a fault|Yes", give), "0; 3; ");
+    EXPECT_TRUE(w.Heard().starts_with("reloaded; ! Data updated; ")) << "the file last";
+}
+
+TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
+    StartedWorld w;
+    w.rows.Add({});
+    const auto shown = [&w] {
+        const auto row = LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false, &w.desk.alertPath).at(0);
+        w.desk.reports.PublishReports(true);
+        const bool onPage = Holds(w.Text("Reports/R0/Group1/summary.htm"), "<font color=red><b>");
+        return row.cells[column::Status] + (row.warns ? "!" : "") + (onPage ? "!" : "");
+    };
+    EXPECT_EQ(shown(), "UP");
+    w.Set("HidePasswords", "True");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
+    w.rows.Change("Servers", 1, {{"strEmailList2", "a@b.c"}});
+    EXPECT_EQ(shown(), "UP");
+    w.net.Host("mail.example").Port(25).Refuse();
+    w.answers = {true};
+    w.desk.mail.TestEmail("a@b.c", "", false, "", "", "", "", "", "a@b.c", [](bool) {});
+    EXPECT_EQ(shown(), "UP, test mail failed!!");
+    EXPECT_FALSE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "Alert path"));
+    w.Set("MailOutbox", "True");
+    w.desk.alertPath.TestMail(false);
+    EXPECT_TRUE(w.desk.outbox.State().IsAlarming() && shown() == "UP, test mail failed!!");
+    EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
+    w.Set("Server", " ");
+    EXPECT_EQ(shown(), "UP, notifies nobody!!");
+}
+
 TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
     StartedWorld w;
     w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}, {.strDesc = "", .strAddress_IP = "c.example"}});
@@ -179,53 +226,6 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     ImportEntries(w.desk, PlanImport(w.desk, "strGroup,nTries,strType\nour group,,HTTPS\n"));
     EXPECT_EQ(w.Cells("strGroup|nTries|strType|strPort|strCurStatus|strAddress_IP"),
               "our_group; 3; HTTPS; 443; UP; www.example.com; ");
-}
-
-TEST(GlobalEmail, IsSavedInItsOrderAndGivenToAllOrNone) {
-    StartedWorld w;
-    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}, {.strDesc = "c"}});
-    ResourceEmailFiles monitors{w.files, w.home, [&] { w.heard.push_back("reloaded" + w.Text("GlobalEmail.dat")); }};
-    const GlobalEmailFields typed{"a;b", "c", "f", "s", "cpu", "disk", "memory", "services", "", "", "", ""};
-    GlobalEmailFields read;
-    GlobalEmailWalk walk(w.desk, monitors);
-    walk.SaveGlobalValues(typed), walk.Open(read);
-    EXPECT_EQ(w.Text("GlobalEmail.dat"), "TO_LIST1=a;b\r\nTO_LIST2=c\r\nFROM=f\r\nSUBJECT=s\r\n");
-    EXPECT_EQ(read.strEmailCPU + read.strEmailDisk + read.strEmailMemory + read.strEmailServices, "cpudiskmemoryservices");
-    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 3});
-    w.answers = {true, true};
-    const auto give = [&](const std::string&) {
-        walk.AskUpdateAll([&] { w.heard.push_back(walk.UpdateAll(typed, [](const auto&) {})); });
-        return std::to_string(w.rows.Count("Servers", "strEmailList1 = 'a;b' and strEmailText = 's'"));
-    };
-    EXPECT_EQ(Each("with a fault|Yes", give), "0; 3; ");
-    EXPECT_TRUE(w.Heard().starts_with("reloaded; ! Data updated; ")) << "the file last";
-}
-
-TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
-    StartedWorld w;
-    w.rows.Add({});
-    const auto shown = [&w] {
-        const auto row = LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false, &w.desk.alertPath).at(0);
-        w.desk.reports.PublishReports(true);
-        const bool onPage = Holds(w.Text("Reports/R0/Group1/summary.htm"), "<font color=red><b>");
-        return row.cells[column::Status] + (row.warns ? "!" : "") + (onPage ? "!" : "");
-    };
-    EXPECT_EQ(shown(), "UP");
-    w.Set("HidePasswords", "True");
-    EXPECT_EQ(shown(), "UP, notifies nobody!!");
-    w.rows.Change("Servers", 1, {{"strEmailList2", "a@b.c"}});
-    EXPECT_EQ(shown(), "UP");
-    w.net.Host("mail.example").Port(25).Refuse();
-    w.answers = {true};
-    w.desk.mail.TestEmail("a@b.c", "", false, "", "", "", "", "", "a@b.c", [](bool) {});
-    EXPECT_EQ(shown(), "UP, test mail failed!!");
-    EXPECT_FALSE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "Alert path"));
-    w.Set("MailOutbox", "True");
-    w.desk.alertPath.TestMail(false);
-    EXPECT_TRUE(w.desk.outbox.State().IsAlarming() && shown() == "UP, test mail failed!!");
-    EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
-    w.Set("Server", " ");
-    EXPECT_EQ(shown(), "UP, notifies nobody!!");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

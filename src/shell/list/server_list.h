@@ -40,10 +40,10 @@ enum Column {
 std::string_view ColumnHead(int column);
 
 struct ServerRow {
+    bool isMonitored = false;
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
     bool warns = false;  ///< the status contains a warning
-    bool isMonitored = false;
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace korvane {
 namespace {
 
 constexpr int kImportCharacters = 110;
+constexpr int kRefusalCharacters = 60;
 constexpr int kImportRows = 14;
 
 struct StepLook {
@@ -52,7 +54,9 @@ frmImport::frmImport(const ImportPlan& plan, const QString& file, std::function<
         each->setWordWrap(true);
         content_->addWidget(each);
     }
-    content_->addWidget(Rows(plan), 1);
+    lblSummary->setVisible(plan.refusal.empty());
+    if (plan.rows.empty()) lblFollows->setMinimumWidth(fontMetrics().averageCharWidth() * kRefusalCharacters);
+    if (!plan.rows.empty()) content_->addWidget(Rows(plan), 1);
     auto* buttons = new QDialogButtonBox(this);
     QPushButton* import =
         AddButton(*buttons, {"cmdImport", "&Import"}, QDialogButtonBox::AcceptRole, [this, accepted = std::move(accepted)] {
@@ -91,7 +95,8 @@ QTreeWidget* frmImport::Rows(const ImportPlan& plan) {
     const QFontMetrics& font = rows->fontMetrics();
     rows->setColumnWidth(2, std::min(rows->columnWidth(2), font.averageCharWidth() * kImportCharacters / 4));
     rows->setMinimumHeight(font.height() * 5);
-    resize(font.averageCharWidth() * kImportCharacters, font.height() * kImportRows * 2);
+    resize(QSize(font.averageCharWidth() * kImportCharacters, font.height() * kImportRows * 2)
+               .boundedTo(screen()->availableSize() * 9 / 10));
     return rows;
 }
 
