@@ -70,7 +70,8 @@ inline std::vector<Opening> Forms() {
         "frmInput frmOptions cmdTestEmail cmdOk frmFeedback - mnuHelpFeedback cmdSend frmTellFriend - mnuHelpTellFriend cmdSend "
         "frmHelp - mnuHelpWeb cmdClose frmReqRes - mnuViewConversation cmdClose frmDebug - mnuViewMail cmdClose "
         "frmCPUMonitor - ckCPUMon - frmDiskMonitor - ckDiskMon - frmMemoryMon - ckMemoryMon - frmSvcMon - ckSvcMon - "
-        "frmMSG - mnuRestart cmdOk frmMSG - mnuFileResetGraph cmdNo frmWizard - page cmdButton2");
+        "frmSetEntries - mnuEntrySetGroup cmdOk frmMSG - mnuRestart cmdOk frmMSG - mnuFileResetGraph cmdNo frmWizard - page "
+        "cmdButton2");
     std::vector<Opening> forms;
     for (Opening each; rows >> each.form >> each.from >> each.command >> each.onReturn;)
         forms.push_back(each);

@@ -2,7 +2,12 @@
 // faults, the version check, reports and the website.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "shell/entry/entry_save.h"
+#include "shell/entry/fail_text_rules.h"
+#include "shell/list/entry_acts.h"
+#include "shell/list/entry_csv.h"
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
 #include "shell/list/server_list.h"
@@ -216,6 +221,116 @@ TEST(ListFilter, FindsEveryWordSomewhereWithoutRegardToCase) {
     for (int i = 0; words.size() < 10'000; ++i)
         words += "host " + std::to_string(i) + " ";
     EXPECT_EQ(found(words), "-");
+}
+
+TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}, {.strDesc = "", .strAddress_IP = "c.example"}});
+    EntryActs acts(w.desk);
+    const auto column = [&](const std::string& name) {
+        return Each("1|2|3", [&](const auto& id) { return w.rows.Server(std::stoll(id)).at(name).Text(); });
+    };
+    for (const int id : {1, 2, 3})
+        w.rows.Change("Servers", id, {{"dtNextCheck", w.world.clock.Now() + (id == 2 ? -90s : 60s)}});
+    w.rows.Change("Servers", 1, {{"bIsMonitoring", false}});
+    const auto before = w.rows.Server(2);
+    EXPECT_EQ(acts.CheckNow({"1", "3", "77"}), "1 entry checked next.  2 entries paused: resume first.");
+    EXPECT_EQ(w.rows.Server(3).at("dtNextCheck"), Value(w.world.clock.Now() + -91s)) << "before the one that waits longest";
+    EXPECT_EQ(w.rows.Server(2), before);
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 2});
+    EXPECT_THROW(acts.Set({"1", "2", "3"}, {{&EntryFields::strGroup, "x"}}), Error);
+    EXPECT_THROW(acts.Set({"1"}, {{&EntryFields::strGroup, "x"}, {&EntryFields::nIntervalSeconds, ""}}), Error);
+    EXPECT_EQ(column("strGroup"), "Group1; Group1; Group1; ");
+    FailTextRows rules;
+    rules[1] = {"gone", "restart.sh"};
+    FailTextRules(w.desk, w.rows.DriverString(), "3").Save(rules);
+    const std::string copy = acts.Duplicate("3");
+    EXPECT_EQ(w.Cells("ID|strDesc|nFailScanText|strCurStatus"), copy + "; Copy of c.example; 1; UP; ");
+    EXPECT_EQ(FailTextRules(w.desk, w.rows.DriverString(), copy).Open().rows[0], rules[1]);
+    EXPECT_EQ(acts.Duplicate("77") + acts.Copy(""), "");
+    const auto page = [](const auto& entry) { return PageOfEntry("Https", entry, "8080"); };
+    EXPECT_EQ(Each("a/b:1|[::1]/x|a:1|-x; rm| ", page),
+              "https://a:8080/b:1; https://[::1]:8080/x; https://a:1; https://-x;%20rm:8080; ; ");
+}
+
+TEST(EntryCsv, BringsBackExactlyWhatWasExported) {
+    StartedWorld w;
+    constexpr std::string_view kSigns[] = {"=", "+", "-", "@", "'", "\"", ",", ";", "\t", "\r", "\n", "\xC3\xA9", " ", "x", "7"};
+    std::mt19937 random(7);
+    const auto anyText = [&] {
+        std::string text;
+        for (auto left = random() % 6; left > 0; --left)
+            text += kSigns[random() % std::size(kSigns)];
+        return text;
+    };
+    constexpr std::string_view kTyped[] = {"strEmailList1", "strEmailBody", "strCMD", "strUserName", "strPassword"};
+    for (int id = 1; id <= 60; ++id) {
+        w.rows.Add({.strDownTime1 = "3:00am"});
+        for (const std::string_view column : kTyped)
+            w.rows.Change("Servers", id, {{std::string(column), anyText()}});
+    }
+    w.rows.Change("Servers", 1, {{"nTries", Value()}, {"strType", "GONE"}, {"strGroup", "a b"}, {"strDownTime2", "never"}});
+    const std::string text = ExportEntries(w.desk, true);
+    EXPECT_EQ(PlanImport(w.desk, "\xEF\xBB\xBF" + text).Summary(), "0 added, 0 changed, 60 unchanged, 0 refused.");
+    EXPECT_FALSE(Holds(ExportEntries(w.desk, false), "strPassword"));
+    const auto before = w.rows.Rows("Servers");
+    for (int id = 2; id <= 60; ++id)
+        w.rows.Change("Servers", id,
+                      {{"strCMD", "x"}, {"strUserName", ""}, {"bNotSendBody", true}, {"nTries", 9}, {"strEmailBody", "y"}});
+    const ImportPlan plan = PlanImport(w.desk, text);
+    EXPECT_EQ(plan.Summary(), "0 added, 59 changed, 1 unchanged, 0 refused.");
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 30});
+    EXPECT_THROW(ImportEntries(w.desk, plan), Error);
+    EXPECT_EQ(w.rows.Count("Servers", "nTries = 9"), 59) << "all or nothing";
+    ImportEntries(w.desk, plan);
+    EXPECT_EQ(w.rows.Rows("Servers"), before);
+}
+
+TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
+    StartedWorld w;
+    w.rows.Add({.strDesc = "a", .strDownTime1 = "3:00am"});
+    const auto planned = [&](const std::string& text) {
+        const ImportPlan plan = PlanImport(w.desk, ReplaceAll(text, "^", "\n"));
+        std::string said = plan.refusal;
+        for (const ImportRow& row : plan.rows)
+            said += std::to_string(static_cast<int>(row.step)) + " " + std::to_string(row.line) + " " + row.details + ". ";
+        return said;
+    };
+    EXPECT_EQ(
+        Each("|id^77|ID;nTries^1;5^|id,nTries^1,many|id^1^1|nope^1|id,id|id,strType^1,NEW|strDesc^\xFF|strDesc^\"a^b|a\"b|"
+             "strDesc^\"a\"b|id,strDesc^^1|id,strDownTime1^1,|id,strDownTime1^1,soon|strType\tstrAddress_IP^ping\thttp://x|"
+             "bIsMonitoring^maybe|id,strDesc^1,'=1|id,strDesc^1,''=1|id,nTries^,",
+             planned),
+        "The file is empty.; 0 2 There is no entry with the id '77'.. ; 2 2 nTries '3' → '5'. ; 0 2 nTries: 'many' is not a "
+        "whole number "
+        "up to 32767.. ; 3 2 . 0 3 The id '1' is there twice.. ; Line 1: there is no column 'nope'.; Line 1: the column 'id' is "
+        "there "
+        "twice.; 0 2 strType: there is no type 'NEW'.. ; Line 2: this is not UTF-8. Save the file as UTF-8.; Line 2: a quote is "
+        "not "
+        "closed.; Line 1: there is a quote in a cell that does not begin with one.; Line 2: there is text after a closing "
+        "quote.; 0 3 The "
+        "line has 1 of 2 cells.. ; 2 2 strDownTime1 '3:00am' → ''. ; 0 2 We're sorry, but the time you entered in the downtime "
+        "field could "
+        "not be understood.  You entered 'soon' which is invalid.  Please try again.. ; 1 2 PING x; PING needs an IP address. ; "
+        "0 2 "
+        "bIsMonitoring: 'maybe' is neither True nor False.. ; 2 2 strDesc 'a' → '=1'. ; 2 2 strDesc 'a' → ''=1'. ; 1 2 HTTP "
+        "www.example.com. ; ");
+    w.Set("HTTPStatusFails", "True");
+    ImportEntries(w.desk, PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n"));
+    EXPECT_EQ(w.Cells("strGroup|strType|strPort|strExpectedText") + w.desk.ofEntries.Read(1, "HTTPStatusGood"),
+              "a_b; FTP; 21; 220,QUIT,221; 401");
+    EXPECT_EQ(PlanImport(w.desk, ExportEntries(w.desk, true)).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.");
+    std::string many = "strDesc\n";
+    for (int i = 0; i < 100'000; ++i)
+        many += "x\n";
+    EXPECT_EQ(planned(many), "Line 501: this is too much: the file has 100001 lines, and no more than 499 are possible.");
+    w.rows.AddMany(std::vector<Entry>(497));
+    const ImportPlan plan = PlanImport(w.desk, "strGroup,nTries\nour group,\nx,2\n");
+    EXPECT_EQ(plan.Summary() + plan.rows[1].details,
+              "1 added, 0 changed, 0 unchanged, 1 refused.500 is the maximum number of Server Entries.");
+    ImportEntries(w.desk, PlanImport(w.desk, "strGroup,nTries,strType\nour group,,HTTPS\n"));
+    EXPECT_EQ(w.Cells("strGroup|nTries|strType|strPort|strCurStatus|strAddress_IP"),
+              "our_group; 3; HTTPS; 443; UP; www.example.com; ");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

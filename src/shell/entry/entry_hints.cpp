@@ -1,8 +1,13 @@
 #include "shell/entry/entry_hints.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "engine/server_table.h"
+#include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
 
 namespace korvane {
@@ -19,6 +24,43 @@ std::string ExplainConversation(const EntryFields& fields) {
     }
     return text;
 }
+
+constexpr std::size_t kShownOfNumber = 12;
+constexpr std::pair<std::string EntryFields::*, const char*> kNumberInputs[] = {{&EntryFields::nIntervalSeconds, "Check every"},
+                                                                                {&EntryFields::nTries, "Times to try"}};
+
+/// What the rules about odd numbers look at. A text that is no number is none of them.
+struct NumbersOfEntry {
+    NumbersOfEntry(const EntryFields& fields, int mostWebPort)
+        : isPing(IsPingType(fields.strType)), highestPort(IsWebType(fields.strType) ? mostWebPort : kHighestPort) {
+        IgnoreErrors([&] { tries = ParseWhole(fields.nTries); });
+        IgnoreErrors([&] { interval = ParseWhole(fields.nIntervalSeconds); });
+        if (!isPing) timeout = WholeOrZero(fields.nTimeout);
+        port = WholeOrZero(fields.strPort);
+        limit = fields.strExpectedText.empty() ? 1 : WholeOrZero(fields.strExpectedText);
+    }
+
+    bool isPing;
+    std::int64_t highestPort, tries = 1, interval = 1, timeout = 0, port = 0, limit = 1;
+};
+
+struct OddNumber {
+    bool (*is)(const NumbersOfEntry& numbers);
+    const char* consequence;
+};
+
+/// The worst first.
+constexpr OddNumber kOddNumbers[] = {
+    {[](const NumbersOfEntry& of) { return of.tries < 1; }, "Times to try: below 1 it counts as DOWN, but nobody is notified."},
+    {[](const NumbersOfEntry& of) { return of.port > of.highestPort; },
+     "Port: it is too high to be checked, and the entry stays due."},
+    {[](const NumbersOfEntry& of) { return of.isPing && (of.limit < 1 || of.limit > 32767); },
+     "PING timeout: write 1 to 32767, otherwise no ping succeeds."},
+    {[](const NumbersOfEntry& of) { return of.interval < 1; },
+     "Check every: below 1 second the other servers wait for this one."},
+    {[](const NumbersOfEntry& of) { return of.interval < of.timeout; },
+     "Check every: shorter than the time-out, so others may have to wait."},
+};
 
 }  // namespace
 
@@ -47,6 +89,21 @@ std::string ExplainDownTime(const std::string& time, const std::string& minutes)
     if (Trim(time).empty()) return "Without a time there is no change: a time that was saved before stays.";
     if (Trim(minutes).empty()) return "This server is not checked from " + time + " on, each day: say for how many minutes.";
     return "This server is not checked for " + minutes + " minutes from " + time + " on, each day.";
+}
+
+std::string ExplainRecipients(const EntryFields& fields, bool outboxIsOn) {
+    if (!Trim(fields.strEmailList1).empty()) return "";
+    if (Trim(fields.strEmailList2).empty()) return "Nobody is notified: neither list has an address.";
+    return outboxIsOn ? "" : "Nobody is notified: without an address in #1 no mail is sent to those in #2.";
+}
+
+std::string ExplainNumbers(const EntryFields& fields, int highestWebPort) {
+    for (const auto& [field, name] : kNumberInputs)
+        if (!NumberRefusal(InputOf(field), fields.*field).empty())
+            return std::string(name) + ": '" + Left(fields.*field, kShownOfNumber) + "' is no such number; the saved one stays.";
+    const NumbersOfEntry numbers(fields, highestWebPort);
+    const auto* const odd = std::ranges::find_if(kOddNumbers, [&](const OddNumber& each) { return each.is(numbers); });
+    return odd == std::end(kOddNumbers) ? "" : odd->consequence;
 }
 
 std::string IntervalInMinutes(const std::string& seconds) {

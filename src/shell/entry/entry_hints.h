@@ -16,6 +16,14 @@ std::string ExplainDisplayName(const EntryFields& fields);
 /// Explains when the entry is not checked each day, according to down time 1 or 2 as typed so far.
 std::string ExplainDownTime(const std::string& time, const std::string& minutes);
 
+/// Returns "Nobody is notified: ..." as long as no mail would be sent, otherwise an empty text. Only the outbox sends to the second
+/// list alone.
+std::string ExplainRecipients(const EntryFields& fields, bool outboxIsOn);
+
+/// Returns in one line what follows from a number that is allowed and odd, such as 0 tries; empty for ordinary ones. Web pages on a port above
+/// `highestWebPort` cannot be checked.
+std::string ExplainNumbers(const EntryFields& fields, int highestWebPort);
+
 /// Returns "Seconds.  (1.5 minutes).".
 std::string IntervalInMinutes(const std::string& seconds);
 

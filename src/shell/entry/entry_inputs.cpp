@@ -1,5 +1,7 @@
 #include "shell/entry/entry_inputs.h"
 
+#include <algorithm>
+
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -113,6 +115,10 @@ std::string WithoutAnyCase(std::string text, std::string_view part) {
 
 std::span<const EntryInput> EntryInputs() {
     return kEntryInputs;
+}
+
+const EntryInput& InputOf(std::string EntryFields::*field) {
+    return *std::ranges::find(EntryInputs(), field, &EntryInput::text);
 }
 
 std::int64_t WholeOrZero(const std::string& text) {

@@ -41,7 +41,9 @@ struct EntryFields {
     std::string strType;  ///< empty when none is selected
     std::string strPort;
     std::string strRequestText;
-    std::string HTTPStatusGood;  ///< stored beside the row
+    std::string HTTPStatusGood;     ///< stored beside the row
+    bool removesDownTime1 = false;  ///< the saved one is taken away; a blank time alone leaves it as it is
+    bool removesDownTime2 = false;
 };
 
 using EntryInput = FormInput<EntryFields>;
@@ -49,12 +51,17 @@ using EntryInput = FormInput<EntryFields>;
 /// All of them, in the order in which they are stored.
 std::span<const EntryInput> EntryInputs();
 
+/// Returns the input of the field.
+const EntryInput& InputOf(std::string EntryFields::*field);
+
 struct EntryDownTime {
     std::string EntryFields::*time;
     std::string EntryFields::*minutes;
+    bool EntryFields::*removed;
 };
-inline constexpr EntryDownTime kDownTimes[] = {{&EntryFields::strDownTime1, &EntryFields::nDownDuration1},
-                                               {&EntryFields::strDownTime2, &EntryFields::nDownDuration2}};
+inline constexpr EntryDownTime kDownTimes[] = {
+    {&EntryFields::strDownTime1, &EntryFields::nDownDuration1, &EntryFields::removesDownTime1},
+    {&EntryFields::strDownTime2, &EntryFields::nDownDuration2, &EntryFields::removesDownTime2}};
 
 /// Returns 0 for a text that is no number.
 std::int64_t WholeOrZero(const std::string& text);

@@ -14,6 +14,7 @@
 #include "platform/operator.h"
 #include "shell/entry/fresh_entry.h"
 #include "store/database_files.h"
+#include "store/schema.h"
 
 namespace korvane {
 namespace {
@@ -64,15 +65,15 @@ ColumnValues DefaultsOf(const clsGlobalEmail& email) {
 }
 
 void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, LastError& last) {
-    clsGlobalEmail email(desk.files, desk.dir);
-    last.Try([&] { email.OpenFile(); });
+    ColumnValues values;
+    last.Try([&] { values = NewEntryValues(desk); });
     const auto row = desk.store.NewRecordset();
     last.Try([&] { row->Open(kNoRows, connection, CursorType::Keyset, LockType::Optimistic); });
     last.Try([&] { row->AddNew(); });
     last.Try([&] { entry.strID = desk.ids.NewServerID(); });
     last.Try([&] { row->Fields("id") = ParseWhole(entry.strID); });
     desk.log.Info("Adding new server In " + entry.strID + " Form_Load of frmURLData: " + last.Text());
-    for (const auto& [column, value] : FreshEntry(DefaultsOf(email), desk.clock.Now()))
+    for (const auto& [column, value] : values)
         last.Try([&row, name = column, &what = value] { row->Fields(name) = what; });
     last.Try([&] { row->Update(); });
     last.Try([&] { row->Close(); });
@@ -80,12 +81,7 @@ void AddEntry(const Desk& desk, Connection& connection, OpenedEntry& entry, Last
 
 void ReadRow(Recordset& row, OpenedEntry& entry, LastError& last) {
     for (const EntryInput& each : EntryInputs()) {
-        if (each.key.empty()) continue;
-        last.Try([&] {
-            const Value value = row.Fields(each.key).Value();
-            if (each.text != nullptr) entry.fields.*each.text = value.Text();
-            if (each.mark != nullptr) entry.fields.*each.mark = value.Bool();
-        });
+        if (!each.key.empty()) last.Try([&] { ReadInput(row, each, entry.fields); });
     }
     last.Try([&] { entry.strLastResponse = row.Fields("strLastResponse").Value().Text(); });
 }
@@ -108,19 +104,6 @@ constexpr const char* kSchemeMessage =
     "URLs are acceptable for http and https but not for any other type of server.  "
     "Only the name or IP is valid for ftp, pop3, smtp etc.";
 
-void Write(Recordset& row, const EntryInput& each, const EntryFields& fields, LastError& last) {
-    if (each.mark != nullptr) {
-        last.Try([&] { row.Fields(each.key) = fields.*each.mark; });
-        // An entry whose monitoring is switched on again starts as "UP".
-        const bool isWatched = each.mark == &EntryFields::bIsMonitoring && fields.bIsMonitoring;
-        if (isWatched) last.Try([&] { row.Fields("strCurStatus") = status::kUp; });
-        return;
-    }
-    last.Try([&] {
-        if (const auto stored = each.stored(fields.*each.text, fields)) row.Fields(each.key) = *stored;
-    });
-}
-
 void CleanName(const Desk& desk, EntryFields& fields, const std::function<void(const std::string& name)>& nameCleaned) {
     if (!BeginsWithScheme(fields.strAddress_IP)) return;
     desk.person.ShowMessage(kMessageTitle, kSchemeMessage);
@@ -129,6 +112,12 @@ void CleanName(const Desk& desk, EntryFields& fields, const std::function<void(c
 }
 
 }  // namespace
+
+ColumnValues NewEntryValues(const Desk& desk) {
+    clsGlobalEmail email(desk.files, desk.dir);
+    IgnoreErrors([&] { email.OpenFile(); });
+    return FreshEntry(DefaultsOf(email), desk.clock.Now());
+}
 
 OpenedEntry OpenEntry(const Desk& desk, bool isAddUrl, std::string strID) {
     OpenedEntry entry;
@@ -164,7 +153,7 @@ std::optional<EntryRefusal> CheckInputs(const EntryFields& fields) {
                             "them, such as 401,403.  You entered '" +
                                 fields.HTTPStatusGood + "' which is invalid.  Please try again."};
     }
-    for (const auto& [time, minutes] : kDownTimes) {
+    for (const auto& [time, minutes, removed] : kDownTimes) {
         const std::string& typed = fields.*time;
         if (Trim(typed).empty()) continue;
         if (!IgnoreErrors([&] { ParseDateTime(typed); })) {
@@ -181,6 +170,35 @@ std::optional<EntryRefusal> CheckInputs(const EntryFields& fields) {
         }
     }
     return std::nullopt;
+}
+
+std::string NumberRefusal(const EntryInput& input, const std::string& text) {
+    const auto kind = KindOfColumn("Servers", input.key);
+    const bool isShort = kind == ColumnKind::Int16;
+    if (!isShort && kind != ColumnKind::Int32 && kind != ColumnKind::Whole) return "";
+    if (IgnoreErrors([&] { isShort ? (void)Value(text).Int16() : (void)Value(text).Int32(); })) return "";
+    return "'" + text + "' is not a whole number" + (isShort ? " up to 32767." : ".");
+}
+
+void ReadInput(Recordset& row, const EntryInput& input, EntryFields& fields) {
+    const Value value = row.Fields(input.key).Value();
+    if (input.text != nullptr) fields.*input.text = value.Text();
+    if (input.mark != nullptr) fields.*input.mark = value.Bool();
+}
+
+void WriteInput(Recordset& row, const EntryInput& input, const EntryFields& fields) {
+    if (input.mark == nullptr) {
+        if (const auto stored = input.stored(fields.*input.text, fields)) row.Fields(input.key) = *stored;
+        return;
+    }
+    row.Fields(input.key) = fields.*input.mark;
+    // An entry whose monitoring is switched on again starts as "UP".
+    if (input.mark == &EntryFields::bIsMonitoring && fields.bIsMonitoring) row.Fields("strCurStatus") = status::kUp;
+}
+
+void RemoveDownTime(Recordset& row, const EntryDownTime& downTime) {
+    row.Fields(InputOf(downTime.time).key) = "";
+    row.Fields(InputOf(downTime.minutes).key) = 0;
 }
 
 std::string NotAnAddressMessage(const std::string& name) {
@@ -211,8 +229,10 @@ bool SaveEntry(const Desk& desk, const std::string& strID, EntryFields fields,
     if (isThere) {
         for (const EntryInput& each : EntryInputs()) {
             if (each.text == &EntryFields::strAddress_IP) CleanName(desk, fields, nameCleaned);
-            if (!each.key.empty()) Write(*row, each, fields, last);
+            if (!each.key.empty()) last.Try([&] { WriteInput(*row, each, fields); });
         }
+        for (const EntryDownTime& each : kDownTimes)
+            if (fields.*each.removed && Trim(fields.*each.time).empty()) last.Try([&] { RemoveDownTime(*row, each); });
         last.Try([&] { row->Update(); });
         if (desk.safeguards.IsOn(kHttpStatusFails))
             last.Try([&] { desk.ofEntries.Write(ParseWhole(strID), kHttpStatusGood, TrimAll(fields.HTTPStatusGood)); });

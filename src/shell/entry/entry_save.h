@@ -7,6 +7,7 @@
 #include <string>
 
 #include "shell/entry/entry_inputs.h"
+#include "shell/entry/fresh_entry.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -17,6 +18,9 @@ struct OpenedEntry {
     EntryFields fields;
     std::string strLastResponse;
 };
+
+/// Returns the values of a new entry: those of every new entry, and the global addresses.
+ColumnValues NewEntryValues(const Desk& desk);
 
 /// First adds the row if `isAddUrl`; it is then in the store, whatever the operator does next. Otherwise `strID` selects the row.
 /// Shows a message when there is no row. Throws nothing: errors are ignored and logged.
@@ -30,6 +34,18 @@ struct EntryRefusal {
 
 /// Checks the down times and the good statuses.
 std::optional<EntryRefusal> CheckInputs(const EntryFields& fields);
+
+/// Returns why the column of the input cannot hold the text: it is not a number, or too large. Empty if it can.
+std::string NumberRefusal(const EntryInput& input, const std::string& text);
+
+/// Reads the column of the input. Throws Error.
+void ReadInput(Recordset& row, const EntryInput& input, EntryFields& fields);
+
+/// Puts the stored form of the input into the row, and what follows from it; the caller updates the row. Throws Error.
+void WriteInput(Recordset& row, const EntryInput& input, const EntryFields& fields);
+
+/// Takes a saved down time away; the caller updates the row. Throws Error.
+void RemoveDownTime(Recordset& row, const EntryDownTime& downTime);
 
 /// Returns the message about a host name where ping needs an address.
 std::string NotAnAddressMessage(const std::string& name);

@@ -1,22 +1,15 @@
 #include "shell/list/monitor_commands.h"
 
-#include <string_view>
 #include <utility>
 
 #include "base/ignore_errors.h"
-#include "base/numbers.h"
-#include "engine/http_status.h"
 #include "engine/machine_restart.h"
-#include "engine/server_table.h"
 #include "platform/operator.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
-#include "store/schema.h"
 
 namespace korvane {
 namespace {
-
-constexpr int kMostEntries = 499;
 
 constexpr const char* kNoRoomToAdd =
     "Sorry, 500 is the maximum number of Server Entries supported for the production version.  "
@@ -24,6 +17,8 @@ constexpr const char* kNoRoomToAdd =
 constexpr const char* kNoRoomToCopy =
     "Sorry, 500 is the maximum number of Servers supported for the production version.  "
     "Please remove or edit some unused, or less important Servers from the list.";
+constexpr const char* kMonitoringIsStopped =
+    "Monitoring is stopped, so nothing is checked.  Click the Start button to start monitoring.";
 constexpr const char* kResetGraph = "This will delete the response time data for all servers (the hourly and daily graphs).";
 constexpr const char* kResetSummary =
     "This will reset response time average, success count, fail count, and up-time percentage data for ALL server entries.  "
@@ -31,29 +26,9 @@ constexpr const char* kResetSummary =
 constexpr const char* kRepairing =
     "During Compact and Repair, Korvane will freeze and refuse user input for up to 2 minutes.  Please wait...";
 
-/// Values that a copy does not take over.
-const std::pair<std::string_view, Value> kFreshValues[] = {
-    {"strCurStatus", std::string(status::kUp)},
-    {"strLastResponse", ""},
-    {"nAveResponse", 0},
-    {"nAveSession", 0},
-    {"nsuccess", 0},
-    {"nfail", 0},
-    {"nPercentUP", 100},
-    {"nTriesCur", 0},
-};
-
-void CopyFields(Recordset& from, Recordset& to) {
-    for (const TableSchema& table : DatabaseSchema()) {
-        if (table.name != "Servers") continue;
-        for (const ColumnSchema& column : table.columns)
-            IgnoreErrors([&] { to.Fields(column.name) = from.Fields(column.name).Value(); });
-    }
-}
-
 }  // namespace
 
-MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()) {}
+MonitorCommands::MonitorCommands(Run& run) : run_(run), desk_(run.TheDesk()), acts_(desk_) {}
 
 void MonitorCommands::cmdStopWaiting() {
     if (run_.Loading()) return;
@@ -97,10 +72,19 @@ void MonitorCommands::EndEdit() {
 }
 
 std::string MonitorCommands::CopyURL(const std::string& id) {
+    return CopyOf(id, &EntryActs::Copy);
+}
+
+std::string MonitorCommands::Duplicate(const std::string& id) {
+    return CopyOf(id, &EntryActs::Duplicate);
+}
+
+std::string MonitorCommands::CopyOf(const std::string& id, std::string (EntryActs::*copy)(const std::string& id)) {
     if (!HasRoom(kNoRoomToCopy)) return "";
     std::string newId;
     try {
-        newId = Copy(id);
+        newId = (acts_.*copy)(id);
+        if (newId.empty()) desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
     } catch (const std::exception& error) {
         desk_.log.WriteLog(kLogFatal, kLogError, "cmdCopyPaste_Click: " + std::string(error.what()));
         desk_.person.ShowError(kMessageTitle, error.what());
@@ -109,25 +93,20 @@ std::string MonitorCommands::CopyURL(const std::string& id) {
     return newId;
 }
 
-std::string MonitorCommands::Copy(const std::string& id) {
-    const std::string newId = desk_.ids.NewServerID();
-    const auto conn = OpenDatabase(desk_.store, desk_.dir);
-    const auto source = desk_.store.NewRecordset();
-    if (!id.empty()) source->Open("SELECT * from servers where id=" + id, *conn, CursorType::Static, LockType::Optimistic);
-    if (id.empty() || source->Eof()) {
-        desk_.person.ShowMessage(kMessageTitle, "didn't find source record to copy.");
-        return "";
+void MonitorCommands::CheckNow(const EntryActs::Ids& ids) {
+    if (!run_.State().bMonitoring) return desk_.person.ShowMessage(kMessageTitle, kMonitoringIsStopped);
+    Do([&](EntryActs& acts) { return acts.CheckNow(ids); });
+    run_.WakeUp();
+}
+
+void MonitorCommands::Do(const std::function<std::string(EntryActs& acts)>& act) {
+    try {
+        desk_.status.setStatusMSG(act(acts_));
+    } catch (const std::exception& error) {
+        desk_.log.WriteLog(kLogOrdinary, kLogError, "Entry: " + std::string(error.what()));
+        desk_.person.ShowError(kMessageTitle, "Nothing was changed: " + std::string(error.what()));
     }
-    const auto copy = OpenRows(desk_.store, *conn, "SELECT * from servers where id < 0");
-    copy->AddNew();
-    CopyFields(*source, *copy);
-    copy->Fields("id") = newId;
-    for (const auto& [name, value] : kFreshValues)
-        copy->Fields(name) = value;
-    copy->Update();
-    if (desk_.safeguards.IsOn(kHttpStatusFails))
-        desk_.ofEntries.Write(ParseWhole(newId), kHttpStatusGood, desk_.ofEntries.Read(ParseWhole(id), kHttpStatusGood));
-    return newId;
+    desk_.person.RefreshURLList();
 }
 
 void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, const std::function<void()>& answered) {
@@ -135,12 +114,20 @@ void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, 
         desk_.person.ShowMessage(kMessageTitle, "Please click an entry in the list, then click delete.");
         return;
     }
+    AskDelete("the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.", {id}, answered);
+}
+
+void MonitorCommands::DeleteURLs(const EntryActs::Ids& ids, const std::function<void()>& answered) {
+    AskDelete("the " + std::to_string(ids.size()) + " selected Servers?\r\n\r\nChoosing Yes will Delete these entries.", ids,
+              answered);
+}
+
+void MonitorCommands::AskDelete(const std::string& whom, const EntryActs::Ids& ids, const std::function<void()>& answered) {
     mnuTrayOff();
     desk_.person.Ask(
-        kMessageTitle,
-        "Are you sure you want to Permanently Delete the " + name + " Server?\r\n\r\nChoosing Yes will Delete the entry.",
+        kMessageTitle, "Are you sure you want to Permanently Delete " + whom,
         [=, this] {
-            Delete(id);
+            Delete(ids);
             answered();
         },
         [=, this] {
@@ -149,13 +136,13 @@ void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, 
         });
 }
 
-void MonitorCommands::Delete(const std::string& id) {
+void MonitorCommands::Delete(const EntryActs::Ids& ids) {
     const WaitCursor waiting(desk_.person);
-    desk_.maintenance.DeleteServerData(id);
+    acts_.Delete(ids);
     desk_.person.RefreshURLList();
     const std::string problem = desk_.publisher.PublishReports();
     if (!problem.empty()) desk_.status.setStatusMSG("Reporting Error: " + problem);
-    desk_.status.setStatusMSG("Server Entry Deleted");
+    desk_.status.setStatusMSG(ids.size() == 1 ? "Server Entry Deleted" : std::to_string(ids.size()) + " Server Entries Deleted");
 }
 
 void MonitorCommands::OpenText(const std::string& path) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "shell/list/entry_acts.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -35,6 +36,16 @@ public:
     void DeleteURL(
         const std::string& id, const std::string& name, const std::function<void()>& answered = [] {});
 
+    /// The same for several, with one question.
+    void DeleteURLs(const EntryActs::Ids& ids, const std::function<void()>& answered);
+
+    /// Copies the entry with its rules. Returns the new id, empty when nothing was copied.
+    std::string Duplicate(const std::string& id);
+    /// Makes the entries due at once, before all others; while monitoring is stopped the operator is notified instead.
+    void CheckNow(const EntryActs::Ids& ids);
+    /// Carries out the act, says its outcome in the status log or why it failed in a message, and shows the list again.
+    void Do(const std::function<std::string(EntryActs& acts)>& act);
+
     void cmdSave() { desk_.settings.cmdSave(); }
     void cmdReports() { desk_.reports.cmdReports_Click(); }
     void mnuFileOpen() { OpenText(desk_.legacyLog.FilePath()); }
@@ -50,13 +61,15 @@ public:
 private:
     std::string GlobalLogPath() const { return desk_.settings.GetLogFile() + "99.txt"; }
     bool HasRoom(const std::string& refusal);
-    std::string Copy(const std::string& id);
+    std::string CopyOf(const std::string& id, std::string (EntryActs::*copy)(const std::string& id));
     void OpenText(const std::string& path);
-    void Delete(const std::string& id);
+    void AskDelete(const std::string& whom, const EntryActs::Ids& ids, const std::function<void()>& answered);
+    void Delete(const EntryActs::Ids& ids);
     void AskReset(const std::string& opening, std::function<void()> reset);
 
     Run& run_;
     Desk desk_;
+    EntryActs acts_;
 };
 
 // Texts of the help menu about restarting computers: this one by a failing entry's own command, what must be set so that the

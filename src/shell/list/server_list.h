@@ -40,6 +40,7 @@ enum Column {
 std::string_view ColumnHead(int column);
 
 struct ServerRow {
+    bool isMonitored = false;
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
     bool warns = false;        ///< the status contains a warning

@@ -10,6 +10,8 @@
 #include "base/ignore_errors.h"
 #include "base/text.h"
 #include "platform/operator.h"
+#include "shell/desktop/editor/group_completer.h"
+#include "shell/entry/entry_history.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
 
@@ -50,6 +52,7 @@ frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::
         {"cmdTestURL", "&Test", "Checks the server once with what is on these pages. Nothing is saved."},
         [this] { cmdTestURL_Click(); }, [this] { cmdOk_Click(); });
 
+    PutLast(removeDownTimes_);
     ConnectTyping();
     WatchForHelp();
     Form_Load(isAddUrl);
@@ -70,6 +73,9 @@ void frmURLData::Form_Load(bool isAddUrl) {
     }
     cmdLastResponse_->setEnabled(!Trim(savedLastResponse_).empty());
     if (isAddUrl) SetStatus(kNewEntryHint);
+    OfferGroups(*inputs_.Box(&EntryFields::strGroup), ExistingGroups(desk_));
+    lblFailTexts_->setText(Q(CountedFailTexts(desk_, strID_)));
+    ShowNotes();
     loading_ = false;
 }
 
@@ -103,6 +109,8 @@ void frmURLData::SetScreen(const EntryTypeScreen& screen) {
 EntryFields frmURLData::Read() const {
     EntryFields fields = inputs_.Read();
     fields.strType = S(cmbType_->currentText());
+    for (std::size_t i = 0; i < std::size(kDownTimes); ++i)
+        fields.*kDownTimes[i].removed = removesDownTime_[i];
     return fields;
 }
 

@@ -3,6 +3,8 @@
 // The editor of one server entry: six pages of inputs, a status line that explains them, and commands that test their values.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -53,6 +55,7 @@ private:
     void AddAuthenticationPage();
     void AddScanTextPage();
     void AddCommandsPage();
+    void PutLast(const QList<QWidget*>& added);
 
     // Implemented in frm_url_data.cpp.
     void Form_Load(bool isAddUrl);
@@ -68,6 +71,8 @@ private:
     void TypeChanged();
     void RestartToggled(bool restart);
     bool ExplainFixedBox(const QObject* label);
+    void ShowNotes();
+    void RemoveDownTime(std::size_t which);
 
     // Implemented in frm_url_data_commands.cpp.
     void SetBusy(bool busy);
@@ -91,6 +96,7 @@ private:
     std::string savedExpectedText_;
     std::string savedLastResponse_;
     QString savedCommand_;  ///< the command before the restart command replaced it
+    std::array<bool, std::size(kDownTimes)> removesDownTime_{};
 
     FormInputs<EntryFields> inputs_;
     QFormLayout* form_ = nullptr;  ///< of the first page
@@ -107,6 +113,11 @@ private:
     QToolButton* cmdTextToFind_ = nullptr;
     QPushButton* cmdLastResponse_ = nullptr;
     QPushButton* cmdTestURL_ = nullptr;
+    QList<QWidget*> removeDownTimes_;
+    QFormLayout* emailForm_ = nullptr;
+    QLabel* lblNobody_ = nullptr;
+    QLabel* lblNumbers_ = nullptr;
+    QLabel* lblFailTexts_ = nullptr;
 };
 
 }  // namespace korvane

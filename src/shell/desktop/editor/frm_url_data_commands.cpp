@@ -3,8 +3,6 @@
 #include <QPointer>
 #include <QPushButton>
 
-#include "base/ignore_errors.h"
-#include "base/numbers.h"
 #include "base/text.h"
 #include "notify/mail_message.h"
 #include "platform/operator.h"
@@ -12,6 +10,7 @@
 #include "shell/desktop/editor/frm_text_to_find.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/entry/entry_hints.h"
+#include "shell/entry/entry_history.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
 #include "store/database_files.h"
@@ -114,19 +113,11 @@ void frmURLData::ChooseCommand(const QString& title, QLineEdit& box) {
 }
 
 void frmURLData::cmdTraceRoute_Click() {
-    bool isThere = false;
-    std::string file;
-    IgnoreErrors([&] {
-        file = desk_.trace.GetTracertFile(ParseWhole(strID_));
-        isThere = desk_.files.Exists(file);
-    });
-    if (!isThere) return desk_.person.ShowMessage(kMessageTitle, NoTraceMessage(getURLText()));
-    OpenInEditor(desk_.processes, desk_.person, file);
+    ShowLastTraceroute(desk_, strID_, getURLText());
 }
 
 void frmURLData::cmdLastResponse_Click() {
-    desk_.conversation.Show();
-    desk_.conversation.setRequest("Server: " + getURLText() + "\r\n" + savedLastResponse_);
+    ShowLastResponse(desk_, getURLText(), savedLastResponse_);
 }
 
 // Publishing delivers events, so only one reset runs at a time.
@@ -148,7 +139,9 @@ void frmURLData::cmdReset_Click() {
 }
 
 void frmURLData::cmdCommands_Click() {
-    (new frmCommands(desk_, OdbcConnectionText(desk_.dir), kNoListPosition, strID_, this))->open();
+    auto* form = new frmCommands(desk_, OdbcConnectionText(desk_.dir), kNoListPosition, strID_, this);
+    connect(form, &QDialog::accepted, this, [this] { lblFailTexts_->setText(Q(CountedFailTexts(desk_, strID_))); });
+    form->open();
 }
 
 void frmURLData::cmdTextToFind_Click() {

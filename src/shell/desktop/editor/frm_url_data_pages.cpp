@@ -20,7 +20,27 @@ namespace {
 constexpr int kTypesAtOnce = 20;  // in the open list: all of them
 constexpr int kAddressCharacters = 52;
 
+constexpr const char* kRemoveHelp = "Takes this down time away, also a saved one. Nothing is removed before you save.";
+
+/// A sentence that is there only where it holds.
+QLabel* NewNote(const char* name, const QString& accessibleName, QWidget* page) {
+    QLabel* note = NewFigure(name, accessibleName, page);
+    QFont bold = note->font();
+    bold.setBold(true);
+    note->setFont(bold);
+    return note;
+}
+
 }  // namespace
+
+// What was there first keeps its place in the order of the Tab key.
+void frmURLData::PutLast(const QList<QWidget*>& added) {
+    QWidget* last = findChild<QPushButton*>("cmdCancel");
+    for (QWidget* each : added) {
+        setTabOrder(last, each);
+        last = each;
+    }
+}
 
 void frmURLData::AddServerPage() {
     QVBoxLayout& page = AddPage("Server", "What is watched, how often, and what it must answer.");
@@ -43,7 +63,9 @@ void frmURLData::AddServerPage() {
         inputs_.AddRow(*form_, &EntryFields::HTTPStatusGood);
         statusRow_ = form_->rowCount() - 1;
     }
-    page.addSpacing(fontMetrics().height());
+    lblNumbers_ = NewNote("lblNumbers", "What follows from these numbers", this);
+    lblNumbers_->setMinimumHeight(fontMetrics().height());  // a note that comes and goes moves nothing
+    page.addWidget(lblNumbers_);
     page.addStretch();
     AddHistoryRow(page);
 }
@@ -97,9 +119,12 @@ void frmURLData::AddHistoryRow(QVBoxLayout& page) {
 void frmURLData::AddEMailPage() {
     QVBoxLayout& page = AddPage("E-Mail", "Who is told by mail when this server goes down and when it comes back.");
     QFormLayout& form = AddForm(page);
+    emailForm_ = &form;
     for (const auto field : {&EntryFields::strEmailList1, &EntryFields::strEmailList2, &EntryFields::strEmailFrom,
                              &EntryFields::strEmailText, &EntryFields::strEmailBody})
         inputs_.AddRow(form, field);
+    lblNobody_ = NewNote("lblNobody", "Whether anybody is notified", this);
+    form.insertRow(2, QString(), lblNobody_);
     page.addSpacing(fontMetrics().height() / 2);
     page.addWidget(inputs_.AddMark(&EntryFields::bNotSendBody, this));
     page.addWidget(inputs_.AddMark(&EntryFields::bSendUpNotify, this));
@@ -115,10 +140,14 @@ void frmURLData::AddDownTimesPage() {
                 "The server is not checked from each of these times on, for that many minutes, every day. "
                 "Write the time of day as 3:00am or 15:30.");
     QFormLayout& form = AddForm(page);
-    for (const EntryDownTime& each : kDownTimes) {
+    constexpr Control kRemove[] = {{"cmdRemoveDownTime1", "&Remove", kRemoveHelp, "Remove down time 1"},
+                                   {"cmdRemoveDownTime2", "Remo&ve", kRemoveHelp, "Remove down time 2"}};
+    for (std::size_t i = 0; i < std::size(kDownTimes); ++i) {
+        const EntryDownTime& each = kDownTimes[i];
         inputs_.AddBox(each.time, this);
         QLineEdit* minutes = inputs_.AddBox(each.minutes, this);
-        inputs_.AddRow(form, each.time, {minutes, new QLabel("minutes", this)});
+        removeDownTimes_.append(NewButton(kRemove[i], this, [this, i] { RemoveDownTime(i); }));
+        inputs_.AddRow(form, each.time, {minutes, new QLabel("minutes", this), removeDownTimes_.back()});
     }
     page.addStretch();
 }
@@ -147,10 +176,11 @@ void frmURLData::AddScanTextPage() {
                                 "with the error page of a firewall for example. List the texts by which such answers are known: "
                                 "a response that holds one of them counts as a failure, and each may have a command of its own.");
     webPages_.push_back(tabPages_->count() - 1);
-    page.addWidget(NewButton({"cmdCommands", "&Failure Texts and Commands...",
-                              "Opens the list of texts that mean failure, each with a command to run."},
-                             this, [this] { cmdCommands_Click(); }),
-                   0, Qt::AlignLeft);
+    lblFailTexts_ = NewFigure("lblFailTexts", "Number of failure texts", this);
+    page.addLayout(LeftRow({NewButton({"cmdCommands", "&Failure Texts and Commands...",
+                                       "Opens the list of texts that mean failure, each with a command to run."},
+                                      this, [this] { cmdCommands_Click(); }),
+                            lblFailTexts_}));
     page.addSpacing(fontMetrics().height() / 2);
     page.addWidget(NewExplanation("The list is saved by its own OK.", this));
     page.addStretch();

@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QSignalBlocker>
 #include <algorithm>
+#include <limits>
 
 #include "base/raised_flag.h"
 #include "engine/machine_restart.h"
@@ -47,6 +48,9 @@ void frmURLData::ConnectTyping() {
         onChange(each.time, explain);
         onChange(each.minutes, explain);
     }
+    for (const auto field : {&EntryFields::nTries, &EntryFields::nIntervalSeconds, &EntryFields::nTimeout, &EntryFields::strPort,
+                             &EntryFields::strExpectedText, &EntryFields::strEmailList1, &EntryFields::strEmailList2})
+        onChange(field, [this] { ShowNotes(); });
     // The label must match the number even while it is being loaded.
     connect(inputs_.Box(&EntryFields::nIntervalSeconds), &QLineEdit::textChanged, this, [this](const QString& seconds) {
         inputs_.Unit(&EntryFields::nIntervalSeconds)->setText(Q(IntervalInMinutes(S(seconds))));
@@ -86,6 +90,23 @@ void frmURLData::TypeChanged() {
     EntryFields fields = Read();
     fields.strExpectedText = HasFreeExpectedText(fields.strType) ? savedExpectedText_ : "";
     InitServerTypes(fields);
+    ShowNotes();
+}
+
+// Beside the inputs, before anything is saved.
+void frmURLData::ShowNotes() {
+    const EntryFields fields = Read();
+    const int highestWebPort = desk_.safeguards.IsOn("GuardBadEntries") ? kHighestPort : std::numeric_limits<std::int16_t>::max();
+    lblNumbers_->setText(Q(ExplainNumbers(fields, highestWebPort)));
+    lblNobody_->setText(Q(ExplainRecipients(fields, desk_.outbox.IsOn())));
+    emailForm_->setRowVisible(lblNobody_, !lblNobody_->text().isEmpty());
+}
+
+void frmURLData::RemoveDownTime(std::size_t which) {
+    removesDownTime_[which] = true;
+    inputs_.Box(kDownTimes[which].time)->clear();
+    inputs_.Box(kDownTimes[which].minutes)->clear();
+    SetStatus("Down time " + std::to_string(which + 1) + " is removed when you save.");
 }
 
 void frmURLData::RestartToggled(bool restart) {

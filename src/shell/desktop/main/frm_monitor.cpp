@@ -49,6 +49,7 @@ void frmMonitor::Attach(Run& run, std::function<void()> exit) {
     run_ = &run;
     exit_ = std::move(exit);
     commands_ = std::make_unique<MonitorCommands>(run);
+    AttachEntryCommands();
     resources_ =
         std::make_unique<ResourceWindows>(run.TheDesk(), [this](ResourceMonitor monitor) { ResourceWindowHidden(monitor); });
     AttachDetail();

@@ -28,6 +28,8 @@
 #include "shell/desktop/glance/list_bar.h"
 #include "shell/desktop/glance/status_colours.h"
 #include "shell/desktop/glance/stopped_bar.h"
+#include "shell/desktop/main/entry_commands.h"
+#include "shell/desktop/main/entry_files.h"
 #include "shell/desktop/main/list_columns.h"
 #include "shell/desktop/main/monitor_forms.h"
 #include "shell/desktop/main/monitor_tray.h"
@@ -156,6 +158,7 @@ private:
     void RestoreDetail();
     void mnuViewDetail();
     std::vector<Command> Commands();
+    void AttachEntryCommands();
 
     void HideOrIconify();
     void SetWindowToFrontForeground();
@@ -163,8 +166,7 @@ private:
     void OpenEditor(bool isAddUrl, const std::string& id);
     void SelectRow(int row);
     void SelectEntry(const std::string& id);
-    ServerRow SelectedRow() const;  ///< empty texts when none is selected
-    void CopyRowText();
+    ServerRow SelectedRow() const;  ///< of several, the one with the focus; empty texts when none is selected
     void RememberColumns();
     void ApplyFilter();
     void ShowCounts();
@@ -184,6 +186,8 @@ private:
 
     Run* run_ = nullptr;
     std::unique_ptr<MonitorCommands> commands_;
+    std::unique_ptr<EntryCommands> entryCommands_;
+    std::unique_ptr<EntryFiles> entryFiles_;
     std::unique_ptr<ResourceWindows> resources_;
     std::unique_ptr<MonitorForms> forms_;
     std::array<QCheckBox*, kResourceMonitors.size()> ckResources_{};

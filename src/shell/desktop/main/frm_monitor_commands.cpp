@@ -1,7 +1,5 @@
 // The commands of the main window: the table of all of them, from which its menus, the list's and the tray's are built, and those
 // on entries.
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QMenuBar>
 #include <algorithm>
 #include <optional>
@@ -18,6 +16,7 @@ namespace {
 constexpr const char* kFile = "&File";
 constexpr const char* kEdit = "&Edit";
 constexpr const char* kMonitor = "&Monitor";
+constexpr const char* kEntry = "Entr&y";
 constexpr const char* kView = "Vie&w";
 constexpr const char* kSettings = "&Settings";
 constexpr const char* kHelp = "&Help";
@@ -43,7 +42,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
     using enum CommandPicture;
     const auto none = std::nullopt;
     const auto show = [this](WebPage page) { return [this, page] { run_->TheDesk().pages.Show(page); }; };
-    return {
+    std::vector<Command> all{
         {kFile, "mnuFileSave", "&Save Settings", "Ctrl+S", Save, [this] { commands_->cmdSave(); }},
         {kFile, "mnuFileReports", "&Reports", "Ctrl+R", Reports, [this] { commands_->cmdReports(); }},
         {kFile, ""},
@@ -53,6 +52,8 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kFile, ""},
         {kFile, "mnuFileRepair", "&Compact and Repair Database", "", none, [this] { commands_->mnuFileRepair(); }},
         {kFile, "mnuFileResetGraph", "Reset &Graph Data...", "", none, [this] { commands_->mnuFileResetGraph(); }},
+        {kFile, "mnuFileImport", "&Import Entries...", "", none, [this] { entryFiles_->Import(); }},
+        {kFile, "mnuFileExport", "&Export Entries...", "", none, [this] { entryFiles_->Export(); }},
         {kFile, ""},
         {kFile, "mnuFileMin", "&Minimize to Tray", "Ctrl+M", Hide, [this] { MinimizeToTray(); }},
         {kFile, "mnuExit", "E&xit", "Ctrl+Q", Exit, [this] { exit_(); }},
@@ -109,6 +110,24 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kTray, ""},
         {kTray, "mnuTrayExit", "E&xit", "", none, [this] { exit_(); }},
     };
+    auto at = std::ranges::find(all, kView, &Command::menu);
+    at = all.insert(at, {kEntry, "", "", "", none, {}, Where::Context});
+    for (const EntryCommands::Command& each : EntryCommands::All()) {
+        const auto run = [this, command = each.run] { (entryCommands_.get()->*command)(); };
+        const bool isSeparator = *each.name == '\0';
+        at = all.insert(
+            at + 1, {kEntry, each.name, each.caption, each.keys, each.picture, run, isSeparator ? Where::Context : Where::List});
+    }
+    return all;
+}
+
+void frmMonitor::AttachEntryCommands() {
+    entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_);
+    entryFiles_ = std::make_unique<EntryFiles>(run_->TheDesk(), *commands_, *this);
+    const auto enable = [this] { entryCommands_->Enable(actions_); };
+    connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, enable);
+    connect(model_, &QAbstractItemModel::layoutChanged, this, enable);
+    enable();
 }
 
 void frmMonitor::BuildMenus() {
@@ -170,21 +189,29 @@ void frmMonitor::OpenEditor(bool isAddUrl, const std::string& id) {
     };
     auto* editor = new frmURLData(run_->TheDesk(), isAddUrl, id, saved, this);
     editor_ = editor;
+    const bool viewing = conversation_.Visible();
     conversation_.SetParent(editor);
-    connect(editor, &QDialog::finished, this, [this, isAddUrl] {
+    connect(editor, &QDialog::finished, this, [this, isAddUrl, viewing] {
         SetIsAddUrl(false);
-        conversation_.SetParent(this);
+        viewing ? conversation_.MoveTo(this) : conversation_.SetParent(this);
         if (!isAddUrl) commands_->EndEdit();
         RefreshURLList();
         ListView1->setFocus();
     });
     editor->open();
+    conversation_.MoveTo(editor);
 }
 
 // Stopping rebuilds the list, perhaps in another order, so the entry is searched again; if it is gone, its row now belongs to
 // another entry.
 void frmMonitor::cmdDeleteURL_Click() {
     const int row = ListView1->currentIndex().row();
+    if (const EntryActs::Ids ids = entryCommands_->Ids(); ids.size() > 1) {
+        return commands_->DeleteURLs(ids, [this, row] {
+            if (entryCommands_->Ids().empty()) SelectRow(row);
+            Form_Resize();
+        });
+    }
     const ServerRow selected = SelectedRow();
     commands_->DeleteURL(selected.Id(), selected.Name(), [this, row, id = selected.Id()] {
         const int same = model_->RowOf(id);
@@ -200,24 +227,18 @@ void frmMonitor::cmdCopyPaste_Click() {
     SelectEntry(copy);
 }
 
-// Copies the row as the list shows it, for a mail or a spreadsheet.
-void frmMonitor::CopyRowText() {
-    QStringList cells;
-    for (int column = 0; column < column::Count; ++column)
-        for (const QModelIndex& cell : ListView1->selectionModel()->selectedRows(column))
-            cells.append(cell.data().toString());
-    if (!cells.isEmpty()) QGuiApplication::clipboard()->setText(cells.join('\t'));
-}
-
 ServerRow frmMonitor::SelectedRow() const {
-    const QModelIndexList selected = ListView1->selectionModel()->selectedRows();
-    return selected.isEmpty() ? ServerRow() : model_->Row(selected.first().row());
+    const QItemSelectionModel& selection = *ListView1->selectionModel();
+    const QModelIndexList selected = selection.selectedRows();
+    if (selected.isEmpty()) return {};
+    const int current = selection.currentIndex().row();
+    return model_->Row(selection.isRowSelected(current) ? current : selected.first().row());
 }
 
 void frmMonitor::SelectRow(int row) {
     const int last = model_->rowCount() - 1;
     if (last < 0 || row < 0) return;
-    ListView1->setCurrentIndex(model_->index(std::min(row, last), 0));
+    EntryCommands::SelectOnly(*ListView1, std::min(row, last));
 }
 
 void frmMonitor::SelectEntry(const std::string& id) {

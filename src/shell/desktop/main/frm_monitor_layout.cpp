@@ -83,7 +83,7 @@ void frmMonitor::BuildList() {
     ListView1->setAllColumnsShowFocus(true);
     ListView1->setAlternatingRowColors(true);
     ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
-    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1->setSelectionMode(QAbstractItemView::ExtendedSelection);
     ListView1->setContextMenuPolicy(Qt::CustomContextMenu);
     ListView1->setTabKeyNavigation(false);
     QHeaderView& header = *ListView1->header();
@@ -105,7 +105,6 @@ void frmMonitor::BuildList() {
         const QRect row = ListView1->visualRect(ListView1->currentIndex());
         context_->popup(ListView1->viewport()->mapToGlobal(row.bottomLeft()));
     });
-    onKey(Qt::CTRL | Qt::Key_C, [this] { CopyRowText(); });
 }
 
 QLayout* frmMonitor::BuildButtons() {

@@ -32,6 +32,16 @@ public:
         form_->activateWindow();
     }
 
+    /// The same as SetParent; an open window moves with it, without taking the keyboard.
+    void MoveTo(QWidget* parent) {
+        parent_ = parent;
+        if (!Visible()) return;
+        form_->setAttribute(Qt::WA_ShowWithoutActivating);
+        form_->setParent(parent, form_->windowFlags());
+        form_->show();
+        form_->setAttribute(Qt::WA_ShowWithoutActivating, false);
+    }
+
     bool Visible() const { return form_ != nullptr && form_->isVisible(); }
 
     /// Returns null when it is not open.

@@ -122,6 +122,13 @@ frmReqRes::frmReqRes(QWidget* parent) : TraceWindow("frmReqRes", "Request and Re
     if (const QWidget* const editor = EditorBelow(parent); editor != nullptr) PlaceBeside(*editor);
 }
 
+void frmReqRes::changeEvent(QEvent* event) {
+    TraceWindow::changeEvent(event);
+    if (event->type() != QEvent::ParentChange) return;
+    const QWidget* const editor = EditorBelow(parentWidget());
+    if (editor != nullptr && editor->frameGeometry().intersects(frameGeometry())) PlaceBeside(*editor);
+}
+
 void frmReqRes::PlaceBeside(const QWidget& editor) {
     const QRect screen = editor.screen()->availableGeometry();
     const QRect taken = editor.frameGeometry();

@@ -40,6 +40,10 @@ class frmReqRes : public TraceWindow {
 public:
     explicit frmReqRes(QWidget* parent);
 
+protected:
+    /// An open window moves beside the editor over which it would be.
+    void changeEvent(QEvent* event) override;
+
 private:
     void PlaceBeside(const QWidget& editor);
 };

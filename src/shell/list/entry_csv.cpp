@@ -1,0 +1,92 @@
+#include "shell/list/entry_csv.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/error.h"
+#include "base/ignore_errors.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "engine/http_status.h"
+#include "engine/server_table.h"
+#include "shell/entry/entry_save.h"
+#include "shell/list/csv_text.h"
+#include "shell/list/entry_csv_columns.h"
+#include "store/database_files.h"
+
+namespace korvane {
+namespace {
+
+void WriteRow(Recordset& row, const ImportRow& from) {
+    for (const EntryInput& input : EntryInputs())
+        if (!input.key.empty() && std::ranges::find(from.changes, &input) != from.changes.end())
+            WriteInput(row, input, from.fields);
+    for (const EntryDownTime& each : kDownTimes)
+        if (from.fields.*each.removed && !from.id.empty()) RemoveDownTime(row, each);
+    row.Update();
+}
+
+}  // namespace
+
+std::string ExportEntries(const Desk& desk, bool withPasswords) {
+    const CsvColumns columns = AllCsvColumns(desk, withPasswords);
+    std::vector<std::string> cells;
+    for (const EntryInput* each : columns)
+        cells.emplace_back(CsvNameOf(each));
+    std::string text = CsvLine(cells);
+    for (const auto& [id, fields] : ReadAllEntries(desk)) {
+        cells.clear();
+        for (const EntryInput* each : columns)
+            cells.push_back(each == nullptr ? id : CsvTextOf(*each, fields));
+        text += CsvLine(cells);
+    }
+    return text;
+}
+
+std::size_t ImportPlan::Count(ImportStep step) const {
+    return static_cast<std::size_t>(std::ranges::count(rows, step, &ImportRow::step));
+}
+
+std::string ImportPlan::Summary() const {
+    std::string text;
+    for (const auto& [step, word] : {std::pair{ImportStep::Added, " added, "},
+                                     {ImportStep::Changed, " changed, "},
+                                     {ImportStep::Unchanged, " unchanged, "},
+                                     {ImportStep::Refused, " refused."}})
+        text += std::to_string(Count(step)) + word;
+    return text;
+}
+
+bool ImportPlan::CanImport() const {
+    return refusal.empty() && Count(ImportStep::Refused) == 0 && Count(ImportStep::Unchanged) < rows.size();
+}
+
+void ImportEntries(const Desk& desk, const ImportPlan& plan) {
+    desk.entries.setServerEntryChangedIndex(kNoServerEntry);
+    std::vector<std::pair<std::int64_t, std::string>> goodStatuses;
+    const ColumnValues values = NewEntryValues(desk);
+    const IniFile::Batch batch(desk.settingsFile);
+    const auto connection = OpenDatabase(desk.store, desk.dir);
+    connection->BeginTrans();
+    for (const ImportRow& each : plan.rows) {
+        if (each.step == ImportStep::Unchanged || each.step == ImportStep::Refused) continue;
+        const std::int64_t id = ParseWhole(each.id.empty() ? desk.ids.NewServerID() : each.id);
+        const auto row = OpenRows(desk.store, *connection, query::ById(id));
+        if (each.id.empty()) {
+            row->AddNew();
+            row->Fields("id") = id;
+            for (const auto& [column, value] : values)
+                row->Fields(column) = value;
+        } else if (row->Eof()) {
+            throw Error("The entry " + each.id + " has been deleted meanwhile.");
+        }
+        WriteRow(*row, each);
+        for (const EntryInput* change : each.changes)
+            if (change->key.empty()) goodStatuses.emplace_back(id, TrimAll(each.fields.HTTPStatusGood));
+    }
+    connection->CommitTrans();
+    for (const auto& [id, statuses] : goodStatuses)  // the database of the transaction is locked for their own connection
+        IgnoreErrors([&, of = id, &text = statuses] { desk.ofEntries.Write(of, kHttpStatusGood, text); });
+}
+
+}  // namespace korvane
