@@ -91,7 +91,7 @@ DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(
     cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
     cmdClose_->setAutoDefault(false);
     cmdClose_->setFlat(true);
-    cmdClose_->setFixedSize(fontMetrics().height() + space, fontMetrics().height() + space);
+    cmdClose_->setFixedSize(cmdClose_->minimumSizeHint().height() + space, cmdClose_->minimumSizeHint().height());
     connect(cmdClose_, &QPushButton::clicked, this, [close = std::move(close)] { close(); });
     columns->addWidget(cmdClose_, 0, Qt::AlignTop);
     hide();
