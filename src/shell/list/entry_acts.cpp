@@ -133,10 +133,10 @@ std::string EntryActs::Set(const Ids& ids, const std::vector<EntryChange>& chang
 }
 
 void EntryActs::Delete(const Ids& ids) {
-    for (const std::string& id : ids) {
-        desk_.maintenance.DeleteServerData(id);
-        if (desk_.safeguards.IsOn(kHttpStatusFails)) IgnoreErrors([&] { desk_.ofEntries.Remove(ParseWhole(id)); });
-    }
+    ids.size() == 1 ? desk_.maintenance.DeleteServerData(ids.front()) : desk_.maintenance.DeleteServersData(ids);
+    if (!desk_.safeguards.IsOn(kHttpStatusFails)) return;
+    for (const std::string& id : ids)
+        IgnoreErrors([&] { desk_.ofEntries.Remove(ParseWhole(id)); });
 }
 
 std::string EntryActs::CopyRow(const std::string& id, bool withRules) {
