@@ -323,7 +323,7 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     std::string many = "strDesc\n";
     for (int i = 0; i < 100'000; ++i)
         many += "x\n";
-    EXPECT_EQ(planned(many), "Line 501: this is too much: the file has 100001 lines, and no more than 499 are possible.");
+    EXPECT_EQ(planned(many), "The file has 100001 lines, and no more than 499 entries are possible.");
     w.rows.AddMany(std::vector<Entry>(497));
     const ImportPlan plan = PlanImport(w.desk, "strGroup,nTries\nour group,\nx,2\n");
     EXPECT_EQ(plan.Summary() + plan.rows[1].details,
