@@ -110,10 +110,19 @@ TEST_F(GlanceTest, TheTabKeyComesToWhatIsNewLast) {
 }
 
 TEST_F(GlanceTest, AWindowWhoseScreenHasGoneComesBack) {
-    window->move(5000, 5000);
-    window->MinimizeToTray();
-    window->mnuTraySettings_Click();
-    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
+    const auto placeAfter = [&](const QPoint& place) {
+        window->move(place);
+        window->MinimizeToTray();
+        window->mnuTraySettings_Click();
+        return window->pos();
+    };
+    window->SetWidth(7500);
+    EXPECT_EQ(placeAfter({-300, 50}), QPoint(-300, 50)) << "its title can be reached";
+    for (const QPoint& gone : {QPoint(5000, 50), QPoint(50, 5000), QPoint(-5000, 0), QPoint(50, -300)}) {
+        placeAfter(gone);
+        EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry())) << gone.x();
+    }
+    EXPECT_EQ(window->Width(), 7500);
 }
 
 }  // namespace korvane::glance_test

@@ -99,8 +99,12 @@ void frmMonitor::SetCaptions(const Captions& captions) {
     actions_.at("mnufilekvsettings")->setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
+QPoint frmMonitor::HomePlace() const {
+    return screen()->availableGeometry().topLeft() + kPlace;
+}
+
 void frmMonitor::Place(bool shown) {
-    move(screen()->availableGeometry().topLeft() + kPlace);
+    move(HomePlace());
     columns_->Restore(run_->TheDesk().settingsFile);
     RestoreView();
     placed_ = true;

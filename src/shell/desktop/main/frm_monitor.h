@@ -168,6 +168,7 @@ private:
     void RestoreView();
     void RememberView();
     void KeepOnScreen();
+    QPoint HomePlace() const;
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
