@@ -165,7 +165,6 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
 // The operator has restored the window from the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) statusColours_->rehighlight();
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
     const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
     if (!wasMinimized || !WindowVisible()) return;

@@ -196,7 +196,6 @@ private:
     ListBar* bar_;
     StoppedBar* stopped_;
     QLabel* lblEmpty_;  ///< over an empty list
-    StatusColours* statusColours_;
     std::vector<QPushButton*> commandButtons_;
     std::vector<QWidget*> aroundList_;  ///< for which the list leaves room
     std::string storedProblemsFirst_;

@@ -42,7 +42,7 @@ void frmMonitor::BuildGlance(QBoxLayout& rows) {
     rows.insertWidget(rows.indexOf(ListView1), stopped_);
     rows.insertWidget(rows.indexOf(stopped_), bar_);
     aroundList_ = {bar_, stopped_};
-    statusColours_ = new StatusColours(*txtStatus);
+    new StatusColours(*txtStatus);  // belongs to its document
     // The window still has the screen that goes.
     connect(
         qApp, &QGuiApplication::screenRemoved, this, [this] { KeepOnScreen(); }, Qt::QueuedConnection);
