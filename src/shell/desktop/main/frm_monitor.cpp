@@ -102,8 +102,12 @@ void frmMonitor::SetCaptions(const Captions& captions) {
     actions_.at("mnufilekvsettings")->setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
+QPoint frmMonitor::HomePlace() const {
+    return screen()->availableGeometry().topLeft() + kPlace;
+}
+
 void frmMonitor::Place(bool shown) {
-    move(screen()->availableGeometry().topLeft() + kPlace);
+    move(HomePlace());
     columns_->Restore(run_->TheDesk().settingsFile);
     RestoreView();
     RestoreDetail();
@@ -165,7 +169,6 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
 // The operator has restored the window from the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) statusColours_->rehighlight();
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
     const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
     if (!wasMinimized || !WindowVisible()) return;

@@ -177,6 +177,7 @@ private:
     void RestoreView();
     void RememberView();
     void KeepOnScreen();
+    QPoint HomePlace() const;
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
@@ -207,7 +208,6 @@ private:
     ListBar* bar_;
     StoppedBar* stopped_;
     QLabel* lblEmpty_;  ///< over an empty list
-    StatusColours* statusColours_;
     std::vector<QPushButton*> commandButtons_;
     std::vector<QWidget*> aroundList_;  ///< for which the list leaves room
     std::string storedProblemsFirst_;
