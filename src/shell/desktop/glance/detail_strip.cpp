@@ -84,7 +84,7 @@ DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(
     columns->addWidget(imgState_, 0, Qt::AlignTop);
     columns->addWidget(txtDetail_, 5);
     columns->addWidget(BuildTimes(), 4);
-    columns->addWidget(BuildFailures(), 4);
+    columns->addWidget(BuildFailures(), 5);
     cmdClose_ = WithName(new QPushButton(QString(QChar(0x2715)), this), "cmdCloseDetail", "Hide the details");
     cmdClose_->setShortcut(QKeySequence(kCloseKey));
     cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
