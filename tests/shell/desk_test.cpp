@@ -138,6 +138,8 @@ $ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPerce
                      "15:59:59', 1), (4, 1, 'hour', 'x', 3), (5, 1, 'day', '2026-11-20 23:50:00', 1234.5), (6, 1, "
                      "'hour', '2026-11-21 13:00:00', 'x'), (7, 2, 'hour', '2026-11-21 14:40:00', 9)"),
               "to a@x;b@x: taken (250 OK)."));
+    w.desk.alertPath.TestMail(false);
+    EXPECT_TRUE(Holds(InSentences(w.Look(), then).notified, "recoveries (test mail failed)"));
     EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
               "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
               "failures");

@@ -4,7 +4,6 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QPainterPath>
 #include <QTimer>
 #include <map>
 
@@ -85,7 +84,7 @@ DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(
     columns->addWidget(imgState_, 0, Qt::AlignTop);
     columns->addWidget(txtDetail_, 5);
     columns->addWidget(BuildTimes(), 4);
-    columns->addWidget(BuildFailures(), 4);
+    columns->addWidget(BuildFailures(), 5);
     cmdClose_ = WithName(new QPushButton(QString(QChar(0x2715)), this), "cmdCloseDetail", "Hide the details");
     cmdClose_->setShortcut(QKeySequence(kCloseKey));
     cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
@@ -254,9 +253,8 @@ void DetailStrip::ShowCounts() {
     }
     imgState_->hide();
     if (rows_.empty()) {
-        const QString above = QString::number(fontMetrics().lineSpacing() * (kLines - 1) / 2);
-        return txtDetail_->Show("<p align='center' style='margin-top:" + above + "px'>" +
-                                Coloured(kNothingSelected, QuietInk(palette())) + "</p>");
+        const QString above = QString("<div>&nbsp;</div>").repeated((kLines - 1) / 2);
+        return txtDetail_->Show(above + "<p align='center'>" + Coloured(kNothingSelected, QuietInk(palette())) + "</p>");
     }
     QString html = "<div><b>" + QString::number(rows_.size()) + " servers selected</b></div>";
     for (const RowIcon state : {RowIcon::Bad, RowIcon::Warn, RowIcon::Good, RowIcon::DownTime, RowIcon::Inactive})
@@ -292,15 +290,11 @@ void DetailStrip::resizeEvent(QResizeEvent* event) {
 
 void DetailStrip::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath card;
-    card.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kEdge, kEdge);
-    painter.fillPath(card, palette().base());
-    painter.setClipPath(card);
+    painter.fillRect(rect(), palette().base());
     const QColor edge = shown_ ? ColoursOf(state_, palette()).ink : palette().color(QPalette::Mid);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
     painter.fillRect(QRect(0, 0, kEdge, height()), edge);
-    painter.setClipping(false);
-    painter.strokePath(card, QPen(palette().color(QPalette::Mid), 1));
 }
 
 }  // namespace korvane
