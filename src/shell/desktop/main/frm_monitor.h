@@ -171,6 +171,7 @@ private:
     void ApplyFilter();
     void ShowCounts();
     void LetBeSeen(const std::string& id);
+    void SelectMade(const std::string& id);
     std::set<std::string> AllIds() const;
     void ShowStopped();
     int HeightAroundList() const;

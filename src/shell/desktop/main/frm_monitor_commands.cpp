@@ -122,7 +122,8 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
 }
 
 void frmMonitor::AttachEntryCommands() {
-    entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_);
+    entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_,
+                                                     [this](const std::string& id) { SelectMade(id); });
     entryFiles_ = std::make_unique<EntryFiles>(run_->TheDesk(), *commands_, *this);
     const auto enable = [this] { entryCommands_->Enable(actions_); };
     connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, enable);
@@ -222,9 +223,12 @@ void frmMonitor::cmdDeleteURL_Click() {
 
 void frmMonitor::cmdCopyPaste_Click() {
     const std::string copy = commands_->CopyURL(SelectedRow().Id());
-    if (copy.empty()) return;
-    LetBeSeen(copy);
-    SelectEntry(copy);
+    if (!copy.empty()) SelectMade(copy);
+}
+
+void frmMonitor::SelectMade(const std::string& id) {
+    LetBeSeen(id);
+    SelectEntry(id);
 }
 
 ServerRow frmMonitor::SelectedRow() const {
