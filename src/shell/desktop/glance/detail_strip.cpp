@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QTimer>
+#include <algorithm>
 #include <map>
 
 #include "shell/desktop/glance/state_colours.h"
@@ -15,7 +16,7 @@
 namespace korvane {
 namespace {
 
-constexpr int kLines = 9;  ///< of text in the strip
+constexpr int kLines = 10;  ///< of text in the strip
 constexpr int kLeastWindowHeight = 560;
 constexpr int kCharactersForTimes = 120;
 constexpr int kCharactersForSpan = 165;
@@ -90,7 +91,8 @@ DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(
     cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
     cmdClose_->setAutoDefault(false);
     cmdClose_->setFlat(true);
-    cmdClose_->setFixedSize(cmdClose_->minimumSizeHint().height() + space, cmdClose_->minimumSizeHint().height());
+    const int side = std::max(fontMetrics().height() + space, cmdClose_->minimumSizeHint().height());
+    cmdClose_->setFixedSize(side, side);
     connect(cmdClose_, &QPushButton::clicked, this, [close = std::move(close)] { close(); });
     columns->addWidget(cmdClose_, 0, Qt::AlignTop);
     hide();

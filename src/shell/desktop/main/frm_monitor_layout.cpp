@@ -163,13 +163,14 @@ void frmMonitor::BuildStatusBar() {
     lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
     lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
     lblCustomers->setVisible(false);
-    lblMail = Named(new QLabel, "lblMail", "State of the mail");
+    lblMail = Named(new ElidedLabel, "lblMail", "State of the mail");
+    lblMail->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     lblMail->setVisible(false);
     lblTime = Named(new QLabel, "lblTime", "Time");
     statusBar()->addWidget(new QLabel("Servers:"));
     statusBar()->addWidget(lblServers);
     statusBar()->addWidget(lblCustomers);
-    statusBar()->addWidget(lblMail);
+    statusBar()->addWidget(lblMail, 1);
     statusBar()->addPermanentWidget(ResourceMarks());
     statusBar()->addPermanentWidget(lblTime);
 }

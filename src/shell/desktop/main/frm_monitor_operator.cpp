@@ -78,6 +78,7 @@ void frmMonitor::SetCustomerCount(int count) {
 void frmMonitor::SetMailState(const std::string& text, bool alarming) {
     mailState_ = text;
     lblMail->setText(Q(text));
+    lblMail->setToolTip(Q(text));
     lblMail->setStyleSheet(alarming ? "color: red" : "");
     lblMail->setVisible(!text.empty());
 }
