@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/entry/entry_save.h"
+#include "shell/list/outage_notes.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
@@ -111,6 +112,26 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
     w.Set("Server", " ");
     EXPECT_EQ(shown(), "UP, notifies nobody!!");
+}
+
+TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
+    StartedWorld w;
+    std::string shown;
+    OutageNotes notes(w.world.timers, [&](const OutageNotes::Note& note) { shown += note.title + ": " + note.text + "; "; });
+    w.noteOutage = [&](const auto& entry, bool isDown, const auto& reason) { notes.Add(entry, isDown, reason); };
+    const auto after = [&](std::chrono::seconds time) { return w.RunFor(time), std::exchange(shown, ""); };
+    w.rows.Add({.strDesc = "", .strAddress_IP = "10.0.0.1", .strType = "PING", .nTries = 2});
+    w.net.Host("10.0.0.1").EchoSilent();
+    EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
+    EXPECT_EQ(after(600s), "") << "one an outage";
+    w.net.Host("10.0.0.1").Echo(3ms);
+    EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    for (const char* name : {"a", "<b>", "c", "d", "e"})
+        notes.Add(name, true, "why");
+    notes.Add("f", false, "");
+    EXPECT_EQ(after(9s), "");
+    EXPECT_EQ(after(2s), "5 servers are DOWN: a, ‹b›, c, ...: a, ‹b›, c, d, e; f is UP again: The outage is over.; ");
+    EXPECT_EQ(after(60s), "");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {
