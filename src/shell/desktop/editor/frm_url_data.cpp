@@ -50,8 +50,8 @@ frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::
         {"cmdTestURL", "&Test", "Checks the server once with what is on these pages. Nothing is saved."},
         [this] { cmdTestURL_Click(); }, [this] { cmdOk_Click(); });
 
-    ConnectTyping();
     WatchForHelp();
+    ConnectTyping();
     Form_Load(isAddUrl);
     txtAddress_IP_->setFocus();
 }
