@@ -31,6 +31,7 @@ void ServiceMonitor::Loaded(const AlertSettings& settings) {
 
 void ServiceMonitor::TakeList(const ServiceList& list) {
     whyNot_ = list.whyNot;
+    noManager_ = list.noManager;
     listed_ = whyNot_.empty();
     rows_.clear();
     for (const ServiceRecord& service : list.services) {
@@ -67,6 +68,7 @@ void ServiceMonitor::Look() {
 
 void ServiceMonitor::Check(const ServiceList& list) {
     whyNot_ = list.whyNot;
+    noManager_ = list.noManager;
     if (!listed_ && whyNot_.empty()) TakeList(list);  // the manager had not answered when the window was opened
     for (Row& row : rows_) {
         if (!row.watched) continue;

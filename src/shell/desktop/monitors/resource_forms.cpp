@@ -7,6 +7,8 @@
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QTableWidget>
+#include <QVBoxLayout>
+#include <optional>
 
 #include "resources/cpu_monitor.h"
 #include "resources/disk_monitor.h"
@@ -36,7 +38,7 @@ public:
         QFont large = font();
         large.setPointSizeF(large.pointSizeF() * kLoadSize);
         lblLoad_->setFont(large);
-        picChart_ = new LoadChart(this);
+        picChart_ = new LoadChart("5 minutes ago", this);
         picChart_->setObjectName("picChart");
         picChart_->setAccessibleName("CPU load of the last five minutes");
         AddFigures(lblLoad_, picChart_);
@@ -53,6 +55,15 @@ private:
         lblLoad_->setText(load.empty() ? QString("-") : Q(load));
         lblLoad_->setToolTip(load.empty() ? QString() : Q("Sampled at " + monitor_.SampledAt().Text()));
         picChart_->SetSamples(monitor_.History());
+        picChart_->SetLevel(Level());
+    }
+
+    // Without a duration nothing is mailed.
+    std::optional<int> Level() const {
+        bool isNumber = false;
+        const int level = Q(monitor_.cboAlert).toInt(&isNumber);
+        const bool alerts = isNumber && level >= 0 && level <= 100 && !monitor_.cboDuration.empty() && !monitor_.ckDisable;
+        return alerts ? std::optional(level) : std::nullopt;
     }
 
     CpuMonitor monitor_;
@@ -229,6 +240,10 @@ private:
             if (column == Monitored) monitor_.ClickMonitor(static_cast<std::size_t>(row));
         });
         grid->installEventFilter(this);
+        lblNoManager_ = NewLabel("lblNoManager", "No service manager on this system", grid->viewport());
+        lblNoManager_->setAlignment(Qt::AlignCenter);
+        lblNoManager_->hide();
+        (new QVBoxLayout(grid->viewport()))->addWidget(lblNoManager_);
         return grid;
     }
 
@@ -253,7 +268,10 @@ private:
 
     void ShowFigures() override {
         lblWhyNot_->setText(Lines(monitor_.WhyNoServices()));
-        lblWhyNot_->setVisible(!monitor_.WhyNoServices().empty());
+        const bool hasNoManager = monitor_.NoManager() && monitor_.Rows().empty();
+        lblWhyNot_->setVisible(!monitor_.WhyNoServices().empty() && !hasNoManager);
+        lblNoManager_->setVisible(hasNoManager);
+        lblNoManager_->setToolTip(lblWhyNot_->text());
         const std::vector<ServiceMonitor::Row>& services = monitor_.Rows();
         const int count = static_cast<int>(services.size());
         if (grdSvc_->rowCount() != count + 1) {
@@ -267,6 +285,7 @@ private:
     ServiceMonitor monitor_;
     QTableWidget* grdSvc_;
     QLabel* lblWhyNot_;
+    QLabel* lblNoManager_ = nullptr;  ///< in the middle of the empty grid
 };
 
 }  // namespace
