@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -64,6 +65,17 @@ constexpr std::string_view kSaveOrder[] = {
     "height",
 };
 
+// Missing until the user has changed what they keep; saved after all others.
+constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes"};
+
+std::vector<std::string_view> OptionalKeys() {
+    std::vector<std::string_view> keys;
+    for (const Safeguard& safeguard : AllSafeguards())
+        keys.push_back(safeguard.key);
+    keys.insert(keys.end(), std::begin(kOnlyIfSet), std::end(kOnlyIfSet));
+    return keys;
+}
+
 }  // namespace
 
 std::string SettingsFilePath(const std::string& dir) {
@@ -103,14 +115,14 @@ void Settings::ReadInGlobalSettings() {
         ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
         if (step.then != nullptr) (this->*step.then)();
     }
-    ReadSafeguards();
+    ReadOptionalKeys();
 }
 
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
-void Settings::ReadSafeguards() {
-    for (const Safeguard& safeguard : AllSafeguards()) {
-        const std::string value = ports_.file.Read(kSettingsSection, safeguard.key, "");
-        if (!value.empty()) ports_.collection.setKvSettingsColValue(safeguard.key, value);
+void Settings::ReadOptionalKeys() {
+    for (const std::string_view key : OptionalKeys()) {
+        const std::string value = ports_.file.Read(kSettingsSection, key, "");
+        if (!value.empty()) ports_.collection.setKvSettingsColValue(key, value);
     }
 }
 
@@ -175,8 +187,8 @@ void Settings::SaveGlobalKeys() {
     const IniFile::Batch batch(ports_.file);
     for (const std::string_view key : kSaveOrder)
         SaveKey(key);
-    for (const Safeguard& safeguard : AllSafeguards())
-        SaveKey(safeguard.key);
+    for (const std::string_view key : OptionalKeys())
+        SaveKey(key);
 }
 
 void Settings::SaveKey(std::string_view key) {

@@ -10,6 +10,7 @@
 #include "shell/list/entry_csv.h"
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
+#include "shell/list/outage_notes.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
@@ -333,6 +334,26 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     ImportEntries(w.desk, PlanImport(w.desk, "strGroup,nTries,strType\nour group,,HTTPS\n"));
     EXPECT_EQ(w.Cells("strGroup|nTries|strType|strPort|strCurStatus|strAddress_IP"),
               "our_group; 3; HTTPS; 443; UP; www.example.com; ");
+}
+
+TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
+    StartedWorld w;
+    std::string shown;
+    OutageNotes notes(w.world.timers, [&](const OutageNotes::Note& note) { shown += note.title + ": " + note.text + "; "; });
+    w.noteOutage = [&](const auto& entry, bool isDown, const auto& reason) { notes.Add(entry, isDown, reason); };
+    const auto after = [&](std::chrono::seconds time) { return w.RunFor(time), std::exchange(shown, ""); };
+    w.rows.Add({.strDesc = "", .strAddress_IP = "10.0.0.1", .strType = "PING", .nTries = 2});
+    w.net.Host("10.0.0.1").EchoSilent();
+    EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
+    EXPECT_EQ(after(600s), "") << "one an outage";
+    w.net.Host("10.0.0.1").Echo(3ms);
+    EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    for (const char* name : {"a", "<b>", "c", "d", "e"})
+        notes.Add(name, true, "why");
+    notes.Add("f", false, "");
+    EXPECT_EQ(after(9s), "");
+    EXPECT_EQ(after(2s), "5 servers are DOWN: a, ‹b›, c, ...: a, ‹b›, c, d, e; f is UP again: The outage is over.; ");
+    EXPECT_EQ(after(60s), "");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

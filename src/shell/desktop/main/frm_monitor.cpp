@@ -33,7 +33,10 @@ constexpr const char* kPausedTip = " Korvane: Server Monitoring Paused.  No Moni
 
 }  // namespace
 
-frmMonitor::frmMonitor(Timers& timers) : Timer3_(timers.NewTimer("Timer3")), Timer4_(timers.NewTimer("Timer4")) {
+frmMonitor::frmMonitor(Timers& timers)
+    : notes_(timers, [this](const OutageNotes::Note& note) { tray_.Notify(note.title, note.text, note.isDown); }),
+      Timer3_(timers.NewTimer("Timer3")),
+      Timer4_(timers.NewTimer("Timer4")) {
     BuildWidgets();
     conversation_.SetParent(this);
     mailTrace_.SetParent(this);

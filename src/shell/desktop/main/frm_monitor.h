@@ -39,6 +39,7 @@
 #include "shell/desktop/toolkit/reading_text.h"
 #include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
+#include "shell/list/outage_notes.h"
 #include "shell/run/monitor_window.h"
 
 class QBoxLayout;
@@ -79,6 +80,7 @@ public:
     void SetMonitoring(bool on) override;
     void SetCustomerCount(int count) override;
     void SetMailState(const std::string& text, bool alarming) override;
+    void NoteOutage(const std::string& entry, bool isDown, const std::string& reason) override;
     void RefreshURLList() override;
     void SetWaitCursor(bool wait) override;
     void ShowMessage(const std::string& title, const std::string& text) override;
@@ -197,6 +199,7 @@ private:
     ServerListModel* model_;
     DetailStrip* detail_;
     MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
+    OutageNotes notes_;
     std::map<std::string, QAction*> actions_;  ///< by name
     QMenu* context_;                           ///< of the list
     MessageQueue messages_{[this] { return MessageParent(); }};

@@ -160,7 +160,8 @@ QLayout* frmMonitor::BuildProgress() {
 }
 
 void frmMonitor::BuildStatusBar() {
-    lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
+    lblServers = Named(new QLabel, "lblServers", "Number of servers");
+    lblServers->setText("0");  // after its name: what reads aloud asks for both only once
     lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
     lblCustomers->setVisible(false);
     lblMail = Named(new ElidedLabel, "lblMail", "State of the mail");

@@ -83,6 +83,10 @@ void frmMonitor::SetMailState(const std::string& text, bool alarming) {
     lblMail->setVisible(!text.empty());
 }
 
+void frmMonitor::NoteOutage(const std::string& entry, bool isDown, const std::string& reason) {
+    if (OutageNotes::IsOn(run_->TheDesk().collection)) notes_.Add(entry, isDown, reason);
+}
+
 void frmMonitor::RefreshURLList() {
     if (!WindowVisible() && !run_->Loading()) return;
     const Desk desk = run_->TheDesk();
