@@ -39,7 +39,9 @@ protected:
         QImage picture;
         if (loaded.canConvert<QByteArray>()) picture.loadFromData(loaded.toByteArray());
         const int most = std::max(200, width() - verticalScrollBar()->sizeHint().width() - 2 * frameWidth() - 2 * kMargin);
-        return picture.width() <= most ? picture : picture.scaledToWidth(most, Qt::SmoothTransformation);
+        return picture.width() <= most
+                   ? picture
+                   : picture.convertToFormat(QImage::Format_RGB32).scaledToWidth(most, Qt::SmoothTransformation);
     }
 };
 
@@ -70,7 +72,9 @@ void FrameTables(QTextDocument& document, const QColor& line) {
         QTextTableFormat format = table->format();
         format.setBorder(1);
         format.setBorderBrush(line);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
         format.setBorderCollapse(true);
+        format.setCellSpacing(0);
         format.setCellPadding(4);
         table->setFormat(format);
     }
