@@ -352,7 +352,10 @@ TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
         notes.Add(name, true, "why");
     notes.Add("f", false, "");
     EXPECT_EQ(after(9s), "");
-    EXPECT_EQ(after(2s), "5 servers are DOWN: a, ‹b›, c, ...: a, ‹b›, c, d, e; f is UP again: The outage is over.; ");
+    EXPECT_EQ(after(2s), "5 servers are DOWN: a, ‹b›, c, ...: a, ‹b›, c, d, e; ");
+    notes.Add("g", true, "late");
+    EXPECT_EQ(after(4s), "f is UP again: The outage is over.; ");
+    EXPECT_EQ(after(10s), "g is DOWN: late; ");
     EXPECT_EQ(after(60s), "");
 }
 

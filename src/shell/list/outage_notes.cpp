@@ -11,7 +11,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kGatheringTime = 10s;
+constexpr std::chrono::milliseconds kGatheringTime = 10s;
+constexpr std::chrono::milliseconds kReadingTime = 4s;
 constexpr std::size_t kMostSingle = 3;
 constexpr std::size_t kMostInTitle = 3;
 constexpr std::size_t kMostInText = 30;
@@ -39,7 +40,7 @@ std::string Names(const Outages& outages, std::size_t most) {
 OutageNotes::OutageNotes(Timers& timers, std::function<void(const Note& note)> show)
     : show_(std::move(show)), timer_(timers.NewTimer("TimerNotes")) {
     timer_->SetInterval(kGatheringTime);
-    timer_->OnTick([this] { Show(); });
+    timer_->OnTick([this] { ShowNext(); });
 }
 
 bool OutageNotes::IsOn(const SettingsCollection& settings) {
@@ -52,21 +53,30 @@ void OutageNotes::Add(const std::string& entry, bool isDown, const std::string& 
     timer_->SetEnabled(true);
 }
 
-void OutageNotes::Show() {
-    timer_->SetEnabled(false);
-    const auto down = std::exchange(down_, {}), over = std::exchange(over_, {});
-    const bool gathered = down.size() + over.size() > kMostSingle;
-    Show(down, true, gathered);
-    Show(over, false, gathered);
+void OutageNotes::ShowNext() {
+    if (toShow_.empty()) Gather();
+    show_(toShow_.front());
+    toShow_.pop_front();
+    timer_->SetInterval(toShow_.empty() ? kGatheringTime : kReadingTime);
+    timer_->SetEnabled(!toShow_.empty() || !down_.empty() || !over_.empty());
 }
 
-void OutageNotes::Show(const std::vector<Outage>& outages, bool isDown, bool gathered) const {
+void OutageNotes::Gather() {
+    const auto down = std::exchange(down_, {}), over = std::exchange(over_, {});
+    const bool gathered = down.size() + over.size() > kMostSingle;
+    AddNotes(down, true, gathered);
+    AddNotes(over, false, gathered);
+}
+
+void OutageNotes::AddNotes(const std::vector<Outage>& outages, bool isDown, bool gathered) {
     if (gathered && outages.size() > 1) {
         const std::string title = std::to_string(outages.size()) + (isDown ? " servers are DOWN: " : " servers are UP again: ");
-        return show_({title + Names(outages, kMostInTitle), Names(outages, kMostInText), isDown});
+        toShow_.push_back({title + Names(outages, kMostInTitle), Names(outages, kMostInText), isDown});
+        return;
     }
     for (const Outage& each : outages)
-        show_({each.entry + (isDown ? " is DOWN" : " is UP again"), isDown ? each.reason : "The outage is over.", isDown});
+        toShow_.push_back(
+            {each.entry + (isDown ? " is DOWN" : " is UP again"), isDown ? each.reason : "The outage is over.", isDown});
 }
 
 }  // namespace korvane

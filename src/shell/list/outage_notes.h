@@ -1,6 +1,7 @@
 // The desktop's notifications of outages: one for each entry that goes DOWN or comes back, gathered into one when there are many.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -27,21 +28,24 @@ public:
 
     static bool IsOn(const SettingsCollection& settings);
 
-    /// Keeps it for the ten seconds in which others may follow, counted from the first of them. Then up to three are shown one by
-    /// one; more are gathered, the outages into one note and those that are over into another.
+    /// Keeps it for the ten seconds in which others may follow, counted from the first of them. Then up to three are shown one
+    /// after the other, since some trays show only one at a time; more are gathered, the outages into one note and those that are
+    /// over into another.
     void Add(const std::string& entry, bool isDown, const std::string& reason);
 
 private:
     struct Outage {
         std::string entry, reason;
     };
-    void Show();
-    void Show(const std::vector<Outage>& outages, bool isDown, bool gathered) const;
+    void ShowNext();
+    void Gather();
+    void AddNotes(const std::vector<Outage>& outages, bool isDown, bool gathered);
 
     std::function<void(const Note& note)> show_;
     std::unique_ptr<Timer> timer_;
     std::vector<Outage> down_;
     std::vector<Outage> over_;
+    std::deque<Note> toShow_;
 };
 
 }  // namespace korvane

@@ -2,13 +2,13 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QProgressBar>
 #include <QRadioButton>
 #include <optional>
 
 #include "resources/cpu_monitor.h"
 #include "resources/disk_monitor.h"
 #include "resources/memory_monitor.h"
+#include "shell/desktop/monitors/level_bar.h"
 #include "shell/desktop/monitors/load_chart.h"
 #include "shell/desktop/monitors/resource_form.h"
 #include "shell/desktop/toolkit/form_inputs.h"
@@ -19,6 +19,14 @@ namespace {
 
 constexpr double kLoadSize = 1.8;  ///< times the size of the window's font
 const std::vector<std::string> kMinutes{"1", "2", "5", "10"};
+
+/// Returns the level of the alert; nothing while there is none.
+template <class Monitor>
+std::optional<int> LevelOf(const Monitor& monitor) {
+    bool isNumber = false;
+    const int level = Q(monitor.cboAlert).toInt(&isNumber);
+    return isNumber && level > 0 && level <= 100 && !monitor.ckDisable ? std::optional(level) : std::nullopt;
+}
 
 /// The percentage, and a chart of its last samples.
 class frmCPUMonitor : public ResourceForm {
@@ -46,15 +54,7 @@ private:
         lblLoad_->setText(load.empty() ? QString("-") : Q(load));
         lblLoad_->setToolTip(load.empty() ? QString() : Q("Sampled at " + monitor_.SampledAt().Text()));
         picChart_->SetSamples(monitor_.History());
-        picChart_->SetLevel(Level());
-    }
-
-    // Without a duration nothing is mailed.
-    std::optional<int> Level() const {
-        bool isNumber = false;
-        const int level = Q(monitor_.cboAlert).toInt(&isNumber);
-        const bool alerts = isNumber && level >= 0 && level <= 100 && !monitor_.cboDuration.empty() && !monitor_.ckDisable;
-        return alerts ? std::optional(level) : std::nullopt;
+        picChart_->SetLevel(monitor_.cboDuration.empty() ? std::nullopt : LevelOf(monitor_));  // without one nothing is mailed
     }
 
     CpuMonitor monitor_;
@@ -72,7 +72,7 @@ public:
         lblUsed_ = AddFigure("Used:", "lblUsed", "Used " + what);
         lblAvailable_ = AddFigure("Available:", "lblAvailable", "Available " + what);
         lblShare_ = NewFigure("lblShare", "Available share of the " + what, this);
-        pbShare_ = new QProgressBar(this);
+        pbShare_ = new LevelBar(this);
         pbShare_->setObjectName("pbShare");
         pbShare_->setAccessibleName(lblShare_->accessibleName());
         pbShare_->setRange(0, 100);
@@ -91,6 +91,9 @@ public:
         pbShare_->setValue(percent);
     }
 
+    /// The level below which the alert is sent.
+    void SetLevel(std::optional<int> percent) { pbShare_->SetLevel(percent, "The alert is below %1 percent."); }
+
     /// Adds one more row below.
     void AddRow(const QString& caption, QWidget* content) { rows_->addRow(caption, content); }
 
@@ -105,7 +108,7 @@ private:
     QLabel* lblTotal_;
     QLabel* lblUsed_;
     QLabel* lblAvailable_;
-    QProgressBar* pbShare_;
+    LevelBar* pbShare_;
     QLabel* lblShare_;
 };
 
@@ -149,6 +152,7 @@ private:
         const DiskMonitor::Figures& now = monitor_.Shows();
         const std::string share = now.lblShare.empty() ? "No local fixed disk was found." : now.lblShare;
         figures_->SetFigures(now.lblTotal, now.lblUsed, now.lblAvailable, share, static_cast<int>(now.percent));
+        figures_->SetLevel(LevelOf(monitor_));
     }
 
     DiskMonitor monitor_;

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QListWidget>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QTextBlock>
@@ -20,6 +21,8 @@ namespace {
 
 constexpr int kFirstWidth = 150;  // characters
 constexpr int kFirstHeight = 40;  // lines
+constexpr double kShareOfScreen = 0.9;
+constexpr int kChapterSpacing = 2;
 constexpr int kChapterLevel = 2;
 constexpr int kMargin = 16;
 constexpr int kPosition = Qt::UserRole;
@@ -35,8 +38,10 @@ protected:
         if (type != QTextDocument::ImageResource) return loaded;
         QImage picture;
         if (loaded.canConvert<QByteArray>()) picture.loadFromData(loaded.toByteArray());
-        const int most = std::max(200, viewport()->width() - 2 * kMargin);
-        return picture.width() <= most ? picture : picture.scaledToWidth(most, Qt::SmoothTransformation);
+        const int most = std::max(200, width() - verticalScrollBar()->sizeHint().width() - 2 * frameWidth() - 2 * kMargin);
+        return picture.width() <= most
+                   ? picture
+                   : picture.convertToFormat(QImage::Format_RGB32).scaledToWidth(most, Qt::SmoothTransformation);
     }
 };
 
@@ -50,6 +55,16 @@ QString AnchorOf(const QString& heading) {
     return anchor;
 }
 
+/// Lines of code are long; the window may be narrow.
+void WrapCode(QTextDocument& document) {
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (!block.blockFormat().nonBreakableLines()) continue;
+        QTextBlockFormat wrapped;
+        wrapped.setNonBreakableLines(false);
+        QTextCursor(block).mergeBlockFormat(wrapped);
+    }
+}
+
 void FrameTables(QTextDocument& document, const QColor& line) {
     for (QTextFrame* frame : document.rootFrame()->childFrames()) {
         auto* const table = qobject_cast<QTextTable*>(frame);
@@ -57,7 +72,9 @@ void FrameTables(QTextDocument& document, const QColor& line) {
         QTextTableFormat format = table->format();
         format.setBorder(1);
         format.setBorderBrush(line);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
         format.setBorderCollapse(true);
+        format.setCellSpacing(0);
         format.setCellPadding(4);
         table->setFormat(format);
     }
@@ -74,6 +91,7 @@ frmManual::frmManual(QWidget* parent)
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     lstChapters_->setObjectName("lstChapters");
     lstChapters_->setAccessibleName("Chapters of the manual");
+    lstChapters_->setSpacing(kChapterSpacing);
     txtManual_->setObjectName("txtManual");
     txtManual_->setAccessibleName("Text of the manual");
     txtManual_->setOpenLinks(false);
@@ -88,7 +106,8 @@ frmManual::frmManual(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(halves, 1);
     layout->addWidget(NewButtons(this, {{"cmdClose", "C&lose", QDialogButtonBox::RejectRole}}, "cmdClose"));
-    resize(fontMetrics().averageCharWidth() * kFirstWidth, fontMetrics().height() * kFirstHeight);
+    const QSize wanted(fontMetrics().averageCharWidth() * kFirstWidth, fontMetrics().height() * kFirstHeight);
+    resize(wanted.boundedTo(screen()->availableGeometry().size() * kShareOfScreen));
     connect(lstChapters_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* chapter) {
         if (chapter != nullptr) ShowPlace(chapter->data(kPosition).toInt());
     });
@@ -103,6 +122,7 @@ void frmManual::Form_Load(WebPages& pages, const std::string& dataDir) {
                                         ".\n\n"
                                         "Help on the Web, in the menu Help, opens the pages of the website.");
     txtManual_->setSource(QUrl::fromLocalFile(path), QTextDocument::MarkdownResource);
+    WrapCode(*txtManual_->document());
     FrameTables(*txtManual_->document(), palette().color(QPalette::Mid));
     ListChapters();
 }

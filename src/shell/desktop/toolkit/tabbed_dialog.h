@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QString>
 #include <functional>
 #include <string_view>
@@ -26,7 +27,11 @@ public:
     explicit ScrolledPage(QWidget* page);
 
     QSize sizeHint() const override { return widget()->sizeHint(); }
-    QSize minimumSizeHint() const override { return {widget()->minimumSizeHint().width(), fontMetrics().height() * 6}; }
+    /// With room for the vertical scroll bar.
+    QSize minimumSizeHint() const override {
+        const int bar = verticalScrollBar()->sizeHint().width();
+        return {widget()->minimumSizeHint().width() + bar, fontMetrics().height() * 6};
+    }
 };
 
 /// Window-modal, shown with open(); deleted when it is closed.
