@@ -106,6 +106,13 @@ void Settings::ReadInGlobalSettings() {
     ReadSafeguards();
 }
 
+void Settings::LoadValues() {
+    problemOfFile_ = ports_.file.Problem();
+    for (const ReadStep& step : kReadSteps)
+        ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
+    ReadSafeguards();
+}
+
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
 void Settings::ReadSafeguards() {
     for (const Safeguard& safeguard : AllSafeguards()) {
