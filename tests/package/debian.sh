@@ -51,6 +51,7 @@ is() {
 check_installed() {
     is "" "not as packed" inside dpkg --verify korvane
     is "korvane:korvane 750" "the home" inside stat -c '%U:%G %a' "$home"
+    is "*complete*" "the completion" inside sh -c 'PATH=/usr/lib/korvane:$PATH bash -c ". /usr/share/bash-completion/completions/korvanecore; complete -p korvanecore"'
     is "" "the unit" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane'
 }
 
