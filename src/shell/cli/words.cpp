@@ -122,12 +122,12 @@ Words ReadWords(const std::vector<std::string>& words) {
     return WordReader(words).Read();
 }
 
-// A start reads the word "restart", and options of the windows begin with a dash.
+// A start looks for "restart" in its words, and options of the windows begin with a dash.
 bool IsCommand(const std::vector<std::string>& words) {
     if (words.empty()) return false;
     const std::string& first = words.front();
     if (first.starts_with("-")) return first == "--help" || first == "--home" || first.starts_with("--home=");
-    return !first.empty() && first != "restart";
+    return !first.empty() && !Holds(first, "restart");
 }
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& words) {
