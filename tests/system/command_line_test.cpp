@@ -110,7 +110,7 @@ TEST(CommandLine, OfARunningMonitorLosesNoChange) {
     Program program("CatchUp=True\nGlobalRetryDuration=1\n" + kBegin, sql);
     program.Start();
     ASSERT_TRUE(program.Becomes("SELECT count(*) > 0 FROM Failures WHERE IDParent = 1", "1\n")) << program.Output();
-    const int changes = std::getenv("KORVANE_LONG") != nullptr ? 1000 : 40;
+    const int changes = std::getenv("KORVANE_LONG") != nullptr ? 1000 : 20;
     const std::string said =
         Shell(program, "for i in $(seq " + std::to_string(changes) +
                            "); do korvanecore set busy interval=$((i % 5 + 1)) tries=$i name=busy --quiet && "
