@@ -36,6 +36,7 @@ install(PROGRAMS ${CMAKE_SOURCE_DIR}/data/system/korvanecore DESTINATION bin ${s
 install(FILES ${CMAKE_BINARY_DIR}/system/korvane.service DESTINATION lib/systemd/system ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvane.desktop DESTINATION share/applications ${system})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/data/icons/ DESTINATION share/icons/hicolor ${system})
+install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvanecore.bash DESTINATION share/bash-completion/completions RENAME korvanecore ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvanecore.1 DESTINATION share/man/man1 ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/docs/manual.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION share/doc/korvane ${system})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/pictures DESTINATION share/doc/korvane ${system})

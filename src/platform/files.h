@@ -79,6 +79,9 @@ public:
     /// Only one process can hold a folder at a time, by a file in it that only its owner can open. Returns whether this process
     /// now holds it, until it ends.
     virtual bool HoldFolder(const std::string& path) = 0;
+
+    /// Returns whether a process of this machine holds the folder. Looks only: a start at the same moment is not disturbed.
+    virtual bool IsHeld(const std::string& /*path*/) { return false; }
 };
 
 }  // namespace korvane

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "platform/linux/process_setup.h"
+#include "shell/process/command.h"
 #include "shell/process/errand.h"
 #include "shell/process/process.h"
 #include "store/safeguards.h"
@@ -62,6 +63,7 @@ int Main(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     korvane::OpenStandardDescriptors();
+    if (korvane::IsCommand(argc, argv)) return korvane::RunCommand(argc, argv);
     const korvane::UnwaitingStream output(std::cout, STDOUT_FILENO);
     const korvane::UnwaitingStream errors(std::cerr, STDERR_FILENO);
     try {

@@ -36,10 +36,9 @@ public:
 
     /// The path of the file that a record of this moment goes to; it need not exist yet.
     std::string TodaysFile() const;
-
-private:
     std::string PathOf(DateTime day) const;
 
+private:
     Files& files_;
     const Clock& clock_;
     std::string dir_;

@@ -118,6 +118,13 @@ void Settings::ReadInGlobalSettings() {
     ReadOptionalKeys();
 }
 
+void Settings::LoadValues() {
+    problemOfFile_ = ports_.file.Problem();
+    for (const ReadStep& step : kReadSteps)
+        ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
+    ReadSafeguards();
+}
+
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
 void Settings::ReadOptionalKeys() {
     for (const std::string_view key : OptionalKeys()) {

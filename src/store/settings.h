@@ -67,6 +67,9 @@ public:
     /// file's content. Delivers events once.
     void ReadInGlobalSettings();
 
+    /// Only loads all keys: for a process that looks at a home in which the program may run.
+    void LoadValues();
+
     /// Writes the global keys in one step, then the changed old entries, delivering events between them. Shows the wait cursor
     /// meanwhile and the status "Settings Saved" at the end. Throws nothing: IniFile::LastWriteError has the reason of a failed
     /// write. When the file could not be read at start-up nothing is saved, and the status says why.

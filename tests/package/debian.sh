@@ -52,6 +52,7 @@ check_installed() {
     is "" "not as packed" inside dpkg --verify korvane
     is "*/main.png" "the manual" inside ls /usr/lib/korvane/manual/manual.md /usr/lib/korvane/manual/pictures/main.png
     is "korvane:korvane 750" "the home" inside stat -c '%U:%G %a' "$home"
+    is "*complete*" "the completion" inside sh -c 'PATH=/usr/lib/korvane:$PATH bash -c ". /usr/share/bash-completion/completions/korvanecore; complete -p korvanecore"'
     is "" "the unit" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane'
 }
 

@@ -5,11 +5,13 @@
 #include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 #include "base/error.h"
@@ -198,6 +200,19 @@ bool LinuxFiles::HoldFolder(const std::string& path) {
     }
     holds_[identity] = std::move(file);
     return true;
+}
+
+// The system's list has a line for each lock: "1: FLOCK  ADVISORY  WRITE 4711 00:1b:4411384 0 EOF".
+bool LinuxFiles::IsHeld(const std::string& path) {
+    struct stat status {};
+    if (::stat((path + "/" + kHoldFile).c_str(), &status) != 0) return false;
+    char where[64];
+    std::snprintf(where, sizeof where, " %02x:%02x:%llu ", major(status.st_dev), minor(status.st_dev),
+                  static_cast<unsigned long long>(status.st_ino));
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);)
+        if (line.find(" FLOCK ") != std::string::npos && line.find(where) != std::string::npos) return true;
+    return false;
 }
 
 }  // namespace korvane

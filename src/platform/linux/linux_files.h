@@ -41,6 +41,7 @@ public:
     /// The hold ends with this object or the process. Throws Error when the folder is not writable or its file system does not
     /// support locks.
     bool HoldFolder(const std::string& path) override;
+    bool IsHeld(const std::string& path) override;
 
 private:
     std::map<std::pair<dev_t, ino_t>, Descriptor> holds_;  ///< by device and inode of the locked file

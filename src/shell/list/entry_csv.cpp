@@ -61,7 +61,8 @@ bool ImportPlan::CanImport() const {
     return refusal.empty() && Count(ImportStep::Refused) == 0 && Count(ImportStep::Unchanged) < rows.size();
 }
 
-void ImportEntries(const Desk& desk, const ImportPlan& plan) {
+std::vector<std::string> ImportEntries(const Desk& desk, const ImportPlan& plan) {
+    std::vector<std::string> ids;
     desk.entries.setServerEntryChangedIndex(kNoServerEntry);
     std::vector<std::pair<std::int64_t, std::string>> goodStatuses;
     const ColumnValues values = NewEntryValues(desk);
@@ -70,8 +71,10 @@ void ImportEntries(const Desk& desk, const ImportPlan& plan) {
     connection->BeginTrans();
     for (const ImportRow& each : plan.rows) {
         if (each.step == ImportStep::Unchanged || each.step == ImportStep::Refused) continue;
-        const std::int64_t id = ParseWhole(each.id.empty() ? desk.ids.NewServerID() : each.id);
-        const auto row = OpenRows(desk.store, *connection, query::ById(id));
+        std::int64_t id = ParseWhole(each.id.empty() ? desk.ids.NewServerID() : each.id);
+        auto row = OpenRows(desk.store, *connection, query::ById(id));
+        for (; each.id.empty() && !row->Eof(); row = OpenRows(desk.store, *connection, query::ById(id)))
+            id = ParseWhole(desk.ids.NewServerID());  // another process has just given that one away
         if (each.id.empty()) {
             row->AddNew();
             row->Fields("id") = id;
@@ -81,12 +84,14 @@ void ImportEntries(const Desk& desk, const ImportPlan& plan) {
             throw Error("The entry " + each.id + " has been deleted meanwhile.");
         }
         WriteRow(*row, each);
+        ids.push_back(std::to_string(id));
         for (const EntryInput* change : each.changes)
             if (change->key.empty()) goodStatuses.emplace_back(id, TrimAll(each.fields.HTTPStatusGood));
     }
     connection->CommitTrans();
     for (const auto& [id, statuses] : goodStatuses)  // the database of the transaction is locked for their own connection
         IgnoreErrors([&, of = id, &text = statuses] { desk.ofEntries.Write(of, kHttpStatusGood, text); });
+    return ids;
 }
 
 }  // namespace korvane

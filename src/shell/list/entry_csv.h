@@ -46,7 +46,8 @@ struct ImportPlan {
 ImportPlan PlanImport(const Desk& desk, std::string_view text);
 ImportPlan PlanImportOf(const Desk& desk, const std::string& file);
 
-/// Carries the plan out in one transaction. Throws Error, and has then changed nothing.
-void ImportEntries(const Desk& desk, const ImportPlan& plan);
+/// Carries the plan out in one transaction. Returns the ids of what was added or changed, in the order of the rows. Throws Error, and
+/// has then changed nothing.
+std::vector<std::string> ImportEntries(const Desk& desk, const ImportPlan& plan);
 
 }  // namespace korvane

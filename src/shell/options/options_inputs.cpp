@@ -142,14 +142,17 @@ OptionsFields OptionsFromSettings(const SettingsCollection& settings) {
     return fields;
 }
 
+std::string RefusalOf(const OptionsInput& input, const OptionsFields& fields) {
+    if (input.range && !IsWithin(*input.range, fields.*input.text)) return input.range->refusal + fields.*input.text;
+    return ProblemOf(input, fields);
+}
+
 std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields& typed, const SafeguardValues& safeguards) {
     if (const auto refused = RefusedSafeguard(desk, safeguards)) return OptionsRefusal{nullptr, refused->message, refused->key};
     OptionsFields fields = typed;
     if (Trim(fields.ReportPath).empty()) fields.ReportPath = desk.dir + kReportFolder;
     for (const OptionsInput& input : kOptionsInputs) {
-        if (input.range && !IsWithin(*input.range, fields.*input.text))
-            return OptionsRefusal{input.text, input.range->refusal + fields.*input.text};
-        if (const std::string problem = ProblemOf(input, fields); !problem.empty()) return OptionsRefusal{input.text, problem};
+        if (const std::string refusal = RefusalOf(input, fields); !refusal.empty()) return OptionsRefusal{input.text, refusal};
         Set(desk, input, fields);
         if (input.key == kReportPath) IgnoreErrors([&] { desk.files.CreateFolder(*desk.collection.Find(kReportPath)); });
     }

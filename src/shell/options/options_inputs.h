@@ -60,6 +60,9 @@ struct OptionsRefusal {
     std::string safeguard = "";  ///< its key, if that is what is refused; `field` is null then
 };
 
+/// Returns why the text of the input cannot be saved, for the operator; empty if it can.
+std::string RefusalOf(const OptionsInput& input, const OptionsFields& fields);
+
 /// Puts the inputs into the settings collection one after the other and writes the settings file. Stops at a refusal: earlier
 /// inputs are then in the collection but not in the file. The safeguards are checked first. Writing may deliver events. Throws nothing; an error while writing the
 /// file is not reported.

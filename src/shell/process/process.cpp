@@ -14,61 +14,18 @@
 
 #include "base/error.h"
 #include "base/raised_flag.h"
-#include "engine/machine_restart.h"
-#include "platform/curl/curl_inet.h"
-#include "platform/linux/desktop_entries.h"
 #include "platform/linux/environment.h"
-#include "platform/linux/linux_clock.h"
-#include "platform/linux/linux_files.h"
-#include "platform/linux/linux_guid_source.h"
-#include "platform/linux/linux_icmp_echo.h"
-#include "platform/linux/linux_own_program.h"
-#include "platform/linux/linux_power.h"
-#include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_signals.h"
-#include "platform/linux/linux_system_info.h"
 #include "platform/linux/process_setup.h"
-#include "platform/linux/program_runner.h"
-#include "platform/linux/systemd_manager.h"
-#include "platform/linux/systemd_services.h"
 #include "platform/operator.h"
-#include "platform/qt/qt_events.h"
-#include "platform/qt/qt_tcp_socket.h"
-#include "platform/qt/sql_store.h"
+#include "shell/process/adapters.h"
 #include "shell/run/terminal_operator.h"
-#include "store/schema.h"
 
 namespace korvane {
 namespace {
 
 constexpr int kCannotGoOn = 1;
 constexpr const char* kNoGlib = "QT_NO_GLIB";
-/// The icon's name in the desktop's theme.
-constexpr const char* kIconName = "korvane";
-
-std::string CommandLine(int argc, char** argv) {
-    std::string line;
-    for (int i = 1; i < argc; ++i)
-        line += (i > 1 ? " " : "") + std::string(argv[i]);
-    return line;
-}
-
-/// Returns the folder of the executable, or the one that KORVANE_HOME names; it is created when it does not exist.
-Run::Options OptionsOf(int argc, char** argv) {
-    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
-    const std::string home = EnvironmentVariable("KORVANE_HOME");
-    Run::Options options{.dir = folder,
-                         .dataDir = folder,
-                         .commandLine = CommandLine(argc, argv),
-                         .version = KORVANE_VERSION,
-                         .program = QCoreApplication::applicationFilePath().toStdString(),
-                         .icon = kIconName};
-    if (!home.empty()) options.dir = std::filesystem::absolute(home).lexically_normal().string();
-    while (options.dir.size() > 1 && options.dir.ends_with('/'))
-        options.dir.pop_back();
-    return options;
-}
-
 /// The process ends at once: it must not wait for a name server that does not answer or a running check, and there is nothing
 /// left to write.
 [[noreturn]] void EndProcess(int status) {
@@ -82,44 +39,6 @@ void RequireWritable(const std::string& folder) {
     if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return;
     throw Error("The folder " + folder + " cannot be written: " + std::strerror(errno));
 }
-
-/// The real implementations of all ports in this process.
-struct Adapters {
-    explicit Adapters(const std::string& version)
-        : inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + version} {}
-
-    RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
-        const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
-        const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
-        return {{tcpSocket, testSocket, echo, newInet, networkSocket, networkEcho},
-                {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
-                {store, files},
-                {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
-                 std::move(exit)},
-                desk};
-    }
-
-    SystemClock clock;
-    LinuxFiles files;
-    QtEvents events;
-    QtTimers timers;
-    QtSqlStore store{KindOfColumn};
-    QtTcpSocket tcpSocket, testSocket, networkSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket;
-    LinuxIcmpEcho echo, networkEcho;
-    LinuxProcesses processes{events};
-    DesktopSound sound{processes};
-    LinuxGuidSource guids;
-    LinuxOwnProgram ownProgram{events};
-    LinuxPower power{[this](const std::vector<std::string>& words) { processes.Start(words); },
-                     ThisMachine(getShudownEXEPath(files))};
-    SystemdManager serviceManager{{files, ProgramRunner(events, clock)},
-                                  SystemdPlaceOfThisUser(EnvironmentVariable),
-                                  SystemdGreeting(EnvironmentVariable, ::getpid())};
-    SystemdServices services{events};
-    DesktopAutostart autostart{files, EnvironmentVariable};
-    LinuxSystemInfo systemInfo;
-    CurlInet::Options inetOptions;
-};
 
 /// Lives from the start of the run to the end of the process.
 class Life {

@@ -87,6 +87,7 @@ struct RunOptions {
     std::string version;       ///< "major.minor.revision"
     std::string program = {};  ///< the executable's path
     std::string icon = {};     ///< the program's icon, by its name in the desktop's theme or its path
+    bool isGuest = false;      ///< another process may run with this home: new ids do not come from its settings file
 };
 
 }  // namespace korvane

@@ -6,6 +6,7 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "shell/options/setting_change.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
 #include "store/database_files.h"
@@ -37,7 +38,8 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       log(files, clock, options.dir, options.version),
       status(person, clock),
       settingsFile(files, SettingsFilePath(options.dir)),
-      ids(settingsFile, clock),
+      noFile(files, ""),
+      ids(options.isGuest ? noFile : settingsFile, clock),
       mainWindow(window == nullptr ? noWindow : *window),
       entries({store, clock, events, log, status, settingsFile, ids, collection}, options.dir),
       settings({files, clock, events, person, mainWindow, log, status, settingsFile, collection, entries,
@@ -134,6 +136,12 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                 options.dir),
       machineWatch({options.dir, clock, timers, store, person, files, collection, alertMails, log, safeguards}, events,
                    systemInfo, RunPorts::services),
+      requests(
+          {files, timers, log}, options.dir, [this] { LookAtEntries(); },
+          [this](const std::string& key, const std::string& value) {
+              WriteSetting(desk, key, value);
+              FollowSetting(desk, key);
+          }),
       desk{*this,
            *this,
            person,
@@ -169,6 +177,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            testTcp,
            ping} {
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
+    state.bMonitoring = !options.isGuest;
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
     alertPath.OnProblem([this] { outbox.LookAtPath(); });
@@ -195,6 +204,14 @@ void RunRooms::FollowSafeguards() {
     heartbeat.Follow();
     machineWatch.Follow();
     TimerCopies->SetEnabled(rescue.IsOn());
+}
+
+void RunRooms::LookAtEntries() {
+    state.nSleepLeft = 0;
+    state.nSleepTotal = 0;
+    // A tick that waits for a check is followed by another one anyway.
+    if (TimerMonitorDB->Enabled() && !TimerMonitorDB->Ticking()) TimerMonitorDB->SetInterval(1ms);
+    person.RefreshURLList();
 }
 
 void RunRooms::StopMonitor() {

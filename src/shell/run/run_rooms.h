@@ -18,6 +18,7 @@
 #include "shell/run/desk.h"
 #include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
+#include "shell/run/requests.h"
 #include "store/entry_safeguards.h"
 
 namespace korvane {
@@ -30,6 +31,8 @@ struct RunRooms : RunPorts {
     void BeginOperations();
     /// Starts or stops what works beside the cycle while its safeguard is on: without their keys no timer of theirs runs.
     void FollowSafeguards();
+    /// Lets the cycle look at the entries now, if it sleeps.
+    void LookAtEntries();
     /// Stops monitoring if it is on.
     void StopMonitor();
     /// Hands the mail to the outbox; while that is off, sends it through the primary server or the backup, and waits as mails do.
@@ -45,6 +48,7 @@ struct RunRooms : RunPorts {
     Log log;
     StatusLog status;
     IniFile settingsFile;
+    IniFile noFile;
     ServerIds ids;
     SettingsCollection collection;
     MonitorWindow noWindow;
@@ -102,6 +106,7 @@ struct RunRooms : RunPorts {
     AlertMails alertMails;
     MailProof mailProof;
     MachineWatch machineWatch;
+    Requests requests;
     const Desk desk;
 };
 

@@ -247,6 +247,7 @@ Run::Started Run::StartUp() {
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
     run.FollowSafeguards();
+    run.requests.Start();
     run.service.Loaded();
     return Started::Running;
 }

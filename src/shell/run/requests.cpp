@@ -1,0 +1,65 @@
+#include "shell/run/requests.h"
+
+#include <utility>
+
+#include "base/ignore_errors.h"
+#include "base/text.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* kRequestFolder = "/kvrequests";
+constexpr std::string_view kRequestEnding = ".request";
+constexpr int kLooksAfterChange = 3;
+
+}  // namespace
+
+Requests::Requests(const Ports& ports, const std::string& dir, std::function<void()> look,
+                   std::function<void(const std::string& key, const std::string& value)> set)
+    : ports_(ports),
+      folder_(dir + kRequestFolder),
+      look_(std::move(look)),
+      set_(std::move(set)),
+      timer_(ports.timers.NewTimer("TimerRequests")) {
+    timer_->SetInterval(1000ms);
+    timer_->OnTick([this] { IgnoreErrors([this] { Look(); }); });
+}
+
+void Requests::Look() {
+    const auto identity = ports_.files.Identity(folder_);
+    if (!identity) return;
+    if (identity != seen_) looks_ = kLooksAfterChange;
+    seen_ = identity;
+    if (looks_ == 0) return;
+    --looks_;
+    bool found = false;
+    for (const std::string& name : ports_.files.FileNames(folder_)) {
+        if (!name.ends_with(kRequestEnding)) continue;
+        found = true;
+        Take(folder_ + "/" + name);
+    }
+    if (found) look_();
+}
+
+void Requests::Take(const std::string& path) {
+    IgnoreErrors([&] {
+        const std::string text = ports_.files.Read(path).value_or("");
+        const auto end = text.find('=');
+        if (end == std::string::npos) return;
+        set_(text.substr(0, end), text.substr(end + 1));
+        ports_.log.Info("The setting " + text.substr(0, end) + " was changed from the command line.");
+    });
+    ports_.files.Remove(path);
+}
+
+std::string LeaveRequest(Files& files, const std::string& dir, const std::string& name, const std::string& key,
+                         const std::string& value) {
+    files.CreatePrivateFolder(dir + kRequestFolder);
+    const std::string path = dir + kRequestFolder + "/" + name + std::string(kRequestEnding);
+    files.Replace(path, key.empty() ? "" : key + "=" + value);
+    return path;
+}
+
+}  // namespace korvane
