@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "desktop/desktop_test.h"
+#include "shell/list/entry_detail.h"
 #include "shell/list/server_list.h"
 
 namespace korvane {
@@ -95,16 +96,29 @@ void LongFilter(benchmark::State& state) {
     }
 }
 
-/// The strip with the details of one entry after another, painted, of which each has a hundred thousand failures.
-void ShowDetailAndPaint(benchmark::State& state) {
-    Desktop desktop;
+/// Two entries have a hundred thousand failures each.
+void AddFailures(Desktop& desktop) {
     desktop.world->rows.Connected()->Execute(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 200000) INSERT INTO Failures (ID, IDParent, "
         "nFailCount, nFailMax, strReason, strAction, dateFail) SELECT i, i % 2 + 1, 1, 3, 'Connection timed out', 'None.', "
         "datetime('2026-01-01', i * 60 || ' seconds') FROM n");
-    const ServerListModel& model = static_cast<ServerListModel&>(*desktop.window->ListView1->model());
-    const QModelIndex entries[] = {model.index(model.RowOf("1"), 0), model.index(model.RowOf("2"), 0)};
+}
+
+void DetailAlone(benchmark::State& state) {
+    Desktop desktop;
+    AddFailures(desktop);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(LoadEntryDetail(desktop.world->run.TheDesk(), 1, desktop.world->world.clock.Now()));
+}
+
+/// The strip with the details of one entry after the other, with the painting.
+void ShowDetailAndPaint(benchmark::State& state) {
+    Desktop desktop;
+    AddFailures(desktop);
     desktop.window->resize(1280, 800);
+    desktop.window->RefreshURLList();
+    const auto& model = static_cast<ServerListModel&>(*desktop.window->ListView1->model());
+    const QModelIndex entries[] = {model.index(model.RowOf("1"), 0), model.index(model.RowOf("2"), 0)};
     for (int i = 0; auto _ : state) {
         desktop.window->ListView1->setCurrentIndex(entries[++i % 2]);
         QApplication::processEvents();
@@ -143,6 +157,7 @@ BENCHMARK(RefreshSortedAndPainted)->Unit(benchmark::kMillisecond);
 BENCHMARK(RefreshFiltered)->Unit(benchmark::kMillisecond);
 BENCHMARK(KeyInFind)->Unit(benchmark::kMillisecond);
 BENCHMARK(LongFilter)->Unit(benchmark::kMillisecond);
+BENCHMARK(DetailAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(ShowDetailAndPaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(RowsAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(QueryAlone)->Unit(benchmark::kMillisecond);

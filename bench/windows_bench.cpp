@@ -25,7 +25,7 @@ constexpr QSize kChart(600, 200);
 
 void ChartRedraw(benchmark::State& state) {
     NeedDesktop();
-    LoadChart chart(nullptr);
+    LoadChart chart("5 minutes ago", nullptr);
     chart.resize(kChart);
     std::vector<std::int32_t> samples(CpuMonitor::kSamples);
     QImage image(kChart, QImage::Format_ARGB32_Premultiplied);

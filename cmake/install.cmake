@@ -10,7 +10,7 @@ function(korvane_install_program folder)
   install(TARGETS korvanecore RUNTIME DESTINATION ${folder} ${ARGN})
   install(TARGETS korvanedesktop LIBRARY DESTINATION ${folder} ${ARGN})
   install(DIRECTORY ${KORVANE_DIST}/ DESTINATION ${folder} ${ARGN}
-    FILES_MATCHING PATTERN "*tmp.htm" PATTERN "*.gif" PATTERN kvempty.mdb)
+    FILES_MATCHING PATTERN "*tmp.htm" PATTERN "*.gif" PATTERN kvempty.mdb PATTERN manual.md PATTERN "*.png")
 endfunction()
 
 korvane_install_program(. COMPONENT portable)

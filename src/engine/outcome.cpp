@@ -86,7 +86,11 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::
     });
     IgnoreErrors([&] { rs.Fields("dtNextCheck") = NextCheck(base, seconds(rs.Fields("nIntervalSeconds").Value().Int64())); });
     IgnoreErrors([&] {
-        if (HasComeBack(rs)) once_.OnRecovery(CounterOf(rs, "ID"), [&] { ports_.actions.DoUpAgainStuff(rs); });
+        if (!HasComeBack(rs)) return;
+        once_.OnRecovery(CounterOf(rs, "ID"), [&] {
+            NoteOutage(rs, false, "");
+            ports_.actions.DoUpAgainStuff(rs);
+        });
     });
     IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
     CountSuccess(rs, nResponseMs);
@@ -246,7 +250,17 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
     ports_.person.SetTray(TrayPicture::Error, "Korvane: " + strDesc + " in failure state! ");
     SoundAlert("bRedAlert", "RedAlertWav");
     if (tries != nTries) return "None.";
-    return once_.OnOutage(id, [&] { return ports_.actions.DoFailureStateStuff(conn, rs, strReason); });
+    return once_.OnOutage(id, [&] {
+        NoteOutage(rs, true, strReason);
+        return ports_.actions.DoFailureStateStuff(conn, rs, strReason);
+    });
+}
+
+void OutcomeAccounting::NoteOutage(Recordset& rs, bool isDown, const std::string& strReason) {
+    IgnoreErrors([&] {
+        const std::string strDesc = Trim(rs.Fields("strDesc").Value().Text());
+        ports_.person.NoteOutage(strDesc.empty() ? rs.Fields("strAddress_IP").Value().Text() : strDesc, isDown, strReason);
+    });
 }
 
 void OutcomeAccounting::SoundAlert(const char* wantedKey, const char* fileKey) {

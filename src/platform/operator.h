@@ -49,6 +49,10 @@ public:
     /// Sets what is known of the way of the alerts; empty: it is not shown. An alarming state is shown in red.
     virtual void SetMailState(const std::string& /*text*/, bool /*alarming*/) {}
 
+    /// Called once when an outage of an entry begins, before anybody is notified of it, and once when it is over. `reason` is that
+    /// of the failure; empty when it is over.
+    virtual void NoteOutage(const std::string& /*entry*/, bool /*isDown*/, const std::string& /*reason*/) {}
+
     virtual void RefreshURLList() {}
     virtual void SetWaitCursor(bool /*wait*/) {}
 

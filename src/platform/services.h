@@ -24,7 +24,8 @@ struct ServiceRecord {
 };
 
 struct ServiceList {
-    std::string whyNot;  ///< empty: the manager has answered. Otherwise why there is no answer, in words for the operator
+    std::string whyNot;      ///< empty: the manager has answered. Otherwise why there is no answer, in words for the operator
+    bool noManager = false;  ///< there is none that could be asked
     std::vector<ServiceRecord> services;  ///< active and inactive ones, sorted by name; none without an answer
 };
 

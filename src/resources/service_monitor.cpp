@@ -36,6 +36,7 @@ void ServiceMonitor::Loaded(const AlertSettings& settings) {
 void ServiceMonitor::TakeList(const ServiceList& list) {
     NoteAnswer(list.whyNot);
     NameUnknown(list);
+    noManager_ = list.noManager;
     listed_ = whyNot_.empty();
     rows_.clear();
     for (const ServiceRecord& service : list.services) {
@@ -72,6 +73,7 @@ void ServiceMonitor::Look() {
 
 void ServiceMonitor::Check(const ServiceList& list) {
     NoteAnswer(list.whyNot);
+    noManager_ = list.noManager;
     if (!listed_ && whyNot_.empty()) TakeList(list);  // the manager had not answered when the window was opened
     AlertAtEleventhLook(ports_.ofMachineWatch && !whyNot_.empty(), "The services can't be watched. " + whyNot_);
     for (Row& row : rows_) {

@@ -36,6 +36,9 @@ public:
     /// Why the manager did not answer, in words for the operator; empty if it did.
     const std::string& WhyNoServices() const { return whyNot_; }
 
+    /// Whether that is because this system has none.
+    bool NoManager() const { return noManager_; }
+
 private:
     void Look() override;
     bool MayAlert() const override { return !saved_.empty(); }
@@ -55,6 +58,7 @@ private:
     std::vector<std::string> saved_;
     std::string whyNot_;
     std::string named_;  ///< the reason that is in the log
+    bool noManager_ = false;
     std::unique_ptr<Services::Question> loading_;
     std::unique_ptr<Services::Question> checking_;
 };

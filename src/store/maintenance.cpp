@@ -51,12 +51,18 @@ void Maintenance::ResetAllEventsToNow() {
 
 void Maintenance::DeleteServerData(const std::string& id) {
     if (id.empty()) return ports_.log.WriteLog(kLogFatal, kLogError, "DeleteServerData: No ID Specified!");
+    DeleteServersData({id});
+}
+
+void Maintenance::DeleteServersData(const std::vector<std::string>& ids) {
     InTransaction("DeleteServerData", [&](Connection& connection) {
-        RequireId(id);
-        DeleteRows(connection, "SELECT * FROM Servers where ID=" + id);
-        DeleteRows(connection, "SELECT * FROM Failures where IDParent=" + id);
-        DeleteRows(connection, "SELECT * FROM Response where IDParent=" + id);
-        DeleteRows(connection, "SELECT * FROM ResponseFailText where IDParent=" + id);
+        for (const std::string& id : ids) {
+            RequireId(id);
+            DeleteRows(connection, "SELECT * FROM Servers where ID=" + id);
+            DeleteRows(connection, "SELECT * FROM Failures where IDParent=" + id);
+            DeleteRows(connection, "SELECT * FROM Response where IDParent=" + id);
+            DeleteRows(connection, "SELECT * FROM ResponseFailText where IDParent=" + id);
+        }
     });
 }
 

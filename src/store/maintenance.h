@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -42,6 +43,8 @@ public:
 
     /// Removes the entry with its failures, response times and rules. Ids are decimal texts.
     void DeleteServerData(const std::string& id);
+    /// The same for several, all or none.
+    void DeleteServersData(const std::vector<std::string>& ids);
 
     /// Both return whether the rows were changed. Resets averages and counts, and deletes the failures too if `deleteFailures` is set; id "-1" means all entries.
     bool ResetStatData(const std::string& id, bool deleteFailures);

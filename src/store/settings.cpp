@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
@@ -51,9 +52,6 @@ const Settings::ReadStep Settings::kReadSteps[] = {
 
 namespace {
 
-/// Settings that are no safeguards and mean nothing until the operator writes them.
-constexpr std::string_view kOptionalKeys[] = {"KeepPhases", "CertWarnDays"};
-
 constexpr std::string_view kNumURLs = "NumURLs";
 constexpr std::string_view kUniqueid = "uniqueid";
 constexpr int kTwipsBesideWindow = 600;
@@ -66,6 +64,17 @@ constexpr std::string_view kSaveOrder[] = {
     "bRedAlert",  "YellowAlertWav",      "RedAlertWav", kNumURLs,       "bMinimized",  "bALLInDB",    "width",
     "height",
 };
+
+// Missing until the user has changed what they keep; saved after all others.
+constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases", "CertWarnDays"};
+
+std::vector<std::string_view> OptionalKeys() {
+    std::vector<std::string_view> keys;
+    for (const Safeguard& safeguard : AllSafeguards())
+        keys.push_back(safeguard.key);
+    keys.insert(keys.end(), std::begin(kOnlyIfSet), std::end(kOnlyIfSet));
+    return keys;
+}
 
 }  // namespace
 
@@ -106,20 +115,15 @@ void Settings::ReadInGlobalSettings() {
         ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
         if (step.then != nullptr) (this->*step.then)();
     }
-    ReadSafeguards();
+    ReadOptionalKeys();
 }
 
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
-void Settings::ReadSafeguards() {
-    for (const Safeguard& safeguard : AllSafeguards())
-        ReadIfThere(safeguard.key);
-    for (const std::string_view key : kOptionalKeys)
-        ReadIfThere(key);
-}
-
-void Settings::ReadIfThere(std::string_view key) {
-    const std::string value = ports_.file.Read(kSettingsSection, key, "");
-    if (!value.empty()) ports_.collection.setKvSettingsColValue(key, value);
+void Settings::ReadOptionalKeys() {
+    for (const std::string_view key : OptionalKeys()) {
+        const std::string value = ports_.file.Read(kSettingsSection, key, "");
+        if (!value.empty()) ports_.collection.setKvSettingsColValue(key, value);
+    }
 }
 
 std::string Settings::DefaultOf(const ReadStep& step) const {
@@ -183,9 +187,7 @@ void Settings::SaveGlobalKeys() {
     const IniFile::Batch batch(ports_.file);
     for (const std::string_view key : kSaveOrder)
         SaveKey(key);
-    for (const Safeguard& safeguard : AllSafeguards())
-        SaveKey(safeguard.key);
-    for (const std::string_view key : kOptionalKeys)
+    for (const std::string_view key : OptionalKeys())
         SaveKey(key);
 }
 

@@ -107,8 +107,7 @@ private:
     void StartService();
     void RestoreWindowSize();
     void ReadNumURLs();
-    void ReadSafeguards();
-    void ReadIfThere(std::string_view key);
+    void ReadOptionalKeys();
     void SaveGlobalKeys();
     void SaveKey(std::string_view key);
     void SaveAndMarkImported();

@@ -13,6 +13,7 @@
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/small/frm_wizard.h"
 #include "shell/desktop/toolkit/qt_text.h"
+#include "shell/desktop/toolkit/spoken_figures.h"
 #undef forever  // a word of Qt that stands in the way of the faults' own
 
 #include "support/world.h"
@@ -30,6 +31,7 @@ inline void NeedDesktop() {
     static char name[] = "korvane-test", *arguments[] = {name, nullptr};
     static const auto* application = new QApplication(argumentCount, arguments);  // at exit Qt's own statics go before it could
     application->setQuitOnLastWindowClosed(false);
+    SpeakFigures();
 }
 
 /// The main window. What the program says and asks is recorded, and each question gets the same answer; with `boxes` it is shown.
@@ -68,7 +70,8 @@ inline std::vector<Opening> Forms() {
         "frmURLData - mnuEditURL cmdOk frmCommands frmURLData cmdCommands cmdOk frmTextToFind frmURLData cmdTextToFind cmdOk "
         "frmOptions - mnuOptions cmdOk frmGlobalEmail frmOptions cmdGlobalEmail cmdSaveGlobal frmAbout - mnuHelpAbout cmdOk "
         "frmInput frmOptions cmdTestEmail cmdOk frmFeedback - mnuHelpFeedback cmdSend frmTellFriend - mnuHelpTellFriend cmdSend "
-        "frmHelp - mnuHelpWeb cmdClose frmReqRes - mnuViewConversation cmdClose frmDebug - mnuViewMail cmdClose "
+        "frmHelp - mnuHelpWeb cmdClose frmManual - mnuHelpManual cmdClose frmReqRes - mnuViewConversation cmdClose frmDebug - "
+        "mnuViewMail cmdClose "
         "frmCPUMonitor - ckCPUMon - frmDiskMonitor - ckDiskMon - frmMemoryMon - ckMemoryMon - frmSvcMon - ckSvcMon - "
         "frmSetEntries - mnuEntrySetGroup cmdOk frmMSG - mnuRestart cmdOk frmMSG - mnuFileResetGraph cmdNo frmWizard - page "
         "cmdButton2");

@@ -50,6 +50,23 @@ struct GlanceTest : DesktopTest {
     }
 };
 
+TEST_F(GlanceTest, TheStatusLogFollowsTheThemeAndKeepsItsText) {
+    const std::string before = S(window->txtStatus->toPlainText());
+    window->StatusLine("3:00:09 PM", "Ping failed");
+    window->StatusLine("3:00:09 PM", "------------------------------------");
+    for (const QPalette& palette : {DarkPalette(), QPalette()}) {
+        QApplication::setPalette(palette);
+        Settle();
+        const auto ink = [&](int line) {
+            return window->txtStatus->document()->findBlockByNumber(line).layout()->formats().last().format.foreground().color();
+        };
+        EXPECT_EQ(ink(1), ColoursOf(RowIcon::Bad, QApplication::palette()).ink);
+        EXPECT_LT(Contrast(ink(0), QApplication::palette().color(QPalette::Base)), 4.5);
+    }
+    EXPECT_EQ(S(window->txtStatus->toPlainText()),
+              "3:00:09 PM - ------------------------------------\n3:00:09 PM - Ping failed\n" + before);
+}
+
 TEST_F(GlanceTest, TheModelKeepsItsPromisesAndTheSelectionItsEntryThroughEveryFilterAndOrder) {
     const QAbstractItemModelTester tester(window->ListView1->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     Add(60);
@@ -99,21 +116,35 @@ TEST_F(GlanceTest, NothingIsCutInASmallWindow) {
     }
 }
 
-TEST_F(GlanceTest, TheTabKeyComesToWhatIsNewLast) {
-    QStringList order;
-    for (const QWidget* each = window->ListView1->nextInFocusChain(); each != window->ListView1; each = each->nextInFocusChain())
-        if (each->focusPolicy() & Qt::TabFocus && !each->objectName().startsWith("qt_")) order += each->objectName();
+TEST_F(GlanceTest, TheTabKeyComesToWhatIsNewLastAndNoTwoControlsHaveOneName) {
+    QStringList order, names;
+    for (const QWidget* each = window->ListView1->nextInFocusChain(); each != window->ListView1;
+         each = each->nextInFocusChain()) {
+        if (!(each->focusPolicy() & Qt::TabFocus) || each->objectName().startsWith("qt_")) continue;
+        order += each->objectName();
+        names += each->accessibleName();
+    }
+    EXPECT_TRUE(names.removeDuplicates() == 0 && !names.contains("")) << S(names.join(", "));
     EXPECT_TRUE(order.join(' ').startsWith("txtStatus ckCPUMon ckDiskMon ckMemoryMon ckSvcMon chipDown ")) << S(order.join(' '));
-    EXPECT_TRUE(
-        order.join(' ').endsWith(" cmdOpenLog cmdStopStart cmdStopWaiting cmdAddURL cmdEditURL cmdCopyPaste cmdDeleteURL cmdSave "
-                                 "cmdReports cmdSettings cmdHelp"));
+    EXPECT_TRUE(order.contains("cmdOpenLog") &&
+                order.join(' ').endsWith(" cmdStopStart cmdStopWaiting cmdAddURL cmdEditURL cmdCopyPaste cmdDeleteURL cmdSave "
+                                         "cmdReports cmdSettings cmdHelp"));
 }
 
 TEST_F(GlanceTest, AWindowWhoseScreenHasGoneComesBack) {
-    window->move(5000, 5000);
-    window->MinimizeToTray();
-    window->mnuTraySettings_Click();
-    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
+    const auto placeAfter = [&](const QPoint& place) {
+        window->move(place);
+        window->MinimizeToTray();
+        window->mnuTraySettings_Click();
+        return window->pos();
+    };
+    window->SetWidth(7500);
+    EXPECT_EQ(placeAfter({-300, 50}), QPoint(-300, 50)) << "its title can be reached";
+    for (const QPoint& gone : {QPoint(5000, 50), QPoint(50, 5000), QPoint(-5000, 0), QPoint(50, -300)}) {
+        placeAfter(gone);
+        EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry())) << gone.x();
+    }
+    EXPECT_EQ(window->Width(), 7500);
 }
 
 }  // namespace korvane::glance_test

@@ -5,6 +5,8 @@
 #include <QDBusVirtualObject>
 
 #include "desktop/desktop_test.h"
+#include "shell/desktop/look/decoration.h"
+#include "shell/desktop/look/icons.h"
 #include "shell/desktop/look/theme.h"
 #include "support/service_bus.h"
 
@@ -52,6 +54,32 @@ TEST(Look, FollowsTheDesktopsChoiceUnlessAThemeIsNamed) {
     QApplication::setPalette(QPalette());
     for (const char* name : {"portal", "program"})
         QDBusConnection::disconnectFromBus(name);
+}
+
+TEST(Look, PicturesRespondToTheMouseAndTheChosenTabIsStronger) {
+    NeedDesktop();
+    QPushButton button(CommandIcon(CommandPicture::Save), "Save");
+    std::vector<QImage> seen;
+    for (const auto state : {QStyle::State_None, QStyle::State_MouseOver, QStyle::State_Sunken}) {
+        QStyleOptionButton option;
+        option.initFrom(&button);
+        option.icon = button.icon();
+        option.iconSize = {16, 16};
+        option.state = QStyle::State_Enabled | state;
+        seen.push_back(WithLivelyPicture(option, 1).icon.pixmap(16).toImage());
+    }
+    EXPECT_TRUE(seen[0] != seen[1] && seen[1] != seen[2]);
+    const auto strength = [](QStyle::State state) {
+        QImage image(60, 24, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QStyleOptionTab tab;
+        tab.rect = image.rect();
+        tab.state = state;
+        QPainter painter(&image);
+        ColourTab(painter, tab, nullptr);
+        return image.pixelColor(30, 4).alpha();
+    };
+    EXPECT_GT(strength(QStyle::State_Selected), strength(QStyle::State_None));
 }
 
 }  // namespace korvane::look_test

@@ -116,6 +116,17 @@ protected:
         {"count", [&](auto& of) { return std::to_string(world->rows.Count(of)); }},
         {"setting", [&](auto& of) { return world->run.TheDesk().collection.getKvSettingsColVal(of); }},
         {"file", [&](auto& of) { return world->Text(of); }},
+        {"has", [&](auto& of) { return world->run.TheDesk().collection.Find(of) == nullptr ? "-" : "on"; }},
+        {"value", [&](auto& of) { return S(QAccessible::queryAccessibleInterface(&Get(of))->text(QAccessible::Value)); }},
+        {"told", [&](auto& of) { return S(Get(of).accessibleDescription()); }},
+        {"redtabs",
+         [&](auto&) {
+             const auto& tabs = *form->findChild<QTabBar*>();
+             std::string red;
+             for (int page = 0; page < tabs.count(); ++page)
+                 red += tabs.tabTextColor(page).isValid() ? S(tabs.tabText(page)) : "";
+             return red;
+         }},
         {"said", [&](auto&) { return std::exchange(window->said, "nothing"); }},
         {"title", [&](auto&) { return S(form->windowTitle()); }},
         {"focus", [&](auto&) { return S(form->focusWidget()->objectName()); }},

@@ -50,6 +50,7 @@ is() {
 
 check_installed() {
     is "" "not as packed" inside dpkg --verify korvane
+    is "*/main.png" "the manual" inside ls /usr/lib/korvane/manual/manual.md /usr/lib/korvane/manual/pictures/main.png
     is "korvane:korvane 750" "the home" inside stat -c '%U:%G %a' "$home"
     is "" "the unit" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane'
 }

@@ -10,6 +10,7 @@
 #include "shell/list/entry_csv.h"
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
+#include "shell/list/outage_notes.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
@@ -139,6 +140,8 @@ $ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPerce
                      "15:59:59', 1), (4, 1, 'hour', 'x', 3), (5, 1, 'day', '2026-11-20 23:50:00', 1234.5), (6, 1, "
                      "'hour', '2026-11-21 13:00:00', 'x'), (7, 2, 'hour', '2026-11-21 14:40:00', 9)"),
               "to a@x;b@x: taken (250 OK)."));
+    w.desk.alertPath.TestMail(false);
+    EXPECT_TRUE(Holds(InSentences(w.Look(), then).notified, "recoveries (test mail failed)"));
     EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
               "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
               "failures");
@@ -347,7 +350,7 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     std::string many = "strDesc\n";
     for (int i = 0; i < 100'000; ++i)
         many += "x\n";
-    EXPECT_EQ(planned(many), "Line 501: this is too much: the file has 100001 lines, and no more than 499 are possible.");
+    EXPECT_EQ(planned(many), "The file has 100001 lines, and no more than 499 entries are possible.");
     w.rows.AddMany(std::vector<Entry>(497));
     const ImportPlan plan = PlanImport(w.desk, "strGroup,nTries\nour group,\nx,2\n");
     EXPECT_EQ(plan.Summary() + plan.rows[1].details,
@@ -355,6 +358,29 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
     ImportEntries(w.desk, PlanImport(w.desk, "strGroup,nTries,strType\nour group,,HTTPS\n"));
     EXPECT_EQ(w.Cells("strGroup|nTries|strType|strPort|strCurStatus|strAddress_IP"),
               "our_group; 3; HTTPS; 443; UP; www.example.com; ");
+}
+
+TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
+    StartedWorld w;
+    std::string shown;
+    OutageNotes notes(w.world.timers, [&](const OutageNotes::Note& note) { shown += note.title + ": " + note.text + "; "; });
+    w.noteOutage = [&](const auto& entry, bool isDown, const auto& reason) { notes.Add(entry, isDown, reason); };
+    const auto after = [&](std::chrono::seconds time) { return w.RunFor(time), std::exchange(shown, ""); };
+    w.rows.Add({.strDesc = "", .strAddress_IP = "10.0.0.1", .strType = "PING", .nTries = 2});
+    w.net.Host("10.0.0.1").EchoSilent();
+    EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
+    EXPECT_EQ(after(600s), "") << "one an outage";
+    w.net.Host("10.0.0.1").Echo(3ms);
+    EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    for (const char* name : {"a", "<b>", "c", "d", "e"})
+        notes.Add(name, true, "why");
+    notes.Add("f", false, "");
+    EXPECT_EQ(after(9s), "");
+    EXPECT_EQ(after(2s), "5 servers are DOWN: a, ‹b›, c, ...: a, ‹b›, c, d, e; ");
+    notes.Add("g", true, "late");
+    EXPECT_EQ(after(4s), "f is UP again: The outage is over.; ");
+    EXPECT_EQ(after(10s), "g is DOWN: late; ");
+    EXPECT_EQ(after(60s), "");
 }
 
 TEST(Web, PagesReportsVersionsAndFormsAreOpenedOrRefused) {

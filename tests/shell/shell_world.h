@@ -49,6 +49,10 @@ struct ShellPerson : RecordingOperator, MonitorWindow {
         const bool yes = RecordingOperator::AskYesNo(title, text);
         return heard.push_back((yes ? "? Yes: " : "? No: ") + text), yes;
     }
+    std::function<void(const std::string&, bool, const std::string&)> noteOutage = [](auto&&...) {};
+    void NoteOutage(const std::string& entry, bool isDown, const std::string& reason) override {
+        noteOutage(entry, isDown, reason);
+    }
     bool HasWindow() const override { return true; }
     void SetTitle(const std::string& text) override { window(text); }
     void Place(bool shown) override { window(shown ? "place, shown" : "place"); }

@@ -150,7 +150,7 @@ private:
     };
 
     ServiceList List() const {
-        ServiceList list{.whyNot = whyNot, .services = {}};
+        ServiceList list{.whyNot = whyNot, .noManager = !whyNot.empty(), .services = {}};
         for (const auto& [name, state] : states_)
             if (whyNot.empty()) list.services.push_back({.name = name, .displayName = "the " + name, .state = state});
         return list;

@@ -81,6 +81,7 @@ public:
         : answer_(std::move(answer)),
           tooLate_(kNotThere + std::string("it did not answer within ") + std::to_string(limit.count() / 1000) + " s") {
         Try([&] { Ask(address); });
+        noManager_ = !whyNot_.empty();
         EndAfter(limit);
         Run();
         if (!Open()) {  // no question is answered from within its call
@@ -127,8 +128,10 @@ private:
     int TakeReply(sd_bus_message* reply, void (*take)(sd_bus_message*, RecordsByName&)) {
         ++replies_;
         Try([&] {
-            if (const sd_bus_error* error = ::sd_bus_message_get_error(reply); error != nullptr)
-                throw Error(error->message != nullptr ? error->message : error->name);
+            const sd_bus_error* error = ::sd_bus_message_get_error(reply);
+            noManager_ |= ::sd_bus_error_has_name(error, SD_BUS_ERROR_SERVICE_UNKNOWN) > 0 ||
+                          ::sd_bus_error_has_name(error, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0;
+            if (error != nullptr) throw Error(error->message != nullptr ? error->message : error->name);
             take(reply, services_);
         });
         return 0;
@@ -169,7 +172,7 @@ private:
     // The caller may drop this question inside its answer.
     void Answer() {
         watch_.reset();
-        ServiceList list{.whyNot = whyNot_, .services = {}};
+        ServiceList list{.whyNot = whyNot_, .noManager = noManager_, .services = {}};
         if (whyNot_.empty()) {
             for (auto& [name, record] : services_)
                 list.services.push_back(std::move(record));
@@ -181,6 +184,7 @@ private:
     std::function<void(const ServiceList&)> answer_;
     const std::string tooLate_;
     std::string whyNot_;
+    bool noManager_ = false;
     RecordsByName services_;
     int replies_ = 0;
     Owned<sd_event> loop_;

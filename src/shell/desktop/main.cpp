@@ -9,6 +9,7 @@
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/look/theme.h"
 #include "shell/desktop/main/frm_monitor.h"
+#include "shell/desktop/toolkit/spoken_figures.h"
 #include "shell/process/process.h"
 
 namespace korvane {
@@ -64,6 +65,7 @@ void SaveWithTheSession(Run& run) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(ProgramIcon(true));
     QApplication::setStyle(new MarkStyle);
+    SpeakFigures();
     const DesktopTheme theme;
     std::unique_ptr<frmMonitor> window;
     RunProcess(argc, argv, [&](Timers& timers) {

@@ -37,6 +37,7 @@ struct FormInput {
     Control control{};
     std::optional<NumberRange> range{};  ///< nothing: any text is accepted
     bool Fields::*mark = nullptr;
+    bool on = false;  ///< a mark that is on while it is not stored, and is stored only once it has been changed
 };
 
 template <class Fields>

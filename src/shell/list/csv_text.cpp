@@ -109,8 +109,8 @@ std::vector<CsvRecord> ReadCsv(std::string_view text, std::size_t most) {
         if (record.cells.size() == 1 && record.cells[0].empty()) continue;
         records.push_back(std::move(record));
         if (records.size() > most + 1)
-            Refuse(records.back().line, "this is too much: the file has " + std::to_string(std::ranges::count(text, '\n')) +
-                                            " lines, and no more than " + std::to_string(most) + " are possible.");
+            throw Error("The file has " + std::to_string(std::ranges::count(text, '\n')) + " lines, and no more than " +
+                        std::to_string(most) + " entries are possible.");
     }
     return records;
 }

@@ -133,9 +133,7 @@ std::string EntryActs::Set(const Ids& ids, const std::vector<EntryChange>& chang
 }
 
 void EntryActs::Delete(const Ids& ids) {
-    for (const std::string& id : ids) {
-        desk_.maintenance.DeleteServerData(id);
-    }
+    ids.size() == 1 ? desk_.maintenance.DeleteServerData(ids.front()) : desk_.maintenance.DeleteServersData(ids);
 }
 
 std::string EntryActs::CopyRow(const std::string& id, bool withRules) {

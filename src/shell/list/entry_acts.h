@@ -38,7 +38,7 @@ public:
     /// Stores the texts as the editor does. Throws Error for a text that the editor would not store.
     std::string Set(const Ids& ids, const std::vector<EntryChange>& changes);
 
-    /// Removes them with everything that belongs to them. Errors are reported by the maintenance.
+    /// Removes them with everything that belongs to them. The maintenance reports errors.
     void Delete(const Ids& ids);
 
     /// Copies the entry with reset counters and without its rules. Returns the new id; empty if there is no such entry.

@@ -150,6 +150,7 @@ void ReadNotified(const Desk& desk, Recordset& rs, EntryDetail& detail) {
     for (const char* list : {"strEmailList1", "strEmailList2"})
         AddRecipients(TextOf(rs, list), detail.recipients);
     detail.notifiesRecovery = IsSet(rs, "bSendUpNotify");
+    detail.mailProblem = desk.alertPath.Problem();
     detail.whyNobody = WhyNobody(desk, rs, detail);
     if (!detail.whyNobody.empty()) detail.recipients.clear();
 }

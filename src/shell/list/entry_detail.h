@@ -67,6 +67,7 @@ struct EntryDetail {
     std::vector<std::string> recipients;  ///< of a failure mail; empty: nobody is notified
     std::string whyNobody;                ///< in a few words, where there are lists that do not help; else empty
     bool notifiesRecovery = false;
+    std::string mailProblem;  ///< of all mails: "test mail failed"; else empty
 
     /// The longest time from the beginning of an outage to the failure actions. The worst moment for a server to stop answering
     /// is just after a good check. Then

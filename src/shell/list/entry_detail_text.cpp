@@ -133,7 +133,8 @@ std::string Notified(const EntryDetail& detail) {
     std::string all;
     for (const std::string& recipient : detail.recipients)
         all += (all.empty() ? "" : ", ") + recipient;
-    return "Mailed to " + all + (detail.notifiesRecovery ? ": failures and recoveries" : ": failures, not recoveries");
+    const std::string what = detail.notifiesRecovery ? ": failures and recoveries" : ": failures, not recoveries";
+    return "Mailed to " + all + what + (detail.mailProblem.empty() ? "" : " (" + detail.mailProblem + ")");
 }
 
 std::string NextCheck(const EntryDetail& detail, DateTime now) {

@@ -3,6 +3,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "shell/list/outage_notes.h"
 #include "store/safeguards.h"
 
 namespace korvane {
@@ -35,6 +36,13 @@ constexpr OptionsInput kOptionsInputs[] = {
     {.key = "bRedAlert",
      .control = {"ckRedAlert", "Play a sound when a server goes &down", "Plays the sound when a server goes down."},
      .mark = &OptionsFields::bRedAlert},
+    {.key = kDesktopNotes,
+     .control =
+         {"ckDesktopNotes", "Show a &notification on the desktop when a server goes down or comes back",
+          "Where the desktop has a tray: a notification when a server goes down and when it is back. More than three within "
+          "ten seconds become one."},
+     .mark = &OptionsFields::DesktopNotes,
+     .on = true},
     {"YellowAlertWav", &OptionsFields::YellowAlertWav, AsTyped, "txtYellowAlertWav",
      "&Wave file:", "The wave file for a server that fails. Leave it blank to play nothing.", "Wave file of the yellow alert"},
     {"RedAlertWav", &OptionsFields::RedAlertWav, AsTyped, "txtRedAlertWav",
@@ -86,10 +94,12 @@ constexpr OptionsInput kOptionsInputs[] = {
 };
 
 void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& fields) {
+    const bool isMissing = desk.collection.Find(input.key) == nullptr;
+    if (input.mark != nullptr && input.on && fields.*input.mark && isMissing) return;
     if (input.mark != nullptr) return desk.collection.setKvSettingsColValue(input.key, fields.*input.mark ? "True" : "False");
     const std::string value = *input.stored(fields.*input.text, fields);
     // A safeguard that is blank and was never set stays out of the file.
-    if (value.empty() && desk.collection.Find(input.key) == nullptr) return;
+    if (value.empty() && isMissing) return;
     desk.collection.setKvSettingsColValue(input.key, value);
 }
 
@@ -126,7 +136,7 @@ OptionsFields OptionsFromSettings(const SettingsCollection& settings) {
         const std::string* found = settings.Find(input.key);
         const std::string value = found == nullptr ? "" : *found;
         if (input.text != nullptr) fields.*input.text = value;
-        if (input.mark != nullptr) fields.*input.mark = value == "True";
+        if (input.mark != nullptr) fields.*input.mark = input.on ? value != "False" : value == "True";
     }
     if (Trim(fields.Begin).empty()) fields.Begin = kShortestWait;
     return fields;

@@ -42,6 +42,7 @@ struct OptionsFields {
     bool RebootAny = false;
     bool bYellowAlert = false;
     bool bRedAlert = false;
+    bool DesktopNotes = true;
 };
 
 using OptionsInput = FormInput<OptionsFields>;

@@ -33,6 +33,7 @@ namespace korvane {
 struct Desk : StorePorts, SystemPorts {
     Operator& person;
     std::string dir;      ///< the home: database, settings, logs
+    std::string dataDir;  ///< of the installation: templates, manual
     std::string version;  ///< "major.minor.revision" of this program
     Log& log;
     StatusLog& status;

@@ -142,6 +142,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            *this,
            person,
            options.dir,
+           options.dataDir,
            options.version,
            log,
            status,

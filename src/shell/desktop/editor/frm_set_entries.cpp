@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.h"
+#include "engine/server_table.h"
 #include "platform/operator.h"
 #include "shell/desktop/editor/group_completer.h"
 #include "shell/entry/entry_hints.h"
@@ -55,8 +57,14 @@ void frmSetEntries::AddInput(QFormLayout& form, std::string EntryFields::*field,
     box->selectAll();
     if (field != &EntryFields::nIntervalSeconds)
         return box->setMinimumWidth(fontMetrics().averageCharWidth() * kSetBoxCharacters);
-    const auto inMinutes = [label = inputs_.Unit(field), box] { label->setText(Q(IntervalInMinutes(S(box->text())))); };
-    connect(box, &QLineEdit::textChanged, this, inMinutes);
+    const auto inMinutes = [this, box, field] { inputs_.Unit(field)->setText(Q(IntervalInMinutes(S(box->text())))); };
+    connect(box, &QLineEdit::textChanged, this, [this, box, inMinutes] {
+        inMinutes();
+        EntryFields typed;
+        typed.nIntervalSeconds = S(box->text());
+        typed.nTries = std::to_string(kNewTries);
+        SetStatus(Or(ExplainNumbers(typed, kHighestPort), S(HelpOn(*box))));
+    });
     inMinutes();
 }
 

@@ -53,8 +53,8 @@ frmURLData::frmURLData(const Desk& desk, bool isAddUrl, std::string strID, std::
         [this] { cmdTestURL_Click(); }, [this] { cmdOk_Click(); });
 
     PutLast(removeDownTimes_);
-    ConnectTyping();
     WatchForHelp();
+    ConnectTyping();
     Form_Load(isAddUrl);
     txtAddress_IP_->setFocus();
 }

@@ -48,8 +48,12 @@ void frmURLData::ConnectTyping() {
         onChange(each.time, explain);
         onChange(each.minutes, explain);
     }
-    for (const auto field : {&EntryFields::nTries, &EntryFields::nIntervalSeconds, &EntryFields::nTimeout, &EntryFields::strPort,
-                             &EntryFields::strExpectedText, &EntryFields::strEmailList1, &EntryFields::strEmailList2})
+    for (const auto field : {&EntryFields::nTries, &EntryFields::nIntervalSeconds, &EntryFields::nTimeout, &EntryFields::strPort})
+        onChange(field, [this] {
+            ShowNotes();
+            if (const QString note = lblNumbers_->text(); !note.isEmpty()) SetStatus(S(note));
+        });
+    for (const auto field : {&EntryFields::strExpectedText, &EntryFields::strEmailList1, &EntryFields::strEmailList2})
         onChange(field, [this] { ShowNotes(); });
     // The label must match the number even while it is being loaded.
     connect(inputs_.Box(&EntryFields::nIntervalSeconds), &QLineEdit::textChanged, this, [this](const QString& seconds) {

@@ -4,8 +4,8 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QPainterPath>
 #include <QTimer>
+#include <algorithm>
 #include <map>
 
 #include "shell/desktop/glance/state_colours.h"
@@ -16,7 +16,7 @@
 namespace korvane {
 namespace {
 
-constexpr int kLines = 9;  ///< of text in the strip
+constexpr int kLines = 10;  ///< of text in the strip
 constexpr int kLeastWindowHeight = 560;
 constexpr int kCharactersForTimes = 120;
 constexpr int kCharactersForSpan = 165;
@@ -85,13 +85,14 @@ DetailStrip::DetailStrip(std::function<void()> close, QWidget* parent) : QFrame(
     columns->addWidget(imgState_, 0, Qt::AlignTop);
     columns->addWidget(txtDetail_, 5);
     columns->addWidget(BuildTimes(), 4);
-    columns->addWidget(BuildFailures(), 4);
+    columns->addWidget(BuildFailures(), 5);
     cmdClose_ = WithName(new QPushButton(QString(QChar(0x2715)), this), "cmdCloseDetail", "Hide the details");
     cmdClose_->setShortcut(QKeySequence(kCloseKey));
     cmdClose_->setToolTip(QString("Hides the details (%1); View, Show Details brings them back").arg(kCloseKey));
     cmdClose_->setAutoDefault(false);
     cmdClose_->setFlat(true);
-    cmdClose_->setFixedSize(fontMetrics().height() + space, fontMetrics().height() + space);
+    const int side = std::max(fontMetrics().height() + space, cmdClose_->minimumSizeHint().height());
+    cmdClose_->setFixedSize(side, side);
     connect(cmdClose_, &QPushButton::clicked, this, [close = std::move(close)] { close(); });
     columns->addWidget(cmdClose_, 0, Qt::AlignTop);
     hide();
@@ -255,9 +256,8 @@ void DetailStrip::ShowCounts() {
     }
     imgState_->hide();
     if (rows_.empty()) {
-        const QString above = QString::number(fontMetrics().lineSpacing() * (kLines - 1) / 2);
-        return txtDetail_->Show("<p align='center' style='margin-top:" + above + "px'>" +
-                                Coloured(kNothingSelected, QuietInk(palette())) + "</p>");
+        const QString above = QString("<div>&nbsp;</div>").repeated((kLines - 1) / 2);
+        return txtDetail_->Show(above + "<p align='center'>" + Coloured(kNothingSelected, QuietInk(palette())) + "</p>");
     }
     QString html = "<div><b>" + QString::number(rows_.size()) + " servers selected</b></div>";
     for (const RowIcon state : {RowIcon::Bad, RowIcon::Warn, RowIcon::Good, RowIcon::DownTime, RowIcon::Inactive})
@@ -293,15 +293,11 @@ void DetailStrip::resizeEvent(QResizeEvent* event) {
 
 void DetailStrip::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath card;
-    card.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kEdge, kEdge);
-    painter.fillPath(card, palette().base());
-    painter.setClipPath(card);
+    painter.fillRect(rect(), palette().base());
     const QColor edge = shown_ ? ColoursOf(state_, palette()).ink : palette().color(QPalette::Mid);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
     painter.fillRect(QRect(0, 0, kEdge, height()), edge);
-    painter.setClipping(false);
-    painter.strokePath(card, QPen(palette().color(QPalette::Mid), 1));
 }
 
 }  // namespace korvane

@@ -26,6 +26,8 @@ ListBar::ListBar(QAction& problemsFirst, std::function<void()> changed, std::fun
     lblShown_ = NewLabel("lblShown", "", this);
     cmdShowAll_ = NewButton("cmdShowAll", "Show a&ll", "Take the filter off and show all servers", this);
     cmdProblemsFirst_ = AddProblemsFirst(problemsFirst);
+    for (QPushButton* button : {cmdShowAll_, cmdProblemsFirst_})
+        button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard in the list
     txtFind_ = NewBox("txtFind", "Find servers", this);
     txtFind_->setPlaceholderText("Find (Ctrl+F)");
     txtFind_->setToolTip("Shows servers with these words in name, address, group, type, status or last response");

@@ -73,7 +73,7 @@ void StateChip::paintEvent(QPaintEvent* /*event*/) {
     const QRectF pill = QRectF(rect()).adjusted(edge / 2, edge / 2, -edge / 2, -edge / 2);
     painter.drawRoundedRect(pill, pill.height() / 2, pill.height() / 2);
     if (hasFocus()) {
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
+        painter.setPen(QPen(palette().color(QPalette::Text), 1, Qt::DotLine));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(pill.adjusted(3, 3, -3, -3), pill.height() / 2 - 3, pill.height() / 2 - 3);
     }

@@ -1,5 +1,6 @@
 #include "shell/desktop/glance/status_colours.h"
 
+#include <QEvent>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 
@@ -20,7 +21,14 @@ const QRegularExpression kRule("^>?-{4,}$");
 
 }  // namespace
 
-StatusColours::StatusColours(QPlainTextEdit& box) : QSyntaxHighlighter(box.document()), box_(box) {}
+StatusColours::StatusColours(QPlainTextEdit& box) : QSyntaxHighlighter(box.document()), box_(box) {
+    box.installEventFilter(this);
+}
+
+bool StatusColours::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) rehighlight();
+    return QSyntaxHighlighter::eventFilter(watched, event);
+}
 
 // What a server answered to a check that passed may contain any word.
 bool StatusColours::IsFailure(const QString& text) {

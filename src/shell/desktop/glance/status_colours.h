@@ -10,13 +10,13 @@ namespace korvane {
 
 class StatusColours : public QSyntaxHighlighter {
 public:
-    /// To be told of a change of the palette by rehighlight().
     explicit StatusColours(QPlainTextEdit& box);
 
     /// Whether the text of a line, without its time, reports a failure.
     static bool IsFailure(const QString& text);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void highlightBlock(const QString& line) override;
 
 private:

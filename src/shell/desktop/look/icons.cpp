@@ -9,20 +9,25 @@
 #include <cmath>
 #include <functional>
 
+#include "shell/desktop/look/decoration.h"
 #include "shell/desktop/look/shapes.h"
 
 namespace korvane {
 namespace {
 
+// How strongly a picture is filled under the mouse, and while its button is pressed.
+constexpr int kHoverAlpha = 70;
+constexpr int kPressedAlpha = 190;
+
 /// Draws one picture into a square of this many device pixels, with its corner at 0, 0.
-using DrawPicture = std::function<void(QPainter& painter, int side, QIcon::Mode mode)>;
+using DrawPicture = std::function<void(QPainter& painter, int side, QIcon::Mode mode, QIcon::State state)>;
 
 class DrawnIcon : public QIconEngine {
 public:
     explicit DrawnIcon(DrawPicture draw) : draw_(std::move(draw)) {}
 
     // Paints in whole device pixels, wherever the painter's scale puts the rectangle.
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/) override {
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
         const QRectF device = painter->deviceTransform().mapRect(QRectF(rect));
         const int side = static_cast<int>(std::lround(std::min(device.width(), device.height())));
         if (side < 1) return;
@@ -30,7 +35,7 @@ public:
         painter->setTransform(painter->transform() * painter->deviceTransform().inverted());
         painter->translate(std::round(device.center().x() - side / 2.0), std::round(device.center().y() - side / 2.0));
         painter->setRenderHint(QPainter::Antialiasing);
-        draw_(*painter, side, mode);
+        draw_(*painter, side, mode, state);
         painter->restore();
     }
 
@@ -89,7 +94,7 @@ enum class Kind { Filled, Lines };
 /// A disabled coloured picture keeps its colours, only paler. In a selection a filled picture has a seam, and lines have the
 /// colour of the text.
 DrawPicture Coloured(std::function<void(QPainter& painter, int side)> draw, Kind kind = Kind::Filled) {
-    return [draw = std::move(draw), kind](QPainter& painter, int side, QIcon::Mode mode) {
+    return [draw = std::move(draw), kind](QPainter& painter, int side, QIcon::Mode mode, QIcon::State /*state*/) {
         if (mode == QIcon::Disabled) {
             painter.setOpacity(painter.opacity() * 0.4);
             painter.drawPixmap(0, 0, Whole(side, draw));
@@ -134,7 +139,14 @@ QIcon ProgramIcon(bool on) {
 }
 
 QIcon CommandIcon(CommandPicture picture) {
-    return Drawn([picture](QPainter& painter, int side, QIcon::Mode mode) { DrawCommand(painter, side, picture, Ink(mode)); });
+    return Drawn([picture](QPainter& painter, int side, QIcon::Mode mode, QIcon::State state) {
+        if (state == QIcon::Off || mode == QIcon::Disabled)
+            return DrawCommand(painter, side, picture, Ink(mode), Qt::transparent);
+        const QColor accent = AccentColour(QGuiApplication::palette());
+        QColor inside = accent;
+        inside.setAlpha(mode == QIcon::Active ? kPressedAlpha : kHoverAlpha);
+        DrawCommand(painter, side, picture, accent, inside);
+    });
 }
 
 }  // namespace korvane

@@ -40,6 +40,7 @@ QIcon TrayIcon(TrayPicture picture);
 /// Returns the emblem for the windows: green while monitoring is on.
 QIcon ProgramIcon(bool on);
 
+/// State On is the picture under the mouse, filled and in the accent colour; with mode Active that of a pressed button.
 QIcon CommandIcon(CommandPicture picture);
 
 }  // namespace korvane

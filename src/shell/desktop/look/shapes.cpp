@@ -181,7 +181,7 @@ void DrawTile(QPainter& painter, int side, const QColor& colour, const Layer& si
 
 }  // namespace
 
-void DrawCommand(QPainter& painter, int side, CommandPicture picture, const QColor& ink) {
+void DrawCommand(QPainter& painter, int side, CommandPicture picture, const QColor& ink, const QColor& inside) {
     const double unit = side / 16.0;
     const double width = std::max(1.0, std::round(unit * 1.4));
     const bool odd = static_cast<int>(width) % 2 == 1;
@@ -191,7 +191,8 @@ void DrawCommand(QPainter& painter, int side, CommandPicture picture, const QCol
     const auto& shape = *std::find_if(std::begin(kCommandShapes), std::end(kCommandShapes),
                                       [&](const CommandShape& each) { return each.picture == picture; });
     painter.setPen(Pen(ink, width));
-    painter.setBrush(Qt::NoBrush);
+    const bool isClosed = shape.line.find_first_of("ZOE") != std::string_view::npos;
+    painter.setBrush(isClosed ? inside : QColor(Qt::transparent));
     painter.drawPath(Path(shape.line, at, unit));
     painter.setBrush(ink);
     painter.drawPath(Path(shape.filled, at, unit));

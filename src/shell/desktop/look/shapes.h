@@ -8,7 +8,8 @@
 
 namespace korvane {
 
-void DrawCommand(QPainter& painter, int side, CommandPicture picture, const QColor& ink);
+/// `inside` fills its closed shapes.
+void DrawCommand(QPainter& painter, int side, CommandPicture picture, const QColor& ink, const QColor& inside);
 void DrawState(QPainter& painter, int side, RowIcon icon);
 void DrawTray(QPainter& painter, int side, TrayPicture picture);
 void DrawEmblem(QPainter& painter, int side, bool on);

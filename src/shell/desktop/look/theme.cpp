@@ -10,7 +10,10 @@
 #include <QFile>
 #include <QPainter>
 #include <QStyleOption>
+#include <QTabBar>
 #include <QTimer>
+
+#include "shell/desktop/look/decoration.h"
 
 namespace korvane {
 namespace {
@@ -114,6 +117,17 @@ void MarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         painter->drawEllipse(outline);
     }
     painter->restore();
+}
+
+void MarkStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const {
+    const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if (element == CE_PushButtonLabel && button != nullptr) {
+        const QStyleOptionButton lively = WithLivelyPicture(*button, painter->device()->devicePixelRatioF());
+        return QProxyStyle::drawControl(element, &lively, painter, widget);
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+    const auto* const tab = qstyleoption_cast<const QStyleOptionTab*>(option);
+    if (element == CE_TabBarTabShape && tab != nullptr) ColourTab(*painter, *tab, qobject_cast<const QTabBar*>(widget));
 }
 
 QPalette DarkPalette() {

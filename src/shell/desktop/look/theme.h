@@ -34,7 +34,8 @@ private:
 };
 
 /// The style of the windows: the desktop's style, with an outline around check boxes and radio buttons where theirs is invisible
-/// on a dark background.
+/// on a dark background, with coloured tabs, and with pictures of buttons that change under the mouse and when they are pressed.
+/// All of it changes at once: nothing moves.
 class MarkStyle : public QProxyStyle {
 public:
     /// Wraps the application's current style.
@@ -42,6 +43,7 @@ public:
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const override;
 };
 
 /// The dark palette, for the Fusion style.

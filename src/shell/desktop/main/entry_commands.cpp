@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <algorithm>
+#include <utility>
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
@@ -53,8 +54,9 @@ private:
 
 }  // namespace
 
-EntryCommands::EntryCommands(const Desk& desk, MonitorCommands& commands, QTreeView& list, ServerListModel& model)
-    : desk_(desk), commands_(commands), list_(list), model_(model) {
+EntryCommands::EntryCommands(const Desk& desk, MonitorCommands& commands, QTreeView& list, ServerListModel& model,
+                             std::function<void(const std::string& id)> made)
+    : desk_(desk), commands_(commands), list_(list), model_(model), made_(std::move(made)) {
     new KeepsSelection(list);
 }
 
@@ -153,7 +155,7 @@ void EntryCommands::CopyText() {
 
 void EntryCommands::Duplicate() {
     const std::string copy = commands_.Duplicate(Selected().front().Id());
-    if (const int row = model_.RowOf(copy); row >= 0) SelectOnly(list_, row);
+    if (!copy.empty()) made_(copy);
 }
 
 void EntryCommands::SetInterval() {

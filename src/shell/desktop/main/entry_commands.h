@@ -29,8 +29,9 @@ public:
     /// In the order of the menu. An empty name is a separator.
     static const std::vector<Command>& All();
 
-    /// Everything must outlive this.
-    EntryCommands(const Desk& desk, MonitorCommands& commands, QTreeView& list, ServerListModel& model);
+    /// Everything must outlive this. `made` is called with the id of a new entry, which is then to be selected.
+    EntryCommands(const Desk& desk, MonitorCommands& commands, QTreeView& list, ServerListModel& model,
+                  std::function<void(const std::string& id)> made);
 
     /// Disables the actions, by name, that make no sense for what is selected.
     void Enable(const std::map<std::string, QAction*>& actions) const;
@@ -62,6 +63,7 @@ private:
     MonitorCommands& commands_;
     QTreeView& list_;
     ServerListModel& model_;
+    std::function<void(const std::string&)> made_;
 };
 
 }  // namespace korvane

@@ -33,7 +33,10 @@ constexpr const char* kPausedTip = " Korvane: Server Monitoring Paused.  No Moni
 
 }  // namespace
 
-frmMonitor::frmMonitor(Timers& timers) : Timer3_(timers.NewTimer("Timer3")), Timer4_(timers.NewTimer("Timer4")) {
+frmMonitor::frmMonitor(Timers& timers)
+    : notes_(timers, [this](const OutageNotes::Note& note) { tray_.Notify(note.title, note.text, note.isDown); }),
+      Timer3_(timers.NewTimer("Timer3")),
+      Timer4_(timers.NewTimer("Timer4")) {
     BuildWidgets();
     conversation_.SetParent(this);
     mailTrace_.SetParent(this);
@@ -102,8 +105,12 @@ void frmMonitor::SetCaptions(const Captions& captions) {
     actions_.at("mnufilekvsettings")->setText(Q(captions.mnufilekvsettings).replace("&", "&&"));
 }
 
+QPoint frmMonitor::HomePlace() const {
+    return screen()->availableGeometry().topLeft() + kPlace;
+}
+
 void frmMonitor::Place(bool shown) {
-    move(screen()->availableGeometry().topLeft() + kPlace);
+    move(HomePlace());
     columns_->Restore(run_->TheDesk().settingsFile);
     RestoreView();
     RestoreDetail();
@@ -165,7 +172,6 @@ void frmMonitor::closeEvent(QCloseEvent* event) {
 // The operator has restored the window from the task bar.
 void frmMonitor::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) statusColours_->rehighlight();
     if (event->type() != QEvent::WindowStateChange || run_ == nullptr || run_->Loading()) return;
     const bool wasMinimized = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMinimized);
     if (!wasMinimized || !WindowVisible()) return;

@@ -39,6 +39,7 @@
 #include "shell/desktop/toolkit/reading_text.h"
 #include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
+#include "shell/list/outage_notes.h"
 #include "shell/run/monitor_window.h"
 
 class QBoxLayout;
@@ -79,6 +80,7 @@ public:
     void SetMonitoring(bool on) override;
     void SetCustomerCount(int count) override;
     void SetMailState(const std::string& text, bool alarming) override;
+    void NoteOutage(const std::string& entry, bool isDown, const std::string& reason) override;
     void RefreshURLList() override;
     void SetWaitCursor(bool wait) override;
     void ShowMessage(const std::string& title, const std::string& text) override;
@@ -171,12 +173,14 @@ private:
     void ApplyFilter();
     void ShowCounts();
     void LetBeSeen(const std::string& id);
+    void SelectMade(const std::string& id);
     std::set<std::string> AllIds() const;
     void ShowStopped();
     int HeightAroundList() const;
     void RestoreView();
     void RememberView();
     void KeepOnScreen();
+    QPoint HomePlace() const;
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
@@ -195,6 +199,7 @@ private:
     ServerListModel* model_;
     DetailStrip* detail_;
     MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
+    OutageNotes notes_;
     std::map<std::string, QAction*> actions_;  ///< by name
     QMenu* context_;                           ///< of the list
     MessageQueue messages_{[this] { return MessageParent(); }};
@@ -207,7 +212,6 @@ private:
     ListBar* bar_;
     StoppedBar* stopped_;
     QLabel* lblEmpty_;  ///< over an empty list
-    StatusColours* statusColours_;
     std::vector<QPushButton*> commandButtons_;
     std::vector<QWidget*> aroundList_;  ///< for which the list leaves room
     std::string storedProblemsFirst_;

@@ -78,7 +78,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kView, "mnuViewShowAll", "Show &All", "", none, [this] { bar_->TakeFilterOff(); }},
         {kView, "mnuViewDetail", "Show &Details", "", none, [this] { mnuViewDetail(); }},
         {kSettings, "mnuOptions", "&Options...", "Ctrl+,", Settings, [this] { forms_->ShowOptions(); }},
-        {kHelp, "mnuHelpWeb", "&Help on the Web", "F1", Help, show(WebPage::mnuHelpWeb)},
+        {kHelp, "mnuHelpWeb", "&Help on the Web", "", Help, show(WebPage::mnuHelpWeb)},
         {kHelp, "mnuHelpFeatures", "Fea&tures", "", none, show(WebPage::mnuHelpFeatures)},
         {kHelp, "mnuTerms", "T&erms of Use", "", none, show(WebPage::mnuTerms)},
         {kHelp, ""},
@@ -92,6 +92,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kHelp, "mnuHelpTellFriend", "Tell a Frie&nd...", "", none, [this] { forms_->ShowTellFriend(); }},
         {kHelp, ""},
         {kHelp, "mnuHelpAbout", "&About Korvane", "", none, [this] { forms_->ShowAbout(); }},
+        {kHelp, "mnuHelpManual", "&Manual", "F1", Help, [this] { forms_->ShowManual(); }},
         {kTray, "mnuTraySettings", "&Open Korvane", "", none, [this] { mnuTraySettings_Click(); }},
         {kTray, ""},
         // A click changes the mark of these two, whatever the outcome.
@@ -122,7 +123,8 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
 }
 
 void frmMonitor::AttachEntryCommands() {
-    entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_);
+    entryCommands_ = std::make_unique<EntryCommands>(run_->TheDesk(), *commands_, *ListView1, *model_,
+                                                     [this](const std::string& id) { SelectMade(id); });
     entryFiles_ = std::make_unique<EntryFiles>(run_->TheDesk(), *commands_, *this);
     const auto enable = [this] { entryCommands_->Enable(actions_); };
     connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, enable);
@@ -222,9 +224,12 @@ void frmMonitor::cmdDeleteURL_Click() {
 
 void frmMonitor::cmdCopyPaste_Click() {
     const std::string copy = commands_->CopyURL(SelectedRow().Id());
-    if (copy.empty()) return;
-    LetBeSeen(copy);
-    SelectEntry(copy);
+    if (!copy.empty()) SelectMade(copy);
+}
+
+void frmMonitor::SelectMade(const std::string& id) {
+    LetBeSeen(id);
+    SelectEntry(id);
 }
 
 ServerRow frmMonitor::SelectedRow() const {

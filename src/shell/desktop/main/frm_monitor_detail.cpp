@@ -23,7 +23,7 @@ const struct {
     const char* command;
 } kLinks[] = {
     {"cmdDetailReport", "Report", "Report of the selected server", "Alt+7", "mnuEntryReport"},
-    {"cmdDetailResponse", "Last response", "Last response of the selected server", "Alt+8", "mnuEntryLastResponse"},
+    {"cmdDetailResponse", "Response", "Last response of the selected server", "Alt+8", "mnuEntryLastResponse"},
     {"cmdDetailRoute", "Traceroute", "Last route to the selected server", "Alt+9", "mnuEntryLastTraceroute"},
     {"cmdDetailCheck", "Check now", "Check the selected server now", "Alt+0", "mnuEntryCheckNow"},
 };

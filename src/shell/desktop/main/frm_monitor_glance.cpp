@@ -1,6 +1,7 @@
 // What the main window shows around its list: the bar with the filter, the notice that monitoring is stopped, the colours of the
 // status log, and what the list says when it is empty.
 #include <QBoxLayout>
+#include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScreen>
@@ -17,6 +18,8 @@ namespace {
 
 constexpr std::string_view kViewSection = "Window";
 constexpr std::string_view kProblemsFirstKey = "ListProblemsFirst";
+
+constexpr int kLeastTitle = 100;  ///< pixels by which a window can be moved
 
 constexpr const char* kNoServers = "No servers yet. Press Ctrl+N to add the first one.";
 constexpr const char* kNothingFound = "No server is found. Show All takes the filter off.";
@@ -39,7 +42,7 @@ void frmMonitor::BuildGlance(QBoxLayout& rows) {
     rows.insertWidget(rows.indexOf(ListView1), stopped_);
     rows.insertWidget(rows.indexOf(stopped_), bar_);
     aroundList_ = {bar_, stopped_};
-    statusColours_ = new StatusColours(*txtStatus);
+    new StatusColours(*txtStatus);  // belongs to its document
     // The window still has the screen that goes.
     connect(
         qApp, &QGuiApplication::screenRemoved, this, [this] { KeepOnScreen(); }, Qt::QueuedConnection);
@@ -73,6 +76,7 @@ void frmMonitor::BuildLogCommands(QLayout& row) {
     connect(txtStatus, &QWidget::customContextMenuRequested, this, [this, open](const QPoint& at) {
         QMenu* const menu = txtStatus->createStandardContextMenu();
         menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->addAction("Copy &Whole Log", this, [this] { QGuiApplication::clipboard()->setText(txtStatus->toPlainText()); });
         menu->addSeparator();
         menu->addAction("&Open Today's Log", this, open);
         menu->popup(txtStatus->mapToGlobal(at));
@@ -138,17 +142,19 @@ void frmMonitor::RememberView() {
     run_->TheDesk().settingsFile.Write(kViewSection, kProblemsFirstKey, storedProblemsFirst_);
 }
 
-// A screen may have gone since the window was placed: it comes back whole, with its title in sight.
+// A screen may have gone since the window was placed. A window whose title can be reached stays where it is, also across two
+// screens; another one comes back whole.
 void frmMonitor::KeepOnScreen() {
-    const QRect room = screen()->availableGeometry();
-    if (!WindowVisible() || isMaximized() || room.contains(frameGeometry())) return;
-    if (frameGeometry().width() > room.width()) SetWidth(Width());
-    if (frameGeometry().height() > room.height()) SetHeight(Height());
-    const QRect frame = frameGeometry();
-    const auto within = [](int at, int length, int from, int space) {
-        return std::max(from, std::min(at, from + space - length));
-    };
-    move(within(frame.x(), frame.width(), room.x(), room.width()), within(frame.y(), frame.height(), room.y(), room.height()));
+    const QRect title(frameGeometry().topLeft(), QSize(width(), 2 * fontMetrics().height()));
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    const bool isReachable = std::any_of(screens.begin(), screens.end(), [&](const QScreen* each) {
+        const QRect seen = each->availableGeometry().intersected(title);
+        return seen.width() >= std::min(title.width(), kLeastTitle) && seen.height() > fontMetrics().height() / 2;
+    });
+    if (!WindowVisible() || isMaximized() || isReachable) return;
+    SetWidth(Width());
+    SetHeight(Height());
+    move(HomePlace());
 }
 
 }  // namespace korvane

@@ -160,16 +160,18 @@ QLayout* frmMonitor::BuildProgress() {
 }
 
 void frmMonitor::BuildStatusBar() {
-    lblServers = Named(new QLabel("0"), "lblServers", "Number of servers");
+    lblServers = Named(new QLabel, "lblServers", "Number of servers");
+    lblServers->setText("0");  // after its name: what reads aloud asks for both only once
     lblCustomers = Named(new QLabel, "lblCustomers", "Number of companies");
     lblCustomers->setVisible(false);
-    lblMail = Named(new QLabel, "lblMail", "State of the mail");
+    lblMail = Named(new ElidedLabel, "lblMail", "State of the mail");
+    lblMail->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     lblMail->setVisible(false);
     lblTime = Named(new QLabel, "lblTime", "Time");
     statusBar()->addWidget(new QLabel("Servers:"));
     statusBar()->addWidget(lblServers);
     statusBar()->addWidget(lblCustomers);
-    statusBar()->addWidget(lblMail);
+    statusBar()->addWidget(lblMail, 1);
     statusBar()->addPermanentWidget(ResourceMarks());
     statusBar()->addPermanentWidget(lblTime);
 }

@@ -78,8 +78,13 @@ void frmMonitor::SetCustomerCount(int count) {
 void frmMonitor::SetMailState(const std::string& text, bool alarming) {
     mailState_ = text;
     lblMail->setText(Q(text));
+    lblMail->setToolTip(Q(text));
     lblMail->setStyleSheet(alarming ? "color: red" : "");
     lblMail->setVisible(!text.empty());
+}
+
+void frmMonitor::NoteOutage(const std::string& entry, bool isDown, const std::string& reason) {
+    if (OutageNotes::IsOn(run_->TheDesk().collection)) notes_.Add(entry, isDown, reason);
 }
 
 void frmMonitor::RefreshURLList() {
@@ -95,7 +100,9 @@ void frmMonitor::RefreshURLList() {
     }
     lblServers->setText(QString::number(rows.size()));
     desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
-    const std::size_t before = model_->All().size(), shownBefore = static_cast<std::size_t>(model_->rowCount());
+    const std::size_t before = model_->All().size();
+    const bool wasEmpty = model_->rowCount() == 0, hadSelection = ListView1->selectionModel()->hasSelection();
+    const int row = ListView1->currentIndex().row();
     model_->SetRows(std::move(rows));
     ShowCounts();
     if (model_->All().size() != before) {
@@ -103,7 +110,8 @@ void frmMonitor::RefreshURLList() {
         columns_->Fit();
     }
     ShowDetail();
-    if (shownBefore == 0) SelectRow(0);  // so that the keyboard has a row to start from
+    // The keyboard gets a row to start from, and after the last selected row has gone, the one that took its place.
+    if (wasEmpty || (hadSelection && !ListView1->selectionModel()->hasSelection())) SelectRow(std::max(row, 0));
 }
 
 // Only over this window: dialogs stay unchanged while a check runs in the background.

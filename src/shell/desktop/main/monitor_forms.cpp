@@ -10,8 +10,13 @@
 namespace korvane {
 
 MonitorForms::MonitorForms(Desk desk, QWidget& owner, std::function<void()> loadMonitors)
-    : desk_(std::move(desk)), owner_(owner), help_(desk_.pages), emails_(desk_.files, desk_.dir, std::move(loadMonitors)) {
+    : desk_(std::move(desk)),
+      owner_(owner),
+      help_(desk_.pages),
+      manual_(desk_.pages, desk_.dataDir),
+      emails_(desk_.files, desk_.dir, std::move(loadMonitors)) {
     help_.SetParent(&owner_);
+    manual_.SetParent(&owner_);
     desk_.pages.OnShow([this] { help_.Show(); });
 }
 

@@ -10,6 +10,7 @@
 
 #include "shell/desktop/settings/frm_options.h"
 #include "shell/desktop/small/frm_help.h"
+#include "shell/desktop/small/frm_manual.h"
 #include "shell/options/resource_emails.h"
 #include "shell/run/desk.h"
 #include "shell/setup/first_run.h"
@@ -26,6 +27,7 @@ public:
     /// Passed on to the settings dialog, if it is open.
     void SetStartMarks(bool mnuTrayNTService, bool mnuTrayStartup);
     void ShowAbout();
+    void ShowManual() { manual_.Show(); }
     void ShowFeedback();
     void ShowTellFriend();
 
@@ -41,6 +43,7 @@ private:
     Desk desk_;
     QWidget& owner_;
     HelpViewer help_;
+    ManualViewer manual_;
     ResourceEmailFiles emails_;
     std::map<std::string, QPointer<QDialog>> open_;
 };

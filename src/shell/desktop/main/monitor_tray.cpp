@@ -17,6 +17,7 @@ MonitorTray::MonitorTray(std::function<void()> open) {
     menu_.setObjectName("mnuTray");
     icon_.setContextMenu(&menu_);
     icon_.setIcon(TrayIcon(picture_));
+    QObject::connect(&icon_, &QSystemTrayIcon::messageClicked, &icon_, open);
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
                      [open = std::move(open)](QSystemTrayIcon::ActivationReason reason) {
                          if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) open();
@@ -51,6 +52,12 @@ void MonitorTray::SetStartMarks(bool hasServices, bool mnuTrayNTService, bool mn
     Action("mnuTrayNTService").setVisible(hasServices);
     Action("mnuTrayNTService").setChecked(mnuTrayNTService);
     Action("mnuTrayStartup").setChecked(mnuTrayStartup);
+}
+
+void MonitorTray::Notify(const std::string& title, const std::string& text, bool alarming) {
+    if (!Available()) return;
+    Show();
+    icon_.showMessage(Q(title), Q(text), alarming ? QSystemTrayIcon::Critical : QSystemTrayIcon::Information);
 }
 
 void MonitorTray::Modify() {

@@ -34,6 +34,8 @@ public:
     /// Adds the icon if the desktop does not have it, or removes it.
     void Show() { icon_.show(); }
     void Remove() { icon_.hide(); }
+    /// Shows the desktop's own notification, if there is a tray. A click on it is a click on the icon.
+    void Notify(const std::string& title, const std::string& text, bool alarming);
     /// Sends picture and tip to the desktop again, in case it has lost them.
     void Modify();
 

@@ -82,7 +82,10 @@ void ResourceForm::AddChoice(const char* name, const QString& label, const std::
     box->addItem("");
     for (const std::string& each : offered)
         box->addItem(Q(each));
-    connect(box, &QComboBox::currentTextChanged, this, [&text](const QString& chosen) { text = S(chosen); });
+    connect(box, &QComboBox::currentTextChanged, this, [this, &text](const QString& chosen) {
+        text = S(chosen);
+        ShowFigures();
+    });
     choices_.emplace_back(box, &text);
     auto* row = new QHBoxLayout;
     row->addWidget(box);
@@ -92,7 +95,10 @@ void ResourceForm::AddChoice(const char* name, const QString& label, const std::
 
 void ResourceForm::AddMark(const char* name, const QString& text, bool& on) {
     QCheckBox* mark = NewMark(name, text, fraSettings_);
-    connect(mark, &QCheckBox::toggled, this, [&on](bool checked) { on = checked; });
+    connect(mark, &QCheckBox::toggled, this, [this, &on](bool checked) {
+        on = checked;
+        ShowFigures();
+    });
     marks_.emplace_back(mark, &on);
     form_->addRow(mark);
 }

@@ -77,6 +77,9 @@ private:
     bool leftForMessage_ = false;
 };
 
+/// Creates the window on the services, hidden; the arguments must outlive it.
+std::unique_ptr<ResourceForm> NewServiceForm(const MonitorPorts& ports, Services& services);
+
 /// Creates the window of one of the resources, hidden; all arguments must outlive it.
 std::unique_ptr<ResourceForm> NewResourceForm(ResourceMonitor monitor, const MonitorPorts& ports, Events& events,
                                               const SystemInfo& system, Services& services);

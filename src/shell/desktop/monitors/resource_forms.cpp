@@ -1,17 +1,14 @@
-// The four windows on this machine's own resources: what each of them shows, and the settings of its alert.
+// The windows on processors, disks and memory: what each of them shows, and the settings of its alert.
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QProgressBar>
 #include <QRadioButton>
-#include <QTableWidget>
+#include <optional>
 
 #include "resources/cpu_monitor.h"
 #include "resources/disk_monitor.h"
 #include "resources/memory_monitor.h"
-#include "resources/service_monitor.h"
+#include "shell/desktop/monitors/level_bar.h"
 #include "shell/desktop/monitors/load_chart.h"
 #include "shell/desktop/monitors/resource_form.h"
 #include "shell/desktop/toolkit/form_inputs.h"
@@ -23,9 +20,13 @@ namespace {
 constexpr double kLoadSize = 1.8;  ///< times the size of the window's font
 const std::vector<std::string> kMinutes{"1", "2", "5", "10"};
 
-enum ServiceColumn { Name, Monitored, Status, Previous, Columns };
-constexpr int kProportions[Columns] = {3000, 600, 2000, 2000};
-constexpr int kRowsSeen = 18;
+/// Returns the level of the alert; nothing while there is none.
+template <class Monitor>
+std::optional<int> LevelOf(const Monitor& monitor) {
+    bool isNumber = false;
+    const int level = Q(monitor.cboAlert).toInt(&isNumber);
+    return isNumber && level > 0 && level <= 100 && !monitor.ckDisable ? std::optional(level) : std::nullopt;
+}
 
 /// The percentage, and a chart of its last samples.
 class frmCPUMonitor : public ResourceForm {
@@ -36,7 +37,7 @@ public:
         QFont large = font();
         large.setPointSizeF(large.pointSizeF() * kLoadSize);
         lblLoad_->setFont(large);
-        picChart_ = new LoadChart(this);
+        picChart_ = new LoadChart("5 minutes ago", this);
         picChart_->setObjectName("picChart");
         picChart_->setAccessibleName("CPU load of the last five minutes");
         AddFigures(lblLoad_, picChart_);
@@ -53,6 +54,7 @@ private:
         lblLoad_->setText(load.empty() ? QString("-") : Q(load));
         lblLoad_->setToolTip(load.empty() ? QString() : Q("Sampled at " + monitor_.SampledAt().Text()));
         picChart_->SetSamples(monitor_.History());
+        picChart_->SetLevel(monitor_.cboDuration.empty() ? std::nullopt : LevelOf(monitor_));  // without one nothing is mailed
     }
 
     CpuMonitor monitor_;
@@ -70,7 +72,7 @@ public:
         lblUsed_ = AddFigure("Used:", "lblUsed", "Used " + what);
         lblAvailable_ = AddFigure("Available:", "lblAvailable", "Available " + what);
         lblShare_ = NewFigure("lblShare", "Available share of the " + what, this);
-        pbShare_ = new QProgressBar(this);
+        pbShare_ = new LevelBar(this);
         pbShare_->setObjectName("pbShare");
         pbShare_->setAccessibleName(lblShare_->accessibleName());
         pbShare_->setRange(0, 100);
@@ -89,6 +91,9 @@ public:
         pbShare_->setValue(percent);
     }
 
+    /// The level below which the alert is sent.
+    void SetLevel(std::optional<int> percent) { pbShare_->SetLevel(percent, "The alert is below %1 percent."); }
+
     /// Adds one more row below.
     void AddRow(const QString& caption, QWidget* content) { rows_->addRow(caption, content); }
 
@@ -103,7 +108,7 @@ private:
     QLabel* lblTotal_;
     QLabel* lblUsed_;
     QLabel* lblAvailable_;
-    QProgressBar* pbShare_;
+    LevelBar* pbShare_;
     QLabel* lblShare_;
 };
 
@@ -147,6 +152,7 @@ private:
         const DiskMonitor::Figures& now = monitor_.Shows();
         const std::string share = now.lblShare.empty() ? "No local fixed disk was found." : now.lblShare;
         figures_->SetFigures(now.lblTotal, now.lblUsed, now.lblAvailable, share, static_cast<int>(now.percent));
+        figures_->SetLevel(LevelOf(monitor_));
     }
 
     DiskMonitor monitor_;
@@ -178,97 +184,6 @@ private:
     SpaceFigures* figures_;
 };
 
-/// The services: a grid with a row for each, in which the watched ones are marked.
-class frmSvcMon : public ResourceForm {
-public:
-    frmSvcMon(const MonitorPorts& ports, Services& services)
-        : ResourceForm("frmSvcMon", "Korvane Service Monitor"), monitor_(ports, services) {
-        lblWhyNot_ = NewFigure("lblWhyNot", "Why there are no services", this);
-        lblWhyNot_->setWordWrap(true);
-        grdSvc_ = NewGrid();
-        AddFigures(lblWhyNot_, grdSvc_);
-        AddMark("ckRestart", "Notify when service &restarts after failure", monitor_.ckRestart);
-        AddAlert("Service");
-    }
-
-    ServiceMonitor& Monitor() override { return monitor_; }
-
-protected:
-    // The space key acts like a click.
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        const bool isKey = watched == grdSvc_ && event->type() == QEvent::KeyPress;
-        if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Space) return ResourceForm::eventFilter(watched, event);
-        if (grdSvc_->currentRow() >= 0) monitor_.ClickMonitor(static_cast<std::size_t>(grdSvc_->currentRow()));
-        return true;
-    }
-
-private:
-    QTableWidget* NewGrid() {
-        auto* grid = new QTableWidget(1, Columns, this);
-        grid->setObjectName("grdSvc");
-        grid->setAccessibleName("Services");
-        grid->setHorizontalHeaderLabels({"Service Name", "Monitor", "Status", "Prev.Status"});
-        grid->verticalHeader()->hide();
-        grid->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-        grid->horizontalHeader()->setHighlightSections(false);
-        grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        grid->setSelectionMode(QAbstractItemView::SingleSelection);
-        grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-        grid->setTabKeyNavigation(false);
-        grid->setWordWrap(false);
-        grid->setAlternatingRowColors(true);
-        const int narrowest = grid->horizontalHeader()->sectionSizeHint(Monitored);
-        int width = 0;
-        for (int column = 0; column < Columns; ++column) {
-            grid->setColumnWidth(column, kProportions[column] * narrowest / kProportions[Monitored]);
-            width += grid->columnWidth(column);
-        }
-        grid->setMinimumSize(width / 2, grid->rowHeight(0) * 4);
-        resize(width + 8 * fontMetrics().averageCharWidth(), grid->rowHeight(0) * kRowsSeen);
-        connect(grid, &QTableWidget::cellClicked, this, [this](int row, int column) {
-            if (column == Monitored) monitor_.ClickMonitor(static_cast<std::size_t>(row));
-        });
-        grid->installEventFilter(this);
-        return grid;
-    }
-
-    void SetCell(int row, int column, const QString& text) {
-        QTableWidgetItem* cell = grdSvc_->item(row, column);
-        if (cell == nullptr) {
-            cell = new QTableWidgetItem;
-            grdSvc_->setItem(row, column, cell);
-        }
-        if (cell->text() != text) cell->setText(text);
-    }
-
-    void ShowRow(int row, const ServiceMonitor::Row& service) {
-        SetCell(row, Name, Q(service.name));
-        SetCell(row, Monitored, "");
-        grdSvc_->item(row, Monitored)->setCheckState(service.watched ? Qt::Checked : Qt::Unchecked);
-        // The monitor decides the effect of a click.
-        grdSvc_->item(row, Monitored)->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-        SetCell(row, Status, Q(service.status));
-        SetCell(row, Previous, Q(service.previous));
-    }
-
-    void ShowFigures() override {
-        lblWhyNot_->setText(Lines(monitor_.WhyNoServices()));
-        lblWhyNot_->setVisible(!monitor_.WhyNoServices().empty());
-        const std::vector<ServiceMonitor::Row>& services = monitor_.Rows();
-        const int count = static_cast<int>(services.size());
-        if (grdSvc_->rowCount() != count + 1) {
-            grdSvc_->setRowCount(0);
-            grdSvc_->setRowCount(count + 1);
-        }
-        for (int row = 0; row < count; ++row)
-            ShowRow(row, services[static_cast<std::size_t>(row)]);
-    }
-
-    ServiceMonitor monitor_;
-    QTableWidget* grdSvc_;
-    QLabel* lblWhyNot_;
-};
-
 }  // namespace
 
 std::unique_ptr<ResourceForm> NewResourceForm(ResourceMonitor monitor, const MonitorPorts& ports, Events& events,
@@ -281,7 +196,7 @@ std::unique_ptr<ResourceForm> NewResourceForm(ResourceMonitor monitor, const Mon
         case ResourceMonitor::Memory:
             return std::make_unique<frmMemoryMon>(ports, events, system);
         case ResourceMonitor::Services:
-            return std::make_unique<frmSvcMon>(ports, services);
+            return NewServiceForm(ports, services);
     }
     return nullptr;
 }

@@ -19,8 +19,9 @@ frmOptions::frmOptions(const Desk& desk, ResourceEmailFiles& emails, QWidget* pa
     cmdCheckVersion_ = AddStatusAndButtons(
         {"cmdCheckVersion", "Check for New &Version...", "Asks whether there is a newer version of Korvane."},
         [this] { cmdCheckVersion_Click(); }, [this] { cmdOk_Click(); });
-    ConnectTyping();
+    setTabOrder(findChild<QWidget*>("cmdCancel"), findChild<QWidget*>("ckDesktopNotes"));  // the others keep their places
     WatchForHelp();
+    ConnectTyping();
     Form_Load();
 }
 

@@ -2,9 +2,11 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "shell/desktop/settings/frm_global_email.h"
 #include "shell/desktop/settings/frm_options.h"
@@ -20,7 +22,9 @@ void frmOptions::AddPages() {
     AddServicePage();
     AddResetsPage();
     AddSafeguardsPage();
-    tabPages_->setMinimumWidth(tabPages_->tabBar()->sizeHint().width());  // so that no tab needs the scroll buttons
+    // Wide enough for all tabs without scroll buttons, if the screen is.
+    const int room = screen()->availableGeometry().width() - 4 * fontMetrics().height();
+    tabPages_->setMinimumWidth(std::min(tabPages_->tabBar()->sizeHint().width(), room));
 }
 
 void frmOptions::AddMonitoringPage() {
@@ -80,6 +84,7 @@ void frmOptions::AddReportsPage() {
     AddAlert(AddGroup(page, "Red alert"), &OptionsFields::bRedAlert, &OptionsFields::RedAlertWav,
              {"cmdRedAlertWav", "Br&owse...", "Looks for the wave file on your disk.", "Browse for the sound of the red alert"},
              {"cmdTestRedAlert", "P&lay", "Plays the sound now.", "Play the sound of the red alert"});
+    AddGroup(page, "Desktop").addRow(inputs_.AddMark(&OptionsFields::DesktopNotes, this));
     page.addStretch();
 }
 

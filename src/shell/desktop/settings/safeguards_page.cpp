@@ -60,8 +60,10 @@ void SafeguardsPage::AddTo(QVBoxLayout& page) {
 }
 
 void SafeguardsPage::Fill(const SafeguardValues& values) {
-    for (const auto& [key, mark] : marks_)
+    for (const auto& [key, mark] : marks_) {
+        const QSignalBlocker quiet(mark);
         mark->setChecked(values.at(key) == kOn);
+    }
     for (const auto& [key, box] : boxes_) {
         box->setText(Q(values.at(key)));
         box->setCursorPosition(0);

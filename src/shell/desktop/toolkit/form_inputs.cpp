@@ -38,8 +38,8 @@ void Mark(Box& box, const QString& kind, const QString& why) {
 
 }  // namespace
 
-QColor MarkColour(const QPalette& palette) {
-    return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < 128 ? 255 : 200);
+bool IsRefused(const QWidget& input) {
+    return input.property(kDescription).isValid();
 }
 
 QLineEdit* NewBox(const char* name, const QString& accessibleName, QWidget* page) {

@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "shell/desktop/look/decoration.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/entry/form_input.h"
 
@@ -48,12 +49,11 @@ void Describe(QWidget& input, const Control& control);
 /// Returns the status line's text about an input; empty if it has none. A refusal does not change it.
 QString HelpOn(const QObject& input);
 
-/// Returns a red that is visible on the background of boxes and lists.
-QColor MarkColour(const QPalette& palette);
-
 /// Shows that the text of the box was refused and why, until it is changed. The box gets the focus, with its text selected.
 void MarkRefused(QLineEdit& box, const QString& why);
 void MarkRefused(QPlainTextEdit& box, const QString& why);
+/// Returns whether it has such a mark.
+bool IsRefused(const QWidget& input);
 /// Does nothing for a box without a mark.
 void TakeMarkAway(QLineEdit& box);
 void TakeMarkAway(QPlainTextEdit& box);

@@ -5,8 +5,10 @@
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "base/raised_flag.h"
 #include "shell/desktop/toolkit/form_inputs.h"
@@ -67,7 +69,14 @@ void FormDialog::SetStatus(std::string_view text) {
 
 void FormDialog::WatchForHelp() {
     for (QWidget* input : findChildren<QWidget*>()) {
-        if (!HelpOn(*input).isEmpty()) input->installEventFilter(this);
+        if (HelpOn(*input).isEmpty()) continue;
+        input->installEventFilter(this);
+        auto* const mark = qobject_cast<QAbstractButton*>(input);
+        if (mark == nullptr || !mark->isCheckable()) continue;
+        connect(mark, &QAbstractButton::toggled, this, [this, mark](bool on) {
+            const bool isChosen = on || !mark->autoExclusive();
+            if (!loading_ && isChosen && mark->isVisible() && !mark->hasFocus()) mark->setFocus();
+        });
     }
 }
 
@@ -79,6 +88,7 @@ bool FormDialog::eventFilter(QObject* watched, QEvent* event) {
 
 TabbedDialog::TabbedDialog(const char* name, const QString& title, QWidget* parent)
     : FormDialog(name, title, parent), tabPages_(new QTabWidget(this)) {
+    loading_ = true;
     setSizeGripEnabled(true);
     tabPages_->setObjectName("tabPages");
     tabPages_->setAccessibleName("Pages of settings");
@@ -139,6 +149,22 @@ void TabbedDialog::ShowPageOf(QWidget* input) {
         ++page;
     tabPages_->setCurrentIndex(page);
     static_cast<ScrolledPage*>(tabPages_->widget(page))->ensureWidgetVisible(input);
+}
+
+// The mark of a refused input is a property of it.
+bool TabbedDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::DynamicPropertyChange) MarkRefusedPages();
+    return FormDialog::eventFilter(watched, event);
+}
+
+void TabbedDialog::MarkRefusedPages() {
+    QTabBar& bar = *tabPages_->tabBar();
+    for (int page = 0; page < bar.count(); ++page) {
+        const auto inputs = tabPages_->widget(page)->findChildren<QWidget*>();
+        const bool isRefused = std::ranges::any_of(inputs, [](const QWidget* input) { return IsRefused(*input); });
+        bar.setTabTextColor(page, isRefused ? MarkColour(palette()) : QColor());
+        bar.setTabToolTip(page, isRefused ? "A field on this page is refused." : "");
+    }
 }
 
 // Showing a dialog focuses its first input, which must not replace the initial text of the status line.

@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QString>
 #include <functional>
 #include <string_view>
@@ -26,7 +27,11 @@ public:
     explicit ScrolledPage(QWidget* page);
 
     QSize sizeHint() const override { return widget()->sizeHint(); }
-    QSize minimumSizeHint() const override { return {widget()->minimumSizeHint().width(), fontMetrics().height() * 6}; }
+    /// With room for the vertical scroll bar.
+    QSize minimumSizeHint() const override {
+        const int bar = verticalScrollBar()->sizeHint().width();
+        return {widget()->minimumSizeHint().width() + bar, fontMetrics().height() * 6};
+    }
 };
 
 /// Window-modal, shown with open(); deleted when it is closed.
@@ -44,13 +49,15 @@ protected:
     void AddStatus(int lines);
     void SetStatus(std::string_view text);
 
-    /// From now on every existing input shows its help in the status line when it gets the focus.
+    /// From now on every existing input shows its help in the status line when it gets the focus, and a mark or choice gets the
+    /// focus when it is changed by other means than mouse and keys. Must be called before other handlers of changes are connected.
     void WatchForHelp();
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     QVBoxLayout* content_;
     ReadingText* txtStatus_ = nullptr;
     bool showing_ = false;  ///< the focus does not change the status line
+    bool loading_ = false;  ///< the dialog is being filled, and the handlers of changes do nothing
 };
 
 /// Its pages scroll if the screen is too small for them.
@@ -80,10 +87,13 @@ protected:
     /// Returns whether it has been closed: commands that waited then end without a message.
     bool IsClosed() const { return closed_; }
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     QTabWidget* tabPages_;
-    bool loading_ = true;  ///< the dialog is being filled, and the handlers of changes do nothing
 
 private:
+    void MarkRefusedPages();
+
     bool closed_ = false;
 };
 
