@@ -67,10 +67,19 @@ std::string HostOfRedirect(const std::string& base, const std::string& location)
     return host;
 }
 
-/// RFC 3986, section 3.2.2: an IPv6 address stands in brackets.
-bool IsAddress(const std::string& host) {
-    std::array<unsigned char, 16> bytes{};
-    return host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1;
+std::size_t EndOfHost(std::string_view url) {
+    const auto scheme = url.find("://");
+    const auto end = url.find_first_of("/?#", scheme == std::string_view::npos ? 0 : scheme + 3);
+    return end == std::string_view::npos ? url.size() : end;
+}
+
+/// Returns whether the host of a URL, or of "host:port", is a name. RFC 3986, section 3.2.2: an IPv6 address stands in brackets.
+bool NamesHost(std::string url) {
+    url.resize(EndOfHost(url));
+    if (const auto before = url.find_last_of("/@"); before != std::string::npos) url.erase(0, before + 1);
+    if (url.starts_with('[')) return false;
+    std::array<unsigned char, 4> bytes{};
+    return ::inet_pton(AF_INET, url.substr(0, url.find(':')).c_str(), bytes.data()) != 1;
 }
 
 bool IsHashName(std::string_view name) {
@@ -132,12 +141,6 @@ private:
     std::string bytes_;
 };
 
-std::size_t EndOfHost(std::string_view url) {
-    const auto scheme = url.find("://");
-    const auto end = url.find_first_of("/?#", scheme == std::string_view::npos ? 0 : scheme + 3);
-    return end == std::string_view::npos ? url.size() : end;
-}
-
 struct EasyCleanup {
     void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
 };
@@ -153,7 +156,7 @@ public:
         SetPrivacy();
         SetReceivers();
         SetRedirects(request.Redirects);
-        if (request.phases != nullptr) Measure(request);
+        if (request.phases != nullptr) Measure();
         if (!options.userAgent.empty()) Set(CURLOPT_USERAGENT, options.userAgent.c_str());
         SetTrust(options.caBundle, trustFolder);
     }
@@ -168,7 +171,11 @@ public:
 
     /// Called at the end of the transfer.
     void GivePhases(const Inet::Request& request, int result) const {
-        if (phases_) *request.phases = phases_->Measured(result);
+        if (!phases_) return;
+        const char* last = nullptr;
+        curl_easy_getinfo(Handle(), CURLINFO_EFFECTIVE_URL, &last);
+        const bool named = request.AccessType == InetAccess::NamedProxy;
+        *request.phases = phases_->Measured(result, NamesHost(named ? request.Proxy : last == nullptr ? "" : last));
     }
 
     /// Nobody will call TakeText: the page is not kept.
@@ -254,10 +261,8 @@ private:
         Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     }
 
-    void Measure(const Inet::Request& request) {
-        const std::string target = EncodeUrl(request.AccessType == InetAccess::NamedProxy ? request.Proxy : request.URL);
-        const std::string url = Holds(target, "://") ? target : "http://" + target;
-        phases_.emplace(Handle(), !IsAddress(HostOfRedirect(url, url)));
+    void Measure() {
+        phases_.emplace(Handle());
         ReadHeaders();
     }
 

@@ -15,6 +15,13 @@ using Duration = CheckPhases::Duration;
 constexpr CURLINFO kSums[] = {CURLINFO_NAMELOOKUP_TIME_T, CURLINFO_CONNECT_TIME_T, CURLINFO_APPCONNECT_TIME_T,
                               CURLINFO_STARTTRANSFER_TIME_T};
 
+// Another TLS library would hand out contexts of its own. Asking takes libcurl longer than all the rest here.
+bool UsesOpenSsl() {
+    static const char* const library = curl_version_info(CURLVERSION_NOW)->ssl_version;
+    static const bool uses = library != nullptr && std::string_view(library).starts_with("OpenSSL/");
+    return uses;
+}
+
 // The place in a TLS context where its CurlPhases is found again.
 int OwnIndex() {
     static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
@@ -40,10 +47,8 @@ std::optional<DateTime> InLocalTime(std::int64_t seconds) {
 
 }  // namespace
 
-CurlPhases::CurlPhases(void* easy, bool looksUp) : easy_(easy), looksUp_(looksUp) {
-    // Another TLS library would hand out contexts of its own.
-    const char* const library = curl_version_info(CURLVERSION_NOW)->ssl_version;
-    if (library == nullptr || !std::string_view(library).starts_with("OpenSSL/")) return;
+CurlPhases::CurlPhases(void* easy) : easy_(easy) {
+    if (!UsesOpenSsl()) return;
     constexpr auto onTlsBegins = +[](CURL*, void* tlsContext, void* self) {
         static_cast<CurlPhases*>(self)->WatchCertificates(tlsContext);
         return CURLE_OK;
@@ -107,7 +112,7 @@ std::int64_t CurlPhases::ConnectedBeforeTls() const {
     return tlsBegan_ && tlsBegan_->count() > redirected ? tlsBegan_->count() - redirected : 0;
 }
 
-CheckPhases CurlPhases::Measured(int result) const {
+CheckPhases CurlPhases::Measured(int result, bool looksUp) const {
     const Sums& before = Redirects() == redirects_ ? before_ : answered_;
     Sums sums = SumsNow();
     if (sums[Connect] == before[Connect]) sums[Connect] += ConnectedBeforeTls();
@@ -120,7 +125,7 @@ CheckPhases CurlPhases::Measured(int result) const {
         reached = at;
         return took;
     };
-    if (looksUp_) phases.name = phase(Name);
+    if (looksUp) phases.name = phase(Name);
     phases.connect = phase(Connect);
     phases.tls = phase(Tls);
     phases.firstByte = phase(FirstByte);

@@ -13,16 +13,16 @@ namespace korvane {
 
 class CurlPhases {
 public:
-    /// `easy` is a CURL handle. `looksUp`: whether it goes to a name, not to an address.
-    CurlPhases(void* easy, bool looksUp);
+    /// `easy` is a CURL handle.
+    explicit CurlPhases(void* easy);
     CurlPhases(const CurlPhases&) = delete;
     CurlPhases& operator=(const CurlPhases&) = delete;
 
     /// Called with each line of the headers.
     void OnHeader(std::string_view line);
 
-    /// Called at the end of the transfer with its CURLcode. Throws nothing.
-    CheckPhases Measured(int result) const;
+    /// Called at the end of the transfer with its CURLcode. `looksUp`: whether the last request went to a name, not to an address.
+    CheckPhases Measured(int result, bool looksUp) const;
 
 private:
     enum Moment { Name, Connect, Tls, FirstByte, kMoments };
@@ -36,7 +36,6 @@ private:
     std::int64_t ConnectedBeforeTls() const;
 
     void* const easy_;
-    const bool looksUp_;
     long redirects_ = 0;  ///< before the request of the last headers
     Sums answered_{};     ///< when they came
     Sums before_{};       ///< at the end of the request before it
