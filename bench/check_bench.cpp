@@ -130,11 +130,13 @@ struct Machine {
                         [](const Notification&) { return SendOutcome{}; }, database.TheStore(), database.DriverString()}};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
-    AlertPath alertPath{safeguards, settings};
+    AlertPath alertPath{{safeguards, settings, files, clock}, database.Folder()};
     MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, person, status, log, settings, safeguards,
                        database.Folder(), [] { return std::string("bench"); }, alertPath, [] {}}};
-    OutcomeAccounting accounting{
-        {database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network, safeguards, outbox}};
+    CheckKeeper keeper{
+        {database.TheStore(), clock, status, log, settings, outbox, [](const Notification&) { return SendOutcome{}; }}};
+    OutcomeAccounting accounting{{database.TheStore(), clock, events, person, sound, status, log, settings, ids, actions, network,
+                                  safeguards, outbox, keeper}};
     RecordingServiceManager manager;
     StoreAlarm alarm{{person, status, log, manager}};
     KeptAccounts kept{{database.TheStore(), clock, log, ids, safeguards, database.DriverString()}};
@@ -160,7 +162,8 @@ struct Machine {
                         safeguards,
                         badEntries,
                         kept,
-                        blind}};
+                        blind,
+                        keeper}};
     int count = 0;
     int checked = 0;
 };
@@ -222,6 +225,17 @@ void HttpCheck(benchmark::State& state) {
     machine.ExpectAllPassed(state);
 }
 BENCHMARK(HttpCheck)->Arg(0)->Arg(2)->Arg(3);
+
+/// Without and with the phases of the check kept.
+void HttpCheckMeasured(benchmark::State& state) {
+    LoopbackServer server(AnswerHttp(HttpAnswer(kPage)));
+    Machine machine(100, HttpEntry(std::to_string(server.Port())));
+    if (state.range(0) != 0) machine.settings.setKvSettingsColValue("KeepPhases", "True");
+    for (auto _ : state)
+        machine.Check(state);
+    machine.ExpectAllPassed(state);
+}
+BENCHMARK(HttpCheckMeasured)->Arg(0)->Arg(1);
 
 /// The part of such a check that the questions to so many addresses are, before one that passes.
 void OwnNetworkQuestion(benchmark::State& state) {

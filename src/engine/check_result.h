@@ -5,13 +5,15 @@
 #include <chrono>
 #include <string>
 
+#include "platform/check_phases.h"
 #include "platform/connection.h"
 
 namespace korvane {
 
 struct CheckResult {
-    std::string response;   ///< what the server said; empty when there is nothing to show
-    std::string strReason;  ///< why the check failed; empty means success
+    std::string response;     ///< what the server said; empty when there is nothing to show
+    std::string strReason;    ///< why the check failed; empty means success
+    CheckPhases phases = {};  ///< what was measured; of a web page only when it was asked for
 };
 
 struct TimedCheckResult : CheckResult {

@@ -35,19 +35,6 @@ bool IsBlank(const std::string& text) {
     return Trim(text).empty();
 }
 
-// The up notice continues with what can be read.
-std::string TextOrEmpty(Recordset& rs, const char* column) {
-    std::string text;
-    IgnoreErrors([&] { text = ColumnText(rs, column); });
-    return text;
-}
-
-bool IsSet(Recordset& rs, const char* column, bool otherwise) {
-    bool set = otherwise;
-    IgnoreErrors([&] { set = rs.Fields(column).Value().Bool(); });
-    return set;
-}
-
 std::int64_t NumberOrZero(Recordset& rs, const char* column) {
     std::int64_t number = 0;
     IgnoreErrors([&] { number = rs.Fields(column).Value().Int64(); });

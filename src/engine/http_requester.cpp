@@ -90,7 +90,7 @@ TimedCheckResult HttpRequester::getURLData2(const Request& request) {
     if (!inets_[0]) return {{.response = "", .strReason = "Reason 'No transfer object'"}, 0ms};
     Inet& slot = *inets_[static_cast<std::size_t>(getOpenInetIndex())];
     const bool statusCounts = request.goodStatuses && ports_.safeguards.IsOn(kHttpStatusFails);
-    TimedCheckResult result = Fetch(slot, TransferOf(request), statusCounts ? 1 : kMostAttempts);
+    TimedCheckResult result = Fetch(slot, TransferOf(request), statusCounts ? 1 : kMostAttempts, request.measured);
     const int status = slot.ResponseCode();
     IgnoreErrors([&] { slot.Cancel(); });
     if (statusCounts) JudgeStatus(request, status, result);
@@ -124,10 +124,11 @@ Inet::Request HttpRequester::TransferOf(const Request& request) const {
     return transfer;
 }
 
-TimedCheckResult HttpRequester::Fetch(Inet& slot, const Inet::Request& transfer, int attempts) {
+TimedCheckResult HttpRequester::Fetch(Inet& slot, Inet::Request transfer, int attempts, bool measured) {
     const RequestProgress::Request running(ports_.progress);
     WaitFor(ports_.events, ports_.clock, kSettleLimit, [&] { return !slot.StillExecuting(); });
     TimedCheckResult result;
+    if (measured) transfer.phases = &result.phases;
     std::optional<std::string> error;  // it counts even when a later attempt gets an answer
     for (int n = 0; n < attempts && result.response.empty() && result.nResponseMs < kHiccupLimit; ++n) {
         const auto start = ports_.clock.GetTickCount();

@@ -87,6 +87,7 @@ public:
         /// Returns the entry's own list of statuses that count as good; called only when it is needed, and its errors are passed
         /// on. Empty when no entry is checked: then no safeguard applies.
         std::function<std::string()> goodStatuses = {};
+        bool measured = false;  ///< the result gets the phases of its last attempt
     };
 
     explicit HttpRequester(const Ports& ports) : ports_(ports) {}
@@ -107,7 +108,7 @@ public:
 
 private:
     Inet::Request TransferOf(const Request& request) const;
-    TimedCheckResult Fetch(Inet& slot, const Inet::Request& transfer, int attempts);
+    TimedCheckResult Fetch(Inet& slot, Inet::Request transfer, int attempts, bool measured);
     void JudgeStatus(const Request& request, int status, CheckResult& result);
 
     Ports ports_;

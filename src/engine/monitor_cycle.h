@@ -8,6 +8,7 @@
 
 #include "engine/bad_entries.h"
 #include "engine/blind_alarm.h"
+#include "engine/check_keeper.h"
 #include "engine/collaborators.h"
 #include "engine/cycle_state.h"
 #include "engine/http_requester.h"
@@ -53,6 +54,7 @@ public:
         BadEntries& badEntries;
         KeptAccounts& kept;
         BlindAlarm& blind;
+        CheckKeeper& keeper;
     };
 
     explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}

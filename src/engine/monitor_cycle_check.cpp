@@ -26,6 +26,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
     const TimedCheckResult result =
         isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
+    ports_.keeper.Take(rs, result);
     tick.strReason = result.strReason;
     rs.Fields("strLastResponse") = WithoutControls(Left(result.response, kMostStoredCharacters));
 
@@ -60,6 +61,7 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
         .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = PortOf(rs),
         .goodStatuses = [&] { return ports_.ofEntries.Read(rs.Fields("ID").Value().Int64(), kHttpStatusGood); },
+        .measured = ports_.keeper.Wanted(),
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);

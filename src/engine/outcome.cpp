@@ -98,16 +98,23 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::
 }
 
 void OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) {
-    if (!ports_.outbox.HasUnwritten()) return rs.Update();
+    ports_.keeper.Prepare(rs, conn);
+    if (!ports_.outbox.HasUnwritten() && !ports_.keeper.HasUnwritten()) return rs.Update();
     conn.BeginTrans();
     try {
         rs.Update();
         ports_.outbox.WriteWith(conn);
+        ports_.keeper.WriteWith(conn);
     } catch (const std::exception&) {
         IgnoreErrors([&] { ports_.outbox.Commit(conn); });
         throw;
     }
+    Commit(conn);
+}
+
+void OutcomeAccounting::Commit(Connection& conn) {
     ports_.outbox.Commit(conn);
+    ports_.keeper.Committed();
 }
 
 std::int32_t OutcomeAccounting::AddOne(Recordset& rs, std::string_view column) {
@@ -202,19 +209,21 @@ void OutcomeAccounting::Record(Recordset& rs, Connection& conn, OwedFailure& owe
 // the other.
 void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed) {
     bool counted = false;
+    ports_.keeper.Prepare(rs, conn);
     conn.BeginTrans();
     try {
         rs.Update();
         counted = true;
         ports_.outbox.WriteWith(conn);
         AddFailureRow(rs, conn, *owed.row);
+        ports_.keeper.WriteWith(conn);
     } catch (const std::exception&) {
         const bool kept = IgnoreErrors([&] { ports_.outbox.Commit(conn); });
         if (counted && !kept) owed.row.reset();
         throw;
     }
     owed.uncommitted = std::exchange(owed.row, std::nullopt);  // if this fails, neither was written, and the entry is still due
-    ports_.outbox.Commit(conn);
+    Commit(conn);
     owed.uncommitted.reset();
 }
 

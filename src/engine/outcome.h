@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/check_keeper.h"
 #include "engine/collaborators.h"
 #include "engine/once_an_outage.h"
 #include "engine/own_network.h"
@@ -70,13 +71,14 @@ public:
         OwnNetwork& network;
         Safeguards& safeguards;
         MailOutbox& outbox;
+        CheckKeeper& keeper;
     };
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
 
     /// Both work on the open Recordset, whose current row is the entry that was checked, and update it. An error in one step of
-    /// DoSuccess does not affect the other steps. Mails that the actions handed to the outbox are written in the transaction of the
-    /// entry's row.
+    /// DoSuccess does not affect the other steps. Mails that the actions handed to the outbox, and what the check measured, are
+    /// written in the transaction of the entry's row.
     void DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs);
 
     /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
@@ -104,6 +106,7 @@ private:
     bool IsExcused(Recordset& rs, const std::string& strReason, OwedFailure& owed);
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     void UpdateWithMails(Recordset& rs, Connection& conn);
+    void Commit(Connection& conn);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
 

@@ -25,6 +25,7 @@ CheckResult PingChecker::DoPingRequest(const std::string& strServer, std::int16_
     const auto ms = (ports_.clock.GetTickCount() - start).count();
 
     CheckResult result;
+    if (code != kPingNoHandle && code != kPingNotAnAddress) result.phases.whole = std::chrono::milliseconds(ms);
     if (ms <= nLimitMs && code >= 0 && pingReason.empty()) {
         result.response =
             "Ping Success to " + strServer + ". Took " + std::to_string(ms) + " ms. (<" + std::to_string(nLimitMs) + " ms).";

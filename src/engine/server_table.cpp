@@ -1,5 +1,6 @@
 #include "engine/server_table.h"
 
+#include "base/ignore_errors.h"
 #include "base/text.h"
 
 namespace korvane {
@@ -46,6 +47,18 @@ CheckKind CheckKindOf(std::string_view strType) {
     if (type == "https") return CheckKind::Https;
     if (type == "ping") return CheckKind::Ping;
     return CheckKind::Tcp;
+}
+
+std::string TextOrEmpty(Recordset& rs, const char* column) {
+    std::string text;
+    IgnoreErrors([&] { text = ColumnText(rs, column); });
+    return text;
+}
+
+bool IsSet(Recordset& rs, const char* column, bool otherwise) {
+    bool set = otherwise;
+    IgnoreErrors([&] { set = rs.Fields(column).Value().Bool(); });
+    return set;
 }
 
 Value TriesOf(Recordset& rs) {

@@ -58,6 +58,10 @@ inline std::string ColumnText(Recordset& rs, std::string_view column) {
     return rs.Fields(column).Value().Text();
 }
 
+/// Return the column of the current row, or what stands in for one that cannot be read.
+std::string TextOrEmpty(Recordset& rs, const char* column);
+bool IsSet(Recordset& rs, const char* column, bool otherwise);
+
 /// Return `nTries`, and `nTimeout` in seconds, of the current row.
 Value TriesOf(Recordset& rs);
 Value TimeoutOf(Recordset& rs);

@@ -1,6 +1,7 @@
 #include "engine/tcp_checker.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/error.h"
 #include "base/ignore_errors.h"
@@ -36,6 +37,7 @@ TcpChecker::TcpChecker(const Ports& ports) : ports_(ports) {
         .dataArrival = [this] { IgnoreErrors([this] { strRecvBuffer_ = BeginOf(ToUtf8(ports_.socket.GetData())); }); },
         .close = {},
         .error = {},
+        .connect = [this] { connectedAt_ = ports_.clock.GetTickCount(); },
     });
 }
 
@@ -55,12 +57,15 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
         ports_.socket.SetProtocol(SocketProtocol::Tcp);
         // The reason for every failure that does not set its own.
         result.strReason = "Could Not Connect to " + strServer + " Double check for typos. ";
-        if (Connect(strServer, nTimeout, strPort)) {
+        const auto start = ports_.clock.GetTickCount();
+        const bool inTime = Connect(strServer, nTimeout, strPort, result.phases);
+        if (inTime) {
             TalkOrExplain(strExpected, result);
         } else {
             ports_.status.setStatusMSG("Connection Timed out.  Failure!");
             result.strReason = "Connection Timeout Failure.  Failed to connect in a timely manner. ";
         }
+        result.phases.whole = ports_.clock.GetTickCount() - start;
         ports_.socket.Close();
         if (strTCPTimeoutText_.empty()) {
             ports_.status.setStatusMSG("Done.");
@@ -79,12 +84,16 @@ CheckResult TcpChecker::DoTCPRequest(const std::string& strServer, const std::st
 }
 
 // Returns false when the time for it has run out.
-bool TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort) {
+bool TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort,
+                         CheckPhases& phases) {
     TcpSocket& socket = ports_.socket;
     socket.SetRemoteHost(strServer);
     socket.SetRemotePort(CheckedInt32(ParseWhole(strPort)));
     socket.SetLocalPort(0);
+    mark_ = ports_.clock.GetTickCount();
+    connectedAt_.reset();
     socket.Connect();
+    const bool looksUp = socket.State() == SocketState::ResolvingHost;
     ports_.status.setStatusMSG("Resolving.");
 
     // Time is counted in steps: a step that ends early because the state changed counts as a whole one.
@@ -99,6 +108,7 @@ bool TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTim
         if (resolved) ports_.status.setStatusMSG(" Resolved.");
         elapsed += kWaitStep;
     }
+    if (looksUp && socket.State() != SocketState::ResolvingHost) phases.name = SinceMark();
     if (elapsed < limit) ports_.status.setStatusMSG("Connecting to " + strServer + " port [" + strPort + "]");
     const auto underWay = [&] {
         return socket.State() == SocketState::Connecting || socket.State() == SocketState::HostResolved;
@@ -107,7 +117,16 @@ bool TcpChecker::Connect(const std::string& strServer, std::chrono::seconds nTim
         WaitFor(ports_.events, ports_.clock, kWaitStep, [&] { return !underWay(); });
         elapsed += kWaitStep;
     }
+    if (connectedAt_) {
+        phases.connect = std::max(*connectedAt_ - mark_, 0ms);  // both may have come in one turn
+        mark_ = *connectedAt_;
+    }
     return elapsed < limit;
+}
+
+CheckPhases::Duration TcpChecker::SinceMark() {
+    const auto now = ports_.clock.GetTickCount();
+    return now - std::exchange(mark_, now);
 }
 
 void TcpChecker::TalkOrExplain(const std::string& strExpected, CheckResult& result) {
@@ -148,6 +167,7 @@ void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
 bool TcpChecker::ExpectElement(const std::string& element, CheckResult& result) {
     ports_.status.setStatusMSG("Waiting for '" + element + "'");
     const bool found = WaitForTCPText(element);
+    result.phases.steps.push_back({element, SinceMark()});
     const std::string said = WithoutControls(strRecvBuffer_);
     if (found) {
         ports_.conversation.setResponse(said);
@@ -167,6 +187,7 @@ void TcpChecker::SendElement(const std::string& element) {
     ports_.status.setStatusMSG("Requesting '" + shown + "'");
     ports_.conversation.setRequest(shown);
     strRecvBuffer_.clear();
+    mark_ = ports_.clock.GetTickCount();
     ports_.socket.SendData(element + "\r\n");
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 #include "engine/check_result.h"
@@ -42,13 +43,18 @@ public:
     bool WaitForTCPText(const std::string& strExpected);
 
 private:
-    bool Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort);
+    bool Connect(const std::string& strServer, std::chrono::seconds nTimeout, const std::string& strPort, CheckPhases& phases);
     void TalkOrExplain(const std::string& strExpected, CheckResult& result);
     void Converse(const std::string& strExpected, CheckResult& result);
     bool ExpectElement(const std::string& element, CheckResult& result);
     void SendElement(const std::string& element);
 
+    /// Returns the time since the mark, which becomes now.
+    CheckPhases::Duration SinceMark();
+
     Ports ports_;
+    std::chrono::milliseconds mark_{0};  ///< tick count of the end of the last phase
+    std::optional<std::chrono::milliseconds> connectedAt_;
     std::string strRecvBuffer_;  ///< the latest arrival alone, unchanged
     int loginAnswers_ = 0;       ///< elements to be sent next that answer a login
     bool talking_ = false;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/error.h"
+#include "platform/check_phases.h"
 
 namespace korvane {
 
@@ -35,6 +36,8 @@ public:
         std::chrono::seconds RequestTimeout{
             60};  ///< for everything together: name, connection, answer, redirects. 0 or less: fails at once
         InetRedirects Redirects = InetRedirects::Follow;
+        /// Receives where the time of OpenURL went, whether or not it then throws. Null: nothing is measured.
+        CheckPhases* phases = nullptr;
     };
 
     virtual ~Inet() = default;

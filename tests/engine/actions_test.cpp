@@ -4,6 +4,8 @@
 #include <filesystem>
 
 #include "engine/engine_test.h"
+#include "store/database_files.h"
+#include "store/last_checks.h"
 
 namespace korvane::actions_test {
 
@@ -116,6 +118,135 @@ TEST(UpAgain, TellsOfTheReturnWithTheTraceOfTheFailureThoughNotEverythingCanBeRe
         EXPECT_EQ(outage.TakeMail(), expected + (read ? trace : ""));
         EXPECT_EQ(outage.TakeStarted(), (Texts{kTrace, "cheer"}));
     }
+}
+
+/// Entry 1, a page whose certificate ends after some time.
+struct Certified : Engine {
+    explicit Certified(const std::string& settings,
+                       const Row& to = Columns("strEmailList1 strEmailList2 strEmailFrom", "a@x", "b@y", "me@z"))
+        : Engine({}, settings) {
+        Add(With(to, {.strDesc = "shop",
+                      .strAddress_IP = "web",
+                      .strType = "HTTPS",
+                      .strPort = "443",
+                      .nTries = 100,
+                      .nIntervalSeconds = 10}));
+        Ends(kStart + 20h * 24 + 1h);
+    }
+    void Ends(std::optional<DateTime> when, PageAnswer::Kind kind = PageAnswer::Kind::Body) {
+        net.Page("https://web").Anew().Add({.kind = kind, .text = "ok", .after = 5ms, .certificateEnd = when});
+    }
+    /// The subjects of the mails to the first recipient that several checks send.
+    std::string TakeMails(std::chrono::hours later = 0h) {
+        world.MoveClock(later);
+        Change(1, {{"dtNextCheck", world.clock.Now()}});
+        RunFor(90s);
+        std::string subjects;
+        for (const auto& each : std::exchange(mail.mails, {})) {
+            const auto at = each.text.find("Subject: ") + 9;
+            if (each.recipients == Texts{"<a@x>"}) subjects += each.text.substr(at, each.text.find(" (shop)", at) - at) + "|";
+        }
+        return subjects;
+    }
+    /// Of the table, in the order of the mails.
+    std::string Noted() {
+        std::string texts;
+        for (const CertificateMail& mailed : LastChecks(database).MailsOf(*rows.Connected(), 1))
+            texts += mailed.end.DateText() + " " + std::to_string(mailed.limit.count()) + "|";
+        return texts;
+    }
+    bool HasTable() {
+        return OpenRows(database, *rows.Connected(),
+                        "SELECT name FROM sqlite_master WHERE name IN ('LastChecks', 'CertificateMails')")
+                   ->RecordCount() > 0;
+    }
+};
+
+TEST(Certificate, IsMailedOnceAtEachOfItsTimesAndARenewedOneAnew) {
+    for (const std::string outbox : {"", "MailOutbox=True\n"}) {
+        Certified shop(outbox + "CertWarnDays= 20 \n");
+        EXPECT_EQ(shop.TakeMails(), "");
+        for (const auto& [later, subject] :
+             std::initializer_list<std::pair<std::chrono::hours, std::string>>{{1h, "Certificate ends in 19 days|"},
+                                                                               {9h * 24, ""},
+                                                                               {24h, "Certificate ends in 9 days|"},
+                                                                               {8h * 24, "Certificate ends in 47 hours|"},
+                                                                               {24h, "Certificate ends in 23 hours|"}})
+            EXPECT_EQ(shop.TakeMails(later), subject) << later.count();
+        shop.Ends(kStart + 20h * 24 + 1h, PageAnswer::Kind::Failure);
+        EXPECT_EQ(shop.TakeMails(24h), "Certificate has ended|");
+        World again({.start = shop.world.clock.Now(), .home = shop.home});
+        again.net.Page("https://web").Add({.kind = PageAnswer::Kind::Failure, .certificateEnd = kStart + 20h * 24 + 1h});
+        again.Start();
+        again.RunFor(90s);
+        EXPECT_TRUE(again.mail.mails.empty()) << "restarts do not matter";
+        const DateTime end = shop.world.clock.Now() + 9h * 24;
+        shop.Ends(end);
+        EXPECT_EQ(shop.TakeMails(), "Certificate ends in 8 days|");
+        shop.Ends(end + 1h);
+        EXPECT_EQ(shop.TakeMails(), "") << "two servers behind one name";
+        EXPECT_EQ(shop.Noted(),
+                  "12/11/2026 480|12/11/2026 240|12/11/2026 72|12/11/2026 24|12/11/2026 0|" + end.DateText() + " 240|");
+        EXPECT_EQ(shop.Of(1, "strCurStatus,nTriesCur"), "UP,0");
+        EXPECT_TRUE(shop.Logged("The certificate of https://web (shop) ends in 8 days, on " + end.Text() + "."));
+        shop.rows.Remove("Servers", 1);
+        EXPECT_EQ(shop.Noted(), "") << "an entry with this ID would inherit it";
+    }
+}
+
+TEST(Certificate, TheOddCases) {
+    Certified nobody("CertWarnDays=3\n", Row());
+    nobody.Ends(kStart + 30h);
+    nobody.TakeMails();
+    EXPECT_EQ(nobody.Noted(), "11/22/2026 36|");
+    EXPECT_TRUE(nobody.Logged("(shop) ends in 29 hours, on 11/22/2026 9:00:00 PM. Nobody is notified."));
+    Certified refused("CertWarnDays=30\nServerBackup=\n");
+    refused.mail.refuse = [](const std::string&) { return true; };
+    EXPECT_EQ(refused.TakeMails(), "");
+    refused.mail.refuse = nullptr;
+    EXPECT_EQ(refused.TakeMails(), "") << "each check would wait for the mail server";
+    refused.RunFor(1h);
+    EXPECT_EQ(refused.TakeMails(), "Certificate ends in 19 days|");
+    Certified full("CertWarnDays=30\n");
+    full.store.faults.Add(
+        {.operation = StoreOperation::Update, .forever = true, .about = "CertificateMails", .description = "disk full"});
+    EXPECT_EQ(full.TakeMails(), "Certificate ends in 20 days|") << "once, though it cannot be noted";
+    EXPECT_EQ(full.Noted() + full.Of(1, "strCurStatus"), "UP");
+    full.store.faults.Heal();
+    full.TakeMails();
+    EXPECT_EQ(full.Noted(), "12/11/2026 720|");
+    for (const std::string value : {"0", "-1", "1001", "20.5", "soon", "1e2", "99999999999999999999"}) {
+        Certified off("KeepPhases=yes\nCertWarnDays=" + value + "\n");
+        EXPECT_EQ(off.TakeMails(19h * 24), "");
+        EXPECT_TRUE(off.Logged("# KeepPhases: 'yes' is not \"True\" or \"False\". It is off. CertWarnDays: '" + value +
+                               "' is not a number of days from 1 to 1000. It is off."));
+        EXPECT_FALSE(off.HasTable());
+    }
+}
+
+TEST(LastCheck, IsKeptWithTheRowOnlyWhileItIsWanted) {
+    Certified shop("CertWarnDays=\n");
+    const auto kept = [&] { return LastChecks(shop.database).Read(*shop.rows.Connected(), 1).value(); };
+    shop.TakeMails();
+    EXPECT_FALSE(shop.HasTable());
+    shop.Set("KeepPhases", "True");
+    shop.TakeMails();
+    EXPECT_TRUE(kept().phases.firstByte == 5ms && !kept().phases.name && kept().when <= shop.world.clock.Now());
+    shop.Ends(std::nullopt, PageAnswer::Kind::Failure);
+    shop.TakeMails();
+    EXPECT_EQ(kept().phases.certificateEnd, kStart + 20h * 24 + 1h) << "a check without an answer saw none";
+    shop.Ends(std::nullopt);
+    shop.TakeMails();
+    EXPECT_EQ(kept().phases.certificateEnd, std::nullopt);
+    shop.net.Host("mail").ResolveAfter(30ms).Port(25).Accept(20ms).Speak("220 hi\r\n", 10ms).OnLine("QUIT", "221\r\n");
+    shop.Change(1, Columns("strType strAddress_IP strPort strExpectedText", "SMTP", "mail", "25", "220,QUIT,221"));
+    shop.TakeMails();
+    EXPECT_TRUE(kept().phases.name == 30ms && kept().phases.connect == 21ms && kept().phases.steps.size() == 2)
+        << kept().phases.connect->count();
+    EXPECT_TRUE(kept().phases.steps.front().awaited == "220" && kept().phases.steps.front().took == 10ms);
+    shop.Change(1, Columns("strType strAddress_IP strExpectedText", "PING", "10.0.0.1", "1000"));
+    shop.TakeMails();
+    EXPECT_TRUE(kept().phases.whole == 5ms && !kept().phases.connect && kept().phases.steps.empty());
 }
 
 TEST(StartupNotice, GoesToThePeopleOfTheFirstEntry) {

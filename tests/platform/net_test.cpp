@@ -1,14 +1,17 @@
 // What the rooms rely on in the real clock, event pump, timers, sockets and transfers, with servers on 127.0.0.1; and bounded memory,
 // all addresses of a name, name servers that never answer, who is told what, and which answers are text.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
+#include <poll.h>
 #include <stdlib.h>
 
 #include <array>
 #include <functional>
 #include <latch>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 #include "base/text.h"
@@ -29,7 +32,8 @@ extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo
     static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
     const std::string_view host = name != nullptr ? name : "";
     if (host == "silent.test") nameServer.wait();
-    if (host != "two-addresses.test") return real(name, service, hints, result);
+    if (host == "slow.test") ::poll(nullptr, 0, 60);
+    if (host != "two-addresses.test") return real(host == "slow.test" ? "127.0.0.1" : name, service, hints, result);
     const int outcome = real("127.0.0.2", service, hints, result);
     return outcome != 0 ? outcome : real("127.0.0.1", service, hints, &(*result)->ai_next);
 }
@@ -326,6 +330,93 @@ TEST_F(NetTest, ACertificateMustBeGoodAndOfTheHostThatWasAsked) {
         socket.Close();
     }
     ::kill(pid, SIGKILL);
+}
+
+TEST_F(NetTest, ThePhasesOfATransferAreThoseOfItsLastRequestAndWhatDidNotRunIsAbsent) {
+    CheckPhases phases;
+    const auto measure = [&](const std::string& url, InetRedirects redirects = InetRedirects::Follow) {
+        Fetch({.URL = url, .RequestTimeout = 20s, .Redirects = redirects, .phases = &phases});
+        return phases.name.value_or(-1us);
+    };
+    const LoopbackServer last([](Peer& peer) { peer.Linger(50ms), peer.ReadUntil("\r\n\r\n"), peer.Send(HttpAnswer("page")); });
+    const std::string there = "://slow.test:" + std::to_string(last.Port()) + "/";
+    const LoopbackServer first([&](Peer& peer) { peer.Linger(400ms), peer.Send(RedirectTo("http" + there)); });
+    const std::string moved = first.Http();
+    EXPECT_TRUE(measure(moved) >= 60ms && *phases.firstByte >= 20ms && *phases.firstByte < 300ms && phases.LeftOver() >= 300ms);
+    EXPECT_EQ(*phases.whole, *phases.name + *phases.connect + *phases.firstByte + *phases.LeftOver());
+    EXPECT_TRUE(measure(moved, InetRedirects::None) == -1us && *phases.firstByte >= 300ms && *phases.LeftOver() < 300ms);
+    EXPECT_TRUE(measure(first.Http(), InetRedirects::SameHost) == -1us && *phases.firstByte >= 300ms)
+        << "an address is not looked up";
+    EXPECT_FALSE(phases.tls || phases.certificateEnd);
+    EXPECT_TRUE(measure("https" + ReplaceAll(there, std::to_string(last.Port()), std::to_string(first.Port()))) >= 60ms &&
+                phases.connect && !phases.tls && !phases.firstByte && *phases.LeftOver() > 0ms);
+    EXPECT_TRUE(measure("http://127.0.0.1:" + std::to_string(RefusingPort())) == -1us && !phases.connect && phases.whole);
+
+    // A connection that finds the queue full is there at its second try, a second later.
+    const auto [listener, port] = BindFreePort();
+    ::listen(listener.Number(), 0);
+    std::vector<Descriptor> clients;
+    const auto filling = NewTimer(20ms, [&, listening = listener.Number()] {
+        const Descriptor client(::accept4(listening, nullptr, nullptr, SOCK_CLOEXEC));
+        if (client.Number() >= 0) ::send(client.Number(), "HTTP/1.0 200 OK\r\n\r\npage", 23, MSG_NOSIGNAL);
+    });
+    filling->SetEnabled(false);
+    sockaddr_in address{.sin_family = AF_INET,
+                        .sin_port = htons(static_cast<std::uint16_t>(port)),
+                        .sin_addr = {htonl(INADDR_LOOPBACK)},
+                        .sin_zero = {}};
+    for (int i = 0; i < 2; ++i) {
+        clients.emplace_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+        ::connect(clients.back().Number(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+    }
+    ::fcntl(listener.Number(), F_SETFL, O_NONBLOCK);
+    filling->SetEnabled(true);
+    measure("http://127.0.0.1:" + std::to_string(port));
+    EXPECT_TRUE(phases.connect && *phases.connect >= 900ms) << phases.connect.value_or(0us).count();
+}
+
+TEST_F(NetTest, TheEndOfACertificateIsTheEarliestOfTheChainThatWasVerified) {
+    const TemporaryFolder folder;
+    const std::string make = "cd " + folder.Path() +
+                             R"( && exec 2>output && echo subjectAltName=DNS:localhost >host && echo basicConstraints=CA:TRUE >ca
+        new="openssl req -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -batch"
+        certify() { $new -subj "/CN=$1" -keyout "$1.key" -out csr; openssl x509 -req -in csr -CA "$2.pem" -CAkey "$2.key" -CAcreateserial -days "$3" -extfile "$4" -out "$1.pem"; }
+        for authority in root other; do $new -x509 -subj /CN=$authority -days 3000 -keyout $authority.key -out $authority.pem; done
+        certify middle root 20 ca && certify old root -1 ca
+        certify a root 400 host; certify b root 20 host; certify c root 1 host; certify d root -1 host
+        certify e middle 400 host; certify f old 400 host; certify g other 400 host)";
+    ASSERT_EQ(std::system(make.c_str()), 0);
+    LinuxProcesses processes(events);
+    const auto at = [&](const std::string& file) { return folder.Path() + "/" + file; };
+    for (const auto& [name, host, days] :
+         std::initializer_list<std::tuple<std::string, std::string, int>>{{"a", "localhost", 400},
+                                                                          {"b", "localhost", 20},
+                                                                          {"c", "localhost", 1},
+                                                                          {"d", "localhost", -1},
+                                                                          {"e", "localhost", 20},
+                                                                          {"f", "localhost", -1},
+                                                                          {"g", "localhost", 0},
+                                                                          {"b", "127.0.0.1", 0}}) {
+        SCOPED_TRACE(name + host);
+        const std::string port = std::to_string(RefusingPort()), chain = name == "f" ? "old.pem" : "middle.pem";
+        const int pid = processes.Start({"openssl", "s_server", "-quiet", "-www", "-accept", "127.0.0.1:" + port, "-cert",
+                                         at(name + ".pem"), "-key", at(name + ".key"), "-cert_chain", at(chain)});
+        CheckPhases phases;
+        std::string answer;
+        EXPECT_TRUE(Wait([&] {
+            answer = Fetch({.URL = "https://" + host + ":" + port + "/", .RequestTimeout = 20s, .phases = &phases},
+                           {.caBundle = at("root.pem")});
+            return phases.connect.has_value();
+        })) << answer;
+        EXPECT_EQ(Holds(answer, "s_server"), days > 0) << answer;
+        EXPECT_EQ(phases.tls.has_value() && phases.firstByte.has_value(), days > 0);
+        EXPECT_EQ(phases.certificateEnd.has_value(), days != 0);
+        if (phases.certificateEnd) {
+            EXPECT_NEAR(static_cast<double>((*phases.certificateEnd - clock.Now()).count()), days * 86400.0, 4000)
+                << "of the summer";
+        }
+        ::kill(pid, SIGKILL);
+    }
 }
 
 }  // namespace korvane::net_test

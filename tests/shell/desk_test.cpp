@@ -16,6 +16,7 @@
 #include "shell/options/resource_emails.h"
 #include "shell/shell_world.h"
 #include "shell/web/web_forms.h"
+#include "store/last_checks.h"
 
 namespace korvane::desk_test {
 
@@ -144,6 +145,29 @@ $ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPerce
     EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
               "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
               "failures");
+    const LastCheck check{1,
+                          then,
+                          {.name = 60ms,
+                           .connect = 250us,
+                           .tls = 31ms,
+                           .firstByte = 1500ms,
+                           .steps = {{"2 2", 3ms}},
+                           .whole = 1601ms,
+                           .certificateEnd = DateTime::Of(2026, 12, 11, 18)}};
+    LastChecks(w.database).Write(*w.rows.Connected(), check);
+    const auto measured = [&] { return InSentences(w.Look(), w.world.clock.Now()).measured; };
+    EXPECT_EQ(measured(), "");
+    w.Set("KeepPhases", "True");
+    EXPECT_EQ(measured(),
+              "Last check: name 60.0 ms · connect 0.3 ms · TLS 31.0 ms · first byte 1,500 ms · '2 2' 3.0 ms · whole 1,601 ms · "
+              "left over 6.8 ms");
+    EXPECT_EQ(InSentences(w.Look(), w.world.clock.Now()).certificate, "Certificate ends in 20 d 3 h, on 12/11/2026 6:00:00 PM");
+    EXPECT_EQ(CertificateInWords(check.phases, DateTime::Of(2026, 12, 11, 18, 0, 5)),
+              "has ended 5 s ago, on 12/11/2026 6:00:00 PM");
+    w.Says(
+        "UPDATE LastChecks SET nName = NULL, nConnect = 'x', nTLS = -1, nFirstByte = 1e300, strSteps = 'x' || char(10) || '5', "
+        "dtCertificate = 'soon'");
+    EXPECT_EQ(measured(), "Last check: '' 5.0 ms · whole 1,601 ms · left over 1,596 ms");
     w.rows.Remove("Servers", 1);
     EXPECT_EQ(InSentences(w.Look(), {}).title, "This server cannot be read.");
 }

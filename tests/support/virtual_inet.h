@@ -30,6 +30,8 @@ public:
         responseCode_ = 0;
         const PageAnswer answer = AnswerTo(request);
         Await(answer, std::max(Milliseconds(0), Milliseconds(request.RequestTimeout)));
+        if (request.phases != nullptr)
+            *request.phases = {.firstByte = answer.after, .whole = answer.after, .certificateEnd = answer.certificateEnd};
         if (answer.kind != Kind::Failure) responseCode_ = answer.status;
         if (answer.kind == Kind::OtherHost && request.Redirects == InetRedirects::SameHost) throw OtherHostError(answer.text);
         if (answer.kind == Kind::Binary) throw TypeMismatchError();

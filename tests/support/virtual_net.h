@@ -35,6 +35,7 @@ struct PageAnswer {
     std::string text = {};  ///< the body, or the failure in words
     std::chrono::milliseconds after{0};
     int status = 200;
+    std::optional<DateTime> certificateEnd = {};
 };
 
 /// What a web server gives for one URL: a list of answers, one for each request, of which the last one stays for good.

@@ -1,5 +1,6 @@
 #include "platform/curl/curl_inet.h"
 
+#include <arpa/inet.h>
 #include <curl/curl.h>
 #include <sys/socket.h>
 
@@ -17,6 +18,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "platform/curl/curl_phases.h"
 #include "platform/curl/curl_pump.h"
 
 namespace korvane {
@@ -63,6 +65,21 @@ std::string HostOfRedirect(const std::string& base, const std::string& location)
     if (curl_url_get(url.get(), CURLUPART_HOST, &host, 0) != CURLUE_OK) return "";
     const std::unique_ptr<char, decltype(&curl_free)> owner(host, &curl_free);
     return host;
+}
+
+std::size_t EndOfHost(std::string_view url) {
+    const auto scheme = url.find("://");
+    const auto end = url.find_first_of("/?#", scheme == std::string_view::npos ? 0 : scheme + 3);
+    return end == std::string_view::npos ? url.size() : end;
+}
+
+/// Returns whether the host of a URL, or of "host:port", is a name. RFC 3986, section 3.2.2: an IPv6 address stands in brackets.
+bool NamesHost(std::string url) {
+    url.resize(EndOfHost(url));
+    if (const auto before = url.find_last_of("/@"); before != std::string::npos) url.erase(0, before + 1);
+    if (url.starts_with('[')) return false;
+    std::array<unsigned char, 4> bytes{};
+    return ::inet_pton(AF_INET, url.substr(0, url.find(':')).c_str(), bytes.data()) != 1;
 }
 
 bool IsHashName(std::string_view name) {
@@ -124,12 +141,6 @@ private:
     std::string bytes_;
 };
 
-std::size_t EndOfHost(std::string_view url) {
-    const auto scheme = url.find("://");
-    const auto end = url.find_first_of("/?#", scheme == std::string_view::npos ? 0 : scheme + 3);
-    return end == std::string_view::npos ? url.size() : end;
-}
-
 struct EasyCleanup {
     void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
 };
@@ -145,6 +156,7 @@ public:
         SetPrivacy();
         SetReceivers();
         SetRedirects(request.Redirects);
+        if (request.phases != nullptr) Measure();
         if (!options.userAgent.empty()) Set(CURLOPT_USERAGENT, options.userAgent.c_str());
         SetTrust(options.caBundle, trustFolder);
     }
@@ -155,6 +167,15 @@ public:
         long code = 0;
         curl_easy_getinfo(Handle(), CURLINFO_RESPONSE_CODE, &code);
         return static_cast<int>(code);
+    }
+
+    /// Called at the end of the transfer.
+    void GivePhases(const Inet::Request& request, int result) const {
+        if (!phases_) return;
+        const char* last = nullptr;
+        curl_easy_getinfo(Handle(), CURLINFO_EFFECTIVE_URL, &last);
+        const bool named = request.AccessType == InetAccess::NamedProxy;
+        *request.phases = phases_->Measured(result, NamesHost(named ? request.Proxy : last == nullptr ? "" : last));
     }
 
     /// Nobody will call TakeText: the page is not kept.
@@ -230,15 +251,26 @@ private:
     void SetRedirects(InetRedirects redirects) {
         Set(CURLOPT_FOLLOWLOCATION, redirects == InetRedirects::None ? 0L : 1L);
         Set(CURLOPT_MAXREDIRS, kRedirects);
-        if (redirects != InetRedirects::SameHost) return;
+        staysAtHost_ = redirects == InetRedirects::SameHost;
+        if (staysAtHost_) ReadHeaders();
+    }
+
+    void ReadHeaders() {
         Set(CURLOPT_HEADERFUNCTION, &Exchange::OnHeader);
         Set(CURLOPT_HEADERDATA, this);
         Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     }
 
+    void Measure() {
+        phases_.emplace(Handle());
+        ReadHeaders();
+    }
+
     // libcurl follows a redirect only after all headers, so ending the transfer here leaves the other host alone.
     static std::size_t OnHeader(const char* bytes, std::size_t /*one*/, std::size_t count, void* self) noexcept {
         Exchange& exchange = *static_cast<Exchange*>(self);
+        if (exchange.phases_) exchange.phases_->OnHeader({bytes, count});
+        if (!exchange.staysAtHost_) return count;
         try {
             return exchange.StaysAtHost({bytes, count}) ? count : count + 1;
         } catch (const std::bad_alloc&) {
@@ -278,6 +310,8 @@ private:
     std::array<char, CURL_ERROR_SIZE> words_{};
     Body body_;
     bool dropsBody_ = false;
+    bool staysAtHost_ = false;
+    std::optional<CurlPhases> phases_;      ///< if they are measured
     std::optional<std::string> otherHost_;  ///< to which a redirect was refused
 };
 
@@ -325,6 +359,7 @@ std::string CurlInet::OpenURL(const Request& request) {
     const Executing executing(transfer_, pump);
     const std::optional<int> result = pump.Perform();
     responseCode_ = exchange.ResponseCode();
+    exchange.GivePhases(request, result.value_or(CURLE_ABORTED_BY_CALLBACK));
     if (!result) throw Error("Request cancelled");
     return exchange.TakeText(static_cast<CURLcode>(*result));
 }

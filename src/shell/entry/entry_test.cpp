@@ -48,7 +48,8 @@ CheckResult RequestPage(const Desk& desk, const EntryFields& fields) {
                                       .strPassword = fields.strPassword,
                                       .nTimeout = TimeoutOf(fields),
                                       .nPort = PagePort(desk, fields.strPort),
-                                      .goodStatuses = [&fields] { return fields.HTTPStatusGood; }});
+                                      .goodStatuses = [&fields] { return fields.HTTPStatusGood; },
+                                      .measured = true});
     });
 }
 

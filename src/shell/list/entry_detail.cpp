@@ -13,6 +13,7 @@
 #include "notify/global_email.h"
 #include "notify/mail_message.h"
 #include "store/database_files.h"
+#include "store/last_checks.h"
 
 namespace korvane {
 namespace {
@@ -199,6 +200,11 @@ std::optional<DateTime> DownTimeStart(Recordset& rs, DateTime now) {
     return std::nullopt;
 }
 
+void ReadLastCheck(const Desk& desk, Connection& conn, std::int64_t id, EntryDetail& detail) {
+    if (!KeepsLastChecks(desk.collection)) return;
+    if (auto check = LastChecks(desk.store).Read(conn, id)) detail.phases = std::move(check->phases);
+}
+
 void ReadRow(const Desk& desk, Recordset& rs, DateTime now, EntryDetail& detail) {
     const std::pair<const char*, std::string EntryDetail::*> texts[] = {
         {"strDesc", &EntryDetail::strDesc},           {"strAddress_IP", &EntryDetail::strAddress_IP},
@@ -244,6 +250,7 @@ EntryDetail LoadEntryDetail(const Desk& desk, std::int64_t id, DateTime now) {
         IgnoreErrors([&] { detail.hours = ReadTimes(desk, *conn, key, "hour", detail.hours, std::chrono::hours(1), detail); });
         IgnoreErrors([&] { detail.days = ReadTimes(desk, *conn, key, "day", detail.days, std::chrono::hours(24), detail); });
         if (desk.outbox.IsOn()) IgnoreErrors([&] { detail.mails = OutboxTable(desk.store, desk.dir).MailsOf(*conn, id); });
+        IgnoreErrors([&] { ReadLastCheck(desk, *conn, id, detail); });
         detail.hasTrace = Readable<bool>([&] { return desk.files.Exists(desk.trace.GetTracertFile(id)); }).value_or(false);
     });
     return detail;

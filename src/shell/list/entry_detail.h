@@ -11,6 +11,7 @@
 
 #include "base/datetime.h"
 #include "notify/outbox_table.h"
+#include "platform/check_phases.h"
 #include "shell/run/desk.h"
 
 namespace korvane {
@@ -58,6 +59,7 @@ struct EntryDetail {
     std::vector<Failure> failures;            ///< the newest first, a few dozen at most
     std::vector<OutboxTable::Receipt> mails;  ///< the newest first; with the outbox on
     bool hasTrace = false;
+    CheckPhases phases;  ///< of the last check, and its certificate; empty unless a setting keeps them
 
     std::vector<ResponseTime> hours;  ///< the last 24, the oldest first; the last one contains now
     std::vector<ResponseTime> days;   ///< the last 30

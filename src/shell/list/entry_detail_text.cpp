@@ -159,7 +159,40 @@ std::string Figures(const EntryDetail& detail, DateTime now) {
     return upTime + " · " + NextCheck(detail, now) + " · " + NoticedWords(detail);
 }
 
+std::string Measured(const CheckPhases& phases) {
+    std::string words;
+    for (const auto& [name, took] : PhasesInWords(phases))
+        words += (words.empty() ? "Last check: " : " · ") + name + " " + took;
+    return words;
+}
+
 }  // namespace
+
+std::vector<std::pair<std::string, std::string>> PhasesInWords(const CheckPhases& phases) {
+    std::vector<std::pair<std::string, std::string>> words;
+    const auto add = [&](const std::string& name, const std::optional<CheckPhases::Duration>& took) {
+        if (!took) return;
+        const double ms = static_cast<double>(took->count()) / 1000.0;
+        words.emplace_back(name, FormatGrouped(ms, ms < 100 ? 1 : 0) + " ms");
+    };
+    add("name", phases.name);
+    add("connect", phases.connect);
+    add("TLS", phases.tls);
+    add("first byte", phases.firstByte);
+    for (const CheckPhases::Step& step : phases.steps)
+        add("'" + step.awaited + "'", step.took);
+    const bool hasParts = !words.empty();
+    add("whole", phases.whole);
+    if (hasParts) add("left over", phases.LeftOver());
+    return words;
+}
+
+std::string CertificateInWords(const CheckPhases& phases, DateTime now) {
+    if (!phases.certificateEnd) return "";
+    const DateTime end = *phases.certificateEnd;
+    return (end > now ? "ends in " + LengthInWords(end - now) : "has ended " + LengthInWords(now - end) + " ago") + ", on " +
+           end.Text();
+}
 
 std::string LengthInWords(std::chrono::seconds length) {
     const std::int64_t all = length.count() < 0 ? -length.count() : length.count();
@@ -182,7 +215,10 @@ EntrySentences InSentences(const EntryDetail& detail, DateTime now) {
         .done = Done(detail, now),
         .notified = Notified(detail),
         .figures = Figures(detail, now),
+        .measured = Measured(detail.phases),
     };
+    if (const std::string certificate = CertificateInWords(detail.phases, now); !certificate.empty())
+        sentences.certificate = "Certificate " + certificate;
     for (const EntryDetail::Failure& failure : detail.failures)
         sentences.failures.push_back(ShortMoment(failure.dateFail, now) + "  " + NumberText(failure.nFailCount) + " of " +
                                      NumberText(failure.nFailMax) + "  " + Or(failure.strReason, "no reason given"));

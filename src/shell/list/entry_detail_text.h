@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "shell/list/entry_detail.h"
@@ -16,8 +17,17 @@ struct EntrySentences {
     std::string done = {};      ///< what followed from the newest failure that had consequences; empty when nothing did
     std::string notified = {};  ///< "Nobody is notified."
     std::string figures = {};   ///< up-time, next check, and how soon an outage is noticed
+    std::string measured = {};  ///< "Last check: connect 0.2 ms · first byte 31 ms · whole 31.3 ms"; empty when it is not kept
+    std::string certificate = {};  ///< "Certificate ends in 20 d 3 h, on 12/11/2026 6:00:00 PM"; empty when none is known
     std::vector<std::string> failures = {};  ///< "5:29:00 PM  33 of 3  Connection timed out", the newest first
 };
+
+/// Returns each phase with its name: "name" and "12 ms", the wait for a text of a conversation as "'220'", what is in no phase as
+/// "left over". What did not run is left out.
+std::vector<std::pair<std::string, std::string>> PhasesInWords(const CheckPhases& phases);
+
+/// Returns "ends in 20 d 3 h, on 12/11/2026 6:00:00 PM", or "has ended ..."; empty without a certificate.
+std::string CertificateInWords(const CheckPhases& phases, DateTime now);
 
 EntrySentences InSentences(const EntryDetail& detail, DateTime now);
 

@@ -88,6 +88,7 @@ struct RunRooms : RunPorts {
     HttpRequester testHttp;
     TcpChecker testTcp;
     OwnNetwork network;
+    CheckKeeper keeper;
     OutcomeAccounting accounting;
     StoreAlarm alarm;
     KeptAccounts kept;

@@ -222,7 +222,8 @@ void DetailStrip::ShowEntry() {
     imgState_->setVisible(detail_.isThere);
     txtDetail_->Show(line("<b>" + Escaped(says.title) + "</b>") + (says.state.empty() ? "" : line(state + Escaped(says.since))) +
                      line(Escaped(says.reason)) + line(Coloured(Escaped(says.figures), quiet)) + line(notified) +
-                     line(Coloured(Escaped(says.done), quiet)));
+                     line(Coloured(Escaped(says.done), quiet)) + line(Coloured(Escaped(says.certificate), quiet)) +
+                     line(Coloured(Escaped(says.measured), quiet)));
     ShowFailures(says.failures);
     ShowTimes();
 }
