@@ -122,7 +122,7 @@ void Settings::LoadValues() {
     problemOfFile_ = ports_.file.Problem();
     for (const ReadStep& step : kReadSteps)
         ReadSettingCol(ports_.collection, step.key, DefaultOf(step), kSettingsSection, ports_.file);
-    ReadSafeguards();
+    ReadOptionalKeys();
 }
 
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
