@@ -105,10 +105,8 @@ void frmMonitor::RefreshURLList() {
     const int row = ListView1->currentIndex().row();
     model_->SetRows(std::move(rows));
     ShowCounts();
-    if (model_->All().size() != before) {
-        Form_Resize();
-        columns_->Fit();
-    }
+    if (model_->All().size() != before) Form_Resize();
+    columns_->FitTo(model_->All());
     ShowDetail();
     // The keyboard gets a row to start from, and after the last selected row has gone, the one that took its place.
     if (wasEmpty || (hadSelection && !ListView1->selectionModel()->hasSelection())) SelectRow(std::max(row, 0));
