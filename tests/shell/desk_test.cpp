@@ -112,6 +112,7 @@ TEST(EntryDetail, TellsTheRowsAndCallsWhatIsUnreadableUnknown) {
     w.rows.Add({.strDesc = "", .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 0, 40)});
     Play(R"(
 $ UPDATE Servers SET nFail = 0 => 10.0.0.1|UP, no failure on record|||Nobody is notified.|Not checked yet · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET nFail = 2 => 10.0.0.1|UP, no failure on record|||Nobody is notified.|Up-time 100.00 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET nFail = 2, nSuccess = 1998, nPercentUp = 99.9, datelastfail = '2026-11-20 13:00:00', strEmailList1 = 'a@x, b@x' => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Mailed to a@x, b@x: failures and recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET strEmailList1 = '', strEmailList2 = 'c@x', bSendUpNotify = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: the first list is empty.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET strEmailList2 = NULL, nTries = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: with 0 tries no failure is mailed.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 2 min
@@ -141,6 +142,8 @@ $ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPerce
               "to a@x;b@x: taken (250 OK)."));
     w.desk.alertPath.TestMail(false);
     EXPECT_TRUE(Holds(InSentences(w.Look(), then).notified, "recoveries (test mail failed)"));
+    EXPECT_TRUE(InSentences(w.Look(), then).failures.back().ends_with("up.sh was executed. Mail FAILED: '550'."));
+    EXPECT_TRUE(InSentences(w.Look(), then, false).figures.ends_with("· monitoring is stopped, so nothing is checked"));
     EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
               "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
               "failures");

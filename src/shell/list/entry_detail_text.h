@@ -16,10 +16,11 @@ struct EntrySentences {
     std::string done = {};      ///< what followed from the newest failure that had consequences; empty when nothing did
     std::string notified = {};  ///< "Nobody is notified."
     std::string figures = {};   ///< up-time, next check, and how soon an outage is noticed
-    std::vector<std::string> failures = {};  ///< "5:29:00 PM  33 of 3  Connection timed out", the newest first
+    std::vector<std::string> failures = {};  ///< "5:29:00 PM  3 of 3  Connection timed out  Mail sent to a@x", the newest first
 };
 
-EntrySentences InSentences(const EntryDetail& detail, DateTime now);
+/// `monitoring` is false while monitoring is stopped.
+EntrySentences InSentences(const EntryDetail& detail, DateTime now, bool monitoring = true);
 
 /// Returns "1 h 19 min", "3 d 4 h", "2 min" or "45 s", without the sign.
 std::string LengthInWords(std::chrono::seconds length);

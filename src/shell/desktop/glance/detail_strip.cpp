@@ -152,6 +152,11 @@ void DetailStrip::SetSelected(std::vector<ServerRow> rows) {
     Later();
 }
 
+void DetailStrip::SetMonitoring(bool on) {
+    monitoring_ = on;
+    Later();
+}
+
 void DetailStrip::SetWanted(bool wanted) {
     wanted_ = wanted;
     ShowIfWanted();
@@ -210,7 +215,7 @@ void DetailStrip::Update() {
 }
 
 void DetailStrip::ShowEntry() {
-    const EntrySentences says = InSentences(detail_, clock_->Now());
+    const EntrySentences says = InSentences(detail_, clock_->Now(), monitoring_);
     state_ = StateOf(detail_.strCurStatus);
     const QColor quiet = QuietInk(palette());
     const auto line = [](const QString& text) { return text.isEmpty() ? "" : "<div>" + text + "</div>"; };

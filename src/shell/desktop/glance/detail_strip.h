@@ -36,6 +36,9 @@ public:
     /// visible, and only if the entry was checked or changed meanwhile, or after a minute; once the event loop runs again.
     void SetSelected(std::vector<ServerRow> rows);
 
+    /// While monitoring is stopped, the strip promises no check.
+    void SetMonitoring(bool on);
+
     /// The strip is visible if the operator wants it and the window is high enough.
     void SetWanted(bool wanted);
     void SetWindowHeight(int height);
@@ -68,6 +71,7 @@ private:
     EntryDetail detail_;
     DateTime readAt_;
     RowIcon state_ = RowIcon::Inactive;
+    bool monitoring_ = true;
     bool wanted_ = true;
     int windowHeight_ = 0;
     bool later_ = false;

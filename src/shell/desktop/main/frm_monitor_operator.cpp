@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <algorithm>
 
+#include "shell/desktop/glance/detail_strip.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/monitors/resource_form.h"
@@ -67,6 +68,7 @@ void frmMonitor::SetMonitoring(bool on) {
     setWindowIcon(ProgramIcon(on));
     tray_.SetMonitoring(on);
     if (on) ShowStopStart(true);
+    detail_->SetMonitoring(on);
     if (run_ != nullptr) ShowStopped();
 }
 
