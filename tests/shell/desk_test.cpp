@@ -322,7 +322,11 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
         "bIsMonitoring: 'maybe' is neither True nor False.. ; 2 2 strDesc 'a' → '=1'. ; 2 2 strDesc 'a' → ''=1'. ; 1 2 HTTP "
         "www.example.com. ; ");
     w.Set("HTTPStatusFails", "True");
-    ImportEntries(w.desk, PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n"));
+    const ImportPlan statuses = PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n");
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 2});
+    EXPECT_THROW(ImportEntries(w.desk, statuses), Error);
+    EXPECT_EQ(w.Cells("strGroup") + w.desk.ofEntries.Read(1, "HTTPStatusGood"), "Group1; ") << "all or nothing";
+    ImportEntries(w.desk, statuses);
     EXPECT_EQ(w.Cells("strGroup|strType|strPort|strExpectedText") + w.desk.ofEntries.Read(1, "HTTPStatusGood"),
               "a_b; FTP; 21; 220,QUIT,221; 401");
     EXPECT_EQ(PlanImport(w.desk, ExportEntries(w.desk, true)).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.");

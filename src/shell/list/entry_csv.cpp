@@ -63,7 +63,6 @@ bool ImportPlan::CanImport() const {
 
 void ImportEntries(const Desk& desk, const ImportPlan& plan) {
     desk.entries.setServerEntryChangedIndex(kNoServerEntry);
-    std::vector<std::pair<std::int64_t, std::string>> goodStatuses;
     const ColumnValues values = NewEntryValues(desk);
     const IniFile::Batch batch(desk.settingsFile);
     const auto connection = OpenDatabase(desk.store, desk.dir);
@@ -82,11 +81,9 @@ void ImportEntries(const Desk& desk, const ImportPlan& plan) {
         }
         WriteRow(*row, each);
         for (const EntryInput* change : each.changes)
-            if (change->key.empty()) goodStatuses.emplace_back(id, TrimAll(each.fields.HTTPStatusGood));
+            if (change->key.empty()) desk.ofEntries.Write(*connection, id, kHttpStatusGood, TrimAll(each.fields.HTTPStatusGood));
     }
     connection->CommitTrans();
-    for (const auto& [id, statuses] : goodStatuses)  // the database of the transaction is locked for their own connection
-        IgnoreErrors([&, of = id, &text = statuses] { desk.ofEntries.Write(of, kHttpStatusGood, text); });
 }
 
 }  // namespace korvane
