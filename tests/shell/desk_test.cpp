@@ -350,11 +350,14 @@ TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
     w.noteOutage = [&](const auto& entry, bool isDown, const auto& reason) { notes.Add(entry, isDown, reason); };
     const auto after = [&](std::chrono::seconds time) { return w.RunFor(time), std::exchange(shown, ""); };
     w.rows.Add({.strDesc = "", .strAddress_IP = "10.0.0.1", .strType = "PING", .nTries = 2});
-    w.net.Host("10.0.0.1").EchoSilent();
-    EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
-    EXPECT_EQ(after(600s), "") << "one an outage";
-    w.net.Host("10.0.0.1").Echo(3ms);
-    EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    for (const int tries : {2, 0}) {
+        w.rows.Change("Servers", 1, {{"nTries", tries}});
+        w.net.Host("10.0.0.1").EchoSilent();
+        EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
+        EXPECT_EQ(after(600s), "") << "one an outage";
+        w.net.Host("10.0.0.1").Echo(3ms);
+        EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    }
     for (const char* name : {"a", "<b>", "c", "d", "e"})
         notes.Add(name, true, "why");
     notes.Add("f", false, "");
