@@ -52,6 +52,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    static constexpr int kLines = 10;  ///< of text in the strip
+    static constexpr int kEdge = 4;    ///< in the colour of the state
+    static constexpr const char* kDaysKey = "Alt+6";
+
     QWidget* BuildTimes();
     QWidget* BuildFailures();
     void ShowIfWanted();
