@@ -88,7 +88,7 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::
     IgnoreErrors([&] {
         if (!HasComeBack(rs)) return;
         once_.OnRecovery(CounterOf(rs, "ID"), [&] {
-            NoteOutage(rs, false, "");
+            if (HasFailed(rs)) NoteOutage(rs, false, "");
             ports_.actions.DoUpAgainStuff(rs);
         });
     });
@@ -249,11 +249,17 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
     }
     ports_.person.SetTray(TrayPicture::Error, "Korvane: " + strDesc + " in failure state! ");
     SoundAlert("bRedAlert", "RedAlertWav");
+    if (nTries < 1 && tries == 1) NoteOutage(rs, true, strReason);  // without any actions
     if (tries != nTries) return "None.";
     return once_.OnOutage(id, [&] {
         NoteOutage(rs, true, strReason);
         return ports_.actions.DoFailureStateStuff(conn, rs, strReason);
     });
+}
+
+// With 0 tries every success is taken for a recovery.
+bool OutcomeAccounting::HasFailed(Recordset& rs) const {
+    return CounterOf(rs, "nTriesCur") > 0 || once_.ActedOnOutage(CounterOf(rs, "ID"));
 }
 
 void OutcomeAccounting::NoteOutage(Recordset& rs, bool isDown, const std::string& strReason) {

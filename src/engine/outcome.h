@@ -98,6 +98,7 @@ private:
     bool HasComeBack(Recordset& rs) const;
     std::string EnterFailureState(Recordset& rs, Connection& conn, std::int16_t tries, const std::string& strReason);
     void SoundAlert(const char* wantedKey, const char* fileKey);
+    bool HasFailed(Recordset& rs) const;
     void NoteOutage(Recordset& rs, bool isDown, const std::string& strReason);
     bool Guarded() const { return ports_.safeguards.IsOn("GuardBadEntries"); }
     std::int32_t AddOne(Recordset& rs, std::string_view column);

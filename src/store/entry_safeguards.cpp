@@ -17,73 +17,90 @@ constexpr std::string_view kForgetsDeleted =
     "CREATE TRIGGER IF NOT EXISTS EntrySafeguardsOfDeleted AFTER DELETE ON Servers BEGIN "
     "DELETE FROM EntrySafeguards WHERE idParent = OLD.ID; END";
 
-/// The open store for one piece of work.
-struct Work {
-    Work(Store& store, const std::string& connectionString) : conn(store.NewConnection()), rs(store.NewRecordset()) {
-        conn->SetConnectionString(connectionString);
-        conn->Open();
-    }
-    ~Work() {
-        rs->Close();
-        conn->Close();
-    }
-    Work(const Work&) = delete;
-    Work& operator=(const Work&) = delete;
+std::unique_ptr<Connection> Opened(Store& store, const std::string& connectionString) {
+    auto conn = store.NewConnection();
+    conn->SetConnectionString(connectionString);
+    conn->Open();
+    return conn;
+}
 
-    bool HasTable() {
-        rs->Open(kLooksForTable, *conn, CursorType::Static, LockType::Optimistic);
-        const bool there = rs->Fields("n").Value().Int64() > 0;
-        rs->Close();
+/// The table during one piece of work.
+class Table {
+public:
+    Table(Store& store, Connection& conn) : conn_(conn), rs_(store.NewRecordset()) {}
+
+    bool Exists() {
+        rs_->Open(kLooksForTable, conn_, CursorType::Static, LockType::Optimistic);
+        const bool there = rs_->Fields("n").Value().Int64() > 0;
+        rs_->Close();
         return there;
     }
 
-    void OpenRows(std::int64_t id) {
-        rs->Open("SELECT * FROM EntrySafeguards WHERE idParent = " + std::to_string(id), *conn, CursorType::Keyset,
-                 LockType::Optimistic);
+    void Create() {
+        conn_.Execute(kCreatesTable);
+        conn_.Execute(kForgetsDeleted);
     }
 
+    std::string Read(std::int64_t id, std::string_view key) {
+        return Find(id, key) ? rs_->Fields("strValue").Value().Text() : "";
+    }
+
+    void Write(std::int64_t id, std::string_view key, const std::string& value) {
+        const bool found = Find(id, key);
+        if (value.empty()) {
+            if (found) rs_->Delete();
+            return;
+        }
+        if (!found) {
+            rs_->AddNew();
+            rs_->Fields("idParent") = id;
+            rs_->Fields("strKey") = std::string(key);
+        }
+        rs_->Fields("strValue") = value;
+        rs_->Update();
+    }
+
+private:
     /// Moves to the row of the key; returns false if there is none.
-    bool Find(std::string_view key) {
-        while (!rs->Eof() && !EqualsNoCase(rs->Fields("strKey").Value().Text(), key))
-            rs->MoveNext();
-        return !rs->Eof();
+    bool Find(std::int64_t id, std::string_view key) {
+        rs_->Open("SELECT * FROM EntrySafeguards WHERE idParent = " + std::to_string(id), conn_, CursorType::Keyset,
+                  LockType::Optimistic);
+        while (!rs_->Eof() && !EqualsNoCase(rs_->Fields("strKey").Value().Text(), key))
+            rs_->MoveNext();
+        return !rs_->Eof();
     }
 
-    std::unique_ptr<Connection> conn;
-    std::unique_ptr<Recordset> rs;
+    Connection& conn_;
+    std::unique_ptr<Recordset> rs_;
 };
 
 }  // namespace
 
 std::string EntrySafeguards::Read(std::int64_t id, std::string_view key) const {
-    Work work(store_, connectionString_);
-    if (!work.HasTable()) return "";
-    work.OpenRows(id);
-    return work.Find(key) ? work.rs->Fields("strValue").Value().Text() : "";
+    const auto conn = Opened(store_, connectionString_);
+    Table table(store_, *conn);
+    return table.Exists() ? table.Read(id, key) : "";
 }
 
 void EntrySafeguards::Write(std::int64_t id, std::string_view key, const std::string& value) {
-    Work work(store_, connectionString_);
-    if (!work.HasTable()) {
+    const auto conn = Opened(store_, connectionString_);
+    Table table(store_, *conn);
+    if (!table.Exists()) {
         if (value.empty()) return;
-        work.conn->BeginTrans();
-        work.conn->Execute(kCreatesTable);
-        work.conn->Execute(kForgetsDeleted);
-        work.conn->CommitTrans();
+        conn->BeginTrans();
+        table.Create();
+        conn->CommitTrans();
     }
-    work.OpenRows(id);
-    const bool found = work.Find(key);
-    if (value.empty()) {
-        if (found) work.rs->Delete();
-        return;
+    table.Write(id, key, value);
+}
+
+void EntrySafeguards::Write(Connection& connection, std::int64_t id, std::string_view key, const std::string& value) {
+    Table table(store_, connection);
+    if (!table.Exists()) {
+        if (value.empty()) return;
+        table.Create();
     }
-    if (!found) {
-        work.rs->AddNew();
-        work.rs->Fields("idParent") = id;
-        work.rs->Fields("strKey") = std::string(key);
-    }
-    work.rs->Fields("strValue") = value;
-    work.rs->Update();
+    table.Write(id, key, value);
 }
 
 }  // namespace korvane

@@ -12,7 +12,7 @@ namespace korvane {
 
 class EntrySafeguards {
 public:
-    /// `connectionString` is that of the database. Each call opens a Connection of its own; store errors are passed to the caller.
+    /// `connectionString` is that of the database. A call opens a Connection of its own unless it gets one; store errors are passed to the caller.
     EntrySafeguards(Store& store, std::string connectionString) : store_(store), connectionString_(std::move(connectionString)) {}
 
     /// Returns the value of the entry; empty if it has none. Keys are case-insensitive.
@@ -20,6 +20,8 @@ public:
 
     /// An empty value removes it.
     void Write(std::int64_t id, std::string_view key, const std::string& value);
+    /// The same as part of the transaction that is open on `connection`.
+    void Write(Connection& connection, std::int64_t id, std::string_view key, const std::string& value);
 
 private:
     Store& store_;

@@ -95,6 +95,17 @@ TEST_F(GlanceTest, TheModelKeepsItsPromisesAndTheSelectionItsEntryThroughEveryFi
     }
 }
 
+TEST_F(GlanceTest, ColumnsFollowTheirContent) {
+    window->resize(2000, 800);
+    Add(3);
+    for (const char* group : {"a_group_with_a_long_name", "short"}) {
+        world->rows.Change("Servers", 2, {{"strGroup", group}});
+        window->RefreshURLList();
+        EXPECT_EQ(window->ListView1->columnWidth(column::Group) > window->fontMetrics().horizontalAdvance("a_group_with_a_long_"),
+                  std::string(group) != "short");
+    }
+}
+
 TEST_F(GlanceTest, NothingIsCutInASmallWindow) {
     Add(40);
     Get<QAbstractButton>("chipDown").toggle();

@@ -113,6 +113,7 @@ TEST(EntryDetail, TellsTheRowsAndCallsWhatIsUnreadableUnknown) {
     w.rows.Add({.strDesc = "", .dtNextCheck = DateTime::Of(2026, 11, 21, 15, 0, 40)});
     Play(R"(
 $ UPDATE Servers SET nFail = 0 => 10.0.0.1|UP, no failure on record|||Nobody is notified.|Not checked yet · next check in 40 s · an outage is noticed within 4 min
+$ UPDATE Servers SET nFail = 2 => 10.0.0.1|UP, no failure on record|||Nobody is notified.|Up-time 100.00 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET nFail = 2, nSuccess = 1998, nPercentUp = 99.9, datelastfail = '2026-11-20 13:00:00', strEmailList1 = 'a@x, b@x' => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Mailed to a@x, b@x: failures and recoveries|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET strEmailList1 = '', strEmailList2 = 'c@x', bSendUpNotify = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: the first list is empty.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 4 min
 $ UPDATE Servers SET strEmailList2 = NULL, nTries = 0 => 10.0.0.1|UP, last failure 11/20/2026 1:00:00 PM (1 d 2 h ago)|||Nobody is notified: with 0 tries no failure is mailed.|Up-time 99.90 % · next check in 40 s · an outage is noticed within 2 min
@@ -142,6 +143,8 @@ $ UPDATE Servers SET nTriesCur = 'x', nTries = 'x', dtNextCheck = 'soon', nPerce
               "to a@x;b@x: taken (250 OK)."));
     w.desk.alertPath.TestMail(false);
     EXPECT_TRUE(Holds(InSentences(w.Look(), then).notified, "recoveries (test mail failed)"));
+    EXPECT_TRUE(InSentences(w.Look(), then).failures.back().ends_with("up.sh was executed. Mail FAILED: '550'."));
+    EXPECT_TRUE(InSentences(w.Look(), then, false).figures.ends_with("· monitoring is stopped, so nothing is checked"));
     EXPECT_EQ(InWords(w.Look().hours) + "|" + InWords(w.Look().days),
               "11/20/2026 4:00:00 PM: 5.3 ms; 11/21/2026 2:00:00 PM: 310 ms, failures|11/20/2026: 1,235 ms; 11/21/2026: no data, "
               "failures");
@@ -343,7 +346,11 @@ TEST(EntryCsv, SaysWithTheLineWhatItRefusesAndWhatChanges) {
         "bIsMonitoring: 'maybe' is neither True nor False.. ; 2 2 strDesc 'a' → '=1'. ; 2 2 strDesc 'a' → ''=1'. ; 1 2 HTTP "
         "www.example.com. ; ");
     w.Set("HTTPStatusFails", "True");
-    ImportEntries(w.desk, PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n"));
+    const ImportPlan statuses = PlanImport(w.desk, "id;HTTPStatusGood;strGroup;strType\n1;401;a b;ftp\n");
+    w.store.faults.Add({.operation = StoreOperation::Update, .nth = 2});
+    EXPECT_THROW(ImportEntries(w.desk, statuses), Error);
+    EXPECT_EQ(w.Cells("strGroup") + w.desk.ofEntries.Read(1, "HTTPStatusGood"), "Group1; ") << "all or nothing";
+    ImportEntries(w.desk, statuses);
     EXPECT_EQ(w.Cells("strGroup|strType|strPort|strExpectedText") + w.desk.ofEntries.Read(1, "HTTPStatusGood"),
               "a_b; FTP; 21; 220,QUIT,221; 401");
     EXPECT_EQ(PlanImport(w.desk, ExportEntries(w.desk, true)).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.");
@@ -367,11 +374,14 @@ TEST(OutageNotes, OneAnEntryAndOutageAndOneForMany) {
     w.noteOutage = [&](const auto& entry, bool isDown, const auto& reason) { notes.Add(entry, isDown, reason); };
     const auto after = [&](std::chrono::seconds time) { return w.RunFor(time), std::exchange(shown, ""); };
     w.rows.Add({.strDesc = "", .strAddress_IP = "10.0.0.1", .strType = "PING", .nTries = 2});
-    w.net.Host("10.0.0.1").EchoSilent();
-    EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
-    EXPECT_EQ(after(600s), "") << "one an outage";
-    w.net.Host("10.0.0.1").Echo(3ms);
-    EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    for (const int tries : {2, 0}) {
+        w.rows.Change("Servers", 1, {{"nTries", tries}});
+        w.net.Host("10.0.0.1").EchoSilent();
+        EXPECT_TRUE(after(600s).starts_with("10.0.0.1 is DOWN: Ping Failure"));
+        EXPECT_EQ(after(600s), "") << "one an outage";
+        w.net.Host("10.0.0.1").Echo(3ms);
+        EXPECT_EQ(after(600s), "10.0.0.1 is UP again: The outage is over.; ");
+    }
     for (const char* name : {"a", "<b>", "c", "d", "e"})
         notes.Add(name, true, "why");
     notes.Add("f", false, "");

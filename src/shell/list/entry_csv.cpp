@@ -64,7 +64,6 @@ bool ImportPlan::CanImport() const {
 std::vector<std::string> ImportEntries(const Desk& desk, const ImportPlan& plan) {
     std::vector<std::string> ids;
     desk.entries.setServerEntryChangedIndex(kNoServerEntry);
-    std::vector<std::pair<std::int64_t, std::string>> goodStatuses;
     const ColumnValues values = NewEntryValues(desk);
     const IniFile::Batch batch(desk.settingsFile);
     const auto connection = OpenDatabase(desk.store, desk.dir);
@@ -86,11 +85,9 @@ std::vector<std::string> ImportEntries(const Desk& desk, const ImportPlan& plan)
         WriteRow(*row, each);
         ids.push_back(std::to_string(id));
         for (const EntryInput* change : each.changes)
-            if (change->key.empty()) goodStatuses.emplace_back(id, TrimAll(each.fields.HTTPStatusGood));
+            if (change->key.empty()) desk.ofEntries.Write(*connection, id, kHttpStatusGood, TrimAll(each.fields.HTTPStatusGood));
     }
     connection->CommitTrans();
-    for (const auto& [id, statuses] : goodStatuses)  // the database of the transaction is locked for their own connection
-        IgnoreErrors([&, of = id, &text = statuses] { desk.ofEntries.Write(of, kHttpStatusGood, text); });
     return ids;
 }
 

@@ -106,8 +106,11 @@ std::string SinceOutage(const EntryDetail& detail, DateTime now) {
 }
 
 std::string SinceLastFailure(const EntryDetail& detail, DateTime now) {
-    if (detail.nFail != 0) return ", last failure " + MomentText(detail.datelastfail) + Ago(detail.datelastfail, now);
-    return detail.datelastreset ? ", no failure since " + detail.datelastreset->Text() : ", no failure on record";
+    const std::optional<DateTime> last =
+        detail.datelastfail || detail.failures.empty() ? detail.datelastfail : detail.failures.front().dateFail;
+    if (detail.nFail != 0 && (last || !detail.failures.empty())) return ", last failure " + MomentText(last) + Ago(last, now);
+    return detail.nFail == 0 && detail.datelastreset ? ", no failure since " + detail.datelastreset->Text()
+                                                     : ", no failure on record";
 }
 
 std::string Since(const EntryDetail& detail, DateTime now) {
@@ -152,10 +155,11 @@ std::string NoticedWords(const EntryDetail& detail) {
     return "an outage is noticed within " + LengthInWords(std::chrono::minutes(minutes));
 }
 
-std::string Figures(const EntryDetail& detail, DateTime now) {
+std::string Figures(const EntryDetail& detail, DateTime now, bool monitoring) {
     std::string upTime = "Not checked yet";
     if (!detail.nSuccess || !detail.nFail || *detail.nSuccess + *detail.nFail != 0)
         upTime = "Up-time " + (detail.nPercentUp ? FormatFixed(*detail.nPercentUp, 2) + " %" : std::string(kUnknown));
+    if (!monitoring) return upTime + " · monitoring is stopped, so nothing is checked";
     return upTime + " · " + NextCheck(detail, now) + " · " + NoticedWords(detail);
 }
 
@@ -164,6 +168,12 @@ std::string Measured(const CheckPhases& phases) {
     for (const auto& [name, took] : PhasesInWords(phases))
         words += (words.empty() ? "Last check: " : " · ") + name + " " + took;
     return words;
+}
+
+std::string FailureLine(const EntryDetail::Failure& failure, DateTime now) {
+    const std::string action = ActionInWords(failure.strAction);
+    return ShortMoment(failure.dateFail, now) + "  " + NumberText(failure.nFailCount) + " of " + NumberText(failure.nFailMax) +
+           "  " + Or(failure.strReason, "no reason given") + (action.empty() ? "" : "  " + action);
 }
 
 }  // namespace
@@ -205,7 +215,7 @@ std::string LengthInWords(std::chrono::seconds length) {
     return pair(all / 86400, " d", all % 86400 / 3600, " h");
 }
 
-EntrySentences InSentences(const EntryDetail& detail, DateTime now) {
+EntrySentences InSentences(const EntryDetail& detail, DateTime now, bool monitoring) {
     if (!detail.isThere) return {.title = "This server cannot be read."};
     EntrySentences sentences{
         .title = detail.strDesc.empty() ? detail.strAddress_IP : detail.strDesc + " · " + detail.strAddress_IP,
@@ -214,14 +224,13 @@ EntrySentences InSentences(const EntryDetail& detail, DateTime now) {
         .reason = Reason(detail),
         .done = Done(detail, now),
         .notified = Notified(detail),
-        .figures = Figures(detail, now),
+        .figures = Figures(detail, now, monitoring),
         .measured = Measured(detail.phases),
     };
     if (const std::string certificate = CertificateInWords(detail.phases, now); !certificate.empty())
         sentences.certificate = "Certificate " + certificate;
     for (const EntryDetail::Failure& failure : detail.failures)
-        sentences.failures.push_back(ShortMoment(failure.dateFail, now) + "  " + NumberText(failure.nFailCount) + " of " +
-                                     NumberText(failure.nFailMax) + "  " + Or(failure.strReason, "no reason given"));
+        sentences.failures.push_back(FailureLine(failure, now));
     return sentences;
 }
 

@@ -19,7 +19,7 @@ struct EntrySentences {
     std::string figures = {};   ///< up-time, next check, and how soon an outage is noticed
     std::string measured = {};  ///< "Last check: connect 0.2 ms · first byte 31 ms · whole 31.3 ms"; empty when it is not kept
     std::string certificate = {};  ///< "Certificate ends in 20 d 3 h, on 12/11/2026 6:00:00 PM"; empty when none is known
-    std::vector<std::string> failures = {};  ///< "5:29:00 PM  33 of 3  Connection timed out", the newest first
+    std::vector<std::string> failures = {};  ///< "5:29:00 PM  3 of 3  Connection timed out  Mail sent to a@x", the newest first
 };
 
 /// Returns each phase with its name: "name" and "12 ms", the wait for a text of a conversation as "'220'", what is in no phase as
@@ -29,7 +29,8 @@ std::vector<std::pair<std::string, std::string>> PhasesInWords(const CheckPhases
 /// Returns "ends in 20 d 3 h, on 12/11/2026 6:00:00 PM", or "has ended ..."; empty without a certificate.
 std::string CertificateInWords(const CheckPhases& phases, DateTime now);
 
-EntrySentences InSentences(const EntryDetail& detail, DateTime now);
+/// `monitoring` is false while monitoring is stopped.
+EntrySentences InSentences(const EntryDetail& detail, DateTime now, bool monitoring = true);
 
 /// Returns "1 h 19 min", "3 d 4 h", "2 min" or "45 s", without the sign.
 std::string LengthInWords(std::chrono::seconds length);

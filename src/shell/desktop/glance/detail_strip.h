@@ -36,6 +36,9 @@ public:
     /// visible, and only if the entry was checked or changed meanwhile, or after a minute; once the event loop runs again.
     void SetSelected(std::vector<ServerRow> rows);
 
+    /// While monitoring is stopped, the strip promises no check.
+    void SetMonitoring(bool on);
+
     /// The strip is visible if the operator wants it and the window is high enough.
     void SetWanted(bool wanted);
     void SetWindowHeight(int height);
@@ -49,6 +52,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    static constexpr int kLines = 10;  ///< of text in the strip
+    static constexpr int kEdge = 4;    ///< in the colour of the state
+    static constexpr const char* kDaysKey = "Alt+6";
+
     QWidget* BuildTimes();
     QWidget* BuildFailures();
     void ShowIfWanted();
@@ -68,6 +75,7 @@ private:
     EntryDetail detail_;
     DateTime readAt_;
     RowIcon state_ = RowIcon::Inactive;
+    bool monitoring_ = true;
     bool wanted_ = true;
     int windowHeight_ = 0;
     bool later_ = false;

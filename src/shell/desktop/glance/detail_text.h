@@ -1,6 +1,8 @@
-// Formatted text to read, which can be selected and copied.
+// Formatted text to read, which can be selected and copied. Lines that do not wrap end in dots where they are cut; a tool tip has
+// them whole.
 #pragma once
 
+#include <QTextBlock>
 #include <QTextEdit>
 
 namespace korvane {
@@ -13,10 +15,15 @@ public:
     QSize minimumSizeHint() const override { return {0, 0}; }
 
 protected:
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     /// Copying with nothing selected is left to the window.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// The line goes on beyond the right edge.
+    bool IsCut(const QTextBlock& line) const;
+
     QString html_;
 };
 

@@ -14,6 +14,11 @@ namespace {
 constexpr int kFindCharacters = 34;
 constexpr int kLeastFindCharacters = 14;
 
+/// Styles hardly show that a button is pressed for good.
+constexpr const char* kPressedLook =
+    "QPushButton:checked { background: palette(highlight); color: palette(highlighted-text); border: 1px solid "
+    "palette(highlight); border-radius: 3px; } QPushButton:checked:focus { border-color: palette(text); }";
+
 }  // namespace
 
 ListBar::ListBar(QAction& problemsFirst, std::function<void()> changed, std::function<void()> leave, QWidget* parent)
@@ -64,6 +69,8 @@ QPushButton* ListBar::AddProblemsFirst(QAction& problemsFirst) {
     button->setToolTip("Shows servers that are DOWN first, then those that fail");
     button->setCheckable(true);
     button->setAutoDefault(false);
+    button->setMinimumSize(button->sizeHint());
+    button->setStyleSheet(kPressedLook);
     connect(button, &QPushButton::toggled, &problemsFirst, &QAction::setChecked);
     connect(&problemsFirst, &QAction::toggled, button, &QPushButton::setChecked);
     return button;

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <algorithm>
 
+#include "shell/desktop/glance/detail_strip.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/desktop/monitors/resource_form.h"
@@ -67,6 +68,7 @@ void frmMonitor::SetMonitoring(bool on) {
     setWindowIcon(ProgramIcon(on));
     tray_.SetMonitoring(on);
     if (on) ShowStopStart(true);
+    detail_->SetMonitoring(on);
     if (run_ != nullptr) ShowStopped();
 }
 
@@ -105,10 +107,8 @@ void frmMonitor::RefreshURLList() {
     const int row = ListView1->currentIndex().row();
     model_->SetRows(std::move(rows));
     ShowCounts();
-    if (model_->All().size() != before) {
-        Form_Resize();
-        columns_->Fit();
-    }
+    if (model_->All().size() != before) Form_Resize();
+    columns_->FitTo(model_->All());
     ShowDetail();
     // The keyboard gets a row to start from, and after the last selected row has gone, the one that took its place.
     if (wasEmpty || (hadSelection && !ListView1->selectionModel()->hasSelection())) SelectRow(std::max(row, 0));

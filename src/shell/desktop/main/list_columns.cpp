@@ -4,12 +4,12 @@
 #include <QHeaderView>
 #include <QStyle>
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "shell/list/server_list.h"
 
 namespace korvane {
 namespace {
@@ -21,7 +21,7 @@ constexpr int kWidest = 2000;
 
 /// Space reserved in columns whose text changes by itself, so that they need not grow later.
 constexpr const char* kUsualTexts[column::Count] = {
-    "", "", "", "Failing 10 of 10", "59 secs. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
+    "", "", "", "Failing 10 of 10", "59.99 min. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
 
 /// The texts to scan for are often long and seldom looked at.
 constexpr int kMostScanCharacters = 12;
@@ -36,6 +36,17 @@ std::string Joined(const std::vector<int>& numbers) {
     for (const int number : numbers)
         text += (text.empty() ? "" : ",") + std::to_string(number);
     return text;
+}
+
+/// Texts that fit into the reserved space do not count, since they change all the time.
+std::vector<std::size_t> LengthsOf(const SharedRows& rows) {
+    std::vector<std::size_t> lengths{rows.size()};
+    for (std::size_t column = 0; column < column::LastResponse; ++column) {
+        lengths.push_back(std::string_view(kUsualTexts[column]).size());
+        for (const auto& row : rows)
+            lengths.back() = std::max(lengths.back(), row->cells[column].size());
+    }
+    return lengths;
 }
 
 /// Returns the whole numbers between commas; empty unless there are `count` of them.
@@ -75,6 +86,13 @@ int ListColumns::Need(int column) const {
     int content = static_cast<const QAbstractItemView&>(list_).sizeHintForColumn(column);
     if (column == column::ScanText) content = std::min(content, kMostScanCharacters * list_.fontMetrics().averageCharWidth());
     return std::max({usual, content, list_.header()->sectionSizeHint(column)});
+}
+
+void ListColumns::FitTo(const SharedRows& rows) {
+    std::vector<std::size_t> lengths = LengthsOf(rows);
+    if (lengths == lengths_) return;
+    lengths_ = std::move(lengths);
+    Fit();
 }
 
 void ListColumns::Fit() {

@@ -4,9 +4,11 @@
 
 #include <QObject>
 #include <QTreeView>
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "shell/list/list_filter.h"
 #include "store/ini_file.h"
 
 namespace korvane {
@@ -16,7 +18,9 @@ public:
     /// `list` must outlive this and must already have its model.
     ListColumns(QTreeView& list, QObject* parent);
 
-    /// To be called after rows were added, removed or changed. A change of the list's own width is handled automatically.
+    /// To be called after each refresh: fits the columns if there are more or fewer rows, or a longer text than before. A change of
+    /// the list's own width is handled automatically.
+    void FitTo(const SharedRows& rows);
     void Fit();
 
     void Restore(IniFile& file);
@@ -33,6 +37,7 @@ private:
     bool Chosen() const { return !storedWidths_.empty() || Widths() != fitted_; }
 
     QTreeView& list_;
+    std::vector<std::size_t> lengths_;  ///< number of rows, and the longest text of each column, when they were fitted
     std::vector<int> needs_;
     std::vector<int> fitted_;
     std::string storedWidths_;
