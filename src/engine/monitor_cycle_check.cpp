@@ -26,6 +26,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     const bool isUrl = kind == CheckKind::Http || kind == CheckKind::Https;
     const TimedCheckResult result =
         isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
+    state_.lastCheck = ports_.clock.UtcNow();
     tick.strReason = result.strReason;
     rs.Fields("strLastResponse") = WithoutControls(Left(result.response, kMostStoredCharacters));
 

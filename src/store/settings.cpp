@@ -51,6 +51,9 @@ const Settings::ReadStep Settings::kReadSteps[] = {
 
 namespace {
 
+/// Settings that are no safeguards and mean nothing until the operator writes them.
+constexpr std::string_view kOptionalKeys[] = {"Figures"};
+
 constexpr std::string_view kNumURLs = "NumURLs";
 constexpr std::string_view kUniqueid = "uniqueid";
 constexpr int kTwipsBesideWindow = 600;
@@ -108,10 +111,15 @@ void Settings::ReadInGlobalSettings() {
 
 // Only a key that is in the file comes into the collection, and so only such a key is saved again.
 void Settings::ReadSafeguards() {
-    for (const Safeguard& safeguard : AllSafeguards()) {
-        const std::string value = ports_.file.Read(kSettingsSection, safeguard.key, "");
-        if (!value.empty()) ports_.collection.setKvSettingsColValue(safeguard.key, value);
-    }
+    for (const Safeguard& safeguard : AllSafeguards())
+        ReadIfThere(safeguard.key);
+    for (const std::string_view key : kOptionalKeys)
+        ReadIfThere(key);
+}
+
+void Settings::ReadIfThere(std::string_view key) {
+    const std::string value = ports_.file.Read(kSettingsSection, key, "");
+    if (!value.empty()) ports_.collection.setKvSettingsColValue(key, value);
 }
 
 std::string Settings::DefaultOf(const ReadStep& step) const {
@@ -177,6 +185,8 @@ void Settings::SaveGlobalKeys() {
         SaveKey(key);
     for (const Safeguard& safeguard : AllSafeguards())
         SaveKey(safeguard.key);
+    for (const std::string_view key : kOptionalKeys)
+        SaveKey(key);
 }
 
 void Settings::SaveKey(std::string_view key) {

@@ -108,6 +108,7 @@ private:
     void RestoreWindowSize();
     void ReadNumURLs();
     void ReadSafeguards();
+    void ReadIfThere(std::string_view key);
     void SaveGlobalKeys();
     void SaveKey(std::string_view key);
     void SaveAndMarkImported();

@@ -83,13 +83,17 @@ constexpr OptionsInput kOptionsInputs[] = {
     {"ServerBackup", &OptionsFields::ServerBackup, AsTyped, "txtServerBackup", "Mail s&erver:",
      "The mail server that is used when the primary one fails. Blank means none, and so does a name of 5 characters or fewer.",
      "Backup SMTP server"},
+    {.key = "Figures",
+     .control = {"ckFigures", "Write fi&gures for other programs",
+                 "Writes status.json and metrics.prom into the report folder, with each publication and once a minute."},
+     .mark = &OptionsFields::Figures},
 };
 
 void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& fields) {
-    if (input.mark != nullptr) return desk.collection.setKvSettingsColValue(input.key, fields.*input.mark ? "True" : "False");
-    const std::string value = *input.stored(fields.*input.text, fields);
-    // A safeguard that is blank and was never set stays out of the file.
-    if (value.empty() && desk.collection.Find(input.key) == nullptr) return;
+    const bool isText = input.mark == nullptr;
+    const std::string value = isText ? *input.stored(fields.*input.text, fields) : fields.*input.mark ? "True" : "False";
+    // What was added and is off stays out of the file if it was never set.
+    if (value == (isText ? "" : "False") && desk.collection.Find(input.key) == nullptr) return;
     desk.collection.setKvSettingsColValue(input.key, value);
 }
 

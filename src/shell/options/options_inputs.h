@@ -42,6 +42,7 @@ struct OptionsFields {
     bool RebootAny = false;
     bool bYellowAlert = false;
     bool bRedAlert = false;
+    bool Figures = false;
 };
 
 using OptionsInput = FormInput<OptionsFields>;

@@ -80,6 +80,7 @@ void frmOptions::AddReportsPage() {
     AddAlert(AddGroup(page, "Red alert"), &OptionsFields::bRedAlert, &OptionsFields::RedAlertWav,
              {"cmdRedAlertWav", "Br&owse...", "Looks for the wave file on your disk.", "Browse for the sound of the red alert"},
              {"cmdTestRedAlert", "P&lay", "Plays the sound now.", "Play the sound of the red alert"});
+    page.addWidget(inputs_.AddMark(&OptionsFields::Figures, this));
     page.addStretch();
 }
 
