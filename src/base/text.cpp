@@ -139,6 +139,12 @@ std::string WithoutControls(std::string_view text) {
     return plain;
 }
 
+std::string OneLine(std::string_view text, std::size_t most) {
+    std::string line = WithoutControls(Left(ToUtf8(std::string(text)), most));
+    std::replace_if(line.begin(), line.end(), IsControl, ' ');
+    return line;
+}
+
 bool LessNoCase::operator()(std::string_view a, std::string_view b) const {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                         [](char x, char y) { return LowerChar(x) < LowerChar(y); });

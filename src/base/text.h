@@ -40,6 +40,9 @@ std::size_t Utf8Size(std::string_view bytes);
 /// break off.
 std::string WithoutControls(std::string_view text);
 
+/// Returns the first `most` characters as UTF-8, with a space in place of each control character.
+std::string OneLine(std::string_view text, std::size_t most);
+
 /// Case-insensitive order, for maps keyed by names of columns, sections and keys.
 struct LessNoCase {
     using is_transparent = void;

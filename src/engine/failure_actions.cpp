@@ -19,6 +19,9 @@ constexpr seconds kDueSoon{360};
 
 constexpr int kUnused = 0;
 
+/// The one failure that has no reason of its own.
+constexpr std::string_view kNoExpectedText = "The expected text is not in the answer.";
+
 std::string Lines(std::initializer_list<std::string> lines) {
     std::string text;
     for (const std::string& line : lines)
@@ -54,7 +57,8 @@ std::future<Value> ReadAhead(Recordset& rs, const char* column) {
 struct ServerActions::FailedEntry {
     Recordset& rs;
     std::string strAddress_IP = ColumnText(rs, "strAddress_IP");
-    std::string strURL = UrlOf(ColumnText(rs, "strType"), strAddress_IP);
+    std::string strType = ColumnText(rs, "strType");
+    std::string strURL = UrlOf(strType, strAddress_IP);
     std::string strDesc = ColumnText(rs, "strDesc");
     std::string strEmailBody = ColumnText(rs, "strEmailBody");
     std::string strEmailText = ColumnText(rs, "strEmailText");
@@ -73,6 +77,7 @@ struct ServerActions::FailedEntry {
 
 std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, const std::string& strReason) {
     std::string strAction = "None.";
+    const DateTime now = ports_.clock.Now();
     try {
         FailedEntry entry{rs};
         strAction += IsBlank(entry.strCMD) ? "<ul><li>No commands are configured to be executed."
@@ -85,8 +90,10 @@ std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, 
                            "the server comes back up. "
                          : "<li>Server configured so a Server UP Notification <b>WILL NOT</b> be sent.";
         strAction += "</ul>";
-        ports_.trace.RunTraceRoute(entry.strAddress_IP, entry.ID.get().Int64());
-        RunCommandOf(entry.strCMD);
+        const std::int64_t id = entry.ID.get().Int64();
+        ports_.trace.RunTraceRoute(entry.strAddress_IP, id);
+        RunCommandOf(entry.strCMD, {std::to_string(id), entry.strDesc, entry.strAddress_IP, entry.strType, status::kDown,
+                                    Or(strReason, std::string(kNoExpectedText)), now});
     } catch (const std::exception& error) {
         ports_.status.setStatusMSG("DoFailureStateStuff: Error: " + std::string(error.what()));
         LogError("frmMonitor:DoFailureStateStuff: Errors block: " + std::string(error.what()));
@@ -150,8 +157,8 @@ std::string ServerActions::HandOver(const FailedEntry& entry, const Notification
     return done;
 }
 
-void ServerActions::RunCommandOf(const std::string& strCommand) {
-    if (!IsBlank(strCommand)) ports_.commands.RunCommand(strCommand, kUnused, WindowStyle::Normal);
+void ServerActions::RunCommandOf(const std::string& strCommand, const ChangedEntry& entry) {
+    if (!IsBlank(strCommand)) ports_.commands.RunCommand(strCommand, kUnused, WindowStyle::Normal, VariablesOf(entry));
 }
 
 bool ServerActions::AreAllServersFailing(Connection& conn) {
@@ -168,6 +175,12 @@ bool ServerActions::AreAllServersFailing(Connection& conn) {
 void ServerActions::DoUpAgainStuff(Recordset& rs) {
     const std::string strDesc = TextOrEmpty(rs, "strDesc");
     const std::string strCMDUP = TextOrEmpty(rs, "strCMDUP");
+    ChangedEntry entry{.name = strDesc, .state = status::kUp, .since = ports_.clock.Now()};
+    if (!IsBlank(strCMDUP)) {  // before the mail: while it is sent, an editor may change or remove the row
+        entry.id = TextOrEmpty(rs, "ID");
+        entry.address = TextOrEmpty(rs, "strAddress_IP");
+        entry.type = TextOrEmpty(rs, "strType");
+    }
     const std::string body = UpMail(rs, strDesc, strCMDUP);
     const std::string subject = "SERVER BACK UP (" + TextOrEmpty(rs, "strEmailText") + ") " + strDesc;
     if (IsSet(rs, "bSendUpNotify", true)) {  // an unneeded mail is better than a missing one
@@ -178,7 +191,7 @@ void ServerActions::DoUpAgainStuff(Recordset& rs) {
         if (!outcome.sent)
             LogError("frmMonitor:DoUpAgainStuff: Server UP Email Notification FAILED because '" + outcome.strError + "'.");
     }
-    RunCommandOf(strCMDUP);
+    RunCommandOf(strCMDUP, entry);
 }
 
 SendOutcome ServerActions::HandOverRecovery(const Notification& mail, Recordset& rs) {

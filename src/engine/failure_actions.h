@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "engine/changed_entry.h"
 #include "engine/collaborators.h"
 #include "engine/run_command.h"
 #include "engine/trace_route.h"
@@ -67,7 +68,7 @@ private:
     std::string MailFailure(const FailedEntry& entry, const std::string& body);
     std::string HandOver(const FailedEntry& entry, const Notification& mail);
     SendOutcome HandOverRecovery(const Notification& mail, Recordset& rs);
-    void RunCommandOf(const std::string& strCommand);
+    void RunCommandOf(const std::string& strCommand, const ChangedEntry& entry);
     void LogError(const std::string& message) { ports_.log.WriteLog(kLogFatal, kLogError, message); }
 
     Ports ports_;

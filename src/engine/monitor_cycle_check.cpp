@@ -27,6 +27,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     const TimedCheckResult result =
         isUrl ? RequestUrl(rs, kind == CheckKind::Http ? "http" : "https") : PingOrTalk(rs, kind == CheckKind::Ping);
     ports_.keeper.Take(rs, result);
+    state_.lastCheck = ports_.clock.UtcNow();
     tick.strReason = result.strReason;
     rs.Fields("strLastResponse") = WithoutControls(Left(result.response, kMostStoredCharacters));
 

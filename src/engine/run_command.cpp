@@ -4,11 +4,13 @@
 
 namespace korvane {
 
-void CommandRunner::RunCommand(const std::string& strCommand, int /*nUnused*/, WindowStyle nWindowStyle) {
+void CommandRunner::RunCommand(const std::string& strCommand, int /*nUnused*/, WindowStyle nWindowStyle,
+                               const Variables& variables) {
     const std::string kRoutine = "frmMonitor:RunCommand: ";
     std::string problem;
     try {
-        if (ports_.processes.Shell(strCommand, nWindowStyle) == 0) problem = "Program failed to execute: '" + strCommand + "'";
+        if (ports_.processes.Shell(strCommand, nWindowStyle, variables) == 0)
+            problem = "Program failed to execute: '" + strCommand + "'";
     } catch (const std::exception& error) {
         problem = strCommand + " program could not be executed because " + error.what();
     }

@@ -19,9 +19,9 @@ public:
 
     explicit CommandRunner(const Ports& ports) : ports_(ports) {}
 
-    /// Starts the command line and returns at once; status line and log say whether it started. Never tries again. Throws
-    /// nothing.
-    void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle);
+    /// Starts the command line and returns at once; status line and log say whether it started. `variables` are in the environment
+    /// of the command and nowhere else. Never tries again. Throws nothing.
+    void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle, const Variables& variables = {});
 
 private:
     Ports ports_;

@@ -3,8 +3,13 @@
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace korvane {
+
+/// Variables of an environment, as name and value. None of the texts contains a NUL.
+using Variables = std::vector<std::pair<std::string, std::string>>;
 
 enum class WindowStyle { Hidden = 0, Normal = 1 };
 
@@ -16,8 +21,9 @@ public:
     /// its output is discarded, it outlives this program (unless a service manager ends it together with the service), and it
     /// leaves no zombie when it ends. A line with quotes, variables, pipes or other shell characters is run by the shell; a plain
     /// one is started directly, so that a missing program throws Error with the reason; built-in commands of the shell (cd, exec)
-    /// then count as missing. `style` matters only where a program has a window of its own.
-    virtual int Shell(const std::string& command, WindowStyle style) = 0;
+    /// then count as missing. `style` matters only where a program has a window of its own. The environment is that of this program
+    /// with `variables` added, which replace those of the same name.
+    virtual int Shell(const std::string& command, WindowStyle style, const Variables& variables = {}) = 0;
 
     /// Returns what the user has chosen for files with this extension ("htm", without a dot): the name of a desktop entry, or a
     /// command. Empty: nothing.

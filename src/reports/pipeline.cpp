@@ -29,6 +29,7 @@ Reports::Reports(const Ports& ports, std::string dir)
     : ports_(ports),
       dir_(std::move(dir)),
       folder_(ports.files, ports.clock, ports.settings, dir_),
+      figures_(ports_, folder_, dir_),
       lastPublish_(ports.clock.Now() - kRecentAtStart) {}
 
 void Reports::PublishReports(bool bQuiet, std::string& strErr) {
@@ -86,6 +87,7 @@ void Reports::PublishAll(bool bQuiet, std::string& strErr) {
         ports_.status.setStatusMSG("   Reading Server Records " + idCustomer + "...");
         publication.OrAdd(" Err - PublishReportsPerCust: ", [&] { PublishReportsPerCust(publication, idCustomer); });
     }
+    if (figures_.IsOn()) publication.OrAdd(" Err - PublishFigures: ", [&] { figures_.Write(*connection); });
 }
 
 std::unique_ptr<Recordset> Reports::GroupsOf(const std::string& idCustomer, Connection& connection) {

@@ -20,6 +20,7 @@ constexpr std::size_t kFolderLevels = 2;
 constexpr std::size_t kPageLevels = 3;
 
 constexpr std::string_view kReportMark = "[[REPORT]]";
+constexpr const char* kLineEnd = "\r\n";  // after each page
 
 // Returns an empty text when the file does not exist or cannot be read.
 std::string FileText(Files& files, const std::string& path) {
@@ -53,7 +54,7 @@ bool ReportFolder::IsInPlace(const std::string& path, std::size_t levels) const 
 void ReportFolder::RequireInside(const std::string& folder) {
     std::string root = files_.RealPath(Root());
     if (!root.ends_with('/')) root += '/';
-    if (!files_.RealPath(folder).starts_with(root)) throw Error("a link leads out of the report folder");
+    if (!(files_.RealPath(folder) + "/").starts_with(root)) throw Error("a link leads out of the report folder");
 }
 
 void ReportFolder::CreateFolder(const std::string& path) {
@@ -90,22 +91,29 @@ void ReportFolder::MergeInPieces(std::string_view templateFile, const PageConten
 }
 
 void ReportFolder::Write(const std::string& path, const std::string& page) {
-    WritePieces(path, [&](const TakeText& take) { take(page); });
+    WritePieces(path, [&](const TakeText& take) {
+        take(page);
+        take(kLineEnd);
+    });
+}
+
+void ReportFolder::WriteFigures(const std::string& name, const Pieces& text) {
+    WritePieces(Root() + "/" + name, text);
 }
 
 void ReportFolder::WriteLong(const std::string& path, std::string_view templateFile, const PageContents& contents,
                              const Pieces& report) {
-    WritePieces(path, [&](const TakeText& take) { MergeInPieces(templateFile, contents, report, take); });
+    WritePieces(path, [&](const TakeText& take) {
+        MergeInPieces(templateFile, contents, report, take);
+        take(kLineEnd);
+    });
 }
 
 void ReportFolder::WritePieces(const std::string& path, const Pieces& page) {
     try {
         if (!IsInPlace(path, kPageLevels)) throw Error("it is not below the report folder");
         RequireInside(path.substr(0, path.rfind('/')));
-        files_.PublishPage(path, [&](const TakeText& take) {
-            page(take);
-            take("\r\n");
-        });
+        files_.PublishPage(path, page);
     } catch (const std::exception& error) {
         throw Error("The page " + path + " can't be written: " + error.what());
     }

@@ -57,6 +57,9 @@ public:
     /// replaces the report of `contents`.
     void WriteLong(const std::string& path, std::string_view templateFile, const PageContents& contents, const Pieces& report);
 
+    /// Replaces a file for other programs in the report folder itself, in the same way and exactly by the pieces of `text`.
+    void WriteFigures(const std::string& name, const Pieces& text);
+
     /// Returns false also where no such file is possible.
     bool Exists(const std::string& path);
 

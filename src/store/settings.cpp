@@ -52,6 +52,9 @@ const Settings::ReadStep Settings::kReadSteps[] = {
 
 namespace {
 
+/// Settings that are no safeguards and mean nothing until the operator writes them.
+constexpr std::string_view kOptionalKeys[] = {"Figures"};
+
 constexpr std::string_view kNumURLs = "NumURLs";
 constexpr std::string_view kUniqueid = "uniqueid";
 constexpr int kTwipsBesideWindow = 600;
@@ -66,7 +69,7 @@ constexpr std::string_view kSaveOrder[] = {
 };
 
 // Missing until the user has changed what they keep; saved after all others.
-constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases", "CertWarnDays"};
+constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases", "CertWarnDays", "Figures"};
 
 std::vector<std::string_view> OptionalKeys() {
     std::vector<std::string_view> keys;

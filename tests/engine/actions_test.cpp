@@ -98,6 +98,21 @@ TEST(FailureState, AllServersAreFailingWhenNoneThatIsDueWithinSixMinutesIsUp) {
     EXPECT_FALSE(Holds(none.Fail(), kAllFailing));
 }
 
+TEST(Commands, AreToldOfTheEntryInTheirEnvironmentInShortLines) {
+    const Row commands{{"strCMD", "fix it"}, {"strCMDUP", "cheer"}, {"strDesc", "w\r\ne\tb" + std::string(65536, 'x')}};
+    Outage outage(commands);
+    outage.RunFor(9s);
+    const std::string entry = "KORVANE_ID=7|KORVANE_NAME=w  e b...|KORVANE_ADDRESS=web/a|KORVANE_TYPE=HTTP|KORVANE_STATE=";
+    EXPECT_EQ(ReplaceAll(outage.processes.environment, std::string(994, 'x'), "..."),
+              entry + "DOWN|KORVANE_REASON=Reason 'no answer'|KORVANE_SINCE=2026-11-21 15:00:02|" + entry +
+                  "UP|KORVANE_REASON=|KORVANE_SINCE=2026-11-21 15:00:07|");
+    EXPECT_EQ(outage.TakeStarted(), (Texts{kTrace, "fix it", "cheer"}));
+    Outage text(Row{{"strCMD", "fix it"}, {"strExpectedText", "text"}, {"strAddress_IP", "web/b"}});
+    text.net.Page("http://web/b").Answer("another");
+    text.Fail();
+    EXPECT_TRUE(Holds(text.processes.environment, "|KORVANE_REASON=The expected text is not in the answer.|"));
+}
+
 TEST(UpAgain, TellsOfTheReturnWithTheTraceOfTheFailureThoughNotEverythingCanBeRead) {
     const std::string expected =
         "SERVER BACK UP (Down!) web 11/21/2026 3:00:07 PM|Time: 11/21/2026 3:00:07 PM\r\n\r\nThe Server HTTP://web/a (web) can "

@@ -82,6 +82,80 @@ TEST_F(CommandsTest, RunInTheShellOrSayWhyNotAndHaveNothingOfOurs) {
     EXPECT_LE(openIn("/proc/self"), open + 1);
 }
 
+TEST_F(CommandsTest, GetVariablesThatNobodyElseGets) {
+    ::setenv("KORVANE_TRIED", "inherited", 1);
+    Write("look", "printf '%s|%s' \"$KORVANE_TRIED\" \"${KORVANE_OTHER-none}\" > " + out, fs::perms(0700));
+    for (const std::string& command : {folder + "look", "sh " + folder + "look", "sh '" + folder + "look'"}) {
+        processes.Shell(command, WindowStyle::Normal, {{"KORVANE_TRIED", "a 'b' $(c)\n"}, {"KORVANE_OTHER", ""}});
+        EXPECT_TRUE(Wait([&] { return ReadAll(out) == "a 'b' $(c)\n|"; })) << command;
+        EXPECT_EQ(Run(command), "inherited|none");
+    }
+    ::unsetenv("KORVANE_TRIED");
+}
+
+// Stands for the hosts of the manual's recipes and for the system's log: writes down what came.
+constexpr const char* kStandIn = R"(
+import http.server, json, os, socket, ssl, urllib.parse
+log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+log.bind("log")
+class Handler(http.server.BaseHTTPRequestHandler):
+    def do_POST(self):
+        body = self.rfile.read(int(self.headers["Content-Length"])).decode()
+        form = "form" in self.headers["Content-Type"]
+        note(self.headers["Host"] + self.path, urllib.parse.parse_qsl(body) if form else json.loads(body))
+        self.send_response(200)
+        self.end_headers()
+def note(*words):
+    open("new", "w", encoding="utf-8").write(" ".join(map(str, words)))
+    os.rename("new", "out")
+server = http.server.HTTPServer(("127.0.0.1", 0), Handler)
+context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+context.load_cert_chain("both")
+server.socket = context.wrap_socket(server.socket, server_side=True)
+open(".curlrc", "w").write('connect-to = "::127.0.0.1:%d"\ncacert = "%s/both"\n' % (server.server_port, os.getcwd()))
+note("ready")
+server.handle_request()
+server.handle_request()
+note(log.recv(2000).decode().split(" korvane: ")[1])
+)";
+
+TEST_F(CommandsTest, OfTheManualPostToAChatAPushServiceAndTheSystemsLog) {
+    const std::string manual = ReadAll(KORVANE_SOURCE_DIR "/docs/manual.md");
+    const auto begin = manual.find("\n## Commands know what happened\n");
+    Write("logger", "#!/bin/sh\nexec /usr/bin/logger --socket " + folder + "log \"$@\"", fs::perms(0700));
+    Write("stand-in", kStandIn);
+    const int pid =
+        processes.Shell("cd " + folder +
+                            " && exec > trouble 2>&1 && openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=x -addext "
+                            "subjectAltName=DNS:*.example.com -keyout both -out both && exec /usr/bin/python3 stand-in",
+                        WindowStyle::Normal);
+    const Variables variables{{"KORVANE_NAME", "B\u00FCro \"A\\n\" & `touch bad` $(touch bad) %s"},
+                              {"KORVANE_ADDRESS", "web"},
+                              {"KORVANE_STATE", "DOWN"},
+                              {"KORVANE_REASON", "<no> answer;"},
+                              {"KORVANE_SINCE", "2026-11-21 15:04:05"},
+                              {"CURL_HOME", folder},
+                              {"PATH", folder + ":" + ::getenv("PATH")}};
+    std::string arrived;
+    const auto arrives = [&] {
+        EXPECT_TRUE(Wait([&] { return fs::exists(out); })) << arrived << ReadAll(folder + "trouble");
+        arrived += ReadAll(out) + "\n";
+        fs::remove(out);
+    };
+    arrives();
+    for (const std::string& line : Split(manual.substr(begin, manual.find("\n## ", begin + 1) - begin), '\n')) {
+        if (!line.starts_with("    ")) continue;
+        processes.Shell(line, WindowStyle::Normal, variables);
+        arrives();
+    }
+    ::kill(pid, SIGKILL);
+    EXPECT_EQ(arrived, R"(ready
+chat.example.com/hooks/KEY {'text': 'Büro "A\\n" & `touch bad` $(touch bad) %s is DOWN. <no> answer;'}
+push.example.com/messages [('token', 'KEY'), ('title', 'Büro "A\\n" & `touch bad` $(touch bad) %s is DOWN'), ('message', 'Since 2026-11-21 15:04:05. <no> answer;')]
+Büro "A\n" & `touch bad` $(touch bad) %s (web) is DOWN since 2026-11-21 15:04:05. <no> answer;
+)");
+}
+
 TEST_F(CommandsTest, AProgramGivesItsStatusAndWhatItSaidOrEndsAtTheLimitWithAllThatItStarted) {
     const auto shell = [&](const std::string& line) { return run({"sh", "-c", line}, 30s); };
     EXPECT_EQ(run({"printf", "%s|", "a b", "$HOME"}, 30s).output, "a b|$HOME|");

@@ -1,6 +1,7 @@
 // Publishing: the pages byte for byte, averages over hours and days, and what stops and what goes on when something is wrong.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 
@@ -333,6 +334,75 @@ TEST_F(ReportsTest, ThePicturesAreBroughtAgainWhenTheirMarkIsGone) {
     fs::remove(root + "/i/up.gif");
     Publish();
     EXPECT_FALSE(fs::exists(root + "/i/up.gif")) << "nothing is refreshed as long as the mark is there";
+}
+
+// What parsers of both formats read: a line for each figure of an entry.
+constexpr const char* kReadFigures = R"(
+import json
+from prometheus_client.parser import text_string_to_metric_families as families
+entries, read = {}, open("Reports/metrics.prom", newline="").read()
+for family in families(read):
+    assert family.documentation and family.type in ("counter", "gauge"), family
+    for sample in family.samples:
+        entries.setdefault(sample.labels.pop("id", "loop"), [sample.labels]).append(sample.value)
+for id, (labels, *values) in entries.items():
+    if labels: print(id, *labels.values(), *values, sep="|")
+status = json.load(open("Reports/status.json"))
+for entry in status.pop("entries"):
+    print(*entry.values(), sep="|")
+print(*entry)
+print(list(status), list(status.values())[1:] == entries["loop"][1:])
+)";
+
+TEST_F(ReportsTest, FiguresAreWrittenWholeForOtherProgramsOnceAMinuteAndWithEachPublicationWhileTheyAreOn) {
+    if (std::system("/usr/bin/python3 -c 'import prometheus_client' 2>/dev/null") != 0)
+        GTEST_SKIP() << "python3-prometheus-client: not installed (scripts/setup --test)";
+    const auto figures = [&] { return ReadAll(root + "/metrics.prom"); };
+    const auto turn = [&] { return TrimAll(figures().substr(figures().find("\nkorvane_loop_timestamp_seconds") + 31, 11)); };
+    AddServer(7,
+              "|strDesc=a \"b\" \\n\\ \n\tc|strCurStatus=Down|nSuccess=12|nFail=3|nTriesCur=2|nPercentUp=80.5|nAveResponse=137|"
+              "nAveSession=1500|strType=HTTP|bIsMonitoring=0|datelastcheck=2026-11-21 15:04:00|dtNextCheck=2027-01-01 00:00:00");
+    AddServer(8, "|strDesc=\xFF}|strCurStatus=|nPercentUp=|nAveResponse=|bIsMonitoring=0|dtNextCheck=2027-01-01 00:00:00");
+    AddServer(9, "|strType=PING|strExpectedText=1000|nIntervalSeconds=32400");
+    world.net.Host("10.0.0.1").Echo(std::chrono::milliseconds(5));
+    world.rows.Connected()->Execute("UPDATE Servers SET nSuccess = 'x', nFail = 9e999, datelastcheck = '?' WHERE ID = 8");
+    world.rows.Connected()->Execute("CREATE TABLE LastChecks (ID INTEGER PRIMARY KEY, dtCertificate TEXT)");
+    world.rows.Connected()->Execute("INSERT INTO LastChecks VALUES (7, '2026-11-20 15:00:00'), (9, '2026-12-11 15:30:00')");
+    Publish();
+    world.RunFor(minutes(3));
+    EXPECT_FALSE(fs::exists(root + "/metrics.prom") || fs::exists(root + "/status.json"));
+    world.Set("Figures", "True");
+    world.RunFor(minutes(2));
+    EXPECT_LE(world.world.clock.UtcNow().Seconds() - std::stoll(turn()), 60);
+    world.Write("read.py", kReadFigures);
+    EXPECT_EQ(std::system(("cd " + world.home + " && /usr/bin/python3 read.py > read 2>&1").c_str()), 0);
+    EXPECT_EQ(world.Text("read"),
+              R"(7|a "b" \n\   c|Web|HTTP|10.0.0.1|2.0|12.0|3.0|2.0|80.5|0.137|1795291440.0|-2.0
+8|�}|Web|HTTP|10.0.0.1|3.0|0.0
+9|entry|Web|PING|10.0.0.1|0.0|1.0|0.0|0.0|100.0|0.005|0.005|1795291508.0|20.0
+7|a "b" \n\   c|Web|HTTP|10.0.0.1|Down|2|12|3|2|80.5|0.137|1795291440|-2
+8|�}|Web|HTTP|10.0.0.1||3|0
+9|entry|Web|PING|10.0.0.1|UP|0|1|0|0|100|0.005|0.005|1795291508|20
+id name group type address state code passed failed failuresInARow upPercent responseSeconds recentResponseSeconds lastCheck certificateDays
+['program', 'loop', 'lastCheck'] True
+)");
+
+    world.run.cmdStopStart();
+    Publish();
+    const std::string last = turn();
+    world.RunFor(minutes(5));
+    world.rows.Change("Servers", 7, {{"nSuccess", 13}});
+    EXPECT_EQ(Publish(), "");
+    EXPECT_TRUE(turn() == last && Holds(figures(), "} 13\n")) << "a loop that does not turn is seen";
+    world.run.cmdStopStart();
+    world.files.faults.Add({.forever = true, .about = "/metrics.prom", .description = "disk full"});
+    world.RunFor(minutes(5));
+    const std::string problem = "The page " + root + "/metrics.prom can't be written: disk full";
+    EXPECT_TRUE(turn() == last && person.Said("Figures: " + problem));
+    EXPECT_EQ(Publish(), " Err - PublishFigures: " + problem);
+    world.Set("Figures", "yes");
+    world.RunFor(minutes(1));
+    EXPECT_TRUE(person.Said("Figures: 'yes' is not \"True\" or \"False\"."));
 }
 
 TEST_F(ReportsTest, EventsComeBetweenServersAndFindTheStoreFree) {

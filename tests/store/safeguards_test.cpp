@@ -35,7 +35,7 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
 }
 
 TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgainAndAsTheyWereUnlessTheOperatorChangesThem) {
-    World world({.settings = "catchup=True\nGuardClock=true\nEscapeReports=True"});
+    World world({.settings = "catchup=True\nGuardClock=true\nEscapeReports=True\nFigures=yes"});
     world.Start();
     const Desk& desk = world.run.TheDesk();
     SafeguardValues shown = SafeguardsFromSettings(desk.collection);
@@ -43,7 +43,8 @@ TEST(SafeguardTable, OnlyKeysOfTheFileAreSavedAgainAndAsTheyWereUnlessTheOperato
     SetSafeguards(desk, shown);
     world.run.mnuExit_Click();
     const std::string file = ToLower(world.Text("kvurlwatchn.ini"));
-    for (const auto& [key, line] : {std::pair("catchup", "=true"), {"guardclock", "=true"}, {"escapereports", "=false"}})
+    for (const auto& [key, line] :
+         {std::pair("catchup", "=true"), {"guardclock", "=true"}, {"escapereports", "=false"}, {"figures", "=yes"}})
         EXPECT_TRUE(Holds(file, std::string("\n") + key + line + "\n")) << file;
     EXPECT_FALSE(Holds(file, "hidepasswords") || Holds(file, "catchup=false") || Holds(file, "smtpsecurity"));
 }

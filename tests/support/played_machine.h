@@ -48,14 +48,17 @@ struct RecordingProcesses : Processes {
     };
 
     std::vector<Started> started;
-    std::string missing;  ///< a command that holds this is not there; empty: all are
+    std::string environment;  ///< "NAME=value|" of all that was added to it
+    std::string missing;      ///< a command that holds this is not there; empty: all are
 
     bool hasBrowser = true, browserStarts = true;
     std::string browser = "firefox.desktop";
     std::vector<std::string> opened;  ///< pages and texts
 
-    int Shell(const std::string& command, WindowStyle style) override {
+    int Shell(const std::string& command, WindowStyle style, const Variables& variables) override {
         if (!missing.empty() && Holds(command, missing)) throw Error("No such file or directory", 2);
+        for (const auto& [name, value] : variables)
+            environment += name + "=" + value + "|";
         started.push_back({command, style});
         return 4711;
     }

@@ -67,7 +67,7 @@ bool Reap(pid_t pid, int& status) {
 
 }  // namespace
 
-int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
+int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/, const Variables& variables) {
     ReapUnwatched();
     const std::string line = TrimAll(command);
     if (line.empty()) throw Error("The command is blank");
@@ -75,8 +75,9 @@ int LinuxProcesses::Shell(const std::string& command, WindowStyle /*style*/) {
     const bool plain = line.find_first_of(kShellSigns) == std::string::npos;
 
     pid_t pid = 0;
-    int error = Spawn(plain ? PlainWords(line) : ShellWords(line), pid);
-    if (error == ENOEXEC) error = Spawn(ShellWords(line), pid);  // a script that does not name its interpreter
+    const auto start = [&](Words words) { return Spawn(std::move(words), pid, {}, "", variables); };
+    int error = start(plain ? PlainWords(line) : ShellWords(line));
+    if (error == ENOEXEC) error = start(ShellWords(line));  // a script that does not name its interpreter
     if (error != 0) throw Error(std::strerror(error), error);
     ReapAtItsEnd(pid);
     return pid;

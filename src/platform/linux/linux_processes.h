@@ -24,7 +24,7 @@ public:
 
     /// As described by the port; `style` has no effect. Blocks only for the start, about a millisecond. Also throws Error for an
     /// empty command.
-    int Shell(const std::string& command, WindowStyle style) override;
+    int Shell(const std::string& command, WindowStyle style, const Variables& variables = {}) override;
 
     /// Like Shell, for a command that is already split into words: the first is the program, and no shell interprets any of them.
     /// `ended` receives the status in the form of waitpid(2), unless the system is short of descriptors. Errors name the program.

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "base/error.h"
 #include "platform/wait.h"
@@ -90,9 +91,35 @@ private:
     std::unique_ptr<Events::Watch> endWatch_;
 };
 
+/// The environment of this process with the variables added, in the form of execve(2).
+class EnvironmentWith {
+public:
+    explicit EnvironmentWith(const Variables& variables) {
+        for (const auto& [name, value] : variables)
+            added_.push_back(name + "=" + value);
+        for (std::string& variable : added_)
+            all_.push_back(variable.data());
+        for (char** own = environ; *own != nullptr; ++own) {
+            const std::string_view text = *own;
+            const auto replaces = [&](const auto& each) { return each.first == text.substr(0, text.find('=')); };
+            if (std::none_of(variables.begin(), variables.end(), replaces)) all_.push_back(*own);
+        }
+        all_.push_back(nullptr);
+    }
+    EnvironmentWith(const EnvironmentWith&) = delete;
+    EnvironmentWith& operator=(const EnvironmentWith&) = delete;
+
+    char** Data() { return all_.data(); }
+
+private:
+    std::vector<std::string> added_;
+    std::vector<char*> all_;
+};
+
 }  // namespace
 
-int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& standard, const std::string& file) {
+int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& standard, const std::string& file,
+          const Variables& variables) {
     std::vector<char*> arguments;
     for (std::string& word : words)
         arguments.push_back(word.data());
@@ -117,7 +144,8 @@ int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& stand
                                    : ::posix_spawn_file_actions_addopen(&files, number, "/dev/null", O_RDWR, 0);
     if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
     if (error == 0)
-        error = ::posix_spawnp(&pid, file.empty() ? arguments[0] : file.c_str(), &files, &attributes, arguments.data(), environ);
+        error = ::posix_spawnp(&pid, file.empty() ? arguments[0] : file.c_str(), &files, &attributes, arguments.data(),
+                               EnvironmentWith(variables).Data());
     ::posix_spawn_file_actions_destroy(&files);
     ::posix_spawnattr_destroy(&attributes);
     return error;

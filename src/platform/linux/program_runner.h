@@ -12,6 +12,7 @@
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/linux/descriptor.h"
+#include "platform/processes.h"
 
 namespace korvane {
 
@@ -23,9 +24,10 @@ struct StandardFiles {
 };
 
 /// Starts `file`, or else the program named by the first word, which is searched in PATH when it has no slash. The new process gets
-/// nothing of this one but its folder and environment: it leads a session of its own, with the default signals and no open files
-/// but `files`. The caller must reap it. Returns the error number, 0 when it runs as `pid`.
-int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& files = {}, const std::string& file = "");
+/// nothing of this one but its folder and environment, to which `variables` are added: it leads a session of its own, with the
+/// default signals and no open files but `files`. The caller must reap it. Returns the error number, 0 when it runs as `pid`.
+int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& files = {}, const std::string& file = "",
+          const Variables& variables = {});
 
 /// Does the same and returns the process. Throws Error: "<program>: <reason>".
 pid_t StartProgram(const std::vector<std::string>& words, const StandardFiles& files = {}, const std::string& file = "");

@@ -91,14 +91,18 @@ constexpr OptionsInput kOptionsInputs[] = {
     {"ServerBackup", &OptionsFields::ServerBackup, AsTyped, "txtServerBackup", "Mail s&erver:",
      "The mail server that is used when the primary one fails. Blank means none, and so does a name of 5 characters or fewer.",
      "Backup SMTP server"},
+    {.key = "Figures",
+     .control = {"ckFigures", "Write fi&gures for other programs",
+                 "Writes status.json and metrics.prom into the report folder, with each publication and once a minute."},
+     .mark = &OptionsFields::Figures},
 };
 
 void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& fields) {
     const bool isMissing = desk.collection.Find(input.key) == nullptr;
-    if (input.mark != nullptr && input.on && fields.*input.mark && isMissing) return;
+    // What was added and is as it would be without its key stays out of the file.
+    if (isMissing && input.mark != nullptr && fields.*input.mark == input.on) return;
     if (input.mark != nullptr) return desk.collection.setKvSettingsColValue(input.key, fields.*input.mark ? "True" : "False");
     const std::string value = *input.stored(fields.*input.text, fields);
-    // A safeguard that is blank and was never set stays out of the file.
     if (value.empty() && isMissing) return;
     desk.collection.setKvSettingsColValue(input.key, value);
 }

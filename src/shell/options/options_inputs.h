@@ -43,6 +43,7 @@ struct OptionsFields {
     bool bYellowAlert = false;
     bool bRedAlert = false;
     bool DesktopNotes = true;
+    bool Figures = false;
 };
 
 using OptionsInput = FormInput<OptionsFields>;

@@ -61,6 +61,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                               [this] {
                                   clockGuard.Look();
                                   catchUp.TimerMonitorDB_Timer();
+                                  reports.NoteTurn(state.lastCheck);
                               })),
       TimerProgress(NewTimer(timers, "TimerProgress", 250ms, [this] { progress.TimerProgress_Timer(); })),
       TimerLog(NewTimer(timers, "TimerLog", 60000ms,

@@ -85,6 +85,7 @@ void frmOptions::AddReportsPage() {
              {"cmdRedAlertWav", "Br&owse...", "Looks for the wave file on your disk.", "Browse for the sound of the red alert"},
              {"cmdTestRedAlert", "P&lay", "Plays the sound now.", "Play the sound of the red alert"});
     AddGroup(page, "Desktop").addRow(inputs_.AddMark(&OptionsFields::DesktopNotes, this));
+    page.addWidget(inputs_.AddMark(&OptionsFields::Figures, this));
     page.addStretch();
 }
 
