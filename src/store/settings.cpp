@@ -52,9 +52,6 @@ const Settings::ReadStep Settings::kReadSteps[] = {
 
 namespace {
 
-/// Settings that are no safeguards and mean nothing until the operator writes them.
-constexpr std::string_view kOptionalKeys[] = {"Figures"};
-
 constexpr std::string_view kNumURLs = "NumURLs";
 constexpr std::string_view kUniqueid = "uniqueid";
 constexpr int kTwipsBesideWindow = 600;

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "engine/http_status.h"
 #include "shell/cli/entry_plan.h"
+#include "shell/cli/print_phases.h"
 #include "shell/cli/session.h"
 #include "shell/entry/entry_test.h"
 #include "shell/list/entry_acts.h"
@@ -60,6 +61,7 @@ int RunCheck(Session& session) {
     if (session.Json()) {
         session.PrintJson({{"good", !verdict.failed},
                            {"milliseconds", took},
+                           {"phases", PhasesForJson(result->phases)},
                            {"says", ForJson(says)},
                            {"reason", ForJson(result->strReason)},
                            {"response", ForJson(Left(result->response, kMostStoredCharacters))}});
@@ -69,6 +71,8 @@ int RunCheck(Session& session) {
                 "  " + MillisecondsInWords(took));
     session.Say(WithoutControls(ReplaceAll(says, "\r\n", " ")));
     if (!advice.empty()) session.Say(WithoutControls(ReplaceAll(advice, "\r\n", " ")));
+    for (const std::string& line : PrintPhases(result->phases, desk.clock.Now()))
+        session.Say("  " + line);
     return verdict.failed ? kFails : kDone;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <ostream>
 
 #include "base/ignore_errors.h"
@@ -10,6 +11,7 @@
 #include "base/text.h"
 #include "engine/server_table.h"
 #include "shell/cli/help.h"
+#include "shell/cli/print_phases.h"
 #include "shell/cli/session.h"
 #include "shell/entry/entry_inputs.h"
 #include "shell/list/entry_acts.h"
@@ -17,6 +19,7 @@
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
 #include "store/database_files.h"
+#include "store/last_checks.h"
 
 namespace korvane {
 namespace {
@@ -141,14 +144,35 @@ int RunShow(Session& session) {
                            {"notified", ForJson(says.notified)},
                            {"figures", ForJson(says.figures)},
                            {"failures", failures},
+                           {"lastCheck", PhasesForJson(detail.phases)},
                            {"columns", columns}});
         return kDone;
     }
-    for (const std::string& line : {says.title, says.state + says.since, says.reason, says.done, says.notified, says.figures})
+    for (const std::string& line : {says.title, says.state + says.since, says.reason, says.done, says.notified, says.figures,
+                                    says.measured, says.certificate})
         if (!line.empty()) session.Say(line);
     session.Say("");
     session.PrintTable(table);
     return kDone;
+}
+
+// Those that end within the days of the setting. They change no state, and so not the exit status either.
+static std::vector<std::string> EndingCertificates(Session& session, const SharedRows& rows) {
+    std::vector<std::string> lines;
+    const Desk& desk = session.TheDesk();
+    const auto days = CertWarnDays(desk.collection);
+    if (!days) return lines;
+    const DateTime now = desk.clock.Now();
+    const auto connection = OpenDatabase(desk.store, desk.dir);
+    std::map<std::int64_t, LastCheck> checks;
+    IgnoreErrors([&] { checks = LastChecks(desk.store).ReadAll(*connection); });  // before the first check there is no table
+    for (const auto& row : rows) {
+        const auto found = checks.find(ParseWhole(row->Id()));
+        if (found == checks.end() || !found->second.phases.certificateEnd) continue;
+        if (*found->second.phases.certificateEnd - now > *days) continue;
+        lines.push_back(row->Name() + ": certificate " + CertificateInWords(found->second.phases, now));
+    }
+    return lines;
 }
 
 // In the form of monitoring plugins: one line with figures after a bar, then the entries that fail.
@@ -157,8 +181,10 @@ int RunStatus(Session& session) {
     SharedRows rows;
     int end = kWrongWords;
     std::string why;
+    std::vector<std::string> certificates;
     try {
         rows = RowsOf(session);
+        certificates = EndingCertificates(session, rows);
         const StateCounts counts = CountStates(rows);
         const bool runs = session.Runs();
         end = counts[0] > 0 ? 2 : counts[1] > 0 ? 1 : rows.empty() || !runs ? 3 : 0;
@@ -176,6 +202,10 @@ int RunStatus(Session& session) {
         object.insert(ForJson(word), counts[i]);
     }
     if (session.Json()) {
+        QJsonArray ending;
+        for (const std::string& line : certificates)
+            ending.append(ForJson(line));
+        if (!ending.isEmpty()) object.insert("certificates", ending);
         session.PrintJson(object);
         return end;
     }
@@ -184,6 +214,8 @@ int RunStatus(Session& session) {
         if (StateOf(row->strCurStatus) == RowIcon::Bad || StateOf(row->strCurStatus) == RowIcon::Warn)
             session.Say(row->cells[column::Status] + ": " + row->Name() + ", " +
                         WithoutControls(row->cells[column::LastResponse]));
+    for (const std::string& line : certificates)
+        session.Say(WithoutControls(line));
     return end;
 }
 
