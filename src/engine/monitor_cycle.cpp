@@ -317,7 +317,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     }
     if (isUrl && !PassesTextRules(tick, result.response)) return false;
     Step("dosuccess");
-    ports_.accounting.DoSuccess(rs, *tick.conn, result.nResponseMs);
+    tick.owed.refusal = ports_.accounting.DoSuccess(rs, *tick.conn, result.nResponseMs);
     ports_.events.DoEvents();
     return true;
 }
