@@ -91,7 +91,7 @@ public:
         if (trial_.guarded) End();
         CloseCheck();
         if (trial_.guarded) CompareMails();
-        EXPECT_GT(checks_, 50);
+        EXPECT_GT(checks_, 20);
         if (trial_.store == Trial::Errs) return;
         std::map<std::int64_t, std::multiset<std::string>> failures;
         for (const Row& row : engine_.rows.Query("SELECT * FROM Failures ORDER BY dateFail, ID")) {
@@ -143,7 +143,8 @@ private:
         engine_.net.Page("http://" + address).Decide([&] {
             using enum PageAnswer::Kind;
             if (Ask(account)) return PageAnswer{Body, "all ok", 20ms};
-            if (trial_.guarded && Pick(3) == 0) return PageAnswer{Pick(2) == 0 ? Body : OtherHost, "all ok", 20ms, 503};
+            if (trial_.guarded && trial_.store == Trial::Works && Pick(3) == 0)
+                return PageAnswer{Pick(2) == 0 ? Body : OtherHost, "all ok", 20ms, 503};
             // A page without its text fails without the step that makes up for a row that the store refused.
             const bool page = trial_.store == Trial::Works && Pick(2) == 0;
             return page ? PageAnswer{Body, "an error", 20ms} : PageAnswer{Failure, "refused", 600ms};
@@ -166,7 +167,8 @@ private:
         EXPECT_TRUE(account.row.at("bIsMonitoring").Bool());
         for (const std::string window : {"1", "2"}) {
             const std::string start = account.Text("strDownTime" + window), minutes = account.Text("nDownDuration" + window);
-            EXPECT_FALSE(IsDownTime(start, minutes, engine_.world.clock.Now()).bIsDown);
+            EXPECT_FALSE(IsDownTime(start, minutes, engine_.world.clock.Now() - kLongestCheck).bIsDown &&
+                         IsDownTime(start, minutes, engine_.world.clock.Now()).bIsDown);
         }
         if (ends_) account.troubles = 0;
         good_ = account.troubles == 0 || JustCut();
@@ -225,7 +227,9 @@ private:
         ++(good_ ? nSuccess : nFail);
         if (!refused || !trial_.guarded) {
             EXPECT_EQ(now, text(nTriesCur, nSuccess, nFail));
-            if (cut_ || cuts_ != cutsBefore_) return Counted(account);
+            const bool hasWindow = !(account.Text("strDownTime1") + account.Text("strDownTime2")).empty();
+            const bool another = cut_ || cuts_ != cutsBefore_ || hasWindow;  // it may be under way by now
+            if (another) return Counted(account);
             EXPECT_EQ(engine_.Of(account.id, "strCurStatus"), good_ ? "UP" : count_ < account.nTries ? "Failing" : "DOWN");
         }
         Counted(account);
@@ -286,7 +290,7 @@ private:
                 const bool down = subject.starts_with("alarm ("), up = subject.starts_with("SERVER BACK UP (alarm) ");
                 got[to[0]][0] += down || (up && Holds(text, "The outage is over.")) ? 1 : 0;
                 got[to[0]][1] += up ? 1 : 0;
-                if (subject.starts_with("OWN NETWORK BACK UP")) network.insert(subject);
+                if (subject.starts_with("OWN NETWORK BACK UP")) network.insert(header("Message-ID: "));
             }
         if (trial_.store == Trial::Errs) return;
         EXPECT_EQ(network.size(), blamed_);
