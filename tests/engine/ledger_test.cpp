@@ -303,14 +303,11 @@ private:
 
     // This machine's own network fails now and then, as a whole or only towards the addresses that tell.
     void CutLater() {
-        engine_.world.After(std::chrono::minutes(20 + Pick(cut_ ? 100 : 120 * kSlower)),
-                            [this] { JustAsked() ? CutSoon() : Cut(); });
-    }
-    void CutSoon() {
-        engine_.world.After(5s, [this] { JustAsked() ? CutSoon() : Cut(); });
+        engine_.world.After(std::chrono::minutes(20 + Pick(cut_ ? 100 : 120 * kSlower)), [this] { Cut(); });
     }
     void Cut() {
         if (ends_ && !cut_) return;
+        if (JustAsked() && !ends_) return static_cast<void>(engine_.world.After(5s, [this] { Cut(); }));
         cut_ = !cut_;
         ++cuts_;
         cutAt_ = engine_.world.Ticks();
@@ -340,8 +337,8 @@ private:
 
     // Nobody is forgotten. Each other entry may go first, with mails to two silent servers, and the cycle may have gone to sleep.
     seconds Backlog() const {
-        const bool works = trial_.store == Trial::Works;
-        return trial_.guarded ? 35s * std::ssize(accounts_) + (works ? 1min : 5min) : 90s * std::ssize(accounts_) + 10min;
+        return trial_.guarded ? 35s * std::ssize(accounts_) + (trial_.store == Trial::Works ? 1min : 5min)
+                              : 90s * std::ssize(accounts_) + 10min;
     }
     void Look() {
         for (const Row& row : engine_.rows.Query("SELECT ID, dtNextCheck, nIntervalSeconds FROM Servers")) {
@@ -399,24 +396,17 @@ struct Ledgers : testing::TestWithParam<unsigned> {
 
 TEST_P(Ledgers, EachOutageIsToldOnceAndNobodyIsForgotten) {
     const Trial trials[] = {
-        {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h, &VirtualWorld::MoveZone,
-         true},  // summer time
-        {DateTime::Of(2027, 10, 31, 1, 0, 0), "mail2", "", false, Trial::Works, 2h, -1h, &VirtualWorld::MoveZone, true},
-        {DateTime::Of(2028, 2, 28, 21, 0, 0), "backup.example", "", true, Trial::Refuses, 2h, -2h, &VirtualWorld::MoveClock,
-         true},
-        {DateTime::Of(2026, 11, 21, 20, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, 960h, &VirtualWorld::MoveClock,
-         true},
-        {DateTime::Of(2026, 11, 22, 20, 0, 0), "backup.example", "", true, Trial::Errs, 2h, 1h, &VirtualWorld::MoveClock, true},
         {DateTime::Of(2027, 3, 28, 1, 0, 0), "mail12", "watch", true, Trial::Works, 1h, 1h, &VirtualWorld::MoveZone},
         {DateTime::Of(2027, 10, 31, 1, 0, 0), "mail2", "", false, Trial::Works, 2h, -1h, &VirtualWorld::MoveZone},
         {DateTime::Of(2028, 2, 28, 21, 0, 0), "backup.example", "", true, Trial::Refuses, 2h, -2h, &VirtualWorld::MoveClock},
         {DateTime::Of(2026, 11, 21, 20, 0, 0), "backup.example", "", true, Trial::Refuses, 3h, 960h, &VirtualWorld::MoveClock},
         {DateTime::Of(2026, 11, 22, 20, 0, 0), "backup.example", "", true, Trial::Errs, 2h, 1h, &VirtualWorld::MoveClock},
     };
-    const Trial& trial = trials[GetParam() % std::size(trials)];
+    Trial trial = trials[GetParam() % 5];
+    trial.guarded = GetParam() % 10 < 5;
     SCOPED_TRACE(trial.start.Text());
     ++played;
-    Ledger(trial, GetParam() / std::size(trials), told).Play();
+    Ledger(trial, GetParam() / 10, told).Play();
 }
 INSTANTIATE_TEST_SUITE_P(Seed, Ledgers, testing::Range(0U, kLong ? 1000U : 10U));
 

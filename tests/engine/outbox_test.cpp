@@ -181,17 +181,6 @@ TEST(MailOutbox, GoesOutThoughTheStoreRefusesIt) {
     }
 }
 
-TEST(MailOutbox, WhatWasTakenIsNotedOnceTheStoreTakesIt) {
-    Outbox outbox;
-    outbox.store.faults.Add({.operation = StoreOperation::Update, .forever = true, .about = "MailOutbox WHERE ID = 1"});
-    outbox.RunFor(5min);
-    EXPECT_EQ(outbox.Column("strState"), "waiting|");
-    outbox.store.faults.Heal();
-    outbox.RunFor(2min);
-    EXPECT_EQ(outbox.Column("strState"), "sent|");
-    EXPECT_EQ(outbox.TakeMails().size(), 2);
-}
-
 TEST(MailOutbox, AReturnWhoseTransactionFailsIsStoredAllTheSame) {
     Outbox outbox(kOn + "GuardBadEntries=True\n", To("a@x"));
     outbox.RunFor(30s);
