@@ -115,7 +115,7 @@ struct Machine {
     NoConversationWindow conversation;
     Log log{files, clock, database.Folder(), "1.0.0"};
     StatusLog status{person, clock};
-    Safeguards safeguards{settings, log, status};
+    Safeguards safeguards{settings, clock, log, status};
     IniFile ini{files, database.Folder() + "/kvurlwatchn.ini"};
     ServerIds ids{ini, clock};
     std::unique_ptr<Timer> TimerProgress = timers.NewTimer("TimerProgress");
@@ -125,8 +125,9 @@ struct Machine {
     TcpChecker tcp{{socket, events, clock, person, status, conversation}};
     PingChecker ping{{echo, clock, person, status, log}};
     QtTcpSocket networkSocket;
-    OwnNetwork network{{echo, networkSocket, clock, events, status, log, settings, safeguards,
-                        [](const Notification&) { return SendOutcome{}; }}};
+    LinuxIcmpEcho networkEcho;
+    OwnNetwork network{{networkEcho, networkSocket, clock, events, status, log, settings, safeguards,
+                        [](const Notification&) { return SendOutcome{}; }, database.TheStore(), database.DriverString()}};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
     AlertPath alertPath{safeguards, settings};
@@ -221,6 +222,15 @@ void HttpCheck(benchmark::State& state) {
     machine.ExpectAllPassed(state);
 }
 BENCHMARK(HttpCheck)->Arg(0)->Arg(2)->Arg(3);
+
+/// The part of such a check that the questions to so many addresses are, before one that passes.
+void OwnNetworkQuestion(benchmark::State& state) {
+    Machine machine(1, HttpEntry("80"));
+    machine.settings.setKvSettingsColValue("OwnNetwork", state.range(0) == 1 ? "127.0.0.1" : "127.0.0.1;127.0.0.2;127.0.0.3");
+    for (auto _ : state)
+        machine.network.AskBeforeCheck();
+}
+BENCHMARK(OwnNetworkQuestion)->Arg(1)->Arg(3);
 
 /// The same with the safeguards of the cycle; a thousand entries are due.
 void HttpCheckGuarded(benchmark::State& state) {

@@ -119,7 +119,7 @@ struct ReportsRig {
           ids(ini, world.clock),
           status(person, world.clock),
           log(theFiles, world.clock, dir, "1.0.0"),
-          safeguards(settings, log, status),
+          safeguards(settings, clock, log, status),
           alertPath(safeguards, settings),
           reports({store, clock, events, person, files, status, settings, ids, safeguards, alertPath}, dir) {
         settings.setKvSettingsColValue("ReportPath", root);

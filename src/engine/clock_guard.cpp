@@ -14,6 +14,7 @@ using namespace std::chrono_literals;
 using std::chrono::seconds;
 
 constexpr auto kSmallestLeap = 60s;  // a clock that is kept right moves by less
+constexpr std::chrono::minutes kLongestDownTime = std::chrono::days(366);
 constexpr auto kLookEvery = 1h;
 constexpr auto kLookAgain = 1min;
 
@@ -30,12 +31,14 @@ seconds LongestWait(Recordset& rs) {
     IgnoreErrors([&] { watched = rs.Fields("bIsMonitoring").Value().Bool(); });
     if (state == status::kInactive || !watched) return kInactiveInterval;
     if (state == status::kDownTime)
-        return std::chrono::minutes(std::max(NumberIn(rs, "nDownDuration1"), NumberIn(rs, "nDownDuration2")));
+        return std::min(kLongestDownTime,
+                        std::chrono::minutes(std::max(NumberIn(rs, "nDownDuration1"), NumberIn(rs, "nDownDuration2"))));
     return LongestInterval(NumberIn(rs, "nIntervalSeconds"), NumberIn(rs, "nTriesCur"));
 }
 
-std::string Sentence(seconds leap, int changed) {
+std::string Sentence(seconds leap, int changed, bool guardsClock) {
     const std::string entries = std::to_string(changed) + (changed == 1 ? " entry" : " entries");
+    if (!guardsClock) return "The next check of " + entries + " had no readable time, and is due now.";
     if (leap > 0s)
         return "The clock was set forward by " + std::to_string(leap.count()) + " seconds; the next check of " + entries +
                " was moved with it.";
@@ -45,7 +48,8 @@ std::string Sentence(seconds leap, int changed) {
 }  // namespace
 
 void ClockGuard::Look() {
-    if (!ports_.safeguards.IsOn("GuardClock")) return lastNow_.reset();
+    guardsClock_ = ports_.safeguards.IsOn("GuardClock");
+    if (!guardsClock_ && !ports_.safeguards.IsOn("GuardBadEntries")) return lastNow_.reset();
     const DateTime now = ports_.clock.Now();
     const auto ticks = ports_.clock.GetTickCount();
     const DateTime before = lastNow_.value_or(now);
@@ -75,12 +79,13 @@ void ClockGuard::Correct(DateTime now) {
     if (changed == 0) return;
     ports_.state.nSleepLeft = 0;
     ports_.state.nSleepTotal = 0;
-    ports_.safeguards.Acted("GuardClock", Sentence(leap, changed));
+    ports_.safeguards.Acted(guardsClock_ ? "GuardClock" : "GuardBadEntries", Sentence(leap, changed, guardsClock_));
 }
 
 bool ClockGuard::CorrectRow(Recordset& rs, DateTime now) const {
     DateTime next = now;  // one that cannot be read is due
     const bool readable = IgnoreErrors([&] { next = rs.Fields("dtNextCheck").Value().When(); });
+    if (readable && !guardsClock_) return false;
     DateTime right = next;
     // A down time ends by the clock.
     const bool skipped = leap_ > 0s && next > beforeLeap_ && ColumnText(rs, "strCurStatus") != status::kDownTime;

@@ -1,5 +1,6 @@
 // Safeguard GuardClock: the times of the next checks stay right when the clock is changed. An entry never waits longer than the
-// cycle would ever make it wait, and time that was only skipped makes no entry due.
+// cycle would ever make it wait, and time that was only skipped makes no entry due. With GuardBadEntries alone only a time that
+// cannot be read is corrected: the cycle may never find such an entry.
 #pragma once
 
 #include <chrono>
@@ -39,6 +40,7 @@ private:
     std::chrono::milliseconds lastTicks_{0};
     std::chrono::milliseconds nextLook_{0};  ///< tick count
     std::chrono::seconds leap_{0};           ///< of the clock, not yet corrected
+    bool guardsClock_ = false;               ///< not only times that cannot be read
     DateTime beforeLeap_;                    ///< by the clock; later times were not due then
 };
 

@@ -20,7 +20,7 @@ void MachineRestart::RebootCommand() {
 
 void MachineRestart::TestShutDown(const std::function<void()>& answered) {
     ports_.person.Ask(
-        "Korvane", "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?",
+        kMessageTitle, "Your computer is about to be rebooted.  Are you sure you want to test the shutdown/restart command?",
         [this, answered] {
             if (ports_.state.bMonitoring) ports_.cmdStopStart();
             ports_.status.setStatusMSG("Testing Shutdown command...");

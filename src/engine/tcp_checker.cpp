@@ -133,6 +133,7 @@ void TcpChecker::Converse(const std::string& strExpected, CheckResult& result) {
         ports_.conversation.setResponse(said.empty() ? "Connected (no response)." : said);
         return;
     }
+    loginAnswers_ = 0;
     bool expects = true;  // elements alternate: one to wait for, one to send
     for (const std::string& element : Split(strExpected, ',')) {
         if (!expects) {
@@ -160,8 +161,11 @@ bool TcpChecker::ExpectElement(const std::string& element, CheckResult& result) 
 }
 
 void TcpChecker::SendElement(const std::string& element) {
-    ports_.status.setStatusMSG("Requesting '" + element + "'");
-    ports_.conversation.setRequest(element);
+    const bool answersLogin = loginAnswers_ > 0;
+    loginAnswers_ = answersLogin ? loginAnswers_ - 1 : AnswersToLogin(element);
+    const std::string shown = answersLogin && ports_.hidden != nullptr ? ports_.hidden->Secret(element) : element;
+    ports_.status.setStatusMSG("Requesting '" + shown + "'");
+    ports_.conversation.setRequest(shown);
     strRecvBuffer_.clear();
     ports_.socket.SendData(element + "\r\n");
 }

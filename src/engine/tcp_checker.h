@@ -10,6 +10,7 @@
 
 #include "engine/check_result.h"
 #include "engine/collaborators.h"
+#include "notify/hidden_passwords.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/operator.h"
@@ -27,6 +28,7 @@ public:
         Operator& person;
         StatusLog& status;
         ConversationWindow& conversation;
+        const HiddenPasswords* hidden = nullptr;  ///< for answers to a login, which are no commands; null: all are shown
     };
 
     explicit TcpChecker(const Ports& ports);
@@ -48,6 +50,7 @@ private:
 
     Ports ports_;
     std::string strRecvBuffer_;  ///< the latest arrival alone, unchanged
+    int loginAnswers_ = 0;       ///< elements to be sent next that answer a login
     bool talking_ = false;
     std::string strTCPTimeoutText_;  ///< empty: no reply was late
 };

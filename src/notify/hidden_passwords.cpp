@@ -8,7 +8,6 @@
 namespace korvane {
 namespace {
 
-constexpr const char* kHidesPasswords = "HidePasswords";
 constexpr const char* kPasswordKeys[] = {"SMTPPass1", "SMTPPass2", "ProveMailPass"};
 constexpr std::size_t kShortest = 4;
 
@@ -40,9 +39,21 @@ bool BeginsCommand(const std::string& text, std::size_t at) {
     return at == 0 || std::string_view("'\",\n>").find(text[at - 1]) != npos;
 }
 
+/// Before each answer stands what is waited for.
+void HideAnswers(std::string& text, std::size_t command) {
+    int answers = AnswersToLogin(std::string_view(text).substr(command, CommandEnd(text, command) - command));
+    for (std::size_t comma = text.find(',', command); answers > 0 && comma != npos; --answers) {
+        comma = text.find(',', comma + 1);
+        if (comma >= LineEnd(text, command)) return;
+        Replace(text, comma + 1, CommandEnd(text, comma + 1));
+        comma = text.find(',', comma + 1);
+    }
+}
+
 void HideAfterCommands(std::string& text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (!BeginsCommand(text, at)) continue;
+        HideAnswers(text, at);
         const std::size_t blank = text[at] == ' ' ? 1 : 0;
         for (const std::string_view command : kCommands) {
             const std::size_t from = at + blank + command.size();
@@ -77,8 +88,22 @@ std::string HiddenPasswords::In(std::string_view text) const {
         Replace(hidden, at + kShownPassword.size(), LineEnd(hidden, at));
     HideAfterCommands(hidden);
     HideInUrls(hidden);
-    if (hidden != text) safeguards_.Acted(kHidesPasswords, "A password was taken out of a text.");
+    if (hidden != text) Count();
     return hidden;
+}
+
+std::string HiddenPasswords::Secret(const std::string& answer) const {
+    if (!safeguards_.IsOn(kHidesPasswords)) return answer;
+    Count();
+    return std::string(kNotShown);
+}
+
+int AnswersToLogin(std::string_view command) {
+    constexpr std::string_view kLogin = "AUTH LOGIN", kPlain = "AUTH PLAIN";
+    const bool login = EqualsNoCase(command.substr(0, kLogin.size()), kLogin);
+    const bool alone = command.size() == kLogin.size();
+    if (alone) return login ? 2 : EqualsNoCase(command, kPlain) ? 1 : 0;
+    return login && command[kLogin.size()] == ' ' ? 1 : 0;
 }
 
 }  // namespace korvane

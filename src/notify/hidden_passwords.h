@@ -10,19 +10,30 @@
 
 namespace korvane {
 
+inline constexpr const char* kHidesPasswords = "HidePasswords";
+
 class HiddenPasswords {
 public:
     HiddenPasswords(Safeguards& safeguards, const SettingsCollection& settings) : safeguards_(safeguards), settings_(settings) {}
 
     /// Returns the text with each password replaced: the passwords of the settings, unless they are shorter than 4 characters and
     /// could be any part of a word; what follows "Password="; what follows a login command such as PASS at the beginning of the
-    /// text or after a quote or a comma; and the password in a URL. While the safeguard is off the text stays as it is.
+    /// text or after a quote or a comma; the answers to AUTH LOGIN and AUTH PLAIN in a list between commas; and the password in a
+    /// URL. While the safeguard is off the text stays as it is.
     std::string In(std::string_view text) const;
+    /// Returns what is shown in place of an answer to a login.
+    std::string Secret(const std::string& answer) const;
 
 private:
+    void Count() const { safeguards_.Acted(kHidesPasswords, "A password was taken out of a text."); }
+
     Safeguards& safeguards_;
     const SettingsCollection& settings_;
 };
+
+/// Returns how many texts a client sends in answer to the server's questions after this command: after "AUTH LOGIN" its name and its
+/// password.
+int AnswersToLogin(std::string_view command);
 
 /// Passes a mail conversation on without passwords, also those that a server repeats.
 class HidingTrace : public MailTrace {

@@ -136,7 +136,7 @@ void RunMailErrand(const std::string& text, const ErrandPorts& ports, const std:
     NobodyAtTheDesk person;
     StatusLog status(person, ports.clock);
     Log log(ports.files, ports.clock, kNoLog, "");
-    Safeguards safeguards(settings, log, status);
+    Safeguards safeguards(settings, ports.clock, log, status);
     Dispatcher mail({ports.sckesmtp,
                      ports.plainSocket,
                      ports.clock,

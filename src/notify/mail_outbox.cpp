@@ -54,11 +54,7 @@ std::string OutboxState::Text() const {
                                              : std::to_string(waiting) + " mails wait";
     const std::string nobody =
         unnotified.empty() ? "" : " " + std::to_string(unnotified.size()) + " of the entries would notify nobody.";
-    return mails + " in the outbox. " + PathText() + nobody + (problem.empty() ? "" : " Warning: " + problem + ".");
-}
-
-std::string OutboxState::PathText() const {
-    return "Alert path " + (lastProven ? "last proven " + lastProven->Text() : "not yet proven") + ".";
+    return mails + " in the outbox. " + alertPath + nobody + (problem.empty() ? "" : " Warning: " + problem + ".");
 }
 
 MailOutbox::MailOutbox(const Ports& ports)
@@ -66,18 +62,52 @@ MailOutbox::MailOutbox(const Ports& ports)
     timer_->OnTick([this] { IgnoreErrors([this] { timer_Timer(); }); });
 }
 
-void MailOutbox::Start() {
-    if (!IsOn()) return;
+void MailOutbox::Follow() {
+    if (IsOn()) {
+        Load();
+        Changed();
+    } else if (loaded_) {
+        Flush();
+        Rest();
+    }
+}
+
+// Mails of this run may be there already.
+void MailOutbox::Load() {
+    if (loaded_) return;
     try {
         const OutboxTable::Contents contents = table_.Look();
+        loaded_ = true;
         state_.lastReceipt = contents.lastReceipt;
-        state_.lastProven = contents.lastTaken;
+        ports_.alertPath.TakenBefore(contents.lastTaken);
+        std::list<Item> earlier;
         for (const OutboxTable::Waiting& waiting : contents.waiting)
-            items_.push_back({.id = waiting.id, .mail = waiting.mail, .born = Now() - AgeOf(waiting.mail)});
+            if (std::none_of(items_.begin(), items_.end(), [&](const Item& item) { return item.id == waiting.id; }))
+                earlier.push_back({.id = waiting.id, .mail = waiting.mail, .born = Now() - AgeOf(waiting.mail)});
+        items_.splice(items_.begin(), earlier);
     } catch (const std::exception& error) {
         LogError("the mails that wait could not be read: " + std::string(error.what()));
     }
-    Changed();
+}
+
+void MailOutbox::FollowRestoredDatabase() {
+    for (Item& item : items_) {
+        if (item.id == 0 || item.mail.mail.strSubject.empty())
+            continue;  // those of an earlier run have nothing here but their row
+        std::optional<OutboxMail> row;
+        IgnoreErrors([&] { row = table_.Read(item.id); });
+        if (row && row->messageId == item.mail.messageId) continue;
+        item.id = 0;
+        item.mail.mail.strBody = "The text of this mail was lost with the database.";
+    }
+}
+
+// A mail on its way stays waiting, and goes out under the same Message-ID when the outbox is on again.
+void MailOutbox::Rest() {
+    round_.reset();
+    timer_->SetEnabled(false);
+    ports_.person.SetMailState("", false);
+    ports_.changed();
 }
 
 bool MailOutbox::Put(const Notification& mail, MailEvent event, std::int64_t idEntry, std::int64_t nOutage) {
@@ -177,12 +207,7 @@ Notification MailOutbox::Joined(const OutboxMail& failure, const OutboxMail& rec
 }
 
 void MailOutbox::timer_Timer() {
-    if (!IsOn()) {
-        round_.reset();
-        timer_->SetEnabled(false);
-        ports_.person.SetMailState("", false);
-        return;
-    }
+    if (!IsOn()) return Rest();
     if (!takenOver_.empty() && Now() - takenOver_.front().since >= kLongestUnwritten) Flush();
     if (!lookedAfter_ || Now() - *lookedAfter_ >= kLookAfterEvery) LookAfter();
     if (round_ && Now() - round_->heard >= kLongestSilence) {
@@ -203,6 +228,7 @@ void MailOutbox::Rearm() {
 
 void MailOutbox::LookAfter() {
     lookedAfter_ = Now();
+    Load();
     IgnoreErrors([&] { table_.Forget(ports_.clock.Now() - kKeptFor); });
     IgnoreErrors([&] { NameUnnotified(); });
     Changed();
@@ -341,7 +367,7 @@ void MailOutbox::Take(const MailAnswer& answer) {
         }
     }
     state_.lastReceipt = answer.words;
-    state_.lastProven = ports_.clock.Now();
+    ports_.alertPath.Taken(ports_.clock.Now());
     state_.lastError.clear();
     ports_.log.Info("MailOutbox: '" + round_->mail.mail.strSubject + "' was taken for " + recipient + ": " + answer.words);
 }
@@ -421,7 +447,7 @@ void MailOutbox::Changed() {
     Rearm();
     const std::size_t waiting = items_.size();
     state_.problem = ports_.alertPath.Problem();
-    ports_.alertPath.SetProven(state_.PathText());
+    state_.alertPath = ports_.alertPath.ProvenText();
     if (std::exchange(state_.waiting, waiting) != waiting) ports_.status.setStatusMSG(state_.Text());
     ports_.person.SetMailState(state_.Text(), state_.IsAlarming());
     ports_.changed();

@@ -30,15 +30,13 @@ namespace korvane {
 /// What windows, pages and the status line show of the outbox.
 struct OutboxState {
     std::size_t waiting = 0;
-    std::size_t givenUp = 0;  ///< since the start
-    std::string lastReceipt;  ///< the answer of the server that took a mail last
-    std::optional<DateTime> lastProven;
+    std::size_t givenUp = 0;              ///< since the start
+    std::string lastReceipt;              ///< the answer of the server that took a mail last
+    std::string alertPath;                ///< "Alert path last proven 11/21/2026 3:00:02 PM."
     std::string lastError;                ///< empty after a success
     std::vector<std::string> unnotified;  ///< entries that would notify nobody
     std::string problem;                  ///< of the alert path, for all entries
 
-    /// "Alert path last proven 11/21/2026 3:00:02 PM."
-    std::string PathText() const;
     /// "2 mails wait in the outbox. Alert path last proven 11/21/2026 3:00:02 PM."
     std::string Text() const;
     /// Returns whether somebody should look after it.
@@ -68,8 +66,9 @@ public:
 
     bool IsOn() const { return ports_.safeguards.IsOn("MailOutbox"); }
 
-    /// Called once the database is there: continues with what waits from earlier runs. Does nothing while the safeguard is off.
-    void Start();
+    /// Called once the database is there, and when the settings have changed: continues with what waits, also from earlier runs, or
+    /// stops at once. Does nothing if the safeguard was never on.
+    void Follow();
 
     /// Takes a mail over. It is written by the next WriteWith, or by itself after some seconds. Returns false when it names
     /// nobody; nothing waits then.
@@ -86,6 +85,10 @@ public:
     void Commit(Connection& conn);
     /// The same in a transaction of its own. Throws nothing.
     void Flush();
+
+    /// Called when an older copy has taken the place of the database: a mail whose row is gone goes out from memory, and says that its
+    /// text is lost.
+    void FollowRestoredDatabase();
 
     const OutboxState& State() const { return state_; }
     /// Called when the alert path has a new problem or is good again.
@@ -128,6 +131,8 @@ private:
         std::unique_ptr<OwnProgram::Work> work = {};
     };
 
+    void Load();
+    void Rest();
     void Settle(bool committed);
     void timer_Timer();
     void Rearm();
@@ -159,6 +164,7 @@ private:
     Ports ports_;
     OutboxTable table_;
     std::unique_ptr<Timer> timer_;
+    bool loaded_ = false;  ///< what waits from earlier runs
     std::vector<Unwritten> takenOver_;
     std::list<Item> items_;  ///< in order of creation
     std::optional<Round> round_;

@@ -49,6 +49,10 @@ MailProof::MailProof(const Ports& ports, const std::string& dir)
     timer_->OnTick([this] { IgnoreErrors([this] { Look(); }); });
 }
 
+void MailProof::Follow() {
+    timer_->SetEnabled(ports_.safeguards.IsOn(kKey));
+}
+
 void MailProof::Look() {
     if (working_) return;
     timer_->SetInterval(kPeriod);
@@ -95,16 +99,16 @@ void MailProof::Send() {
 
 void MailProof::ReadBack() {
     const Safeguards& keys = ports_.safeguards;
-    bool found = false;
+    auto found = PopBox::Found::No;
     try {
         found = box_.Take({keys.Text("ProveMailHost"), keys.Port("ProveMailPort", kPopTlsPort), keys.Text("SMTPAuthority"),
                            keys.Text("ProveMailUser"), keys.Text("ProveMailPass")},
-                          proof_.token);
-        lastProblem_ = found ? "" : "It is not in the mailbox.";
+                          kSubject + proof_.token);
+        lastProblem_ = "It is not in the mailbox.";
     } catch (const std::exception& error) {
         lastProblem_ = "The mailbox could not be read: " + std::string(error.what()) + ".";
     }
-    if (found) return Arrived();
+    if (found != PopBox::Found::No) return Arrived(found == PopBox::Found::Deleted);
     const auto since = ports_.clock.UtcNow() - proof_.sent;
     if (since < 0s) {  // the clock was set back
         proof_.sent = ports_.clock.UtcNow();
@@ -113,13 +117,14 @@ void MailProof::ReadBack() {
     if (proof_.state == State::Waiting && since >= kMostOnTheWay) Missing(lastProblem_);
 }
 
-void MailProof::Arrived() {
+void MailProof::Arrived(bool deleted) {
     const std::string after = Minutes(ports_.clock.UtcNow() - proof_.sent);
     const bool late = proof_.state == State::Overdue;
     proof_.state = State::Idle;
     Save();
-    ports_.alertPath.Proof(false);
-    const std::string text = "ProveMail: the mail of the day came " + std::string(late ? "late, " : "") + "after " + after + ".";
+    ports_.alertPath.ProofArrived();
+    const std::string text = "ProveMail: the mail of the day came " + std::string(late ? "late, " : "") + "after " + after + "." +
+                             (deleted ? "" : " The mailbox did not confirm that it was deleted.");
     late ? Tell(text) : ports_.log.Info(text);
 }
 

@@ -42,8 +42,9 @@ public:
     /// Looks once a minute whether something is to be done. What it waits for is kept in `<dir>/kvproof.dat`.
     MailProof(const Ports& ports, const std::string& dir);
 
-    /// Begins to look, and ends it.
-    void Start() { timer_->SetEnabled(true); }
+    /// Called at the start and after each change of the settings: looks each minute while the safeguard is on.
+    void Follow();
+    /// Ends it.
     void Stop() { timer_->SetEnabled(false); }
 
 private:
@@ -60,7 +61,7 @@ private:
     bool IsTimeToRead() const;
     void Send();
     void ReadBack();
-    void Arrived();
+    void Arrived(bool deleted);
     void Missing(const std::string& reason);
     void Tell(const std::string& text);
 

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "base/error.h"
+#include "base/ignore_errors.h"
 #include "base/text.h"
 #include "platform/wait.h"
 
@@ -15,7 +16,8 @@ using namespace std::chrono_literals;
 constexpr auto kLineLimit = 60s;
 constexpr auto kWholeLimit = 5min;
 constexpr int kMostMails = 200;
-constexpr std::size_t kLongestHead = 1'000'000;
+constexpr std::size_t kLongestSubject = 1000;
+constexpr std::size_t kMostUnread = 1'000'000;
 
 }  // namespace
 
@@ -27,16 +29,16 @@ PopBox::PopBox(TcpSocket& socket, const Clock& clock, Events& events)
             {.dataArrival =
                  [this] {
                      const std::string more = socket_.GetData();
-                     if (arrived_.size() < kLongestHead) arrived_ += more;
+                     if (arrived_.size() < kMostUnread) arrived_ += more;
                  },
              .close = {},
              .error = {}}) {}
 
-bool PopBox::Take(const Account& account, const std::string& token) {
+PopBox::Found PopBox::Take(const Account& account, const std::string& subject) {
     arrived_.clear();
     end_ = clock_.GetTickCount() + kWholeLimit;
     try {
-        const bool found = Converse(account, token);
+        const Found found = Converse(account, subject);
         socket_.Close();
         return found;
     } catch (...) {
@@ -45,7 +47,7 @@ bool PopBox::Take(const Account& account, const std::string& token) {
     }
 }
 
-bool PopBox::Converse(const Account& account, const std::string& token) {
+PopBox::Found PopBox::Converse(const Account& account, const std::string& subject) {
     wire_.Open(account.host, account.port);
     if (account.port == kPopTlsPort) {
         const std::string problem = wire_.Encrypt(account.host, account.authorities);
@@ -55,13 +57,16 @@ bool PopBox::Converse(const Account& account, const std::string& token) {
     Require("USER " + account.user, "the mailbox refused the user");
     Require("PASS " + account.password, "the mailbox refused the password");
     const int count = CountOfMails();
-    bool found = false;
-    for (int mail = count; mail > std::max(0, count - kMostMails) && !found; --mail) {
-        found = Holds(HeadOf(mail), token);
-        if (found) Require("DELE " + std::to_string(mail), "the mail could not be deleted");
+    for (int mail = count; mail > std::max(0, count - kMostMails); --mail) {
+        if (!SubjectOf(mail).starts_with(subject)) continue;
+        const bool deleted = IgnoreErrors([&] {
+            Require("DELE " + std::to_string(mail), "the mail could not be deleted");
+            Require("QUIT", "the mailbox did not end the session");  // which is when it deletes
+        });
+        return deleted ? Found::Deleted : Found::Kept;
     }
-    Require("QUIT", "the mailbox did not end the session");  // which is when it deletes
-    return found;
+    Require("QUIT", "the mailbox did not end the session");
+    return Found::No;
 }
 
 int PopBox::CountOfMails() {
@@ -73,15 +78,21 @@ int PopBox::CountOfMails() {
     return count;
 }
 
-// A server that has no TOP sends the whole mail.
-std::string PopBox::HeadOf(int mail) {
+// A server that has no TOP sends the whole mail. What quotes the mail that is looked for, such as the notice that it could not be
+// delivered, has another subject.
+std::string PopBox::SubjectOf(int mail) {
+    constexpr std::string_view kField = "Subject:";
     const std::string number = std::to_string(mail);
     if (!IsOk("TOP " + number + " 0")) Require("RETR " + number, "a mail could not be read");
-    std::string head;
+    std::string subject;
+    bool inHead = true, inSubject = false;
     for (std::string line = ReadLine(); line != "."; line = ReadLine()) {
-        if (head.size() < kLongestHead) head += line + "\n";
+        inHead = inHead && !line.empty();
+        const bool goesOn = line.starts_with(' ') || line.starts_with('\t');
+        inSubject = inHead && (goesOn ? inSubject : EqualsNoCase(line.substr(0, kField.size()), kField));
+        if (inSubject && subject.size() < kLongestSubject) subject += goesOn ? line : line.substr(kField.size());
     }
-    return head;
+    return Trim(subject);
 }
 
 bool PopBox::IsOk(const std::string& line) {

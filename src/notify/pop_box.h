@@ -1,4 +1,4 @@
-// Takes one mail out of a mailbox by POP3 (RFC 1939), told apart by a text in its head.
+// Takes one mail out of a mailbox by POP3 (RFC 1939), told apart by its subject.
 #pragma once
 
 #include <cstdint>
@@ -24,14 +24,17 @@ public:
     /// Nothing else may use the socket while this object lives.
     PopBox(TcpSocket& socket, const Clock& clock, Events& events);
 
-    /// Looks through the newest 200 mails and deletes the one whose head contains `token`. Returns whether there was one. Throws
-    /// Error with the reason. Waits through the event pump, up to 60 seconds for each reply and 5 minutes for all.
-    bool Take(const Account& account, const std::string& token);
+    enum class Found { No, Deleted, Kept };
+
+    /// Looks through the newest 200 mails and deletes the one whose subject begins with `subject`; the server may refuse that, or
+    /// die before it confirms it. Throws Error with the reason why the mails could not be read. Waits through the event pump, up to
+    /// 60 seconds for each reply and 5 minutes for all.
+    Found Take(const Account& account, const std::string& subject);
 
 private:
-    bool Converse(const Account& account, const std::string& token);
+    Found Converse(const Account& account, const std::string& subject);
     int CountOfMails();
-    std::string HeadOf(int mail);
+    std::string SubjectOf(int mail);
     bool IsOk(const std::string& line);
     void Require(const std::string& line, const std::string& what);
     std::string ReadLine();

@@ -1,4 +1,4 @@
-// Port: one ICMP echo over IPv4 (RFC 792).
+// Port: ICMP echoes over IPv4 (RFC 792).
 #pragma once
 
 #include <chrono>
@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace korvane {
 
@@ -34,6 +35,14 @@ public:
     /// cannot be sent (no route) counts as not answered.
     virtual EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive,
                                    std::chrono::milliseconds wait) = 0;
+
+    /// Sends an echo to each address and returns at once. What comes back for earlier ones is forgotten. An echo that cannot be
+    /// sent is skipped.
+    virtual void SendEchoes(const std::vector<Ipv4Address>& to, std::string_view data, int timeToLive) = 0;
+
+    /// Returns whether one of the echoes of the last SendEchoes came back within `wait` after it was sent, whenever this is
+    /// called. Blocks until one is there or that time is over; no events are delivered meanwhile. Called once for each SendEchoes.
+    virtual bool EchoCameBack(std::chrono::milliseconds wait) = 0;
 
     virtual void IcmpCloseHandle() = 0;
 };

@@ -48,6 +48,14 @@ std::string WarningOf(const Publication& publication, Recordset& rs) {
     return warning.empty() ? "" : "<br><font color=red><b>" + warning + "</b></font>";
 }
 
+// Stands below the table, only if there are safeguards.
+std::string AboutSafeguards(const Publication& publication) {
+    const std::string proven = publication.alertPath.Proven();
+    std::string text = proven.empty() ? "" : "\r\n<br>" + proven;
+    if (publication.alertPath.IsShown()) text += "\r\n<br><font size=1>" + publication.safeguards.CountsText() + "</font>";
+    return text;
+}
+
 // The last response of an entry that a safeguard set aside is the reason.
 std::string WhyNotChecked(Recordset& rs) {
     if (ToLower(TextOf(rs, "strCurStatus")) != kNotChecked) return "";
@@ -184,7 +192,7 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     }
     table += averages.Row();
     table += kTableEnd;
-    if (const std::string proven = publication.alertPath.Proven(); !proven.empty()) table += "\r\n<br>" + proven;
+    table += AboutSafeguards(publication);
     folder.Write(groupFolder + "/summary.htm",
                  folder.Merge(kSummaryTemplate, {table, total, publication.outside.Text(strGroup)}));
     folder.EnsurePictures();

@@ -9,7 +9,6 @@
 namespace korvane {
 namespace {
 
-constexpr const char* kTitle = "Korvane";
 constexpr const char* kSaved = "Settings updated";
 constexpr const char* kNoAddress = "The email id entered is not a valid email id";
 constexpr const char* kNoServer = "No SMTP server has been specified to send email";
@@ -68,7 +67,7 @@ void AlertMonitor::cmdSave() {
                         .duration = cboDuration,
                         .restart = ckRestart ? "1" : "0",
                         .services = WatchedServices()});
-    ports_.person.ShowMessage(kTitle, kSaved);
+    ports_.person.ShowMessage(kMessageTitle, kSaved);
 }
 
 void AlertMonitor::Switch() {
@@ -83,7 +82,7 @@ void AlertMonitor::cmdTest() {
     if (!TestEnabled() || RefusedTest()) return;
     const std::string* server = ports_.settings.Find(kServerKey);
     if (server == nullptr || server->empty()) {
-        ports_.person.ShowMessage(kTitle, kNoServer);
+        ports_.person.ShowMessage(kMessageTitle, kNoServer);
         return;
     }
     testUnderWay_ = true;
@@ -91,7 +90,7 @@ void AlertMonitor::cmdTest() {
     const auto done = [this] {
         testUnderWay_ = false;
         Changed();
-        ports_.person.ShowMessage(kTitle, kind_.testSent);
+        ports_.person.ShowMessage(kMessageTitle, kind_.testSent);
     };
     ports_.mails.Send(MailTo(txtEmail, TestBody()), IfAlive(done));
 }
@@ -144,7 +143,7 @@ void AlertMonitor::Changed() const {
 
 void AlertMonitor::ShowError(const std::string& text) const {
     if (ports_.ofMachineWatch) return ports_.log.WriteLog(kLogOrdinary, kLogError, std::string(kind_.subject) + ": " + text);
-    ports_.person.ShowError(kTitle, text);
+    ports_.person.ShowError(kMessageTitle, text);
 }
 
 std::function<void()> AlertMonitor::IfAlive(std::function<void()> deed) const {

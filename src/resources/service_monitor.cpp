@@ -14,6 +14,10 @@ const char* TextOf(int state, const char* otherwise) {
     return otherwise;
 }
 
+bool Has(const ServiceList& list, const std::string& name) {
+    return std::any_of(list.services.begin(), list.services.end(), [&](const ServiceRecord& each) { return each.name == name; });
+}
+
 std::string StoppedBody(const std::string& name) {
     return "The Service: " + name + " has stopped.";
 }
@@ -30,7 +34,8 @@ void ServiceMonitor::Loaded(const AlertSettings& settings) {
 }
 
 void ServiceMonitor::TakeList(const ServiceList& list) {
-    whyNot_ = list.whyNot;
+    NoteAnswer(list.whyNot);
+    NameUnknown(list);
     listed_ = whyNot_.empty();
     rows_.clear();
     for (const ServiceRecord& service : list.services) {
@@ -66,15 +71,32 @@ void ServiceMonitor::Look() {
 }
 
 void ServiceMonitor::Check(const ServiceList& list) {
-    whyNot_ = list.whyNot;
+    NoteAnswer(list.whyNot);
     if (!listed_ && whyNot_.empty()) TakeList(list);  // the manager had not answered when the window was opened
+    AlertAtEleventhLook(ports_.ofMachineWatch && !whyNot_.empty(), "The services can't be watched. " + whyNot_);
     for (Row& row : rows_) {
         if (!row.watched) continue;
         const auto service = std::find_if(list.services.begin(), list.services.end(),
                                           [&](const ServiceRecord& each) { return each.name == row.name; });
-        if (service != list.services.end()) CheckRow(row, *service);
+        if (service != list.services.end())
+            CheckRow(row, *service);
+        else if (ports_.ofMachineWatch && whyNot_.empty())
+            CheckRow(row, {});  // its unit was removed
     }
     Changed();
+}
+
+// Without a window nobody sees why nothing is watched, nor what is missing in the list.
+void ServiceMonitor::NoteAnswer(const std::string& whyNot) {
+    whyNot_ = whyNot;
+    if (ports_.ofMachineWatch && !saved_.empty() && !whyNot.empty() && whyNot != named_) ShowError(whyNot);
+    named_ = whyNot;
+}
+
+void ServiceMonitor::NameUnknown(const ServiceList& list) const {
+    if (!ports_.ofMachineWatch || !whyNot_.empty()) return;
+    for (const std::string& name : saved_)
+        if (!Has(list, name)) ShowError("There is no service '" + name + "', so it is not watched.");
 }
 
 // Every service that is not running is reported as stopped, even a paused one or one that is changing its state. Only a service

@@ -45,6 +45,8 @@ private:
     void TakeList(const ServiceList& list);
     void Check(const ServiceList& list);
     void CheckRow(Row& row, const ServiceRecord& service);
+    void NameUnknown(const ServiceList& list) const;
+    void NoteAnswer(const std::string& whyNot);
     std::vector<std::string> WatchedNames() const;
 
     Services& services_;
@@ -52,6 +54,7 @@ private:
     bool listed_ = false;  ///< rows_ come from an answer of the manager
     std::vector<std::string> saved_;
     std::string whyNot_;
+    std::string named_;  ///< the reason that is in the log
     std::unique_ptr<Services::Question> loading_;
     std::unique_ptr<Services::Question> checking_;
 };

@@ -1,13 +1,17 @@
 // Whether an alert can reach anybody. With any safeguard on, an entry whose outage would be mailed to nobody is shown in red where
-// its state is shown: in the list and in the pages. With the outbox on, they and the service manager's status say when a mail was
-// taken last.
+// its state is shown: in the list and in the pages. With the outbox on, they and the service manager's status say when it was proven
+// last that mail goes out.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "base/datetime.h"
+#include "platform/clock.h"
 #include "platform/connection.h"
+#include "platform/files.h"
 #include "store/safeguards.h"
 #include "store/settings_collection.h"
 
@@ -15,30 +19,39 @@ namespace korvane {
 
 class AlertPath {
 public:
-    /// Both must outlive this.
-    AlertPath(const Safeguards& safeguards, const SettingsCollection& settings) : safeguards_(safeguards), settings_(settings) {}
+    struct Ports {
+        const Safeguards& safeguards;
+        const SettingsCollection& settings;
+        Files& files;
+        const Clock& clock;
+    };
+
+    AlertPath(const Ports& ports, const std::string& dir) : ports_(ports), file_(dir + "/kvalertpath.dat") {}
     AlertPath(const AlertPath&) = delete;
     AlertPath& operator=(const AlertPath&) = delete;
 
+    /// Continues with what `<dir>/kvalertpath.dat` says of earlier runs; that file is neither read nor written while all safeguards
+    /// are off.
+    void Load();
+
     /// The result of the operator's last test mail.
-    void TestMail(bool sent) {
-        testFailed_ = !sent;
-        if (onProblem_) onProblem_();
-    }
-    /// Whether the proof of the day is overdue.
-    void Proof(bool overdue) {
-        proofOverdue_ = overdue;
-        if (onProblem_) onProblem_();
-    }
-    /// Called after each of the two.
+    void TestMail(bool sent);
+    /// Whether the proof of the day is overdue; and that its mail has come back.
+    void Proof(bool overdue);
+    void ProofArrived();
+    /// A server has taken a mail of the outbox, which keeps that itself; in an earlier run, if something else is known to be later.
+    void Taken(DateTime when) { proven_ = when; }
+    void TakenBefore(std::optional<DateTime> when);
+
+    /// Called after each of the first three.
     void OnProblem(std::function<void()> onProblem) { onProblem_ = std::move(onProblem); }
 
-    /// A sentence of the outbox.
-    void SetProven(const std::string& text) { proven_ = text; }
-    /// "Alert path last proven 11/21/2026 3:00:02 PM."; empty while the outbox is off.
-    std::string Proven() const { return safeguards_.IsOn("MailOutbox") ? proven_ : ""; }
+    /// "Alert path last proven 11/21/2026 3:00:02 PM."
+    std::string ProvenText() const;
+    /// The same; empty while the outbox is off.
+    std::string Proven() const { return ports_.safeguards.IsOn("MailOutbox") ? ProvenText() : ""; }
 
-    bool IsShown() const { return safeguards_.AnyOn(); }
+    bool IsShown() const { return ports_.safeguards.AnyOn(); }
 
     /// Returns what is wrong, for an entry that is monitored, as a few words after its state; empty if nothing is, or if that
     /// cannot be read.
@@ -47,10 +60,15 @@ public:
     std::string Problem() const;
 
 private:
-    const Safeguards& safeguards_;
-    const SettingsCollection& settings_;
+    void Keep();
+    void Tell() {
+        if (onProblem_) onProblem_();
+    }
+
+    Ports ports_;
+    std::string file_;
     std::function<void()> onProblem_;
-    std::string proven_;
+    std::optional<DateTime> proven_;
     bool testFailed_ = false;
     bool proofOverdue_ = false;
 };

@@ -15,13 +15,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view kRestoreDatabase = "RestoreDatabase";
-constexpr int kLooks = 20;
+constexpr auto kLongestLock = 10s;
 constexpr auto kBetweenLooks = 500ms;
 /// A full disk or a database without entries is not looked at every few seconds.
 constexpr auto kRest = 10min;
 
 constexpr std::string_view kCopyBegin = "kvdata2 ";
 constexpr std::string_view kCopyEnd = ".mdb";
+constexpr const char* kUnfinished = ".new";
 constexpr std::size_t kCopiesKept = 7;
 
 constexpr const char* kJournals[] = {"-journal", "-wal", "-shm"};
@@ -51,7 +52,8 @@ void DatabaseRescue::BeforeTheStart() {
     if (!IsOn()) return;
     State state = Look();
     if (state == State::Locked) Tell("The database is locked by another program and is waited for.");
-    for (int look = 1; state == State::Locked && look < kLooks; ++look) {
+    for (const auto end = ports_.clock.GetTickCount() + kLongestLock;
+         state == State::Locked && ports_.clock.GetTickCount() < end;) {  // a look itself waits for the store
         WaitFor(ports_.events, ports_.clock, kBetweenLooks, [] { return false; });
         state = Look();
     }
@@ -149,17 +151,19 @@ void DatabaseRescue::CopyToday() {
 // Throws DamagedError for a file that is damaged anywhere.
 void DatabaseRescue::CopyWhole(const std::string& file, const std::string& to) {
     try {
-        ports_.store.Compact(file, to + ".new", [&] {
-            ports_.files.Rename(to + ".new", to);
+        ports_.store.Compact(file, to + kUnfinished, [&] {
+            ports_.files.Rename(to + kUnfinished, to);
             throw OnlyTheCopy();
         });
     } catch (const OnlyTheCopy&) {
     }
 }
 
-// That of today stays, even if the clock was once ahead.
+// That of today stays, even if the clock was once ahead. A program that was killed while it made one left the beginning of it.
 void DatabaseRescue::RemoveOldCopies(const std::string& today) {
     std::vector<std::string> names = ports_.files.FileNames(FolderOfCopies(dir_));
+    for (const std::string& name : names)
+        if (Holds(name, std::string(kCopyEnd) + kUnfinished)) ports_.files.Remove(FolderOfCopies(dir_) + "/" + name);
     std::erase_if(names, [](const std::string& name) { return !IsDailyCopy(name); });
     for (std::size_t old = 0; old + kCopiesKept < names.size(); ++old)
         if (const std::string path = FolderOfCopies(dir_) + "/" + names[old]; path != today) ports_.files.Remove(path);

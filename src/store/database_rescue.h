@@ -38,6 +38,8 @@ public:
 
     DatabaseRescue(Ports ports, std::string dir) : ports_(std::move(ports)), dir_(std::move(dir)) {}
 
+    bool IsOn() const;
+
     /// Called at the start, before the database is used. Waits up to 10 seconds, with events delivered, while another program has
     /// it locked, and brings it back if it is missing or damaged. Throws Error if there is a good copy that cannot be put in its
     /// place: an empty database must not stand there then.
@@ -56,7 +58,6 @@ public:
 private:
     enum class State { Missing, Damaged, Locked, Usable, Unknown };
 
-    bool IsOn() const;
     bool IsMissing();
     State Look();
     std::optional<int> EntriesIn(const std::string& file);

@@ -11,6 +11,11 @@ constexpr std::string_view kLooksForTable =
     "SELECT count(*) AS n FROM sqlite_master WHERE type = 'table' AND name = 'EntrySafeguards'";
 constexpr std::string_view kCreatesTable =
     "CREATE TABLE IF NOT EXISTS EntrySafeguards (ID INTEGER PRIMARY KEY, idParent INTEGER, strKey TEXT, strValue TEXT)";
+/// The database itself removes the values of an entry, also while the safeguards are off or another tool deletes it: a new entry
+/// with its ID must not inherit them.
+constexpr std::string_view kForgetsDeleted =
+    "CREATE TRIGGER IF NOT EXISTS EntrySafeguardsOfDeleted AFTER DELETE ON Servers BEGIN "
+    "DELETE FROM EntrySafeguards WHERE idParent = OLD.ID; END";
 
 /// The open store for one piece of work.
 struct Work {
@@ -61,7 +66,10 @@ void EntrySafeguards::Write(std::int64_t id, std::string_view key, const std::st
     Work work(store_, connectionString_);
     if (!work.HasTable()) {
         if (value.empty()) return;
+        work.conn->BeginTrans();
         work.conn->Execute(kCreatesTable);
+        work.conn->Execute(kForgetsDeleted);
+        work.conn->CommitTrans();
     }
     work.OpenRows(id);
     const bool found = work.Find(key);
@@ -76,13 +84,6 @@ void EntrySafeguards::Write(std::int64_t id, std::string_view key, const std::st
     }
     work.rs->Fields("strValue") = value;
     work.rs->Update();
-}
-
-void EntrySafeguards::Remove(std::int64_t id) {
-    Work work(store_, connectionString_);
-    if (!work.HasTable()) return;
-    for (work.OpenRows(id); !work.rs->Eof(); work.rs->MoveNext())
-        work.rs->Delete();
 }
 
 }  // namespace korvane

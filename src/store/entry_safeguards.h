@@ -1,5 +1,5 @@
 // The values of safeguards that belong to one entry. They stand in a table of their own, `EntrySafeguards`, which is created when
-// the first value is written.
+// the first value is written. When an entry is deleted, by whatever program, the database removes its values.
 #pragma once
 
 #include <cstdint>
@@ -20,9 +20,6 @@ public:
 
     /// An empty value removes it.
     void Write(std::int64_t id, std::string_view key, const std::string& value);
-
-    /// Called when the entry is removed.
-    void Remove(std::int64_t id);
 
 private:
     Store& store_;

@@ -1,7 +1,6 @@
 #include "store/safeguards.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/text.h"
 
@@ -42,6 +41,9 @@ constexpr Safeguard kSafeguards[] = {
     {"HidePasswords", Switch, kOn, "notify", "No password is shown in the status log."},
     {"SameHostRedirects", Switch, kOn, "engine", "A monitored server cannot redirect a check to another host."},
 };
+
+/// For a sentence that was written to the log.
+constexpr std::chrono::hours kSilence{1};
 
 /// These keys mean nothing on their own.
 constexpr std::string_view kRefining[] = {"SMTPPort1",     "SMTPPort2",     "SMTPAuthority", "ProveMailTime", "ProveMailTo",
@@ -139,8 +141,9 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value) {
 
 std::string Safeguards::Text(std::string_view key) const {
     const std::string* value = settings_.Find(key);
-    if (FindSafeguard(key) == nullptr || value == nullptr || !Problem(key).empty()) return "";
-    return Trim(*value);
+    if (value == nullptr) return "";  // this is asked at each check
+    const Safeguard* safeguard = FindSafeguard(key);
+    return safeguard == nullptr || !ProblemOf(*safeguard, *value).empty() ? "" : Trim(*value);
 }
 
 bool Safeguards::IsOn(std::string_view key) const {
@@ -194,10 +197,21 @@ void Safeguards::TellProblems() {
 
 void Safeguards::Acted(std::string_view key, const std::string& what) {
     ++counts_[std::string(key)];
-    std::string& last = lastWritten_[std::string(key)];
-    if (last == what) return;
-    last = what;
-    log_.Info("Safeguard " + std::string(key) + ": " + what);
+    const std::string line = "Safeguard " + std::string(key) + ": " + what;
+    const auto now = clock_.GetTickCount();
+    const auto written = written_.find(line);
+    if (written != written_.end() && now - written->second < kSilence) return;
+    std::erase_if(written_, [&](const auto& each) { return now - each.second >= kSilence; });
+    written_.emplace(line, now);
+    log_.Info(line);  // the last step: a safeguard that hides a part of the line acts again
+}
+
+std::string Safeguards::CountsText() const {
+    std::string counts;
+    for (const auto& [key, count] : counts_)
+        counts += (counts.empty() ? " " : ", ") + key + " " + std::to_string(count);
+    return counts.empty() ? "No safeguard has acted since the start of Korvane."
+                          : "How often safeguards have acted since the start of Korvane:" + counts + ".";
 }
 
 }  // namespace korvane

@@ -2,6 +2,7 @@
 // then behaves as if it did not exist. All are read from the settings collection at the point of use, so a change works at once.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <map>
 #include <span>
@@ -9,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/clock.h"
 #include "store/log.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -48,8 +50,8 @@ std::string ProblemOf(const Safeguard& safeguard, std::string_view value);
 
 class Safeguards {
 public:
-    Safeguards(const SettingsCollection& settings, Log& log, StatusLog& status)
-        : settings_(settings), log_(log), status_(status) {}
+    Safeguards(const SettingsCollection& settings, const Clock& clock, Log& log, StatusLog& status)
+        : settings_(settings), clock_(clock), log_(log), status_(status) {}
     Safeguards(const Safeguards&) = delete;
     Safeguards& operator=(const Safeguards&) = delete;
 
@@ -73,18 +75,21 @@ public:
     /// Writes the problems that are new since the last call to the log and the status log.
     void TellProblems();
 
-    /// Counts one action of the safeguard and writes it to the log once: `what` is a sentence. Repetitions of the same sentence
-    /// are counted, but not written again.
+    /// Counts one action of the safeguard and writes it to the log: `what` is a sentence. Repetitions of a sentence within an
+    /// hour are counted, but not written again.
     void Acted(std::string_view key, const std::string& what);
     /// Returns how often each safeguard acted since the start.
     const std::map<std::string, std::size_t, LessNoCase>& Counts() const { return counts_; }
+    /// Returns the same as a sentence for the operator.
+    std::string CountsText() const;
 
 private:
     const SettingsCollection& settings_;
+    const Clock& clock_;
     Log& log_;
     StatusLog& status_;
     std::map<std::string, std::size_t, LessNoCase> counts_;
-    std::map<std::string, std::string, LessNoCase> lastWritten_;
+    std::map<std::string, std::chrono::milliseconds> written_;  ///< the lines of the last hour, with the clock's tick count
     std::vector<std::string> toldProblems_;
 };
 

@@ -1,4 +1,6 @@
 // The safeguards of web checks, and of this machine's own network.
+#include <filesystem>
+
 #include "engine/engine_test.h"
 #include "engine/http_status.h"
 
@@ -62,11 +64,20 @@ TEST(OwnNetwork, NoEntryIsBlamedAndOneMailTellsWhenItIsBack) {
     };
     alone.RunFor(10min);
     EXPECT_EQ(alone.Of(1, "strCurStatus,nTriesCur,nFail,nPercentUp"), "own network down,0,0,100");
-    EXPECT_TRUE(alone.Of(1, "strLastResponse").starts_with("Not counted, because the own network is down: Ping Failure to"));
+    EXPECT_TRUE(
+        alone.Of(1, "strLastResponse").starts_with("Not counted, because the own network is down since 11/21/2026 3:00:"));
     EXPECT_EQ(alone.rows.Count("Failures") + static_cast<int>(alone.mail.mails.size() + alone.TakeStarted().size()), 0);
     const std::size_t checks = alone.run.TheDesk().safeguards.Counts().at("OwnNetwork");
     EXPECT_TRUE(checks > 12 && checks <= 20) << checks;  // the pace of the retry; the questions take some seconds
     EXPECT_EQ(told(), 1);
+    const TemporaryFolder copy;
+    std::filesystem::copy(alone.home, copy.Path(), std::filesystem::copy_options::recursive);
+    World restarted({.start = alone.world.clock.Now(), .home = copy.Path()});
+    restarted.net.Host("10.9.9.1").Up();
+    restarted.Start();
+    restarted.RunFor(90s);
+    EXPECT_TRUE(restarted.Logged("The own network is back after 10 min. "));
+    EXPECT_EQ(restarted.mail.mails.size(), 5U);
     alone.gateway.Up();
     alone.RunFor(90s);
     EXPECT_EQ(told(), 2);
@@ -101,6 +112,8 @@ TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {
         {[](Alone& a) { a.Set("OwnNetwork", "10.9.9.1; a b"); }, "Failing"},  // unusable, so it is off
         {[&](Alone& a) { change(a, 9s, true); }, "own network down"},         // back during the check
         {[&](Alone& a) { a.gateway.Up(), change(a, 4s, false); }, "own network down"},
+        {[&](Alone& a) { a.Set("OwnNetwork", "10.9.9.1"), change(a, 9s, true); }, "own network down"},
+        {[](Alone& a) { a.Set("OwnNetwork", "10.9.9.1"), a.gateway.Up().Echo(1001ms); }, "own network down"},  // late
     };
     for (int number = 0; const auto& [behave, status] : cases) {
         Alone alone(Columns("strType strPort strExpectedText", "SMTP", "25", ""));

@@ -1,8 +1,13 @@
 // The outbox: mail goes out beside the cycle, once to each recipient, whatever servers, store and restarts do.
+#include <array>
+#include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <random>
 #include <set>
 
 #include "engine/engine_test.h"
+#include "shell/options/options_inputs.h"
 
 namespace korvane::outbox_test {
 
@@ -49,10 +54,11 @@ struct Outbox : Engine {
     const OutboxState& State() { return run.TheDesk().outbox.State(); }
 };
 
-/// A start in a copy of the home, as a kill would have left it.
+/// A start in a copy of the home, as a kill would have left it, with the outbox on or off.
 struct Restarted {
-    explicit Restarted(Outbox& before) : start(before.world.clock.Now()) {
+    explicit Restarted(Outbox& before, bool on = true) : start(before.world.clock.Now()) {
         std::filesystem::copy(before.home, folder.Path(), std::filesystem::copy_options::recursive);
+        if (!on) world.Write("kvurlwatchn.ini", ReplaceAll(world.Text("kvurlwatchn.ini"), kOn, ""));
         world.net.Host("10.0.1.1").EchoSilent();
         world.Start();
         world.RunFor(5min);
@@ -129,6 +135,11 @@ TEST(MailOutbox, NobodyGetsAMailTwiceAfterARestart) {
     Restarted again(outbox);
     ASSERT_EQ(again.world.mail.mails.size(), 1);
     EXPECT_EQ(again.world.mail.mails[0].recipients, Texts{"<b@y>"});
+    Restarted off(outbox, false);
+    EXPECT_EQ(off.world.mail.mails.size(), 0);
+    SaveOptions(off.world.run.TheDesk(), OptionsFromSettings(off.world.run.TheDesk().collection), {{"MailOutbox", "True"}});
+    off.world.RunFor(1min);
+    EXPECT_EQ(off.world.mail.mails.size(), 1);
 }
 
 TEST(MailOutbox, AServerThatDiesBeforeItSaysSoGetsTheSameMailAgain) {
@@ -181,6 +192,17 @@ TEST(MailOutbox, GoesOutThoughTheStoreRefusesIt) {
     }
 }
 
+TEST(MailOutbox, WhatWasTakenIsNotedOnceTheStoreTakesIt) {
+    Outbox outbox;
+    outbox.store.faults.Add({.operation = StoreOperation::Update, .forever = true, .about = "MailOutbox WHERE ID = 1"});
+    outbox.RunFor(5min);
+    EXPECT_EQ(outbox.Column("strState"), "waiting|");
+    outbox.store.faults.Heal();
+    outbox.RunFor(2min);
+    EXPECT_EQ(outbox.Column("strState"), "sent|");
+    EXPECT_EQ(outbox.TakeMails().size(), 2);
+}
+
 TEST(MailOutbox, AReturnWhoseTransactionFailsIsStoredAllTheSame) {
     Outbox outbox(kOn + "GuardBadEntries=True\n", To("a@x"));
     outbox.RunFor(30s);
@@ -209,6 +231,11 @@ TEST(MailOutbox, RowsThatAnotherToolChangedHarmNothing) {
             conn->Execute("UPDATE MailOutbox SET " + std::string(bad) + " WHERE ID = last_insert_rowid()");
     conn->Close();
     Restarted again(outbox);
+    outbox.rows.Connected()->Execute("DELETE FROM MailOutbox");
+    outbox.run.TheDesk().outbox.FollowRestoredDatabase();
+    outbox.MailServerReturns();
+    outbox.RunFor(20min);
+    EXPECT_EQ(outbox.TakeMails(), Texts{"<a@x> Down! (web) 11/21/2026 3:00:04 PM"});
     const auto& mails = again.world.mail.mails;
     ASSERT_EQ(mails.size(), 6);  // all but the first two that were changed
     EXPECT_EQ(mails.back().recipients, Texts{"<a@x>"});
@@ -226,6 +253,95 @@ TEST(MailOutbox, AChildThatHangsIsEndedAndAnEntryWithoutRecipientsIsNamed) {
     outbox.ownProgram.hangs = false;
     outbox.RunFor(10min);
     EXPECT_EQ(outbox.TakeMails().size(), 1);
+}
+
+constexpr std::size_t kHosts = 8;
+
+/// Good and bad times of servers and of the mail server.
+struct Weather {
+    explicit Weather(unsigned seed) : random(seed) {}
+    int Pick(int below) { return static_cast<int>(random() % static_cast<unsigned>(below)); }
+    static std::string Host(std::size_t i) { return "10.3.0." + std::to_string(i + 1); }
+
+    void Over(World& world) {
+        for (std::size_t i = 0; i < kHosts; ++i)
+            world.net.Host(Host(i)).DecideEcho([this, i] {
+                int& left = troubles[i];
+                if (left == 0 && Pick(8) == 0) left = 1 + Pick(12);
+                const bool bad = !calm && left > 0;
+                left -= bad ? 1 : 0;
+                return bad ? VirtualHost::EchoAnswer{true, 769, 1ms} : VirtualHost::EchoAnswer{};
+            });
+        ChangeMail(world);
+    }
+    void ChangeMail(World& world) {
+        const int mood = calm ? 0 : Pick(6);
+        const std::string refused = mood == 3 ? "rcpt" : mood == 4 ? "rcpt to:<b" : "none";
+        world.mail.refuse = [refused](const std::string& line) { return ToLower(line).starts_with(refused); };
+        VirtualServer& port = world.net.Host("mail.example").Port(25);
+        world.mail.Serve(port);
+        if (mood == 1) port.Anew().Refuse();
+        if (mood == 2) port.Anew().Silent();
+        world.world.After(std::chrono::minutes(1 + Pick(60)), [this, &world] { ChangeMail(world); });
+    }
+
+    bool calm = false;
+    std::array<int, kHosts> troubles{};
+    std::mt19937 random;
+};
+
+// Entries and a mail server that fail and recover at random, for hours, with a kill in the middle; then all is well again.
+TEST(MailOutbox, EachOutageAndEachReturnIsMailedOnce) {
+    const bool isLong = std::getenv("KORVANE_LONG") != nullptr;
+    for (unsigned seed = 1; seed <= (isLong ? 60 : 1); ++seed) {
+        SCOPED_TRACE(seed);
+        Weather weather(seed);
+        Engine before({}, seed % 2 == 0 ? kOn : kOn + "SMTPUser1=me\n");
+        for (std::size_t i = 0; i < kHosts; ++i)
+            before.Add(
+                With(To("a@" + std::to_string(i), i % 2 == 0 ? "" : "b@" + std::to_string(i)), {.strAddress_IP = Weather::Host(i),
+                                                                                                .nTries = 1 + weather.Pick(2),
+                                                                                                .nIntervalSeconds = 600,
+                                                                                                .strExpectedText = "1000"}));
+        weather.Over(before);
+        before.RunFor(isLong ? 12h : 3h);
+        const TemporaryFolder folder;
+        std::filesystem::copy(before.home, folder.Path(), std::filesystem::copy_options::recursive);
+        World after({.start = before.world.clock.Now(), .home = folder.Path()});
+        after.Start();
+        weather.Over(after);
+        after.RunFor(isLong ? 12h : 3h);
+        weather.calm = true;
+        after.RunFor(4h);
+        auto mails = before.mail.mails;
+        mails.insert(mails.end(), after.mail.mails.begin(), after.mail.mails.end());
+
+        std::map<std::string, std::array<std::set<std::string>, 2>> told;  // ids of mails on outages and returns, by recipient
+        for (const auto& mail : mails) {
+            const std::string id = Outbox::Header(mail.text, "Message-ID: ");
+            const bool back = Holds(mail.text, "Subject: SERVER BACK UP"), both = Holds(mail.text, "The outage is over.");
+            if (!back || both) told[mail.recipients[0]][0].insert(id);
+            if (back) told[mail.recipients[0]][1].insert(id);
+        }
+        int outages = 0;
+        for (std::size_t i = 0; i < kHosts; ++i) {
+            const auto traces = [&](const auto& all) {  // each outage has one
+                const std::string file = "KvTR" + std::to_string(i + 1) + ".";
+                return std::count_if(all.begin(), all.end(), [&](const auto& started) { return Holds(started.command, file); });
+            };
+            const auto here = static_cast<int>(traces(before.processes.started) + traces(after.processes.started));
+            for (const std::string name : {"a", "b"}) {
+                const auto& [failures, returns] = told["<" + name + "@" + std::to_string(i) + ">"];
+                const auto expected = static_cast<std::size_t>(name == "a" || i % 2 == 1 ? here : 0);
+                EXPECT_EQ(failures.size(), expected) << name << i;
+                EXPECT_EQ(returns.size(), expected) << name << i;
+            }
+            outages += here;
+        }
+        EXPECT_GT(outages, 10);
+        EXPECT_EQ(after.run.TheDesk().outbox.State().waiting, 0);
+        EXPECT_EQ(after.run.TheDesk().outbox.State().givenUp, 0);
+    }
 }
 
 }  // namespace korvane::outbox_test

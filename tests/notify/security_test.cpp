@@ -12,6 +12,7 @@
 namespace korvane {
 namespace {
 
+using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
 /// A server that takes mail under TLS, offers `offers` before it, and answers STARTTLS with `answer`.
@@ -132,6 +133,8 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
              {"535 s3cret is wrong; czNjcmV0", "535 [not shown] is wrong; [not shown]"},
              {"Requesting 'PASS my word'", "Requesting 'PASS [not shown]'"},
              {"steps '+OK,USER x,pass it's,+OK' worked", "steps '+OK,USER x,pass [not shown],+OK' worked"},
+             {"'+OK,AUTH LOGIN,334,dXNl,334,cGFz,235' and 'auth plain,334,cGFz'",
+              "'+OK,AUTH LOGIN,334,[not shown],334,[not shown],235' and 'auth plain,334,[not shown]'"},
              {"'a1 LOGIN bob word'", "'a1 LOGIN [not shown]'"},
              {"getting 'http://u:p@w@h:80/x@y'", "getting 'http://u:[not shown]@h:80/x@y'"},
              {"it will pass abc to http://h:80/ at 5:00", "it will pass abc to http://h:80/ at 5:00"}}) {
@@ -140,7 +143,12 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
         EXPECT_EQ(world.person.StatusTexts().back(), shown);
         EXPECT_EQ(world.LogTexts().back(), shown);
     }
-    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 12u);
+    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 14u);
+    world.net.Host("10.0.0.9").Port(25).Speak("220\r\n").Answer([](auto&) { return "334 235\r\n"; });
+    EXPECT_EQ(desk.tcp.DoTCPRequest("10.0.0.9", "220,AUTH LOGIN,334,dXNl,334,cGFz,235,QUIT,3", 20s, "25").strReason, "");
+    EXPECT_EQ(world.person.StatusTexts().end()[-3], "Requesting 'QUIT'");
+    for (const std::string& text : world.person.StatusTexts())
+        EXPECT_FALSE(Holds(text, "dXNl") || Holds(text, "cGFz")) << text;
     world.Set("HidePasswords", "");
     desk.status.setStatusMSG("PASS s3cret");
     EXPECT_EQ(world.person.StatusTexts().back(), "PASS s3cret");
@@ -148,38 +156,43 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
 
 /// A mailbox that the mail server of the world fills while `delivers`, and the proof of each day at 15:10.
 struct ProofWorld : World {
-    explicit ProofWorld(const std::string& before = "", DateTime start = DateTime::Of(2026, 11, 21, 15, 0, 0))
+    explicit ProofWorld(const World* before = nullptr, DateTime start = DateTime::Of(2026, 11, 21, 15, 0, 0))
         : World({.start = start,
                  .settings =
                      "ProveMail=True\nProveMailTime=15:10\nProveMailTo=me@x\nProveMailHost=box.example\nProveMailUser=me\n"
                      "ProveMailPass=word\nServerBackup=backup.example\nRedAlertWav=red.wav\nbRedAlert=True"}) {
-        if (!before.empty()) Write("kvproof.dat", before);
+        for (const char* file : {"kvproof.dat", "kvalertpath.dat"})
+            if (before != nullptr) Write(file, before->Text(file));
         net.Host("box.example").Port(995).Tls(true).Speak("+OK hi\r\n").Answer([this](auto& line) { return Answer(line); });
         Start();
     }
     std::string Answer(const std::string& line) {
-        if (line == "STAT") return "+OK " + std::to_string(delivers ? mail.mails.size() : 0) + " 99\r\n";
+        if (line == "STAT") return "+OK " + std::to_string(mail.mails.size() - deleted.size()) + " 99\r\n";
         if (line.starts_with("TOP")) return "-ERR unknown\r\n";
-        if (line.starts_with("RETR")) return "+OK\r\n" + mail.mails[std::stoul(line.substr(5)) - 1].text + ".\r\n";
+        if (line.starts_with("RETR"))
+            return (delivers ? "+OK\r\n" : "+OK\r\nSubject: Returned\r\n\r\n") + mail.mails.back().text + ".\r\n";
         if (line.starts_with("DELE")) deleted.push_back(line);
+        if (line == "QUIT" && diesAfterDeleting && !deleted.empty()) return "";
         return line == "PASS word" || !line.starts_with("PASS") ? "+OK\r\n" : "-ERR\r\n";
     }
-    bool delivers = true;
+    bool delivers = true;  ///< or it is returned
+    bool diesAfterDeleting = true;
     Lines deleted;
     VirtualMailServer backup{net.Host("backup.example").Port(25)};
 };
 
 TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
-    using namespace std::chrono_literals;
     ProofWorld w;
     w.RunFor(9min);
     EXPECT_TRUE(w.mail.mails.empty());
     w.RunFor(4min);
     EXPECT_TRUE(w.Logged("ProveMail: the mail of the day was sent to me@x."));
+    EXPECT_TRUE(w.Logged("came after 1 minutes. The mailbox did not confirm that it was deleted."));
     w.RunFor(23h - 4min);
     EXPECT_EQ(w.mail.mails.size(), 1u);
     EXPECT_EQ(w.deleted, Lines{"DELE 1"});
-    w.delivers = false;
+    EXPECT_TRUE(w.run.TheDesk().alertPath.ProvenText().starts_with("Alert path last proven 11/21/2026 3:1"));
+    w.delivers = w.diesAfterDeleting = false;
     w.RunFor(1h + 20min);
     EXPECT_EQ(w.mail.mails.size(), 2u);
     EXPECT_TRUE(w.backup.mails.empty());
@@ -191,14 +204,17 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_EQ(w.sound.played, Lines{"red.wav"});
     EXPECT_EQ(w.run.TheDesk().alertPath.Problem(), "mail proof overdue");
 
-    // A restart neither sends the mail of the day again nor forgets that it is missing.
-    ProofWorld restarted(w.Text("kvproof.dat"), DateTime::Of(2026, 11, 22, 18, 0, 0));
+    // A restart neither sends the mail of the day again nor forgets that it is missing, or that a test mail failed.
+    w.run.TheDesk().alertPath.TestMail(false);
+    ProofWorld restarted(&w, DateTime::Of(2026, 11, 22, 18, 0, 0));
     restarted.mail.mails = w.mail.mails;
+    EXPECT_TRUE(restarted.run.TheDesk().alertPath.ProvenText().starts_with("Alert path last proven 11/21/2026 3:1"));
     restarted.RunFor(30min);
     EXPECT_EQ(restarted.deleted, Lines{"DELE 2"});
     EXPECT_EQ(restarted.mail.mails.size(), 2u);
     EXPECT_TRUE(restarted.Logged("ProveMail: the mail of the day came late, after "));
-    EXPECT_TRUE(restarted.backup.mails.empty() && restarted.run.TheDesk().alertPath.Problem().empty());
+    EXPECT_TRUE(restarted.backup.mails.empty());
+    EXPECT_EQ(restarted.run.TheDesk().alertPath.Problem(), "test mail failed");
 }
 
 }  // namespace

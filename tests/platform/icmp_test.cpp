@@ -7,6 +7,8 @@
 
 namespace korvane::icmp_test {
 
+using namespace std::chrono_literals;
+
 const std::string kData(32, 'A');
 const std::string kIpHeader = '\x45' + std::string(8, '\0') + char{IPPROTO_ICMP} + std::string(10, '\0');
 
@@ -41,6 +43,15 @@ TEST(IcmpEcho, OnlyAnAnswerToThisVeryEchoCounts) {
           ErrorAbout(ReplyTo(request), 3, 1), Message(3, 1, std::string(32, '\xFF')), Message(3, 1, "\x4F"), std::string()})
         EXPECT_FALSE(EchoStatus(message, request)) << testing::PrintToString(message);
     EXPECT_EQ(IcmpMessageOf(std::string("\x4F\0\0\0\0\0\0\0\0\1", 10) + std::string(20, 'x')), "");
+    if (LinuxIcmpEcho echo; echo.IcmpCreateFile(damaged)) {
+        const std::vector<Ipv4Address> here{htonl(INADDR_LOOPBACK)};
+        const std::tuple<std::vector<Ipv4Address>, std::chrono::milliseconds, bool> sent[] = {
+            {here, 1s, true}, {here, -1ms, false}, {{}, 1s, false}};
+        for (const auto& [to, wait, back] : sent) {
+            echo.SendEchoes(to, kData, 255);
+            EXPECT_EQ(echo.EchoCameBack(wait), back) << wait.count();
+        }
+    }
     for (const char* text : {"255.255.255.255", "localhost", "", "127.0.0.256", "127.0.0.1.1", "::1", "http://127.0.0.1"})
         EXPECT_FALSE(LinuxIcmpEcho().InetAddr(text)) << text;
 }

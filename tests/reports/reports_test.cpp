@@ -289,6 +289,7 @@ TEST_F(ReportsTest, TextFromOutsideIsTextAndEachLinkLeadsToItsPageWithTheSafegua
         ReplaceAll(ReplaceAll(action, "<b>cmd</b>", "&lt;b&gt;cmd&lt;/b&gt;"), "</ul><img>", "&lt;/ul&gt;&lt;img&gt;");
     EXPECT_TRUE(Holds(Page(group + "/failure1.htm"), ReplaceAll(escaped, "'", "&#39;"))) << Page(group + "/failure1.htm");
     EXPECT_TRUE(world.Logged("Safeguard EscapeReports: ") && world.run.TheDesk().safeguards.Counts().at("EscapeReports") > 5);
+    EXPECT_TRUE(Holds(Page(group + "/summary.htm"), "since the start of Korvane: EscapeReports "));
 }
 
 TEST_F(ReportsTest, LinksLeadNoPageOutOfTheReportFolder) {

@@ -92,7 +92,7 @@ TEST(MachineWatchTest, WatchesFromTheStartByTheFilesAndAlertsOnce) {
     world.services.Set("b", ServiceRecord::kStopped);
     world.Write("MemoryMon.dat", "ALERT_AT=85\nEMAIL=memory@x.y");
     world.Write("DiskMon.dat", "ALERT_AT=10\nEMAIL=disks@x.y\nDISABLE=1");
-    world.Write("SvcMon.dat", "SVC=b\nEMAIL=services@x.y");
+    world.Write("SvcMon.dat", "SVC=b\nSVC=gone\nEMAIL=services@x.y");
     world.Start();
     world.RunFor(10s);  // so that their alerts would not be one in the queue
     const Desk desk = world.run.TheDesk();
@@ -107,6 +107,10 @@ TEST(MachineWatchTest, WatchesFromTheStartByTheFilesAndAlertsOnce) {
                              [&](auto& mail) { return Holds(mail.from, address); });
     };
     EXPECT_EQ(mailsTo("services@", 6min), 6) << "one a minute, the window's monitor sends none";
+    world.services.whyNot = "no bus";
+    EXPECT_EQ(mailsTo("services@", 12min), 1);
+    EXPECT_TRUE(world.Logged("Alert: no bus") && world.Logged("no service 'gone'"));
+    world.services.whyNot = "";
     EXPECT_EQ(mailsTo("memory@", 6min), 1);
     world.systemInfo.memory = {.total = 100u, .available = 16};
     EXPECT_EQ(mailsTo("memory@", 12min), 0) << "below the level";
@@ -115,7 +119,7 @@ TEST(MachineWatchTest, WatchesFromTheStartByTheFilesAndAlertsOnce) {
     world.Write("DiskMon.dat", "ALERT_AT=10\nEMAIL=disks@x.y");
     EXPECT_EQ(mailsTo("disks@", 7min), 1);
     world.Set(kWatchMachine, "False");
-    world.run.TheDesk().machineWatch.Follow();
+    world.run.TheDesk().followSafeguards();
     EXPECT_EQ(mailsTo("disks@", 12min), 0);
     EXPECT_EQ(mailsTo("services@", 1min), 1) << "by the window again";
 }

@@ -105,6 +105,8 @@ TEST(DatabaseRescueTest, ACopyThatHoldsMoreIsKeptAndOneOfEachOfSevenDays) {
     world.rows.AddMany({{.id = 4}, {.id = 5}});
     world.run.TheDesk().maintenance.CompactAndRepair(home.database);
     EXPECT_EQ(entriesIn(home.backup), 4);
+    fs::create_directory(home.path + "/Copies");
+    world.Write("Copies/kvdata2 2026-11-20.mdb.new-journal", "of a program that was killed");
     for (int day = 0; day < 9; ++day) {
         world.RunFor(30s);
         world.world.MoveClock(24h);

@@ -10,6 +10,7 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -184,17 +185,35 @@ public:
     }
     EchoReply IcmpSendEcho(Ipv4Address address, std::string_view, int, std::chrono::milliseconds wait) override {
         if (!net_.NetworkThere()) return {};
-        const VirtualHost* const host = net_.FindHost(inet_ntoa(in_addr{address}));
-        const bool reachable = host != nullptr && !host->IsDown();
-        const VirtualHost::EchoAnswer answer = reachable ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
+        const VirtualHost::EchoAnswer answer = AnswerOf(address);
         const bool inTime = answer.comes && answer.after <= wait;
         net_.World().events.Sleep(inTime ? answer.after : wait);
         return inTime ? EchoReply{true, answer.status, answer.after, address} : EchoReply{};
     }
+    void SendEchoes(const std::vector<Ipv4Address>& to, std::string_view, int) override {
+        sent_ = net_.World().Ticks();
+        back_.reset();
+        for (const Ipv4Address address : to)
+            if (const auto answer = AnswerOf(address); answer.comes && answer.status == 0)
+                back_ = std::min(back_.value_or(answer.after), answer.after);
+    }
+    bool EchoCameBack(std::chrono::milliseconds wait) override {
+        const bool inTime = back_ && *back_ <= wait;
+        const auto until = sent_ + (inTime ? *back_ : wait);
+        if (until > net_.World().Ticks()) net_.World().events.Sleep(until - net_.World().Ticks());
+        return inTime;
+    }
     void IcmpCloseHandle() override {}
 
 private:
+    VirtualHost::EchoAnswer AnswerOf(Ipv4Address address) {
+        const VirtualHost* const host = net_.NetworkThere() ? net_.FindHost(inet_ntoa(in_addr{address})) : nullptr;
+        return host != nullptr && !host->IsDown() ? host->HowEchoed() : VirtualHost::EchoAnswer{false};
+    }
+
     VirtualNet& net_;
+    std::chrono::milliseconds sent_{0};
+    std::optional<std::chrono::milliseconds> back_;  ///< after this time the first echo that was sent comes back
 };
 
 }  // namespace korvane

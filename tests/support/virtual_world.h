@@ -75,6 +75,9 @@ public:
         return true;
     }
 
+    /// How many timers and actions wait.
+    std::size_t Pending() const { return queue_.size(); }
+
 private:
     struct Periodic : korvane::Timer {
         explicit Periodic(VirtualWorld& in) : world(in) {}

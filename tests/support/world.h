@@ -111,7 +111,7 @@ private:
         const auto newInet = [this] { return std::make_unique<VirtualInet>(net); };
         const auto proxy = [this] { return proxyServer; };
         const auto exit = [this] { ++exits; };
-        return {{socket, testSocket, echo, newInet, networkSocket},
+        return {{socket, testSocket, echo, newInet, networkSocket, networkEcho},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
                 {store, files},
                 {time_.clock, time_.events, time_.timers, processes, sound, power, serviceManager, services, autostart,
@@ -135,7 +135,7 @@ public:
     RecordingSound sound;
     VirtualTcpSocket socket{net}, sckesmtp{net}, plainSocket{net}, testSocket{net}, networkSocket{net}, alertEsmtp{net},
         alertPlain{net}, popSocket{net};
-    VirtualIcmpEcho echo{net};
+    VirtualIcmpEcho echo{net}, networkEcho{net};
     RecordingProcesses processes;
     LinuxGuidSource guids;
     VirtualOwnProgram ownProgram{time_, net};

@@ -26,10 +26,12 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
+using std::chrono::system_clock;
 
 // Space for an IP header with options, and for router errors, which quote at most 576 bytes (RFC 1812, section 4.3.2.3).
 constexpr std::size_t kHeaders = 128;
 constexpr std::size_t kLargestError = 1024;
+constexpr int kMostForgotten = 1000;  // packets; more than the kernel keeps for a socket
 
 sockaddr_in SocketAddress(Ipv4Address address) {
     sockaddr_in result{};
@@ -82,6 +84,53 @@ void ForgetLateErrors(const Descriptor& socket) {
     int error = 0;
     socklen_t size = sizeof error;
     ::getsockopt(socket.Number(), SOL_SOCKET, SO_ERROR, &error, &size);
+}
+
+// As long as such an error waits, the socket counts as readable.
+void ForgetAllErrors(const Descriptor& socket) {
+    char byte = 0;
+    for (int i = 0; i < kMostForgotten && ::recv(socket.Number(), &byte, sizeof byte, MSG_ERRQUEUE) >= 0; ++i)
+        continue;
+    ForgetLateErrors(socket);
+}
+
+void ForgetPackets(const Descriptor& socket) {
+    ForgetAllErrors(socket);
+    char byte = 0;
+    for (int i = 0; i < kMostForgotten && ::recv(socket.Number(), &byte, sizeof byte, 0) >= 0; ++i)
+        continue;
+}
+
+struct Packet {
+    std::string bytes;
+    Ipv4Address from = 0;
+    system_clock::time_point arrived;
+};
+
+// Returns nothing if there is no packet, or an error.
+std::optional<Packet> ReadPacket(const Descriptor& socket, std::size_t room) {
+    Packet packet{std::string(room, '\0'), 0, system_clock::now()};
+    sockaddr_in from{};
+    alignas(cmsghdr) std::array<char, 256> control{};
+    iovec into{packet.bytes.data(), packet.bytes.size()};
+    msghdr message{};
+    message.msg_name = &from;
+    message.msg_namelen = sizeof from;
+    message.msg_iov = &into;
+    message.msg_iovlen = 1;
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    const ssize_t received = ::recvmsg(socket.Number(), &message, 0);
+    if (received < 0) return std::nullopt;
+    packet.bytes.resize(static_cast<std::size_t>(received));
+    packet.from = from.sin_addr.s_addr;
+    for (cmsghdr* each = CMSG_FIRSTHDR(&message); each != nullptr; each = CMSG_NXTHDR(&message, each)) {
+        if (each->cmsg_level != SOL_SOCKET || each->cmsg_type != SO_TIMESTAMPNS) continue;
+        timespec at{};
+        std::memcpy(&at, CMSG_DATA(each), sizeof at);
+        packet.arrived = system_clock::time_point(std::chrono::seconds(at.tv_sec) + nanoseconds(at.tv_nsec));
+    }
+    return packet;
 }
 
 // Returns whether the socket becomes readable before the deadline.
@@ -151,15 +200,10 @@ bool LinuxIcmpEcho::Send(const std::string& request, Ipv4Address address, int ti
 
 // Reads one packet. It may be about something else; the result is then not answered.
 EchoReply LinuxIcmpEcho::Receive(const std::string& request) const {
-    std::string packet(std::max(kLargestError, kHeaders + request.size()), '\0');
-    sockaddr_in from{};
-    socklen_t size = sizeof from;
-    const ssize_t received =
-        ::recvfrom(socket_.Number(), packet.data(), packet.size(), 0, reinterpret_cast<sockaddr*>(&from), &size);
-    if (received < 0) return raw_ ? EchoReply{} : ReceiveError(request);
-    packet.resize(static_cast<std::size_t>(received));
-    const auto status = EchoStatus(raw_ ? IcmpMessageOf(packet) : packet, request);
-    return status ? EchoReply{true, *status, milliseconds(0), from.sin_addr.s_addr} : EchoReply{};
+    const auto packet = ReadPacket(socket_, std::max(kLargestError, kHeaders + request.size()));
+    if (!packet) return raw_ ? EchoReply{} : ReceiveError(request);
+    const auto status = EchoStatus(raw_ ? IcmpMessageOf(packet->bytes) : packet->bytes, request);
+    return status ? EchoReply{true, *status, milliseconds(0), packet->from} : EchoReply{};
 }
 
 // The kernel does not deliver ICMP errors to readers of a datagram socket, but queues them with the request that they concern.
@@ -185,6 +229,34 @@ EchoReply LinuxIcmpEcho::ReceiveError(const std::string& request) const {
         return {true, told.error.ee_type * 256 + told.error.ee_code, milliseconds(0), told.offender.sin_addr.s_addr};
     }
     return {};
+}
+
+void LinuxIcmpEcho::SendEchoes(const std::vector<Ipv4Address>& to, std::string_view data, int timeToLive) {
+    ForgetPackets(socket_);
+    SetOption(socket_, SOL_SOCKET, SO_TIMESTAMPNS, 1);
+    sent_.clear();
+    sentAt_ = steady_clock::now();
+    sentOn_ = system_clock::now();
+    for (const Ipv4Address address : to) {
+        std::string request = EchoRequest(identifier_, ++sequence_, data);
+        if (Send(request, address, timeToLive)) sent_.push_back(std::move(request));
+    }
+}
+
+bool LinuxIcmpEcho::EchoCameBack(milliseconds wait) {
+    if (sent_.empty()) return false;
+    const auto isAnswer = [&](const Packet& packet) {
+        const std::string_view message = raw_ ? IcmpMessageOf(packet.bytes) : packet.bytes;
+        return packet.arrived - sentOn_ <= wait && std::any_of(sent_.begin(), sent_.end(), [&](const std::string& request) {
+                   return EchoStatus(message, request) == 0;
+               });
+    };
+    do {
+        ForgetAllErrors(socket_);
+        while (const auto packet = ReadPacket(socket_, kLargestError))
+            if (isAnswer(*packet)) return true;
+    } while (WaitReadable(socket_, sentAt_ + wait));
+    return false;
 }
 
 void LinuxIcmpEcho::IcmpCloseHandle() {

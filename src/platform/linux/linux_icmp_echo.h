@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/icmp_echo.h"
 #include "platform/linux/descriptor.h"
@@ -19,6 +20,8 @@ public:
 
     /// Returns "not answered" at once when no handle is open.
     EchoReply IcmpSendEcho(Ipv4Address address, std::string_view data, int timeToLive, std::chrono::milliseconds wait) override;
+    void SendEchoes(const std::vector<Ipv4Address>& to, std::string_view data, int timeToLive) override;
+    bool EchoCameBack(std::chrono::milliseconds wait) override;
     void IcmpCloseHandle() override;
 
 private:
@@ -30,6 +33,9 @@ private:
     bool raw_ = false;
     std::uint16_t identifier_ = 0;
     std::uint16_t sequence_ = 0;
+    std::vector<std::string> sent_;  ///< by SendEchoes
+    std::chrono::steady_clock::time_point sentAt_;
+    std::chrono::system_clock::time_point sentOn_;  ///< by the clock that the kernel notes arrivals by
 };
 
 }  // namespace korvane

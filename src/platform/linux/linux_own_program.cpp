@@ -3,7 +3,6 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -15,6 +14,7 @@
 
 #include "base/error.h"
 #include "platform/linux/descriptor.h"
+#include "platform/linux/program_runner.h"
 
 namespace korvane {
 namespace {
@@ -41,34 +41,6 @@ Descriptor InMemory(const std::string& input) {
     return memory;
 }
 
-/// Gives the child a session of its own and no open files but these.
-pid_t SpawnOwnProgram(const std::string& word, const Descriptor& input, const Descriptor& output) {
-    sigset_t none;
-    sigset_t all;
-    ::sigemptyset(&none);
-    ::sigfillset(&all);
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_t files;
-    ::posix_spawnattr_init(&attributes);
-    ::posix_spawnattr_setsigmask(&attributes, &none);
-    ::posix_spawnattr_setsigdefault(&attributes, &all);
-    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    ::posix_spawn_file_actions_init(&files);
-    ::posix_spawn_file_actions_adddup2(&files, input.Number(), STDIN_FILENO);
-    ::posix_spawn_file_actions_adddup2(&files, output.Number(), STDOUT_FILENO);
-    ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
-    std::string name = "korvanecore", first = word, second = std::to_string(::getpid());
-    char* const words[] = {name.data(), first.data(), second.data(), nullptr};
-    pid_t pid = 0;
-    errno = ::posix_spawn(&pid, kOwnFile, &files, &attributes, words, environ);
-    const bool started = errno == 0;
-    ::posix_spawn_file_actions_destroy(&files);
-    ::posix_spawnattr_destroy(&attributes);
-    CheckStart(started, kOwnFile);
-    return pid;
-}
-
 class Child : public OwnProgram::Work {
 public:
     Child(Events& events, const std::string& word, const std::string& input, OwnProgram::Listener listener)
@@ -79,7 +51,9 @@ public:
         const Descriptor write(ends[1]);
         CheckStart(::fcntl(output_.Number(), F_SETFL, O_NONBLOCK) == 0, "fcntl");
         watch_ = events.WatchReadable(output_.Number(), [this] { TakeOutput(); });
-        pid_ = SpawnOwnProgram(word, InMemory(input), write);
+        const Descriptor memory = InMemory(input);
+        pid_ = StartProgram({"korvanecore", word, std::to_string(::getpid())},
+                            {.input = memory.Number(), .output = write.Number()}, kOwnFile);
     }
     ~Child() override {
         if (pid_ == 0) return;

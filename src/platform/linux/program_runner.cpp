@@ -34,7 +34,8 @@ public:
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) Throw("pipe", errno);
         output_ = Descriptor(ends[0]);
-        pid_ = StartProgram(words, Descriptor(ends[1]));
+        const Descriptor write(ends[1]);
+        pid_ = StartProgram(words, {.output = write.Number(), .errors = write.Number()});
         end_ = OpenProcess(pid_);
         if (!end_) {
             const int error = errno;
@@ -91,7 +92,7 @@ private:
 
 }  // namespace
 
-int Spawn(std::vector<std::string> words, pid_t& pid, const Descriptor& output) {
+int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& standard, const std::string& file) {
     std::vector<char*> arguments;
     for (std::string& word : words)
         arguments.push_back(word.data());
@@ -110,21 +111,21 @@ int Spawn(std::vector<std::string> words, pid_t& pid, const Descriptor& output) 
     posix_spawn_file_actions_t files;
     ::posix_spawn_file_actions_init(&files);
     int error = 0;
-    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (error != 0) break;
-        error = output && standard != STDIN_FILENO ? ::posix_spawn_file_actions_adddup2(&files, output.Number(), standard)
-                                                   : ::posix_spawn_file_actions_addopen(&files, standard, "/dev/null", O_RDWR, 0);
-    }
+    const int given[] = {standard.input, standard.output, standard.errors};  // in the order of their numbers
+    for (int number = STDIN_FILENO; number <= STDERR_FILENO && error == 0; ++number)
+        error = given[number] >= 0 ? ::posix_spawn_file_actions_adddup2(&files, given[number], number)
+                                   : ::posix_spawn_file_actions_addopen(&files, number, "/dev/null", O_RDWR, 0);
     if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
-    if (error == 0) error = ::posix_spawnp(&pid, arguments[0], &files, &attributes, arguments.data(), environ);
+    if (error == 0)
+        error = ::posix_spawnp(&pid, file.empty() ? arguments[0] : file.c_str(), &files, &attributes, arguments.data(), environ);
     ::posix_spawn_file_actions_destroy(&files);
     ::posix_spawnattr_destroy(&attributes);
     return error;
 }
 
-pid_t StartProgram(const std::vector<std::string>& words, const Descriptor& output) {
+pid_t StartProgram(const std::vector<std::string>& words, const StandardFiles& files, const std::string& file) {
     pid_t pid = 0;
-    const int error = Spawn(words, pid, output);
+    const int error = Spawn(words, pid, files, file);
     if (error != 0) Throw(words.front(), error);
     return pid;
 }

@@ -1,5 +1,5 @@
-// The only way to start a program of the system: as a child process that is left to itself, or to its end while the event pump
-// runs.
+// The only way to start a program, one of the system or this one: as a child process that is left to itself, or to its end while the
+// event pump runs.
 #pragma once
 
 #include <sys/types.h>
@@ -15,14 +15,20 @@
 
 namespace korvane {
 
-/// Starts the program named by the first word, which is searched in PATH when it has no slash. The new process gets nothing of
-/// this one but its folder and environment: it leads a session of its own, with the default signals and no open files but
-/// /dev/null as its input, and `output`, else /dev/null, for what it says. The caller must reap it. Returns the error number, 0
-/// when it runs as `pid`.
-int Spawn(std::vector<std::string> words, pid_t& pid, const Descriptor& output = {});
+/// The standard files of a new process; -1 is /dev/null.
+struct StandardFiles {
+    int input = -1;
+    int output = -1;
+    int errors = -1;
+};
+
+/// Starts `file`, or else the program named by the first word, which is searched in PATH when it has no slash. The new process gets
+/// nothing of this one but its folder and environment: it leads a session of its own, with the default signals and no open files
+/// but `files`. The caller must reap it. Returns the error number, 0 when it runs as `pid`.
+int Spawn(std::vector<std::string> words, pid_t& pid, const StandardFiles& files = {}, const std::string& file = "");
 
 /// Does the same and returns the process. Throws Error: "<program>: <reason>".
-pid_t StartProgram(const std::vector<std::string>& words, const Descriptor& output = {});
+pid_t StartProgram(const std::vector<std::string>& words, const StandardFiles& files = {}, const std::string& file = "");
 
 /// Returns a descriptor that is readable when the process has ended; empty if the kernel is older than 5.3 or forbids it.
 Descriptor OpenProcess(pid_t pid);

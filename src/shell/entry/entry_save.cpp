@@ -11,8 +11,8 @@
 #include "engine/ping_checker.h"
 #include "engine/server_table.h"
 #include "notify/global_email.h"
+#include "platform/operator.h"
 #include "shell/entry/fresh_entry.h"
-#include "shell/run/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {

@@ -5,9 +5,9 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
+#include "platform/operator.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_type.h"
-#include "shell/run/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {

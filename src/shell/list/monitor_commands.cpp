@@ -9,7 +9,6 @@
 #include "engine/machine_restart.h"
 #include "engine/server_table.h"
 #include "platform/operator.h"
-#include "shell/run/message_title.h"
 #include "shell/run/run.h"
 #include "store/database_files.h"
 #include "store/schema.h"
@@ -153,7 +152,6 @@ void MonitorCommands::DeleteURL(const std::string& id, const std::string& name, 
 void MonitorCommands::Delete(const std::string& id) {
     const WaitCursor waiting(desk_.person);
     desk_.maintenance.DeleteServerData(id);
-    if (desk_.safeguards.IsOn(kHttpStatusFails)) IgnoreErrors([&] { desk_.ofEntries.Remove(ParseWhole(id)); });
     desk_.person.RefreshURLList();
     const std::string problem = desk_.publisher.PublishReports();
     if (!problem.empty()) desk_.status.setStatusMSG("Reporting Error: " + problem);

@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 #include "store/database_files.h"
 
 namespace korvane {

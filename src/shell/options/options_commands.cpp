@@ -1,8 +1,8 @@
 #include "shell/options/options_commands.h"
 
 #include "base/text.h"
+#include "platform/operator.h"
 #include "shell/entry/fresh_entry.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 namespace {

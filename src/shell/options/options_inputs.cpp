@@ -146,7 +146,7 @@ std::optional<OptionsRefusal> SaveOptions(const Desk& desk, const OptionsFields&
     SetSafeguards(desk, safeguards);
     WriteToFile(desk);
     desk.safeguards.TellProblems();
-    desk.machineWatch.Follow();
+    desk.followSafeguards();
     return std::nullopt;
 }
 

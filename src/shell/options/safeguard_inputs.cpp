@@ -7,7 +7,13 @@
 namespace korvane {
 namespace {
 
-constexpr const char* kOff = "False";
+constexpr const char* kOn = "True";
+
+/// What the page shows of the value: a switch shows only whether it is on.
+std::string Shown(std::string_view key, const std::string& value) {
+    const bool isSwitch = FindSafeguard(key)->value == SafeguardValue::Switch;
+    return isSwitch && value != kOn ? "" : value;
+}
 
 bool IsOnAnotherPage(std::string_view key) {
     const auto inputs = OptionsInputs();
@@ -41,7 +47,7 @@ std::optional<SafeguardRefusal> RefusedSafeguard(const Desk& desk, const Safegua
     SettingsCollection settings = desk.collection;
     for (const auto& [key, value] : values)
         settings.setKvSettingsColValue(key, value);
-    for (const std::string& problem : Safeguards(settings, desk.log, desk.status).Problems()) {
+    for (const std::string& problem : Safeguards(settings, desk.clock, desk.log, desk.status).Problems()) {
         const std::string key = problem.substr(0, problem.find(':'));
         if (values.contains(key)) return SafeguardRefusal{key, problem};
     }
@@ -49,19 +55,11 @@ std::optional<SafeguardRefusal> RefusedSafeguard(const Desk& desk, const Safegua
 }
 
 void SetSafeguards(const Desk& desk, const SafeguardValues& values) {
+    const SafeguardValues former = SafeguardsFromSettings(desk.collection);
     for (const auto& [key, typed] : values) {
         const std::string value = Trim(typed);
-        const bool isOff = value.empty() || value == kOff;
-        if (!isOff || desk.collection.Find(key) != nullptr) desk.collection.setKvSettingsColValue(key, value);
+        if (Shown(key, value) != Shown(key, former.at(key))) desk.collection.setKvSettingsColValue(key, value);
     }
-}
-
-std::string CountsOf(const Safeguards& safeguards) {
-    std::string counts;
-    for (const auto& [key, count] : safeguards.Counts())
-        counts += (counts.empty() ? " " : ", ") + key + " " + std::to_string(count);
-    return counts.empty() ? "None has acted since the start of Korvane."
-                          : "How often they have acted since the start of Korvane:" + counts + ".";
 }
 
 }  // namespace korvane

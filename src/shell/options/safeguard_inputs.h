@@ -32,10 +32,7 @@ struct SafeguardRefusal {
 /// Returns the first value that is unusable, or that lacks another one.
 std::optional<SafeguardRefusal> RefusedSafeguard(const Desk& desk, const SafeguardValues& values);
 
-/// Puts the values into the collection. A key that is off and was never set stays out of it and so out of the file.
+/// Puts the values that the operator changed into the collection. The others stay as they are, so the file keeps them, too.
 void SetSafeguards(const Desk& desk, const SafeguardValues& values);
-
-/// Returns a sentence on how often each safeguard has acted since the start.
-std::string CountsOf(const Safeguards& safeguards);
 
 }  // namespace korvane

@@ -31,10 +31,10 @@
 #include "platform/linux/program_runner.h"
 #include "platform/linux/systemd_manager.h"
 #include "platform/linux/systemd_services.h"
+#include "platform/operator.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_tcp_socket.h"
 #include "platform/qt/sql_store.h"
-#include "shell/run/message_title.h"
 #include "shell/run/terminal_operator.h"
 #include "store/schema.h"
 
@@ -91,7 +91,7 @@ struct Adapters {
     RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };
         const auto proxyServer = [] { return DesktopProxyServer(EnvironmentVariable); };
-        return {{tcpSocket, testSocket, echo, newInet, networkSocket},
+        return {{tcpSocket, testSocket, echo, newInet, networkSocket, networkEcho},
                 {sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket, guids, ownProgram},
                 {store, files},
                 {clock, events, timers, processes, sound, power, serviceManager, services, autostart, systemInfo, proxyServer,
@@ -105,7 +105,7 @@ struct Adapters {
     QtTimers timers;
     QtSqlStore store{KindOfColumn};
     QtTcpSocket tcpSocket, testSocket, networkSocket, sckesmtp, plainSocket, alertEsmtp, alertPlain, popSocket;
-    LinuxIcmpEcho echo;
+    LinuxIcmpEcho echo, networkEcho;
     LinuxProcesses processes{events};
     DesktopSound sound{processes};
     LinuxGuidSource guids;

@@ -2,6 +2,7 @@
 // window.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "engine/http_requester.h"
@@ -12,9 +13,8 @@
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
 #include "notify/mail_outbox.h"
+#include "platform/operator.h"
 #include "resources/alert_mails.h"
-#include "resources/machine_watch.h"
-#include "shell/run/message_title.h"
 #include "shell/run/ports.h"
 #include "shell/run/report_commands.h"
 #include "shell/service/service_mode.h"
@@ -57,7 +57,7 @@ struct Desk : StorePorts, SystemPorts {
     VersionCheck& versionCheck;
     ServiceMode& service;
     AlertMails& alertMails;
-    MachineWatch& machineWatch;
+    std::function<void()> followSafeguards;  ///< called after a change of the settings
     ConversationWindow& conversation;
 
     // The checkers for the operator's tests. They share nothing with those of the cycle, which may be running a check.

@@ -20,17 +20,21 @@ constexpr auto kGivesUpAfter = 30s;
 }  // namespace
 
 Heartbeat::Heartbeat(const Ports& ports) : ports_(ports), timer_(ports.timers.NewTimer("TimerHeartbeat")) {
-    timer_->SetInterval(kEach);
     timer_->OnTick([this] { IgnoreErrors([this] { Tick(); }); });
 }
 
-void Heartbeat::Begin() {
+void Heartbeat::Follow() {
+    const bool on = !ports_.safeguards.Text(kHeartbeat).empty();
+    if (on == timer_->Enabled()) return;
+    if (!on) return End();
     next_ = ports_.clock.GetTickCount() + kEach;
+    timer_->SetInterval(kEach);
     timer_->SetEnabled(true);
 }
 
 void Heartbeat::End() {
     timer_->SetEnabled(false);
+    running_ = false;
     inet_.reset();
 }
 

@@ -33,10 +33,11 @@ public:
 
     explicit Heartbeat(const Ports& ports);
 
-    /// From now on, a request is sent each minute while the key has an address, monitoring is on, and the cycle has ticked in the
-    /// last minute. It is given up after 30 seconds; redirects are not followed, and the page is not kept. The first failure is
+    /// Called at the start and after each change of the settings. While the key has an address, monitoring is on, and the cycle has
+    /// ticked in the last minute, a request is sent each minute; without an address no timer runs. A request is given up after 30
+    /// seconds; redirects are not followed, and the page is not kept. The first failure is
     /// logged, and the first success after it.
-    void Begin();
+    void Follow();
     /// Drops a running request.
     void End();
 

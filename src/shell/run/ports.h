@@ -37,6 +37,7 @@ struct CheckPorts {
     IcmpEcho& echo;
     std::function<std::unique_ptr<Inet>()> newInet;
     TcpSocket& networkSocket;  ///< for questions whether this machine's own network is up
+    IcmpEcho& networkEcho;
 };
 
 struct MailPorts {

@@ -2,7 +2,7 @@
 
 #include "base/ignore_errors.h"
 #include "base/text.h"
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 #include "store/database_files.h"
 
 namespace korvane {

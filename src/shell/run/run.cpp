@@ -44,11 +44,14 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                 [this] { service.StartService(); }},
                options.dir),
       legacyLog(collection, settings.GetLogFile()),
-      safeguards(collection, log, status),
+      safeguards(collection, clock, log, status),
       hiddenPasswords(safeguards, collection),
-      alertPath(safeguards, collection),
+      alertPath({safeguards, collection, files, clock}, options.dir),
       rescue({store, files, clock, events, log, status, safeguards,
-              [this](const std::string& text) { MailToFirstEntry("Korvane: the database was brought back", text); }},
+              [this](const std::string& text) {
+                  outbox.FollowRestoredDatabase();
+                  MailToFirstEntry("Korvane: the database was brought back", text);
+              }},
              options.dir),
       ofEntries(store, OdbcConnectionText(options.dir)),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
@@ -81,12 +84,13 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
       http({collection, safeguards, events, clock, progress}),
-      tcp({tcpSocket, events, clock, person, status, conversationWindow}),
+      tcp({tcpSocket, events, clock, person, status, conversationWindow, &hiddenPasswords}),
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
-      testTcp({testSocket, events, clock, person, status, conversationWindow}),
-      network({echo, networkSocket, clock, events, status, log, collection, safeguards,
-               [this](const Notification& notification) { return SendOrPost(notification); }}),
+      testTcp({testSocket, events, clock, person, status, conversationWindow, &hiddenPasswords}),
+      network({networkEcho, networkSocket, clock, events, status, log, collection, safeguards,
+               [this](const Notification& notification) { return SendOrPost(notification); }, store,
+               OdbcConnectionText(options.dir)}),
       accounting({store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox}),
       alarm({person, status, log, serviceManager}),
       kept({store, clock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
@@ -158,7 +162,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            versionCheck,
            service,
            alertMails,
-           machineWatch,
+           [this] { FollowSafeguards(); },
            conversationWindow,
            testHttp,
            testTcp,
@@ -182,6 +186,14 @@ void RunRooms::MailToFirstEntry(const std::string& subject, const std::string& t
         if (first->Eof() || Trim(column("strEmailList1") + column("strEmailList2")).empty()) return;
         alertMails.Alert({column("strEmailList1"), column("strEmailList2"), column("strEmailFrom"), subject, text});
     });
+}
+
+void RunRooms::FollowSafeguards() {
+    outbox.Follow();
+    mailProof.Follow();
+    heartbeat.Follow();
+    machineWatch.Follow();
+    TimerCopies->SetEnabled(rescue.IsOn());
 }
 
 void RunRooms::StopMonitor() {

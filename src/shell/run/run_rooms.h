@@ -28,6 +28,8 @@ struct RunRooms : RunPorts {
 
     /// Called after the wait before monitoring begins: finishes a first start, and announces the start.
     void BeginOperations();
+    /// Starts or stops what works beside the cycle while its safeguard is on: without their keys no timer of theirs runs.
+    void FollowSafeguards();
     /// Stops monitoring if it is on.
     void StopMonitor();
     /// Hands the mail to the outbox; while that is off, sends it through the primary server or the backup, and waits as mails do.

@@ -6,7 +6,7 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "engine/server_table.h"
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 #include "shell/run/run.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
@@ -200,6 +200,7 @@ void ReadSettings(RunRooms& run) {
     if (const std::string problem = run.settingsFile.Problem(); !problem.empty()) TellProblem(run, problem);
     run.legacyLog.setLogTimer();
     run.safeguards.TellProblems();
+    run.alertPath.Load();
 }
 
 }  // namespace
@@ -233,7 +234,6 @@ Run::Started Run::StartUp() {
         return Started::CannotGoOn;
     }
     PrepareEntries(run);
-    run.outbox.Start();
     run.store.Rest();
     run.log.Info("frmMonitor:Form_Load: All data should be in database.");
     run.person.SetMonitoring(run.state.bMonitoring);
@@ -243,13 +243,10 @@ Run::Started Run::StartUp() {
     run.log.Info("frmMonitor:Form_Load: calling Form_Resize");
     run.mainWindow.Form_Resize();
     run.Timer2->SetEnabled(true);
-    run.mailProof.Start();
-    run.heartbeat.Begin();
     run.person.SetWaitCursor(false);
     run.bFormLoading = false;
     run.mainWindow.LoadResourceMonitors();
-    run.machineWatch.Follow();
-    run.TimerCopies->SetEnabled(true);
+    run.FollowSafeguards();
     run.service.Loaded();
     return Started::Running;
 }

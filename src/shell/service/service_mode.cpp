@@ -5,8 +5,8 @@
 #include "base/ignore_errors.h"
 #include "base/raised_flag.h"
 #include "base/text.h"
+#include "platform/operator.h"
 #include "shell/options/options_commands.h"
-#include "shell/run/message_title.h"
 #include "shell/service/service_texts.h"
 
 namespace korvane {

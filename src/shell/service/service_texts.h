@@ -2,7 +2,7 @@
 // placeholders.
 #pragma once
 
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 
 namespace korvane::service_text {
 

@@ -5,7 +5,7 @@
 
 #include "base/raised_flag.h"
 #include "base/text.h"
-#include "shell/run/message_title.h"
+#include "platform/operator.h"
 #include "store/settings.h"
 
 namespace korvane {

@@ -12,9 +12,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "platform/operator.h"
 #include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/reading_text.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 namespace {

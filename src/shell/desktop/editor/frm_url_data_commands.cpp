@@ -7,13 +7,13 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "notify/mail_message.h"
+#include "platform/operator.h"
 #include "shell/desktop/editor/frm_commands.h"
 #include "shell/desktop/editor/frm_text_to_find.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/entry/entry_hints.h"
 #include "shell/entry/entry_save.h"
 #include "shell/entry/entry_test.h"
-#include "shell/run/message_title.h"
 #include "store/database_files.h"
 
 namespace korvane {

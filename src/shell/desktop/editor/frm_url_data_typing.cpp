@@ -6,10 +6,10 @@
 
 #include "base/raised_flag.h"
 #include "engine/machine_restart.h"
+#include "platform/operator.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/entry/entry_hints.h"
 #include "shell/entry/entry_type.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 namespace {

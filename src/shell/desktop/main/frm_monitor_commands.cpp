@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/operator.h"
 #include "shell/desktop/editor/frm_url_data.h"
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
-#include "shell/run/message_title.h"
 #include "shell/run/run.h"
 
 namespace korvane {

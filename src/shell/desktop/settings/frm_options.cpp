@@ -7,9 +7,9 @@
 
 #include "base/raised_flag.h"
 #include "base/text.h"
+#include "platform/operator.h"
 #include "shell/entry/entry_hints.h"
 #include "shell/entry/fresh_entry.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 
@@ -28,7 +28,7 @@ void frmOptions::Form_Load() {
     const OptionsFields fields = OptionsFromSettings(desk_.collection);
     inputs_.Fill(fields);
     safeguards_.Fill(SafeguardsFromSettings(desk_.collection));
-    safeguards_.ShowCounts(CountsOf(desk_.safeguards));
+    safeguards_.ShowCounts(desk_.safeguards.CountsText());
     serviceName_ = fields.ServiceName;
     (fields.RebootAny ? optRebootAny_ : optRebootAll_)->setChecked(true);
     ShowChoices(fields.Reboot);

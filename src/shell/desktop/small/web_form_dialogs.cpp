@@ -9,11 +9,11 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "platform/operator.h"
 #include "shell/desktop/small/dialog_parts.h"
 #include "shell/desktop/toolkit/form_inputs.h"
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/desktop/toolkit/reading_text.h"
-#include "shell/run/message_title.h"
 
 namespace korvane {
 namespace {

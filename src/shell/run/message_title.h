@@ -1,4 +1,0 @@
-// The title of the messages to the operator, kMessageTitle.
-#pragma once
-
-#include "platform/operator.h"
