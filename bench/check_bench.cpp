@@ -130,7 +130,7 @@ struct Machine {
                         [](const Notification&) { return SendOutcome{}; }, database.TheStore(), database.DriverString()}};
     LinuxGuidSource guids;
     LinuxOwnProgram ownProgram{events};
-    AlertPath alertPath{safeguards, settings};
+    AlertPath alertPath{{safeguards, settings, files, clock}, database.Folder()};
     MailOutbox outbox{{database.TheStore(), clock, timers, guids, ownProgram, person, status, log, settings, safeguards,
                        database.Folder(), [] { return std::string("bench"); }, alertPath, [] {}}};
     OutcomeAccounting accounting{
