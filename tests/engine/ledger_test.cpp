@@ -406,6 +406,8 @@ TEST_P(Ledgers, EachOutageIsToldOnceAndNobodyIsForgotten) {
     ++played;
     Ledger(trial, GetParam() / 10, told).Play();
 }
-INSTANTIATE_TEST_SUITE_P(Seed, Ledgers, testing::Range(0U, kLong ? 1000U : 10U));
+// The short run has seeds in which the store refuses at the moments that matter: at the end of the transaction of a return, and
+// when the good statuses are read.
+INSTANTIATE_TEST_SUITE_P(Seed, Ledgers, kLong ? testing::Range(0U, 1000U) : testing::Range(40U, 50U));
 
 }  // namespace korvane::ledger_test

@@ -40,11 +40,6 @@ TEST(HttpStatusSafeguard, AStatusFromFourHundredOnFailsUnlessTheEntryCallsItGood
         EXPECT_EQ(engine.page.Requests(), requests) << response;
         EXPECT_EQ(engine.Logged("Safeguard "), response.starts_with(reason) || Holds(settings, "Same")) << response;
     }
-    Engine refused({Web()}, on);
-    refused.store.faults.Add({.operation = StoreOperation::Open, .about = "EntrySafeguards"});
-    refused.page.Add({Kind::Body, "", 1ms, 503});
-    refused.RunFor(3s);
-    EXPECT_EQ(refused.Of(1, "strCurStatus"), "Failing");
     for (const char* text : {"99", "600", "4000", "401,", "401;403", "4o1", "-401"})
         EXPECT_FALSE(IsStatusList(text)) << text;
     for (const char* text : {"", " ", "100", "401 , 599"})

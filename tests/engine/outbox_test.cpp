@@ -203,18 +203,6 @@ TEST(MailOutbox, WhatWasTakenIsNotedOnceTheStoreTakesIt) {
     EXPECT_EQ(outbox.TakeMails().size(), 2);
 }
 
-TEST(MailOutbox, AReturnWhoseTransactionFailsIsStoredAllTheSame) {
-    Outbox outbox(kOn + "GuardBadEntries=True\n", To("a@x"));
-    outbox.RunFor(30s);
-    outbox.net.Host("10.0.1.1").DecideEcho([good = true]() mutable {
-        return VirtualHost::EchoAnswer{std::exchange(good, false)};
-    });
-    outbox.store.faults.Add({.operation = StoreOperation::Commit});
-    outbox.RunFor(3min);
-    EXPECT_EQ(outbox.Column("strEvent"), "failure|failure|") << "the return went out from memory";
-    EXPECT_EQ(outbox.TakeMails().size(), 3);
-}
-
 TEST(MailOutbox, RowsThatAnotherToolChangedHarmNothing) {
     Outbox outbox(kOn, To("a@x"));
     outbox.Port().Anew().Refuse();
