@@ -2,6 +2,7 @@
 // is due soonest, and writes the outcome back. There is no queue: the next tick queries again.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -111,6 +112,7 @@ private:
     void EnterDownTime(Recordset& rs, const DownTimeWindow& window);
     void SkipRow(Recordset& rs, bool inDownTime);
     TimedCheckResult RequestUrl(Recordset& rs, const std::string& scheme);
+    std::string GoodStatusesOf(std::int64_t id);
     TimedCheckResult PingOrTalk(Recordset& rs, bool ping);
     CheckResult Ping(Recordset& rs);
     CheckResult Talk(Recordset& rs);
@@ -126,6 +128,7 @@ private:
 
     Ports ports_;
     CycleState& state_;
+    std::map<std::int64_t, std::string> goodStatuses_;  ///< of entries, as they were read last
 };
 
 }  // namespace korvane

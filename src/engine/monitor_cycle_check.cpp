@@ -1,5 +1,6 @@
 // How the cycle checks one entry: by its type, and a page by its texts.
 #include "base/error.h"
+#include "base/ignore_errors.h"
 #include "base/text.h"
 #include "engine/http_status.h"
 #include "engine/monitor_cycle.h"
@@ -39,7 +40,7 @@ bool MonitorCycle::CheckRow(Tick& tick) {
     }
     if (isUrl && !PassesTextRules(tick, result.response)) return false;
     Step("dosuccess");
-    ports_.accounting.DoSuccess(rs, *tick.conn, result.nResponseMs);
+    tick.owed.refusal = ports_.accounting.DoSuccess(rs, *tick.conn, result.nResponseMs);
     ports_.events.DoEvents();
     return true;
 }
@@ -61,13 +62,22 @@ TimedCheckResult MonitorCycle::RequestUrl(Recordset& rs, const std::string& sche
         .strPassword = ColumnText(rs, "strPassword"),
         .nTimeout = seconds(TimeoutOf(rs).Int16()),
         .nPort = PortOf(rs),
-        .goodStatuses = [&] { return ports_.ofEntries.Read(rs.Fields("ID").Value().Int64(), kHttpStatusGood); },
+        .goodStatuses = [&] { return GoodStatusesOf(rs.Fields("ID").Value().Int64()); },
         .measured = ports_.keeper.Wanted(),
     });
     Step("done getting urldata2");
     ports_.person.SetProgress(0, 100);
     if (!result.strReason.empty()) SayAndLog(ColumnText(rs, "strType") + " failure: " + result.strReason);
     return result;
+}
+
+// A store that refuses this read must not lose the outcome of the check.
+std::string MonitorCycle::GoodStatusesOf(std::int64_t id) {
+    std::string& statuses = goodStatuses_[id];
+    if (!IgnoreErrors([&] { statuses = ports_.ofEntries.Read(id, kHttpStatusGood); }))
+        ports_.safeguards.Acted(kHttpStatusFails,
+                                "The good statuses of an entry can't be read; those that were read last count.");
+    return statuses;
 }
 
 std::int32_t MonitorCycle::PortOf(Recordset& rs) const {

@@ -75,7 +75,7 @@ seconds LongestInterval(std::int64_t nIntervalSeconds, std::int64_t nTriesCur) {
     return std::min(interval, kLongestInterval) * (nTriesCur > kLongOutageTries ? kLongOutageFactor : 1);
 }
 
-void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs) {
+std::string OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs) {
     const DateTime now = ports_.clock.Now();
     IgnoreErrors([&] { rs.Fields("strCurStatus") = status::kUp; });
     IgnoreErrors([&] { rs.Fields("datelastcheck") = now; });
@@ -94,12 +94,18 @@ void OutcomeAccounting::DoSuccess(Recordset& rs, Connection& conn, std::chrono::
     });
     IgnoreErrors([&] { rs.Fields("nTriesCur") = 0; });
     CountSuccess(rs, nResponseMs);
-    if (IgnoreErrors([&] { UpdateWithMails(rs, conn); })) once_.Forget(CounterOf(rs, "ID"));
+    std::string refusal;
+    if (IgnoreErrors([&] { refusal = UpdateWithMails(rs, conn); }) && refusal.empty()) once_.Forget(CounterOf(rs, "ID"));
+    return refusal;
 }
 
-void OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) {
+// A row whose Update failed keeps its pending changes; one whose transaction failed has none that a later Update could write.
+std::string OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) {
     ports_.keeper.Prepare(rs, conn);
-    if (!ports_.outbox.HasUnwritten() && !ports_.keeper.HasUnwritten()) return rs.Update();
+    if (!ports_.outbox.HasUnwritten() && !ports_.keeper.HasUnwritten()) {
+        rs.Update();
+        return "";
+    }
     conn.BeginTrans();
     try {
         rs.Update();
@@ -109,7 +115,12 @@ void OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) {
         IgnoreErrors([&] { ports_.outbox.Commit(conn); });
         throw;
     }
-    Commit(conn);
+    try {
+        Commit(conn);
+    } catch (const std::exception& error) {
+        return RefusalOf(error);
+    }
+    return "";
 }
 
 void OutcomeAccounting::Commit(Connection& conn) {

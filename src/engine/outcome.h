@@ -78,8 +78,8 @@ public:
 
     /// Both work on the open Recordset, whose current row is the entry that was checked, and update it. An error in one step of
     /// DoSuccess does not affect the other steps. Mails that the actions handed to the outbox, and what the check measured, are
-    /// written in the transaction of the entry's row.
-    void DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs);
+    /// written in the transaction of the entry's row; DoSuccess returns why that transaction was refused, empty if it was not.
+    std::string DoSuccess(Recordset& rs, Connection& conn, std::chrono::milliseconds nResponseMs);
 
     /// Also adds a row to `Failures`, in one transaction with the entry's row. An error ends it with a status line; changes so
     /// far stay pending in `rs`. What is returned must be settled after the Update that follows. Nothing of this happens while
@@ -106,7 +106,7 @@ private:
     DateTime NextCheckAfterFailure(Recordset& rs, std::int16_t tries);
     bool IsExcused(Recordset& rs, const std::string& strReason, OwedFailure& owed);
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
-    void UpdateWithMails(Recordset& rs, Connection& conn);
+    std::string UpdateWithMails(Recordset& rs, Connection& conn);
     void Commit(Connection& conn);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);

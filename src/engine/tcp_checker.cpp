@@ -192,7 +192,8 @@ void TcpChecker::SendElement(const std::string& element) {
 }
 
 bool TcpChecker::WaitForTCPText(const std::string& strExpected) {
-    const ReplyLimit limit(ports_.clock, kReplyLimit);
+    const bool exact = ports_.safeguards != nullptr && ports_.safeguards->IsOn("GuardClock");
+    const ReplyLimit limit(ports_.clock, kReplyLimit, exact);
     while (strRecvBuffer_.empty()) {
         if (limit.Over()) {
             strTCPTimeoutText_ = "Server error, timed out while waiting for a response." + strExpected;

@@ -16,6 +16,7 @@
 #include "platform/events.h"
 #include "platform/operator.h"
 #include "platform/tcp_socket.h"
+#include "store/safeguards.h"
 #include "store/status_log.h"
 
 namespace korvane {
@@ -30,6 +31,7 @@ public:
         StatusLog& status;
         ConversationWindow& conversation;
         const HiddenPasswords* hidden = nullptr;  ///< for answers to a login, which are no commands; null: all are shown
+        const Safeguards* safeguards = nullptr;   ///< GuardClock: a change of the clock does not prolong the wait for a reply
     };
 
     explicit TcpChecker(const Ports& ports);

@@ -23,23 +23,28 @@ bool WaitFor(Events& events, const Clock& clock, std::chrono::milliseconds limit
     return true;
 }
 
-/// The time limit for a server's reply, in whole seconds of the day clock. That clock falls back to 0 at midnight, so a wait across midnight would never end by it. A second limit of 15 minutes, on
-/// the clock that only goes forward, keeps a silent server from blocking the program for good.
+/// The time limit for a server's reply, in whole seconds of the day clock. That clock falls back to 0 at midnight, so a wait across
+/// midnight would never end by it. A second limit of 15 minutes, on the clock that only goes forward, keeps a silent server from
+/// blocking the program for good; `exact`: it alone counts, and is as long as the first.
 class ReplyLimit {
 public:
-    ReplyLimit(const Clock& clock, std::chrono::seconds limit) : clock_(clock), limit_(limit.count()) { Restart(); }
+    ReplyLimit(const Clock& clock, std::chrono::seconds limit, bool exact = false)
+        : clock_(clock), limit_(limit.count()), exact_(exact) {
+        Restart();
+    }
 
     void Restart() {
         start_ = RoundHalfEven(clock_.Timer());
-        end_ = clock_.GetTickCount() + std::chrono::minutes(15);
+        end_ = clock_.GetTickCount() + (exact_ ? std::chrono::seconds(limit_) : std::chrono::minutes(15));
     }
 
     /// Returns whether `limit` or more whole seconds have passed.
-    bool Over() const { return RoundHalfEven(clock_.Timer()) - start_ >= limit_ || clock_.GetTickCount() >= end_; }
+    bool Over() const { return (!exact_ && RoundHalfEven(clock_.Timer()) - start_ >= limit_) || clock_.GetTickCount() >= end_; }
 
 private:
     const Clock& clock_;
     std::int64_t limit_;
+    bool exact_;
     std::int64_t start_ = 0;
     std::chrono::milliseconds end_{0};
 };

@@ -38,6 +38,16 @@ TEST(TcpChecker, TellsWhatTheServerDid) {
     }
 }
 
+TEST(GuardClock, AReplyIsNotWaitedForLongerOverMidnight) {
+    for (const bool on : {false, true}) {
+        World world({.start = DateTime::Of(2026, 11, 21, 23, 59, 50), .settings = on ? "GuardClock=True" : ""});
+        world.Start();
+        world.net.Host("10.0.0.1").Port(25).Accept(1ms);
+        Talk(world, "10.0.0.1", "220");
+        EXPECT_EQ(world.world.Ticks() < 22s, on);
+    }
+}
+
 TEST(TcpChecker, AnswersWhatCannotBeTalkedToWithAReason) {
     World world;
     world.net.Host("mail.test").ResolveAfter(300ms).Port(25).Speak("220\r\n", 2s);

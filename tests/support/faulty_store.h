@@ -34,13 +34,16 @@ public:
     explicit FaultyStore(Store& store) : store_(store) {}
 
     FaultPlan<StoreOperation> faults;
+    bool staysOpen = false;  ///< does not rest: opening the file again and again is most of what a long run costs
 
     std::unique_ptr<Connection> NewConnection() override { return std::make_unique<Link>(store_.NewConnection(), faults); }
     std::unique_ptr<Recordset> NewRecordset() override { return std::make_unique<Rows>(store_.NewRecordset(), faults); }
     void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override {
         faults.Pass(Op::Compact, file, store_).Compact(file, copy, copied);
     }
-    void Rest() override { store_.Rest(); }
+    void Rest() override {
+        if (!staysOpen) store_.Rest();
+    }
     bool InUse() const override { return store_.InUse(); }
 
 private:

@@ -70,8 +70,9 @@ private:
         void WaitForEvent(std::chrono::milliseconds limit) override {
             // Events of its sockets are delivered by the world's own pump.
             if (std::this_thread::get_id() != thread_.get_id()) return of_.world_.events.DoEvents();
-            constexpr std::chrono::milliseconds kLookAgain{50};
-            ResumeAfter(std::min(limit, kLookAgain));
+            until_ = of_.world_.Ticks() + limit;
+            seen_ = Happened();
+            LookAgain();
             Hand(false);
             Await(true);
             if (killed_) throw Killed();
@@ -79,11 +80,17 @@ private:
         void Sleep(std::chrono::milliseconds time) override { WaitForEvent(time); }
         std::unique_ptr<Watch> WatchReadable(int, std::function<void()>) override { throw Error("no descriptors in here"); }
 
-        // In the world.
+        // In the world. The thread need not run while there is nothing new for it.
+        std::uint64_t Happened() const { return sckesmtp_.Happened() + plainSocket_.Happened(); }
+        void LookAgain() {
+            constexpr std::chrono::milliseconds kLookAgain{50};
+            ResumeAfter(std::min(until_ - of_.world_.Ticks(), kLookAgain));
+        }
         void ResumeAfter(std::chrono::milliseconds time) {
             resume_ = of_.world_.After(time, [this] { Resume(); });
         }
         void Resume() {
+            if (of_.world_.Ticks() < until_ && Happened() == seen_) return LookAgain();
             LetRun();
             for (; !lines_.empty(); lines_.pop_front())
                 listener_.line(lines_.front());
@@ -113,6 +120,8 @@ private:
         LinuxFiles files_;
         LinuxGuidSource guids_;
         EventId resume_;
+        std::chrono::milliseconds until_{0};  ///< the latest time at which the thread runs on
+        std::uint64_t seen_ = 0;
         std::deque<std::string> lines_;
         std::string problem_;
         bool ended_ = false, killed_ = false, childRuns_ = false;

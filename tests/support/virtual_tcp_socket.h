@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,6 +50,7 @@ public:
         arrived_.clear();
         server_->NoteLine("[TLS]");
         securing_ = net_.World().After(Milliseconds(1), [this] {
+            ++happened_;
             if (script_->tlsProblem != "") return Fail(1, script_->tlsProblem.value_or("no TLS here"));
             if (script_->tlsFirst) BeginStep();
             if (Events().encrypted) Events().encrypted();
@@ -83,6 +85,9 @@ public:
     std::string LocalIP() const override { return "10.0.0.100"; }
     std::string LocalHostName() const override { return "monitor"; }
 
+    /// How often something may have come from the other side or the system.
+    std::uint64_t Happened() const { return happened_; }
+
     /// The next `count` calls of SendData throw.
     void RefuseToSend(int count) { refusals_ = count; }
 
@@ -92,6 +97,7 @@ private:
     /// Goes on with `stage` after the delay, unless the host is down then, whose name is found all the same.
     void Next(Milliseconds delay, void (VirtualTcpSocket::*stage)()) {
         pending_ = net_.World().After(delay, [this, stage] {
+            ++happened_;
             if (state_ == SocketState::ResolvingHost || !remote_->IsDown()) (this->*stage)();
         });
     }
@@ -179,6 +185,7 @@ private:
         if (script_->takeAfter) sending_ = net_.World().After(*script_->takeAfter, [this] { TakenBySystem(); });
     }
     void TakenBySystem() {
+        ++happened_;
         if (state_ != SocketState::Connected || queued_ == 0) return;
         const std::size_t sent = std::min(queued_, script_->takeAtOnce);
         queued_ -= sent;
@@ -197,6 +204,7 @@ private:
     std::size_t queued_ = 0;  ///< of what was sent, not yet reported as sent
     std::string answers_;     ///< of the server, on their way
     int refusals_ = 0;
+    std::uint64_t happened_ = 0;
 
     // The other side.
     VirtualHost* remote_ = nullptr;
