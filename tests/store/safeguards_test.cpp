@@ -53,7 +53,7 @@ TEST(SafeguardTable, SentencesThatAlternateAreWrittenOnceAnHourAndWithoutKeysNoT
     World world;
     world.Start();
     world.RunFor(3s);
-    EXPECT_EQ(world.world.Pending(), 1u) << "the cycle";
+    EXPECT_EQ(world.world.Pending(), 2u) << "the cycle, and the look for requests of the command line";
     for (int second = 0; second < 3610; second += 10, world.RunFor(10s))
         world.run.TheDesk().safeguards.Acted("CatchUp", second % 20 == 0 ? "A." : "B.");
     const auto texts = world.LogTexts();
