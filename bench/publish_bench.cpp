@@ -120,7 +120,7 @@ struct ReportsRig {
           status(person, world.clock),
           log(theFiles, world.clock, dir, "1.0.0"),
           safeguards(settings, clock, log, status),
-          alertPath(safeguards, settings),
+          alertPath({safeguards, settings, theFiles, clock}, dir),
           reports({store, clock, events, person, files, status, settings, ids, safeguards, alertPath}, dir) {
         settings.setKvSettingsColValue("ReportPath", root);
     }
