@@ -75,7 +75,9 @@ protected:
             } else if (at < step.size()) {
                 Type(of, text);
             } else if (step.starts_with("<")) {
-                QTest::keySequence(form->focusWidget(), QKeySequence(Q(step.substr(1, step.size() - 2))));
+                QWidget* const list = QApplication::activePopupWidget();  // it has the keyboard
+                QTest::keySequence(list != nullptr ? list : form->focusWidget(),
+                                   QKeySequence(Q(step.substr(1, step.size() - 2))));
             } else {
                 step.starts_with("frm") ? (void)Open(step) : Do(step);
             }

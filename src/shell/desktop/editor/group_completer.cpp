@@ -23,7 +23,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == list_ && event->type() == QEvent::KeyPress && !list_->currentIndex().isValid()) {
             const int key = static_cast<QKeyEvent*>(event)->key();
-            if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            // These end the editor as they do without the list.
+            if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
                 list_->hide();
                 QApplication::sendEvent(&box_, event);
                 return true;
