@@ -137,6 +137,14 @@ TEST(MailOutbox, ARecoveryGoesToThePeopleOfNow) {
     EXPECT_EQ(outbox.mail.mails[0].recipients, Texts{"<a@x>"});
 }
 
+TEST(MailOutbox, AMailThatIsNotWrittenYetIsWrittenAtTheEnd) {
+    Outbox outbox;
+    outbox.Port().Anew().Refuse();
+    outbox.run.TheDesk().outbox.Put({"a@x", "", "me@z", "Late", ""});
+    outbox.run.mnuExit_Click();
+    EXPECT_EQ(outbox.Column("strState"), "waiting|");
+}
+
 TEST(MailOutbox, NobodyGetsAMailTwiceAfterARestart) {
     Outbox outbox;
     outbox.mail.refuse = [](const std::string& line) { return line.starts_with("rcpt to:<b@y"); };
