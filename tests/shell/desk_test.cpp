@@ -283,6 +283,16 @@ TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
               "https://a:8080/b:1; https://[::1]:8080/x; https://a:1; https://-x;%20rm:8080; ; ");
 }
 
+TEST(EntryActs, AValueThatCannotBeReadHidesNoEntryAndIsReplaced) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}});
+    w.rows.Connected()->Execute("UPDATE Servers SET bIsMonitoring = 'maybe', bSendUpNotify = 'maybe' WHERE ID = 1");
+    EXPECT_EQ(LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false).size(), 2u);
+    EXPECT_EQ(PlanImport(w.desk, "id,strDesc\n2,c").Count(ImportStep::Changed), 1u);
+    EXPECT_TRUE(EntryActs(w.desk).Pause({"1", "2"}).starts_with("2 entries paused"));
+    EXPECT_EQ(w.rows.Server(1).at("bIsMonitoring"), Value(false));
+}
+
 TEST(EntryCsv, BringsBackExactlyWhatWasExported) {
     StartedWorld w;
     constexpr std::string_view kSigns[] = {"=", "+", "-", "@", "'", "\"", ",", ";", "\t", "\r", "\n", "\xC3\xA9", " ", "x", "7"};
