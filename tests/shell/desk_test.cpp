@@ -14,6 +14,7 @@
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
+#include "shell/run/requests.h"
 #include "shell/shell_world.h"
 #include "shell/web/web_forms.h"
 #include "store/last_checks.h"
@@ -291,6 +292,15 @@ TEST(EntryActs, AValueThatCannotBeReadHidesNoEntryAndIsReplaced) {
     EXPECT_EQ(PlanImport(w.desk, "id,strDesc\n2,c").Count(ImportStep::Changed), 1u);
     EXPECT_TRUE(EntryActs(w.desk).Pause({"1", "2"}).starts_with("2 entries paused"));
     EXPECT_EQ(w.rows.Server(1).at("bIsMonitoring"), Value(false));
+}
+
+TEST(Requests, ASettingThatCannotBeStoredStaysAsItIsAndTheLogSaysWhy) {
+    StartedWorld w;
+    LeaveRequest(w.disk, w.home, "1", "Zone", "-500");
+    w.files.faults.Add({.forever = true, .about = "kvurlwatchn.ini", .description = "disk full"});
+    w.RunFor(2s);
+    EXPECT_TRUE(w.Logged("# The setting Zone was not changed from the command line: disk full"));
+    EXPECT_EQ(*w.desk.collection.Find("Zone"), "");
 }
 
 TEST(EntryCsv, BringsBackExactlyWhatWasExported) {
