@@ -14,6 +14,7 @@
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
+#include "shell/run/requests.h"
 #include "shell/shell_world.h"
 #include "shell/web/web_forms.h"
 #include "store/last_checks.h"
@@ -281,6 +282,25 @@ TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
     const auto page = [](const auto& entry) { return PageOfEntry("Https", entry, "8080"); };
     EXPECT_EQ(Each("a/b:1|[::1]/x|a:1|-x; rm| ", page),
               "https://a:8080/b:1; https://[::1]:8080/x; https://a:1; https://-x;%20rm:8080; ; ");
+}
+
+TEST(EntryActs, AValueThatCannotBeReadHidesNoEntryAndIsReplaced) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}});
+    w.rows.Connected()->Execute("UPDATE Servers SET bIsMonitoring = 'maybe', bSendUpNotify = 'maybe' WHERE ID = 1");
+    EXPECT_EQ(LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false).size(), 2u);
+    EXPECT_EQ(PlanImport(w.desk, "id,strDesc\n2,c").Count(ImportStep::Changed), 1u);
+    EXPECT_TRUE(EntryActs(w.desk).Pause({"1", "2"}).starts_with("2 entries paused"));
+    EXPECT_EQ(w.rows.Server(1).at("bIsMonitoring"), Value(false));
+}
+
+TEST(Requests, ASettingThatCannotBeStoredStaysAsItIsAndTheLogSaysWhy) {
+    StartedWorld w;
+    LeaveRequest(w.disk, w.home, "1", "Zone", "-500");
+    w.files.faults.Add({.forever = true, .about = "kvurlwatchn.ini", .description = "disk full"});
+    w.RunFor(2s);
+    EXPECT_TRUE(w.Logged("# The setting Zone was not changed from the command line: disk full"));
+    EXPECT_EQ(*w.desk.collection.Find("Zone"), "");
 }
 
 TEST(EntryCsv, BringsBackExactlyWhatWasExported) {

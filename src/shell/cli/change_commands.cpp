@@ -152,8 +152,8 @@ int RunImport(Session& session) {
             session.Place().errors << "korvanecore: line " << row.line << ": " << ReplaceAll(row.details, "\r\n", " ") << "\n";
     const bool refuses = plan.Count(ImportStep::Refused) > 0 && !session.Given().Has("skip-refused");
     if (refuses) throw Error(plan.Summary() + "\nNothing was imported; --skip-refused imports the other rows.");
-    std::vector<std::string> ids;
-    if (!session.Given().Has("dry-run")) ids = ImportEntries(desk, plan);
+    if (session.Given().Has("dry-run")) return session.Done(plan.Summary(), {});
+    const std::vector<std::string> ids = ImportEntries(desk, plan);
     session.Notify();
     return session.Done(plan.Summary(), ids);
 }

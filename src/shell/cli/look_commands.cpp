@@ -260,8 +260,7 @@ int RunLog(Session& session) {
     const Desk& desk = session.TheDesk();
     std::ostream& out = session.Place().out;
     std::string path = desk.log.TodaysFile();
-    std::ifstream file(path, std::ios::binary);
-    const std::string all(std::istreambuf_iterator<char>(file), {});
+    const std::string all = desk.files.Read(path).value_or("");
     if (all.empty()) session.Place().errors << "The log of today is empty." << std::endl;
     std::size_t begin = all.size();
     for (int i = 0; i <= most && begin != std::string::npos && begin > 0; ++i)
@@ -270,15 +269,14 @@ int RunLog(Session& session) {
     auto at = static_cast<std::streamoff>(all.size());
     while (session.Given().Has("follow") && out) {
         desk.events.Sleep(300ms);
-        if (const std::string today = desk.log.TodaysFile(); today != path) {
-            path = today;
-            at = 0;
+        const std::string today = desk.log.TodaysFile();
+        if (std::ifstream later(path, std::ios::binary); later.seekg(at)) {
+            const std::string more(std::istreambuf_iterator<char>(later), {});
+            at += static_cast<std::streamoff>(more.size());
+            if (!more.empty()) out << more << std::flush;
         }
-        std::ifstream later(path, std::ios::binary);
-        if (!later.seekg(at)) continue;
-        const std::string more(std::istreambuf_iterator<char>(later), {});
-        at += static_cast<std::streamoff>(more.size());
-        if (!more.empty()) out << more << std::flush;
+        if (today != path) at = 0;  // after midnight, when the end of the former day has been printed
+        path = today;
     }
     return kDone;
 }

@@ -58,9 +58,7 @@ void AskMonitor(Session& session, const std::string& key, const std::string& val
             "It may be of an older version: end it, and set " +
             key + " again.");
     }
-    desk.settings.LoadValues();
-    const std::string* now = desk.collection.Find(key);
-    if (!Trim(value).empty() && (now == nullptr ? "" : *now) != Trim(value))
+    if (desk.settingsFile.Read(kSettingsSection, key, "") != Trim(value))
         throw Error("The running monitor did not store " + key + "; its log says why.");
 }
 

@@ -85,6 +85,8 @@ private:
         if (option != nullptr && (isCommon || (read_.command != nullptr && Has(OptionNamesOf(*read_.command), name)))) {
             if (option->value.empty() && end != std::string::npos) throw WrongWords("--" + name + " takes no value.");
             read_.options[name] = option->value.empty() ? "" : value();
+            // A home that a script left empty must not become another one.
+            if (!option->value.empty() && read_.options[name].empty()) throw WrongWords("--" + name + " needs a value.");
             return;
         }
         if (read_.command == nullptr) throw WrongWords("'--" + name + "' must stand after a command.");

@@ -61,9 +61,9 @@ std::string StoredSetting(const Desk& desk, const std::string& key, const std::s
 
 void WriteSetting(const Desk& desk, const std::string& key, const std::string& stored) {
     if (const std::string problem = desk.settingsFile.Problem(); !problem.empty()) throw Error(problem);
-    desk.collection.setKvSettingsColValue(key, stored);
     desk.settingsFile.Write(kSettingsSection, key, stored);
     if (const std::string& error = desk.settingsFile.LastWriteError(); !error.empty()) throw Error(error);
+    desk.collection.setKvSettingsColValue(key, stored);
 }
 
 void FollowSetting(const Desk& desk, const std::string& key) {
