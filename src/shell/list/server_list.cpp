@@ -74,6 +74,7 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
         if (!kListColumns[at].stored.empty()) row.cells[at] = rs.Fields(kListColumns[at].stored).Value().Text();
     row.isMonitored = rs.Fields("bIsMonitoring").Value().Bool();
     // One invalid value must hide neither its entry nor the others.
+    IgnoreErrors([&] { row.nTriesCur = rs.Fields("ntriescur").Value().Int64(); });
     IgnoreErrors([&] {
         row.dtNextCheck = rs.Fields("dtnextcheck").Value();
         cell(column::NextTry) = NextTryCell(row.dtNextCheck, now, requested);
