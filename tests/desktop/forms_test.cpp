@@ -103,6 +103,16 @@ TEST_F(AllForms, MayGoAtEachPointWhereTheyWait) {
     }
 }
 
+TEST_F(AllForms, TheSettingsAreAsHighAsTheirOtherPagesNeedAndFitIntoASmallScreen) {
+    Open("frmOptions");
+    const QSize wanted = form->sizeHint(), least = form->minimumSizeHint();
+    EXPECT_TRUE(least.width() <= 640 && least.height() <= 400) << least.width() << " " << least.height();
+    auto& pages = *form->findChild<QTabWidget*>("tabPages");
+    pages.removeTab(pages.count() - 1);
+    Settle();
+    EXPECT_EQ(form->sizeHint().height(), wanted.height());
+}
+
 TEST_F(AllForms, TracesStayWhereTheirReaderIsAndKeepAWholeSession) {
     Open("frmReqRes");
     QScrollBar& bar = *Get<QPlainTextEdit>("txtTrace").verticalScrollBar();
