@@ -21,6 +21,7 @@ public:
         list_ = popup();
         list_->setObjectName("lstGroups");
         list_->setAccessibleName("Groups that exist");
+        list_->setAttribute(Qt::WA_NoMouseReplay);  // of the click beside it, which is passed on here on every platform
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {
