@@ -103,10 +103,10 @@ TEST_F(AllForms, MayGoAtEachPointWhereTheyWait) {
     }
 }
 
-TEST_F(AllForms, TheSettingsAreAsHighAsTheirOtherPagesNeedAndFitIntoASmallScreen) {
+TEST_F(AllForms, TheSettingsAreAsHighAsTheirOtherPagesNeedAndFitIntoALowScreen) {
     Open("frmOptions");
-    const QSize wanted = form->sizeHint(), least = form->minimumSizeHint();
-    EXPECT_TRUE(least.width() <= 640 && least.height() <= 400) << least.width() << " " << least.height();
+    const QSize wanted = form->sizeHint();
+    EXPECT_LE(form->minimumSizeHint().height(), 400);
     auto& pages = *form->findChild<QTabWidget*>("tabPages");
     pages.removeTab(pages.count() - 1);
     Settle();
