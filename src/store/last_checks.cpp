@@ -45,6 +45,15 @@ std::string TextOf(const SettingsCollection& settings, std::string_view key) {
     return value == nullptr ? "" : Trim(*value);
 }
 
+std::optional<std::chrono::days> DaysIn(const std::string& text) {
+    std::int64_t days = 0;
+    IgnoreErrors([&] {
+        if (std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) days = ParseWhole(text);
+    });
+    if (days < 1 || days > kMostDays) return std::nullopt;
+    return std::chrono::days(days);
+}
+
 double Milliseconds(Duration duration) {
     return static_cast<double>(duration.count()) / 1000.0;
 }
@@ -111,14 +120,13 @@ void AddRow(Connection& conn, std::string_view createsTable, std::string_view cr
 }  // namespace
 
 std::optional<std::chrono::days> CertWarnDays(const SettingsCollection& settings) {
-    std::int64_t days = 0;
-    IgnoreErrors([&] {
-        if (const std::string text = TextOf(settings, kCertWarnDays);
-            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
-            days = ParseWhole(text);
-    });
-    if (days < 1 || days > kMostDays) return std::nullopt;
-    return std::chrono::days(days);
+    return DaysIn(TextOf(settings, kCertWarnDays));
+}
+
+std::string CertWarnDaysProblem(std::string_view value) {
+    const std::string text = Trim(value);
+    if (text.empty() || DaysIn(text)) return "";
+    return std::string(kCertWarnDays) + ": '" + text + "' is not a number of days from 1 to " + std::to_string(kMostDays) + ".";
 }
 
 bool KeepsLastChecks(const SettingsCollection& settings) {
@@ -126,13 +134,12 @@ bool KeepsLastChecks(const SettingsCollection& settings) {
 }
 
 std::string LastChecksProblem(const SettingsCollection& settings) {
-    const std::string keeps = TextOf(settings, kKeepPhases), days = TextOf(settings, kCertWarnDays);
+    const std::string keeps = TextOf(settings, kKeepPhases);
+    const std::string days = CertWarnDaysProblem(TextOf(settings, kCertWarnDays));
     std::string problem;
     if (!keeps.empty() && keeps != "True" && keeps != "False")
         problem = "KeepPhases: '" + keeps + "' is not \"True\" or \"False\". It is off.";
-    if (!days.empty() && !CertWarnDays(settings))
-        problem += (problem.empty() ? "" : " ") + ("CertWarnDays: '" + days) + "' is not a number of days from 1 to " +
-                   std::to_string(kMostDays) + ". It is off.";
+    if (!days.empty()) problem += (problem.empty() ? "" : " ") + days + " It is off.";
     return problem;
 }
 

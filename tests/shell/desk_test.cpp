@@ -11,6 +11,7 @@
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
 #include "shell/list/outage_notes.h"
+#include "shell/list/outage_starts.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
@@ -232,6 +233,41 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     EXPECT_TRUE(Holds(w.Text("Reports/R0/Group1/summary.htm"), "</table>\r\n<br>Alert path not yet proven."));
     w.Set("Server", " ");
     EXPECT_EQ(shown(), "UP, notifies nobody!!");
+}
+
+TEST(OutageStarts, KnowTheLongestOutageAlsoWhenItsFirstFailuresAreGone) {
+    StartedWorld w;
+    const DateTime now = w.world.clock.Now();
+    w.rows.AddMany({{.strDesc = "short", .nTriesCur = 3, .strCurStatus = "DOWN"},
+                    {.strDesc = "long", .nTriesCur = 100, .strCurStatus = "DOWN"},
+                    {.strDesc = "fails", .nTriesCur = 2, .strCurStatus = "Failing"}});
+    const auto add = [&](int parent, int count, DateTime when) {
+        w.rows.AddRow("Failures",
+                      Columns("ID IDParent nFailCount nFailMax dateFail", parent * 1000 + count, parent, count, 3, when));
+    };
+    for (int count = 1; count <= 3; ++count)
+        add(1, count, now - 1h + 1s * count), add(3, count, now - 3h);
+    for (int count = 61; count <= 100; ++count)
+        add(2, count, now - 1min * (100 - count));
+    OutageStarts starts;
+    const auto order = [&] {
+        std::vector<ServerRow> rows = LoadServerList(w.store, w.rows.DriverString(), now, false);
+        starts.AddTo(w.desk, rows);
+        SharedRows shared;
+        for (const ServerRow& row : rows)
+            shared.push_back(std::make_shared<const ServerRow>(row));
+        PutProblemsFirst(shared);
+        std::string text;
+        for (const auto& row : shared)
+            text += row->Name() + (row->since ? " " + std::to_string((now - *row->since).count()) : "") + "; ";
+        return text;
+    };
+    EXPECT_EQ(order(), "long 5940; short 3597; fails 10800; ");
+    w.rows.Connected()->Execute("DELETE FROM Failures");
+    w.rows.Change("Servers", 2, {{"nTriesCur", 101}});
+    EXPECT_EQ(order(), "long 5940; short 3597; fails 10800; ") << "it is read once";
+    w.rows.Change("Servers", 2, {{"nTriesCur", 4}});
+    EXPECT_EQ(order(), "short 3597; long; fails 10800; ") << "this is another outage";
 }
 
 TEST(ListFilter, FindsEveryWordSomewhereWithoutRegardToCase) {

@@ -75,6 +75,7 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     // One invalid value must hide neither its entry nor the others.
     row.isMonitored = true;  // as for the cycle, if it cannot be read
     IgnoreErrors([&] { row.isMonitored = rs.Fields("bIsMonitoring").Value().Bool(); });
+    IgnoreErrors([&] { row.nTriesCur = rs.Fields("ntriescur").Value().Int64(); });
     IgnoreErrors([&] {
         row.dtNextCheck = rs.Fields("dtnextcheck").Value();
         cell(column::NextTry) = NextTryCell(row.dtNextCheck, now, requested);

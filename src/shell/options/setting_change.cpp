@@ -28,7 +28,8 @@ std::string StoredInput(const Desk& desk, const OptionsInput& input, const std::
     OptionsFields fields = OptionsFromSettings(desk.collection);
     fields.*input.text = value;
     if (input.key == kPageFolder && Trim(value).empty()) throw Error(key + ": the pages need a folder.");
-    if (const std::string refusal = RefusalOf(input, fields); !refusal.empty()) throw Error(key + ": " + refusal);
+    if (const std::string refusal = RefusalOf(input, fields); !refusal.empty())
+        throw Error(refusal.starts_with(key + ":") ? refusal : key + ": " + refusal);
     return input.stored(value, fields).value_or("");
 }
 

@@ -30,7 +30,10 @@ constexpr const char* kNothingFound = "No server is found. Show All takes the fi
 void frmMonitor::BuildGlance(QBoxLayout& rows) {
     QAction& problemsFirst = *actions_.at("mnuViewProblemsFirst");
     problemsFirst.setCheckable(true);
-    connect(&problemsFirst, &QAction::toggled, model_, &ServerListModel::SetProblemsFirst);
+    connect(&problemsFirst, &QAction::toggled, this, [this](bool on) {
+        model_->SetProblemsFirst(on);
+        if (on && !run_->Loading()) RefreshURLList();
+    });
     bar_ = new ListBar(
         problemsFirst, [this] { ApplyFilter(); }, [this] { ListView1->setFocus(); }, this);
     stopped_ = new StoppedBar(

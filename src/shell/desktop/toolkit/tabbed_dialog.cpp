@@ -109,6 +109,10 @@ QVBoxLayout& TabbedDialog::AddPage(const char* title, const char* help, const QS
     return *content;
 }
 
+void TabbedDialog::LeaveHeightToOthers(QVBoxLayout& page) {
+    static_cast<ScrolledPage*>(page.parentWidget()->parentWidget()->parentWidget())->SetLow();  // its viewport is between
+}
+
 QPushButton* TabbedDialog::AddStatusAndButtons(const Control& command, const std::function<void()>& click,
                                                const std::function<void()>& cmdOk_Click) {
     AddStatus(kStatusLines);
