@@ -4,7 +4,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QScrollBar>
 #include <algorithm>
 
 #include "shell/desktop/glance/command_button.h"
@@ -202,13 +201,6 @@ void frmMonitor::Form_Resize() {
     if (isSeen)
         QMetaObject::invokeMethod(
             this, [this] { KeepRowSeen(); }, Qt::QueuedConnection);
-}
-
-void frmMonitor::KeepRowSeen() {
-    QScrollBar& across = *ListView1->horizontalScrollBar();
-    const int column = across.value();
-    ListView1->scrollTo(ListView1->currentIndex());
-    across.setValue(column);
 }
 
 void frmMonitor::RememberColumns() {
