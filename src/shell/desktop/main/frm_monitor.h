@@ -185,6 +185,7 @@ private:
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
+    void KeepRowSeen();
     void ResourceWindowHidden(ResourceMonitor monitor);
     void ShowOrQueue(MessageQueue::Message message);
     QWidget* MessageParent() const;

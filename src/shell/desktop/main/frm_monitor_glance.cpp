@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScreen>
+#include <QScrollBar>
 #include <algorithm>
 
 #include "shell/desktop/glance/command_button.h"
@@ -92,6 +93,13 @@ void frmMonitor::ApplyFilter() {
     ShowCounts();
     if (!ListView1->selectionModel()->hasSelection()) SelectRow(0);
     ListView1->scrollTo(ListView1->currentIndex());
+}
+
+void frmMonitor::KeepRowSeen() {
+    QScrollBar& across = *ListView1->horizontalScrollBar();
+    const int column = across.value();
+    ListView1->scrollTo(ListView1->currentIndex());
+    across.setValue(column);
 }
 
 void frmMonitor::ShowCounts() {

@@ -100,6 +100,8 @@ protected:
     QTabWidget* tabPages_;
 
 private:
+    /// Returns the size that fits on the screen with a frame around it.
+    QSize Room() const;
     void MarkRefusedPages();
 
     bool closed_ = false;
