@@ -144,13 +144,13 @@ int RunStatus(Session& session) {
         session.PrintJson(object);
         return end;
     }
+    const auto say = [&](const std::string& line) { session.Say(OneLine(line, line.size())); };
     session.Say("KORVANE " + std::string(kWords[end]) + " - " + text + (why.empty() ? "" : "; " + why) + " | " + figures);
     for (const auto& row : rows)
         if (StateOf(row->strCurStatus) == RowIcon::Bad || StateOf(row->strCurStatus) == RowIcon::Warn)
-            session.Say(row->cells[column::Status] + ": " + row->Name() + ", " +
-                        WithoutControls(row->cells[column::LastResponse]));
+            say(row->cells[column::Status] + ": " + row->Name() + ", " + row->cells[column::LastResponse]);
     for (const std::string& line : certificates)
-        session.Say(WithoutControls(line));
+        say(line);
     return end;
 }
 

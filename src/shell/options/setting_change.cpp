@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "shell/options/options_inputs.h"
 #include "shell/options/safeguard_inputs.h"
+#include "store/last_checks.h"
 
 namespace korvane {
 namespace {
@@ -14,6 +15,14 @@ namespace {
 constexpr std::string_view kPageFolder = "ReportPath";
 constexpr std::pair<std::string_view, const char*> kSettingMarks[] = {{"true", "True"},   {"yes", "True"}, {"on", "True"},
                                                                       {"false", "False"}, {"no", "False"}, {"off", "False"}};
+
+constexpr std::string_view kKeepPhases = "KeepPhases";
+constexpr std::string_view kCertWarnDays = "CertWarnDays";
+/// Those that stand on no page of the settings.
+constexpr std::pair<std::string_view, const char*> kOfLastChecks[] = {
+    {kKeepPhases, "Keeps and shows where the time of each entry's last check went."},
+    {kCertWarnDays, "Mails so many days before the certificate of an HTTPS entry ends; blank: off."},
+};
 
 std::string StoredSwitch(const std::string& key, const std::string& value) {
     const auto* const found =
@@ -32,6 +41,16 @@ std::string StoredInput(const Desk& desk, const OptionsInput& input, const std::
     return input.stored(value, fields).value_or("");
 }
 
+std::string StoredOfLastChecks(std::string_view key, const std::string& value) {
+    const std::string stored = Trim(value);
+    if (stored.empty()) return "";
+    if (key == kKeepPhases) return StoredSwitch(std::string(key), value);
+    SettingsCollection tried;
+    tried.setKvSettingsColValue(key, stored);
+    if (!CertWarnDays(tried)) throw Error(std::string(key) + ": '" + value + "' is not a number of days from 1 to 1000.");
+    return stored;
+}
+
 }  // namespace
 
 std::vector<SettingInfo> AllSettings() {
@@ -43,6 +62,8 @@ std::vector<SettingInfo> AllSettings() {
         add(input.key, Or(input.control.help, ReplaceAll(input.control.label, "&", "")));
     for (const Safeguard& safeguard : SafeguardsOfPage())
         add(safeguard.key, std::string(safeguard.protects));
+    for (const auto& [key, meaning] : kOfLastChecks)
+        add(key, meaning);
     return all;
 }
 
@@ -51,6 +72,7 @@ std::string StoredSetting(const Desk& desk, const std::string& key, const std::s
         throw Error(key + ": a value is one line of at most " + std::to_string(kIniValueLimit) + " characters.");
     const auto input = std::ranges::find(OptionsInputs(), key, [](const OptionsInput& each) { return std::string(each.key); });
     if (input != OptionsInputs().end()) return StoredInput(desk, *input, value);
+    if (key == kKeepPhases || key == kCertWarnDays) return StoredOfLastChecks(key, value);
     const Safeguard* const safeguard = FindSafeguard(key);
     if (safeguard == nullptr) throw Error("There is no setting '" + key + "'.");
     const bool isMark = safeguard->value == SafeguardValue::Switch && !Trim(value).empty();
