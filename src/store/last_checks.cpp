@@ -35,6 +35,9 @@ constexpr std::string_view kForgetsMails =
     "CREATE TRIGGER IF NOT EXISTS CertificateMailsOfDeleted AFTER DELETE ON Servers BEGIN DELETE FROM CertificateMails WHERE "
     "IDParent = OLD.ID; END";
 
+constexpr std::string_view kWritesCheck = "INSERT INTO LastChecks VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
+
+/// In the order of the table.
 constexpr std::pair<const char*, std::optional<Duration> CheckPhases::*> kPhaseColumns[] = {
     {"nName", &CheckPhases::name},           {"nConnect", &CheckPhases::connect}, {"nTLS", &CheckPhases::tls},
     {"nFirstByte", &CheckPhases::firstByte}, {"nWhole", &CheckPhases::whole},
@@ -143,20 +146,16 @@ std::string LastChecksProblem(const SettingsCollection& settings) {
     return problem;
 }
 
+// One statement, because this is part of each check.
 void LastChecks::Write(Connection& conn, const LastCheck& check) {
-    AddRow(conn, kCreatesChecks, kForgetsChecks, [&] {
-        const auto rs = OpenRows(store_, conn, "SELECT * FROM LastChecks WHERE ID < 0");
-        rs->AddNew();
-        rs->Fields("ID") = check.id;
-        rs->Fields("dtCheck") = check.when.Stored();
-        for (const auto& [column, phase] : kPhaseColumns) {
-            const auto& took = check.phases.*phase;
-            rs->Fields(column) = took ? Value(Milliseconds(*took)) : Value();
-        }
-        rs->Fields("strSteps") = StepsText(check.phases.steps);
-        rs->Fields("dtCertificate") = check.phases.certificateEnd ? Value(check.phases.certificateEnd->Stored()) : Value();
-        rs->Update();
-    });
+    std::vector<Value> row{check.id, check.when.Stored()};
+    for (const auto& [column, phase] : kPhaseColumns) {
+        const auto& took = check.phases.*phase;
+        row.push_back(took ? Value(Milliseconds(*took)) : Value());
+    }
+    row.emplace_back(StepsText(check.phases.steps));
+    row.push_back(check.phases.certificateEnd ? Value(check.phases.certificateEnd->Stored()) : Value());
+    AddRow(conn, kCreatesChecks, kForgetsChecks, [&] { conn.Execute(kWritesCheck, row); });
 }
 
 std::map<std::int64_t, LastCheck> LastChecks::ReadRows(Connection& conn, const std::string& where) {

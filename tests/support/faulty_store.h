@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/connection.h"
 #include "support/fault_plan.h"
@@ -56,7 +57,9 @@ private:
         void Close() override { link->Close(); }
         void BeginTrans() override { link->BeginTrans(); }
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
-        void Execute(std::string_view statement) override { At(Op::Execute, statement).Execute(statement); }
+        void Execute(std::string_view statement, const std::vector<Value>& values) override {
+            At(Op::Execute, statement).Execute(statement, values);
+        }
         void TryWriting() override { link->TryWriting(); }
         Connection& At(Op operation) { return At(operation, ConnectionString()); }
         Connection& At(Op operation, std::string_view about) { return faults.Pass(operation, about, *link); }

@@ -66,6 +66,12 @@ TEST(CommandLine, RefusesWhatIsWrongAndChangesNothing) {
         {"list --home=", "3", "needs a value"},
         {"export >/dev/full", "1", "the output could not be written"},
         {"help; mkdir gone; cd gone; rmdir ../gone; korvanecore status --home none", "3", "cannot make absolute path"},
+        {"list -x", "3", "'list' has no option '-x'."},
+        {"--json list", "3", "'--json' must stand after a command."},
+        {"settings set Begin", "3", "something is missing"},
+        {"settings set CertWarnDays 1001", "1", "is not a number of days from 1 to 1000."},
+        {"add new.example --home junk", "1", "korvanecore: The file"},
+        {"import bom.json", "1", "there is no column 'x'."},
         {"show", "3", "Usage: korvanecore show <entry>"},
         {"show 1 2", "3", "'2' is too much"},
         {"set 1 intervall=5", "3", "Did you mean 'interval'?"},
@@ -92,6 +98,8 @@ TEST(CommandLine, RefusesWhatIsWrongAndChangesNothing) {
         {"import bad.json", "1", "This is no JSON"},
         {"import odd.json", "1", "Entry 2: it has not the columns of the first entry."},
     };
+    Shell(program, "mkdir junk; echo junk > junk/kvdata2.mdb");
+    program.home.Write("bom.json", "\xEF\xBB\xBF[{\"x\": 1}]");
     program.home.Write("bad.csv", "id,tries\n1,5\n");
     program.home.Write("half.csv", "id,nTries\n1,5\n9,5\n");
     program.home.Write("bad.json", "{\"entries\": [");

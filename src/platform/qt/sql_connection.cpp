@@ -21,8 +21,11 @@ SqlSession& QtSqlConnection::Opened() const {
     return *session_;
 }
 
-void QtSqlConnection::Execute(std::string_view statement) {
-    Opened().Change(std::string(statement), {});
+void QtSqlConnection::Execute(std::string_view statement, const std::vector<Value>& values) {
+    QVariantList bound;
+    for (const Value& value : values)
+        bound.append(ToBind(value));
+    Opened().Change(std::string(statement), bound);
 }
 
 // Opening a file and reading its schema costs more than most of the work that follows.

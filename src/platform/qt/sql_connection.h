@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "platform/qt/sql_session.h"
 
@@ -54,7 +55,7 @@ public:
     void Close() override;
     void BeginTrans() override { Opened().Begin(); }
     void CommitTrans() override { Opened().Commit(); }
-    void Execute(std::string_view statement) override;
+    void Execute(std::string_view statement, const std::vector<Value>& values) override;
     void TryWriting() override { Opened().TryWriting(); }
 
     /// Returns null while it is closed.
