@@ -4,8 +4,9 @@
 
 namespace korvane {
 
-void CommandRunner::RunCommand(const std::string& strCommand, int /*nUnused*/, WindowStyle nWindowStyle,
-                               const Variables& variables) {
+void CommandRunner::RunCommand(const std::string& strCommand, int /*nUnused*/, WindowStyle nWindowStyle, Variables variables) {
+    for (auto& [name, value] : variables)
+        value = ports_.hidden.InWords(value);
     const std::string kRoutine = "frmMonitor:RunCommand: ";
     std::string problem;
     try {

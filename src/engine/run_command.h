@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "notify/hidden_passwords.h"
 #include "platform/processes.h"
 #include "store/log.h"
 #include "store/status_log.h"
@@ -15,13 +16,14 @@ public:
         Processes& processes;
         StatusLog& status;
         Log& log;
+        const HiddenPasswords& hidden;
     };
 
     explicit CommandRunner(const Ports& ports) : ports_(ports) {}
 
     /// Starts the command line and returns at once; status line and log say whether it started. `variables` are in the environment
-    /// of the command and nowhere else. Never tries again. Throws nothing.
-    void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle, const Variables& variables = {});
+    /// of the command and nowhere else, without passwords. Never tries again. Throws nothing.
+    void RunCommand(const std::string& strCommand, int nUnused, WindowStyle nWindowStyle, Variables variables = {});
 
 private:
     Ports ports_;

@@ -117,8 +117,10 @@ SendOutcome Dispatcher::Deliver(MailServer server, const std::string& recipient,
 }
 
 // Only clsEsmtp can log in; a server without a login always uses the plain mailer.
-SendOutcome Dispatcher::SendToOne(const std::string& recipient, const Message& message) {
+SendOutcome Dispatcher::SendToOne(const std::string& recipient, Message message) {
     SendOutcome outcome;
+    message.strSubject = AsSent(message.strSubject);
+    message.strBody = AsSent(message.strBody);
     try {
         const MailSecurity security = SecurityOf(ports_.safeguards, message.account.server, options_.smtpPort);
         outcome = message.account.strUser.empty() ? SendThroughPlainMailer(recipient, message, security)

@@ -87,6 +87,9 @@ public:
     /// try sends the same mail. It counts as sent from the server's receipt on.
     SendOutcome Deliver(MailServer server, const std::string& recipient, const Notification& mail, const std::string& messageId);
 
+    /// Returns how the text of a mail, or its subject, goes out: without passwords.
+    std::string AsSent(const std::string& text) const { return hidden_.InWords(text); }
+
     /// The operator's test mail, with a question before and the results in message boxes: sends through the primary server and,
     /// if set, also through the backup. `done` receives true when every attempted send succeeded, false when one failed or the
     /// operator declined.
@@ -115,7 +118,7 @@ private:
     Account AccountOf(MailServer server) const;
     SendOutcome SendEmail(Notification mail, const Account& account);
     SendOutcome SendToEach(const std::string& strTo1, const std::string& everybody, Message& message);
-    SendOutcome SendToOne(const std::string& recipient, const Message& message);
+    SendOutcome SendToOne(const std::string& recipient, Message message);
     SendOutcome SendThroughPlainMailer(const std::string& recipient, const Message& message, const MailSecurity& security);
     SendOutcome SendThroughEsmtp(const std::string& recipient, const Message& message, const MailSecurity& security);
     void mycls_StateChange(const clsEsmtp& mycls, int State);

@@ -34,9 +34,16 @@ void Replace(std::string& text, std::size_t from, std::size_t to) {
     if (to > from) text.replace(from, to - from, kNotShown);
 }
 
-bool BeginsCommand(const std::string& text, std::size_t at) {
-    if (std::string_view(text).substr(at).starts_with(kTaggedCommand)) return true;
-    return at == 0 || std::string_view("'\",\n>").find(text[at - 1]) != npos;
+/// Words of people begin lines with "Pass" or "Login", too: there a command counts only in quotes or between commas.
+constexpr std::string_view kBeforeCommand = "'\",\n>", kBeforeQuoted = "'\",";
+
+bool BeginsCommand(const std::string& text, std::size_t at, std::string_view before) {
+    const bool anywhere = before == kBeforeCommand;
+    if (std::string_view(text).substr(at).starts_with(kTaggedCommand)) {
+        const std::size_t tag = at == 0 ? npos : text.find_last_of(" '\",\n>", at - 1);
+        return anywhere || (tag != npos && before.find(text[tag]) != npos);
+    }
+    return at == 0 ? anywhere : before.find(text[at - 1]) != npos;
 }
 
 /// Before each answer stands what is waited for.
@@ -50,9 +57,9 @@ void HideAnswers(std::string& text, std::size_t command) {
     }
 }
 
-void HideAfterCommands(std::string& text) {
+void HideAfterCommands(std::string& text, std::string_view before) {
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (!BeginsCommand(text, at)) continue;
+        if (!BeginsCommand(text, at, before)) continue;
         HideAnswers(text, at);
         const std::size_t blank = text[at] == ' ' ? 1 : 0;
         for (const std::string_view command : kCommands) {
@@ -82,8 +89,25 @@ void HideInUrls(std::string& text) {
 }  // namespace
 
 std::string HiddenPasswords::In(std::string_view text) const {
+    return Counted(text, Hidden(text, kBeforeCommand));
+}
+
+std::string HiddenPasswords::InWords(std::string_view text) const {
+    return Counted(text, Shown(text));
+}
+
+std::string HiddenPasswords::Shown(std::string_view text) const {
+    return Hidden(text, kBeforeQuoted);
+}
+
+std::string HiddenPasswords::Counted(std::string_view text, std::string hidden) const {
+    if (hidden != text) Count();
+    return hidden;
+}
+
+std::string HiddenPasswords::Hidden(std::string_view text, std::string_view before) const {
     std::string hidden(text);
-    if (!safeguards_.IsOn(kHidesPasswords)) return hidden;
+    if (!IsOn()) return hidden;
     for (const char* key : kPasswordKeys) {
         const std::string* password = settings_.Find(key);
         if (password == nullptr || password->size() < kShortest) continue;
@@ -92,14 +116,13 @@ std::string HiddenPasswords::In(std::string_view text) const {
     }
     for (std::size_t at = hidden.find(kShownPassword); at != npos; at = hidden.find(kShownPassword, at + 1))
         Replace(hidden, at + kShownPassword.size(), LineEnd(hidden, at));
-    HideAfterCommands(hidden);
+    HideAfterCommands(hidden, before);
     HideInUrls(hidden);
-    if (hidden != text) Count();
     return hidden;
 }
 
 std::string HiddenPasswords::Secret(const std::string& answer) const {
-    if (!safeguards_.IsOn(kHidesPasswords)) return answer;
+    if (!IsOn()) return answer;
     Count();
     return std::string(kNotShown);
 }

@@ -1,4 +1,5 @@
-// Takes passwords out of the texts that people see (HidePasswords): status lines, log, conversations, reasons of failures.
+// Takes passwords out of the texts that people and other programs see (HidePasswords): status lines, log, conversations, mails,
+// pages, figures, list, command line, the environment of commands.
 #pragma once
 
 #include <string>
@@ -21,10 +22,18 @@ public:
     /// text or after a quote or a comma; the answers to AUTH LOGIN and AUTH PLAIN in a list between commas; and the password in a
     /// URL. While the safeguard is off the text stays as it is.
     std::string In(std::string_view text) const;
+    /// The same for names, mails and reasons, in which a line may begin with "Pass" or "Login": a login command counts only after a
+    /// quote or a comma.
+    std::string InWords(std::string_view text) const;
+    /// The same, but not counted, for what is read again each second.
+    std::string Shown(std::string_view text) const;
+    bool IsOn() const { return safeguards_.IsOn(kHidesPasswords); }
     /// Returns what is shown in place of an answer to a login.
     std::string Secret(const std::string& answer) const;
 
 private:
+    std::string Hidden(std::string_view text, std::string_view before) const;
+    std::string Counted(std::string_view text, std::string hidden) const;
     void Count() const { safeguards_.Acted(kHidesPasswords, "A password was taken out of a text."); }
 
     Safeguards& safeguards_;

@@ -27,14 +27,15 @@ constexpr int kMostWaits = 60;
 constexpr auto kMostOnTheWay = 1h;
 /// After the alarm the mail may still come late.
 constexpr auto kLatePeriod = 15min;
+constexpr std::chrono::milliseconds kSendsAgainAfter = 5min;
 
-constexpr const char* kStates[] = {"idle", "waiting", "overdue"};
+constexpr const char* kStates[] = {"idle", "waiting", "overdue", "unsent"};
 
 std::string DayOf(DateTime moment) {
     return moment.Stored().substr(0, 10);
 }
 
-std::string Minutes(std::chrono::seconds time) {
+std::string Minutes(std::chrono::milliseconds time) {
     return std::to_string(std::chrono::duration_cast<std::chrono::minutes>(time).count()) + " minutes";
 }
 
@@ -58,13 +59,13 @@ void MailProof::Look() {
     timer_->SetInterval(kPeriod);
     if (!ports_.safeguards.IsOn(kKey)) return;
     if (!std::exchange(loaded_, true)) Load();
-    const bool sends = IsDueToday();
+    const bool begins = IsDueToday(), sends = begins || IsTimeToTryAgain();
     if (!sends && !IsTimeToRead()) return;
     if ((ports_.mail.Sending() || ports_.busy()) && waits_++ < kMostWaits) return timer_->SetInterval(kNextTry);
     const RaisedFlag working(working_);
     waits_ = 0;
     if (!sends) return ReadBack();
-    Send();
+    begins ? Begin() : Send();
     timer_->SetInterval(kSoon);
 }
 
@@ -73,7 +74,20 @@ bool MailProof::IsDueToday() const {
     const auto parts = Split(time, ':');
     const DateTime now = ports_.clock.Now();
     const DateTime due = now.Date() + std::chrono::hours(std::stoi(parts[0])) + std::chrono::minutes(std::stoi(parts[1]));
-    return proof_.day != DayOf(now) && now >= due && proof_.state != State::Waiting;
+    return proof_.day != DayOf(now) && now >= due && proof_.state != State::Waiting && proof_.state != State::Unsent;
+}
+
+bool MailProof::IsTimeToTryAgain() const {
+    return proof_.state == State::Unsent && (!tried_ || ports_.clock.GetTickCount() - *tried_ >= kSendsAgainAfter);
+}
+
+bool MailProof::IsHourOver() {
+    const auto since = ports_.clock.UtcNow() - proof_.sent;
+    if (since < 0s) {  // the clock was set back
+        proof_.sent = ports_.clock.UtcNow();
+        Save();
+    }
+    return since >= kMostOnTheWay;
 }
 
 bool MailProof::IsTimeToRead() const {
@@ -82,19 +96,28 @@ bool MailProof::IsTimeToRead() const {
 }
 
 // The state is saved before the mail goes out, so that a restart in between looks for it rather than sends another.
+void MailProof::Begin() {
+    proof_ = {DayOf(ports_.clock.Now()), ports_.clock.UtcNow(), NewToken(), State::Idle};
+    Send();
+}
+
 void MailProof::Send() {
+    proof_.state = State::Waiting;
     lastProblem_.clear();
-    proof_ = {DayOf(ports_.clock.Now()), ports_.clock.UtcNow(), NewToken(), State::Waiting};
     Save();
     const std::string to = ports_.safeguards.Text("ProveMailTo");
     const SendOutcome outcome = ports_.mail.SendThrough(
         MailServer::Primary,
         {to, "", to, kSubject + proof_.token, "This mail proves that alerts arrive. Korvane reads it back and deletes it."});
     if (outcome.sent) {
-        ports_.log.Info("ProveMail: the mail of the day was sent to " + to + ".");
-    } else {
-        Missing("It could not be sent. " + outcome.strError);
+        return ports_.log.Info("ProveMail: the mail of the day was sent to " + to + ".");
     }
+    lastProblem_ = "It could not be sent. " + outcome.strError;
+    if (IsHourOver()) return Missing(lastProblem_);
+    ports_.log.Info("ProveMail: the mail of the day is tried again in " + Minutes(kSendsAgainAfter) + ". " + lastProblem_);
+    tried_ = ports_.clock.GetTickCount();
+    proof_.state = State::Unsent;
+    Save();
 }
 
 void MailProof::ReadBack() {
@@ -103,18 +126,14 @@ void MailProof::ReadBack() {
     try {
         found = box_.Take({keys.Text("ProveMailHost"), keys.Port("ProveMailPort", kPopTlsPort), keys.Text("SMTPAuthority"),
                            keys.Text("ProveMailUser"), keys.Text("ProveMailPass")},
-                          kSubject + proof_.token);
+                          ports_.mail.AsSent(kSubject + proof_.token));
         lastProblem_ = "It is not in the mailbox.";
     } catch (const std::exception& error) {
         lastProblem_ = "The mailbox could not be read: " + std::string(error.what()) + ".";
     }
     if (found != PopBox::Found::No) return Arrived(found == PopBox::Found::Deleted);
-    const auto since = ports_.clock.UtcNow() - proof_.sent;
-    if (since < 0s) {  // the clock was set back
-        proof_.sent = ports_.clock.UtcNow();
-        Save();
-    }
-    if (proof_.state == State::Waiting && since >= kMostOnTheWay) Missing(lastProblem_);
+    const bool over = IsHourOver();
+    if (over && proof_.state == State::Waiting) Missing(lastProblem_);
 }
 
 void MailProof::Arrived(bool deleted) {
@@ -168,7 +187,7 @@ void MailProof::Load() {
         const auto sent = DateTime::FromStored(values["sent"]);
         if (!sent || values["token"].empty()) return;
         proof_ = {values["day"], *sent, values["token"], State::Idle};
-        for (const State state : {State::Waiting, State::Overdue}) {
+        for (const State state : {State::Waiting, State::Overdue, State::Unsent}) {
             if (values["state"] == kStates[static_cast<int>(state)]) proof_.state = state;
         }
         ports_.alertPath.Proof(proof_.state == State::Overdue);

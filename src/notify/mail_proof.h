@@ -1,9 +1,12 @@
 // Proves once a day that alerts would arrive (ProveMail): sends a mail to a mailbox of one's own, reads it back and deletes it. When
-// it does not come within the hour, log, status, sound and the backup mail server say so.
+// it does not come within the hour, log, status, sound and the backup mail server say so. Until then a mail that no server takes is
+// tried again.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "notify/dispatcher.h"
@@ -48,7 +51,7 @@ public:
     void Stop() { timer_->SetEnabled(false); }
 
 private:
-    enum class State { Idle, Waiting, Overdue };
+    enum class State { Idle, Waiting, Overdue, Unsent };
     struct Proof {
         std::string day;    ///< of the latest mail, "2026-11-21"
         DateTime sent;      ///< UTC
@@ -59,6 +62,9 @@ private:
     void Look();
     bool IsDueToday() const;
     bool IsTimeToRead() const;
+    bool IsTimeToTryAgain() const;
+    bool IsHourOver();
+    void Begin();
     void Send();
     void ReadBack();
     void Arrived(bool deleted);
@@ -77,7 +83,8 @@ private:
     bool loaded_ = false;
     bool working_ = false;
     int waits_ = 0;
-    std::string lastProblem_;  ///< of the latest attempt to read the mail back
+    std::string lastProblem_;                         ///< of the latest attempt to send the mail or to read it back
+    std::optional<std::chrono::milliseconds> tried_;  ///< to send the mail; tick count of the clock
 };
 
 }  // namespace korvane

@@ -41,7 +41,7 @@ std::string FailureRow(const Publication& publication, Recordset& rs) {
                 "<td width=10%>");
     row += Cell("\r\nTime-Out: " + text("nTimeout") + "\r\n<br>Port: [" + text("strPort") + "]", "<td width=25%>");
     row += Cell("\r\n" + text("strReason"), "<td width=25%>");
-    row += Cell("\r\n" + publication.outside.Action(TextOf(rs, "strAction")), "<td width=25%>");
+    row += Cell("\r\n" + publication.outside.Action(publication.Hidden(TextOf(rs, "strAction"))), "<td width=25%>");
     return row.append(kRowEnd);
 }
 
@@ -62,8 +62,8 @@ void WriteFailures(const Publication& publication, const std::string& id, const 
     };
     const std::string folder = publication.folder.GroupFolder(idCustomer, strGroup);
     publication.folder.CreateFolder(folder);
-    publication.folder.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate,
-                                 {"", total, publication.outside.Text(strGroup)}, table);
+    publication.folder.WriteLong(folder + "/failure" + id + ".htm", kFailureTemplate, {"", total, publication.Shown(strGroup)},
+                                 table);
 }
 
 }  // namespace

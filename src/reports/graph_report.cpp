@@ -75,7 +75,7 @@ void WriteGraph(const GraphKind& kind, const Publication& publication, Recordset
     const std::string table = TableHead({BoldCell(kind.firstHeading), BoldCell(kind.secondHeading)}) + bars.rows +
                               bars.Averages() + std::string(kTableEnd);
     const std::string page = publication.folder.Merge(
-        kGraphTemplate, {table, bars.count, publication.outside.Text(text("strAddress_IP") + " - " + text("strDesc"))});
+        kGraphTemplate, {table, bars.count, publication.Shown(text("strAddress_IP") + " - " + text("strDesc"))});
     publication.folder.Write(publication.folder.GroupFolder(text("idCustomer"), text("strGroup")) + "/" + kind.file + id + ".htm",
                              page);
 }

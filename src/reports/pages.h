@@ -71,16 +71,19 @@ struct ReportPorts {
     ServerIds& ids;
     Safeguards& safeguards;
     const AlertPath& alertPath;
+    std::function<std::string(std::string_view text)> withoutPasswords = {};  ///< none: texts stay as they are
+
+    std::string Hidden(const std::string& text) const { return withoutPasswords ? withoutPasswords(text) : text; }
 };
 
 /// One publish.
 struct Publication : ReportPorts {
     ReportFolder& folder;
     Connection& connection;
-    bool bQuiet;           ///< graphs are written only when a new hour or day begins
-    DateTime lastPublish;  ///< servers that failed then or later get a new failure page
-    std::string& strErr;   ///< the errors are added to it
-    PageText outside{safeguards};
+    bool bQuiet;                   ///< graphs are written only when a new hour or day begins
+    DateTime lastPublish;          ///< servers that failed then or later get a new failure page
+    std::string& strErr;           ///< the errors are added to it
+    PageText outside{safeguards};  ///< for texts that are Hidden
 
     std::unique_ptr<Recordset> Read(std::string_view query) const {
         return OpenRows(store, connection, query, CursorType::Static, LockType::BatchOptimistic);
@@ -91,7 +94,8 @@ struct Publication : ReportPorts {
     }
 
     /// Returns a column as it stands in a page.
-    std::string Shown(Recordset& rs, std::string_view column) const { return outside.Text(TextOf(rs, column)); }
+    std::string Shown(Recordset& rs, std::string_view column) const { return Shown(TextOf(rs, column)); }
+    std::string Shown(const std::string& text) const { return outside.Text(Hidden(text)); }
 
     /// Both run the work and return whether it succeeded. A failure is added to `strErr`, or goes to the status line, each after
     /// `routine`.

@@ -18,9 +18,9 @@ constexpr std::string_view kGroupsHead =
 /// Failures from before the start get their page in the first publish if they are at most this old.
 constexpr std::chrono::days kRecentAtStart{5};
 
-std::string GroupRow(const PageText& outside, const std::string& strGroup) {
-    return "\r\n<tr><td><a href=" + outside.Link(strGroup) + "/summary.htm>Summary Report for " + outside.Text(strGroup) +
-           "</a></td></tr>";
+std::string GroupRow(const Publication& publication, const std::string& strGroup) {
+    return "\r\n<tr><td><a href=" + publication.outside.Link(strGroup) + "/summary.htm>Summary Report for " +
+           publication.Shown(strGroup) + "</a></td></tr>";
 }
 
 }  // namespace
@@ -104,7 +104,7 @@ void Reports::PublishReportsPerCust(const Publication& publication, const std::s
     for (; !rs->Eof(); rs->MoveNext()) {
         ports_.events.DoEvents();
         const std::string strGroup = TextOf(*rs, "strGroup");
-        table += GroupRow(publication.outside, strGroup);
+        table += GroupRow(publication, strGroup);
         PublishSummaryReport(publication, strGroup);
     }
     rs->Close();

@@ -106,16 +106,16 @@ std::string Quoted(const std::string& text) {
     return '"' + ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\"", "\\\"") + '"';
 }
 
-std::string CellText(Recordset& rs, std::string_view column) {
+std::string CellText(const ReportPorts& ports, Recordset& rs, std::string_view column) {
     std::string text;
-    IgnoreErrors([&] { text = OneLine(rs.Fields(column).Value().Text(), kMostCharacters); });
+    IgnoreErrors([&] { text = OneLine(ports.Hidden(rs.Fields(column).Value().Text()), kMostCharacters); });
     return text;
 }
 
-EntryFigures FiguresOf(Recordset& rs, const Present& present) {
-    EntryFigures entry{.texts = {}, .state = CellText(rs, "strCurStatus"), .numbers = {}};
+EntryFigures FiguresOf(const ReportPorts& ports, Recordset& rs, const Present& present) {
+    EntryFigures entry{.texts = {}, .state = CellText(ports, rs, "strCurStatus"), .numbers = {}};
     for (std::size_t i = 0; i < std::size(kTexts); ++i)
-        entry.texts[i] = CellText(rs, kTexts[i].first);
+        entry.texts[i] = CellText(ports, rs, kTexts[i].first);
     for (const Figure& figure : kOfEntry) {
         Number number;
         IgnoreErrors([&] { number = figure.of(rs.Fields(figure.column).Value(), present); });
@@ -177,7 +177,7 @@ void PublishedFigures::Write(Connection& connection) {
     const auto rs =
         open(std::string(kColumns).append(hasCertificates ? kWithCertificate : " FROM Servers") + " ORDER BY Servers.ID");
     for (; !rs->Eof(); rs->MoveNext())
-        entries.push_back(FiguresOf(*rs, present));
+        entries.push_back(FiguresOf(ports_, *rs, present));
     rs->Close();
     written_ = ports_.clock.GetTickCount();
 

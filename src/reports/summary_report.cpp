@@ -57,9 +57,9 @@ std::string AboutSafeguards(const Publication& publication) {
 }
 
 // The last response of an entry that a safeguard set aside is the reason.
-std::string WhyNotChecked(Recordset& rs) {
+std::string WhyNotChecked(const Publication& publication, Recordset& rs) {
     if (ToLower(TextOf(rs, "strCurStatus")) != kNotChecked) return "";
-    return "<b>" + ReplaceAll(ReplaceAll(TextOf(rs, "strLastResponse"), "&", "&amp;"), "<", "&lt;") + "</b>";
+    return "<b>" + ReplaceAll(ReplaceAll(publication.Hidden(TextOf(rs, "strLastResponse")), "&", "&amp;"), "<", "&lt;") + "</b>";
 }
 
 std::string TypeContents(const std::string& strType, const std::string& strPort) {
@@ -117,7 +117,7 @@ std::string ServerRow(const Publication& publication, Recordset& rs, const std::
     const std::string link = publication.outside.Link(id);
     const double nPercentUp = NumberOf(rs, "nPercentUp");
     std::string row(kRowBegin);
-    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WhyNotChecked(rs) + WarningOf(publication, rs));
+    row += Cell(StatusContents(TextOf(rs, "strCurStatus")) + WhyNotChecked(publication, rs) + WarningOf(publication, rs));
     row += Cell(TypeContents(publication.Shown(rs, "strType"), publication.Shown(rs, "strPort")));
     row += Cell("\r\n" + publication.outside.Text(FormatSeconds(TextOf(rs, "nIntervalSeconds"))));
     row += Cell(DescriptionContents(publication, rs));
@@ -193,8 +193,7 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     table += averages.Row();
     table += kTableEnd;
     table += AboutSafeguards(publication);
-    folder.Write(groupFolder + "/summary.htm",
-                 folder.Merge(kSummaryTemplate, {table, total, publication.outside.Text(strGroup)}));
+    folder.Write(groupFolder + "/summary.htm", folder.Merge(kSummaryTemplate, {table, total, publication.Shown(strGroup)}));
     folder.EnsurePictures();
 }
 

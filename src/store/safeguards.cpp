@@ -38,7 +38,7 @@ constexpr Safeguard kSafeguards[] = {
     {"Heartbeat", WebAddress, "", "shell",
      "This address is requested each minute, so that a service elsewhere notices if this machine dies."},
     {"EscapeReports", Switch, kOn, "reports", "What servers answer stands in the pages as text."},
-    {"HidePasswords", Switch, kOn, "notify", "No password is shown in the status log."},
+    {"HidePasswords", Switch, kOn, "notify", "No password is shown anywhere but in the windows where it is set."},
     {"SameHostRedirects", Switch, kOn, "engine", "A monitored server cannot redirect a check to another host."},
 };
 

@@ -111,6 +111,10 @@ TEST(Commands, AreToldOfTheEntryInTheirEnvironmentInShortLines) {
     text.net.Page("http://web/b").Answer("another");
     text.Fail();
     EXPECT_TRUE(Holds(text.processes.environment, "|KORVANE_REASON=The expected text is not in the answer.|"));
+    Outage hides(Row{{"strCMD", "fix it"}, {"strAddress_IP", "u:word@web/c"}}, "HidePasswords=True");
+    hides.Fail();
+    EXPECT_TRUE(Holds(hides.processes.environment, "|KORVANE_ADDRESS=u:[not shown]@web/c|"));
+    EXPECT_FALSE(Holds(hides.processes.environment, "word") || Holds(hides.mail.mails.at(0).text, "word"));
 }
 
 TEST(UpAgain, TellsOfTheReturnWithTheTraceOfTheFailureThoughNotEverythingCanBeRead) {

@@ -145,6 +145,9 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
         EXPECT_EQ(world.LogTexts().back(), shown);
     }
     EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 16u);
+    desk.mail.SendThrough(MailServer::Primary, {"a@b", "", "", "Login page s3cret", "Pass it on: u:p@h\na1 LOGIN ',PASS w,'"});
+    EXPECT_TRUE(Holds(world.mail.mails.at(0).text, "\r\nSubject: Login page [not shown] 11/"));
+    EXPECT_TRUE(Holds(world.mail.mails.at(0).text, "\r\nPass it on: u:[not shown]@h\r\na1 LOGIN ',PASS [not shown],'\r\n"));
     world.net.Host("10.0.0.9").Port(25).Speak("220\r\n").Answer([](auto&) { return "334 235\r\n"; });
     EXPECT_EQ(desk.tcp.DoTCPRequest("10.0.0.9", "220,AUTH LOGIN,334,dXNl,334,cGFz,235,QUIT,3", 20s, "25").strReason, "");
     EXPECT_EQ(world.person.StatusTexts().end()[-3], "Requesting 'QUIT'");
@@ -204,6 +207,18 @@ TEST(MailProof, OnceADayAMailComesBackAndIsDeletedOrEverythingTells) {
     EXPECT_TRUE(w.Logged("# " + alarm));
     EXPECT_EQ(w.sound.played, Lines{"red.wav"});
     EXPECT_EQ(w.run.TheDesk().alertPath.Problem(), "mail proof overdue");
+
+    // A mail that no server takes is tried again until the hour is over.
+    for (const bool recovers : {true, false}) {
+        ProofWorld refused;
+        refused.mail.refuse = [](const std::string&) { return true; };
+        refused.RunFor(45min);
+        EXPECT_TRUE(refused.Logged("is tried again in 5 minutes. It could not be sent. ") && refused.backup.mails.empty());
+        if (recovers) refused.mail.refuse = {};
+        refused.RunFor(40min);
+        EXPECT_EQ(refused.Logged("ProveMail: the mail of the day came after 3"), recovers);
+        EXPECT_EQ(refused.backup.mails.size(), recovers ? 0u : 1u);
+    }
 
     // A restart neither sends the mail of the day again nor forgets that it is missing, or that a test mail failed.
     w.run.TheDesk().alertPath.TestMail(false);

@@ -293,6 +293,24 @@ TEST_F(ReportsTest, TextFromOutsideIsTextAndEachLinkLeadsToItsPageWithTheSafegua
     EXPECT_TRUE(Holds(Page(group + "/summary.htm"), "since the start of Korvane: EscapeReports "));
 }
 
+TEST_F(ReportsTest, NoPageAndNoFigureHasAPasswordWithTheSafeguard) {
+    world.Set("Figures", "True");
+    AddServer(1, "|strAddress_IP=u:s3cret@h|strCurStatus=not checked|strLastResponse=at 'PASS s3cret'|" +
+                     std::string("datelastfail=") + now.Stored());
+    Add("Failures", "ID=1|IDParent=1|nFailCount=1|nFailMax=3|strReason=at ',PASS s3cret,'|strAction=u:s3cret@h");
+    AddResponse(1, "1", "hour", now, 250);
+    for (const std::string on : {"", "True"}) {
+        world.Set("HidePasswords", on);
+        world.rows.Change("Servers", 1, {{"nAveSession", 5}});
+        EXPECT_EQ(Publish(), "");
+        for (const char* page :
+             {"R0/Web/summary.htm", "R0/Web/failure1.htm", "R0/Web/hourly1.htm", "metrics.prom", "status.json"}) {
+            const std::string text = ReadAll(root + "/" + page);
+            EXPECT_TRUE(Holds(text, "s3cret") == on.empty() && Holds(text, "u:[not shown]@h") != on.empty()) << page << text;
+        }
+    }
+}
+
 TEST_F(ReportsTest, LinksLeadNoPageOutOfTheReportFolder) {
     for (const char* folder : {"/outside", "/elsewhere/R0/Web"})
         fs::create_directories(world.home + folder);
@@ -403,6 +421,19 @@ id name group type address state code passed failed failuresInARow upPercent res
     const std::string problem = "The page " + root + "/metrics.prom can't be written: disk full";
     EXPECT_TRUE(turn() == last && person.Said("Figures: " + problem));
     EXPECT_EQ(Publish(), " Err - PublishFigures: " + problem);
+    world.files.faults.Heal();
+    world.net.Page("http://10.0.0.1").Silent();
+    world.rows.Change("Servers", 7,
+                      {{"bIsMonitoring", true}, {"nTimeout", 600}, {"dtNextCheck", world.world.clock.Now() + seconds(90)}});
+    const auto times = [&] { return turn() + figures().substr(figures().find("\nkorvane_last_check_timestamp_seconds"), 49); };
+    std::string hung[2];
+    for (std::string& each : hung)
+        world.world.After(minutes(&each == hung ? 3 : 9), [&] {
+            Publish();
+            each = times();
+        });
+    world.RunFor(minutes(15));
+    EXPECT_TRUE(hung[0] > last && hung[1] == hung[0] && times() > hung[1]) << "a check that does not end is seen";
     world.Set("Figures", "yes");
     world.RunFor(minutes(1));
     EXPECT_TRUE(person.Said("Figures: 'yes' is not \"True\" or \"False\"."));

@@ -4,6 +4,9 @@
 
 #include "shell/cli/print_phases.h"
 #include "shell/cli/session.h"
+#include "shell/list/entry_csv.h"
+#include "shell/list/entry_detail.h"
+#include "shell/list/server_list.h"
 #include "shell/shell_world.h"
 #include "store/last_checks.h"
 
@@ -44,20 +47,50 @@ TEST(Phases, ThoseThatNeverRanAreAbsent) {
     }
 }
 
+std::string Said(StartedWorld& w, const std::vector<std::string>& words) {
+    std::ostringstream out;
+    CommandOperator person(out, out);
+    const RunPorts ports = w.Ports();
+    RunOptions options;
+    options.dir = w.home;
+    options.isGuest = true;
+    const int end = RunCommandWords(words, {ports, options, person, out, out, 0, "1"});
+    return std::to_string(end) + " " + out.str();
+}
+
+TEST(Passwords, AreInNoOutputWithTheSafeguardAndComeBackFromAnExport) {
+    for (const bool on : {false, true}) {
+        StartedWorld w({.settings = on ? "HidePasswords=True" : ""});
+        const std::string expected = "+OK,PASS s3cret,+OK";
+        w.rows.Add({.strCurStatus = "DOWN"});
+        w.rows.Change("Servers", 1, {{"strAddress_IP", "u:s3cret@h"}, {"strDesc", "Login page"}, {"strExpectedText", expected}});
+        w.rows.AddRow("Failures", Columns("ID IDParent nFailCount nFailMax dateFail strAddress_IP strReason", 1, 1, 3, 3,
+                                          w.world.clock.Now(), "u:s3cret@h", "no answer to '" + expected + "'"));
+        for (const std::string word :
+             {"list", "show 1", "show 1 --json", "why 1", "why 1 --json", "failures", "failures --json", "export",
+              "export --json", "list --json", "set 1 address=u:s3cret2@h", "pause u:s3cret3@h"}) {
+            const std::string text = Said(w, Split(word, ' '));
+            EXPECT_EQ(Holds(text, "s3cret"), !on) << text;
+            EXPECT_TRUE(Holds(text, "[not shown]") == on || word.starts_with("p")) << text;
+        }
+        EXPECT_TRUE(Holds(Said(w, {"show", "1", "--show-passwords"}), "u:s3cret2@h"));
+        const ServerRow row = LoadServerList(w.desk, false).at(0);
+        const EntryDetail detail = LoadEntryDetail(w.desk, 1, w.world.clock.Now());
+        for (const std::string& text :
+             {row.cells[column::FullName], row.cells[column::ScanText], detail.strAddress_IP, detail.failures.at(0).strReason})
+            EXPECT_EQ(Holds(text, "s3cret"), !on) << text;
+        EXPECT_EQ(row.Name(), "Login page");
+        const std::string text = ExportEntries(w.desk, false);
+        EXPECT_EQ(PlanImport(w.desk, text).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.") << text;
+        EXPECT_EQ(PlanImport(w.desk, ReplaceAll(text, "\n1,", "\n,")).Count(ImportStep::Refused), on ? 1u : 0u);
+    }
+}
+
 TEST(Status, NamesCertificatesThatEndSoonAndStaysAsItIs) {
     for (const std::string days : {"", "20"}) {
         StartedWorld w({.settings = "CertWarnDays=" + days});
         w.rows.AddMany({{.strDesc = "now"}, {.strDesc = "so\non\x1B"}, {.strDesc = "late"}, {.strDesc = "none"}});
-        const auto says = [&](const std::string& option) {
-            std::ostringstream out;
-            CommandOperator person(out, out);
-            const RunPorts ports = w.Ports();
-            RunOptions options;
-            options.dir = w.home;
-            options.isGuest = true;
-            const int end = RunCommandWords({"status", option}, {ports, options, person, out, out, 0, "1"});
-            return std::to_string(end) + " " + out.str();
-        };
+        const auto says = [&](const std::string& option) { return Said(w, {"status", option}); };
         const std::string line =
             "3 KORVANE UNKNOWN - 0 down, 0 failing, 4 up, 0 down-time, 0 inactive; no monitor runs with this home | "
             "down=0 failing=0 up=4 down-time=0 inactive=0\n";

@@ -212,7 +212,7 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     StartedWorld w;
     w.rows.Add({});
     const auto shown = [&w] {
-        const auto row = LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false, &w.desk.alertPath).at(0);
+        const auto row = LoadServerList(w.desk, false).at(0);
         w.desk.reports.PublishReports(true);
         const bool onPage = Holds(w.Text("Reports/R0/Group1/summary.htm"), "<font color=red><b>");
         return row.cells[column::Status] + (row.warns ? "!" : "") + (onPage ? "!" : "");
@@ -251,7 +251,7 @@ TEST(OutageStarts, KnowTheLongestOutageAlsoWhenItsFirstFailuresAreGone) {
         add(2, count, now - 1min * (100 - count));
     OutageStarts starts;
     const auto order = [&] {
-        std::vector<ServerRow> rows = LoadServerList(w.store, w.rows.DriverString(), now, false);
+        std::vector<ServerRow> rows = LoadServerList(w.desk, false);
         starts.AddTo(w.desk, rows);
         SharedRows shared;
         for (const ServerRow& row : rows)
@@ -324,7 +324,7 @@ TEST(EntryActs, AValueThatCannotBeReadHidesNoEntryAndIsReplaced) {
     StartedWorld w;
     w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}});
     w.rows.Connected()->Execute("UPDATE Servers SET bIsMonitoring = 'maybe', bSendUpNotify = 'maybe' WHERE ID = 1");
-    EXPECT_EQ(LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false).size(), 2u);
+    EXPECT_EQ(LoadServerList(w.desk, false).size(), 2u);
     EXPECT_EQ(PlanImport(w.desk, "id,strDesc\n2,c").Count(ImportStep::Changed), 1u);
     EXPECT_TRUE(EntryActs(w.desk).Pause({"1", "2"}).starts_with("2 entries paused"));
     EXPECT_EQ(w.rows.Server(1).at("bIsMonitoring"), Value(false));

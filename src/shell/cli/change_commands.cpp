@@ -125,7 +125,8 @@ int RunExport(Session& session) {
         for (const auto& [id, fields] : ReadAllEntries(desk)) {
             QJsonObject entry;
             for (const EntryInput* each : AllCsvColumns(desk, withPasswords))
-                entry.insert(ForJson(std::string(CsvNameOf(each))), ForJson(each == nullptr ? id : CsvTextOf(*each, fields)));
+                entry.insert(ForJson(std::string(CsvNameOf(each))),
+                             ForJson(each == nullptr ? id : ExportedText(desk, *each, fields, withPasswords)));
             entries.append(entry);
         }
         text = QJsonDocument(QJsonObject{{"entries", entries}}).toJson().toStdString();
@@ -151,7 +152,8 @@ int RunImport(Session& session) {
     if (!plan.refusal.empty()) throw Error(plan.refusal + "\nNothing was imported.");
     for (const ImportRow& row : plan.rows)
         if (row.step == ImportStep::Refused)
-            session.Place().errors << "korvanecore: line " << row.line << ": " << ReplaceAll(row.details, "\r\n", " ") << "\n";
+            session.Place().errors << "korvanecore: line " << row.line << ": "
+                                   << session.Shown(ReplaceAll(row.details, "\r\n", " ")) << "\n";
     const bool refuses = plan.Count(ImportStep::Refused) > 0 && !session.Given().Has("skip-refused");
     if (refuses) throw Error(plan.Summary() + "\nNothing was imported; --skip-refused imports the other rows.");
     if (session.Given().Has("dry-run")) return session.Done(plan.Summary(), {});

@@ -35,7 +35,7 @@ constexpr Shown kShown[] = {
 SharedRows RowsOf(Session& session) {
     const Desk& desk = session.TheDesk();
     SharedRows rows;
-    for (ServerRow& row : LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), false, &desk.alertPath))
+    for (ServerRow& row : LoadServerList(desk, false))
         rows.push_back(std::make_shared<const ServerRow>(std::move(row)));
     PutProblemsFirst(rows);
     return rows;

@@ -7,6 +7,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <ostream>
 
 #include "base/ignore_errors.h"
@@ -40,6 +42,22 @@ std::string OwnerOf(const std::string& home) {
     return ::stat(home.c_str(), &status) == 0 && status.st_uid != ::geteuid() ? std::to_string(status.st_uid) : "";
 }
 
+/// Returns the value with each text in it changed.
+QJsonValue WithTexts(const QJsonValue& value, const std::function<QString(const QString& text)>& change) {
+    if (value.isString()) return change(value.toString());
+    if (value.isArray()) {
+        QJsonArray array;
+        for (const QJsonValue each : value.toArray())
+            array.append(WithTexts(each, change));
+        return array;
+    }
+    if (!value.isObject()) return value;
+    QJsonObject object = value.toObject();
+    for (auto each = object.begin(); each != object.end(); ++each)
+        each.value() = WithTexts(each.value(), change);
+    return object;
+}
+
 }  // namespace
 
 void CommandOperator::StatusLine(const std::string& /*time*/, const std::string& text) {
@@ -56,20 +74,23 @@ bool CommandOperator::AskYesNo(const std::string& title, const std::string& text
 }
 
 int RunCommandWords(const std::vector<std::string>& words, const CommandPlace& place) {
+    std::optional<Session> session;
+    const auto fails = [&](const std::string& why, int end) {
+        place.errors << "korvanecore: " << WithoutControls(session ? session->Shown(why) : why) << std::endl;
+        return end;
+    };
     try {
-        Session session(place, ReadWords(words));
-        const Command& command = *session.Given().command;
-        if (session.Given().Has("help")) {
+        session.emplace(place, ReadWords(words));
+        const Command& command = *session->Given().command;
+        if (session->Given().Has("help")) {
             place.out << (command.word == "help" ? HelpText() : HelpOf(command));
             return kDone;
         }
-        return command.run(session);
+        return command.run(*session);
     } catch (const WrongWords& error) {
-        place.errors << "korvanecore: " << WithoutControls(error.what()) << std::endl;
-        return kWrongWords;
+        return fails(error.what(), kWrongWords);
     } catch (const std::exception& error) {
-        place.errors << "korvanecore: " << WithoutControls(error.what()) << std::endl;
-        return kNotDone;
+        return fails(error.what(), kNotDone);
     }
 }
 
@@ -135,11 +156,21 @@ std::vector<std::string> Session::FindAll() {
     return ids;
 }
 
-void Session::Say(const std::string& text) const {
-    if (!Quiet()) place_.out << WithoutControls(text) << "\n";
+bool Session::Hides() const {
+    return run_ != nullptr && !words_.Has("show-passwords") && run_->TheDesk().hiddenPasswords.IsOn();
 }
 
-void Session::PrintTable(const std::vector<std::vector<std::string>>& rows) const {
+std::string Session::Shown(const std::string& text) const {
+    return Hides() ? run_->TheDesk().hiddenPasswords.Shown(text) : text;
+}
+
+void Session::Say(const std::string& text) const {
+    if (!Quiet()) place_.out << WithoutControls(Shown(text)) << "\n";
+}
+
+void Session::PrintTable(std::vector<std::vector<std::string>> rows) const {
+    for (auto& row : rows)
+        std::ranges::transform(row, row.begin(), [this](const std::string& cell) { return Shown(cell); });
     std::vector<std::size_t> widths(rows.front().size());
     for (const auto& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i)
@@ -154,7 +185,10 @@ void Session::PrintTable(const std::vector<std::vector<std::string>>& rows) cons
 }
 
 void Session::PrintJson(const QJsonObject& object) const {
-    place_.out << QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString() << "\n";
+    const auto shown = [this](const QString& text) { return ForJson(Shown(text.toStdString())); };
+    place_.out
+        << QJsonDocument(Hides() ? WithTexts(object, shown).toObject() : object).toJson(QJsonDocument::Compact).toStdString()
+        << "\n";
 }
 
 int Session::Done(const std::string& sentence, const std::vector<std::string>& ids) const {

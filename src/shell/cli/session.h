@@ -77,15 +77,19 @@ public:
     std::vector<Entry> AllThatFit(const std::string& name, std::vector<std::string>& others);
     std::vector<std::string> FindAll();
 
+    /// Returns the text without passwords, unless they are asked for. What these print goes through it.
+    std::string Shown(const std::string& text) const;
     /// Prints the text with a line end, unless only errors are wanted.
     void Say(const std::string& text) const;
     /// Prints rows under their heads, fitted to the terminal.
-    void PrintTable(const std::vector<std::vector<std::string>>& rows) const;
+    void PrintTable(std::vector<std::vector<std::string>> rows) const;
     void PrintJson(const QJsonObject& object) const;
     /// Prints the sentence, or it as "done" of an object.
     int Done(const std::string& sentence, const std::vector<std::string>& ids) const;
 
 private:
+    bool Hides() const;
+
     CommandPlace place_;
     Words words_;
     std::unique_ptr<Run> run_;

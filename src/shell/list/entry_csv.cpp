@@ -37,7 +37,7 @@ std::string ExportEntries(const Desk& desk, bool withPasswords) {
     for (const auto& [id, fields] : ReadAllEntries(desk)) {
         cells.clear();
         for (const EntryInput* each : columns)
-            cells.push_back(each == nullptr ? id : CsvTextOf(*each, fields));
+            cells.push_back(each == nullptr ? id : ExportedText(desk, *each, fields, withPasswords));
         text += CsvLine(cells);
     }
     return text;

@@ -15,7 +15,8 @@ namespace korvane {
 /// What is larger is no list of entries.
 inline constexpr std::size_t kMostCsvBytes = 8'000'000;
 
-/// Returns all entries as a text. Without passwords their column is missing. Throws Error.
+/// Returns all entries as a text. Without passwords their column is missing, and a safeguard hides those in other columns, which an
+/// import then leaves as they are. Throws Error.
 std::string ExportEntries(const Desk& desk, bool withPasswords);
 
 enum class ImportStep { Refused, Added, Changed, Unchanged };

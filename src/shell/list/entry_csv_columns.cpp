@@ -43,6 +43,11 @@ std::string CsvTextOf(const EntryInput& input, const EntryFields& fields) {
     return input.text != nullptr ? fields.*input.text : Value(fields.*input.mark).Text();
 }
 
+std::string ExportedText(const Desk& desk, const EntryInput& input, const EntryFields& fields, bool withPasswords) {
+    const std::string text = CsvTextOf(input, fields);
+    return withPasswords ? text : desk.hiddenPasswords.Shown(text);
+}
+
 EntriesById ReadAllEntries(const Desk& desk) {
     EntriesById entries;
     const auto connection = OpenDatabase(desk.store, desk.dir);

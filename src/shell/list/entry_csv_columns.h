@@ -21,6 +21,8 @@ CsvColumns AllCsvColumns(const Desk& desk, bool withPasswords);
 
 std::string_view CsvNameOf(const EntryInput* column);
 std::string CsvTextOf(const EntryInput& input, const EntryFields& fields);
+/// As it is exported; passwords in other columns are hidden by a safeguard.
+std::string ExportedText(const Desk& desk, const EntryInput& input, const EntryFields& fields, bool withPasswords);
 
 /// The order of ids, which are numbers without leading zeros.
 struct OrderOfIds {

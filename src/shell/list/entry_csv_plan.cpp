@@ -41,7 +41,10 @@ EntryFields FreshFields(const Desk& desk) {
 class Planner {
 public:
     Planner(const Desk& desk, const CsvRecord& head)
-        : all_(AllCsvColumns(desk, true)), fresh_(FreshFields(desk)), entries_(ReadAllEntries(desk)) {
+        : hidden_(desk.hiddenPasswords),
+          all_(AllCsvColumns(desk, true)),
+          fresh_(FreshFields(desk)),
+          entries_(ReadAllEntries(desk)) {
         for (const std::string& name : head.cells)
             columns_.push_back(ColumnOf(Trim(name), head.line));
     }
@@ -50,12 +53,12 @@ public:
         ImportRow row;
         row.line = record.line;
         row.details = Fill(row, record.cells);
-        row.name = Or(row.fields.strDesc, row.fields.strAddress_IP);
+        row.name = hidden_.Shown(Or(row.fields.strDesc, row.fields.strAddress_IP));
         if (!row.details.empty()) {
             row.step = ImportStep::Refused;
         } else if (row.id.empty()) {
             row.step = ImportStep::Added;
-            row.details = row.fields.strType + " " + row.fields.strAddress_IP;
+            row.details = row.fields.strType + " " + hidden_.Shown(row.fields.strAddress_IP);
         } else if (!row.changes.empty()) {
             row.step = ImportStep::Changed;
             row.details = Difference(row, entries_.at(row.id));
@@ -120,9 +123,10 @@ private:
     }
 
     /// Puts the cell into the fields of the row. Returns why it is refused.
-    static std::string Take(ImportRow& row, const EntryInput& input, const std::string& cell) {
-        const std::string name(CsvNameOf(&input));
-        if (cell == CsvTextOf(input, row.fields)) return "";
+    std::string Take(ImportRow& row, const EntryInput& input, const std::string& cell) const {
+        const std::string name(CsvNameOf(&input)), current = CsvTextOf(input, row.fields);
+        if (cell == current || cell == hidden_.Shown(current)) return "";
+        if (hidden_.IsOn() && Holds(cell, kNotShown)) return name + ": the password is not in the file.";
         if (input.mark != nullptr) {
             const auto mark =
                 std::ranges::find(kMarkWords, ToLower(Trim(cell)), [](const auto& each) { return std::string(each.first); });
@@ -162,13 +166,13 @@ private:
         return whole(*stored) != whole(before.*input.text);
     }
 
-    static std::string Difference(const ImportRow& row, const EntryFields& before) {
+    std::string Difference(const ImportRow& row, const EntryFields& before) const {
+        const auto shown = [this](const std::string& text) { return Left(hidden_.Shown(text), kShownOfCell); };
         std::string text;
         for (const EntryInput* each : row.changes) {
             text += (text.empty() ? "" : "; ") + std::string(CsvNameOf(each));
             if (each->text == &EntryFields::strPassword) continue;
-            text += " '" + Left(CsvTextOf(*each, before), kShownOfCell) + "' \u2192 '" +
-                    Left(StoredText(*each, row.fields), kShownOfCell) + "'";
+            text += " '" + shown(CsvTextOf(*each, before)) + "' \u2192 '" + shown(StoredText(*each, row.fields)) + "'";
         }
         return text;
     }
@@ -182,6 +186,7 @@ private:
         return IsPingType(fields.strType) && !IsValidIPAddress(fields.strAddress_IP) ? "; PING needs an IP address" : "";
     }
 
+    const HiddenPasswords& hidden_;
     CsvColumns all_;
     CsvColumns columns_;  ///< of the file
     EntryFields fresh_;

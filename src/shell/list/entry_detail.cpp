@@ -213,6 +213,20 @@ void ReadRow(const Desk& desk, Recordset& rs, DateTime now, EntryDetail& detail)
     ReadNotified(desk, rs, detail);
 }
 
+void HidePasswords(const HiddenPasswords& hidden, EntryDetail& detail) {
+    const auto hide = [&](std::string& text) { text = hidden.Shown(text); };
+    for (std::string* text : {&detail.strDesc, &detail.strAddress_IP, &detail.strLastResponse})
+        hide(*text);
+    for (EntryDetail::Failure& each : detail.failures) {
+        hide(each.strReason);
+        hide(each.strAction);
+    }
+    for (OutboxTable::Receipt& each : detail.mails) {
+        hide(each.lastError);
+        hide(each.receipt);
+    }
+}
+
 }  // namespace
 
 EntryDetail LoadEntryDetail(const Desk& desk, std::int64_t id, DateTime now) {
@@ -233,6 +247,7 @@ EntryDetail LoadEntryDetail(const Desk& desk, std::int64_t id, DateTime now) {
         IgnoreErrors([&] { detail.days = ReadTimes(desk, *conn, key, "day", detail.days, std::chrono::hours(24), detail); });
         if (desk.outbox.IsOn()) IgnoreErrors([&] { detail.mails = OutboxTable(desk.store, desk.dir).MailsOf(*conn, id); });
         IgnoreErrors([&] { ReadLastCheck(desk, *conn, id, detail); });
+        HidePasswords(desk.hiddenPasswords, detail);
         detail.hasTrace = Readable<bool>([&] { return desk.files.Exists(desk.trace.GetTracertFile(id)); }).value_or(false);
     });
     return detail;

@@ -126,18 +126,22 @@ std::string FormatDuration(const std::string& seconds) {
     return FormatGrouped(x, hasFraction ? 2 : 0) + " secs.";
 }
 
-std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting,
-                                      const AlertPath* alertPath) {
-    const auto conn = store.NewConnection();
-    conn->SetConnectionString(connectionText);
+std::vector<ServerRow> LoadServerList(const Desk& desk, bool requesting) {
+    const DateTime now = desk.clock.Now();
+    const auto conn = desk.store.NewConnection();
+    conn->SetConnectionString(OdbcConnectionText(desk.dir));
     conn->Open();
-    const auto rs = OpenRows(store, *conn, kListQuery, CursorType::Static);
-    const bool warns = alertPath != nullptr && alertPath->IsShown();
+    const auto rs = OpenRows(desk.store, *conn, kListQuery, CursorType::Static);
+    const bool warns = desk.alertPath.IsShown(), hides = desk.hiddenPasswords.IsOn();
     std::vector<ServerRow> rows;
     rows.reserve(static_cast<std::size_t>(rs->RecordCount()));
     for (int n = 1; !rs->Eof(); rs->MoveNext(), ++n) {
         rows.push_back(ReadRow(*rs, n, now, requesting && n == 1));
-        if (warns) AddWarning(*rs, *alertPath, rows.back());
+        if (warns) AddWarning(*rs, desk.alertPath, rows.back());
+        rows.back().strAddress_IP = rows.back().cells[column::FullName];
+        if (!hides) continue;
+        for (std::string& cell : rows.back().cells)
+            cell = desk.hiddenPasswords.Shown(cell);
     }
     return rows;
 }

@@ -10,9 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/clock.h"
-#include "platform/connection.h"
-#include "store/alert_path.h"
+#include "base/value.h"
+#include "shell/run/desk.h"
 
 namespace korvane {
 
@@ -45,9 +44,10 @@ struct ServerRow {
     bool isMonitored = false;
     std::array<std::string, column::Count> cells;
     RowIcon icon = RowIcon::Good;
-    bool warns = false;        ///< the status contains a warning
-    std::string strCurStatus;  ///< as it is stored, also while the row is being requested
-    Value dtNextCheck = {};    ///< as it is stored: another one after each check
+    bool warns = false;              ///< the status contains a warning
+    std::string strCurStatus;        ///< as it is stored, also while the row is being requested
+    std::string strAddress_IP = {};  ///< as it is stored, with a password that the cell may not show
+    Value dtNextCheck = {};          ///< as it is stored: another one after each check
     std::int64_t nTriesCur = 0;
     std::optional<DateTime> since = {};  ///< of the outage or the failing, once OutageStarts has found it
 
@@ -61,9 +61,8 @@ struct ServerRow {
 RowIcon StateOf(std::string_view strCurStatus);
 
 /// Returns all rows, starting with the entry that is due next. `requesting` marks the first row as the one that is being
-/// requested. With `alertPath`, a status contains the warning of its entry. Throws Error.
-std::vector<ServerRow> LoadServerList(Store& store, const std::string& connectionText, DateTime now, bool requesting,
-                                      const AlertPath* alertPath = nullptr);
+/// requested. A status contains the warning of its entry. Throws Error.
+std::vector<ServerRow> LoadServerList(const Desk& desk, bool requesting);
 
 /// Returns "1.50 min.", "2.00 hrs.", "45 secs." or "250 ms."; for a text that is not a number "N/A", without a unit.
 std::string FormatDuration(const std::string& seconds);

@@ -12,6 +12,7 @@
 #include "engine/tcp_checker.h"
 #include "engine/trace_route.h"
 #include "notify/dispatcher.h"
+#include "notify/hidden_passwords.h"
 #include "notify/mail_outbox.h"
 #include "platform/operator.h"
 #include "resources/alert_mails.h"
@@ -44,6 +45,7 @@ struct Desk : StorePorts, SystemPorts {
     ServerEntries& entries;
     LegacyLog& legacyLog;
     Safeguards& safeguards;
+    const HiddenPasswords& hiddenPasswords;
     AlertPath& alertPath;
     EntrySafeguards& ofEntries;
     Dispatcher& mail;

@@ -29,7 +29,7 @@ bool AnyPaused(const Rows& rows) {
     return !std::ranges::all_of(rows, &ServerRow::isMonitored);
 }
 std::string PageOf(const ServerRow& row) {
-    return PageOfEntry(row.cells[column::Type], row.cells[column::FullName], row.cells[column::Port]);
+    return PageOfEntry(row.cells[column::Type], row.strAddress_IP, row.cells[column::Port]);
 }
 bool OnePage(const Rows& rows) {
     return One(rows) && !PageOf(rows.front()).empty();

@@ -94,7 +94,7 @@ void frmMonitor::RefreshURLList() {
     const Desk desk = run_->TheDesk();
     std::vector<ServerRow> rows;
     try {
-        rows = LoadServerList(desk.store, OdbcConnectionText(desk.dir), desk.clock.Now(), run_->Requesting(), &desk.alertPath);
+        rows = LoadServerList(desk, run_->Requesting());
     } catch (const std::exception& error) {  // the current rows stay until the store can be read again
         desk.log.WriteLog(kLogFatal, kLogError, "RefreshURLList: " + std::string(error.what()));
         desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
