@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -58,6 +59,10 @@ private:
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
         void Execute(std::string_view statement) override { At(Op::Execute, statement).Execute(statement); }
         void TryWriting() override { link->TryWriting(); }
+        bool HasTable(std::string_view name) override { return link->HasTable(name); }
+        bool TryTakeDuty(std::string_view name) override { return link->TryTakeDuty(name); }
+        void ReleaseDuty(std::string_view name) override { link->ReleaseDuty(name); }
+        std::optional<DateTime> Now() override { return link->Now(); }
         Connection& At(Op operation) { return At(operation, ConnectionString()); }
         Connection& At(Op operation, std::string_view about) { return faults.Pass(operation, about, *link); }
 
@@ -74,6 +79,7 @@ private:
         int RecordCount() const override { return rows->RecordCount(); }
         bool Eof() const override { return rows->Eof(); }
         void MoveNext() override { At(Op::MoveNext, source).MoveNext(); }
+        bool TryLock() override { return rows->TryLock(); }
         void AddNew() override { At(Op::AddNew, source).AddNew(); }
         void Update() override { At(Op::Update, source).Update(); }
         void Delete() override { At(Op::Delete, source).Delete(); }

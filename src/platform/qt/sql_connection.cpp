@@ -25,6 +25,17 @@ void QtSqlConnection::Execute(std::string_view statement) {
     Opened().Change(std::string(statement), {});
 }
 
+bool QtSqlConnection::TryTakeDuty(std::string_view /*name*/) {
+    Opened();
+    return true;
+}
+
+void QtSqlConnection::ReleaseDuty(std::string_view /*name*/) {}
+
+std::optional<DateTime> QtSqlConnection::Now() {
+    return std::nullopt;
+}
+
 // Opening a file and reading its schema costs more than most of the work that follows.
 std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     const auto kept = std::exchange(state_->kept, nullptr);

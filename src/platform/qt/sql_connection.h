@@ -5,8 +5,10 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 #include "platform/qt/sql_session.h"
@@ -56,6 +58,10 @@ public:
     void CommitTrans() override { Opened().Commit(); }
     void Execute(std::string_view statement) override;
     void TryWriting() override { Opened().TryWriting(); }
+    bool HasTable(std::string_view name) override { return Opened().HasTable(std::string(name)); }
+    bool TryTakeDuty(std::string_view name) override;
+    void ReleaseDuty(std::string_view name) override;
+    std::optional<DateTime> Now() override;
 
     /// Returns null while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }

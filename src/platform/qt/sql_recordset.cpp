@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/error.h"
+#include "base/ignore_errors.h"
 #include "base/text.h"
 
 namespace korvane {
@@ -34,6 +35,15 @@ void QtSqlRecordset::MoveNext() {
     Update();
     Leave();
     Advance();
+}
+
+bool QtSqlRecordset::TryLock() {
+    RequireTable();
+    RequireRow();
+    if (lockType_ != LockType::Pessimistic) throw Error("A recordset that locks no rows cannot lock one.");
+    if (row_ == Row::Stored && !rowLock_ && !IgnoreErrors([&] { LockRow(); })) return false;
+    if (row_ == Row::Stored) rows_->Changed(rows_->Key());
+    return true;
 }
 
 void QtSqlRecordset::AddNew() {

@@ -19,6 +19,7 @@ public:
     int RecordCount() const override;
     bool Eof() const override;
     void MoveNext() override;
+    bool TryLock() override;
     void AddNew() override;
     void Update() override;
     void Delete() override;

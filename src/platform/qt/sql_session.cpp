@@ -187,6 +187,12 @@ std::shared_ptr<const SqlColumns> SqlSession::ColumnsOf(const std::string& table
     return columns;
 }
 
+bool SqlSession::HasTable(const std::string& name) {
+    QSqlQuery table = Select("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = '" + ReplaceAll(name, "'", "''") +
+                             "' COLLATE NOCASE");
+    return Next(table);
+}
+
 // A view has no rows of its own and therefore no order to add.
 const std::string& SqlSession::KeyOf(const std::string& table) {
     std::string& key = driver_->keys[table];

@@ -83,6 +83,8 @@ public:
     /// Returns the columns of a table. Throws Error when there is no such table.
     std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
 
+    bool HasTable(const std::string& name);
+
     /// Returns the ORDER BY list that sorts the rows of a table by its primary key. Throws Error.
     const std::string& KeyOf(const std::string& table);
 
