@@ -74,7 +74,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
 }
 
 bool MonitorCycle::CountDownSleep() {
-    --state_.nSleepLeft;
+    state_.nSleepLeft = ports_.turn.IsAnyDue() ? 0 : state_.nSleepLeft - 1;
     const bool over = state_.nSleepLeft <= 0;
     if (!ports_.person.WindowVisible()) return over;
     if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
@@ -90,6 +90,7 @@ bool MonitorCycle::CountDownSleep() {
 bool MonitorCycle::LookAtDatabase(Tick& tick) {
     if (ports_.kept.Write()) ports_.alarm.Note("");
     OpenDueRows(tick);
+    if (!TakeTurn(tick)) return false;
     GoToEntry(tick);
     const bool atOnce = ports_.alarm.Raised() || tick.withinSecond;
     bool goesOn = ports_.kept.Empty();
@@ -150,6 +151,7 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
+    ports_.turn.Begin(*tick.conn);
     const DateTime ahead = ports_.clock.Now() + kLookAhead;
     const bool needsAll = !tick.withinSecond || !ports_.kept.Empty();
     tick.due = needsAll ? query::DueBy(ahead) : query::FirstDueBy(ahead);
@@ -158,6 +160,13 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
     ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
+}
+
+// Returns false when other instances check all that is due. Reports that are overdue come before that.
+bool MonitorCycle::TakeTurn(Tick& tick) {
+    if (tick.rs->RecordCount() < 1 || state_.nReportTicks > kReportTicksAtMost || ports_.turn.Take(*tick.rs)) return true;
+    if (ports_.badEntries.On()) ports_.blind.Sees(nullptr);
+    return false;
 }
 
 // For the summary, which is not made while entries are due.

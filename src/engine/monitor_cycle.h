@@ -17,6 +17,7 @@
 #include "engine/outcome.h"
 #include "engine/own_network.h"
 #include "engine/ping_checker.h"
+#include "engine/shared_turn.h"
 #include "engine/tcp_checker.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -56,6 +57,7 @@ public:
         KeptAccounts& kept;
         BlindAlarm& blind;
         CheckKeeper& keeper;
+        SharedTurn& turn;
     };
 
     explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}
@@ -102,6 +104,7 @@ private:
     std::int32_t PortOf(Recordset& rs) const;
     bool LookAtDatabase(Tick& tick);
     void OpenDueRows(Tick& tick);
+    bool TakeTurn(Tick& tick);
     void SeeAllRows(Tick& tick);
     std::chrono::seconds SecondsUntilDue(Tick& tick);
     void Sleep(std::chrono::seconds time);

@@ -8,9 +8,11 @@
 #include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
 #include "engine/hiding_conversation.h"
+#include "engine/list_clock.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/own_network.h"
+#include "engine/shared_turn.h"
 #include "engine/stop_start.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
@@ -61,6 +63,7 @@ struct RunRooms : RunPorts {
     AlertPath alertPath;
     DatabaseRescue rescue;
     EntrySafeguards ofEntries;
+    ListClock listClock;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
@@ -94,6 +97,7 @@ struct RunRooms : RunPorts {
     KeptAccounts kept;
     BadEntries badEntries;
     BlindAlarm blind;
+    SharedTurn turn;
     MonitorCycle cycle;
     CatchUp catchUp;
     ClockGuard clockGuard;
