@@ -66,6 +66,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
         if (!withinSecond) ports_.person.RefreshURLList();
         return LookAtDatabase(tick);
     } catch (const std::exception& error) {
+        if (IsAway(tick, error)) return false;
         if (StepOver(tick, error.what())) return true;
         if (tick.id == 0 && ports_.badEntries.On()) ports_.blind.IsBlind(error.what());
         Fail(tick, error.what());
@@ -74,7 +75,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
 }
 
 bool MonitorCycle::CountDownSleep() {
-    state_.nSleepLeft = ports_.turn.IsAnyDue() ? 0 : state_.nSleepLeft - 1;
+    state_.nSleepLeft = !ports_.away.IsAway() && ports_.turn.IsAnyDue() ? 0 : state_.nSleepLeft - 1;
     const bool over = state_.nSleepLeft <= 0;
     if (!ports_.person.WindowVisible()) return over;
     if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
@@ -151,6 +152,8 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
+    tick.opened = true;
+    if (ports_.turn.IsShared()) ports_.away.Back();
     ports_.turn.Begin(*tick.conn);
     const DateTime ahead = ports_.clock.Now() + kLookAhead;
     const bool needsAll = !tick.withinSecond || !ports_.kept.Empty();
@@ -205,7 +208,19 @@ void MonitorCycle::SleepUntilDue(seconds diff) {
     ports_.person.RefreshURLList();
 }
 
+// Nothing is known of the entry that was being checked; it is still due, for whoever comes first.
+bool MonitorCycle::IsAway(const Tick& tick, const std::exception& error) {
+    const bool lost = dynamic_cast<const ServerAwayError*>(&error) != nullptr;
+    if (!ports_.turn.IsShared() || tick.conn == nullptr || (tick.opened && !lost)) return false;
+    ports_.accounting.End(false);
+    Sleep(ports_.away.Away(error.what()) - 1s);  // the next tick is a second away
+    return true;
+}
+
+// An instance may leave the pages to others.
 void MonitorCycle::PublishReports() {
+    const std::string* const publishes = ports_.turn.IsShared() ? ports_.settings.Find("PublishPages") : nullptr;
+    if (publishes != nullptr && EqualsNoCase(*publishes, "False")) return;
     Say(kDashes);
     if (state_.bReportsOK) {
         Say("Publishing Up-Time Reports...");
@@ -323,7 +338,9 @@ void MonitorCycle::NoteOutcome(Tick& tick, const std::string& refusal) {
 
 void MonitorCycle::NoteRefusal(Tick& tick, const std::string& refusal) {
     tick.refused = !refusal.empty();
-    if (tick.refused && tick.id != 0) tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
+    ports_.accounting.End(!tick.refused);
+    if (tick.refused && tick.id != 0 && !ports_.turn.IsShared())
+        tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
     ports_.alarm.Note(refusal, tick.kept);
 }
 

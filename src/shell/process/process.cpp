@@ -91,7 +91,8 @@ void Life::Start() {
     try {
         adapters_.files.CreatePrivateFolder(options_.dir);
         RequireWritable(options_.dir);
-        if (run_.StartUp() == Run::Started::Running) return;
+        const Run::Started started = run_.StartUp();
+        if (started == Run::Started::Running || started == Run::Started::Stopped) return;
     } catch (const std::exception& error) {
         face_.desk.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
     }

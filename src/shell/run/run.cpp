@@ -24,6 +24,11 @@ std::unique_ptr<Timer> NewTimer(Timers& timers, const char* name, std::chrono::m
     return timer;
 }
 
+RunOptions WithInstance(RunOptions options, TcpSocket& socket) {
+    if (options.isShared && options.instance.empty()) options.instance = socket.LocalHostName() + ":" + options.dir;
+    return options;
+}
+
 Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSocket, MailTrace* mailTrace) {
     return {{sckesmtp, plainSocket, run.clock, run.events, run.person, run.files, run.guids, run.status, run.log, run.collection,
              run.safeguards, [&run] { run.StopMonitor(); }, mailTrace, &run.alertPath},
@@ -34,7 +39,7 @@ Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSoc
 
 RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
     : RunPorts(ports),
-      options(std::move(runOptions)),
+      options(WithInstance(std::move(runOptions), sckesmtp)),
       log(files, clock, options.dir, options.version),
       status(person, clock),
       settingsFile(files, SettingsFilePath(options.dir)),
@@ -72,16 +77,23 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                         })),
       TimerCopies(NewTimer(timers, "TimerCopies", 10000ms, [this] { rescue.KeepDailyCopy(); })),
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
+      mailDuty(options.isShared ? std::make_unique<Duty>(store, options.dir, "outbox") : nullptr),
+      pagesDuty(options.isShared ? std::make_unique<Duty>(store, options.dir, "publish") : nullptr),
+      witnesses(options.isShared
+                    ? std::make_unique<Witnesses>(Witnesses::Ports{store, listClock, log, collection, options.instance})
+                    : nullptr),
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       outbox({store, clock, timers, guids, ownProgram, person, status, log, collection, safeguards, options.dir,
               [this] { return sckesmtp.LocalHostName(); }, alertPath,
               [this] {
                   if (!alarm.Raised()) service.FollowAlertPath();
-              }}),
+              },
+              mailDuty.get()}),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log}),
-      actions({store, listClock, status, log, collection, entries, mail, outbox, trace, commands}),
-      reports({store, clock, events, person, files, status, collection, ids, safeguards, alertPath}, options.dir),
+      actions({store, listClock, status, log, collection, entries, mail, outbox, trace, commands, witnesses.get()}),
+      reports({store, clock, events, person, files, status, collection, ids, safeguards, alertPath, pagesDuty.get()},
+              options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
       maintenance({store, listClock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
@@ -97,13 +109,15 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                OdbcConnectionText(options.dir)}),
       keeper({store, listClock, status, log, collection, outbox,
               [this](const Notification& notification) { return mail.SendWithBackup(notification); }}),
-      accounting(
-          {store, listClock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox, keeper}),
+      accounting({store, listClock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox,
+                  keeper, witnesses.get()}),
       alarm({person, status, log, serviceManager}),
       kept({store, listClock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
-      badEntries({store, listClock, status, log, safeguards, kept, OdbcConnectionText(options.dir)}),
+      badEntries({store, listClock, status, log, safeguards, kept, OdbcConnectionText(options.dir), options.isShared}),
       blind({clock, status, log, [this](const Notification& notification) { return SendOrPost(notification); }, safeguards}),
-      turn({store, listClock, OdbcConnectionText(options.dir), options.isShared}),
+      turn({store, listClock, OdbcConnectionText(options.dir), collection, witnesses.get()}),
+      away({clock, status, log, serviceManager, files,
+            [this](const Notification& notification) { return mail.SendWithBackup(notification); }, options.dir}),
       cycle({store,
              listClock,
              events,
@@ -126,13 +140,17 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
              kept,
              blind,
              keeper,
-             turn}),
+             turn,
+             away}),
       catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
-      clockGuard({store, listClock, safeguards, state, OdbcConnectionText(options.dir)}),
+      clockGuard({store, listClock, safeguards, state, OdbcConnectionText(options.dir), options.isShared}),
       heartbeat({timers, clock, log, collection, safeguards, state, switches, newInet}),
       wait({clock, person, status, log, collection, safeguards, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
-      stopStart({person, status, switches, state, bFormLoading}),
+      stopStart({person, status, switches, state, bFormLoading,
+                 [this] {
+                     if (pagesDuty) pagesDuty->Release();
+                 }}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
       versionCheck(testHttp, person, pages, options.version),
       service({*this, person, mainWindow, status, collection, settings, state, stopStart, alertPath}, options),
@@ -211,7 +229,7 @@ void RunRooms::FollowSafeguards() {
     mailProof.Follow();
     heartbeat.Follow();
     machineWatch.Follow();
-    TimerCopies->SetEnabled(rescue.IsOn());
+    TimerCopies->SetEnabled(rescue.IsOn() && !options.isShared);
 }
 
 void RunRooms::LookAtEntries() {

@@ -12,8 +12,10 @@
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/own_network.h"
+#include "engine/server_away.h"
 #include "engine/shared_turn.h"
 #include "engine/stop_start.h"
+#include "engine/witnesses.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
 #include "resources/machine_watch.h"
@@ -21,6 +23,7 @@
 #include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
 #include "shell/run/requests.h"
+#include "store/duty.h"
 #include "store/entry_safeguards.h"
 
 namespace korvane {
@@ -73,6 +76,11 @@ struct RunRooms : RunPorts {
     std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
 
+    // Null unless the list is shared.
+    std::unique_ptr<Duty> mailDuty;
+    std::unique_ptr<Duty> pagesDuty;
+    std::unique_ptr<Witnesses> witnesses;
+
     Dispatcher mail;
     MailOutbox outbox;
     TraceRoute trace;
@@ -98,6 +106,7 @@ struct RunRooms : RunPorts {
     BadEntries badEntries;
     BlindAlarm blind;
     SharedTurn turn;
+    ServerAway away;
     MonitorCycle cycle;
     CatchUp catchUp;
     ClockGuard clockGuard;
