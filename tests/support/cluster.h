@@ -33,6 +33,7 @@ class Cluster {
 
 public:
     Cluster(int instances, unsigned seed, const std::string& settings) : random_(seed) {
+        NeedQtApplication();  // which must belong to the main thread
         std::filesystem::copy_file(KORVANE_DIST_DIR "/kvempty.mdb", rows.Path());
         for (int i = 0; i < instances; ++i) {
             Instance& instance = *instances_.emplace_back(std::make_unique<Instance>());
