@@ -170,6 +170,15 @@ void SelectText::OrderBy(std::string_view list) {
     rest.insert(place, order);
 }
 
+void SelectText::OrderAlsoBy(std::string_view name) {
+    const std::size_t place = PlaceOf({"LIMIT"}, rest);
+    const std::string before = TrimAll(rest.substr(0, place));
+    const bool descends = before.size() > 5 && EqualsNoCase(before.substr(before.size() - 5), " desc");
+    const std::string also = "," + std::string(name) + (descends ? " DESC " : " ");
+    query.insert(query.size() - rest.size() + place, also);
+    rest.insert(place, also);
+}
+
 SelectText ParseSelect(std::string_view source) {
     SelectText select;
     select.query = TakeMoments(source, select.moments);

@@ -3,6 +3,10 @@
 #include <QCoreApplication>
 #include <filesystem>
 
+#include "store/database_files.h"
+#include "store/ini_file.h"
+#include "store/settings.h"
+
 namespace korvane {
 namespace {
 
@@ -17,6 +21,12 @@ std::string CommandLine(int argc, char** argv) {
 }
 
 }  // namespace
+
+SharedDatabase SharedDatabaseOf(const std::string& dir, Files& files) {
+    const std::string address = IniFile(files, SettingsFilePath(dir)).Read(kSettingsSection, "Database", "");
+    if (address.empty()) return {};
+    return {.file = DatabasePath(dir), .address = address, .schema = DatabaseStatements()};
+}
 
 RunOptions OptionsOf(int argc, char** argv) {
     const std::string folder = QCoreApplication::applicationDirPath().toStdString();
