@@ -232,6 +232,8 @@ TEST_P(StoreModel, AnswersOtherQueriesInTheSameOrderAndNamesWhatIsNotThere) {
         {"order by dtNextCheck ", "561234"},
         {"order by dtNextCheck asc limit 3", "561"},
         {"order by strGroup", "521346"},
+        {"order by strCurStatus, nAveResponse desc", "123456"},
+        {"order by dtNextCheck desc", "432165"},
         {"ORDER BY ifnull(strCurStatus, '') DESC, ID DESC", "654321"},
         {"where bIsMonitoring and trim(strGroup || 'x') <> 'Bx' order by id", "1245"}};
     for (const auto& [order, ids] : orders) {

@@ -172,8 +172,8 @@ void SelectText::OrderBy(std::string_view list) {
 
 void SelectText::OrderAlsoBy(std::string_view name) {
     const std::size_t place = PlaceOf({"LIMIT"}, rest);
-    const std::string before = TrimAll(rest.substr(0, place));
-    const bool descends = before.size() > 5 && EqualsNoCase(before.substr(before.size() - 5), " desc");
+    const std::string order = TrimAll(std::string_view(rest).substr(PlaceOf({"ORDER"}, rest), place - PlaceOf({"ORDER"}, rest)));
+    const bool descends = ToLower(order).ends_with(" desc") && order.find(',') == std::string::npos;
     const std::string also = "," + std::string(name) + (descends ? " DESC " : " ");
     query.insert(query.size() - rest.size() + place, also);
     rest.insert(place, also);
