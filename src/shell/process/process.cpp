@@ -45,7 +45,7 @@ class Life {
 public:
     Life(Run::Options options, const std::function<Face(Timers&)>& makeFace)
         : options_(std::move(options)),
-          adapters_(options_.version),
+          adapters_(options_),
           face_(makeFace(adapters_.timers)),
           run_(adapters_.PortsWith(face_.desk, [this] { Exit(); }), options_) {}
     Life(const Life&) = delete;
