@@ -77,6 +77,13 @@ std::string Unusable(Recordset& rs) {
     return unusable;
 }
 
+// Another instance may have checked the entry.
+bool IsAhead(Recordset& rs, DateTime now) {
+    bool ahead = false;
+    IgnoreErrors([&] { ahead = rs.Fields("dtNextCheck").Value().When() > now; });
+    return ahead;
+}
+
 DateTime Later(DateTime now, std::int64_t wait) {
     DateTime later = DateTime::Last();
     IgnoreErrors([&] { later = now + seconds(wait); });
@@ -95,6 +102,7 @@ bool BadEntries::SetAside(std::int64_t id, const std::string& error) {
         conn->Open();
         const auto rs = ports_.store.NewRecordset();
         rs->Open(query::ById(id), *conn, CursorType::Keyset, LockType::Pessimistic);
+        if (ports_.isShared && !rs->Eof() && (!rs->TryLock() || IsAhead(*rs, ports_.clock.Now()))) return;
         const std::string unusable = rs->Eof() ? "" : Unusable(*rs);
         if (!rs->Eof() && unusable.empty() && inARow_ < kMostInARow) return;
         if (!rs->Eof()) SetAside(*rs, unusable.empty() ? error : unusable + " can't be used");
@@ -112,7 +120,7 @@ void BadEntries::SetAside(Recordset& rs, const std::string& reason) {
     rs.Fields("dtNextCheck") = next;
     rs.Fields("strCurStatus") = status::kNotChecked;
     rs.Fields("strLastResponse") = Left(response, kMostStoredCharacters);
-    if (!IgnoreErrors([&] { rs.Update(); })) ports_.kept.Keep(rs, {});
+    if (!IgnoreErrors([&] { rs.Update(); }) && !ports_.isShared) ports_.kept.Keep(rs, {});
     ports_.safeguards.Acted("GuardBadEntries", "An entry that can't be checked is set aside.");
     const std::string name = "'" + ColumnText(rs, "strDesc") + "' (" + ColumnText(rs, "strAddress_IP") + ")";
     ports_.status.setStatusMSG(name + " is set aside until " + next.Text() + ". " + response);

@@ -25,6 +25,7 @@ public:
         Safeguards& safeguards;
         KeptAccounts& kept;
         std::string connectionString;  ///< of the database
+        bool isShared = false;         ///< other instances may check the entry meanwhile
     };
 
     explicit BadEntries(const Ports& ports) : ports_(ports) {}

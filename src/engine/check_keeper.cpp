@@ -84,7 +84,8 @@ bool CheckKeeper::Mail(Recordset& rs, const CertificateMail& mail) {
                               IsSet(rs, "bNotSendBody", false) ? "" : "Time: " + mail.mailed.Text() + "\r\n\r\n" + text};
     const std::string everybody = Trim(notice.strTo1 + " " + notice.strTo2);
     const bool isOn = ports_.outbox.IsOn();
-    if (everybody.empty() || (isOn && !ports_.outbox.Put(notice))) {
+    if (everybody.empty() ||
+        (isOn && !ports_.outbox.Put(notice, MailEvent::Other, ports_.outbox.IsShared() ? mail.idEntry : 0))) {
         Tell(text + " Nobody is notified.", kLogInformation);
         return true;
     }

@@ -53,6 +53,8 @@ public:
     bool HasUnwritten() const { return taken_ || !mailed_.empty(); }
     void WriteWith(Connection& conn);
     void Committed();
+    /// Forgets the mails that are not written: another instance may make the check again.
+    void Drop() { mailed_.clear(); }
 
 private:
     using Limit = std::chrono::hours;

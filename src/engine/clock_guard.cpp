@@ -56,7 +56,7 @@ void ClockGuard::Look() {
     const seconds leap = lastNow_ ? (now - before) - std::chrono::round<seconds>(ticks - lastTicks_) : 0s;
     const bool leapt = std::chrono::abs(leap) >= kSmallestLeap;
     if (leapt && leap_ == 0s) beforeLeap_ = before;
-    if (leapt) leap_ += leap;
+    if (leapt && !ports_.isShared) leap_ += leap;
     if (leapt || !lastNow_) nextLook_ = ticks;
     lastNow_ = now;
     lastTicks_ = ticks;

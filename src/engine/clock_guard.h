@@ -22,6 +22,7 @@ public:
         Safeguards& safeguards;
         CycleState& state;
         std::string connectionString;  ///< of the database
+        bool isShared = false;  ///< each of several instances sees a leap of the server's clock; none moves entries with it
     };
 
     explicit ClockGuard(const Ports& ports) : ports_(ports) {}

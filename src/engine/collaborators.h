@@ -18,6 +18,10 @@ public:
 
     /// Called when the entry answered again after it was DOWN.
     virtual void DoUpAgainStuff(Recordset& rs) = 0;
+
+    /// Called where instances share the list, when it is known whether the store has the outcome of the check. What was put off
+    /// until then is done now, or not at all: the check is then made again, perhaps by another instance.
+    virtual void Settle(bool /*stored*/) {}
 };
 
 /// The static pages.

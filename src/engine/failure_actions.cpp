@@ -44,6 +44,11 @@ std::int64_t NumberOrZero(Recordset& rs, const char* column) {
     return number;
 }
 
+// The same number for each check of an outage: it tells one from another.
+std::int64_t FailuresBefore(Recordset& rs) {
+    return NumberOrZero(rs, "nFail") - NumberOrZero(rs, "nTriesCur");
+}
+
 // Reads a column now that is used in a later step. If it could not be read, the error is raised in that step.
 std::future<Value> ReadAhead(Recordset& rs, const char* column) {
     std::packaged_task<Value()> read([&] { return rs.Fields(column).Value(); });
@@ -91,9 +96,16 @@ std::string ServerActions::DoFailureStateStuff(Connection& conn, Recordset& rs, 
                          : "<li>Server configured so a Server UP Notification <b>WILL NOT</b> be sent.";
         strAction += "</ul>";
         const std::int64_t id = entry.ID.get().Int64();
-        ports_.trace.RunTraceRoute(entry.strAddress_IP, id);
-        RunCommandOf(entry.strCMD, {std::to_string(id), entry.strDesc, entry.strAddress_IP, entry.strType, status::kDown,
-                                    Or(strReason, std::string(kNoExpectedText)), now});
+        if (ports_.witnesses != nullptr) tracedOutages_[id] = FailuresBefore(rs);
+        OnceStored([this, id, address = entry.strAddress_IP] { ports_.trace.RunTraceRoute(address, id); });
+        const ChangedEntry changed{std::to_string(id),
+                                   entry.strDesc,
+                                   entry.strAddress_IP,
+                                   entry.strType,
+                                   status::kDown,
+                                   Or(strReason, std::string(kNoExpectedText)),
+                                   now};
+        OnceStored([this, changed, strCMD = entry.strCMD] { RunCommandOf(strCMD, changed); });
     } catch (const std::exception& error) {
         ports_.status.setStatusMSG("DoFailureStateStuff: Error: " + std::string(error.what()));
         LogError("frmMonitor:DoFailureStateStuff: Errors block: " + std::string(error.what()));
@@ -113,7 +125,8 @@ std::string ServerActions::FailureMail(const FailedEntry& entry, const std::stri
         IsBlank(entry.strCMD) ? "No commands will be executed (none are configured)."
                               : "The following command will be executed:\r\n" + entry.strCMD,
         "",
-        (reboot.empty() ? "" : reboot + "\r\n\r\n") + entry.strEmailText,
+        (reboot.empty() ? "" : reboot + "\r\n\r\n") + entry.strEmailText +
+            (ports_.witnesses == nullptr ? "" : ports_.witnesses->Words()),
     });
 }
 
@@ -191,7 +204,17 @@ void ServerActions::DoUpAgainStuff(Recordset& rs) {
         if (!outcome.sent)
             LogError("frmMonitor:DoUpAgainStuff: Server UP Email Notification FAILED because '" + outcome.strError + "'.");
     }
-    RunCommandOf(strCMDUP, entry);
+    OnceStored([this, strCMDUP, entry] { RunCommandOf(strCMDUP, entry); });
+}
+
+void ServerActions::OnceStored(std::function<void()> action) {
+    if (ports_.witnesses == nullptr) return action();
+    owed_.push_back(std::move(action));
+}
+
+void ServerActions::Settle(bool stored) {
+    for (const auto& action : std::exchange(owed_, {}))
+        if (stored) IgnoreErrors(action);
 }
 
 SendOutcome ServerActions::HandOverRecovery(const Notification& mail, Recordset& rs) {
@@ -204,7 +227,12 @@ std::string ServerActions::UpMail(Recordset& rs, const std::string& strDesc, con
     const std::string now = ports_.clock.Now().Text();
     if (IsSet(rs, "bNotSendBody", false)) return "UP " + now;
     std::string trace;
-    IgnoreErrors([&] { trace = ports_.trace.GetTraceRouteText(rs.Fields("ID").Value().Int64()); });
+    IgnoreErrors([&] {
+        const std::int64_t id = rs.Fields("ID").Value().Int64();
+        const auto traced = tracedOutages_.find(id);
+        const bool isOther = traced == tracedOutages_.end() || traced->second != FailuresBefore(rs);
+        if (ports_.witnesses == nullptr || !isOther) trace = ports_.trace.GetTraceRouteText(id);
+    });
     return Lines({
         "Time: " + now,
         "",

@@ -2,12 +2,17 @@
 // entry's own command.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "engine/changed_entry.h"
 #include "engine/collaborators.h"
 #include "engine/run_command.h"
 #include "engine/trace_route.h"
+#include "engine/witnesses.h"
 #include "notify/dispatcher.h"
 #include "notify/mail_outbox.h"
 #include "platform/clock.h"
@@ -32,6 +37,7 @@ public:
         MailOutbox& outbox;
         TraceRoute& trace;
         CommandRunner& commands;
+        const Witnesses* witnesses = nullptr;  ///< null: no other instance works on the list
     };
 
     explicit ServerActions(const Ports& ports) : ports_(ports) {}
@@ -45,6 +51,8 @@ public:
     /// Sends the mail with the trace of the failure, then runs the up command. What cannot be read is left empty, and the rest
     /// continues.
     void DoUpAgainStuff(Recordset& rs) override;
+
+    void Settle(bool stored) override;
 
     /// Sends to the recipients of the first entry in memory, through the primary server alone. If that fails, it is only
     /// logged.
@@ -68,10 +76,13 @@ private:
     std::string MailFailure(const FailedEntry& entry, const std::string& body);
     std::string HandOver(const FailedEntry& entry, const Notification& mail);
     SendOutcome HandOverRecovery(const Notification& mail, Recordset& rs);
+    void OnceStored(std::function<void()> action);
     void RunCommandOf(const std::string& strCommand, const ChangedEntry& entry);
     void LogError(const std::string& message) { ports_.log.WriteLog(kLogFatal, kLogError, message); }
 
     Ports ports_;
+    std::vector<std::function<void()>> owed_;             ///< until the outcome is stored
+    std::map<std::int64_t, std::int64_t> tracedOutages_;  ///< by entry: the failures before the outage that was traced here
 };
 
 }  // namespace korvane

@@ -66,6 +66,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
         if (!withinSecond) ports_.person.RefreshURLList();
         return LookAtDatabase(tick);
     } catch (const std::exception& error) {
+        if (IsAway(tick, error)) return false;
         if (StepOver(tick, error.what())) return true;
         if (tick.id == 0 && ports_.badEntries.On()) ports_.blind.IsBlind(error.what());
         Fail(tick, error.what());
@@ -74,7 +75,7 @@ bool MonitorCycle::DoTick(bool withinSecond) {
 }
 
 bool MonitorCycle::CountDownSleep() {
-    --state_.nSleepLeft;
+    state_.nSleepLeft = !ports_.away.IsAway() && ports_.turn.IsAnyDue() ? 0 : state_.nSleepLeft - 1;
     const bool over = state_.nSleepLeft <= 0;
     if (!ports_.person.WindowVisible()) return over;
     if (state_.nSleepLeft % kRefreshWhileSleeping == 0) ports_.person.RefreshURLList();
@@ -90,6 +91,7 @@ bool MonitorCycle::CountDownSleep() {
 bool MonitorCycle::LookAtDatabase(Tick& tick) {
     if (ports_.kept.Write()) ports_.alarm.Note("");
     OpenDueRows(tick);
+    if (!TakeTurn(tick)) return false;
     GoToEntry(tick);
     const bool atOnce = ports_.alarm.Raised() || tick.withinSecond;
     bool goesOn = ports_.kept.Empty();
@@ -150,6 +152,9 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     tick.conn->SetConnectionString(ports_.connectionString);
     Step("open db");
     tick.conn->Open();
+    tick.opened = true;
+    if (ports_.turn.IsShared()) ports_.away.Back();
+    ports_.turn.Begin(*tick.conn);
     const DateTime ahead = ports_.clock.Now() + kLookAhead;
     const bool needsAll = !tick.withinSecond || !ports_.kept.Empty();
     tick.due = needsAll ? query::DueBy(ahead) : query::FirstDueBy(ahead);
@@ -158,6 +163,13 @@ void MonitorCycle::OpenDueRows(Tick& tick) {
     if (++state_.nCycleCount > kMostCycleCount) state_.nCycleCount = 0;
     ports_.accounting.Reseed(static_cast<std::uint32_t>(ports_.clock.GetTickCount().count()));
     ports_.person.SetProgress(0, 100);
+}
+
+// Returns false when other instances check all that is due. Reports that are overdue come before that.
+bool MonitorCycle::TakeTurn(Tick& tick) {
+    if (tick.rs->RecordCount() < 1 || state_.nReportTicks > kReportTicksAtMost || ports_.turn.Take(*tick.rs)) return true;
+    if (ports_.badEntries.On()) ports_.blind.Sees(nullptr);
+    return false;
 }
 
 // For the summary, which is not made while entries are due.
@@ -196,7 +208,19 @@ void MonitorCycle::SleepUntilDue(seconds diff) {
     ports_.person.RefreshURLList();
 }
 
+// Nothing is known of the entry that was being checked; it is still due, for whoever comes first.
+bool MonitorCycle::IsAway(const Tick& tick, const std::exception& error) {
+    const bool lost = dynamic_cast<const ServerAwayError*>(&error) != nullptr;
+    if (!ports_.turn.IsShared() || tick.conn == nullptr || (tick.opened && !lost)) return false;
+    ports_.accounting.End(false);
+    Sleep(ports_.away.Away(error.what()) - 1s);  // the next tick is a second away
+    return true;
+}
+
+// An instance may leave the pages to others.
 void MonitorCycle::PublishReports() {
+    const std::string* const publishes = ports_.turn.IsShared() ? ports_.settings.Find("PublishPages") : nullptr;
+    if (publishes != nullptr && EqualsNoCase(*publishes, "False")) return;
     Say(kDashes);
     if (state_.bReportsOK) {
         Say("Publishing Up-Time Reports...");
@@ -314,7 +338,9 @@ void MonitorCycle::NoteOutcome(Tick& tick, const std::string& refusal) {
 
 void MonitorCycle::NoteRefusal(Tick& tick, const std::string& refusal) {
     tick.refused = !refusal.empty();
-    if (tick.refused && tick.id != 0) tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
+    ports_.accounting.End(!tick.refused);
+    if (tick.refused && tick.id != 0 && !ports_.turn.IsShared())
+        tick.kept = IgnoreErrors([&] { ports_.kept.Keep(*tick.rs, tick.owed); });
     ports_.alarm.Note(refusal, tick.kept);
 }
 

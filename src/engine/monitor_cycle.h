@@ -17,6 +17,8 @@
 #include "engine/outcome.h"
 #include "engine/own_network.h"
 #include "engine/ping_checker.h"
+#include "engine/server_away.h"
+#include "engine/shared_turn.h"
 #include "engine/tcp_checker.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -56,6 +58,8 @@ public:
         KeptAccounts& kept;
         BlindAlarm& blind;
         CheckKeeper& keeper;
+        SharedTurn& turn;
+        ServerAway& away;
     };
 
     explicit MonitorCycle(const Ports& ports) : ports_(ports), state_(ports.state) {}
@@ -69,6 +73,7 @@ private:
     /// The open store and the current entry; both belong to one tick.
     struct Tick {
         std::unique_ptr<Connection> conn;
+        bool opened = false;  ///< the store
         std::unique_ptr<Recordset> rs;
         std::string due;  ///< the query of `rs`
         std::string strReason;
@@ -102,10 +107,12 @@ private:
     std::int32_t PortOf(Recordset& rs) const;
     bool LookAtDatabase(Tick& tick);
     void OpenDueRows(Tick& tick);
+    bool TakeTurn(Tick& tick);
     void SeeAllRows(Tick& tick);
     std::chrono::seconds SecondsUntilDue(Tick& tick);
     void Sleep(std::chrono::seconds time);
     void SleepUntilDue(std::chrono::seconds diff);
+    bool IsAway(const Tick& tick, const std::exception& error);
     void PublishReports();
     void SleepWithNothingDue(Tick& tick);
     bool SuspendForDownTime(Recordset& rs);

@@ -104,15 +104,18 @@ std::string OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) 
     ports_.keeper.Prepare(rs, conn);
     if (!ports_.outbox.HasUnwritten() && !ports_.keeper.HasUnwritten()) {
         rs.Update();
+        End(true);
         return "";
     }
+    bool counted = false;
     conn.BeginTrans();
     try {
         rs.Update();
+        counted = true;
         ports_.outbox.WriteWith(conn);
         ports_.keeper.WriteWith(conn);
     } catch (const std::exception&) {
-        IgnoreErrors([&] { ports_.outbox.Commit(conn); });
+        CommitWhatThereIs(conn, counted);
         throw;
     }
     try {
@@ -126,6 +129,20 @@ std::string OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) 
 void OutcomeAccounting::Commit(Connection& conn) {
     ports_.outbox.Commit(conn);
     ports_.keeper.Committed();
+    End(true);
+}
+
+// Returns whether it is stored. Where instances share the list, mails without the row they belong to are not sent.
+bool OutcomeAccounting::CommitWhatThereIs(Connection& conn, bool counted) {
+    return IgnoreErrors([&] { IsShared() && !counted ? conn.CommitTrans() : ports_.outbox.Commit(conn); });
+}
+
+void OutcomeAccounting::End(bool stored) {
+    if (!IsShared()) return;
+    ports_.actions.Settle(stored);
+    stored ? ports_.outbox.Flush() : ports_.outbox.DropUnwritten();
+    if (!stored) ports_.keeper.Drop();
+    once_ = {};
 }
 
 std::int32_t OutcomeAccounting::AddOne(Recordset& rs, std::string_view column) {
@@ -176,7 +193,9 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
         const std::string begin = WithoutControls(Left(strResponse, kMostStoredCharacters));
         rs.Fields("strLastResponse") = Left(strReason + " " + begin, kMostStoredCharacters);
         const std::int32_t failed = AddOne(rs, "nFail");
-        const std::int16_t tries = CheckedInt16(OneMore<std::int16_t>(CounterOf(rs, "nTriesCur"), Guarded()));
+        std::int16_t tries = CheckedInt16(OneMore<std::int16_t>(CounterOf(rs, "nTriesCur"), Guarded()));
+        lacksWitnesses_ = IsShared() && LacksWitnesses(rs, conn, tries, strReason);
+        if (lacksWitnesses_) tries = CheckedInt16(std::max<std::int64_t>(TriesOf(rs).Int64() - 1, 0));
         const auto total = static_cast<double>(CounterOf(rs, "nSuccess")) + failed;
         rs.Fields("nPercentUp") = PercentUp(failed, total);
 
@@ -184,7 +203,7 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
         const DateTime now = ports_.clock.Now();
         rs.Fields("datelastfail") = now;
         rs.Fields("datelastcheck") = now;
-        rs.Fields("dtNextCheck") = NextCheckAfterFailure(rs, tries);
+        rs.Fields("dtNextCheck") = lacksWitnesses_ ? now : NextCheckAfterFailure(rs, tries);
         owed.row = {strAction, strReason};
         Record(rs, conn, owed);
         ports_.events.DoEvents();
@@ -195,6 +214,14 @@ OwedFailure OutcomeAccounting::DoFailure(Recordset& rs, Connection& conn, const 
         if (owed.refusal.empty()) ports_.log.WriteLog(kLogOrdinary, kLogError, message);
     }
     return owed;
+}
+
+// The entry then stays at its last try, and is due at once: this instance leaves it to the others.
+bool OutcomeAccounting::LacksWitnesses(Recordset& rs, Connection& conn, std::int64_t tries, const std::string& strReason) {
+    const std::string before = ColumnText(rs, "strCurStatus");
+    const bool enough =
+        ports_.witnesses->See(conn, CounterOf(rs, "ID"), before != status::kFailing && before != status::kDown, strReason);
+    return !enough && before != status::kDown && tries >= TriesOf(rs).Int64();
 }
 
 bool OutcomeAccounting::IsExcused(Recordset& rs, const std::string& strReason, OwedFailure& owed) {
@@ -228,8 +255,9 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
         ports_.outbox.WriteWith(conn);
         AddFailureRow(rs, conn, *owed.row);
         ports_.keeper.WriteWith(conn);
+        if (IsShared()) ports_.witnesses->WriteWith(conn);
     } catch (const std::exception&) {
-        const bool kept = IgnoreErrors([&] { ports_.outbox.Commit(conn); });
+        const bool kept = CommitWhatThereIs(conn, counted);
         if (counted && !kept) owed.uncommitted = std::exchange(owed.row, std::nullopt);
         throw;
     }
@@ -250,7 +278,7 @@ std::string OutcomeAccounting::EnterFailureState(Recordset& rs, Connection& conn
     const std::string strDesc = rs.Fields("strDesc").Value().Text();
     const std::int64_t id = CounterOf(rs, "ID");
     if (tries != nTries || once_.ActedOnRecovery(id)) once_.Forget(id);  // another outage
-    const bool down = tries >= nTries;
+    const bool down = tries >= nTries && !lacksWitnesses_;
     rs.Fields("strCurStatus") = down ? status::kDown : status::kFailing;
     rs.Fields("nTriesCur") = tries;
     if (!down) {

@@ -17,6 +17,7 @@
 #include "engine/collaborators.h"
 #include "engine/once_an_outage.h"
 #include "engine/own_network.h"
+#include "engine/witnesses.h"
 #include "notify/mail_outbox.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
@@ -72,6 +73,7 @@ public:
         Safeguards& safeguards;
         MailOutbox& outbox;
         CheckKeeper& keeper;
+        Witnesses* witnesses = nullptr;  ///< null: no other instance works on the list
     };
 
     explicit OutcomeAccounting(const Ports& ports) : ports_(ports) {}
@@ -89,6 +91,10 @@ public:
     /// Adds the row of `Failures` that is owed, if any; nothing is owed then. Store errors are passed to the caller.
     void Settle(Recordset& rs, Connection& conn, OwedFailure& owed);
 
+    /// Called when it is known whether the store has the outcome of a check. Where instances share the list, an outcome that it does
+    /// not have is as if the check had not been made: any of them makes it again.
+    void End(bool stored);
+
     /// Called before each entry: the stagger of the next checks is random and reseeded from the clock.
     void Reseed(std::uint32_t seed) { random_.seed(seed); }
 
@@ -100,6 +106,8 @@ private:
     void SoundAlert(const char* wantedKey, const char* fileKey);
     bool HasFailed(Recordset& rs) const;
     void NoteOutage(Recordset& rs, bool isDown, const std::string& strReason);
+    bool IsShared() const { return ports_.witnesses != nullptr; }
+    bool LacksWitnesses(Recordset& rs, Connection& conn, std::int64_t tries, const std::string& strReason);
     bool Guarded() const { return ports_.safeguards.IsOn("GuardBadEntries"); }
     std::int32_t AddOne(Recordset& rs, std::string_view column);
     std::chrono::seconds RetryDuration();
@@ -108,13 +116,15 @@ private:
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     std::string UpdateWithMails(Recordset& rs, Connection& conn);
     void Commit(Connection& conn);
+    bool CommitWhatThereIs(Connection& conn, bool counted);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
 
     Ports ports_;
     std::minstd_rand random_;
     OnceAnOutage once_;
-    std::string toldRetry_;  ///< the unusable setting that the operator was told of
+    bool lacksWitnesses_ = false;  ///< the entry would be DOWN
+    std::string toldRetry_;        ///< the unusable setting that the operator was told of
 };
 
 /// Reports once that the store refuses the outcomes of checks, and once that it accepts them again. Otherwise a full disk would

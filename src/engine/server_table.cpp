@@ -79,6 +79,10 @@ std::string FirstDueBy(DateTime when) {
     return DueBy(when) + "limit 100";
 }
 
+std::string IsAnyDueBy(DateTime when) {
+    return "SELECT ID FROM servers WHERE dtNextCheck <= #" + QueryDate(when) + "# LIMIT 1";
+}
+
 std::string MonitoredAndDueBy(DateTime when) {
     return "SELECT * from servers where bIsMonitoring and strCurStatus <> 'Down-Time'  and strCurStatus <> 'Inactive'  "
            "and dtNextCheck <= #" +

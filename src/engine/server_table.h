@@ -70,6 +70,7 @@ Value TimeoutOf(Recordset& rs);
 namespace query {
 std::string DueBy(DateTime when);
 std::string FirstDueBy(DateTime when);  ///< no more than a hundred rows
+std::string IsAnyDueBy(DateTime when);  ///< one row or none
 std::string MonitoredAndDueBy(DateTime when);
 std::string FailTextsOf(std::string_view id);
 std::string ById(std::int64_t id);

@@ -92,6 +92,7 @@ void StopStart::Stop() {
     ports_.status.setStatusMSG("Stopped.  Click the Start button to resume monitoring.");
     ports_.person.SetCycleText("Monitoring Stopped");
     ports_.status.setStatusMSG("Monitoring Stopped");
+    ports_.stopped();
 }
 
 void StopStart::Start() {

@@ -61,6 +61,7 @@ public:
         CycleTimers timers;
         CycleState& state;
         const bool& bFormLoading;  ///< while the program loads the switch does nothing
+        std::function<void()> stopped;
     };
 
     explicit StopStart(const Ports& ports) : ports_(ports) {}

@@ -15,6 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kTickBusy = 1s;
 constexpr auto kTickIdle = 600s;  ///< only to look after the table
+constexpr auto kShareEvery = 5s;  ///< for mails of other instances
 constexpr auto kLookAfterEvery = 600s;
 constexpr auto kLongestUnwritten = 3s;  ///< a mail that no transaction takes along
 constexpr auto kFirstPause = 1min;
@@ -59,6 +60,7 @@ std::string OutboxState::Text() const {
 
 MailOutbox::MailOutbox(const Ports& ports)
     : ports_(ports), table_(ports.store, ports.dir), timer_(ports.timers.NewTimer("MailOutbox")) {
+    hasDuty_ = !IsShared();
     timer_->OnTick([this] { IgnoreErrors([this] { timer_Timer(); }); });
 }
 
@@ -74,7 +76,7 @@ void MailOutbox::Follow() {
 
 // Mails of this run may be there already.
 void MailOutbox::Load() {
-    if (loaded_) return;
+    if (loaded_ || !hasDuty_) return;
     try {
         const OutboxTable::Contents contents = table_.Look();
         loaded_ = true;
@@ -100,6 +102,16 @@ void MailOutbox::FollowRestoredDatabase() {
         item.id = 0;
         item.mail.mail.strBody = "The text of this mail was lost with the database.";
     }
+}
+
+// Another instance may send what waits, or have added to it.
+void MailOutbox::Share() {
+    if (!IsShared() || Now() < nextShare_) return;
+    nextShare_ = Now() + kShareEvery;
+    hasDuty_ = ports_.duty->Take();
+    if (!hasDuty_) items_.remove_if([&](const Item& item) { return item.id != 0 && !(round_ && round_->item == &item); });
+    loaded_ = false;
+    Load();
 }
 
 // A mail on its way stays waiting, and goes out under the same Message-ID when the outbox is on again.
@@ -159,9 +171,15 @@ void MailOutbox::Commit(Connection& conn) {
     Settle(true);
 }
 
-void MailOutbox::Settle(bool committed) {
+void MailOutbox::Settle(bool committed, bool isLast) {
     if (takenOver_.empty()) return;
     for (Unwritten& unwritten : std::exchange(takenOver_, {})) {
+        const bool isWritten = committed && (unwritten.id != 0 || unwritten.joins != 0);
+        if (IsShared() && unwritten.mail.idEntry != 0 && !isWritten && !isLast) {
+            unwritten.id = unwritten.joins = 0;
+            takenOver_.push_back(std::move(unwritten));
+            continue;
+        }
         if (committed && unwritten.joins != 0) {
             for (Item& item : items_)
                 if (item.id == unwritten.joins) item.mail.event = MailEvent::Other;
@@ -183,7 +201,11 @@ void MailOutbox::Flush() {
         WriteWith(*conn);
         Commit(*conn);
     });
-    Settle(false);  // the store cannot even be opened
+    Settle(false, true);  // the store cannot even be opened
+}
+
+void MailOutbox::DropUnwritten() {
+    std::erase_if(takenOver_, [](const Unwritten& unwritten) { return unwritten.mail.idEntry != 0; });
 }
 
 // The mail about the failure must not be on its way, and nobody may have it: who has it gets the recovery as a mail of its own. So
@@ -211,6 +233,7 @@ Notification MailOutbox::Joined(const OutboxMail& failure, const OutboxMail& rec
 void MailOutbox::timer_Timer() {
     if (!IsOn()) return Rest();
     if (!takenOver_.empty() && Now() - takenOver_.front().since >= kLongestUnwritten) Flush();
+    Share();
     if (!lookedAfter_ || Now() - *lookedAfter_ >= kLookAfterEvery) LookAfter();
     if (round_ && Now() - round_->heard >= kLongestSilence) {
         round_->work.reset();
@@ -223,7 +246,8 @@ void MailOutbox::timer_Timer() {
 }
 
 void MailOutbox::Rearm() {
-    const std::chrono::milliseconds tick = items_.empty() && takenOver_.empty() && lookedAfter_ ? kTickIdle : kTickBusy;
+    const std::chrono::milliseconds tick =
+        items_.empty() && takenOver_.empty() && lookedAfter_ && !IsShared() ? kTickIdle : kTickBusy;
     if (tick != timer_->Interval()) timer_->SetInterval(tick);
     timer_->SetEnabled(true);
 }
@@ -281,7 +305,7 @@ void MailOutbox::SendNext() {
     if (!IsOn() || round_ || Now() < pausedUntil_ || AwakeServers().empty()) return;
     for (auto item = items_.begin(); item != items_.end();) {
         const auto next = std::next(item);
-        if (item->nextTry <= Now() && Begin(*item)) return;
+        if (item->nextTry <= Now() && (hasDuty_ || item->id == 0) && Begin(*item)) return;
         item = next;
     }
 }

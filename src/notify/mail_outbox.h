@@ -20,6 +20,7 @@
 #include "platform/own_program.h"
 #include "platform/timer.h"
 #include "store/alert_path.h"
+#include "store/duty.h"
 #include "store/log.h"
 #include "store/safeguards.h"
 #include "store/settings_collection.h"
@@ -60,11 +61,14 @@ public:
         std::function<std::string()> hostName;  ///< of this machine, for the Message-ID
         AlertPath& alertPath;
         std::function<void()> changed;  ///< the state may be another one
+        Duty* duty = nullptr;           ///< to send what waits, where instances share the list
     };
 
     explicit MailOutbox(const Ports& ports);
 
-    bool IsOn() const { return ports_.safeguards.IsOn("MailOutbox"); }
+    bool IsShared() const { return ports_.duty != nullptr; }
+    /// With a shared list it always is: only what is written with the outcome of a check is sent once, whoever made the check.
+    bool IsOn() const { return IsShared() || ports_.safeguards.IsOn("MailOutbox"); }
 
     /// Called once the database is there, and when the settings have changed: continues with what waits, also from earlier runs, or
     /// stops at once. Does nothing if the safeguard was never on.
@@ -79,12 +83,15 @@ public:
     bool Post(const Notification& mail);
 
     /// Writes what was taken over inside the caller's transaction, which Commit then ends: the mails go out from then on, from
-    /// memory if the store refused them. WriteWith throws nothing, Commit what CommitTrans throws.
+    /// memory if the store refused them. WriteWith throws nothing, Commit what CommitTrans throws. With a shared list those of
+    /// entries then stay taken over until DropUnwritten or Flush: the check is made again, perhaps by another instance.
     bool HasUnwritten() const { return !takenOver_.empty(); }
     void WriteWith(Connection& conn);
     void Commit(Connection& conn);
     /// The same in a transaction of its own. Throws nothing.
     void Flush();
+    /// Forgets what was taken over about entries.
+    void DropUnwritten();
 
     /// Called when an older copy has taken the place of the database: a mail whose row is gone goes out from memory, and says that its
     /// text is lost.
@@ -132,8 +139,9 @@ private:
     };
 
     void Load();
+    void Share();
     void Rest();
-    void Settle(bool committed);
+    void Settle(bool committed, bool isLast = false);
     void timer_Timer();
     void Rearm();
     void LookAfter();
@@ -165,6 +173,8 @@ private:
     OutboxTable table_;
     std::unique_ptr<Timer> timer_;
     bool loaded_ = false;  ///< what waits from earlier runs
+    bool hasDuty_ = true;
+    Moment nextShare_{0};
     std::vector<Unwritten> takenOver_;
     std::list<Item> items_;  ///< in order of creation
     std::optional<Round> round_;

@@ -76,10 +76,7 @@ OutboxMail HeadOf(Recordset& rs) {
 }  // namespace
 
 bool OutboxTable::Exists(Connection& conn) {
-    const auto rs =
-        OpenRows(store_, conn, "SELECT name FROM sqlite_master WHERE type = 'table' AND name = 'MailOutbox' COLLATE NOCASE",
-                 CursorType::Static);
-    return rs->RecordCount() > 0;
+    return conn.HasTable("MailOutbox");
 }
 
 std::int64_t OutboxTable::Add(Connection& conn, const OutboxMail& mail) {

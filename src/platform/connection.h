@@ -3,12 +3,15 @@
 // block on the disk for milliseconds (up to a second while another process holds the file), and throw Error with a description.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/datetime.h"
 #include "base/error.h"
 #include "base/value.h"
 
@@ -28,6 +31,12 @@ public:
 
 /// Another program has locked the file.
 class LockedError : public Error {
+public:
+    using Error::Error;
+};
+
+/// The server of the database cannot be reached, or the connection to it was lost. What was being written may be durable or not.
+class ServerAwayError : public Error {
 public:
     using Error::Error;
 };
@@ -60,6 +69,18 @@ public:
     /// Throws Error when the file cannot be written now. The file does not change by a single byte.
     virtual void TryWriting() = 0;
 
+    /// Returns whether there is a table of that name, which is case-insensitive.
+    virtual bool HasTable(std::string_view name) = 0;
+
+    /// Takes a duty that one instance at a time may do, such as "publish". It is held until ReleaseDuty or Close, or until the
+    /// connection is lost. Returns false while another connection of any instance holds it. With a file there are no other
+    /// instances: always true.
+    virtual bool TryTakeDuty(std::string_view name) = 0;
+    virtual void ReleaseDuty(std::string_view name) = 0;
+
+    /// Returns the server's time, local in the time zone of its list; nothing with a file, which has no clock.
+    virtual std::optional<DateTime> Now() = 0;
+
 private:
     std::string connectionString_;
 };
@@ -79,8 +100,9 @@ enum class ColumnKind { Text, Int16, Int32, Whole, Double, YesNo, DateTime };
 /// A changed field is pending until Update: this Recordset reads the new value, all others the old one. Moving the cursor with
 /// pending changes updates first; Close discards them.
 ///
-/// Pessimistic locking: the first change of a row locks it within this program until the cursor leaves the row or the Recordset
-/// is closed; a second Recordset that would lock the same row throws. Nothing else is blocked, readers least of all.
+/// Pessimistic locking: the first change of a row locks it until the cursor leaves the row or the Recordset is closed; a second
+/// Recordset that would lock the same row throws. The lock holds within this program, on a server also among all instances, and
+/// there it goes with the connection. Nothing else is blocked, readers least of all.
 class Recordset {
 public:
     virtual ~Recordset() = default;
@@ -111,6 +133,10 @@ public:
     /// True if there is no current row: the result is empty, or the cursor is past its end.
     virtual bool Eof() const = 0;
     virtual void MoveNext() = 0;
+
+    /// Pessimistic: locks the current row now, without waiting. Returns false when another recordset or instance has locked it.
+    /// After true the row is read anew, with what others have written until now; it may also be gone.
+    virtual bool TryLock() = 0;
 
     /// Makes a new row current; Update adds it to the store and to the result.
     virtual void AddNew() = 0;

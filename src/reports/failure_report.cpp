@@ -77,6 +77,7 @@ void PublishFailureReport(const Publication& publication, const std::string& id,
 
 // The page of this run still shows all of them.
 void TrimFailures(const Publication& publication, const std::string& id) {
+    if (!publication.stores) return;
     const auto rs = publication.Change(FailuresOf(id));
     if (rs->RecordCount() <= kTrimAbove) return;
     WriteBatch batch(publication.connection);

@@ -18,6 +18,7 @@
 #include "reports/report_folder.h"
 #include "store/alert_path.h"
 #include "store/database_files.h"
+#include "store/duty.h"
 #include "store/server_id.h"
 #include "store/settings_collection.h"
 #include "store/status_log.h"
@@ -74,6 +75,7 @@ struct ReportPorts {
     std::function<std::string(std::string_view text)> withoutPasswords = {};  ///< none: texts stay as they are
 
     std::string Hidden(const std::string& text) const { return withoutPasswords ? withoutPasswords(text) : text; }
+    Duty* duty = nullptr;  ///< to store response times and to trim failures, where instances share the list
 };
 
 /// One publish.
@@ -83,6 +85,7 @@ struct Publication : ReportPorts {
     bool bQuiet;                   ///< graphs are written only when a new hour or day begins
     DateTime lastPublish;          ///< servers that failed then or later get a new failure page
     std::string& strErr;           ///< the errors are added to it
+    bool stores;                   ///< response times are stored, and failures trimmed; not while another instance does it
     PageText outside{safeguards};  ///< for texts that are Hidden
 
     std::unique_ptr<Recordset> Read(std::string_view query) const {

@@ -77,7 +77,8 @@ std::unique_ptr<Connection> Reports::Connect() {
 void Reports::PublishAll(bool bQuiet, std::string& strErr) {
     ports_.status.setStatusMSG("Connecting to Database...");
     const auto connection = Connect();
-    const Publication publication{ports_, folder_, *connection, bQuiet, lastPublish_, strErr};
+    const bool stores = ports_.duty == nullptr || ports_.duty->Take();
+    const Publication publication{ports_, folder_, *connection, bQuiet, lastPublish_, strErr, stores};
     const auto rs = publication.Read("SELECT distinct idCustomer FROM Servers order by idCustomer");
     ports_.status.setStatusMSG("-->" + std::to_string(rs->RecordCount()) + " distinct customers returned.");
     if (rs->RecordCount() > 1) ports_.person.SetCustomerCount(rs->RecordCount());

@@ -25,9 +25,6 @@ constexpr double kMostNumber = 1e15;  // beyond any count or time: not even a da
 constexpr std::string_view kColumns =
     "SELECT Servers.ID, strGroup, strDesc, strAddress_IP, strType, strCurStatus, nSuccess, nFail, nTriesCur, nPercentUp, "
     "nAveResponse, nAveSession, datelastcheck";
-/// Where other settings have last checks kept.
-constexpr std::string_view kLooksForTable =
-    "SELECT count(*) AS n FROM sqlite_master WHERE type = 'table' AND name = 'LastChecks'";
 constexpr std::string_view kWithCertificate = ", dtCertificate FROM Servers LEFT JOIN LastChecks ON LastChecks.ID = Servers.ID";
 
 using Number = std::optional<double>;
@@ -173,7 +170,7 @@ void PublishedFigures::Write(Connection& connection) {
         return OpenRows(ports_.store, connection, query, CursorType::Static, LockType::BatchOptimistic);
     };
     // A row that is no longer kept up would tell of a certificate that has been renewed.
-    const bool hasCertificates = KeepsLastChecks(ports_.settings) && open(kLooksForTable)->Fields("n").Value().Int64() > 0;
+    const bool hasCertificates = KeepsLastChecks(ports_.settings) && connection.HasTable("LastChecks");
     const auto rs =
         open(std::string(kColumns).append(hasCertificates ? kWithCertificate : " FROM Servers") + " ORDER BY Servers.ID");
     for (; !rs->Eof(); rs->MoveNext())

@@ -39,7 +39,7 @@ public:
         double ave = 0;
         const bool done = publication_.OrSay(kRoutine, [&] {
             ave = NumberOf(server, "nAveSession");
-            if (ave == 0) return;
+            if (ave == 0 || !publication_.stores) return;
             if (!batch_) batch_.emplace(publication_.connection);
             SaveHour(server, ave);
             DropOldHours();

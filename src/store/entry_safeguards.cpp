@@ -7,8 +7,6 @@
 namespace korvane {
 namespace {
 
-constexpr std::string_view kLooksForTable =
-    "SELECT count(*) AS n FROM sqlite_master WHERE type = 'table' AND name = 'EntrySafeguards'";
 constexpr std::string_view kCreatesTable =
     "CREATE TABLE IF NOT EXISTS EntrySafeguards (ID INTEGER PRIMARY KEY, idParent INTEGER, strKey TEXT, strValue TEXT)";
 /// The database itself removes the values of an entry, also while the safeguards are off or another tool deletes it: a new entry
@@ -29,12 +27,7 @@ class Table {
 public:
     Table(Store& store, Connection& conn) : conn_(conn), rs_(store.NewRecordset()) {}
 
-    bool Exists() {
-        rs_->Open(kLooksForTable, conn_, CursorType::Static, LockType::Optimistic);
-        const bool there = rs_->Fields("n").Value().Int64() > 0;
-        rs_->Close();
-        return there;
-    }
+    bool Exists() { return conn_.HasTable("EntrySafeguards"); }
 
     void Create() {
         conn_.Execute(kCreatesTable);

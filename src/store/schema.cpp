@@ -32,6 +32,10 @@ const std::vector<TableSchema>& DatabaseSchema() {
     return schema;
 }
 
+std::string DatabaseStatements() {
+    return kKvemptySql;
+}
+
 std::optional<ColumnKind> KindOfColumn(std::string_view table, std::string_view column) {
     for (const TableSchema& schema : DatabaseSchema()) {
         if (!EqualsNoCase(schema.name, table)) continue;

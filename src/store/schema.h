@@ -24,6 +24,9 @@ struct TableSchema {
 /// `Servers`, `Failures`, `Response`, `ResponseFailText`.
 const std::vector<TableSchema>& DatabaseSchema();
 
+/// Returns the SQLite statements that make the tables.
+std::string DatabaseStatements();
+
 /// Both names are case-insensitive. Returns nothing for a column that is not in the schema.
 std::optional<ColumnKind> KindOfColumn(std::string_view table, std::string_view column);
 

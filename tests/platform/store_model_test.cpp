@@ -1,4 +1,4 @@
-// The store against a model of it: recordsets that are opened, read, written, moved, extended and closed at random, three at a time
+// The store, in a file and on a server, against a model of it: recordsets that are opened, read, written, moved, extended and closed at random, three at a time
 // on the same rows, beside a std::map of those rows.
 #include <gtest/gtest.h>
 
@@ -10,6 +10,7 @@
 
 #include "platform/real_ports.h"
 #include "store/database_files.h"
+#include "support/shared_home.h"
 #include "support/test_database.h"
 
 namespace korvane::store_model_test {
@@ -81,7 +82,8 @@ struct ModelCursor {
     }
 };
 
-struct StoreModel : testing::TestWithParam<unsigned> {
+/// On a server?, seed.
+struct StoreModel : testing::TestWithParam<std::tuple<bool, unsigned>> {
     using At = ModelCursor::At;
 
     std::size_t Below(std::size_t bound) { return random() % bound; }
@@ -99,13 +101,24 @@ struct StoreModel : testing::TestWithParam<unsigned> {
         c.Advance();
     }
 
+    // A file continues after the highest; a server counts, and continues after the highest when it meets one that was given.
+    std::int64_t NextId(const ModelRows& rows) {
+        const std::int64_t highest = rows.empty() ? 0 : rows.rbegin()->first;
+        return counted = !server || rows.contains(counted + 1) ? highest + 1 : counted + 1;
+    }
+    // A server has no place for a NUL.
+    const KeptValue AnyValue() {
+        KeptValue value = kKeptValues[Below(std::size(kKeptValues))];
+        if (server && value.written == Value(kOddText)) value.written = value.kept = ReplaceAll(kOddText, "\0"s, "");
+        return value;
+    }
+
     // What an operation does to the model; false when it is refused and changes nothing.
     bool Update(ModelCursor& c) {
         const bool isNew = c.at == At::New;
         if (!isNew && c.pending.empty()) return true;
         ModelRows rows = versions.back();
-        const std::int64_t unnamed = !isNew ? c.key : rows.empty() ? 1 : rows.rbegin()->first + 1;
-        const std::int64_t id = c.pending.contains("ID") ? c.pending["ID"].Int64() : unnamed;
+        const std::int64_t id = c.pending.contains("ID") ? c.pending["ID"].Int64() : isNew ? NextId(rows) : c.key;
         const auto old = rows.extract(isNew ? 0 : c.key);
         if (old.empty() != isNew || rows.contains(id)) return false;
         Row& row = rows[id] = isNew ? kDefaults : old.mapped();
@@ -153,7 +166,7 @@ struct StoreModel : testing::TestWithParam<unsigned> {
     void Step() {
         ModelCursor& c = cursors[Below(3)];
         if (!c.rs || Below(30) == 0) return Open(c);
-        KeptValue value = kKeptValues[Below(std::size(kKeptValues))];
+        KeptValue value = AnyValue();
         // A new row may ask for an ID that is taken; one that is stored gets one that never was.
         const auto id = c.at == At::New ? static_cast<std::int64_t>(Below(20) + 1) : lastId += 1'000'000;
         if (Below(8) == 0) value = {"id", std::to_string(id), id};
@@ -173,16 +186,19 @@ struct StoreModel : testing::TestWithParam<unsigned> {
             if (only >= kDefaults.size() || only == i++) Read(c, column);
     }
 
-    TestDatabase database;
+    const std::unique_ptr<SharedHome> server{std::get<0>(GetParam()) ? new SharedHome : nullptr};
+    const std::unique_ptr<TestDatabase> file{server ? nullptr : new TestDatabase};
+    TestDatabase& database = server ? server->rows : *file;
     std::unique_ptr<Connection> connection = OpenDatabase(database.TheStore(), database.Folder());
     ModelCursor cursors[3];
     std::vector<ModelRows> versions{1};
-    std::int64_t lastId = 0;
-    std::mt19937 random{GetParam()};
+    std::int64_t lastId = 0, counted = 0;
+    std::mt19937 random{std::get<1>(GetParam())};
 };
 
-/// The seeds.
-INSTANTIATE_TEST_SUITE_P(Random, StoreModel, testing::Range(10U, std::getenv("KORVANE_LONG") != nullptr ? 210U : 15U));
+INSTANTIATE_TEST_SUITE_P(Random, StoreModel,
+                         testing::Combine(testing::Bool(),
+                                          testing::Range(10U, std::getenv("KORVANE_LONG") != nullptr ? 210U : 15U)));
 
 TEST_P(StoreModel, ShowsWhatTheModelShows) {
     for (int step = 0; step < 600 && !HasFailure(); ++step)
@@ -197,9 +213,70 @@ TEST_P(StoreModel, ColumnsKeepWhatFitsThemInTheirForm) {
         Both(fits, [&, name = column, value = written] { rs->Fields(name) = value; });
         rs->Update();
         if (inFile == nullptr) continue;
+        EXPECT_EQ(database.Rows("Servers").front().at(column), kept) << column;
+        if (server) continue;
         const auto stored = Rows("SELECT quote("s + column + ") AS q FROM Servers", CursorType::Static);
         EXPECT_EQ(stored->Fields("q").Value(), Value(inFile)) << column;
     }
+}
+
+TEST_P(StoreModel, AnswersOtherQueriesInTheSameOrderAndNamesWhatIsNotThere) {
+    database.AddMany({{.strGroup = "b"}, {.strGroup = "a"}, {.strGroup = "B"}, {.strGroup = "c"}});
+    database.AddMany(
+        {{.strGroup = "_", .dtNextCheck = Value()}, {.strGroup = "d e", .bIsMonitoring = false, .dtNextCheck = Value()}});
+    const auto groups = Rows("SELECT distinct strGroup FROM Servers order by strGroup desc", CursorType::Static);
+    EXPECT_EQ(groups->RecordCount(), 5);
+    EXPECT_EQ(groups->Fields("STRGROUP").Value(), Value("d e"));
+    EXPECT_THROW(groups->AddNew(), Error);
+    const std::pair<std::string, std::string> orders[] = {
+        {"order by dtNextCheck ", "561234"},
+        {"order by dtNextCheck asc limit 3", "561"},
+        {"order by strGroup", "521346"},
+        {"order by strCurStatus, nAveResponse desc", "123456"},
+        {"order by dtNextCheck desc", "432165"},
+        {"ORDER BY ifnull(strCurStatus, '') DESC, ID DESC", "654321"},
+        {"where bIsMonitoring and trim(strGroup || 'x') <> 'Bx' order by id", "1245"}};
+    for (const auto& [order, ids] : orders) {
+        std::string found;
+        for (const auto rs = Rows("SELECT * FROM Servers " + order, CursorType::Keyset); !rs->Eof(); rs->MoveNext())
+            found += rs->Fields("ID").Value().Text();
+        EXPECT_EQ(found, ids) << order;
+    }
+    EXPECT_EQ(ErrorOf([&] { Rows("SELECT * FROM Servers", CursorType::Keyset)->Fields("a`b]'\"") = 1; }),
+              "Item cannot be found in the collection corresponding to the requested name or ordinal: 'a`b]'\"' in Servers.");
+    for (const char* query : {"SELECT * FROM NoTable", "SELECT * FROM Servers WHERE id =", "DELETE FROM Servers", "SELECT 'a",
+                              "SELECT * FROM Servers; DROP TABLE Failures"})
+        EXPECT_THROW(Rows(query, CursorType::Keyset), Error) << query;
+    EXPECT_TRUE(connection->HasTable("FAILURES") && !connection->HasTable("NoTable"));
+}
+
+TEST_P(StoreModel, AFailureInATransactionTakesNothingElseWithItAndTablesComeInIt) {
+    const auto write = [&](double value) {
+        const auto rs = Rows("SELECT * FROM Kept WHERE id < 0", CursorType::Keyset);
+        rs->AddNew();
+        rs->Fields("ID") = 7;
+        rs->Fields("nValue") = value;
+        rs->Update();
+    };
+    database.Add({.id = 7});
+    connection->BeginTrans();
+    const auto entry = Rows("SELECT * FROM Servers", CursorType::Keyset);
+    entry->Fields("nTries") = 9;
+    entry->Update();
+    EXPECT_THROW(write(1), Error);
+    connection->Execute(
+        "CREATE TABLE IF NOT EXISTS Kept (ID INTEGER PRIMARY KEY ON CONFLICT REPLACE, nValue REAL, strText TEXT)");
+    connection->Execute(
+        "CREATE TRIGGER IF NOT EXISTS KeptOfDeleted AFTER DELETE ON Servers BEGIN DELETE FROM Kept WHERE ID = OLD.ID; END");
+    write(1.5);
+    write(2.5);
+    connection->CommitTrans();
+    EXPECT_EQ(database.Server(7).at("nTries"), Value(9));
+    const auto kept = Rows("SELECT * FROM Kept", CursorType::Static);
+    EXPECT_EQ(kept->RecordCount(), 1);
+    EXPECT_EQ(kept->Fields("nValue").Value(), Value(2.5));
+    entry->Delete();
+    EXPECT_EQ(Rows("SELECT count(*) AS n FROM Kept", CursorType::Static)->Fields("n").Value(), Value(0));
 }
 
 }  // namespace korvane::store_model_test

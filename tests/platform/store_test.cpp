@@ -98,16 +98,8 @@ struct StoreFile : testing::Test {
     std::unique_ptr<Connection> connection;
 };
 
-TEST_F(StoreFile, AnswersOtherQueriesAndNamesWhatIsNotThere) {
-    database.AddMany({{.strGroup = "b"}, {.strGroup = "a"}, {.strGroup = "B"}, {.strGroup = "c"}});
-    const auto groups = Open("SELECT distinct strGroup FROM Servers order by strGroup desc", CursorType::Static);
-    EXPECT_EQ(groups->RecordCount(), 3);
-    EXPECT_EQ(groups->Fields("STRGROUP").Value(), Value("c"));
-    EXPECT_THROW(groups->AddNew(), Error);
-    EXPECT_EQ(ErrorOf([&] { Open()->Fields("a`b]'\"") = 1; }),
-              "Item cannot be found in the collection corresponding to the requested name or ordinal: 'a`b]'\"' in Servers.");
-    for (const char* query : {"SELECT * FROM NoTable", "SELECT * FROM Servers WHERE id =", "DELETE FROM Servers", "SELECT 'a"})
-        EXPECT_THROW(Open(query), Error) << query;
+TEST_F(StoreFile, GivesWhatFitsNoColumnAsText) {
+    database.Add({});
     other.Run("UPDATE Servers SET nTries = 'many', nTimeout = 70000, bIsMonitoring = -1, dtNextCheck = 'soon'");
     const Row strays = {{"nTries", "many"}, {"nTimeout", 70000}, {"bIsMonitoring", true}, {"dtNextCheck", "soon"}};
     for (const CursorType cursor : {CursorType::Keyset, CursorType::Static})

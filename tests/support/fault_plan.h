@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,12 +32,15 @@ public:
     /// Everything works again.
     void Heal() { faults_.clear(); }
 
+    std::function<void()> before = [] {};  ///< called before each operation
+
     /// Operations that failed so far.
     std::uint64_t Failures() const { return failures_; }
 
     /// For the fake, before each operation: throws Error when a fault says so, and otherwise hands on the real thing.
     template <class Real>
     Real& Pass(Operation operation, std::string_view about, Real& real) {
+        before();
         for (auto fault = faults_.begin(); fault != faults_.end(); ++fault) {
             const bool meant = fault->operation.value_or(operation) == operation && Holds(ToLower(about), ToLower(fault->about));
             if (!meant || --fault->nth > 0) continue;

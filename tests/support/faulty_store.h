@@ -2,7 +2,10 @@
 // the plan says otherwise. An operation that fails has not happened.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,17 +30,25 @@ enum class StoreOperation {
     Execute,   ///< [statement]
 };
 
+/// What a database server is besides its rows, which are in a file.
+struct PlayedServer {
+    std::string file;
+    std::function<DateTime()> now;
+    std::map<std::string, const void*, std::less<>> duties = {};  ///< and who has them
+    bool away = false;
+};
+
 class FaultyStore : public Store {
     using Op = StoreOperation;
 
 public:
     /// `store` must outlive this, and this its connections and recordsets.
-    explicit FaultyStore(Store& store) : store_(store) {}
+    explicit FaultyStore(Store& store, PlayedServer* server = nullptr) : store_(store), server_(server) {}
 
     FaultPlan<StoreOperation> faults;
     bool staysOpen = false;  ///< does not rest: opening the file again and again is most of what a long run costs
 
-    std::unique_ptr<Connection> NewConnection() override { return std::make_unique<Link>(store_.NewConnection(), faults); }
+    std::unique_ptr<Connection> NewConnection() override { return std::make_unique<Link>(store_.NewConnection(), *this); }
     std::unique_ptr<Recordset> NewRecordset() override { return std::make_unique<Rows>(store_.NewRecordset(), faults); }
     void Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) override {
         faults.Pass(Op::Compact, file, store_).Compact(file, copy, copied);
@@ -49,23 +60,39 @@ public:
 
 private:
     struct Link : Connection {
-        Link(std::unique_ptr<Connection> wrapped, FaultPlan<Op>& plan) : link(std::move(wrapped)), faults(plan) {}
+        Link(std::unique_ptr<Connection> wrapped, FaultyStore& of)
+            : link(std::move(wrapped)), faults(of.faults), server(of.server_) {}
+        ~Link() override { Release(); }
         void Open() override {
-            link->SetConnectionString(ConnectionString());
+            if (server != nullptr && server->away) throw ServerAwayError("the server is away");
+            link->SetConnectionString(server == nullptr ? ConnectionString() : "DBQ=" + server->file);
             At(Op::Connect).Open();
         }
-        void Close() override { link->Close(); }
+        void Close() override {
+            Release();
+            link->Close();
+        }
+        void Release() {
+            if (server != nullptr) std::erase_if(server->duties, [&](const auto& duty) { return duty.second == this; });
+        }
         void BeginTrans() override { link->BeginTrans(); }
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
         void Execute(std::string_view statement, const std::vector<Value>& values) override {
             At(Op::Execute, statement).Execute(statement, values);
         }
         void TryWriting() override { link->TryWriting(); }
+        bool HasTable(std::string_view name) override { return link->HasTable(name); }
+        bool TryTakeDuty(std::string_view name) override {
+            return server == nullptr ? link->TryTakeDuty(name) : server->duties.emplace(name, this).first->second == this;
+        }
+        void ReleaseDuty(std::string_view name) override { link->ReleaseDuty(name); }
+        std::optional<DateTime> Now() override { return server == nullptr ? link->Now() : std::optional(server->now()); }
         Connection& At(Op operation) { return At(operation, ConnectionString()); }
         Connection& At(Op operation, std::string_view about) { return faults.Pass(operation, about, *link); }
 
         std::unique_ptr<Connection> link;
         FaultPlan<Op>& faults;
+        PlayedServer* server;
     };
 
     struct Rows : Recordset {
@@ -77,6 +104,7 @@ private:
         int RecordCount() const override { return rows->RecordCount(); }
         bool Eof() const override { return rows->Eof(); }
         void MoveNext() override { At(Op::MoveNext, source).MoveNext(); }
+        bool TryLock() override { return rows->TryLock(); }
         void AddNew() override { At(Op::AddNew, source).AddNew(); }
         void Update() override { At(Op::Update, source).Update(); }
         void Delete() override { At(Op::Delete, source).Delete(); }
@@ -91,6 +119,7 @@ private:
     };
 
     Store& store_;
+    PlayedServer* server_;
 };
 
 }  // namespace korvane

@@ -133,7 +133,7 @@ public:
         if (rows.empty()) throw Error("There is no entry " + std::to_string(id));
         return rows.front();
     }
-    int Count(std::string_view table, std::string_view where = "1") {
+    int Count(std::string_view table, std::string_view where = "true") {
         int count = 0;
         With("SELECT id FROM " + std::string(table) + " WHERE " + std::string(where), CursorType::Static,
              [&](Recordset& rs) { count = rs.RecordCount(); });

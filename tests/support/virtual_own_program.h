@@ -47,7 +47,7 @@ private:
         ~Child() override {
             of_.world_.Cancel(resume_);
             killed_ = true;
-            if (thread_.joinable()) LetRun();
+            if (thread_.joinable() && !ended_) LetRun();
             if (thread_.joinable()) thread_.join();
         }
 

@@ -69,11 +69,13 @@ public:
         const Milliseconds end = now_ + limit;
         for (; !condition(); DeliverDueBy(Next())) {
             if (DueBy(end)) continue;
-            now_ = std::max(now_, end);
+            GoTo(end);
             return false;
         }
         return true;
     }
+
+    std::function<void(Milliseconds)> beforeTime = [](Milliseconds) {};  ///< called before time moves on to that moment
 
     /// How many timers and actions wait.
     std::size_t Pending() const { return queue_.size(); }
@@ -111,7 +113,7 @@ private:
         if (limit <= Milliseconds(0) || DueBy(now_)) return DoEvents();
         DueBy(now_ + limit) ? DeliverDueBy(Next()) : Sleep(limit);
     }
-    void Sleep(Milliseconds time) override { now_ += time; }
+    void Sleep(Milliseconds time) override { GoTo(now_ + time); }
     std::unique_ptr<Watch> WatchReadable(int, std::function<void()>) override {
         throw std::logic_error("no descriptors in here");
     }
@@ -125,10 +127,15 @@ private:
     bool DueBy(Milliseconds moment) const { return !queue_.empty() && Next() <= moment; }
     void DeliverDueBy(Milliseconds moment) {
         while (DueBy(moment)) {
-            now_ = std::max(now_, Next());
+            GoTo(Next());
             queue_.extract(queue_.begin()).mapped()();
         }
-        now_ = std::max(now_, moment);
+        GoTo(moment);
+    }
+    void GoTo(Milliseconds moment) {
+        if (moment <= now_) return;
+        beforeTime(moment);
+        now_ = moment;
     }
 
     std::map<EventId, Action> queue_;

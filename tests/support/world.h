@@ -55,6 +55,9 @@ public:
         std::string home = "";                     ///< of another World, for a second start in it; empty: a new one
         std::string dataDir = KORVANE_DIST_DIR;
         std::string commandLine = "";
+        PlayedServer* server = nullptr;  ///< of a list that this instance shares with others
+        Store* rows = nullptr;           ///< the store of all of them
+        std::string instance = "";       ///< its name among them
         std::function<WorldFace(Timers& timers)> makeFace = [](Timers&) { return WorldFace{}; };
     };
 
@@ -63,13 +66,16 @@ public:
         : folder_(setup.home.empty() ? std::make_unique<TemporaryFolder>() : nullptr),
           time_(setup.start, std::chrono::hours(-5)),
           home(folder_ ? folder_->Path() : setup.home),
+          store(setup.rows == nullptr ? database : *setup.rows, setup.server),
           face(setup.makeFace(time_.timers)),
           run(Ports(), {.dir = home,
                         .dataDir = setup.dataDir,
                         .commandLine = setup.commandLine,
                         .version = "1.0.0",
                         .program = "/opt/korvane/korvanecore",
-                        .icon = "korvane"}) {
+                        .icon = "korvane",
+                        .isShared = setup.server != nullptr,
+                        .instance = setup.instance}) {
         NeedQtApplication();
         // A key that comes first counts, so the test's own stands before.
         if (folder_ && setup.settings)
@@ -130,7 +136,7 @@ public:
     LinuxFiles disk;
     FaultyFiles files{disk};
     QtSqlStore database{KindOfColumn};
-    FaultyStore store{database};
+    FaultyStore store;
     TestDatabase rows{home, database};
     RecordingOperator person;
     RecordingSound sound;

@@ -1,5 +1,6 @@
 #include "platform/qt/sql_columns.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QVariant>
 #include <QtSql/QSqlField>
 #include <QtSql/QSqlQuery>
@@ -62,7 +63,12 @@ Value SqlColumn::FromFile(const QVariant& stored) const {
     switch (stored.metaType().id()) {
         case QMetaType::Int:
         case QMetaType::LongLong:
+        case QMetaType::ULongLong:  // so the driver of the server reads a number without a sign
             return FromWhole(stored.toLongLong(), kind);
+        case QMetaType::Bool:
+            return FromWhole(stored.toBool() ? 1 : 0, kind);
+        case QMetaType::QDateTime:
+            return FromText(stored.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString(), kind);
         case QMetaType::Double:
             if (kind == ColumnKind::YesNo) return Value(stored.toDouble() != 0);
             return Value(stored.toDouble());
@@ -74,7 +80,7 @@ Value SqlColumn::FromFile(const QVariant& stored) const {
 }
 
 QVariant ToBind(const Value& value) {
-    if (const auto* yes = std::get_if<bool>(&value.Get())) return QVariant(*yes ? 1 : 0);
+    if (const auto* yes = std::get_if<bool>(&value.Get())) return QVariant(*yes);
     if (const auto* whole = std::get_if<std::int64_t>(&value.Get())) return QVariant(static_cast<qlonglong>(*whole));
     if (const auto* number = std::get_if<double>(&value.Get())) return QVariant(*number);
     if (const auto* text = std::get_if<std::string>(&value.Get())) return QVariant(QString::fromStdString(*text));
@@ -87,9 +93,19 @@ SqlColumns::SqlColumns(const QSqlRecord& record, const std::string& table, const
         const QSqlField field = record.field(i);
         std::string name = field.name().toStdString();
         const auto kind = kindOf(table.empty() ? field.tableName().toStdString() : table, name);
-        list_ += (i == 0 ? "" : ",") + QuotedName(name);
-        columns_.push_back({std::move(name), kind});
+        std::string selected = QuotedName(name);
+        columns_.push_back({std::move(name), kind, std::move(selected)});
     }
+    MakeList();
+}
+
+SqlColumns::SqlColumns(std::vector<SqlColumn> columns) : columns_(std::move(columns)) {
+    MakeList();
+}
+
+void SqlColumns::MakeList() {
+    for (const SqlColumn& column : columns_)
+        list_ += (list_.empty() ? "" : ",") + column.selected;
 }
 
 std::optional<std::size_t> SqlColumns::Find(std::string_view name) const {

@@ -18,6 +18,7 @@ namespace korvane {
 struct SqlColumn {
     std::string name;
     std::optional<ColumnKind> kind;  ///< nothing for an unknown column: its kind depends on each value
+    std::string selected;            ///< how a select list names it
 
     /// Returns what the column stores for a value. Throws TypeMismatchError and OverflowError.
     Value ForFile(const Value& value) const;
@@ -34,6 +35,7 @@ class SqlColumns {
 public:
     /// The columns of a result; `table` is empty when they may come from several tables.
     SqlColumns(const QSqlRecord& record, const std::string& table, const ColumnKindOf& kindOf);
+    explicit SqlColumns(std::vector<SqlColumn> columns);
 
     std::optional<std::size_t> Find(std::string_view name) const;
     const SqlColumn& operator[](std::size_t column) const { return columns_[column]; }
@@ -47,6 +49,8 @@ public:
     const std::string& List() const { return list_; }
 
 private:
+    void MakeList();
+
     std::vector<SqlColumn> columns_;
     std::string list_;
 };

@@ -36,6 +36,15 @@ void QtSqlRecordset::MoveNext() {
     Advance();
 }
 
+bool QtSqlRecordset::TryLock() {
+    RequireTable();
+    RequireRow();
+    if (lockType_ != LockType::Pessimistic) throw Error("A recordset that locks no rows cannot lock one.");
+    if (row_ == Row::Stored && !rowLock_ && !TakeRow()) return false;
+    if (row_ == Row::Stored) rows_->Changed(rows_->Key());
+    return true;
+}
+
 void QtSqlRecordset::AddNew() {
     RequireTable();
     Update();
@@ -51,7 +60,7 @@ void QtSqlRecordset::Update() {
     const SqlChange* id = FindChange("ID");
     const bool givesId = id != nullptr && id->pending && !id->value.IsBlank();
     if (row_ == Row::New) {
-        const std::int64_t inserted = table.Insert(changes_);
+        const std::int64_t inserted = table.Insert(changes_, givesId);
         rows_->Append(givesId ? id->value.Int64() : inserted);
         row_ = Row::Stored;
         ++count_;
@@ -140,8 +149,13 @@ void QtSqlRecordset::Leave() {
 }
 
 void QtSqlRecordset::LockRow() {
+    if (!TakeRow()) throw Error("Could not update; currently locked.");
+}
+
+bool QtSqlRecordset::TakeRow() {
     rowLock_.reset();
-    rowLock_.emplace(state_, SqlRowName(rows_->Session().Path(), ToLower(rows_->Table()->Name()), rows_->Key()));
+    rowLock_ = SqlRowLock::Try(state_, rows_->SharedSession(), ToLower(rows_->Table()->Name()), rows_->Key());
+    return rowLock_ != nullptr;
 }
 
 }  // namespace korvane

@@ -1,8 +1,7 @@
-// The Recordset over an SQLite file: which row is the current one, and its pending changes.
+// The Recordset over an open database: which row is the current one, and its pending changes.
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "platform/qt/sql_connection.h"
@@ -19,6 +18,7 @@ public:
     int RecordCount() const override;
     bool Eof() const override;
     void MoveNext() override;
+    bool TryLock() override;
     void AddNew() override;
     void Update() override;
     void Delete() override;
@@ -40,7 +40,9 @@ private:
 
     void Advance();
     void Leave();
+    /// Throws Error when the current row is locked elsewhere; TakeRow returns false then.
     void LockRow();
+    bool TakeRow();
 
     const std::shared_ptr<SqlStoreState> state_;
     std::unique_ptr<SqlRows> rows_;  // null while this is closed
@@ -49,7 +51,7 @@ private:
 
     Row row_ = Row::None;
     std::vector<SqlChange> changes_;
-    std::optional<SqlRowLock> rowLock_;
+    std::unique_ptr<SqlRowLock> rowLock_;
 };
 
 }  // namespace korvane

@@ -1,17 +1,19 @@
-// One open database file with its prepared statements.
+// One open database, a file or a connection to a server: what the objects of the store need of it, whichever it is.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
-#include <tuple>
+#include <string_view>
+#include <vector>
 
+#include "base/datetime.h"
 #include "base/error.h"
 #include "base/text.h"
 #include "platform/qt/sql_columns.h"
 
-class QSqlError;
 class QSqlQuery;
 class QVariant;
 template <typename T>
@@ -19,96 +21,96 @@ class QList;
 
 namespace korvane {
 
+struct SelectText;
 using SqlBound = QList<QVariant>;
 
+/// Queries and statements are in SQLite's form. Everything throws Error.
 class SqlSession {
 public:
-    /// Opens the file. Throws Error like Connection::Open.
-    SqlSession(std::string path, std::chrono::milliseconds busyTimeout, ColumnKindOf kindOf);
-    ~SqlSession();
+    virtual ~SqlSession() = default;
     SqlSession(const SqlSession&) = delete;
     SqlSession& operator=(const SqlSession&) = delete;
 
     /// All further use throws Error.
-    void Close();
+    virtual void Close() = 0;
 
     const std::string& Path() const { return path_; }
 
-    /// Remembers the state of the file while it is unused.
-    void Leave() { left_ = Look(); }
+    /// Remembers the state of the database while it is unused.
+    virtual void Leave() = 0;
+    /// Returns whether it can be used again as it was when Leave was called.
+    virtual bool IsAsLeft() const = 0;
 
-    /// Returns whether the path still names the file that is open here, and nothing has changed it since Leave: a copy written
-    /// over it must not be mixed with cached content of the old one. Throws Error when the file no longer exists.
-    bool IsAsLeft() const { return Look() == left_; }
-
-    /// Returns false after any failure: the next user should open the file again, which produces the right message for what is
-    /// wrong with it.
+    /// Returns false after any failure: the next user should open the database again, which produces the right message for what
+    /// is wrong with it.
     bool IsSound() const { return sound_; }
     void Distrust() { sound_ = false; }
 
-    /// Runs a query. It holds the file for reading until Next has returned false or it is destroyed, which should be soon. Throws
-    /// Error.
+    /// Runs a query. It may hold a file for reading until Next has returned false or it is destroyed, which should be soon.
     QSqlQuery Select(const std::string& sql);
     /// The same with a value for each "?" in it.
-    QSqlQuery Select(const std::string& sql, const SqlBound& values);
+    virtual QSqlQuery Select(const std::string& sql, const SqlBound& values) = 0;
     /// The same, prepared once for many uses; the reference is valid until the next call. Finish it after use.
-    QSqlQuery& SelectPrepared(const std::string& sql, const SqlBound& values);
+    virtual QSqlQuery& SelectPrepared(const std::string& sql, const SqlBound& values) = 0;
 
-    /// Returns whether there is another row. Throws Error like Select.
+    /// Returns whether there is another row.
     bool Next(QSqlQuery& query);
 
-    struct Changed {
-        int rows;
-        std::int64_t insertedId;
-    };
+    /// Runs a statement that changes rows, with a value for each "?" in it, in one durable transaction. Returns their number.
+    virtual int Change(const std::string& sql, const SqlBound& values) = 0;
+    /// The same with a statement that adds one row; returns its ID. `givesId`: the statement names it.
+    virtual std::int64_t Insert(const std::string& table, const std::string& sql, const SqlBound& values, bool givesId) = 0;
+    /// Runs a statement that creates or changes tables.
+    virtual void Execute(const std::string& statement) = 0;
 
-    /// Runs a statement that changes rows, with a value for each "?" in it, in one durable transaction. Throws Error.
-    Changed Change(const std::string& sql, const SqlBound& values);
-
-    /// Begins a transaction for several changes; it takes the file for writing at once. Throws Error.
-    void Begin();
-    void Commit();
-
-    /// Locks everyone else out of the file from here to Close. Throws Error.
-    void TakeForItself();
-
-    /// Writes a compact copy of the database into the empty file `path`. Throws Error.
-    void CopyInto(const std::string& path);
-
-    /// Throws Error when the file cannot be written now. The file stays unchanged.
-    void TryWriting();
-
+    /// Begins a transaction for several changes. A statement that fails in it changes nothing, and the others stay.
+    virtual void Begin() = 0;
+    virtual void Commit() = 0;
     bool InTransaction() const { return inTransaction_; }
 
+    /// Throws Error when the database cannot be written now. It stays unchanged.
+    virtual void TryWriting() = 0;
+
+    virtual bool HasTable(const std::string& name) = 0;
     /// Returns the columns of a table. Throws Error when there is no such table.
     std::shared_ptr<const SqlColumns> ColumnsOf(const std::string& table);
+    /// Returns the columns' values in a row that is added without them.
+    virtual std::vector<QVariant> DefaultsOf(const std::string& table) = 0;
+    /// Returns whether a copy of whole rows must name the columns, since "*" would not give them in the stored form.
+    virtual bool NamesColumns() const = 0;
+    /// Otherwise rows without an order would come in any.
+    virtual void CompleteOrder(SelectText& select);
 
-    /// Returns the ORDER BY list that sorts the rows of a table by its primary key. Throws Error.
-    const std::string& KeyOf(const std::string& table);
+    /// Locks a row, or takes a duty, among all sessions of all programs until the second call or the end of the session. Returns
+    /// false when another session holds it.
+    virtual bool TryLockRow(const std::string& table, std::int64_t id) = 0;
+    virtual void UnlockRow(const std::string& table, std::int64_t id) = 0;
+    virtual bool TryTakeDuty(const std::string& name) = 0;
+    virtual void ReleaseDuty(const std::string& name) = 0;
+
+    virtual std::optional<DateTime> Now() = 0;
 
     const ColumnKindOf& KindOf() const { return kindOf_; }
 
+protected:
+    SqlSession(std::string path, ColumnKindOf kindOf);
+
+    virtual std::shared_ptr<const SqlColumns> ReadColumns(const std::string& table) = 0;
+    /// Returns the ORDER BY list that sorts the rows of a table by its primary key.
+    virtual std::string ReadKey(const std::string& table) = 0;
+    /// Throws the Error for what went wrong last with the query.
+    [[noreturn]] virtual void FailOf(const QSqlQuery& query) = 0;
+
+    const std::string& KeyOf(const std::string& table);
+
+    bool inTransaction_ = false;
+
 private:
-    struct Driver;
-    /// Device, inode, size, and time of the last change in seconds and nanoseconds.
-    using FileLook = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
-
-    FileLook Look() const;
-    QSqlQuery Prepare(const std::string& sql);
-    void Run(QSqlQuery& query, const SqlBound& values);
-    void RequireOpen() const;
-    void PrepareForChanges();
-    void RollBack();
-    [[noreturn]] void Fail(const QSqlError& error);
-
     std::string path_;
     ColumnKindOf kindOf_;
-    FileLook left_;
-    std::unique_ptr<Driver> driver_;
-    bool open_ = false;
     bool sound_ = true;
-    bool inTransaction_ = false;
-    bool readyForChanges_ = false;
+    std::map<std::string, std::shared_ptr<const SqlColumns>, LessNoCase> columns_;
+    std::map<std::string, std::string, LessNoCase> keys_;  ///< by table
 };
 
 }  // namespace korvane

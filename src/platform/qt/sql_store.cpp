@@ -11,6 +11,7 @@
 #include <future>
 
 #include "platform/qt/sql_recordset.h"
+#include "platform/qt/sqlite_session.h"
 
 namespace korvane {
 namespace {
@@ -56,7 +57,7 @@ private:
     int file_ = -1;
 };
 
-void CheckIntegrity(SqlSession& session) {
+void CheckIntegrity(SqliteSession& session) {
     QSqlQuery check = session.Select("PRAGMA integrity_check(1)");
     const std::string result = session.Next(check) ? check.value(0).toString().toStdString() : "";
     if (result != "ok") throw DamagedError("The database '" + session.Path() + "' is damaged: " + result);
@@ -65,7 +66,7 @@ void CheckIntegrity(SqlSession& session) {
 // The copy does not replace the file. Whoever had the file open would still have the old one, whose locks no longer protect the
 // new one while their journals have the same name: a program that was waiting for the old file would roll a foreign journal back
 // into it, and a crash would then leave the new one damaged.
-void CompactDatabase(SqlSession& session, const std::string& copy, const std::function<void()>& copied) {
+void CompactDatabase(SqliteSession& session, const std::string& copy, const std::function<void()>& copied) {
     session.Select(kCacheOfCompaction);
     session.TakeForItself();  // a busy writer could delay each of the steps
     CheckIntegrity(session);
@@ -80,8 +81,12 @@ void CompactDatabase(SqlSession& session, const std::string& copy, const std::fu
 
 }  // namespace
 
-QtSqlStore::QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout)
-    : state_(std::make_shared<SqlStoreState>(SqlStoreState{std::move(kindOf), busyTimeout})) {}
+bool SharedDatabase::Is(const std::string& path) const {
+    return !address.empty() && path == file;
+}
+
+QtSqlStore::QtSqlStore(ColumnKindOf kindOf, std::chrono::milliseconds busyTimeout, SharedDatabase shared)
+    : state_(std::make_shared<SqlStoreState>(SqlStoreState{std::move(kindOf), busyTimeout, std::move(shared)})) {}
 
 std::unique_ptr<Connection> QtSqlStore::NewConnection() {
     return std::make_unique<QtSqlConnection>(state_);
@@ -92,8 +97,9 @@ std::unique_ptr<Recordset> QtSqlStore::NewRecordset() {
 }
 
 void QtSqlStore::Compact(const std::string& file, const std::string& copy, const std::function<void()>& copied) {
+    if (state_->shared.Is(file)) return;  // the server does that by itself
     auto work = std::async(std::launch::async, [&] {
-        SqlSession session(file, state_->busyTimeout, state_->kindOf);
+        SqliteSession session(file, state_->busyTimeout, state_->kindOf);
         CompactDatabase(session, copy, copied);
     });
     while (work.wait_for(kGlanceEvery) != std::future_status::ready)

@@ -74,8 +74,7 @@ std::unordered_map<std::int64_t, Value> SqlTable::Column(std::size_t column, std
     for (std::size_t i = 0; i < kRowsAhead; ++i)
         wanted.append(ToBind(keys[std::min(i, keys.size() - 1)]));
     QSqlQuery& query = session_.SelectPrepared(
-        "SELECT `ID`," + QuotedName(asked.name) + " FROM " + quotedName_ + " WHERE `ID` IN (" + Marks(wanted.size()) + ")",
-        wanted);
+        "SELECT `ID`," + asked.selected + " FROM " + quotedName_ + " WHERE `ID` IN (" + Marks(wanted.size()) + ")", wanted);
     std::unordered_map<std::int64_t, Value> values;
     while (session_.Next(query))
         values.emplace(query.value(0).toLongLong(), asked.FromFile(query.value(1)));
@@ -84,43 +83,31 @@ std::unordered_map<std::int64_t, Value> SqlTable::Column(std::size_t column, std
 }
 
 Value SqlTable::Default(std::size_t column) {
-    if (defaults_.empty()) ReadDefaults();
+    if (defaults_.empty()) defaults_ = session_.DefaultsOf(name_);
     return (*columns_)[column].FromFile(defaults_[column]);
 }
 
-void SqlTable::ReadDefaults() {
-    QSqlQuery texts = session_.Select("SELECT ifnull(dflt_value,'NULL') FROM pragma_table_info('" + ReplaceAll(name_, "'", "''") +
-                                      "') ORDER BY cid");
-    std::string list;
-    while (session_.Next(texts))
-        list += (list.empty() ? "(" : ",(") + texts.value(0).toString().toStdString() + ')';
-    QSqlQuery values = session_.Select("SELECT " + list);
-    session_.Next(values);
-    defaults_ = columns_->ValuesIn(values);
-}
-
-std::int64_t SqlTable::Insert(const std::vector<SqlChange>& changes) {
+std::int64_t SqlTable::Insert(const std::vector<SqlChange>& changes, bool givesId) {
     const QVariantList values = PendingValues(changes);
     const std::string row =
         values.isEmpty() ? " DEFAULT VALUES" : " (" + PendingNames(changes, "") + ") VALUES (" + Marks(values.size()) + ")";
-    return session_.Change("INSERT INTO " + quotedName_ + row, values).insertedId;
+    return session_.Insert(name_, "INSERT INTO " + quotedName_ + row, values, givesId);
 }
 
 void SqlTable::Update(std::int64_t key, const std::vector<SqlChange>& changes) {
     QVariantList values = PendingValues(changes);
     values.append(ToBind(key));
-    const auto changed =
+    const int changed =
         session_.Change("UPDATE " + quotedName_ + " SET " + PendingNames(changes, "=?") + " WHERE `ID`=?", values);
-    if (changed.rows == 0) throw RowGoneError(kRowIsGone);
+    if (changed == 0) throw RowGoneError(kRowIsGone);
 }
 
 void SqlTable::Delete(std::int64_t key) {
-    if (session_.Change("DELETE FROM " + quotedName_ + " WHERE `ID`=?", {ToBind(key)}).rows == 0) throw Error(kRowIsGone);
+    if (session_.Change("DELETE FROM " + quotedName_ + " WHERE `ID`=?", {ToBind(key)}) == 0) throw Error(kRowIsGone);
 }
 
 SqlRows::SqlRows(std::shared_ptr<SqlSession> session, SelectText select, CursorType cursor) : session_(std::move(session)) {
-    // Otherwise an index would return its own order.
-    if (select.LacksOrder()) select.OrderBy(session_->KeyOf(select.table));
+    session_->CompleteOrder(select);
     if (select.IsOneTable()) table_ = std::make_unique<SqlTable>(*session_, select.table);
     table_&& cursor == CursorType::Keyset ? ReadKeys(select) : CopyRows(select);
 }
@@ -136,11 +123,13 @@ void SqlRows::ReadKeys(const SelectText& select) {
 }
 
 void SqlRows::CopyRows(const SelectText& select) {
-    QSqlQuery query = session_->Select(table_ ? select.Selecting("*") : select.query, MomentsOf(select));
-    columns_ = std::make_shared<SqlColumns>(query.record(), select.table, session_->KindOf());
+    const bool names = table_ && session_->NamesColumns();
+    const std::string query = names ? select.Selecting(table_->Columns()->List()) : table_ ? select.Selecting("*") : select.query;
+    QSqlQuery rows = session_->Select(query, MomentsOf(select));
+    columns_ = names ? table_->Columns() : std::make_shared<SqlColumns>(rows.record(), select.table, session_->KindOf());
     const auto id = table_ ? columns_->Find("ID") : std::nullopt;
-    while (session_->Next(query)) {
-        copies_.push_back(columns_->ValuesIn(query));
+    while (session_->Next(rows)) {
+        copies_.push_back(columns_->ValuesIn(rows));
         if (id) keys_.push_back(copies_.back()[*id].toLongLong());
     }
 }

@@ -44,14 +44,12 @@ public:
     /// Returns the column's default value in a row that is added without it.
     Value Default(std::size_t column);
 
-    /// Write the pending changes, or remove the row. Insert returns the key.
-    std::int64_t Insert(const std::vector<SqlChange>& changes);
+    /// Write the pending changes, or remove the row. Insert returns the key; `givesId`: the changes name it.
+    std::int64_t Insert(const std::vector<SqlChange>& changes, bool givesId);
     void Update(std::int64_t key, const std::vector<SqlChange>& changes);
     void Delete(std::int64_t key);
 
 private:
-    void ReadDefaults();
-
     SqlSession& session_;
     std::string name_;
     std::string quotedName_;
@@ -69,6 +67,7 @@ public:
     SqlRows& operator=(const SqlRows&) = delete;
 
     SqlSession& Session() const { return *session_; }
+    const std::shared_ptr<SqlSession>& SharedSession() const { return session_; }
     /// Returns null when the rows are not of one table, so that they cannot be changed.
     SqlTable* Table() const { return table_.get(); }
     const SqlColumns& Columns() const { return *columns_; }

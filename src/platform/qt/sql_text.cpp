@@ -170,6 +170,15 @@ void SelectText::OrderBy(std::string_view list) {
     rest.insert(place, order);
 }
 
+void SelectText::OrderAlsoBy(std::string_view name) {
+    const std::size_t place = PlaceOf({"LIMIT"}, rest);
+    const std::string order = TrimAll(std::string_view(rest).substr(PlaceOf({"ORDER"}, rest), place - PlaceOf({"ORDER"}, rest)));
+    const bool descends = ToLower(order).ends_with(" desc") && order.find(',') == std::string::npos;
+    const std::string also = "," + std::string(name) + (descends ? " DESC " : " ");
+    query.insert(query.size() - rest.size() + place, also);
+    rest.insert(place, also);
+}
+
 SelectText ParseSelect(std::string_view source) {
     SelectText select;
     select.query = TakeMoments(source, select.moments);

@@ -28,6 +28,10 @@ struct SelectText {
     bool LacksOrder() const;
     void OrderBy(std::string_view list);
 
+    /// Rows that are equal in the order that the query names come in order of this column, or in its opposite if the query names
+    /// one column with DESC: as SQLite sorts them, or finds them in an index.
+    void OrderAlsoBy(std::string_view name);
+
     /// Returns the query for the same rows in the same order with another select list.
     std::string Selecting(std::string_view list) const;
 };

@@ -3,6 +3,10 @@
 #include <QCoreApplication>
 #include <filesystem>
 
+#include "store/database_files.h"
+#include "store/ini_file.h"
+#include "store/settings.h"
+
 namespace korvane {
 namespace {
 
@@ -18,6 +22,12 @@ std::string CommandLine(int argc, char** argv) {
 
 }  // namespace
 
+SharedDatabase SharedDatabaseOf(const std::string& dir, Files& files) {
+    const std::string address = IniFile(files, SettingsFilePath(dir)).Read(kSettingsSection, "Database", "");
+    if (address.empty()) return {};
+    return {.file = DatabasePath(dir), .address = address, .schema = DatabaseStatements()};
+}
+
 RunOptions OptionsOf(int argc, char** argv) {
     const std::string folder = QCoreApplication::applicationDirPath().toStdString();
     const std::string home = EnvironmentVariable("KORVANE_HOME");
@@ -30,6 +40,8 @@ RunOptions OptionsOf(int argc, char** argv) {
     if (!home.empty()) options.dir = std::filesystem::absolute(home).lexically_normal().string();
     while (options.dir.size() > 1 && options.dir.ends_with('/'))
         options.dir.pop_back();
+    LinuxFiles files;
+    options.isShared = !SharedDatabaseOf(options.dir, files).address.empty();
     return options;
 }
 

@@ -35,12 +35,15 @@ namespace korvane {
 /// Returns the folder of the executable, or the one that KORVANE_HOME names.
 RunOptions OptionsOf(int argc, char** argv);
 
+/// Reads the setting `Database` of this home; blank: the database is a file.
+SharedDatabase SharedDatabaseOf(const std::string& dir, Files& files);
+
 /// The real implementations of all ports in this process.
 struct Adapters {
     /// An operation on the store waits so long while another process holds the database.
-    explicit Adapters(const std::string& version, std::chrono::milliseconds busyTimeout = std::chrono::seconds(1))
-        : store(KindOfColumn, busyTimeout),
-          inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + version} {}
+    explicit Adapters(const RunOptions& options, std::chrono::milliseconds busyTimeout = std::chrono::seconds(1))
+        : store(KindOfColumn, busyTimeout, SharedDatabaseOf(options.dir, files)),
+          inetOptions{.caBundle = EnvironmentVariable("SSL_CERT_FILE"), .userAgent = "Korvane/" + options.version} {}
 
     RunPorts PortsWith(const DeskPorts& desk, std::function<void()> exit) {
         const auto newInet = [this] { return std::make_unique<CurlInet>(events, clock, inetOptions); };

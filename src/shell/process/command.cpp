@@ -59,7 +59,7 @@ int RunCommand(int argc, char** argv) try {
     const QCoreApplication application(argc, argv);
     RunOptions options = OptionsOf(argc, argv);
     options.isGuest = true;
-    Adapters adapters(options.version, kWaitsForDatabase);
+    Adapters adapters(options, kWaitsForDatabase);
     CommandOperator person(std::cout, std::cerr);
     const RunPorts ports = adapters.PortsWith({person}, [] {});
     const int status =

@@ -45,7 +45,7 @@ class Life {
 public:
     Life(Run::Options options, const std::function<Face(Timers&)>& makeFace)
         : options_(std::move(options)),
-          adapters_(options_.version),
+          adapters_(options_),
           face_(makeFace(adapters_.timers)),
           run_(adapters_.PortsWith(face_.desk, [this] { Exit(); }), options_) {}
     Life(const Life&) = delete;
@@ -91,7 +91,8 @@ void Life::Start() {
     try {
         adapters_.files.CreatePrivateFolder(options_.dir);
         RequireWritable(options_.dir);
-        if (run_.StartUp() == Run::Started::Running) return;
+        const Run::Started started = run_.StartUp();
+        if (started == Run::Started::Running || started == Run::Started::Stopped) return;
     } catch (const std::exception& error) {
         face_.desk.person.ShowMessage(kMessageTitle, "Korvane can't start: " + std::string(error.what()));
     }

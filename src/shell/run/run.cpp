@@ -24,6 +24,11 @@ std::unique_ptr<Timer> NewTimer(Timers& timers, const char* name, std::chrono::m
     return timer;
 }
 
+RunOptions WithInstance(RunOptions options, TcpSocket& socket) {
+    if (options.isShared && options.instance.empty()) options.instance = socket.LocalHostName() + ":" + options.dir;
+    return options;
+}
+
 Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSocket, MailTrace* mailTrace) {
     return {{sckesmtp, plainSocket, run.clock, run.events, run.person, run.files, run.guids, run.status, run.log, run.collection,
              run.safeguards, [&run] { run.StopMonitor(); }, mailTrace, &run.alertPath},
@@ -34,7 +39,7 @@ Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSoc
 
 RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
     : RunPorts(ports),
-      options(std::move(runOptions)),
+      options(WithInstance(std::move(runOptions), sckesmtp)),
       log(files, clock, options.dir, options.version),
       status(person, clock),
       settingsFile(files, SettingsFilePath(options.dir)),
@@ -56,6 +61,7 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
               }},
              options.dir),
       ofEntries(store, OdbcConnectionText(options.dir)),
+      listClock({clock, status, log}),
       Timer2(NewTimer(timers, "Timer2", 1000ms, [this] { wait.Timer2_Timer(); })),
       TimerMonitorDB(NewTimer(timers, "TimerMonitorDB", 1000ms,
                               [this] {
@@ -71,21 +77,27 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
                         })),
       TimerCopies(NewTimer(timers, "TimerCopies", 10000ms, [this] { rescue.KeepDailyCopy(); })),
       switches{*Timer2, *TimerMonitorDB, *TimerLog},
+      mailDuty(options.isShared ? std::make_unique<Duty>(store, options.dir, "outbox") : nullptr),
+      pagesDuty(options.isShared ? std::make_unique<Duty>(store, options.dir, "publish") : nullptr),
+      witnesses(options.isShared
+                    ? std::make_unique<Witnesses>(Witnesses::Ports{store, listClock, log, collection, options.instance})
+                    : nullptr),
       mail(NewDispatcher(*this, sckesmtp, plainSocket, mailTrace)),
       outbox({store, clock, timers, guids, ownProgram, person, status, log, collection, safeguards, options.dir,
               [this] { return sckesmtp.LocalHostName(); }, alertPath,
               [this] {
                   if (!alarm.Raised()) service.FollowAlertPath();
-              }}),
+              },
+              mailDuty.get()}),
       trace({files, processes, status, log}, options.dir),
       commands({processes, status, log, hiddenPasswords}),
-      actions({store, clock, status, log, collection, entries, mail, outbox, trace, commands}),
+      actions({store, listClock, status, log, collection, entries, mail, outbox, trace, commands, witnesses.get()}),
       reports({store, clock, events, person, files, status, collection, ids, safeguards, alertPath,
-               [this](std::string_view text) { return hiddenPasswords.InWords(text); }},
+               [this](std::string_view text) { return hiddenPasswords.InWords(text); }, pagesDuty.get()},
               options.dir),
       pages({processes, person, settingsFile}),
       reportCommands({reports, pages, store, files, person, status}, options.dir),
-      maintenance({store, clock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
+      maintenance({store, listClock, files, log, status, rescue, [this] { reportCommands.PublishReports(false); }}, options.dir),
       conversationWindow(conversation == nullptr ? noConversation : *conversation, hiddenPasswords),
       progress({events, person, state, *TimerProgress}),
       http({collection, safeguards, events, clock, progress}),
@@ -93,19 +105,22 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
       ping({echo, clock, person, status, log}),
       testHttp({collection, safeguards, events, clock, progress}),
       testTcp({testSocket, events, clock, person, status, conversationWindow, &hiddenPasswords, &safeguards}),
-      network({networkEcho, networkSocket, clock, events, status, log, collection, safeguards,
+      network({networkEcho, networkSocket, listClock, events, status, log, collection, safeguards,
                [this](const Notification& notification) { return SendOrPost(notification); }, store,
                OdbcConnectionText(options.dir)}),
-      keeper({store, clock, status, log, collection, outbox,
+      keeper({store, listClock, status, log, collection, outbox,
               [this](const Notification& notification) { return mail.SendWithBackup(notification); }}),
-      accounting(
-          {store, clock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox, keeper}),
+      accounting({store, listClock, events, person, sound, status, log, collection, ids, actions, network, safeguards, outbox,
+                  keeper, witnesses.get()}),
       alarm({person, status, log, serviceManager}),
-      kept({store, clock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
-      badEntries({store, clock, status, log, safeguards, kept, OdbcConnectionText(options.dir)}),
+      kept({store, listClock, log, ids, safeguards, OdbcConnectionText(options.dir)}),
+      badEntries({store, listClock, status, log, safeguards, kept, OdbcConnectionText(options.dir), options.isShared}),
       blind({clock, status, log, [this](const Notification& notification) { return SendOrPost(notification); }, safeguards}),
+      turn({store, listClock, OdbcConnectionText(options.dir), collection, witnesses.get()}),
+      away({clock, status, log, serviceManager, files,
+            [this](const Notification& notification) { return mail.SendWithBackup(notification); }, options.dir}),
       cycle({store,
-             clock,
+             listClock,
              events,
              person,
              status,
@@ -125,13 +140,18 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
              badEntries,
              kept,
              blind,
-             keeper}),
+             keeper,
+             turn,
+             away}),
       catchUp({cycle, clock, safeguards, *TimerMonitorDB}),
-      clockGuard({store, clock, safeguards, state, OdbcConnectionText(options.dir)}),
+      clockGuard({store, listClock, safeguards, state, OdbcConnectionText(options.dir), options.isShared}),
       heartbeat({timers, clock, log, collection, safeguards, state, switches, newInet}),
       wait({clock, person, status, log, collection, safeguards, switches, state, [this] { BeginOperations(); },
             [this] { maintenance.CompactAndRepair(DatabasePath(options.dir)); }}),
-      stopStart({person, status, switches, state, bFormLoading}),
+      stopStart({person, status, switches, state, bFormLoading,
+                 [this] {
+                     if (pagesDuty) pagesDuty->Release();
+                 }}),
       restart({power, person, status, log, state, [this] { stopStart.cmdStopStart(); }}),
       versionCheck(testHttp, person, pages, options.version),
       service({*this, person, mainWindow, status, collection, settings, state, stopStart, alertPath}, options),
@@ -211,7 +231,7 @@ void RunRooms::FollowSafeguards() {
     mailProof.Follow();
     heartbeat.Follow();
     machineWatch.Follow();
-    TimerCopies->SetEnabled(rescue.IsOn());
+    TimerCopies->SetEnabled(rescue.IsOn() && !options.isShared);
 }
 
 void RunRooms::LookAtEntries() {

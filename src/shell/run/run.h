@@ -21,10 +21,11 @@ public:
     Run(const RunPorts& ports, Options options);
     ~Run();
 
-    enum class Started { Running, SecondInstance, CannotGoOn };
+    enum class Started { Running, SecondInstance, CannotGoOn, Stopped };
 
-    /// Performs the whole start in its fixed order, including messages. After Running the first timer is armed; after any other
-    /// result all messages have been shown and the program must end with status 1.
+    /// Performs the whole start in its fixed order, including messages. After Running the first timer is armed. Stopped: the program was
+    /// asked to end while it waited for the server of a shared list, and must end as after Running. After any other result all
+    /// messages have been shown and the program must end with status 1.
     Started StartUp();
 
     /// Called when the program is asked to end. Returns whether it may end now: during StartUp nothing can be saved yet, so the

@@ -8,10 +8,14 @@
 #include "engine/clock_guard.h"
 #include "engine/failure_actions.h"
 #include "engine/hiding_conversation.h"
+#include "engine/list_clock.h"
 #include "engine/monitor_cycle.h"
 #include "engine/outcome.h"
 #include "engine/own_network.h"
+#include "engine/server_away.h"
+#include "engine/shared_turn.h"
 #include "engine/stop_start.h"
+#include "engine/witnesses.h"
 #include "notify/mail_proof.h"
 #include "reports/pipeline.h"
 #include "resources/machine_watch.h"
@@ -19,6 +23,7 @@
 #include "shell/run/heartbeat.h"
 #include "shell/run/ports.h"
 #include "shell/run/requests.h"
+#include "store/duty.h"
 #include "store/entry_safeguards.h"
 
 namespace korvane {
@@ -61,6 +66,7 @@ struct RunRooms : RunPorts {
     AlertPath alertPath;
     DatabaseRescue rescue;
     EntrySafeguards ofEntries;
+    ListClock listClock;
 
     // The timers must come before the objects that switch them.
     std::unique_ptr<Timer> Timer2;
@@ -69,6 +75,11 @@ struct RunRooms : RunPorts {
     std::unique_ptr<Timer> TimerLog;
     std::unique_ptr<Timer> TimerCopies;
     CycleTimers switches;
+
+    // Null unless the list is shared.
+    std::unique_ptr<Duty> mailDuty;
+    std::unique_ptr<Duty> pagesDuty;
+    std::unique_ptr<Witnesses> witnesses;
 
     Dispatcher mail;
     MailOutbox outbox;
@@ -94,6 +105,8 @@ struct RunRooms : RunPorts {
     KeptAccounts kept;
     BadEntries badEntries;
     BlindAlarm blind;
+    SharedTurn turn;
+    ServerAway away;
     MonitorCycle cycle;
     CatchUp catchUp;
     ClockGuard clockGuard;

@@ -7,6 +7,7 @@
 #include "base/raised_flag.h"
 #include "engine/server_table.h"
 #include "platform/operator.h"
+#include "platform/wait.h"
 #include "shell/run/run.h"
 #include "shell/run/run_rooms.h"
 #include "shell/web/web_pages.h"
@@ -154,8 +155,27 @@ bool DatabaseOpens(RunRooms& run) {
     return false;
 }
 
-bool HasAllItNeeds(RunRooms& run) {
+// Waits for as long as it takes; the service manager must not take that for a start that failed.
+bool ServerOpens(RunRooms& run, const bool& exitAsked) {
+    while (!exitAsked) {
+        try {
+            const auto connection = OpenDatabase(run.store, run.options.dir);
+            OpenRows(run.store, *connection, "SELECT * from servers where id < 0");
+            run.away.Back();
+            run.state.bReportsOK = true;
+            return true;
+        } catch (const ServerAwayError& error) {
+            if (!run.away.IsAway()) run.serviceManager.Ready();
+            const auto pause = run.away.Away(error.what());
+            WaitFor(run.events, run.clock, pause, [&] { return exitAsked; });
+        }
+    }
+    return false;
+}
+
+bool HasAllItNeeds(RunRooms& run, const bool& exitAsked) {
     try {
+        if (run.options.isShared) return HasTemplates(run) && ServerOpens(run, exitAsked);
         run.rescue.BeforeTheStart();
         return HasDatabase(run) && HasTemplates(run) && DatabaseOpens(run);
     } catch (const std::exception& error) {  // the disk is full, or a folder is not accessible
@@ -229,7 +249,8 @@ Run::Started Run::StartUp() {
     if (run.collection.IsTrue("bMinimized")) run.mainWindow.MinimizeToTray();
     run.mainWindow.Place(firstRun);
     run.person.SetTray(TrayPicture::Normal, "Korvane Initializing... Please Wait. Started: " + run.clock.Now().Text());
-    if (!HasAllItNeeds(run)) {
+    if (!HasAllItNeeds(run, exitAsked_)) {
+        if (run.away.IsAway()) return Started::Stopped;
         Form_Unload();
         return Started::CannotGoOn;
     }
