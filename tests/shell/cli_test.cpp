@@ -1,9 +1,10 @@
-// What the command line makes of measured phases and of certificates that end soon, for people and for programs.
+// What the command line makes of measured phases, of settings and of certificates that end soon, for people and for programs.
 #include <QJsonDocument>
 #include <sstream>
 
 #include "shell/cli/print_phases.h"
 #include "shell/cli/session.h"
+#include "shell/options/setting_change.h"
 #include "shell/shell_world.h"
 #include "store/last_checks.h"
 
@@ -42,6 +43,13 @@ TEST(Phases, ThoseThatNeverRanAreAbsent) {
         EXPECT_EQ(lines, row.lines);
         EXPECT_EQ(Compact(PhasesForJson(row.phases)), row.json);
     }
+}
+
+TEST(Settings, OnlyPasswordsAreHidden) {
+    std::string hidden;
+    for (const SettingInfo& each : AllSettings())
+        if (each.isPassword) hidden += each.key + " ";
+    EXPECT_EQ(hidden, "SMTPPass1 SMTPPass2 ProveMailPass ");
 }
 
 TEST(Status, NamesCertificatesThatEndSoonAndStaysAsItIs) {
