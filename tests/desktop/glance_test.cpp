@@ -104,6 +104,10 @@ TEST_F(GlanceTest, ColumnsFollowTheirContent) {
         EXPECT_EQ(window->ListView1->columnWidth(column::Group) > window->fontMetrics().horizontalAdvance("a_group_with_a_long_"),
                   std::string(group) != "short");
     }
+    window->resize(640, 400);
+    world->rows.Change("Servers", 2, {{"strGroup", "Development"}});
+    window->RefreshURLList();
+    EXPECT_GT(window->ListView1->columnWidth(column::Group), window->fontMetrics().horizontalAdvance("Development"));
 }
 
 TEST_F(GlanceTest, NothingIsCutInASmallWindow) {

@@ -1,4 +1,4 @@
-// What the command line makes of measured phases and of certificates that end soon, for people and for programs.
+// What the command line makes of measured phases, of settings and of certificates that end soon, for people and for programs.
 #include <QJsonDocument>
 #include <sstream>
 
@@ -7,6 +7,7 @@
 #include "shell/list/entry_csv.h"
 #include "shell/list/entry_detail.h"
 #include "shell/list/server_list.h"
+#include "shell/options/setting_change.h"
 #include "shell/shell_world.h"
 #include "store/last_checks.h"
 
@@ -84,6 +85,13 @@ TEST(Passwords, AreInNoOutputWithTheSafeguardAndComeBackFromAnExport) {
         EXPECT_EQ(PlanImport(w.desk, text).Summary(), "0 added, 0 changed, 1 unchanged, 0 refused.") << text;
         EXPECT_EQ(PlanImport(w.desk, ReplaceAll(text, "\n1,", "\n,")).Count(ImportStep::Refused), on ? 1u : 0u);
     }
+}
+
+TEST(Settings, OnlyPasswordsAreHidden) {
+    std::string hidden;
+    for (const SettingInfo& each : AllSettings())
+        if (each.isPassword) hidden += each.key + " ";
+    EXPECT_EQ(hidden, "SMTPPass1 SMTPPass2 ProveMailPass ");
 }
 
 TEST(Status, NamesCertificatesThatEndSoonAndStaysAsItIs) {

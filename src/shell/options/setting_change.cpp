@@ -37,13 +37,12 @@ std::string StoredInput(const Desk& desk, const OptionsInput& input, const std::
 
 std::vector<SettingInfo> AllSettings() {
     std::vector<SettingInfo> all;
-    const auto add = [&](std::string_view key, std::string meaning) {
-        all.push_back({std::string(key), std::move(meaning), Holds(key, "Pass")});
-    };
-    for (const OptionsInput& input : OptionsInputs())
-        add(input.key, Or(input.control.help, ReplaceAll(input.control.label, "&", "")));
+    for (const OptionsInput& input : OptionsInputs()) {
+        const std::string key(input.key), help = Or(input.control.help, ReplaceAll(input.control.label, "&", ""));
+        all.push_back({key, help.starts_with(key + ": ") ? help.substr(key.size() + 2) : help, Holds(key, "Pass")});
+    }
     for (const Safeguard& safeguard : SafeguardsOfPage())
-        add(safeguard.key, std::string(safeguard.protects));
+        all.push_back({std::string(safeguard.key), std::string(safeguard.protects), safeguard.value == SafeguardValue::Password});
     return all;
 }
 

@@ -191,10 +191,9 @@ void DetailStrip::resizeEvent(QResizeEvent* event) {
 void DetailStrip::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().base());
-    const QColor edge = shown_ ? ColoursOf(state_, palette()).ink : palette().color(QPalette::Mid);
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.fillRect(QRect(0, 0, kEdge, height()), edge);
+    if (shown_) painter.fillRect(QRect(0, 0, kEdge, height()), ColoursOf(state_, palette()).ink);
 }
 
 }  // namespace korvane

@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QFile>
 #include <QPainter>
+#include <QScreen>
 #include <QStyleOption>
 #include <QTabBar>
 #include <QTimer>
@@ -24,6 +25,8 @@ const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString kNamespace = QStringLiteral("org.freedesktop.appearance");
 const QString kKey = QStringLiteral("color-scheme");
 constexpr uint kDark = 1;  // 0: no preference, 2: light
+constexpr int kSmallScreen = 800;
+constexpr int kSmallTabSpace = 14;
 
 bool IsDark(const QPalette& palette, QPalette::ColorRole ground = QPalette::Window,
             QPalette::ColorRole text = QPalette::WindowText) {
@@ -149,6 +152,12 @@ void MarkStyle::drawControl(ControlElement element, const QStyleOption* option, 
     page.palette = PagePalette(page.palette);
     QProxyStyle::drawControl(element, &page, painter, widget);
     ColourTab(*painter, *tab, qobject_cast<const QTabBar*>(widget));
+}
+
+int MarkStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    const bool isSmall = widget != nullptr && widget->screen()->availableGeometry().width() < kSmallScreen;
+    if (metric == PM_TabBarTabHSpace && isSmall) return kSmallTabSpace;
+    return QProxyStyle::pixelMetric(metric, option, widget);
 }
 
 QPalette DarkPalette() {

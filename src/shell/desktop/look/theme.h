@@ -45,6 +45,8 @@ public:
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const override;
+    /// On a small screen tabs are narrower, so that a strip of them needs no arrows.
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
 };
 
 /// Returns the pixels between a head that is aligned at the right and the end of its column.

@@ -17,10 +17,7 @@ constexpr const char* kCsvFilter = "CSV files (*.csv);;All files (*)";
 }  // namespace
 
 QFileDialog* EntryFiles::Ask(const QString& title) {
-    auto* dialog = new QFileDialog(&window_, title);
-    dialog->setObjectName("fileDialog");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    QFileDialog* dialog = NewFileDialog(title, &window_);
     dialog->setNameFilter(kCsvFilter);
     return dialog;
 }

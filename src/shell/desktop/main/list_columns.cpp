@@ -29,6 +29,8 @@ constexpr int kMostScanCharacters = 12;
 /// The operator's texts share the space that the other columns leave.
 constexpr int kSharing[] = {column::Group, column::ScanText, column::ShortName, column::FullName};
 constexpr int kLeastCharacters = 9;
+/// The same in a list that has to be scrolled sideways anyway.
+constexpr int kScrolledCharacters = 18;
 /// Of the last column, which gets the remaining width.
 constexpr int kReasonCharacters = 24;
 
@@ -121,8 +123,12 @@ void ListColumns::Share() {
     }
     // Columns that need less than an equal share leave the rest to the others.
     std::sort(sharing.begin(), sharing.end());
-    for (auto left = static_cast<int>(sharing.size()); const auto& [need, column] : sharing) {
-        const int width = std::clamp(room / left--, kLeastCharacters * character, std::max(need, kLeastCharacters * character));
+    auto left = static_cast<int>(sharing.size());
+    const bool isScrolled = room < left * kLeastCharacters * character;
+    for (const auto& [need, column] : sharing) {
+        const int most = std::max(need, kLeastCharacters * character);
+        const int least = isScrolled ? std::min(most, kScrolledCharacters * character) : kLeastCharacters * character;
+        const int width = std::clamp(room / left--, least, most);
         list_.setColumnWidth(column, width);
         room -= width;
     }

@@ -6,6 +6,7 @@
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "resources/service_monitor.h"
 #include "shell/desktop/monitors/resource_form.h"
@@ -65,13 +66,17 @@ private:
         grid->setWordWrap(false);
         grid->setAlternatingRowColors(true);
         const int narrowest = grid->horizontalHeader()->sectionSizeHint(Monitored);
+        const int beside = 8 * fontMetrics().averageCharWidth();
+        // On a small screen the other columns are narrower, so that all of them are visible.
+        const int room = screen()->availableGeometry().width() * 9 / 10 - beside - narrowest;
+        const int unit = std::min(narrowest, room * kProportions[Monitored] / (kProportions[Name] + 2 * kProportions[Status]));
         int width = 0;
         for (int column = 0; column < Columns; ++column) {
-            grid->setColumnWidth(column, kProportions[column] * narrowest / kProportions[Monitored]);
+            grid->setColumnWidth(column, std::max(narrowest, kProportions[column] * unit / kProportions[Monitored]));
             width += grid->columnWidth(column);
         }
         grid->setMinimumSize(width / 2, grid->rowHeight(0) * 4);
-        const QSize wanted(width + 8 * fontMetrics().averageCharWidth(), grid->rowHeight(0) * kRowsSeen);
+        const QSize wanted(width + beside, grid->rowHeight(0) * kRowsSeen);
         resize(wanted.boundedTo(screen()->availableGeometry().size() * 9 / 10));
         connect(grid, &QTableWidget::cellClicked, this, [this](int row, int column) {
             if (column == Monitored) monitor_.ClickMonitor(static_cast<std::size_t>(row));

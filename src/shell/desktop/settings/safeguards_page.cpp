@@ -50,7 +50,9 @@ void SafeguardsPage::AddTo(QVBoxLayout& page) {
         boxes_[key] = NewBox(control, parent);
         if (safeguard.value == SafeguardValue::Password) boxes_[key]->setEchoMode(QLineEdit::Password);
         AddRow(form, control, boxes_[key], {});
-        form.addRow("", NewExplanation(Q(sentence), parent));
+        QLabel* const explanation = NewExplanation(Q(sentence), parent);
+        explanation->setAlignment(Qt::AlignTop);  // close to its box
+        form.addRow("", explanation);
     }
     lblCounts_ = NewExplanation("", parent);
     lblCounts_->setObjectName("lblCounts");

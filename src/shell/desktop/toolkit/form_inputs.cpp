@@ -1,9 +1,11 @@
 #include "shell/desktop/toolkit/form_inputs.h"
 
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -203,6 +205,16 @@ QLabel* NewExplanation(const QString& text, QWidget* page) {
     auto* label = new QLabel(text, page);
     label->setWordWrap(true);
     return label;
+}
+
+QFileDialog* NewFileDialog(const QString& title, QWidget* parent) {
+    auto* dialog = new QFileDialog(parent, title);
+    dialog->setObjectName("fileDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    const QSize room = dialog->screen()->availableGeometry().size() * 9 / 10;
+    dialog->resize(dialog->size().boundedTo(room));
+    return dialog;
 }
 
 }  // namespace korvane

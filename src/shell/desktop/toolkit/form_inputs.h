@@ -21,6 +21,7 @@
 #include "shell/desktop/toolkit/qt_text.h"
 #include "shell/entry/form_input.h"
 
+class QFileDialog;
 class QHBoxLayout;
 class QLayout;
 class QPlainTextEdit;
@@ -89,6 +90,9 @@ QLabel* NewLabel(const char* name, const QString& text, QWidget* page);
 
 /// Returns an explanation that wraps.
 QLabel* NewExplanation(const QString& text, QWidget* page);
+
+/// Returns a dialog for one file that is no larger than the screen. It deletes itself.
+QFileDialog* NewFileDialog(const QString& title, QWidget* parent);
 
 /// The inputs of a dialog whose values are the members of Fields.
 template <class Fields>

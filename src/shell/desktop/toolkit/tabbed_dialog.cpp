@@ -131,10 +131,7 @@ QPushButton* TabbedDialog::AddStatusAndButtons(const Control& command, const std
 
 void TabbedDialog::AskForFile(const QString& title, const QString& name, const QString& extension, const QString& filter,
                               const std::function<void(const QString& path)>& chosen) {
-    auto* dialog = new QFileDialog(this, title);
-    dialog->setObjectName("fileDialog");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    QFileDialog* dialog = NewFileDialog(title, this);
     dialog->setFileMode(QFileDialog::AnyFile);  // ExistingFile would add the extension to programs that have none
     dialog->setNameFilter(filter);
     dialog->setOption(QFileDialog::HideNameFilterDetails);
