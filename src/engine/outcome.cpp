@@ -230,7 +230,7 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
         ports_.keeper.WriteWith(conn);
     } catch (const std::exception&) {
         const bool kept = IgnoreErrors([&] { ports_.outbox.Commit(conn); });
-        if (counted && !kept) owed.row.reset();
+        if (counted && !kept) owed.uncommitted = std::exchange(owed.row, std::nullopt);
         throw;
     }
     owed.uncommitted = std::exchange(owed.row, std::nullopt);  // if this fails, neither was written, and the entry is still due

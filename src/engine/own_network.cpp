@@ -23,6 +23,7 @@ constexpr seconds kUsualRetry = 60s;
 constexpr int kHops = 255;
 constexpr int kRefused = 10061;
 constexpr std::string_view kNotCounted = "Not counted, because the own network is down since ";
+constexpr std::string_view kWasNotCounted = "Not counted, because the own network was down since ";
 const std::string kQuestion(32, 'N');  // not that of the ping check: a raw socket receives the answers to both
 
 std::string InWords(seconds length) {
@@ -121,8 +122,10 @@ void OwnNetwork::Recall() {
         conn->SetConnectionString(ports_.connectionString);
         conn->Open();
         for (const auto rs = OpenRows(ports_.store, *conn, query::kOwnNetworkDown); !rs->Eof(); rs->MoveNext()) {
+            const std::string response = ColumnText(*rs, "strLastResponse");
+            if (response.starts_with(kWasNotCounted)) continue;
             Note(*rs);
-            IgnoreErrors([&] { outage_->since = std::min(outage_->since, BeginIn(ColumnText(*rs, "strLastResponse"))); });
+            IgnoreErrors([&] { outage_->since = std::min(outage_->since, BeginIn(response)); });
         }
     });
     if (!recalled_) outage_.reset();  // another try begins anew
@@ -152,13 +155,23 @@ void OwnNetwork::Write(Recordset& rs, const std::string& strReason) const {
     rs.Update();
 }
 
+// The entries keep their status until they are checked again; a start before that must not take it for an outage.
+void OwnNetwork::NoteItIsOver() {
+    IgnoreErrors([&] {
+        const auto conn = ports_.store.NewConnection();
+        conn->SetConnectionString(ports_.connectionString);
+        conn->Open();
+        conn->Execute(query::kOwnNetworkIsBack);
+    });
+}
+
 void OwnNetwork::TellItIsBack() {
     const Outage outage = *std::exchange(outage_, std::nullopt);
     const auto length = std::chrono::duration_cast<seconds>(ports_.clock.GetTickCount() - outage.start);
     const std::string text = "The own network is back after " + InWords(length) + " " + Counted(outage.checks, outage.recalled);
     ports_.status.setStatusMSG(text);
     ports_.log.Info("Safeguard OwnNetwork: " + text);
-    if (outage.people.empty()) return;
+    if (outage.people.empty()) return NoteItIsOver();
     std::string people;
     for (const std::string& recipient : outage.people)
         people += (people.empty() ? "" : ";") + recipient;
@@ -166,6 +179,7 @@ void OwnNetwork::TellItIsBack() {
         ports_.send({people, "", outage.strFrom, "OWN NETWORK BACK UP",
                      "Time: " + ports_.clock.Now().Text() + "\r\n\r\n" + text + "\r\n\r\nIt was down since " +
                          outage.since.Text() + ": none of " + ports_.safeguards.Text(kKey) + " answered."});
+    NoteItIsOver();
     if (outcome.sent) return;
     ports_.log.WriteLog(kLogFatal, kLogError, "The mail about the own network FAILED because '" + outcome.strError + "'.");
 }

@@ -70,6 +70,7 @@ private:
     void Recall();
     void Note(Recordset& rs);
     void Write(Recordset& rs, const std::string& strReason) const;
+    void NoteItIsOver();
     void TellItIsBack();
 
     Ports ports_;

@@ -75,6 +75,9 @@ std::string FailTextsOf(std::string_view id);
 std::string ById(std::int64_t id);
 inline constexpr std::string_view kAllByNextCheck = "SELECT  * from servers order by dtNextCheck asc ";
 inline constexpr std::string_view kOwnNetworkDown = "SELECT * FROM Servers WHERE strCurStatus = 'own network down'";
+inline constexpr std::string_view kOwnNetworkIsBack =
+    "UPDATE Servers SET strLastResponse = replace(strLastResponse, 'own network is down', 'own network was down') "
+    "WHERE strCurStatus = 'own network down'";
 inline constexpr std::string_view kNoFailures = "SELECT * FROM Failures where id < 0";
 }  // namespace query
 

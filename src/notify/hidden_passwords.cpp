@@ -64,12 +64,18 @@ void HideAfterCommands(std::string& text) {
     }
 }
 
+/// Also in the address of an entry, which has no scheme in front.
 void HideInUrls(std::string& text) {
-    for (std::size_t at = text.find("://"); at != npos; at = text.find("://", at + 3)) {
-        const std::size_t end = std::min(text.find_first_of("/ \t\r\n'\"<>?#", at + 3), text.size());
-        const std::size_t sign = text.rfind('@', end == 0 ? 0 : end - 1);
-        const std::size_t colon = text.find(':', at + 3);
-        if (sign != npos && colon < sign) Replace(text, colon + 1, sign);
+    constexpr const char* kEnds = "/ \t\r\n'\"<>?#";
+    if (text.find('@') == npos) return;  // as in most texts
+    for (std::size_t at = text.find_first_not_of(kEnds); at != npos; at = text.find_first_not_of(kEnds, at)) {
+        const std::size_t end = std::min(text.find_first_of(kEnds, at), text.size());
+        const std::string_view word = std::string_view(text).substr(at, end - at);
+        const std::size_t sign = word.rfind('@'), colon = word.find(':');
+        const std::size_t length = text.size();
+        const bool isCommand = EqualsNoCase(word.substr(0, colon), "from") || EqualsNoCase(word.substr(0, colon), "to");
+        if (sign != npos && colon < sign && !isCommand) Replace(text, at + colon + 1, at + sign);
+        at = end + text.size() - length;
     }
 }
 

@@ -186,11 +186,13 @@ void MailOutbox::Flush() {
     Settle(false);  // the store cannot even be opened
 }
 
-// The mail about the failure must not be on its way, and nobody may have it: who has it gets the recovery as a mail of its own.
+// The mail about the failure must not be on its way, and nobody may have it: who has it gets the recovery as a mail of its own. So
+// does everybody when the recipients are others now, perhaps because those of the failure were wrong.
 MailOutbox::Item* MailOutbox::FailureThatWaits(const OutboxMail& recovery) {
     if (recovery.event != MailEvent::Recovery) return nullptr;
     for (Item& item : items_) {
-        const bool same = item.mail.event == MailEvent::Failure && item.mail.idEntry == recovery.idEntry;
+        const bool same = item.mail.event == MailEvent::Failure && item.mail.idEntry == recovery.idEntry &&
+                          item.mail.recipients == recovery.recipients;
         if (same && item.mail.untouched && item.taken.empty() && !(round_ && round_->item == &item)) return &item;
     }
     return nullptr;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/datetime.h"
 #include "base/error.h"
@@ -61,8 +62,9 @@ public:
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
 
-    /// Runs a statement that returns no rows, such as "CREATE TABLE IF NOT EXISTS ...", durably or as part of a transaction.
-    virtual void Execute(std::string_view statement) = 0;
+    /// Runs a statement that returns no rows, such as "CREATE TABLE IF NOT EXISTS ...", with a value for each "?" in it, durably or
+    /// as part of a transaction.
+    virtual void Execute(std::string_view statement, const std::vector<Value>& values = {}) = 0;
 
     /// Throws Error when the file cannot be written now. The file does not change by a single byte.
     virtual void TryWriting() = 0;

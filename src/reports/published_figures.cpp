@@ -11,6 +11,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "store/database_files.h"
+#include "store/last_checks.h"
 
 namespace korvane {
 namespace {
@@ -168,7 +169,8 @@ void PublishedFigures::Write(Connection& connection) {
     const auto open = [&](std::string_view query) {
         return OpenRows(ports_.store, connection, query, CursorType::Static, LockType::BatchOptimistic);
     };
-    const bool hasCertificates = connection.HasTable("LastChecks");  // where other settings keep them
+    // A row that is no longer kept up would tell of a certificate that has been renewed.
+    const bool hasCertificates = KeepsLastChecks(ports_.settings) && connection.HasTable("LastChecks");
     const auto rs =
         open(std::string(kColumns).append(hasCertificates ? kWithCertificate : " FROM Servers") + " ORDER BY Servers.ID");
     for (; !rs->Eof(); rs->MoveNext())

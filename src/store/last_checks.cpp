@@ -35,6 +35,9 @@ constexpr std::string_view kForgetsMails =
     "CREATE TRIGGER IF NOT EXISTS CertificateMailsOfDeleted AFTER DELETE ON Servers BEGIN DELETE FROM CertificateMails WHERE "
     "IDParent = OLD.ID; END";
 
+constexpr std::string_view kWritesCheck = "INSERT INTO LastChecks VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
+
+/// In the order of the table.
 constexpr std::pair<const char*, std::optional<Duration> CheckPhases::*> kPhaseColumns[] = {
     {"nName", &CheckPhases::name},           {"nConnect", &CheckPhases::connect}, {"nTLS", &CheckPhases::tls},
     {"nFirstByte", &CheckPhases::firstByte}, {"nWhole", &CheckPhases::whole},
@@ -43,6 +46,15 @@ constexpr std::pair<const char*, std::optional<Duration> CheckPhases::*> kPhaseC
 std::string TextOf(const SettingsCollection& settings, std::string_view key) {
     const std::string* value = settings.Find(key);
     return value == nullptr ? "" : Trim(*value);
+}
+
+std::optional<std::chrono::days> DaysIn(const std::string& text) {
+    std::int64_t days = 0;
+    IgnoreErrors([&] {
+        if (std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) days = ParseWhole(text);
+    });
+    if (days < 1 || days > kMostDays) return std::nullopt;
+    return std::chrono::days(days);
 }
 
 double Milliseconds(Duration duration) {
@@ -111,14 +123,13 @@ void AddRow(Connection& conn, std::string_view createsTable, std::string_view cr
 }  // namespace
 
 std::optional<std::chrono::days> CertWarnDays(const SettingsCollection& settings) {
-    std::int64_t days = 0;
-    IgnoreErrors([&] {
-        if (const std::string text = TextOf(settings, kCertWarnDays);
-            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
-            days = ParseWhole(text);
-    });
-    if (days < 1 || days > kMostDays) return std::nullopt;
-    return std::chrono::days(days);
+    return DaysIn(TextOf(settings, kCertWarnDays));
+}
+
+std::string CertWarnDaysProblem(std::string_view value) {
+    const std::string text = Trim(value);
+    if (text.empty() || DaysIn(text)) return "";
+    return std::string(kCertWarnDays) + ": '" + text + "' is not a number of days from 1 to " + std::to_string(kMostDays) + ".";
 }
 
 bool KeepsLastChecks(const SettingsCollection& settings) {
@@ -126,30 +137,25 @@ bool KeepsLastChecks(const SettingsCollection& settings) {
 }
 
 std::string LastChecksProblem(const SettingsCollection& settings) {
-    const std::string keeps = TextOf(settings, kKeepPhases), days = TextOf(settings, kCertWarnDays);
+    const std::string keeps = TextOf(settings, kKeepPhases);
+    const std::string days = CertWarnDaysProblem(TextOf(settings, kCertWarnDays));
     std::string problem;
     if (!keeps.empty() && keeps != "True" && keeps != "False")
         problem = "KeepPhases: '" + keeps + "' is not \"True\" or \"False\". It is off.";
-    if (!days.empty() && !CertWarnDays(settings))
-        problem += (problem.empty() ? "" : " ") + ("CertWarnDays: '" + days) + "' is not a number of days from 1 to " +
-                   std::to_string(kMostDays) + ". It is off.";
+    if (!days.empty()) problem += (problem.empty() ? "" : " ") + days + " It is off.";
     return problem;
 }
 
+// One statement, because this is part of each check.
 void LastChecks::Write(Connection& conn, const LastCheck& check) {
-    AddRow(conn, kCreatesChecks, kForgetsChecks, [&] {
-        const auto rs = OpenRows(store_, conn, "SELECT * FROM LastChecks WHERE ID < 0");
-        rs->AddNew();
-        rs->Fields("ID") = check.id;
-        rs->Fields("dtCheck") = check.when.Stored();
-        for (const auto& [column, phase] : kPhaseColumns) {
-            const auto& took = check.phases.*phase;
-            rs->Fields(column) = took ? Value(Milliseconds(*took)) : Value();
-        }
-        rs->Fields("strSteps") = StepsText(check.phases.steps);
-        rs->Fields("dtCertificate") = check.phases.certificateEnd ? Value(check.phases.certificateEnd->Stored()) : Value();
-        rs->Update();
-    });
+    std::vector<Value> row{check.id, check.when.Stored()};
+    for (const auto& [column, phase] : kPhaseColumns) {
+        const auto& took = check.phases.*phase;
+        row.push_back(took ? Value(Milliseconds(*took)) : Value());
+    }
+    row.emplace_back(StepsText(check.phases.steps));
+    row.push_back(check.phases.certificateEnd ? Value(check.phases.certificateEnd->Stored()) : Value());
+    AddRow(conn, kCreatesChecks, kForgetsChecks, [&] { conn.Execute(kWritesCheck, row); });
 }
 
 std::map<std::int64_t, LastCheck> LastChecks::ReadRows(Connection& conn, const std::string& where) {

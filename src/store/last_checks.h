@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/check_phases.h"
@@ -21,6 +22,8 @@ bool KeepsLastChecks(const SettingsCollection& settings);
 /// Returns how many days before the end of a certificate the first mail goes out, 1 to 1000; nothing when the setting is blank or
 /// unusable.
 std::optional<std::chrono::days> CertWarnDays(const SettingsCollection& settings);
+/// Returns what is wrong with the value, for the operator; empty if nothing is.
+std::string CertWarnDaysProblem(std::string_view value);
 /// Returns what is wrong with the two settings, for the operator; empty if nothing is.
 std::string LastChecksProblem(const SettingsCollection& settings);
 

@@ -48,6 +48,7 @@ constexpr std::chrono::hours kSilence{1};
 /// These keys mean nothing on their own.
 constexpr std::string_view kRefining[] = {"SMTPPort1",     "SMTPPort2",     "SMTPAuthority", "ProveMailTime", "ProveMailTo",
                                           "ProveMailHost", "ProveMailPort", "ProveMailUser", "ProveMailPass"};
+constexpr std::string_view kProof = "ProveMail";
 constexpr std::string_view kNeededByProof[] = {"ProveMailTo", "ProveMailHost", "ProveMailUser"};
 
 bool Refines(std::string_view key) {
@@ -148,8 +149,11 @@ std::string Safeguards::Text(std::string_view key) const {
 
 bool Safeguards::IsOn(std::string_view key) const {
     if (Text(key) != kOn) return false;
-    if (!EqualsNoCase(key, "ProveMail")) return true;
-    return std::none_of(std::begin(kNeededByProof), std::end(kNeededByProof), [&](auto needed) { return Text(needed).empty(); });
+    if (!EqualsNoCase(key, kProof)) return true;
+    return std::none_of(std::begin(kNeededByProof), std::end(kNeededByProof),
+                        [&](auto needed) { return Text(needed).empty(); }) &&
+           std::all_of(std::begin(kRefining), std::end(kRefining),
+                       [&](auto other) { return !other.starts_with(kProof) || Problem(other).empty(); });
 }
 
 std::vector<std::string> Safeguards::Hosts(std::string_view key) const {
@@ -178,7 +182,7 @@ std::vector<std::string> Safeguards::Problems() const {
     std::vector<std::string> problems;
     for (const Safeguard& safeguard : kSafeguards)
         if (const std::string problem = Problem(safeguard.key); !problem.empty()) problems.push_back(problem);
-    if (Text("ProveMail") == kOn)
+    if (Text(kProof) == kOn)
         for (const std::string_view needed : kNeededByProof)
             if (Text(needed).empty()) problems.push_back("ProveMail: it needs a usable " + std::string(needed) + ".");
     return problems;

@@ -103,6 +103,16 @@ TEST_F(AllForms, MayGoAtEachPointWhereTheyWait) {
     }
 }
 
+TEST_F(AllForms, TheSettingsAreAsHighAsTheirOtherPagesNeedAndFitIntoALowScreen) {
+    Open("frmOptions");
+    const QSize wanted = form->sizeHint();
+    EXPECT_LE(form->minimumSizeHint().height(), 400);
+    auto& pages = *form->findChild<QTabWidget*>("tabPages");
+    pages.removeTab(pages.count() - 1);
+    Settle();
+    EXPECT_EQ(form->sizeHint().height(), wanted.height());
+}
+
 TEST_F(AllForms, TracesStayWhereTheirReaderIsAndKeepAWholeSession) {
     Open("frmReqRes");
     QScrollBar& bar = *Get<QPlainTextEdit>("txtTrace").verticalScrollBar();

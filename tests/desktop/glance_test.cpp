@@ -123,7 +123,10 @@ TEST_F(GlanceTest, NothingIsCutInASmallWindow) {
             EXPECT_GE(each->height(), each->minimumSizeHint().height()) << S(each->objectName());
         }
         EXPECT_GE(window->txtStatus->height(), 3 * window->fontMetrics().height());
-        EXPECT_GE(window->ListView1->viewport()->height(), 3 * window->fontMetrics().height());
+        QTreeView& list = *window->ListView1;
+        EXPECT_GE(list.viewport()->height(), 3 * list.sizeHintForRow(0));
+        EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.currentIndex()))) << size.height();
+        list.setCurrentIndex(list.model()->index(list.model()->rowCount() - 1, 0));
     }
 }
 

@@ -82,4 +82,15 @@ TEST(Look, PicturesRespondToTheMouseAndTheChosenTabIsStronger) {
     EXPECT_GT(strength(QStyle::State_Selected), strength(QStyle::State_None));
 }
 
+TEST(Look, APageOfTabsIsAsDarkAsTheWindowAroundIt) {
+    NeedDesktop();
+    QImage image(40, 40, QImage::Format_RGB32);
+    QStyleOptionTabWidgetFrame page;
+    page.rect = image.rect();
+    page.palette = DarkPalette();
+    QPainter painter(&image);
+    MarkStyle().drawPrimitive(QStyle::PE_FrameTabWidget, &page, &painter, nullptr);
+    EXPECT_NEAR(image.pixelColor(20, 20).lightness(), page.palette.color(QPalette::Window).lightness(), 3);
+}
+
 }  // namespace korvane::look_test

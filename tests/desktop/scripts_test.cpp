@@ -102,6 +102,11 @@ protected:
          [&](auto& of, auto&) { QAccessible::queryAccessibleInterface(&Get(of))->actionInterface()->doAction("Toggle"); }},
         {"choose", [&](auto&, auto& text) { emit Get<QFileDialog>("fileDialog").fileSelected(Q(text)); }},
         {"sort", [&](auto& of, auto& text) { window->ListView1->sortByColumn(std::stoi(of), Qt::SortOrder(text == "down")); }},
+        {"press",
+         [&](auto& of, auto&) {
+             const QWidget& control = *form->findChild<QWidget*>(Q(of));
+             QTest::mouseClick(form->windowHandle(), Qt::LeftButton, {}, control.mapTo(form, control.rect().center()));
+         }},
         {"click", [&](auto&, auto& text) { Click(Get<QTableWidget>("grdSvc"), std::stoi(text)); }},
         {"size", [&](auto&, auto& text) { window->SetWidth(std::stoi(text)), window->SetHeight(std::stoi(text)); }},
         {"width", [&](auto&, auto& text) { window->ListView1->setColumnWidth(column::Group, std::stoi(text)); }},

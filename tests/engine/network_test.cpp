@@ -98,6 +98,24 @@ TEST(OwnNetwork, NoEntryIsBlamedAndOneMailTellsWhenItIsBack) {
               4);
 }
 
+TEST(OwnNetwork, TellsOnceThatItIsBackAlsoWhenARestartFollows) {
+    Alone alone(Columns("strEmailList1", "a@x"));
+    alone.Add(Ping({{"strEmailList1", "a@x"}}));
+    alone.RunFor(1min);
+    alone.gateway.Up();
+    while (alone.mail.mails.empty())
+        alone.RunFor(1s);
+    EXPECT_EQ(alone.Of(2, "strCurStatus"), "own network down") << "it is not checked again yet";
+    const TemporaryFolder copy;
+    std::filesystem::copy(alone.home, copy.Path(), std::filesystem::copy_options::recursive);
+    World restarted({.start = alone.world.clock.Now(), .home = copy.Path()});
+    for (const char* host : {"10.9.9.1", "10.0.0.1"})
+        restarted.net.Host(host).Up();
+    restarted.Start();
+    restarted.RunFor(90s);
+    EXPECT_EQ(restarted.mail.mails.size(), 0U);
+}
+
 TEST(OwnNetwork, IsAskedBeforeAndAfterTheCheckAndAnyAnswerWillDo) {
     const auto change = [](Alone& alone, std::chrono::milliseconds after, bool up) {
         alone.world.After(after, [&alone, up] { up ? alone.gateway.Up() : alone.gateway.Down(); });

@@ -126,6 +126,25 @@ TEST(MailOutbox, AnOutageThatEndedMeanwhileIsOneMail) {
         EXPECT_TRUE(Holds(text, part)) << text;
 }
 
+TEST(MailOutbox, ARecoveryGoesToThePeopleOfNow) {
+    Outbox outbox(kOn, To("wrong"));
+    outbox.mail.refuse = [](const std::string& line) { return line.starts_with("rcpt to:<wrong"); };
+    outbox.RunFor(90s);
+    outbox.Change(1, To("a@x"));
+    outbox.net.Host("10.0.1.1").Echo(5ms);
+    outbox.RunFor(2min);
+    ASSERT_EQ(outbox.mail.mails.size(), 1);
+    EXPECT_EQ(outbox.mail.mails[0].recipients, Texts{"<a@x>"});
+}
+
+TEST(MailOutbox, AMailThatIsNotWrittenYetIsWrittenAtTheEnd) {
+    Outbox outbox;
+    outbox.Port().Anew().Refuse();
+    outbox.run.TheDesk().outbox.Put({"a@x", "", "me@z", "Late", ""});
+    outbox.run.mnuExit_Click();
+    EXPECT_EQ(outbox.Column("strState"), "waiting|");
+}
+
 TEST(MailOutbox, NobodyGetsAMailTwiceAfterARestart) {
     Outbox outbox;
     outbox.mail.refuse = [](const std::string& line) { return line.starts_with("rcpt to:<b@y"); };

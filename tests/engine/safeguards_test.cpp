@@ -132,8 +132,11 @@ TEST(GuardBadEntries, TwentyGoodEntriesAreCheckedBesideEachBadValue) {
 }
 
 TEST(GuardBadEntries, KeepsTheAccountsOfAnHourWhileTheStoreRefusesThem) {
-    for (const auto& [refused, minutes] :
-         {std::pair{StoreOperation::Update, 60}, std::pair{StoreOperation::Commit, 10}, std::pair{StoreOperation::AddNew, 10}}) {
+    using Op = StoreOperation;
+    for (const auto& [refused, minutes] : {std::pair{std::vector{Op::Update}, 60},
+                                           {std::vector{Op::Commit}, 10},
+                                           {std::vector{Op::AddNew}, 10},
+                                           {std::vector{Op::AddNew, Op::Commit}, 10}}) {
         Engine engine({Web({{"strPort", "abc"}})}, "GuardBadEntries=True\nCatchUp=True");
         const Row entry = Ping({{"nIntervalSeconds", 60}, {"strCMD", "mend"}});
         for (const char* address : {"10.0.0.1", "10.0.0.2", "10.0.0.1", "10.0.0.2"}) {
@@ -141,7 +144,8 @@ TEST(GuardBadEntries, KeepsTheAccountsOfAnHourWhileTheStoreRefusesThem) {
             engine.Change(engine.last, {{"strAddress_IP", address}});
         }
         engine.RunFor(10s);
-        engine.store.faults.Add({.operation = refused, .forever = true});
+        for (const Op operation : refused)
+            engine.store.faults.Add({.operation = operation, .forever = true});
         engine.RunFor(std::chrono::minutes(minutes));
         engine.store.faults.Heal();
         engine.RunFor(30s);

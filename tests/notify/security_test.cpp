@@ -137,13 +137,14 @@ TEST(HidePasswords, TakesThemOutOfEveryTextThatPeopleSee) {
               "'+OK,AUTH LOGIN,334,[not shown],334,[not shown],235' and 'auth plain,334,[not shown]'"},
              {"'a1 LOGIN bob word'", "'a1 LOGIN [not shown]'"},
              {"getting 'http://u:p@w@h:80/x@y'", "getting 'http://u:[not shown]@h:80/x@y'"},
+             {"getting 'u:p@h'; RCPT TO:a@b", "getting 'u:[not shown]@h'; RCPT TO:a@b"},
              {"it will pass abc to http://h:80/ at 5:00", "it will pass abc to http://h:80/ at 5:00"}}) {
         desk.status.setStatusMSG(text);
         desk.log.Info(text);
         EXPECT_EQ(world.person.StatusTexts().back(), shown);
         EXPECT_EQ(world.LogTexts().back(), shown);
     }
-    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 14u);
+    EXPECT_EQ(desk.safeguards.Counts().at("HidePasswords"), 16u);
     world.net.Host("10.0.0.9").Port(25).Speak("220\r\n").Answer([](auto&) { return "334 235\r\n"; });
     EXPECT_EQ(desk.tcp.DoTCPRequest("10.0.0.9", "220,AUTH LOGIN,334,dXNl,334,cGFz,235,QUIT,3", 20s, "25").strReason, "");
     EXPECT_EQ(world.person.StatusTexts().end()[-3], "Requesting 'QUIT'");

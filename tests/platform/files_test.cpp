@@ -2,8 +2,10 @@
 // standard streams of a program that nobody reads.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -127,10 +129,28 @@ TEST_F(LinuxFilesTest, AFullDiskAndAForeignFolderLeaveWholeTexts) {
 TEST_F(LinuxFilesTest, OneProcessHoldsAFolder) {
     const Descriptor anybodys(::open(folder.c_str(), O_RDONLY));
     ASSERT_EQ(::flock(anybodys.Number(), LOCK_EX), 0);
-    EXPECT_TRUE(files.HoldFolder(folder) && files.HoldFolder(folder + "/."));
+    EXPECT_FALSE(files.IsHeld(folder));
+    EXPECT_TRUE(files.HoldFolder(folder) && files.HoldFolder(folder + "/.") && files.IsHeld(folder));
     EXPECT_EQ(ModeOf(folder + "/korvane.lock"), fs::perms(0600));
     fs::create_symlink(folder, other);
     EXPECT_FALSE(LinuxFiles().HoldFolder(other));
+}
+
+// As in a container: `stat` tells the device of a layer there.
+TEST_F(LinuxFilesTest, AFolderOfLayersIsSeenToBeHeld) {
+    const auto mounts = [&](const char* what, const std::string& where, const char* options) {
+        return ::mount(what, where.c_str(), what, 0, options) == 0;
+    };
+    EXPECT_TRUE(PassesInChild([&] {
+        for (const char* name : {"/low", "/up", "/work", "/all"})
+            fs::create_directory(folder + name);
+        const bool isPrivate = ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        if (!isPrivate || !mounts("tmpfs", folder + "/low", nullptr)) return true;
+        files.Replace(folder + "/low/korvane.lock", "");
+        const std::string layers = "lowerdir=" + folder + "/low,upperdir=" + folder + "/up,workdir=" + folder + "/work";
+        if (!mounts("overlay", folder + "/all", layers.c_str())) return true;
+        return files.HoldFolder(folder + "/all") && files.IsHeld(folder + "/all");
+    }));
 }
 
 TEST(StandardStreams, AreOpenAndDropWhatNobodyReadsAndSaySo) {

@@ -372,6 +372,7 @@ TEST_F(ReportsTest, FiguresAreWrittenWholeForOtherProgramsOnceAMinuteAndWithEach
     world.RunFor(minutes(3));
     EXPECT_FALSE(fs::exists(root + "/metrics.prom") || fs::exists(root + "/status.json"));
     world.Set("Figures", "True");
+    world.Set("KeepPhases", "True");
     world.RunFor(minutes(2));
     EXPECT_LE(world.world.clock.UtcNow().Seconds() - std::stoll(turn()), 60);
     world.Write("read.py", kReadFigures);
@@ -387,8 +388,10 @@ id name group type address state code passed failed failuresInARow upPercent res
 ['program', 'loop', 'lastCheck'] True
 )");
 
+    world.Set("KeepPhases", "False");
     world.run.cmdStopStart();
     Publish();
+    EXPECT_FALSE(Holds(figures(), "korvane_entry_certificate_days{")) << "a certificate that is no longer looked at";
     const std::string last = turn();
     world.RunFor(minutes(5));
     world.rows.Change("Servers", 7, {{"nSuccess", 13}});

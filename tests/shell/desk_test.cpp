@@ -11,9 +11,11 @@
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
 #include "shell/list/outage_notes.h"
+#include "shell/list/outage_starts.h"
 #include "shell/list/server_list.h"
 #include "shell/options/global_email_walk.h"
 #include "shell/options/resource_emails.h"
+#include "shell/run/requests.h"
 #include "shell/shell_world.h"
 #include "shell/web/web_forms.h"
 #include "store/last_checks.h"
@@ -233,6 +235,41 @@ TEST(ServerList, ShowsInRedWhoWouldNotifyNobodyWithAnySafeguardOn) {
     EXPECT_EQ(shown(), "UP, notifies nobody!!");
 }
 
+TEST(OutageStarts, KnowTheLongestOutageAlsoWhenItsFirstFailuresAreGone) {
+    StartedWorld w;
+    const DateTime now = w.world.clock.Now();
+    w.rows.AddMany({{.strDesc = "short", .nTriesCur = 3, .strCurStatus = "DOWN"},
+                    {.strDesc = "long", .nTriesCur = 100, .strCurStatus = "DOWN"},
+                    {.strDesc = "fails", .nTriesCur = 2, .strCurStatus = "Failing"}});
+    const auto add = [&](int parent, int count, DateTime when) {
+        w.rows.AddRow("Failures",
+                      Columns("ID IDParent nFailCount nFailMax dateFail", parent * 1000 + count, parent, count, 3, when));
+    };
+    for (int count = 1; count <= 3; ++count)
+        add(1, count, now - 1h + 1s * count), add(3, count, now - 3h);
+    for (int count = 61; count <= 100; ++count)
+        add(2, count, now - 1min * (100 - count));
+    OutageStarts starts;
+    const auto order = [&] {
+        std::vector<ServerRow> rows = LoadServerList(w.store, w.rows.DriverString(), now, false);
+        starts.AddTo(w.desk, rows);
+        SharedRows shared;
+        for (const ServerRow& row : rows)
+            shared.push_back(std::make_shared<const ServerRow>(row));
+        PutProblemsFirst(shared);
+        std::string text;
+        for (const auto& row : shared)
+            text += row->Name() + (row->since ? " " + std::to_string((now - *row->since).count()) : "") + "; ";
+        return text;
+    };
+    EXPECT_EQ(order(), "long 5940; short 3597; fails 10800; ");
+    w.rows.Connected()->Execute("DELETE FROM Failures");
+    w.rows.Change("Servers", 2, {{"nTriesCur", 101}});
+    EXPECT_EQ(order(), "long 5940; short 3597; fails 10800; ") << "it is read once";
+    w.rows.Change("Servers", 2, {{"nTriesCur", 4}});
+    EXPECT_EQ(order(), "short 3597; long; fails 10800; ") << "this is another outage";
+}
+
 TEST(ListFilter, FindsEveryWordSomewhereWithoutRegardToCase) {
     ServerRow row;
     row.strCurStatus = "UP";
@@ -281,6 +318,25 @@ TEST(EntryActs, ChangeAllOrNoneAndOnlyWhatTheyName) {
     const auto page = [](const auto& entry) { return PageOfEntry("Https", entry, "8080"); };
     EXPECT_EQ(Each("a/b:1|[::1]/x|a:1|-x; rm| ", page),
               "https://a:8080/b:1; https://[::1]:8080/x; https://a:1; https://-x;%20rm:8080; ; ");
+}
+
+TEST(EntryActs, AValueThatCannotBeReadHidesNoEntryAndIsReplaced) {
+    StartedWorld w;
+    w.rows.AddMany({{.strDesc = "a"}, {.strDesc = "b"}});
+    w.rows.Connected()->Execute("UPDATE Servers SET bIsMonitoring = 'maybe', bSendUpNotify = 'maybe' WHERE ID = 1");
+    EXPECT_EQ(LoadServerList(w.store, w.rows.DriverString(), w.world.clock.Now(), false).size(), 2u);
+    EXPECT_EQ(PlanImport(w.desk, "id,strDesc\n2,c").Count(ImportStep::Changed), 1u);
+    EXPECT_TRUE(EntryActs(w.desk).Pause({"1", "2"}).starts_with("2 entries paused"));
+    EXPECT_EQ(w.rows.Server(1).at("bIsMonitoring"), Value(false));
+}
+
+TEST(Requests, ASettingThatCannotBeStoredStaysAsItIsAndTheLogSaysWhy) {
+    StartedWorld w;
+    LeaveRequest(w.disk, w.home, "1", "Zone", "-500");
+    w.files.faults.Add({.forever = true, .about = "kvurlwatchn.ini", .description = "disk full"});
+    w.RunFor(2s);
+    EXPECT_TRUE(w.Logged("# The setting Zone was not changed from the command line: disk full"));
+    EXPECT_EQ(*w.desk.collection.Find("Zone"), "");
 }
 
 TEST(EntryCsv, BringsBackExactlyWhatWasExported) {

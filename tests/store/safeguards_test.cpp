@@ -30,6 +30,11 @@ TEST(SafeguardTable, AValueThatIsUnusableIsNamedOnceAndLeavesItsSafeguardOff) {
     EXPECT_EQ(guards.Text("Heartbeat") + guards.Text("SMTPSecurity1"), "");
     EXPECT_EQ(guards.Port("SMTPPort1", 25), 25);
     EXPECT_EQ(guards.Port("SMTPPort2", 25), 65535);
+    for (const char* needed : {"ProveMailTo", "ProveMailHost", "ProveMailUser"})
+        world.Set(needed, "x");
+    EXPECT_FALSE(guards.IsOn("ProveMail")) << "its time is unusable";
+    world.Set("ProveMailTime", "23:59");
+    EXPECT_TRUE(guards.IsOn("ProveMail"));
     world.Set("OwnNetwork", "10.0.0.1;;[::1]; gate.example");
     EXPECT_EQ(guards.Hosts("OwnNetwork"), (std::vector<std::string>{"10.0.0.1", "[::1]", "gate.example"}));
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/connection.h"
 #include "support/fault_plan.h"
@@ -57,7 +58,9 @@ private:
         void Close() override { link->Close(); }
         void BeginTrans() override { link->BeginTrans(); }
         void CommitTrans() override { At(Op::Commit).CommitTrans(); }
-        void Execute(std::string_view statement) override { At(Op::Execute, statement).Execute(statement); }
+        void Execute(std::string_view statement, const std::vector<Value>& values) override {
+            At(Op::Execute, statement).Execute(statement, values);
+        }
         void TryWriting() override { link->TryWriting(); }
         bool HasTable(std::string_view name) override { return link->HasTable(name); }
         bool TryTakeDuty(std::string_view name) override { return link->TryTakeDuty(name); }

@@ -106,7 +106,7 @@ public:
     /// Sets a key in the settings that the running program consults.
     void Set(std::string_view key, std::string value) { run.TheDesk().collection.setKvSettingsColValue(key, std::move(value)); }
 
-private:
+    /// For another Run in the same home, such as that of a command.
     RunPorts Ports() {
         const auto newInet = [this] { return std::make_unique<VirtualInet>(net); };
         const auto proxy = [this] { return proxyServer; };
@@ -119,6 +119,7 @@ private:
                 {face.person ? *face.person : person, face.window, face.conversation}};
     }
 
+private:
     std::unique_ptr<TemporaryFolder> folder_;
     VirtualWorld time_;
 

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "system/program.h"
+#include "system/servers.h"
 
 namespace korvane::test {
 
@@ -78,6 +78,31 @@ private:
     Folder folder_;
     Process display_{"exec Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>number", folder_};
     std::unique_ptr<Process> windowManager_;
+};
+
+/// A session bus of a test's own, with a notification area, a notification service, and what screen readers read.
+class Session {
+public:
+    std::string Words() const { return "DBUS_SESSION_BUS_ADDRESS=unix:path=" + bus_.folder.At("bus") + " "; }
+    /// One line a notification.
+    std::string Notes() const { return ReplaceAll(service_.Output(), "ready\n", ""); }
+    void ClickTrayIcon() const { Ask("click"); }
+    /// Waits until this is read on the screen, and that is not.
+    testing::AssertionResult Reads(const std::string& text, const std::string& gone = "") const {
+        std::string all;
+        const auto found = [&] { return all = Ask("read"), Holds(all, text) && (gone.empty() || !Holds(all, gone)); };
+        return Waited(found) ? testing::AssertionSuccess() : testing::AssertionFailure() << all;
+    }
+
+private:
+    std::string Ask(const std::string& what) const {
+        return Answer("timeout 30 env " + Words() + kScript + what + " 2>/dev/null");
+    }
+
+    const std::string kScript = "/usr/bin/python3 " + kSystemTests + "session.py ";
+    Server bus_{"dbus-daemon --nofork --print-address --config-file=" + kSystemTests + "bus.conf",
+                [](const Server& self) { return Holds(self.Output(), "guid="); }};
+    Server service_{"env " + Words() + kScript + "serve", [](const Server& self) { return Holds(self.Output(), "ready\n"); }};
 };
 
 }  // namespace korvane::test

@@ -13,7 +13,6 @@ class Tour : public testing::Test {
 protected:
     void SetUp() override {
         KORVANE_NEEDS("Xvfb openbox trayer xdotool xprop nginx");
-        if (!OwnMounts()) GTEST_SKIP() << "no service manager can be played here";
         Real("nginx");
         desktop = std::make_unique<Desktop>();
     }
@@ -31,6 +30,7 @@ protected:
 };
 
 TEST_F(Tour, OfAnOperator) {
+    if (!OwnMounts()) GTEST_SKIP() << "no service manager can be played here";
     // A new home, and a service manager that refuses what it is asked.
     for (const char* file : {"kvurlwatchn.ini", "kvdata2.mdb"})
         fs::remove(program.home.At(file));
@@ -112,6 +112,58 @@ TEST_F(Tour, OfAServiceWithoutANotificationArea) {
     program.Stop();
     EXPECT_LT(pages(), 1500);
     EXPECT_EQ(Answer("grep -rLi '</html>' --include='*.htm' " + program.home.At("Reports")), "");
+}
+
+// An outage as a screen reader and the desktop's notifications tell it. The notification service answers nothing, which must not
+// hold the window.
+TEST_F(Tour, OfAnOutage) {
+    KORVANE_NEEDS("dbus-daemon");
+    if (Answer("/usr/bin/python3 -c 'import dbus.service, gi' 2>&1") != "")
+        GTEST_SKIP() << "python3-dbus or python3-gi is not installed (scripts/setup --test)";
+    const Session session;
+    const std::string kShop = "tree item|Shop|", kPrinter = "tree item|Printer|";
+    const std::string kReason = "Reason 'Failed to connect to 127.0.0.1 port " + std::to_string(kNobody);
+    const auto chip = [](const std::string& state, int count) {
+        return "Show servers that are " + state + "|" + std::to_string(count) + "|";
+    };
+    const auto listen = [&](int port) {
+        program.Query("UPDATE Servers SET strPort = " + std::to_string(port) + " WHERE ID = 1");
+    };
+    program.Query(Due("HTTP", "127.0.0.1/page", kBase, "Welcome", ", nIntervalSeconds = 1, nTries = 1, strDesc = 'Shop'") +
+                  Due("HTTP", "127.0.0.2", kBase, "", ", dtNextCheck = '2099-01-01 00:00:00', strDesc = 'Printer'"));
+    program.Start(desktop->Words() + session.Words());
+    ASSERT_TRUE(Waited([&] {
+        session.ClickTrayIcon();
+        return desktop->Shows(kMain);
+    })) << program.Output();
+    desktop->Press("", kMain);
+    EXPECT_TRUE(Monitors());
+    EXPECT_TRUE(session.Reads(chip("Down", 0)));
+
+    listen(kNobody);
+    EXPECT_TRUE(session.Reads(chip("Down", 1)));
+    desktop->Key("alt+1");  // the chip
+    EXPECT_TRUE(session.Reads("showing 1 of 2"));
+    EXPECT_TRUE(session.Reads(kShop, kPrinter));
+    EXPECT_TRUE(session.Reads("|Details of the selected server||Shop · 127.0.0.1/page\nDOWN since "));
+    EXPECT_TRUE(session.Reads("\n" + kReason));  // nothing but the details begins a line with it
+    desktop->Key("alt+1 ctrl+f");
+    desktop->Type("print");
+    EXPECT_TRUE(session.Reads(kPrinter, kShop));
+    desktop->Key("Escape");
+    EXPECT_TRUE(session.Reads(kShop));
+    EXPECT_TRUE(program.Becomes("SELECT nFail > 2 FROM Servers WHERE ID = 1", "1\n"));
+    EXPECT_TRUE(Waited([&] { return !session.Notes().empty(); }));
+    const std::string note = session.Notes();
+    EXPECT_TRUE(note.starts_with("Shop is DOWN: " + kReason)) << note;
+    desktop->Press("ctrl+n", kEditor);
+    desktop->Press("Escape", kMain);
+
+    listen(kBase);
+    EXPECT_TRUE(session.Reads(chip("Up", 2)));
+    EXPECT_TRUE(Waited([&] { return session.Notes() != note; }));
+    EXPECT_EQ(session.Notes(), note + "Shop is UP again: The outage is over.\n");  // no second one of the failures in between
+    program.Stop();
 }
 
 }  // namespace korvane::test::tour_test

@@ -12,6 +12,8 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <sstream>
 #include <system_error>
 
 #include "base/error.h"
@@ -73,6 +75,24 @@ void MakeFolder(const std::filesystem::path& path, mode_t mode) {
         errno = ENOTDIR;
     }
     ThrowFileError("create folder", path);
+}
+
+// Returns the device of the whole file system, by which the system lists locks. That of stat may be of a part of it: Btrfs has one
+// for each subvolume, and layered file systems have that of the layer.
+std::optional<dev_t> FileSystemOf(const Descriptor& file) {
+    std::string word, mount, id;
+    std::ifstream info("/proc/self/fdinfo/" + std::to_string(file.Number()));
+    while (info >> word)
+        if (word == "mnt_id:") info >> mount;
+    std::ifstream mounts("/proc/self/mountinfo");
+    for (std::string line; std::getline(mounts, line);) {
+        // "36 35 0:44 / /home rw - btrfs ..."
+        unsigned above = 0, high = 0, low = 0;
+        char colon = 0;
+        std::istringstream words(line);
+        if (words >> id >> above >> high >> colon >> low && id == mount) return makedev(high, low);
+    }
+    return std::nullopt;
 }
 
 }  // namespace
@@ -204,10 +224,12 @@ bool LinuxFiles::HoldFolder(const std::string& path) {
 
 // The system's list has a line for each lock: "1: FLOCK  ADVISORY  WRITE 4711 00:1b:4411384 0 EOF".
 bool LinuxFiles::IsHeld(const std::string& path) {
+    const Descriptor file(::open((path + "/" + kHoldFile).c_str(), O_PATH | O_CLOEXEC));
     struct stat status {};
-    if (::stat((path + "/" + kHoldFile).c_str(), &status) != 0) return false;
+    if (!file || ::fstat(file.Number(), &status) != 0) return false;
+    const dev_t device = FileSystemOf(file).value_or(status.st_dev);
     char where[64];
-    std::snprintf(where, sizeof where, " %02x:%02x:%llu ", major(status.st_dev), minor(status.st_dev),
+    std::snprintf(where, sizeof where, " %02x:%02x:%llu ", major(device), minor(device),
                   static_cast<unsigned long long>(status.st_ino));
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);)

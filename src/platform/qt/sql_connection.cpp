@@ -64,6 +64,13 @@ void QtSqlConnection::ReleaseDuty(std::string_view name) {
     Opened().ReleaseDuty(released);
 }
 
+void QtSqlConnection::Execute(std::string_view statement, const std::vector<Value>& values) {
+    QVariantList bound;
+    for (const Value& value : values)
+        bound.append(ToBind(value));
+    values.empty() ? Opened().Execute(std::string(statement)) : void(Opened().Change(std::string(statement), bound));
+}
+
 // Opening a file and reading its schema costs more than most of the work that follows.
 std::shared_ptr<SqlSession> QtSqlConnection::TakeKept(const std::string& path) {
     const auto kept = std::exchange(state_->kept, nullptr);

@@ -71,7 +71,7 @@ public:
     void Close() override;
     void BeginTrans() override { Opened().Begin(); }
     void CommitTrans() override { Opened().Commit(); }
-    void Execute(std::string_view statement) override { Opened().Execute(std::string(statement)); }
+    void Execute(std::string_view statement, const std::vector<Value>& values) override;
     void TryWriting() override { Opened().TryWriting(); }
     bool HasTable(std::string_view name) override { return Opened().HasTable(std::string(name)); }
     bool TryTakeDuty(std::string_view name) override;

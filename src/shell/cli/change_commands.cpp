@@ -70,7 +70,8 @@ int Carry(Session& session, const ImportPlan& plan) {
     session.Notify();
     const std::string details = row.step == ImportStep::Unchanged ? "" : ", " + ReplaceAll(row.details, " \u2192 ", " -> ");
     const std::string word = row.step == ImportStep::Added ? "added" : row.step == ImportStep::Changed ? "changed" : "unchanged";
-    return session.Done(Or(row.name, row.id) + " " + word + " (id " + ids.front() + WithoutControls(details) + ").", ids);
+    const std::string sentence = Or(row.name, row.id) + " " + word + " (id " + ids.front() + details + ").";
+    return session.Done(OneLine(sentence, sentence.size()), ids);
 }
 
 int Act(Session& session, std::string (EntryActs::*act)(const EntryActs::Ids& ids)) {
@@ -143,6 +144,7 @@ int RunExport(Session& session) {
 int RunImport(Session& session) {
     const Desk& desk = session.Given().Has("dry-run") ? session.TheDesk() : session.DeskForChanges();
     std::string text = TextOfFile(session, session.Given().arguments.front());
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     const auto begin = text.find_first_not_of(" \t\r\n");
     if (begin != std::string::npos && (text[begin] == '{' || text[begin] == '[')) text = CsvOfJson(text);
     const ImportPlan plan = PlanImport(desk, text);
@@ -152,8 +154,8 @@ int RunImport(Session& session) {
             session.Place().errors << "korvanecore: line " << row.line << ": " << ReplaceAll(row.details, "\r\n", " ") << "\n";
     const bool refuses = plan.Count(ImportStep::Refused) > 0 && !session.Given().Has("skip-refused");
     if (refuses) throw Error(plan.Summary() + "\nNothing was imported; --skip-refused imports the other rows.");
-    std::vector<std::string> ids;
-    if (!session.Given().Has("dry-run")) ids = ImportEntries(desk, plan);
+    if (session.Given().Has("dry-run")) return session.Done(plan.Summary(), {});
+    const std::vector<std::string> ids = ImportEntries(desk, plan);
     session.Notify();
     return session.Done(plan.Summary(), ids);
 }

@@ -47,6 +47,11 @@ private:
     std::vector<std::pair<std::string, std::string>> all_;
 };
 
+/// Nobody who names one entry wrote lines.
+std::string WithoutLine(const std::string& refusal) {
+    return refusal.starts_with("Line ") ? refusal.substr(refusal.find(": ") + 2) : refusal;
+}
+
 }  // namespace
 
 ImportPlan PlanOfOne(Session& session, const std::string& id, const std::string& address) {
@@ -64,7 +69,7 @@ ImportPlan PlanOfOne(Session& session, const std::string& id, const std::string&
         columns.Put(column, value);
     }
     ImportPlan plan = PlanImport(session.TheDesk(), columns.Csv());
-    if (!plan.refusal.empty()) throw Error(plan.refusal.substr(plan.refusal.find(": ") + 2));
+    if (!plan.refusal.empty()) throw Error(WithoutLine(plan.refusal));
     if (plan.rows.front().step == ImportStep::Refused)
         throw Error(ReplaceAll(plan.rows.front().details, "\r\n", "\n") + "\nNothing was changed.");
     return plan;

@@ -1,8 +1,10 @@
 #include "shell/cli/help.h"
 
 #include <algorithm>
+#include <ostream>
 
 #include "base/text.h"
+#include "shell/cli/session.h"
 
 namespace korvane {
 namespace {
@@ -60,6 +62,23 @@ std::string CompletionWords(const std::string& word) {
     for (const std::string& each : all)
         text += each + "\n";
     return text;
+}
+
+// Beside the help there are texts for the manual page and the completion of the shell.
+int RunHelp(Session& session) {
+    const auto& arguments = session.Given().arguments;
+    std::ostream& out = session.Place().out;
+    const std::string word = arguments.empty() ? "" : arguments.front();
+    if (word == "completion") {
+        out << CompletionWords(arguments.size() > 1 ? arguments[1] : "");
+    } else if (word == "manual-page") {
+        out << ManualPageText();
+    } else if (word.empty()) {
+        out << HelpText();
+    } else {
+        out << HelpOf(*ReadWords({word, "--help"}).command);
+    }
+    return kDone;
 }
 
 }  // namespace korvane

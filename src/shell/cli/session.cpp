@@ -65,10 +65,10 @@ int RunCommandWords(const std::vector<std::string>& words, const CommandPlace& p
         }
         return command.run(session);
     } catch (const WrongWords& error) {
-        place.errors << "korvanecore: " << error.what() << std::endl;
+        place.errors << "korvanecore: " << WithoutControls(error.what()) << std::endl;
         return kWrongWords;
     } catch (const std::exception& error) {
-        place.errors << "korvanecore: " << error.what() << std::endl;
+        place.errors << "korvanecore: " << WithoutControls(error.what()) << std::endl;
         return kNotDone;
     }
 }
@@ -136,7 +136,7 @@ std::vector<std::string> Session::FindAll() {
 }
 
 void Session::Say(const std::string& text) const {
-    if (!Quiet()) place_.out << text << "\n";
+    if (!Quiet()) place_.out << WithoutControls(text) << "\n";
 }
 
 void Session::PrintTable(const std::vector<std::vector<std::string>>& rows) const {
@@ -147,7 +147,7 @@ void Session::PrintTable(const std::vector<std::vector<std::string>>& rows) cons
     for (const auto& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i)
-            line += (i == 0 ? "" : kGap) + Characters(WithoutControls(row[i]), i + 1 == row.size() ? 0 : widths[i]);
+            line += (i == 0 ? "" : kGap) + Characters(OneLine(row[i], row[i].size()), i + 1 == row.size() ? 0 : widths[i]);
         line = line.substr(0, line.find_last_not_of(' ') + 1);
         place_.out << (place_.width == 0 ? line : Left(line, place_.width)) << "\n";
     }

@@ -58,9 +58,7 @@ void AskMonitor(Session& session, const std::string& key, const std::string& val
             "It may be of an older version: end it, and set " +
             key + " again.");
     }
-    desk.settings.LoadValues();
-    const std::string* now = desk.collection.Find(key);
-    if (!Trim(value).empty() && (now == nullptr ? "" : *now) != Trim(value))
+    if (desk.settingsFile.Read(kSettingsSection, key, "") != Trim(value))
         throw Error("The running monitor did not store " + key + "; its log says why.");
 }
 
@@ -89,7 +87,9 @@ int RunSettings(Session& session) {
     if (act == "set" && words.size() == 3) return SetOne(session, words[1], words[2]);
     if (act == "set" && words.size() == 2 && Holds(words[1], "="))
         return SetOne(session, words[1].substr(0, words[1].find('=')), words[1].substr(words[1].find('=') + 1));
-    throw WrongWords("'" + act + "' is not understood." + Nearest(act, {"list", "get", "set"}) +
+    const bool isKnown = act == "list" || act == "get" || act == "set";
+    throw WrongWords((isKnown ? "something is missing or too much after '" + act + "'."
+                              : "'" + act + "' is not understood." + Nearest(act, {"list", "get", "set"})) +
                      "\nUsage: korvanecore settings [list | get <key> | set <key> <value>]");
 }
 

@@ -1,6 +1,7 @@
 #include "shell/cli/words.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <numeric>
 
@@ -47,6 +48,8 @@ private:
 
     void Take(const std::string& word) {
         const bool isOption = !onlyArguments_ && word.size() > 2 && word.starts_with("--");
+        const bool isShort =
+            !onlyArguments_ && word.size() > 1 && word[0] == '-' && std::isalpha(static_cast<unsigned char>(word[1])) != 0;
         if (word == "--" && !onlyArguments_) {
             onlyArguments_ = true;
         } else if (isOption) {
@@ -56,6 +59,8 @@ private:
             if (read_.command == nullptr)
                 throw WrongWords("there is no command '" + word + "'." + Nearest(word, CommandWords()) +
                                  "\n'korvanecore help' lists them.");
+        } else if (isShort) {
+            RefuseOption(word);
         } else if (!read_.command->columns || read_.arguments.empty() || onlyArguments_) {
             read_.arguments.push_back(word);
         } else {
@@ -85,6 +90,8 @@ private:
         if (option != nullptr && (isCommon || (read_.command != nullptr && Has(OptionNamesOf(*read_.command), name)))) {
             if (option->value.empty() && end != std::string::npos) throw WrongWords("--" + name + " takes no value.");
             read_.options[name] = option->value.empty() ? "" : value();
+            // A home that a script left empty must not become another one.
+            if (!option->value.empty() && read_.options[name].empty()) throw WrongWords("--" + name + " needs a value.");
             return;
         }
         if (read_.command == nullptr) throw WrongWords("'--" + name + "' must stand after a command.");
@@ -92,13 +99,16 @@ private:
             read_.columns.emplace_back(*column, value());
             return;
         }
+        RefuseOption("--" + name);
+    }
+
+    [[noreturn]] void RefuseOption(const std::string& option) const {
         std::vector<std::string> known = OptionNamesOf(*read_.command);
         if (read_.command->columns) std::ranges::copy(ColumnWords(), std::back_inserter(known));
         for (std::string& each : known)
             each = "--" + each;
-        throw WrongWords("'" + std::string(read_.command->word) + "' has no option '--" + name + "'." +
-                         Nearest("--" + name, known) + "\n'korvanecore help " + std::string(read_.command->word) +
-                         "' lists them.");
+        throw WrongWords("'" + std::string(read_.command->word) + "' has no option '" + option + "'." + Nearest(option, known) +
+                         "\n'korvanecore help " + std::string(read_.command->word) + "' lists them.");
     }
 
     static bool Has(const std::vector<std::string>& names, const std::string& name) {
@@ -126,7 +136,7 @@ Words ReadWords(const std::vector<std::string>& words) {
 bool IsCommand(const std::vector<std::string>& words) {
     if (words.empty()) return false;
     const std::string& first = words.front();
-    if (first.starts_with("-")) return first == "--help" || first == "--home" || first.starts_with("--home=");
+    if (first.starts_with("-")) return first.starts_with("--") && FindOption(first.substr(2, first.find('=') - 2)) != nullptr;
     return !first.empty() && !Holds(first, "restart");
 }
 

@@ -1,6 +1,7 @@
 #include "shell/list/entry_acts.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "base/error.h"
@@ -41,8 +42,11 @@ void CopyFields(Recordset& from, Recordset& to) {
     }
 }
 
-bool IsMonitored(Recordset& row) {
-    return row.Fields("bIsMonitoring").Value().Bool();
+/// Returns nothing for a value that another tool has left and that cannot be read.
+std::optional<bool> IsMonitored(Recordset& row) {
+    std::optional<bool> isMonitored;
+    IgnoreErrors([&] { isMonitored = row.Fields("bIsMonitoring").Value().Bool(); });
+    return isMonitored;
 }
 
 std::string Sentence(std::size_t changed, std::string_view what, std::size_t others, std::string_view why) {
@@ -90,8 +94,9 @@ DateTime EntryActs::BeforeAllOthers() {
 
 std::string EntryActs::CheckNow(const Ids& ids) {
     const std::size_t due = ForEach(ids, [at = BeforeAllOthers()](Recordset& row) {
-        if (IsMonitored(row)) row.Fields("dtNextCheck") = at;
-        return IsMonitored(row);
+        const bool isMonitored = IsMonitored(row).value_or(true);  // as for the cycle
+        if (isMonitored) row.Fields("dtNextCheck") = at;
+        return isMonitored;
     });
     return Sentence(due, "checked next", ids.size() - due, "paused: resume first");
 }

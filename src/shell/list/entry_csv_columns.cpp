@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "engine/http_status.h"
 #include "engine/server_table.h"
@@ -47,8 +48,12 @@ EntriesById ReadAllEntries(const Desk& desk) {
     const auto connection = OpenDatabase(desk.store, desk.dir);
     for (const auto row = OpenRows(desk.store, *connection, kAllEntries, CursorType::Static); !row->Eof(); row->MoveNext()) {
         EntryFields& fields = entries[ColumnText(*row, "id")];
-        for (const EntryInput& input : EntryInputs())
-            if (!input.key.empty()) ReadInput(*row, input, fields);
+        for (const EntryInput& input : EntryInputs()) {
+            if (input.key.empty()) continue;
+            if (input.mark != nullptr) fields.*input.mark = true;
+            // One invalid value must hide neither its entry nor the others; a mark then counts as set, as it does for the cycle.
+            IgnoreErrors([&] { ReadInput(*row, input, fields); });
+        }
     }
     if (desk.safeguards.IsOn(kHttpStatusFails))
         for (auto& [id, fields] : entries)

@@ -1,7 +1,6 @@
 #include "shell/list/entry_detail.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -12,6 +11,7 @@
 #include "engine/server_table.h"
 #include "notify/global_email.h"
 #include "notify/mail_message.h"
+#include "shell/list/outage_starts.h"
 #include "store/database_files.h"
 #include "store/last_checks.h"
 
@@ -80,24 +80,6 @@ void ReadFailures(const Desk& desk, Connection& conn, const std::string& id, Ent
     for (; !rs->Eof(); rs->MoveNext())
         detail.failures.push_back({MomentOf(*rs, "dateFail"), CounterOf(*rs, "nFailCount"), CounterOf(*rs, "nFailMax"),
                                    TextOf(*rs, "strReason"), TextOf(*rs, "strAction")});
-}
-
-// The failures in a row are counted: going back, the count falls until the outage, or the failing before it, begins.
-void FindStart(EntryDetail& detail) {
-    const bool down = detail.strCurStatus == status::kDown;
-    if (!down && detail.strCurStatus != status::kFailing) return;
-    std::int64_t last = std::numeric_limits<std::int64_t>::max();
-    for (const EntryDetail::Failure& failure : detail.failures) {
-        if (!failure.nFailCount || *failure.nFailCount > last || (down && !failure.IsDown())) {
-            if (failure.nFailCount == last - 1) detail.sinceEarlier = false;  // the tries were changed in between
-            break;
-        }
-        last = *failure.nFailCount;
-        detail.since = failure.dateFail;
-        detail.sinceEarlier = last > (down ? std::max<std::int64_t>(1, *failure.nFailMax) : 1);
-        if (last <= 1) break;
-    }
-    detail.sinceEarlier = detail.sinceEarlier && detail.since;
 }
 
 std::vector<EntryDetail::ResponseTime> Slots(DateTime newest, std::chrono::hours length, int count) {

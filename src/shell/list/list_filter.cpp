@@ -113,9 +113,13 @@ SharedRows Filtered(const SharedRows& rows, const ListFilter& filter) {
 }
 
 void PutProblemsFirst(SharedRows& rows) {
+    const auto isLonger = [](const auto& a, const auto& b) { return a->since && (!b->since || *a->since < *b->since); };
     auto rest = rows.begin();
-    for (const RowIcon state : {RowIcon::Bad, RowIcon::Warn})
+    for (const RowIcon state : {RowIcon::Bad, RowIcon::Warn}) {
+        const auto first = rest;
         rest = std::stable_partition(rest, rows.end(), [&](const auto& row) { return StateOf(row->strCurStatus) == state; });
+        std::stable_sort(first, rest, isLonger);
+    }
 }
 
 std::string FoldCase(std::string_view text) {

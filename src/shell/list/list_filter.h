@@ -37,7 +37,8 @@ struct ListFilter {
 /// Returns the rows that the filter shows, in their order.
 SharedRows Filtered(const SharedRows& rows, const ListFilter& filter);
 
-/// Puts the rows that are DOWN first, then those that fail; all others stay in their order behind them.
+/// Puts the rows that are DOWN first, then those that fail, each of both with the longest first, by `since`; all others, and those
+/// of which that is not known, stay in their order after them.
 void PutProblemsFirst(SharedRows& rows);
 
 /// Returns the text with small letters, for comparing: of the Latin, Greek, Cyrillic and Armenian alphabets.

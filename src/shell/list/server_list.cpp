@@ -72,8 +72,10 @@ ServerRow ReadRow(Recordset& rs, int n, DateTime now, bool requested) {
     cell(column::Status) = requested ? std::string(kRequesting) : StatusCell(rs, row.strCurStatus);
     for (std::size_t at = 0; at < column::Count; ++at)
         if (!kListColumns[at].stored.empty()) row.cells[at] = rs.Fields(kListColumns[at].stored).Value().Text();
-    row.isMonitored = rs.Fields("bIsMonitoring").Value().Bool();
     // One invalid value must hide neither its entry nor the others.
+    row.isMonitored = true;  // as for the cycle, if it cannot be read
+    IgnoreErrors([&] { row.isMonitored = rs.Fields("bIsMonitoring").Value().Bool(); });
+    IgnoreErrors([&] { row.nTriesCur = rs.Fields("ntriescur").Value().Int64(); });
     IgnoreErrors([&] {
         row.dtNextCheck = rs.Fields("dtnextcheck").Value();
         cell(column::NextTry) = NextTryCell(row.dtNextCheck, now, requested);

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +48,8 @@ struct ServerRow {
     bool warns = false;        ///< the status contains a warning
     std::string strCurStatus;  ///< as it is stored, also while the row is being requested
     Value dtNextCheck = {};    ///< as it is stored: another one after each check
+    std::int64_t nTriesCur = 0;
+    std::optional<DateTime> since = {};  ///< of the outage or the failing, once OutageStarts has found it
 
     const std::string& Id() const { return cells[column::ServerID]; }
     /// Returns the entry's name in messages: its short name, or its address if there is none.

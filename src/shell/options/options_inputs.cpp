@@ -4,6 +4,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "shell/list/outage_notes.h"
+#include "store/last_checks.h"
 #include "store/safeguards.h"
 
 namespace korvane {
@@ -95,6 +96,13 @@ constexpr OptionsInput kOptionsInputs[] = {
      .control = {"ckFigures", "Write fi&gures for other programs",
                  "Writes status.json and metrics.prom into the report folder, with each publication and once a minute."},
      .mark = &OptionsFields::Figures},
+    {.key = "KeepPhases",
+     .control = {"ckKeepPhases", "Where the time of each entr&y's last check went is kept and shown.",
+                 "KeepPhases: Where the time of each entry's last check went is kept and shown.", "KeepPhases"},
+     .mark = &OptionsFields::KeepPhases},
+    {"CertWarnDays", &OptionsFields::CertWarnDays, Trimmed, "txtCertWarnDays", "CertWarnDays:",
+     "So many days before a certificate ends, 1 to 1000, the recipients of its entry are mailed; blank: they are not.",
+     "CertWarnDays", "days"},
 };
 
 void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& fields) {
@@ -108,6 +116,7 @@ void Set(const Desk& desk, const OptionsInput& input, const OptionsFields& field
 }
 
 std::string ProblemOf(const OptionsInput& input, const OptionsFields& fields) {
+    if (input.text == &OptionsFields::CertWarnDays) return CertWarnDaysProblem(fields.CertWarnDays);
     const Safeguard* safeguard = FindSafeguard(input.key);
     return safeguard == nullptr || input.text == nullptr ? "" : korvane::ProblemOf(*safeguard, fields.*input.text);
 }

@@ -37,6 +37,7 @@ struct OptionsFields {
     std::string ServiceName;
     std::string ProxyName;
     std::string ProxyPort;
+    std::string CertWarnDays;  ///< blank: off
     bool Service = false;
     bool Reboot = false;
     bool RebootAny = false;
@@ -44,6 +45,7 @@ struct OptionsFields {
     bool bRedAlert = false;
     bool DesktopNotes = true;
     bool Figures = false;
+    bool KeepPhases = false;
 };
 
 using OptionsInput = FormInput<OptionsFields>;

@@ -28,7 +28,8 @@ std::string StoredInput(const Desk& desk, const OptionsInput& input, const std::
     OptionsFields fields = OptionsFromSettings(desk.collection);
     fields.*input.text = value;
     if (input.key == kPageFolder && Trim(value).empty()) throw Error(key + ": the pages need a folder.");
-    if (const std::string refusal = RefusalOf(input, fields); !refusal.empty()) throw Error(key + ": " + refusal);
+    if (const std::string refusal = RefusalOf(input, fields); !refusal.empty())
+        throw Error(refusal.starts_with(key + ":") ? refusal : key + ": " + refusal);
     return input.stored(value, fields).value_or("");
 }
 
@@ -61,9 +62,9 @@ std::string StoredSetting(const Desk& desk, const std::string& key, const std::s
 
 void WriteSetting(const Desk& desk, const std::string& key, const std::string& stored) {
     if (const std::string problem = desk.settingsFile.Problem(); !problem.empty()) throw Error(problem);
-    desk.collection.setKvSettingsColValue(key, stored);
     desk.settingsFile.Write(kSettingsSection, key, stored);
     if (const std::string& error = desk.settingsFile.LastWriteError(); !error.empty()) throw Error(error);
+    desk.collection.setKvSettingsColValue(key, stored);
 }
 
 void FollowSetting(const Desk& desk, const std::string& key) {

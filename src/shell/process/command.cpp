@@ -1,10 +1,12 @@
 #include "shell/process/command.h"
 
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 #include "platform/linux/process_setup.h"
@@ -35,13 +37,22 @@ void UseHomeOf(const std::vector<std::string>& words) {
     }
 }
 
+// A list that a full disk has cut must not look whole. A reader that has gone, as after "| head", wants no more.
+int EndOfOutput(int status) {
+    struct stat to {};
+    const bool isPipe = ::fstat(STDOUT_FILENO, &to) == 0 && (S_ISFIFO(to.st_mode) || S_ISSOCK(to.st_mode));
+    if (std::cout.flush() || isPipe) return status;
+    std::cerr << "korvanecore: the output could not be written." << std::endl;
+    return status == kDone ? kNotDone : status;
+}
+
 }  // namespace
 
 bool IsCommand(int argc, char** argv) {
     return IsCommand(WordsOf(argc, argv));
 }
 
-int RunCommand(int argc, char** argv) {
+int RunCommand(int argc, char** argv) try {
     PrepareProcess();
     const std::vector<std::string> words = WordsOf(argc, argv);
     UseHomeOf(words);
@@ -53,8 +64,10 @@ int RunCommand(int argc, char** argv) {
     const RunPorts ports = adapters.PortsWith({person}, [] {});
     const int status =
         RunCommandWords(words, {ports, options, person, std::cout, std::cerr, TerminalWidth(), std::to_string(::getpid())});
-    std::cout.flush();
-    std::_Exit(status);  // nothing waits for a name server that does not answer
+    std::_Exit(EndOfOutput(status));  // nothing waits for a name server that does not answer
+} catch (const std::exception& error) {
+    std::cerr << "korvanecore: " << error.what() << std::endl;
+    return kWrongWords;
 }
 
 }  // namespace korvane

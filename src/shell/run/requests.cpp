@@ -1,5 +1,6 @@
 #include "shell/run/requests.h"
 
+#include <exception>
 #include <utility>
 
 #include "base/ignore_errors.h"
@@ -44,13 +45,16 @@ void Requests::Look() {
 }
 
 void Requests::Take(const std::string& path) {
-    IgnoreErrors([&] {
-        const std::string text = ports_.files.Read(path).value_or("");
-        const auto end = text.find('=');
-        if (end == std::string::npos) return;
-        set_(text.substr(0, end), text.substr(end + 1));
-        ports_.log.Info("The setting " + text.substr(0, end) + " was changed from the command line.");
-    });
+    std::string text, key;
+    IgnoreErrors([&] { text = ports_.files.Read(path).value_or(""); });
+    if (const auto end = text.find('='); end != std::string::npos) key = text.substr(0, end);
+    try {
+        if (!key.empty()) set_(key, text.substr(key.size() + 1));
+        if (!key.empty()) ports_.log.Info("The setting " + key + " was changed from the command line.");
+    } catch (const std::exception& error) {
+        const std::string what = "The setting " + key + " was not changed from the command line: ";
+        ports_.log.WriteLog(kLogOrdinary, kLogError, what + error.what());
+    }
     ports_.files.Remove(path);
 }
 

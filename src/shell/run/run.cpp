@@ -254,6 +254,7 @@ void Run::Form_Unload() {
     run.mailProof.Stop();
     run.heartbeat.End();
     IgnoreErrors([&] { run.http.CloseInets(); });
+    run.outbox.Flush();  // first: an account that stands without its mail would never be mailed
     run.kept.Write(true);
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())

@@ -5,6 +5,9 @@
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QPointer>
+#include <utility>
 
 #include "shell/desktop/toolkit/qt_text.h"
 
@@ -18,6 +21,7 @@ public:
         list_ = popup();
         list_->setObjectName("lstGroups");
         list_->setAccessibleName("Groups that exist");
+        list_->setAttribute(Qt::WA_NoMouseReplay);  // of the click beside it, which is passed on here on every platform
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -30,10 +34,30 @@ public:
                 return true;
             }
         }
+        if (watched == list_ && PassedOn(*event)) return true;
         return QCompleter::eventFilter(watched, event);
     }
 
 private:
+    /// A click beside the list goes where it would go without the list, which it closes. Nobody gets its release after that.
+    bool PassedOn(const QEvent& event) {
+        if (event.type() != QEvent::MouseButtonPress) return false;
+        const auto& press = static_cast<const QMouseEvent&>(event);
+        const QPointF place = press.globalPosition();
+        if (list_->rect().contains(list_->mapFromGlobal(place.toPoint()))) return false;
+        list_->hide();
+        const QPointer<QWidget> clicked = box_.window()->childAt(box_.window()->mapFromGlobal(place.toPoint()));
+        if (clicked != nullptr && (clicked->focusPolicy() & Qt::ClickFocus) == Qt::ClickFocus)
+            clicked->setFocus(Qt::MouseFocusReason);
+        for (const auto& [type, held] : {std::pair(QEvent::MouseButtonPress, press.buttons()),
+                                         std::pair(QEvent::MouseButtonRelease, Qt::MouseButtons(Qt::NoButton))}) {
+            if (clicked == nullptr) break;
+            QMouseEvent same(type, clicked->mapFromGlobal(place), place, press.button(), held, press.modifiers());
+            QApplication::sendEvent(clicked, &same);
+        }
+        return true;
+    }
+
     QLineEdit& box_;
     QAbstractItemView* list_ = nullptr;  ///< not yet there while the base makes it
 };

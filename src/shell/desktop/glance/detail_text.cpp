@@ -10,6 +10,36 @@
 #include <algorithm>
 
 namespace korvane {
+namespace {
+
+constexpr double kFewWords = 0.3;  ///< of the width
+constexpr QStringView kEndsOfParts[] = {u"· ", u": ", u", "};
+
+bool EndsPart(const QString& text, int at) {
+    return std::ranges::any_of(kEndsOfParts, [&](QStringView end) { return QStringView(text).left(at).endsWith(end); });
+}
+
+/// Returns the margin by which the first of two lines ends after the last part that it has whole; 0 if nothing is to be done, or
+/// the rest does not fit into one line.
+double MarginForBreak(const QTextBlock& block) {
+    const QTextLayout& layout = *block.layout();
+    if (layout.lineCount() != 2) return 0;
+    const QTextLine first = layout.lineAt(0), second = layout.lineAt(1);
+    if (second.naturalTextWidth() > first.width() * kFewWords) return 0;
+    int at = second.textStart() - 1;
+    while (at > 0 && !EndsPart(block.text(), at))
+        --at;
+    const double kept = first.cursorToX(at), moved = first.cursorToX(second.textStart()) - kept;
+    return moved + second.naturalTextWidth() < kept ? first.width() - kept : 0;
+}
+
+void SetRightMargin(const QTextBlock& block, double margin) {
+    QTextBlockFormat format;
+    format.setRightMargin(margin);
+    QTextCursor(block).mergeBlockFormat(format);
+}
+
+}  // namespace
 
 DetailText::DetailText(const char* name, const QString& accessibleName, QWidget* parent) : QTextEdit(parent) {
     setObjectName(name);
@@ -32,12 +62,27 @@ void DetailText::Show(const QString& html) {
     const int anchor = textCursor().anchor(), position = textCursor().position();
     const int scrolled = verticalScrollBar()->value();
     setHtml(html);
+    BreakWell();
     const int end = document()->characterCount() - 1;
     QTextCursor cursor(document());
     cursor.setPosition(std::min(anchor, end));
     cursor.setPosition(std::min(position, end), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
     verticalScrollBar()->setValue(scrolled);
+}
+
+void DetailText::BreakWell() {
+    if (wordWrapMode() == QTextOption::NoWrap) return;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().rightMargin() > 0) SetRightMargin(block, 0);
+        document()->documentLayout()->blockBoundingRect(block);  // lays it out
+        if (const double margin = MarginForBreak(block); margin > 0) SetRightMargin(block, margin);
+    }
+}
+
+void DetailText::resizeEvent(QResizeEvent* event) {
+    QTextEdit::resizeEvent(event);
+    BreakWell();
 }
 
 bool DetailText::IsCut(const QTextBlock& line) const {

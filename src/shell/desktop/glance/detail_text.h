@@ -17,12 +17,15 @@ public:
 protected:
     bool viewportEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     /// Copying with nothing selected is left to the window.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     /// The line goes on beyond the right edge.
     bool IsCut(const QTextBlock& line) const;
+    /// Ends the first line of two where a part of the sentence ends, if only a word or two would be left for the second.
+    void BreakWell();
 
     QString html_;
 };

@@ -66,7 +66,7 @@ void ListBar::AddChips() {
 
 QPushButton* ListBar::AddProblemsFirst(QAction& problemsFirst) {
     QPushButton* const button = NewButton("cmdProblemsFirst", "Pro&blems First", "Show problems first", this);
-    button->setToolTip("Shows servers that are DOWN first, then those that fail");
+    button->setToolTip("Shows servers that are DOWN first, then those that fail, the longest of each on top");
     button->setCheckable(true);
     button->setAutoDefault(false);
     button->setMinimumSize(button->sizeHint());

@@ -15,6 +15,7 @@ constexpr int kQuietAlpha = 130;
 constexpr int kTintAlpha = 36;
 constexpr int kLowerLine = 2;  ///< by which the desktop's style draws tabs lower that are not chosen, in pixels
 constexpr int kDarkLightness = 128;
+constexpr int kDarkerThanPage = 129;  ///< percent; the desktop's style draws tabs that much lighter than a dark palette's buttons
 
 QColor WithAlpha(QColor colour, int alpha) {
     colour.setAlpha(alpha);
@@ -43,6 +44,12 @@ QColor AccentColour(const QPalette& palette) {
 
 QColor MarkColour(const QPalette& palette) {
     return QColor::fromHsv(0, 200, palette.color(QPalette::Base).lightness() < kDarkLightness ? 255 : 200);
+}
+
+QPalette PagePalette(QPalette palette) {
+    const QColor window = palette.color(QPalette::Window);
+    if (window.lightness() < kDarkLightness) palette.setColor(QPalette::Button, window.darker(kDarkerThanPage));
+    return palette;
 }
 
 void ColourTab(QPainter& painter, const QStyleOptionTab& tab, const QTabBar* bar) {

@@ -48,6 +48,13 @@ bool HasSessionBus() {
            QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
 }
 
+/// Returns the head of a column with dots where it is cut, and apart from the next one if it is aligned at the right.
+QStyleOptionHeader Fitting(QStyleOptionHeader head) {
+    if (head.textAlignment.testFlag(Qt::AlignRight)) head.rect.setRight(head.rect.right() - SpaceAfterNumber(head.fontMetrics));
+    head.text = head.fontMetrics.elidedText(head.text, Qt::ElideRight, head.rect.width());
+    return head;
+}
+
 /// The portal wraps the value in one more variant than documented.
 QVariant Unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>())
@@ -103,6 +110,12 @@ MarkStyle::MarkStyle() : QProxyStyle(QApplication::style()->name()) {}
 
 void MarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const {
+    if (element == PE_FrameTabWidget)
+        if (const auto* const frame = qstyleoption_cast<const QStyleOptionTabWidgetFrame*>(option)) {
+            QStyleOptionTabWidgetFrame page = *frame;
+            page.palette = PagePalette(page.palette);
+            return QProxyStyle::drawPrimitive(element, &page, painter, widget);
+        }
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isBox = element == PE_IndicatorCheckBox || element == PE_IndicatorItemViewItemCheck;
     if ((!isBox && element != PE_IndicatorRadioButton) || !IsDark(option->palette, QPalette::Base, QPalette::Text)) return;
@@ -125,9 +138,17 @@ void MarkStyle::drawControl(ControlElement element, const QStyleOption* option, 
         const QStyleOptionButton lively = WithLivelyPicture(*button, painter->device()->devicePixelRatioF());
         return QProxyStyle::drawControl(element, &lively, painter, widget);
     }
-    QProxyStyle::drawControl(element, option, painter, widget);
+    if (const auto* const head = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        element == CE_HeaderLabel && head != nullptr) {
+        const QStyleOptionHeader fitting = Fitting(*head);
+        return QProxyStyle::drawControl(element, &fitting, painter, widget);
+    }
     const auto* const tab = qstyleoption_cast<const QStyleOptionTab*>(option);
-    if (element == CE_TabBarTabShape && tab != nullptr) ColourTab(*painter, *tab, qobject_cast<const QTabBar*>(widget));
+    if (element != CE_TabBarTabShape || tab == nullptr) return QProxyStyle::drawControl(element, option, painter, widget);
+    QStyleOptionTab page = *tab;
+    page.palette = PagePalette(page.palette);
+    QProxyStyle::drawControl(element, &page, painter, widget);
+    ColourTab(*painter, *tab, qobject_cast<const QTabBar*>(widget));
 }
 
 QPalette DarkPalette() {

@@ -3,6 +3,7 @@
 // Light or dark, as the desktop wants it.
 #pragma once
 
+#include <QFontMetrics>
 #include <QPalette>
 #include <QProxyStyle>
 #include <memory>
@@ -34,8 +35,8 @@ private:
 };
 
 /// The style of the windows: the desktop's style, with an outline around check boxes and radio buttons where theirs is invisible
-/// on a dark background, with coloured tabs, and with pictures of buttons that change under the mouse and when they are pressed.
-/// All of it changes at once: nothing moves.
+/// on a dark background, with coloured tabs, with heads of columns that end in dots where they are cut, and with pictures of
+/// buttons that change under the mouse and when they are pressed. All of it changes at once: nothing moves.
 class MarkStyle : public QProxyStyle {
 public:
     /// Wraps the application's current style.
@@ -45,6 +46,11 @@ public:
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const override;
 };
+
+/// Returns the pixels between a head that is aligned at the right and the end of its column.
+inline int SpaceAfterNumber(const QFontMetrics& font) {
+    return font.averageCharWidth();
+}
 
 /// The dark palette, for the Fusion style.
 QPalette DarkPalette();

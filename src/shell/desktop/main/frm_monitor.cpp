@@ -20,6 +20,7 @@ using namespace std::chrono_literals;
 constexpr int kTwipsAPixel = 15;
 constexpr int kTwipsARow = 270;
 constexpr int kTwipsBesideRows = 700;
+constexpr int kLeastRows = 3;
 constexpr int kTwipsBesideList = 3500;
 constexpr int kLeastWidth = 3310;   // twips
 constexpr int kLeastHeight = 5030;  // twips
@@ -194,7 +195,12 @@ void frmMonitor::Form_Resize() {
     rowHeight_ = std::max({kTwipsARow / kTwipsAPixel, rowHeight_, ListView1->sizeHintForRow(0)});
     const int wanted = rowHeight_ * (static_cast<int>(model_->All().size()) + 1) + kTwipsBesideRows / kTwipsAPixel;
     const int room = height() - kTwipsBesideList / kTwipsAPixel - HeightAroundList() - detail_->TakenHeight();
-    ListView1->setFixedHeight(std::max(4 * rowHeight_, std::min(wanted, room)));
+    const QRect current = ListView1->visualRect(ListView1->currentIndex());
+    const bool isSeen = current.isValid() && current.top() >= 0 && current.bottom() < ListView1->viewport()->height();
+    ListView1->setFixedHeight(std::max(kLeastRows * rowHeight_ + kTwipsBesideRows / kTwipsAPixel, std::min(wanted, room)));
+    if (isSeen)
+        QMetaObject::invokeMethod(
+            this, [this] { KeepRowSeen(); }, Qt::QueuedConnection);
 }
 
 void frmMonitor::RememberColumns() {

@@ -40,6 +40,7 @@
 #include "shell/desktop/trace/trace_windows.h"
 #include "shell/list/monitor_commands.h"
 #include "shell/list/outage_notes.h"
+#include "shell/list/outage_starts.h"
 #include "shell/run/monitor_window.h"
 
 class QBoxLayout;
@@ -184,6 +185,7 @@ private:
     void Timer3_Timer();
     void Timer4_Timer();
     void ShowStopStart(bool shown);
+    void KeepRowSeen();
     void ResourceWindowHidden(ResourceMonitor monitor);
     void ShowOrQueue(MessageQueue::Message message);
     QWidget* MessageParent() const;
@@ -200,6 +202,7 @@ private:
     DetailStrip* detail_;
     MonitorTray tray_{[this] { mnuTraySettings_Click(); }};
     OutageNotes notes_;
+    OutageStarts outageStarts_;
     std::map<std::string, QAction*> actions_;  ///< by name
     QMenu* context_;                           ///< of the list
     MessageQueue messages_{[this] { return MessageParent(); }};

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScreen>
+#include <QScrollBar>
 #include <algorithm>
 
 #include "shell/desktop/glance/command_button.h"
@@ -30,7 +31,10 @@ constexpr const char* kNothingFound = "No server is found. Show All takes the fi
 void frmMonitor::BuildGlance(QBoxLayout& rows) {
     QAction& problemsFirst = *actions_.at("mnuViewProblemsFirst");
     problemsFirst.setCheckable(true);
-    connect(&problemsFirst, &QAction::toggled, model_, &ServerListModel::SetProblemsFirst);
+    connect(&problemsFirst, &QAction::toggled, this, [this](bool on) {
+        model_->SetProblemsFirst(on);
+        if (on && !run_->Loading()) RefreshURLList();
+    });
     bar_ = new ListBar(
         problemsFirst, [this] { ApplyFilter(); }, [this] { ListView1->setFocus(); }, this);
     stopped_ = new StoppedBar(
@@ -89,6 +93,13 @@ void frmMonitor::ApplyFilter() {
     ShowCounts();
     if (!ListView1->selectionModel()->hasSelection()) SelectRow(0);
     ListView1->scrollTo(ListView1->currentIndex());
+}
+
+void frmMonitor::KeepRowSeen() {
+    QScrollBar& across = *ListView1->horizontalScrollBar();
+    const int column = across.value();
+    ListView1->scrollTo(ListView1->currentIndex());
+    across.setValue(column);
 }
 
 void frmMonitor::ShowCounts() {

@@ -100,6 +100,7 @@ void frmMonitor::RefreshURLList() {
         desk.status.setStatusMSG("The list of servers could not be read: " + std::string(error.what()));
         return;
     }
+    if (actions_.at("mnuViewProblemsFirst")->isChecked()) outageStarts_.AddTo(desk, rows);
     lblServers->setText(QString::number(rows.size()));
     desk.settings.SetTotalURLs(static_cast<int>(rows.size()));
     const std::size_t before = model_->All().size();

@@ -10,6 +10,7 @@
 #include "base/ignore_errors.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "shell/desktop/look/theme.h"
 
 namespace korvane {
 namespace {
@@ -19,9 +20,9 @@ constexpr std::string_view kWidthsKey = "ListColumns";
 constexpr std::string_view kOrderKey = "ListOrder";
 constexpr int kWidest = 2000;
 
-/// Space reserved in columns whose text changes by itself, so that they need not grow later.
-constexpr const char* kUsualTexts[column::Count] = {
-    "", "", "", "Failing 10 of 10", "59.99 min. overdue", "", "1,234.57 sec.", "", "", "", "", "", ""};
+/// Space reserved in columns whose text changes by itself, so that they seldom grow later.
+constexpr const char* kUsualTexts[column::Count] = {"", "", "", "Failing 10 of 10", "59.99 min.", "", "1,234.57 sec.", "", "", "",
+                                                    "", "", ""};
 
 /// The texts to scan for are often long and seldom looked at.
 constexpr int kMostScanCharacters = 12;
@@ -38,11 +39,13 @@ std::string Joined(const std::vector<int>& numbers) {
     return text;
 }
 
-/// Texts that fit into the reserved space do not count, since they change all the time.
-std::vector<std::size_t> LengthsOf(const SharedRows& rows) {
+/// Texts that fit into the reserved space do not count, since they change all the time; nor those that fit as `before`.
+std::vector<std::size_t> LengthsOf(const SharedRows& rows, const std::vector<std::size_t>& before) {
     std::vector<std::size_t> lengths{rows.size()};
     for (std::size_t column = 0; column < column::LastResponse; ++column) {
-        lengths.push_back(std::string_view(kUsualTexts[column]).size());
+        const std::size_t reserved = std::string_view(kUsualTexts[column]).size();
+        const bool isKept = reserved > 0 && !before.empty() && before.front() == rows.size();
+        lengths.push_back(isKept ? before[column + 1] : reserved);
         for (const auto& row : rows)
             lengths.back() = std::max(lengths.back(), row->cells[column].size());
     }
@@ -85,11 +88,11 @@ int ListColumns::Need(int column) const {
     const int usual = (column == column::Status ? bold : list_.fontMetrics()).horizontalAdvance(kUsualTexts[column]) + 2 * margin;
     int content = static_cast<const QAbstractItemView&>(list_).sizeHintForColumn(column);
     if (column == column::ScanText) content = std::min(content, kMostScanCharacters * list_.fontMetrics().averageCharWidth());
-    return std::max({usual, content, list_.header()->sectionSizeHint(column)});
+    return std::max({usual, content, list_.header()->sectionSizeHint(column) + SpaceAfterNumber(list_.fontMetrics())});
 }
 
 void ListColumns::FitTo(const SharedRows& rows) {
-    std::vector<std::size_t> lengths = LengthsOf(rows);
+    std::vector<std::size_t> lengths = LengthsOf(rows, lengths_);
     if (lengths == lengths_) return;
     lengths_ = std::move(lengths);
     Fit();

@@ -17,7 +17,7 @@ public:
     /// Replaces all rows and keeps the current order and filter.
     void SetRows(std::vector<ServerRow> rows);
     void SetFilter(ListFilter filter);
-    /// DOWN first, then Failing; among themselves, and all others, in the order that sort() gives.
+    /// DOWN first, then Failing, each with the longest first; all others in the order that sort() gives.
     void SetProblemsFirst(bool problemsFirst);
 
     const ServerRow& Row(int row) const { return *rows_[static_cast<std::size_t>(row)]; }

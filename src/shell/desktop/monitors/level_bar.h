@@ -13,11 +13,11 @@ class LevelBar : public QProgressBar {
 public:
     using QProgressBar::QProgressBar;
 
-    /// In percent; nothing: no line. `meaning` is for those who cannot see it.
+    /// The place of the line in percent; nothing: no line. `meaning` is for those who cannot see it.
     void SetLevel(std::optional<int> percent, const QString& meaning) {
         if (percent == level_) return;
         level_ = percent;
-        setAccessibleDescription(level_ ? meaning.arg(*level_) : QString());
+        setAccessibleDescription(level_ ? meaning : QString());
         setToolTip(accessibleDescription());
         update();
     }

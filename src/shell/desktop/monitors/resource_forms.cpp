@@ -92,7 +92,14 @@ public:
     }
 
     /// The level below which the alert is sent.
-    void SetLevel(std::optional<int> percent) { pbShare_->SetLevel(percent, "The alert is below %1 percent."); }
+    void SetLevel(std::optional<int> percent) {
+        pbShare_->SetLevel(percent, QString("The alert is below %1 percent.").arg(percent.value_or(0)));
+    }
+    /// The same for an alert at a used share, although the bar shows what is available.
+    void SetUsedLevel(std::optional<int> percent) {
+        const auto available = percent ? std::optional(100 - *percent) : std::nullopt;
+        pbShare_->SetLevel(available, QString("The alert is at %1 percent in use.").arg(percent.value_or(0)));
+    }
 
     /// Adds one more row below.
     void AddRow(const QString& caption, QWidget* content) { rows_->addRow(caption, content); }
@@ -178,6 +185,7 @@ private:
         const MemoryMonitor::Figures& now = monitor_.Shows();
         const std::string share = now.lblUsage.empty() ? "This machine does not tell how much memory it has." : now.lblUsage;
         figures_->SetFigures(now.lblTotal, now.lblUsed, now.lblAvailable, share, now.percent);
+        figures_->SetUsedLevel(LevelOf(monitor_));
     }
 
     MemoryMonitor monitor_;

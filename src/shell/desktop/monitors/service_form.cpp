@@ -2,6 +2,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -70,7 +71,8 @@ private:
             width += grid->columnWidth(column);
         }
         grid->setMinimumSize(width / 2, grid->rowHeight(0) * 4);
-        resize(width + 8 * fontMetrics().averageCharWidth(), grid->rowHeight(0) * kRowsSeen);
+        const QSize wanted(width + 8 * fontMetrics().averageCharWidth(), grid->rowHeight(0) * kRowsSeen);
+        resize(wanted.boundedTo(screen()->availableGeometry().size() * 9 / 10));
         connect(grid, &QTableWidget::cellClicked, this, [this](int row, int column) {
             if (column == Monitored) monitor_.ClickMonitor(static_cast<std::size_t>(row));
         });

@@ -187,7 +187,13 @@ void frmOptions::AddResetsPage() {
 }
 
 void frmOptions::AddSafeguardsPage() {
-    safeguards_.AddTo(AddPage("Safeguards", "Protections that you can switch on. Each is off until you do."));
+    QVBoxLayout& page = AddPage("Safeguards", "Protections that you can switch on. Each is off until you do.");
+    safeguards_.AddTo(page);
+    QFormLayout& form = AddGroup(page, "Last checks");
+    form.addRow(inputs_.AddMark(&OptionsFields::KeepPhases, this));
+    form.addRow("", NewExplanation(HelpOn(*inputs_.AddRow(form, &OptionsFields::CertWarnDays)), this));
+    page.addStretch();
+    LeaveHeightToOthers(page);
 }
 
 }  // namespace korvane

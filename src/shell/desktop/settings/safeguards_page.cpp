@@ -56,7 +56,6 @@ void SafeguardsPage::AddTo(QVBoxLayout& page) {
     lblCounts_->setObjectName("lblCounts");
     lblCounts_->setTextFormat(Qt::PlainText);
     page.addWidget(lblCounts_);
-    page.addStretch();
 }
 
 void SafeguardsPage::Fill(const SafeguardValues& values) {

@@ -1,7 +1,9 @@
 #include "shell/desktop/small/frm_manual.h"
 
 #include <QFile>
+#include <QHash>
 #include <QListWidget>
+#include <QResizeEvent>
 #include <QScreen>
 #include <QScrollBar>
 #include <QSplitter>
@@ -25,9 +27,10 @@ constexpr double kShareOfScreen = 0.9;
 constexpr int kChapterSpacing = 2;
 constexpr int kChapterLevel = 2;
 constexpr int kMargin = 16;
+constexpr int kLeastPicture = 200;
 constexpr int kPosition = Qt::UserRole;
 
-/// Shows a picture no wider than the text.
+/// Shows a picture no wider than the text, whatever the width of the window.
 class ManualBrowser : public QTextBrowser {
 public:
     using QTextBrowser::QTextBrowser;
@@ -38,11 +41,29 @@ protected:
         if (type != QTextDocument::ImageResource) return loaded;
         QImage picture;
         if (loaded.canConvert<QByteArray>()) picture.loadFromData(loaded.toByteArray());
-        const int most = std::max(200, width() - verticalScrollBar()->sizeHint().width() - 2 * frameWidth() - 2 * kMargin);
-        return picture.width() <= most
-                   ? picture
-                   : picture.convertToFormat(QImage::Format_RGB32).scaledToWidth(most, Qt::SmoothTransformation);
+        pictures_.insert(name, picture);
+        return Fitted(picture);
     }
+
+    void resizeEvent(QResizeEvent* event) override {
+        if (event->size().width() != event->oldSize().width())
+            for (auto each = pictures_.constKeyValueBegin(); each != pictures_.constKeyValueEnd(); ++each)
+                document()->addResource(QTextDocument::ImageResource, each->first, Fitted(each->second));
+        QTextBrowser::resizeEvent(event);
+    }
+
+private:
+    QImage Fitted(const QImage& picture) const {
+        const int most = std::max(kLeastPicture, viewport()->width() - 2 * kMargin);
+        if (picture.width() <= most) return picture;
+        const auto sharp = static_cast<int>(most * devicePixelRatioF());
+        QImage fitted = picture.convertToFormat(QImage::Format_RGB32);
+        if (sharp < picture.width()) fitted = fitted.scaledToWidth(sharp, Qt::SmoothTransformation);
+        fitted.setDevicePixelRatio(static_cast<double>(fitted.width()) / most);
+        return fitted;
+    }
+
+    QHash<QUrl, QImage> pictures_;  ///< as they are in their files
 };
 
 /// The name by which links call a chapter: in lower case, with "-" for blanks, without other signs.
@@ -95,6 +116,7 @@ frmManual::frmManual(QWidget* parent)
     txtManual_->setObjectName("txtManual");
     txtManual_->setAccessibleName("Text of the manual");
     txtManual_->setOpenLinks(false);
+    txtManual_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);  // all of it fits, but for a pixel beside the text
     txtManual_->document()->setDocumentMargin(kMargin);
     auto* halves = new QSplitter(this);
     halves->addWidget(lstChapters_);

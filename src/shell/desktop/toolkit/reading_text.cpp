@@ -14,6 +14,7 @@ namespace korvane {
 namespace {
 
 constexpr int kLongestLog = 15000;
+constexpr int kLeastLines = 2;
 constexpr int kSpare = 2;  ///< spare pixels, without which the box considers its last line cut off
 
 void MakeReadable(QPlainTextEdit& box) {
@@ -37,7 +38,8 @@ ReadingText::ReadingText(QWidget* parent) : QPlainTextEdit(parent) {
 ReadingText::ReadingText(const char* name, const QString& accessibleName, int lines, QWidget* parent) : ReadingText(parent) {
     setObjectName(name);
     setAccessibleName(accessibleName);
-    setFixedHeight(HeightOfLines(lines));
+    setMinimumHeight(HeightOfLines(std::min(lines, kLeastLines)));
+    setMaximumHeight(HeightOfLines(lines));
 }
 
 void ReadingText::SetText(const QString& text) {

@@ -10,7 +10,7 @@ namespace korvane {
 class ReadingText : public QPlainTextEdit {
 public:
     explicit ReadingText(QWidget* parent);
-    /// With space for this many lines.
+    /// With space for this many lines; in a window that is too low for them, for two.
     ReadingText(const char* name, const QString& accessibleName, int lines, QWidget* parent);
 
     /// Use this instead of setPlainText: it breaks lines of more than 1000 characters.

@@ -5,6 +5,7 @@
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -18,6 +19,7 @@ namespace korvane {
 namespace {
 
 constexpr int kStatusLines = 5;
+constexpr int kShareOfPages = 4;                ///< times what the status line gets where not all of both fits
 constexpr qsizetype kStatusCharacters = 15000;  // a server's answer may be megabytes
 
 /// Returns false for a focus that only returns with the window, such as after a message: the status line then keeps the text that
@@ -60,7 +62,7 @@ QPushButton* FormDialog::AddButton(QDialogButtonBox& buttons, const Control& con
 
 void FormDialog::AddStatus(int lines) {
     txtStatus_ = new ReadingText("txtStatus", "Status", lines, this);
-    content_->addWidget(txtStatus_);
+    content_->addWidget(txtStatus_, 1);
 }
 
 void FormDialog::SetStatus(std::string_view text) {
@@ -92,7 +94,7 @@ TabbedDialog::TabbedDialog(const char* name, const QString& title, QWidget* pare
     setSizeGripEnabled(true);
     tabPages_->setObjectName("tabPages");
     tabPages_->setAccessibleName("Pages of settings");
-    content_->addWidget(tabPages_, 1);
+    content_->addWidget(tabPages_, kShareOfPages);
 }
 
 QVBoxLayout& TabbedDialog::AddPage(const char* title, const char* help, const QString& explanation) {
@@ -107,6 +109,10 @@ QVBoxLayout& TabbedDialog::AddPage(const char* title, const char* help, const QS
         if (opened == index && !loading_) SetStatus(help);
     });
     return *content;
+}
+
+void TabbedDialog::LeaveHeightToOthers(QVBoxLayout& page) {
+    static_cast<ScrolledPage*>(page.parentWidget()->parentWidget()->parentWidget())->SetLow();  // its viewport is between
 }
 
 QPushButton* TabbedDialog::AddStatusAndButtons(const Control& command, const std::function<void()>& click,
@@ -167,9 +173,15 @@ void TabbedDialog::MarkRefusedPages() {
     }
 }
 
+// Qt itself would use no more than two thirds of the screen.
+QSize TabbedDialog::Room() const {
+    return screen()->availableGeometry().size() - QSize(0, 2 * fontMetrics().height());
+}
+
 // Showing a dialog focuses its first input, which must not replace the initial text of the status line.
 void TabbedDialog::setVisible(bool visible) {
     const RaisedFlag showing(showing_);
+    if (visible && !testAttribute(Qt::WA_Resized)) resize(sizeHint().boundedTo(Room()));
     QDialog::setVisible(visible);
 }
 

@@ -26,12 +26,18 @@ public:
     /// Takes ownership of `page`.
     explicit ScrolledPage(QWidget* page);
 
-    QSize sizeHint() const override { return widget()->sizeHint(); }
+    /// From now on it scrolls unless there happens to be room for it.
+    void SetLow() { low_ = true; }
+
+    QSize sizeHint() const override { return low_ ? minimumSizeHint() : widget()->sizeHint(); }
     /// With room for the vertical scroll bar.
     QSize minimumSizeHint() const override {
         const int bar = verticalScrollBar()->sizeHint().width();
         return {widget()->minimumSizeHint().width() + bar, fontMetrics().height() * 6};
     }
+
+private:
+    bool low_ = false;
 };
 
 /// Window-modal, shown with open(); deleted when it is closed.
@@ -71,6 +77,8 @@ protected:
 
     /// Adds an empty page, or one that begins with an explanation. The status line shows `help` when the page is opened.
     QVBoxLayout& AddPage(const char* title, const char* help, const QString& explanation = QString());
+    /// The page scrolls in the height that the other pages need.
+    static void LeaveHeightToOthers(QVBoxLayout& page);
     /// Must be called once, after the last page, since keyboard navigation follows this order. Returns the dialog's own command,
     /// which is at the left of "cmdOk" and "cmdCancel".
     QPushButton* AddStatusAndButtons(const Control& command, const std::function<void()>& click,
@@ -92,6 +100,8 @@ protected:
     QTabWidget* tabPages_;
 
 private:
+    /// Returns the size that fits on the screen with a frame around it.
+    QSize Room() const;
     void MarkRefusedPages();
 
     bool closed_ = false;

@@ -1,5 +1,5 @@
-// The command that explains an entry's state from its rows and the log: what led there, who was notified, which command ran, what
-// comes next, and what must happen until the next mail.
+// The commands that look at one entry: show, and why, which explains its state from its rows and the log: what led there, who was
+// notified, which command ran, what comes next, and what must happen until the next mail.
 #include <QJsonArray>
 #include <algorithm>
 #include <fstream>
@@ -9,7 +9,9 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "engine/server_table.h"
+#include "shell/cli/print_phases.h"
 #include "shell/cli/session.h"
+#include "shell/entry/entry_inputs.h"
 #include "shell/list/entry_csv_columns.h"
 #include "shell/list/entry_detail_text.h"
 
@@ -19,6 +21,29 @@ namespace {
 constexpr std::size_t kMostChecks = 10;
 constexpr std::size_t kMostCommands = 6;
 constexpr std::string_view kCommandRan = "frmMonitor:RunCommand: ";
+
+/// The entry that the command names, with all that is known about it.
+struct Look {
+    Session::Entry entry;
+    DateTime now;
+    EntryDetail detail;
+    EntrySentences says;
+    EntryFields fields;
+};
+
+Look LookAtEntry(Session& session) {
+    const Session::Entry entry = session.Find(session.Given().arguments.front());
+    const Desk& desk = session.TheDesk();
+    const DateTime now = desk.clock.Now();
+    const EntryDetail detail = LoadEntryDetail(desk, ParseWhole(entry.id), now);
+    return {entry, now, detail, InSentences(detail, now), ReadAllEntries(desk).at(entry.id)};
+}
+
+std::string ShownText(const Session& session, const EntryInput& input, const EntryFields& fields) {
+    const std::string text = CsvTextOf(input, fields);
+    const bool hides = input.text == &EntryFields::strPassword && !session.Given().Has("show-passwords");
+    return hides && !text.empty() ? kHidden : text;
+}
 
 struct Part {
     const char* head;
@@ -133,13 +158,43 @@ std::string NextMail(const EntryDetail& detail) {
 
 }  // namespace
 
-int RunWhy(Session& session) {
-    const Session::Entry entry = session.Find(session.Given().arguments.front());
+int RunShow(Session& session) {
+    const auto [entry, now, detail, says, fields] = LookAtEntry(session);
     const Desk& desk = session.TheDesk();
-    const DateTime now = desk.clock.Now();
-    const EntryDetail detail = LoadEntryDetail(desk, ParseWhole(entry.id), now);
-    const EntrySentences says = InSentences(detail, now);
-    const EntryFields fields = ReadAllEntries(desk).at(entry.id);
+    QJsonObject columns;
+    std::vector<std::vector<std::string>> table;
+    for (const EntryInput* each : AllCsvColumns(desk, true)) {
+        const std::string text = each == nullptr ? entry.id : ShownText(session, *each, fields);
+        columns.insert(ForJson(std::string(CsvNameOf(each))), ForJson(text));
+        if (!text.empty()) table.push_back({std::string(CsvNameOf(each)), text});
+    }
+    if (session.Json()) {
+        QJsonArray failures;
+        for (const std::string& each : says.failures)
+            failures.append(ForJson(each));
+        session.PrintJson({{"state", ForJson(says.state)},
+                           {"since", ForJson(says.since)},
+                           {"reason", ForJson(says.reason)},
+                           {"lastResponse", ForJson(detail.strLastResponse)},
+                           {"done", ForJson(says.done)},
+                           {"notified", ForJson(says.notified)},
+                           {"figures", ForJson(says.figures)},
+                           {"failures", failures},
+                           {"lastCheck", PhasesForJson(detail.phases)},
+                           {"columns", columns}});
+        return kDone;
+    }
+    for (const std::string& line : {says.title, says.state + says.since, says.reason, says.done, says.notified, says.figures,
+                                    says.measured, says.certificate})
+        if (!line.empty()) session.Say(line);
+    session.Say("");
+    session.PrintTable(table);
+    return kDone;
+}
+
+int RunWhy(Session& session) {
+    const auto [entry, now, detail, says, fields] = LookAtEntry(session);
+    const Desk& desk = session.TheDesk();
     const std::string reason = says.reason.empty() ? "" : "Reason: " + says.reason;
     const Part parts[] = {
         {"State", "state", {says.state + says.since, reason}},
