@@ -12,7 +12,7 @@
 #include "store/entry_safeguards.h"
 #include "store/last_checks.h"
 #include "support/loopback_server.h"
-#include "support/postgres_server.h"
+#include "support/shared_home.h"
 
 namespace korvane::shared_store_test {
 

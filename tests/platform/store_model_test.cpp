@@ -10,7 +10,7 @@
 
 #include "platform/real_ports.h"
 #include "store/database_files.h"
-#include "support/postgres_server.h"
+#include "support/shared_home.h"
 #include "support/test_database.h"
 
 namespace korvane::store_model_test {
