@@ -66,7 +66,8 @@ constexpr std::string_view kSaveOrder[] = {
 };
 
 // Missing until the user has changed what they keep; saved after all others.
-constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases", "CertWarnDays", "Figures", "Database"};
+constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases",   "CertWarnDays", "Figures",
+                                           "Database",     "InstanceName", "InstanceMail", "MaxEntries"};
 
 std::vector<std::string_view> OptionalKeys() {
     std::vector<std::string_view> keys;

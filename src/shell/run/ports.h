@@ -1,6 +1,7 @@
 // What a run gets from outside: the ports, in groups that are handed on whole, and what it is told at its start.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -84,10 +85,13 @@ struct RunOptions {
     std::string dir;      ///< folder of settings, database and log, without a slash at the end
     std::string dataDir;  ///< folder of the installation's templates and empty database; may be the same
     std::string commandLine;
-    std::string version;       ///< "major.minor.revision"
-    std::string program = {};  ///< the executable's path
-    std::string icon = {};     ///< the program's icon, by its name in the desktop's theme or its path
-    bool isGuest = false;      ///< another process may run with this home: new ids do not come from its settings file
+    std::string version;        ///< "major.minor.revision"
+    std::string program = {};   ///< the executable's path
+    std::string icon = {};      ///< the program's icon, by its name in the desktop's theme or its path
+    bool isShared = false;      ///< the list is on a database server, where other instances may work on it
+    std::string instance = {};  ///< the name of this one among them; empty: the machine and the home
+    std::int64_t pid = 0;
+    bool isGuest = false;  ///< another process may run with this home: new ids do not come from its settings file
 };
 
 }  // namespace korvane

@@ -17,6 +17,7 @@
 #include "resources/machine_watch.h"
 #include "shell/run/desk.h"
 #include "shell/run/heartbeat.h"
+#include "shell/run/instance_watch.h"
 #include "shell/run/ports.h"
 #include "shell/run/requests.h"
 #include "store/entry_safeguards.h"
@@ -108,6 +109,7 @@ struct RunRooms : RunPorts {
     MailProof mailProof;
     MachineWatch machineWatch;
     Requests requests;
+    std::unique_ptr<InstanceWatch> instances;  ///< null unless the list is shared
     const Desk desk;
 };
 
