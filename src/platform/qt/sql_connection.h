@@ -77,6 +77,8 @@ public:
     bool TryTakeDuty(std::string_view name) override;
     void ReleaseDuty(std::string_view name) override;
     std::optional<DateTime> Now() override { return Opened().Now(); }
+    std::string Server() override { return Opened().Server(); }
+    void FollowIds(std::string_view table) override { Opened().FollowIds(std::string(table)); }
 
     /// Returns null while it is closed.
     const std::shared_ptr<SqlSession>& Session() const { return session_; }
