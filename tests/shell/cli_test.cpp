@@ -44,20 +44,30 @@ TEST(Phases, ThoseThatNeverRanAreAbsent) {
     }
 }
 
+std::string Says(World& w, const std::vector<std::string>& words, bool isShared = false) {
+    std::ostringstream out;
+    CommandOperator person(out, out);
+    const RunPorts ports = w.Ports();
+    RunOptions options;
+    options.dir = w.home;
+    options.isGuest = true;
+    options.isShared = isShared;
+    const int end = RunCommandWords(words, {ports, options, person, out, out, 0, "1"});
+    return std::to_string(end) + " " + out.str();
+}
+
+TEST(Add, OfASharedListFollowsMaxEntries) {
+    StartedWorld w({.settings = "MaxEntries=1"});
+    w.rows.Add({});
+    EXPECT_TRUE(Holds(Says(w, {"add", "a.example"}, true), "1 is the maximum number of Server Entries."));
+    EXPECT_TRUE(Holds(Says(w, {"add", "a.example"}), "added (id "));
+}
+
 TEST(Status, NamesCertificatesThatEndSoonAndStaysAsItIs) {
     for (const std::string days : {"", "20"}) {
         StartedWorld w({.settings = "CertWarnDays=" + days});
         w.rows.AddMany({{.strDesc = "now"}, {.strDesc = "so\non\x1B"}, {.strDesc = "late"}, {.strDesc = "none"}});
-        const auto says = [&](const std::string& option) {
-            std::ostringstream out;
-            CommandOperator person(out, out);
-            const RunPorts ports = w.Ports();
-            RunOptions options;
-            options.dir = w.home;
-            options.isGuest = true;
-            const int end = RunCommandWords({"status", option}, {ports, options, person, out, out, 0, "1"});
-            return std::to_string(end) + " " + out.str();
-        };
+        const auto says = [&](const std::string& option) { return Says(w, {"status", option}); };
         const std::string line =
             "3 KORVANE UNKNOWN - 0 down, 0 failing, 4 up, 0 down-time, 0 inactive; no monitor runs with this home | "
             "down=0 failing=0 up=4 down-time=0 inactive=0\n";

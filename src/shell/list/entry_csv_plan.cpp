@@ -41,7 +41,7 @@ EntryFields FreshFields(const Desk& desk) {
 class Planner {
 public:
     Planner(const Desk& desk, const CsvRecord& head)
-        : all_(AllCsvColumns(desk, true)), fresh_(FreshFields(desk)), entries_(ReadAllEntries(desk)) {
+        : desk_(desk), all_(AllCsvColumns(desk, true)), fresh_(FreshFields(desk)), entries_(ReadAllEntries(desk)) {
         for (const std::string& name : head.cells)
             columns_.push_back(ColumnOf(Trim(name), head.line));
     }
@@ -98,8 +98,9 @@ private:
         const auto ofId = std::ranges::find(columns_, nullptr);
         if (ofId != columns_.end()) row.id = Trim(cells[static_cast<std::size_t>(ofId - columns_.begin())]);
         if (row.id.empty())
-            return static_cast<int>(entries_.size()) + ++added_ > kMostEntries ? "500 is the maximum number of Server Entries."
-                                                                               : "";
+            return static_cast<int>(entries_.size()) + ++added_ > MostEntries(desk_)
+                       ? MostEntriesText(desk_) + " is the maximum number of Server Entries."
+                       : "";
         if (!entries_.contains(row.id)) return "There is no entry with the id '" + row.id + "'.";
         return seen_.insert(row.id).second ? "" : "The id '" + row.id + "' is there twice.";
     }
@@ -182,6 +183,7 @@ private:
         return IsPingType(fields.strType) && !IsValidIPAddress(fields.strAddress_IP) ? "; PING needs an IP address" : "";
     }
 
+    const Desk& desk_;
     CsvColumns all_;
     CsvColumns columns_;  ///< of the file
     EntryFields fresh_;
@@ -196,7 +198,7 @@ ImportPlan PlanImport(const Desk& desk, std::string_view text) {
     ImportPlan plan;
     try {
         if (text.size() > kMostCsvBytes) throw Error(kFileTooLarge);
-        const std::vector<CsvRecord> records = ReadCsv(text, kMostEntries);
+        const std::vector<CsvRecord> records = ReadCsv(text, static_cast<std::size_t>(MostEntries(desk)));
         if (records.empty()) throw Error("The file is empty.");
         Planner planner(desk, records.front());
         for (std::size_t i = 1; i < records.size(); ++i)
