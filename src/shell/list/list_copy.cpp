@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "base/error.h"
+#include "base/ignore_errors.h"
 #include "base/text.h"
 #include "notify/outbox_table.h"
 #include "shell/list/entry_acts.h"
@@ -16,7 +17,8 @@
 namespace korvane {
 namespace {
 
-constexpr std::size_t kRowsAtOnce = 100;
+constexpr std::size_t kRowsRead = 20'000;  // a server sorts the whole table for each read
+constexpr std::size_t kRowsWritten = 100;
 constexpr std::string_view kId = "ID";
 
 struct ListTable {
@@ -74,36 +76,40 @@ std::string InsertOf(const ListTable& table, std::size_t rows) {
     return text;
 }
 
-/// Some of the next rows of a table.
-struct Rows {
-    std::vector<Value> values;
-    std::size_t count = 0;
-    std::int64_t lastId = 0;
-};
+// A table of an older version lacks some.
+ListTable WithColumnsIn(const ListPlace& place, ListTable table) {
+    const auto row = OpenRows(place.store, place.connection, "SELECT * FROM " + table.name + " WHERE ID = -1");
+    row->AddNew();
+    std::erase_if(table.columns, [&](const std::string& column) { return !IgnoreErrors([&] { row->Fields(column).Value(); }); });
+    return table;
+}
 
-Rows ReadAfter(const ListPlace& from, const ListTable& table, std::int64_t id) {
-    const auto source = OpenRows(
-        from.store, from.connection,
-        "SELECT * FROM " + table.name + " WHERE ID > " + std::to_string(id) + " ORDER BY ID LIMIT " + std::to_string(kRowsAtOnce),
-        CursorType::Static);
-    Rows rows;
-    for (; !source->Eof(); source->MoveNext(), ++rows.count) {
-        rows.lastId = source->Fields(kId).Value().Int64();
-        for (const std::string& column : table.columns)
-            rows.values.push_back(source->Fields(column).Value());
-    }
-    return rows;
+std::string NextRows(const ListTable& table, std::int64_t after) {
+    return "SELECT * FROM " + table.name + " WHERE ID > " + std::to_string(after) + " ORDER BY ID LIMIT " +
+           std::to_string(kRowsRead);
 }
 
 CopiedTable CopyTable(const ListPlace& from, const ListPlace& to, const ListTable& table) {
     CopiedTable copied{table.name};
     for (const std::string& statement : table.creates)
         to.connection.Execute(statement);
-    std::int64_t id = -std::numeric_limits<std::int64_t>::max();
-    for (Rows rows; rows = ReadAfter(from, table, id), rows.count > 0; id = rows.lastId) {
-        to.connection.Execute(InsertOf(table, rows.count), rows.values);
-        copied.rows += static_cast<std::int64_t>(rows.count);
-    }
+    std::vector<Value> values;
+    const auto write = [&] {
+        if (!values.empty()) to.connection.Execute(InsertOf(table, values.size() / table.columns.size()), values);
+        values.clear();
+    };
+    std::int64_t id = -std::numeric_limits<std::int64_t>::max(), before = id;
+    do {
+        before = id;
+        const auto rows = OpenRows(from.store, from.connection, NextRows(table, id), CursorType::Static);
+        for (; !rows->Eof(); rows->MoveNext(), ++copied.rows) {
+            id = rows->Fields(kId).Value().Int64();
+            for (const std::string& column : table.columns)
+                values.push_back(rows->Fields(column).Value());
+            if (values.size() == kRowsWritten * table.columns.size()) write();
+        }
+        write();
+    } while (id != before);
     if (copied.rows > 0) to.connection.FollowIds(table.name);
     return copied;
 }
@@ -126,7 +132,7 @@ void CopyList(const ListPlace& from, const ListPlace& to, const std::function<vo
                         (table.rows == 1 ? " row." : " rows."));
     for (const ListTable& table : TablesIn(from)) {
         try {
-            copied(CopyTable(from, to, table));
+            copied(CopyTable(from, to, WithColumnsIn(from, table)));
         } catch (const ServerAwayError&) {
             throw;
         } catch (const Error& error) {
