@@ -15,25 +15,25 @@ endfunction()
 
 korvane_install_program(. COMPONENT portable)
 
-# korvane_unit(<file>): the unit that the program itself installs for others, here for the user of the package.
-function(korvane_unit file)
+# korvane_unit(<file> <home> <description>): the unit that the program itself installs for others, here for the user of the package.
+function(korvane_unit file FOLDER DESCRIPTION)
   set(WHOSE "the system.")
-  set(DESCRIPTION "Korvane network and server monitor")
   set(PROGRAM /usr/lib/korvane/korvanecore)
   set(USER korvane)
-  set(FOLDER /var/lib/korvane)
   set(FOLDERS ${FOLDER})
   set(OWNER ${FOLDER})
   set(HOME KORVANE_HOME=${FOLDER})
   set(TARGET multi-user.target)
   configure_file(${CMAKE_SOURCE_DIR}/data/korvane.service.in ${file} @ONLY)
 endfunction()
-korvane_unit(${CMAKE_BINARY_DIR}/system/korvane.service)
+korvane_unit(${CMAKE_BINARY_DIR}/system/korvane.service /var/lib/korvane "Korvane network and server monitor")
+# One of several, which usually share a list: "systemctl enable --now korvane@north" has its home in /var/lib/korvane/north.
+korvane_unit(${CMAKE_BINARY_DIR}/system/korvane@.service /var/lib/korvane/%i "Korvane network and server monitor %i")
 
 set(system COMPONENT system EXCLUDE_FROM_ALL)
 korvane_install_program(lib/korvane ${system})
 install(PROGRAMS ${CMAKE_SOURCE_DIR}/data/system/korvanecore DESTINATION bin ${system})
-install(FILES ${CMAKE_BINARY_DIR}/system/korvane.service DESTINATION lib/systemd/system ${system})
+install(FILES ${CMAKE_BINARY_DIR}/system/korvane.service ${CMAKE_BINARY_DIR}/system/korvane@.service DESTINATION lib/systemd/system ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvane.desktop DESTINATION share/applications ${system})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/data/icons/ DESTINATION share/icons/hicolor ${system})
 install(FILES ${CMAKE_SOURCE_DIR}/data/system/korvanecore.bash DESTINATION share/bash-completion/completions RENAME korvanecore ${system})

@@ -75,6 +75,10 @@ OutboxMail HeadOf(Recordset& rs) {
 
 }  // namespace
 
+std::vector<std::string> OutboxTable::Statements() {
+    return {std::string(kCreateOutbox)};
+}
+
 bool OutboxTable::Exists(Connection& conn) {
     return conn.HasTable("MailOutbox");
 }

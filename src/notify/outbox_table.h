@@ -33,6 +33,9 @@ public:
     /// `dir` is the folder of the database.
     OutboxTable(Store& store, std::string dir) : store_(store), dir_(std::move(dir)) {}
 
+    /// Returns the statement that creates the table.
+    static std::vector<std::string> Statements();
+
     // All throw Error for the store's reason. Those without a connection open one of their own.
 
     /// Adds a mail that waits, and returns its ID; creates the table if there is none.

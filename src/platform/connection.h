@@ -81,6 +81,14 @@ public:
     /// Returns the server's time, local in the time zone of its list; nothing with a file, which has no clock.
     virtual std::optional<DateTime> Now() = 0;
 
+    /// Returns the server's database and version for the operator, without secrets: "'list' on db1, PostgreSQL 15.4". Empty with a
+    /// file.
+    virtual std::string Server() { return ""; }
+
+    /// Called after rows were added with IDs of their own: a row that is added without one gets a higher ID than all of them. A
+    /// file does that by itself.
+    virtual void FollowIds(std::string_view /*table*/) {}
+
 private:
     std::string connectionString_;
 };

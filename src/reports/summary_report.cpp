@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "reports/page_parts.h"
 #include "reports/pages.h"
+#include "store/instances.h"
 
 namespace korvane {
 namespace {
@@ -54,6 +55,23 @@ std::string AboutSafeguards(const Publication& publication) {
     std::string text = proven.empty() ? "" : "\r\n<br>" + proven;
     if (publication.alertPath.IsShown()) text += "\r\n<br><font size=1>" + publication.safeguards.CountsText() + "</font>";
     return text;
+}
+
+// Stands below the table, only if instances share the list.
+std::string AboutInstances(const Publication& publication) {
+    Instances instances(publication.store);
+    const auto now = publication.connection.Now();
+    const std::vector<Instance> all = now ? instances.ReadAll(publication.connection) : std::vector<Instance>();
+    if (all.empty()) return "";
+    std::string table = "\r\n<br>" + TableHead({BoldCell("Instance"), BoldCell("Machine"), BoldCell("Since"), BoldCell("Checks"),
+                                                BoldCell("Last seen")});
+    const auto text = [&](const std::string& value) { return Cell("\r\n" + publication.outside.Text(value)); };
+    for (const Instance& each : all) {
+        const std::string seen = each.seen.Text() + (*now - each.seen > kSilentAfter ? ", silent" : "");
+        table.append(kRowBegin).append(text(each.name) + text(each.host) + text(each.started.Text()));
+        table.append(text(instances.NameOf(publication.connection, each.checking)) + text(seen)).append(kRowEnd);
+    }
+    return table.append(kTableEnd);
 }
 
 // The last response of an entry that a safeguard set aside is the reason.
@@ -193,6 +211,7 @@ void WriteSummary(const Publication& publication, const std::string& strGroup) {
     table += averages.Row();
     table += kTableEnd;
     table += AboutSafeguards(publication);
+    table += AboutInstances(publication);
     folder.Write(groupFolder + "/summary.htm", folder.Merge(kSummaryTemplate, {table, total, publication.Shown(strGroup)}));
     folder.EnsurePictures();
 }

@@ -30,8 +30,8 @@ public:
     bool Exists() { return conn_.HasTable("EntrySafeguards"); }
 
     void Create() {
-        conn_.Execute(kCreatesTable);
-        conn_.Execute(kForgetsDeleted);
+        for (const std::string& statement : EntrySafeguards::Statements())
+            conn_.Execute(statement);
     }
 
     std::string Read(std::int64_t id, std::string_view key) {
@@ -68,6 +68,10 @@ private:
 };
 
 }  // namespace
+
+std::vector<std::string> EntrySafeguards::Statements() {
+    return {std::string(kCreatesTable), std::string(kForgetsDeleted)};
+}
 
 std::string EntrySafeguards::Read(std::int64_t id, std::string_view key) const {
     const auto conn = Opened(store_, connectionString_);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/connection.h"
 
@@ -12,7 +13,11 @@ namespace korvane {
 
 class EntrySafeguards {
 public:
-    /// `connectionString` is that of the database. A call opens a Connection of its own unless it gets one; store errors are passed to the caller.
+    /// Returns the statements that create the table and what belongs to it.
+    static std::vector<std::string> Statements();
+
+    /// `connectionString` is that of the database. A call opens a Connection of its own unless it gets one; store errors are passed
+    /// to the caller.
     EntrySafeguards(Store& store, std::string connectionString) : store_(store), connectionString_(std::move(connectionString)) {}
 
     /// Returns the value of the entry; empty if it has none. Keys are case-insensitive.

@@ -122,6 +122,14 @@ void AddRow(Connection& conn, std::string_view createsTable, std::string_view cr
 
 }  // namespace
 
+std::vector<std::string> LastChecks::CheckStatements() {
+    return {std::string(kCreatesChecks), std::string(kForgetsChecks)};
+}
+
+std::vector<std::string> LastChecks::MailStatements() {
+    return {std::string(kCreatesMails), std::string(kForgetsMails)};
+}
+
 std::optional<std::chrono::days> CertWarnDays(const SettingsCollection& settings) {
     return DaysIn(TextOf(settings, kCertWarnDays));
 }

@@ -45,6 +45,10 @@ class LastChecks {
 public:
     explicit LastChecks(Store& store) : store_(store) {}
 
+    /// Return the statements that create a table and what belongs to it.
+    static std::vector<std::string> CheckStatements();
+    static std::vector<std::string> MailStatements();
+
     // All throw Error for the store's reason, those that read also when there is no table.
 
     /// Replaces what is kept of the entry.

@@ -66,8 +66,8 @@ constexpr std::string_view kSaveOrder[] = {
 };
 
 // Missing until the user has changed what they keep; saved after all others.
-constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases",   "CertWarnDays", "Figures",
-                                           "Database",     "PublishPages", "Witnesses"};
+constexpr std::string_view kOnlyIfSet[] = {"DesktopNotes", "KeepPhases", "CertWarnDays", "Figures",      "Database",
+                                           "PublishPages", "Witnesses",  "InstanceName", "InstanceMail", "MaxEntries"};
 
 std::vector<std::string_view> OptionalKeys() {
     std::vector<std::string_view> keys;

@@ -53,7 +53,7 @@ check_installed() {
     is "*/main.png" "the manual" inside ls /usr/lib/korvane/manual/manual.md /usr/lib/korvane/manual/pictures/main.png
     is "korvane:korvane 750" "the home" inside stat -c '%U:%G %a' "$home"
     is "*complete*" "the completion" inside sh -c 'PATH=/usr/lib/korvane:$PATH bash -c ". /usr/share/bash-completion/completions/korvanecore; complete -p korvanecore"'
-    is "" "the unit" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service 2>&1 | grep korvane'
+    is "" "the units" inside sh -c 'systemd-analyze verify --man=no /usr/lib/systemd/system/korvane.service /usr/lib/systemd/system/korvane@.service 2>&1 | grep korvane'
 }
 
 sum_of_database() { md5sum <"$root$home/kvdata2.mdb"; }

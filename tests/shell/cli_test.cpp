@@ -48,13 +48,14 @@ TEST(Phases, ThoseThatNeverRanAreAbsent) {
     }
 }
 
-std::string Said(StartedWorld& w, const std::vector<std::string>& words) {
+std::string Said(StartedWorld& w, const std::vector<std::string>& words, bool isShared = false) {
     std::ostringstream out;
     CommandOperator person(out, out);
     const RunPorts ports = w.Ports();
     RunOptions options;
     options.dir = w.home;
     options.isGuest = true;
+    options.isShared = isShared;
     const int end = RunCommandWords(words, {ports, options, person, out, out, 0, "1"});
     return std::to_string(end) + " " + out.str();
 }
@@ -92,6 +93,13 @@ TEST(Settings, OnlyPasswordsAreHidden) {
     for (const SettingInfo& each : AllSettings())
         if (each.isPassword) hidden += each.key + " ";
     EXPECT_EQ(hidden, "SMTPPass1 SMTPPass2 ProveMailPass ");
+}
+
+TEST(Add, OfASharedListFollowsMaxEntries) {
+    StartedWorld w({.settings = "MaxEntries=1"});
+    w.rows.Add({});
+    EXPECT_TRUE(Holds(Said(w, {"add", "a.example"}, true), "1 is the maximum number of Server Entries."));
+    EXPECT_TRUE(Holds(Said(w, {"add", "a.example"}), "added (id "));
 }
 
 TEST(Status, NamesCertificatesThatEndSoonAndStaysAsItIs) {

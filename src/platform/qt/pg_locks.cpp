@@ -33,4 +33,13 @@ std::optional<DateTime> PgSession::Now() {
     return DateTime::FromStored(now.toString().toStdString());
 }
 
+std::string PgSession::Server() {
+    return Shown() + ", PostgreSQL " + Answer("SELECT current_setting('server_version')").toString().toStdString();
+}
+
+void PgSession::FollowIds(const std::string& table) {
+    const std::string name = PgName(table);
+    Ask("SELECT setval(pg_get_serial_sequence(" + PgLiteral(name) + ", 'id'), (SELECT greatest(max(id), 1) FROM " + name + "))");
+}
+
 }  // namespace korvane

@@ -178,8 +178,7 @@ std::int64_t PgSession::Insert(const std::string& table, const std::string& sql,
         } catch (const PgTakenError&) {
             if (givesId || tries == kMostTries) throw;
         }
-        const std::string name = PgName(table);
-        Ask("SELECT setval(pg_get_serial_sequence(" + PgLiteral(name) + ", 'id'), (SELECT max(id) FROM " + name + "))");
+        FollowIds(table);
     }
 }
 

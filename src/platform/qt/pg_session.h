@@ -56,6 +56,8 @@ public:
     void ReleaseDuty(const std::string& name) override;
 
     std::optional<DateTime> Now() override;
+    std::string Server() override;
+    void FollowIds(const std::string& table) override;
 
 protected:
     std::shared_ptr<const SqlColumns> ReadColumns(const std::string& table) override;

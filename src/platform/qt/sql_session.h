@@ -89,6 +89,8 @@ public:
     virtual void ReleaseDuty(const std::string& name) = 0;
 
     virtual std::optional<DateTime> Now() = 0;
+    virtual std::string Server() { return ""; }
+    virtual void FollowIds(const std::string& /*table*/) {}
 
     const ColumnKindOf& KindOf() const { return kindOf_; }
 

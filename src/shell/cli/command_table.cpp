@@ -46,6 +46,9 @@ constexpr Command kCommands[] = {
      RunSettings},
     {"test-mail", "<address>", "Send a test mail through both mail servers.", "from quiet", 1, 1, false, RunTestMail},
     {"why", "<entry>", "Explain its state: what led there, who was notified, and what comes next.", "json", 1, 1, false, RunWhy},
+    {"database", "[copy <from> <to>]",
+     "Say where the list is, or copy it; <from> and <to>: 'file', or the address of a database.", "dry-run json quiet", 0, 3,
+     false, RunDatabase},
     {"help", "[<command>]", "Explain a command.", "", 0, 2, false, RunHelp},
 };
 

@@ -68,6 +68,7 @@ int RunImport(Session& session);
 int RunSettings(Session& session);
 int RunTestMail(Session& session);
 int RunWhy(Session& session);
+int RunDatabase(Session& session);
 int RunHelp(Session& session);
 
 }  // namespace korvane

@@ -57,6 +57,7 @@ std::string CompletionWords(const std::string& word) {
             for (const std::string& name : ColumnWords())
                 all.push_back(name + "=");
         if (command->word == "settings") all.insert(all.end(), {"list", "get", "set"});
+        if (command->word == "database") all.insert(all.end(), {"copy", "file"});
     }
     std::string text;
     for (const std::string& each : all)

@@ -9,6 +9,7 @@
 #include "shell/list/entry_detail_text.h"
 #include "shell/list/list_filter.h"
 #include "store/database_files.h"
+#include "store/instances.h"
 #include "store/last_checks.h"
 
 namespace korvane {
@@ -82,6 +83,15 @@ std::vector<std::string> EndingCertificates(Session& session, const SharedRows& 
     return lines;
 }
 
+std::vector<std::string> InstanceLines(Session& session) {
+    const Desk& desk = session.TheDesk();
+    if (!desk.isShared) return {};
+    std::vector<std::string> lines = Instances(desk.store).Lines(*OpenDatabase(desk.store, desk.dir));
+    for (std::string& line : lines)
+        line.insert(0, "Instance ");
+    return lines;
+}
+
 }  // namespace
 
 int RunList(Session& session) {
@@ -116,10 +126,11 @@ int RunStatus(Session& session) {
     SharedRows rows;
     int end = kWrongWords;
     std::string why;
-    std::vector<std::string> certificates;
+    std::vector<std::string> certificates, instances;
     try {
         rows = RowsOf(session);
         certificates = EndingCertificates(session, rows);
+        instances = InstanceLines(session);
         const StateCounts counts = CountStates(rows);
         const bool runs = session.Runs();
         end = counts[0] > 0 ? 2 : counts[1] > 0 ? 1 : rows.empty() || !runs ? 3 : 0;
@@ -137,10 +148,8 @@ int RunStatus(Session& session) {
         object.insert(ForJson(word), counts[i]);
     }
     if (session.Json()) {
-        QJsonArray ending;
-        for (const std::string& line : certificates)
-            ending.append(ForJson(line));
-        if (!ending.isEmpty()) object.insert("certificates", ending);
+        if (!certificates.empty()) object.insert("certificates", ForJson(certificates));
+        if (!instances.empty()) object.insert("instances", ForJson(instances));
         session.PrintJson(object);
         return end;
     }
@@ -150,6 +159,8 @@ int RunStatus(Session& session) {
         if (StateOf(row->strCurStatus) == RowIcon::Bad || StateOf(row->strCurStatus) == RowIcon::Warn)
             say(row->cells[column::Status] + ": " + row->Name() + ", " + row->cells[column::LastResponse]);
     for (const std::string& line : certificates)
+        say(line);
+    for (const std::string& line : instances)
         say(line);
     return end;
 }

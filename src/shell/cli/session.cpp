@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
 #include <functional>
@@ -97,7 +96,7 @@ int RunCommandWords(const std::vector<std::string>& words, const CommandPlace& p
 const Desk& Session::TheDesk() {
     if (run_ != nullptr) return run_->TheDesk();
     const std::string database = DatabasePath(Home());
-    if (!place_.ports.files.Exists(database))
+    if (!place_.options.isShared && !place_.ports.files.Exists(database))
         throw Error(Home() + " is no home: it has no " + std::string(kDatabaseFile) +
                     ".\nName another with --home or KORVANE_HOME, or start korvanecore once without a command to make one.");
     run_ = std::make_unique<Run>(place_.ports, place_.options);
@@ -196,15 +195,19 @@ int Session::Done(const std::string& sentence, const std::vector<std::string>& i
         Say(sentence);
         return kDone;
     }
-    QJsonArray array;
-    for (const std::string& id : ids)
-        array.append(ForJson(id));
-    PrintJson({{"done", ForJson(sentence)}, {"ids", array}});
+    PrintJson({{"done", ForJson(sentence)}, {"ids", ForJson(ids)}});
     return kDone;
 }
 
 QString ForJson(const std::string& text) {
     return QString::fromStdString(text);
+}
+
+QJsonArray ForJson(const std::vector<std::string>& texts) {
+    QJsonArray array;
+    for (const std::string& text : texts)
+        array.append(ForJson(text));
+    return array;
 }
 
 }  // namespace korvane

@@ -2,7 +2,9 @@
 // needed, and nothing of it is started: a monitor may run with it at the same time.
 #pragma once
 
+#include <QJsonArray>
 #include <QJsonObject>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -43,6 +45,8 @@ struct CommandPlace {
     std::ostream& errors;
     std::size_t width;   ///< of the terminal, in characters; 0: no terminal
     std::string number;  ///< of the process: distinguishes its requests from those of others
+    /// Makes a store whose list in the home's folder is on the server of that address; blank: in the file.
+    std::function<std::unique_ptr<Store>(const std::string& address)> storeAt = {};
 };
 
 /// Runs the command that the words name. Returns the exit status; errors are printed with what to do next.
@@ -100,5 +104,6 @@ inline constexpr const char* kHidden = "(not shown)";
 
 /// For JSON.
 QString ForJson(const std::string& text);
+QJsonArray ForJson(const std::vector<std::string>& texts);
 
 }  // namespace korvane

@@ -19,6 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr int kMostInFile = 499;  // messages say 500
+constexpr std::int64_t kMostOnServer = 100'000;
+
 constexpr std::string_view kNoEntries = "SELECT * from servers where id < 0";
 constexpr std::string_view kNoRules = "SELECT * from ResponseFailText where id < 0";
 
@@ -56,6 +59,18 @@ std::string Sentence(std::size_t changed, std::string_view what, std::size_t oth
 }
 
 }  // namespace
+
+int MostEntries(const Desk& desk) {
+    const std::string* const raised = desk.isShared ? desk.collection.Find("MaxEntries") : nullptr;
+    std::int64_t most = 0;
+    if (raised != nullptr) IgnoreErrors([&] { most = ParseWhole(Trim(*raised)); });
+    return most < 1 ? kMostInFile : static_cast<int>(std::min(most, kMostOnServer));
+}
+
+std::string MostEntriesText(const Desk& desk) {
+    const int most = MostEntries(desk);
+    return std::to_string(most == kMostInFile ? most + 1 : most);
+}
 
 std::size_t EntryActs::ForEach(const Ids& ids, const std::function<bool(Recordset& row)>& change) {
     desk_.entries.setServerEntryChangedIndex(kNoServerEntry);

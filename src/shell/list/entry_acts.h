@@ -13,8 +13,11 @@
 
 namespace korvane {
 
-/// The program holds no more: the operator can add one as long as there are fewer.
-inline constexpr int kMostEntries = 499;
+/// The program holds no more: the operator can add one as long as there are fewer. On a shared list the setting `MaxEntries` may
+/// raise it, up to 100,000.
+int MostEntries(const Desk& desk);
+/// The same as messages name it.
+std::string MostEntriesText(const Desk& desk);
 
 /// An input of the editor and the text for it.
 using EntryChange = std::pair<std::string EntryFields::*, std::string>;

@@ -41,10 +41,7 @@ EntryFields FreshFields(const Desk& desk) {
 class Planner {
 public:
     Planner(const Desk& desk, const CsvRecord& head)
-        : hidden_(desk.hiddenPasswords),
-          all_(AllCsvColumns(desk, true)),
-          fresh_(FreshFields(desk)),
-          entries_(ReadAllEntries(desk)) {
+        : desk_(desk), all_(AllCsvColumns(desk, true)), fresh_(FreshFields(desk)), entries_(ReadAllEntries(desk)) {
         for (const std::string& name : head.cells)
             columns_.push_back(ColumnOf(Trim(name), head.line));
     }
@@ -53,12 +50,12 @@ public:
         ImportRow row;
         row.line = record.line;
         row.details = Fill(row, record.cells);
-        row.name = hidden_.Shown(Or(row.fields.strDesc, row.fields.strAddress_IP));
+        row.name = desk_.hiddenPasswords.Shown(Or(row.fields.strDesc, row.fields.strAddress_IP));
         if (!row.details.empty()) {
             row.step = ImportStep::Refused;
         } else if (row.id.empty()) {
             row.step = ImportStep::Added;
-            row.details = row.fields.strType + " " + hidden_.Shown(row.fields.strAddress_IP);
+            row.details = row.fields.strType + " " + desk_.hiddenPasswords.Shown(row.fields.strAddress_IP);
         } else if (!row.changes.empty()) {
             row.step = ImportStep::Changed;
             row.details = Difference(row, entries_.at(row.id));
@@ -101,8 +98,9 @@ private:
         const auto ofId = std::ranges::find(columns_, nullptr);
         if (ofId != columns_.end()) row.id = Trim(cells[static_cast<std::size_t>(ofId - columns_.begin())]);
         if (row.id.empty())
-            return static_cast<int>(entries_.size()) + ++added_ > kMostEntries ? "500 is the maximum number of Server Entries."
-                                                                               : "";
+            return static_cast<int>(entries_.size()) + ++added_ > MostEntries(desk_)
+                       ? MostEntriesText(desk_) + " is the maximum number of Server Entries."
+                       : "";
         if (!entries_.contains(row.id)) return "There is no entry with the id '" + row.id + "'.";
         return seen_.insert(row.id).second ? "" : "The id '" + row.id + "' is there twice.";
     }
@@ -125,8 +123,8 @@ private:
     /// Puts the cell into the fields of the row. Returns why it is refused.
     std::string Take(ImportRow& row, const EntryInput& input, const std::string& cell) const {
         const std::string name(CsvNameOf(&input)), current = CsvTextOf(input, row.fields);
-        if (cell == current || cell == hidden_.Shown(current)) return "";
-        if (hidden_.IsOn() && Holds(cell, kNotShown)) return name + ": the password is not in the file.";
+        if (cell == current || cell == desk_.hiddenPasswords.Shown(current)) return "";
+        if (desk_.hiddenPasswords.IsOn() && Holds(cell, kNotShown)) return name + ": the password is not in the file.";
         if (input.mark != nullptr) {
             const auto mark =
                 std::ranges::find(kMarkWords, ToLower(Trim(cell)), [](const auto& each) { return std::string(each.first); });
@@ -167,7 +165,7 @@ private:
     }
 
     std::string Difference(const ImportRow& row, const EntryFields& before) const {
-        const auto shown = [this](const std::string& text) { return Left(hidden_.Shown(text), kShownOfCell); };
+        const auto shown = [this](const std::string& text) { return Left(desk_.hiddenPasswords.Shown(text), kShownOfCell); };
         std::string text;
         for (const EntryInput* each : row.changes) {
             text += (text.empty() ? "" : "; ") + std::string(CsvNameOf(each));
@@ -186,7 +184,7 @@ private:
         return IsPingType(fields.strType) && !IsValidIPAddress(fields.strAddress_IP) ? "; PING needs an IP address" : "";
     }
 
-    const HiddenPasswords& hidden_;
+    const Desk& desk_;
     CsvColumns all_;
     CsvColumns columns_;  ///< of the file
     EntryFields fresh_;
@@ -201,7 +199,7 @@ ImportPlan PlanImport(const Desk& desk, std::string_view text) {
     ImportPlan plan;
     try {
         if (text.size() > kMostCsvBytes) throw Error(kFileTooLarge);
-        const std::vector<CsvRecord> records = ReadCsv(text, kMostEntries);
+        const std::vector<CsvRecord> records = ReadCsv(text, static_cast<std::size_t>(MostEntries(desk)));
         if (records.empty()) throw Error("The file is empty.");
         Planner planner(desk, records.front());
         for (std::size_t i = 1; i < records.size(); ++i)

@@ -12,10 +12,10 @@ namespace korvane {
 namespace {
 
 constexpr const char* kNoRoomToAdd =
-    "Sorry, 500 is the maximum number of Server Entries supported for the production version.  "
+    "Sorry, <most> is the maximum number of Server Entries supported for the production version.  "
     "Please remove or edit some unused, or less important URLs from the list.";
 constexpr const char* kNoRoomToCopy =
-    "Sorry, 500 is the maximum number of Servers supported for the production version.  "
+    "Sorry, <most> is the maximum number of Servers supported for the production version.  "
     "Please remove or edit some unused, or less important Servers from the list.";
 constexpr const char* kMonitoringIsStopped =
     "Monitoring is stopped, so nothing is checked.  Click the Start button to start monitoring.";
@@ -50,9 +50,20 @@ void MonitorCommands::mnuTrayOn() {
 }
 
 bool MonitorCommands::HasRoom(const std::string& refusal) {
-    if (desk_.settings.GetTotalURLs() < kMostEntries) return true;
-    desk_.person.ShowMessage(kMessageTitle, refusal);
+    if (EntryCount() < MostEntries(desk_)) return true;
+    desk_.person.ShowMessage(kMessageTitle, ReplaceAll(refusal, "<most>", MostEntriesText(desk_)));
     return false;
+}
+
+// Other instances may have added some since the list was shown.
+int MonitorCommands::EntryCount() const {
+    int count = desk_.settings.GetTotalURLs();
+    if (!desk_.isShared) return count;
+    IgnoreErrors([&] {
+        const auto connection = OpenDatabase(desk_.store, desk_.dir);
+        count = OpenRows(desk_.store, *connection, "SELECT ID FROM Servers", CursorType::Static)->RecordCount();
+    });
+    return count;
 }
 
 bool MonitorCommands::BeginAdd() {

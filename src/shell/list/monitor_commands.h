@@ -61,6 +61,7 @@ public:
 private:
     std::string GlobalLogPath() const { return desk_.settings.GetLogFile() + "99.txt"; }
     bool HasRoom(const std::string& refusal);
+    int EntryCount() const;
     std::string CopyOf(const std::string& id, std::string (EntryActs::*copy)(const std::string& id));
     void OpenText(const std::string& path);
     void AskDelete(const std::string& whom, const EntryActs::Ids& ids, const std::function<void()>& answered);

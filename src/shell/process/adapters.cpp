@@ -1,6 +1,9 @@
 #include "shell/process/adapters.h"
 
+#include <unistd.h>
+
 #include <QCoreApplication>
+#include <climits>
 #include <filesystem>
 
 #include "store/database_files.h"
@@ -20,10 +23,20 @@ std::string CommandLine(int argc, char** argv) {
     return line;
 }
 
+std::string DefaultInstance(const std::string& dir) {
+    char host[HOST_NAME_MAX + 1] = "";
+    ::gethostname(host, HOST_NAME_MAX);
+    return std::string(host) + ":" + dir.substr(dir.rfind('/') + 1);
+}
+
 }  // namespace
 
 SharedDatabase SharedDatabaseOf(const std::string& dir, Files& files) {
     const std::string address = IniFile(files, SettingsFilePath(dir)).Read(kSettingsSection, "Database", "");
+    return SharedDatabaseAt(dir, address);
+}
+
+SharedDatabase SharedDatabaseAt(const std::string& dir, const std::string& address) {
     if (address.empty()) return {};
     return {.file = DatabasePath(dir), .address = address, .schema = DatabaseStatements()};
 }
@@ -40,8 +53,12 @@ RunOptions OptionsOf(int argc, char** argv) {
     if (!home.empty()) options.dir = std::filesystem::absolute(home).lexically_normal().string();
     while (options.dir.size() > 1 && options.dir.ends_with('/'))
         options.dir.pop_back();
+    options.pid = ::getpid();
     LinuxFiles files;
     options.isShared = !SharedDatabaseOf(options.dir, files).address.empty();
+    if (options.isShared)
+        options.instance =
+            IniFile(files, SettingsFilePath(options.dir)).Read(kSettingsSection, "InstanceName", DefaultInstance(options.dir));
     return options;
 }
 

@@ -37,6 +37,7 @@ RunOptions OptionsOf(int argc, char** argv);
 
 /// Reads the setting `Database` of this home; blank: the database is a file.
 SharedDatabase SharedDatabaseOf(const std::string& dir, Files& files);
+SharedDatabase SharedDatabaseAt(const std::string& dir, const std::string& address);
 
 /// The real implementations of all ports in this process.
 struct Adapters {

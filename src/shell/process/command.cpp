@@ -62,8 +62,11 @@ int RunCommand(int argc, char** argv) try {
     Adapters adapters(options, kWaitsForDatabase);
     CommandOperator person(std::cout, std::cerr);
     const RunPorts ports = adapters.PortsWith({person}, [] {});
-    const int status =
-        RunCommandWords(words, {ports, options, person, std::cout, std::cerr, TerminalWidth(), std::to_string(::getpid())});
+    const auto storeAt = [&options](const std::string& address) {
+        return std::make_unique<QtSqlStore>(KindOfColumn, kWaitsForDatabase, SharedDatabaseAt(options.dir, address));
+    };
+    const int status = RunCommandWords(
+        words, {ports, options, person, std::cout, std::cerr, TerminalWidth(), std::to_string(::getpid()), storeAt});
     std::_Exit(EndOfOutput(status));  // nothing waits for a name server that does not answer
 } catch (const std::exception& error) {
     std::cerr << "korvanecore: " << error.what() << std::endl;

@@ -36,6 +36,7 @@ struct Desk : StorePorts, SystemPorts {
     std::string dir;      ///< the home: database, settings, logs
     std::string dataDir;  ///< of the installation: templates, manual
     std::string version;  ///< "major.minor.revision" of this program
+    bool isShared;        ///< the list is on a server, where other instances may work on it
     Log& log;
     StatusLog& status;
     ServerIds& ids;

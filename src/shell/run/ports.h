@@ -1,6 +1,7 @@
 // What a run gets from outside: the ports, in groups that are handed on whole, and what it is told at its start.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -89,7 +90,8 @@ struct RunOptions {
     std::string icon = {};      ///< the program's icon, by its name in the desktop's theme or its path
     bool isShared = false;      ///< the list is on a database server, where other instances may work on it
     std::string instance = {};  ///< the name of this one among them; empty: the machine and the home
-    bool isGuest = false;       ///< another process may run with this home: new ids do not come from its settings file
+    std::int64_t pid = 0;
+    bool isGuest = false;  ///< another process may run with this home: new ids do not come from its settings file
 };
 
 }  // namespace korvane

@@ -35,6 +35,19 @@ Dispatcher NewDispatcher(RunRooms& run, TcpSocket& sckesmtp, TcpSocket& plainSoc
             {.contactAddress = std::string(kContactAddress)}};
 }
 
+std::unique_ptr<InstanceWatch> NewInstanceWatch(RunRooms& run) {
+    const RunOptions& options = run.options;
+    const std::string host = run.sckesmtp.LocalHostName();
+    return std::make_unique<InstanceWatch>(
+        InstanceWatch::Ports{run.store, run.files, run.timers, run.clock, run.status, run.log, run.collection,
+                             [&run](const Notification& mail) { run.alertMails.Alert(mail); }, [] { return std::int64_t{0}; }},
+        Instance{.name = Or(options.instance, host + ":" + options.dir.substr(options.dir.rfind('/') + 1)),
+                 .host = host,
+                 .pid = options.pid,
+                 .home = options.dir,
+                 .version = options.version});
+}
+
 }  // namespace
 
 RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
@@ -169,12 +182,14 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
               WriteSetting(desk, key, value);
               FollowSetting(desk, key);
           }),
+      instances(options.isShared ? NewInstanceWatch(*this) : nullptr),
       desk{*this,
            *this,
            person,
            options.dir,
            options.dataDir,
            options.version,
+           options.isShared,
            log,
            status,
            ids,
@@ -282,6 +297,7 @@ void Run::Form_Unload() {
     SaveOnExit();
     if (const std::string& error = run.settingsFile.LastWriteError(); !error.empty())
         run.log.WriteLog(kLogFatal, kLogError, "Save: " + error);
+    if (run.instances) run.instances->End();
     run.log.Info("Korvane Closing: Form_Unload:----------------------");
     run.log.Info("Korvane Closing: Form_Terminate:----------------------");
 }

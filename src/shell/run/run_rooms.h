@@ -21,6 +21,7 @@
 #include "resources/machine_watch.h"
 #include "shell/run/desk.h"
 #include "shell/run/heartbeat.h"
+#include "shell/run/instance_watch.h"
 #include "shell/run/ports.h"
 #include "shell/run/requests.h"
 #include "store/duty.h"
@@ -121,6 +122,7 @@ struct RunRooms : RunPorts {
     MailProof mailProof;
     MachineWatch machineWatch;
     Requests requests;
+    std::unique_ptr<InstanceWatch> instances;  ///< null unless the list is shared
     const Desk desk;
 };
 

@@ -269,6 +269,7 @@ Run::Started Run::StartUp() {
     run.mainWindow.LoadResourceMonitors();
     run.FollowSafeguards();
     run.requests.Start();
+    if (run.instances) run.instances->Start();
     run.service.Loaded();
     return Started::Running;
 }

@@ -160,6 +160,7 @@ private:
     void ShowDetail();
     void RestoreDetail();
     void mnuViewDetail();
+    void mnuViewInstances();
     std::vector<Command> Commands();
     void AttachEntryCommands();
 

@@ -9,6 +9,8 @@
 #include "shell/desktop/look/icons.h"
 #include "shell/desktop/main/frm_monitor.h"
 #include "shell/run/run.h"
+#include "store/database_files.h"
+#include "store/instances.h"
 
 namespace korvane {
 namespace {
@@ -77,6 +79,7 @@ std::vector<frmMonitor::Command> frmMonitor::Commands() {
         {kView, "mnuViewProblemsFirst", "&Problems First"},  // its mark is followed
         {kView, "mnuViewShowAll", "Show &All", "", none, [this] { bar_->TakeFilterOff(); }},
         {kView, "mnuViewDetail", "Show &Details", "", none, [this] { mnuViewDetail(); }},
+        {kView, "mnuViewInstances", "&Instances", "", none, [this] { mnuViewInstances(); }},  // only of a shared list
         {kSettings, "mnuOptions", "&Options...", "Ctrl+,", Settings, [this] { forms_->ShowOptions(); }},
         {kHelp, "mnuHelpWeb", "&Help on the Web", "", Help, show(WebPage::mnuHelpWeb)},
         {kHelp, "mnuHelpFeatures", "Fea&tures", "", none, show(WebPage::mnuHelpFeatures)},
@@ -130,6 +133,19 @@ void frmMonitor::AttachEntryCommands() {
     connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, enable);
     connect(model_, &QAbstractItemModel::layoutChanged, this, enable);
     enable();
+    actions_["mnuViewInstances"]->setVisible(run_->TheDesk().isShared);
+}
+
+void frmMonitor::mnuViewInstances() {
+    const Desk& desk = run_->TheDesk();
+    std::string text;
+    try {
+        for (const std::string& line : Instances(desk.store).Lines(*OpenDatabase(desk.store, desk.dir)))
+            text += (text.empty() ? "" : "\r\n") + line;
+    } catch (const std::exception& error) {
+        text = error.what();
+    }
+    ShowMessage("Instances", Or(text, "There is none."));
 }
 
 void frmMonitor::BuildMenus() {
