@@ -100,6 +100,7 @@ void CopyToFile(Session& session, const End& from, Report& report) {
     }
     RemoveJournals(desk.files, file);
     desk.files.Rename(unfinished, file);
+    RemoveJournals(desk.files, unfinished);  // an empty one stays
 }
 
 int Copy(Session& session, const std::string& fromWord, const std::string& toWord) {
