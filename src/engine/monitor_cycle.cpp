@@ -109,7 +109,7 @@ bool MonitorCycle::LookAtDatabase(Tick& tick) {
         isLate = !another && !tick.refused;
         if (another) tick.id = 0;
     }
-    if (goesOn) SummariseInTray(*tick.rs, atOnce);
+    if (goesOn && !(ports_.turn.IsShared() && tick.refused)) SummariseInTray(*tick.rs, atOnce);
     IgnoreErrors([&] { tick.rs->Close(); });
     IgnoreErrors([&] { tick.conn->Close(); });
     return another || (isLate && StepOver(tick, tick.owed.error.empty() ? "It stays due" : tick.owed.error));
@@ -324,6 +324,7 @@ void MonitorCycle::UpdateRow(Tick& tick) {
     } catch (const std::exception& error) {
         LogOfTick("tried to update record. err = " + std::string(error.what()), kLogError);
         NoteRefusal(tick, RefusalOf(error));
+        if (ports_.turn.IsShared()) return tick.rs->Close();
         // The row keeps its pending changes, and the first cursor move of the summary would try to write them again.
         tick.rs->Close();
         tick.rs->Open(tick.due, *tick.conn, CursorType::Keyset, LockType::Pessimistic);

@@ -107,15 +107,14 @@ std::string OutcomeAccounting::UpdateWithMails(Recordset& rs, Connection& conn) 
         End(true);
         return "";
     }
-    bool counted = false;
     conn.BeginTrans();
     try {
         rs.Update();
-        counted = true;
         ports_.outbox.WriteWith(conn);
         ports_.keeper.WriteWith(conn);
-    } catch (const std::exception&) {
-        CommitWhatThereIs(conn, counted);
+    } catch (const std::exception& error) {
+        CommitWhatThereIs(conn);
+        if (IsShared()) return error.what();
         throw;
     }
     try {
@@ -132,9 +131,11 @@ void OutcomeAccounting::Commit(Connection& conn) {
     End(true);
 }
 
-// Returns whether it is stored. Where instances share the list, mails without the row they belong to are not sent.
-bool OutcomeAccounting::CommitWhatThereIs(Connection& conn, bool counted) {
-    return IgnoreErrors([&] { IsShared() && !counted ? conn.CommitTrans() : ports_.outbox.Commit(conn); });
+// Returns whether it is stored. Where instances share the list, it is all or nothing: another may go on from here.
+bool OutcomeAccounting::CommitWhatThereIs(Connection& conn) {
+    if (!IsShared()) return IgnoreErrors([&] { ports_.outbox.Commit(conn); });
+    conn.Close();
+    return false;
 }
 
 void OutcomeAccounting::End(bool stored) {
@@ -257,7 +258,8 @@ void OutcomeAccounting::WriteTogether(Recordset& rs, Connection& conn, OwedFailu
         ports_.keeper.WriteWith(conn);
         if (IsShared()) ports_.witnesses->WriteWith(conn);
     } catch (const std::exception&) {
-        const bool kept = CommitWhatThereIs(conn, counted);
+        const bool kept = CommitWhatThereIs(conn);
+        if (IsShared() && !kept) owed.row.reset();
         if (counted && !kept) owed.uncommitted = std::exchange(owed.row, std::nullopt);
         throw;
     }

@@ -116,7 +116,7 @@ private:
     void Record(Recordset& rs, Connection& conn, OwedFailure& owed);
     std::string UpdateWithMails(Recordset& rs, Connection& conn);
     void Commit(Connection& conn);
-    bool CommitWhatThereIs(Connection& conn, bool counted);
+    bool CommitWhatThereIs(Connection& conn);
     void WriteTogether(Recordset& rs, Connection& conn, OwedFailure& owed);
     void AddFailureRow(Recordset& rs, Connection& conn, const OwedFailure::Row& row);
 

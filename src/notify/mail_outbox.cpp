@@ -206,6 +206,8 @@ void MailOutbox::Flush() {
 
 void MailOutbox::DropUnwritten() {
     std::erase_if(takenOver_, [](const Unwritten& unwritten) { return unwritten.mail.idEntry != 0; });
+    for (Unwritten& unwritten : takenOver_)
+        unwritten.id = unwritten.joins = 0;
 }
 
 // The mail about the failure must not be on its way, and nobody may have it: who has it gets the recovery as a mail of its own. So

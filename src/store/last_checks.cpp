@@ -159,10 +159,12 @@ void LastChecks::Write(Connection& conn, const LastCheck& check) {
     std::vector<Value> row{check.id, check.when.Stored()};
     for (const auto& [column, phase] : kPhaseColumns) {
         const auto& took = check.phases.*phase;
-        row.push_back(took ? Value(Milliseconds(*took)) : Value());
+        row.emplace_back();
+        if (took) row.back() = Milliseconds(*took);
     }
     row.emplace_back(StepsText(check.phases.steps));
-    row.push_back(check.phases.certificateEnd ? Value(check.phases.certificateEnd->Stored()) : Value());
+    row.emplace_back();
+    if (check.phases.certificateEnd) row.back() = check.phases.certificateEnd->Stored();
     AddRow(conn, kCreatesChecks, kForgetsChecks, [&] { conn.Execute(kWritesCheck, row); });
 }
 

@@ -34,6 +34,8 @@ std::string NewTimeStampID(const Clock& clock) {
 
 std::string ServerIds::NewServerID() {
     constexpr std::int64_t kNoId = -1;
+    if (scattered_)
+        return std::to_string(DigitsOr(NewTimeStampID(clock_) + std::to_string(1'000'000 + (*scattered_)() % 9'000'000), kNoId));
     // A damaged counter starts again, but never below what this run has issued.
     const std::int64_t stored = DigitsOr(file_.Read(kSection, kKey, ""), kDefaultLastNumber);
     const std::string stamp = NewTimeStampID(clock_);

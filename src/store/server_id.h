@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <random>
 #include <string>
 
 #include "platform/clock.h"
@@ -23,10 +25,15 @@ public:
     /// settings file. Two ids of one run never have the same number, even when the file cannot be written.
     std::string NewServerID();
 
+    /// For a list that others add rows to as well: from now on the number is a random one of seven digits, and the settings file
+    /// stays as it is.
+    void Scatter(std::uint32_t seed) { scattered_.emplace(seed); }
+
 private:
     IniFile& file_;
     const Clock& clock_;
     std::int64_t lastNumber_ = 0;
+    std::optional<std::mt19937> scattered_;
 };
 
 }  // namespace korvane

@@ -109,7 +109,10 @@ private:
         instance.world = &world;
         world.person.keepOnlyCounts = true;
         world.store.staysOpen = true;
-        world.world.beforeTime = [this, &instance](milliseconds moment) { Wait(instance, instance.born + moment); };
+        world.world.beforeTime = [this, &instance](milliseconds moment) {
+            Wait(instance, instance.born + moment);
+            MayDie(2000);
+        };
         world.store.faults.before = [this] { MayDie(3000); };
         for (int entry = 0; entry < entries_; ++entry) {
             VirtualHost& host = world.net.Host("10.1.0." + std::to_string(entry + 1));
@@ -132,7 +135,6 @@ private:
             Next();
         }
         Await(instance);
-        MayDie(2000);
     }
     void Next() {
         std::vector<Instance*> first;

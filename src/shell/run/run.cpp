@@ -221,6 +221,9 @@ RunRooms::RunRooms(const RunPorts& ports, RunOptions runOptions)
            ping} {
     const auto withoutPasswords = [this](std::string_view text) { return hiddenPasswords.In(text); };
     state.bMonitoring = !options.isGuest;
+    if (options.isShared)
+        ids.Scatter(static_cast<std::uint32_t>(std::hash<std::string>()(options.instance) +
+                                               static_cast<std::size_t>(clock.UtcNow().Seconds())));
     status.SetFilter(withoutPasswords);
     log.SetFilter(withoutPasswords);
     alertPath.OnProblem([this] { outbox.LookAtPath(); });
