@@ -10,7 +10,7 @@ using std::chrono::seconds;
 struct Account {
     struct Check {
         bool good;
-        Instance* by;
+        PlayedInstance* by;
         bool maybe = false;  ///< the instance was killed, or the store refused the outcome
     };
     int nTries;
@@ -23,8 +23,8 @@ class Ledger {
 public:
     Ledger(int instances, unsigned seed)
         : cluster_(instances, seed, "GlobalRetryDuration=60\n" + (seed % 2 == 0 ? "" : RecommendedSettings().substr(11))) {
-        cluster_.answers = [this](Instance& by, int entry) { return Ask(by, entry); };
-        cluster_.onKill = [this](Instance& by) { MayBeLost(by); };
+        cluster_.answers = [this](PlayedInstance& by, int entry) { return Ask(by, entry); };
+        cluster_.onKill = [this](PlayedInstance& by) { MayBeLost(by); };
         for (int i = 0; i < 10; ++i) {
             const std::string name = "e" + std::to_string(i);
             accounts_.push_back({.nTries = 1 + i % 4});
@@ -64,7 +64,7 @@ public:
 private:
     static constexpr auto kTime = 1h;
 
-    bool Ask(Instance& by, int entry) {
+    bool Ask(PlayedInstance& by, int entry) {
         Account& account = accounts_[static_cast<std::size_t>(entry)];
         Close(entry);
         const bool ends = cluster_.Time() > kTime;
@@ -87,7 +87,7 @@ private:
         }
         return good;
     }
-    void MayBeLost(Instance& by) {
+    void MayBeLost(PlayedInstance& by) {
         for (Account& account : accounts_)
             if (account.last && account.last->by == &by) account.last->maybe = true;
     }
@@ -144,9 +144,6 @@ INSTANTIATE_TEST_SUITE_P(Instances, SharedLists, testing::Values(1, 2, 5));
 
 TEST(Witnesses, OneCutLineAlarmsNobody) {
     Cluster cluster(3, 1, "Witnesses=2\nGlobalRetryDuration=60");
-    cluster.rows.Connected()->Execute("CREATE TABLE Instances (ID INTEGER PRIMARY KEY, strName TEXT, dtSeen TEXT)");
-    for (int i = 0; i < 3; ++i)
-        cluster.rows.Connected()->Execute("INSERT INTO Instances (dtSeen) VALUES ('2099-01-01 00:00:00')");
     for (int i = 0; i < 2; ++i)
         cluster.Add(
             With(Columns("strEmailList1 strEmailText", "a@x", "alarm"), {.strAddress_IP = "10.1.0." + std::to_string(i + 1),
@@ -155,7 +152,7 @@ TEST(Witnesses, OneCutLineAlarmsNobody) {
                                                                          .strExpectedText = "1000"}),
             i);
     int unseen = 0;
-    cluster.answers = [&](Instance& by, int) {
+    cluster.answers = [&](PlayedInstance& by, int) {
         const bool good = by.name != "i0" && cluster.Time() < 30min;
         unseen += by.name == "i0" && cluster.Time() < 30min ? 1 : 0;
         if (cluster.Time() < 30min) {

@@ -17,7 +17,7 @@
 
 namespace korvane {
 
-struct Instance {
+struct PlayedInstance {
     std::string name;
     TemporaryFolder home;
     std::chrono::milliseconds born{0}, time{0};  ///< of all
@@ -36,7 +36,7 @@ public:
         NeedQtApplication();  // which must belong to the main thread
         std::filesystem::copy_file(KORVANE_DIST_DIR "/kvempty.mdb", rows.Path());
         for (int i = 0; i < instances; ++i) {
-            Instance& instance = *instances_.emplace_back(std::make_unique<Instance>());
+            PlayedInstance& instance = *instances_.emplace_back(std::make_unique<PlayedInstance>());
             instance.name = "i" + std::to_string(i);
             std::ofstream(instance.home.Path() + "/kvurlwatchn.ini")
                 << "[Settings]\n" + settings + "\nBegin=0\nServer=mail.example\n";
@@ -44,10 +44,10 @@ public:
     }
 
     /// Whether the entry answers this instance.
-    std::function<bool(Instance& instance, int entry)> answers;
+    std::function<bool(PlayedInstance& instance, int entry)> answers;
     bool kills = false;
     int killed = 0;
-    std::function<void(Instance&)> onKill = [](Instance&) {};
+    std::function<void(PlayedInstance&)> onKill = [](PlayedInstance&) {};
     std::vector<VirtualMailServer::Mail> mails;
     std::multiset<std::string> commands;
 
@@ -73,7 +73,7 @@ public:
     milliseconds Time() const { return now_; }
 
 private:
-    void Live(Instance& instance) {
+    void Live(PlayedInstance& instance) {
         Await(instance);
         while (instance.time < end_) {
             instance.born = instance.time;
@@ -105,7 +105,7 @@ private:
         instance.ended = true;
         Next();
     }
-    void Begin(Instance& instance, World& world) {
+    void Begin(PlayedInstance& instance, World& world) {
         instance.world = &world;
         world.person.keepOnlyCounts = true;
         world.store.staysOpen = true;
@@ -128,7 +128,7 @@ private:
     }
 
     // Hands over until this instance is the first again.
-    void Wait(Instance& instance, milliseconds until) {
+    void Wait(PlayedInstance& instance, milliseconds until) {
         {
             const std::unique_lock lock(mutex_);
             instance.time = until;
@@ -137,7 +137,7 @@ private:
         Await(instance);
     }
     void Next() {
-        std::vector<Instance*> first;
+        std::vector<PlayedInstance*> first;
         for (const auto& each : instances_) {
             if (each->ended || (!first.empty() && each->time > first[0]->time)) continue;
             if (!first.empty() && each->time < first[0]->time) first.clear();
@@ -147,7 +147,7 @@ private:
         if (running_ != nullptr) now_ = running_->time;
         turn_.notify_all();
     }
-    void Await(Instance& instance) {
+    void Await(PlayedInstance& instance) {
         std::unique_lock lock(mutex_);
         turn_.wait(lock, [&] { return running_ == &instance; });
     }
@@ -162,10 +162,10 @@ public:
 
 private:
     PlayedServer server_{.file = rows.Path(), .now = [this] { return Now(); }};
-    std::vector<std::unique_ptr<Instance>> instances_;
+    std::vector<std::unique_ptr<PlayedInstance>> instances_;
     int entries_ = 0;
     milliseconds now_{0}, end_{0};
-    Instance* running_ = nullptr;
+    PlayedInstance* running_ = nullptr;
     std::mutex mutex_;
     std::condition_variable turn_;
 };
