@@ -16,7 +16,10 @@
 #include <string>
 
 #include "engine/http_requester.h"
+#include "engine/list_clock.h"
 #include "engine/monitor_cycle.h"
+#include "engine/server_away.h"
+#include "engine/shared_turn.h"
 #include "platform/curl/curl_inet.h"
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_files.h"
@@ -142,6 +145,9 @@ struct Machine {
     KeptAccounts kept{{database.TheStore(), clock, log, ids, safeguards, database.DriverString()}};
     BadEntries badEntries{{database.TheStore(), clock, status, log, safeguards, kept, database.DriverString()}};
     BlindAlarm blind{{clock, status, log, [](const Notification&) { return SendOutcome{}; }, safeguards}};
+    ListClock listClock{{clock, status, log}};
+    SharedTurn turn{{database.TheStore(), listClock, database.DriverString(), settings, nullptr}};
+    ServerAway away{{clock, status, log, manager, files, [](const Notification&) { return SendOutcome{}; }, database.Folder()}};
     MonitorCycle cycle{{database.TheStore(),
                         clock,
                         events,
@@ -163,7 +169,9 @@ struct Machine {
                         badEntries,
                         kept,
                         blind,
-                        keeper}};
+                        keeper,
+                        turn,
+                        away}};
     int count = 0;
     int checked = 0;
 };
